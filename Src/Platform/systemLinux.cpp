@@ -1,0 +1,20 @@
+#include "Platform/Platform.h"
+
+#include <sys/sysinfo.h>
+
+namespace corv::platform {
+
+quint64 installedMemoryKb()
+{
+    struct sysinfo info = {};
+    if (::sysinfo(&info) != 0)
+        return 0;
+    return static_cast<quint64>(info.totalram) * info.mem_unit / 1024;
+}
+
+QString longPath(const QString& path)
+{
+    return path;
+}
+
+} // namespace corv::platform

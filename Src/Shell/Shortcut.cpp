@@ -1,0 +1,43 @@
+#include "Shell/Shortcut.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QKeyEvent>
+
+Shortcut::Shortcut(QObject* parent) : QObject(parent)
+{
+    if (QCoreApplication* application = QCoreApplication::instance())
+        application->installEventFilter(this);
+}
+
+QVariant Shortcut::key() const
+{
+    return QVariant::fromValue(m_key);
+}
+
+void Shortcut::setKey(const QVariant& key)
+{
+    const QKeySequence sequence = key.value<QKeySequence>();
+    if (sequence == m_key)
+        return;
+    m_key = sequence;
+    emit keyChanged();
+}
+
+bool Shortcut::eventFilter(QObject* watched, QEvent* event)
+{
+    // Every event of the application passes here: the type is looked at first.
+    if (event->type() == QEvent::KeyRelease) {
+        m_pressed = false;
+    } else if (event->type() == QEvent::KeyPress && !m_key.isEmpty()) {
+        const auto* keyEvent = static_cast<QKeyEvent*>(event);
+        const int code = keyEvent->key();
+        const bool isModifier = code >= Qt::Key_Shift && code <= Qt::Key_Alt;
+        if (!isModifier && !m_pressed &&
+            QKeySequence(code + static_cast<int>(keyEvent->modifiers())) == m_key) {
+            m_pressed = true;
+            emit activated();
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}

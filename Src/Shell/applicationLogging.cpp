@@ -1,0 +1,82 @@
+#include "Shell/applicationLogging.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <unistd.h>
+
+namespace corv {
+namespace {
+
+constexpr qint64 rotationSizeBytes = 0x1000000; // 16 MiB
+
+QString logFilePath()
+{
+    // The local data folder of the application: the location once called DataLocation.
+    return QDir::cleanPath(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+                           QDir::separator() + QStringLiteral("Vistrel.log"));
+}
+
+} // namespace
+
+ApplicationLogging::ApplicationLogging() : m_filePath(logFilePath()) {}
+
+ApplicationLogging& ApplicationLogging::instance()
+{
+    static ApplicationLogging logging;
+    return logging;
+}
+
+void ApplicationLogging::init()
+{
+    const QDir folder = QFileInfo(m_filePath).dir();
+    if (!folder.mkpath(QStringLiteral("."))) {
+        qWarning() << "Unable to create folder: " << folder.path();
+        return;
+    }
+    m_file.setFileName(m_filePath);
+    // Unbuffered: a line is one append to the file, and nothing waits in memory for a crash.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)) {
+        qWarning() << "Unable to open log file : " << m_filePath;
+        return;
+    }
+    if (m_file.size() >= rotationSizeBytes) {
+        m_file.close();
+        const QString oldPath = m_filePath + QStringLiteral(".old");
+        QFile::remove(oldPath);
+        if (!QFile::rename(m_filePath, oldPath) && !QFile::remove(m_filePath)) {
+            // Neither moved nor deleted: growing further beats asking for ever.
+            m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+        } else {
+            init();
+            return;
+        }
+    }
+    qSetMessagePattern(
+        QStringLiteral("[%{category}] [%{type}] [%{time}] [%{threadid}] [%{function}] %{message}"));
+    qInstallMessageHandler(&ApplicationLogging::messageHandler);
+}
+
+void ApplicationLogging::messageHandler(QtMsgType type, const QMessageLogContext& context,
+                                        const QString& message)
+{
+    // The whole line in one system call on a descriptor in append mode: lines of different threads
+    // follow one another and never mix, without a lock. Only the descriptor is shared, and it never
+    // changes after `init`.
+    const QByteArray line = qFormatLogMessage(type, context, message).toUtf8() + '\n';
+    const int descriptor = instance().m_file.handle();
+    if (descriptor < 0)
+        return;
+    const char* rest = line.constData();
+    qint64 left = line.size();
+    while (left > 0) {
+        const ssize_t written = ::write(descriptor, rest, static_cast<size_t>(left));
+        if (written <= 0)
+            return; // a full disk costs the line, not the program
+        rest += written;
+        left -= written;
+    }
+}
+
+} // namespace corv

@@ -1,0 +1,75 @@
+#include "Threads/post.h"
+
+#include "Threads/annotate.h"
+
+#include <QMetaObject>
+#include <QObject>
+#include <QTimer>
+#include <utility>
+
+namespace corv {
+namespace {
+
+struct PostedJob
+{
+    std::function<void()> run;
+};
+
+// What Qt queues. It holds nothing but the address of the job, which serves as the token of the
+// hand-over as well. Qt moves it into memory allocated after the job was released, so it releases
+// once more there; and it may be dropped unrun, on either thread, when the target dies.
+class QueuedJob
+{
+public:
+    explicit QueuedJob(std::function<void()> run) : m_job(new PostedJob{std::move(run)})
+    {
+        annotateRelease(m_job);
+    }
+
+    CORV_UNSYNCHRONISED QueuedJob(QueuedJob&& other) noexcept : m_job(other.m_job)
+    {
+        other.m_job = nullptr;
+        annotateRelease(m_job);
+    }
+
+    CORV_UNSYNCHRONISED ~QueuedJob()
+    {
+        if (m_job) {
+            annotateAcquire(m_job);
+            destroy(m_job);
+        }
+    }
+
+    CORV_UNSYNCHRONISED void operator()()
+    {
+        annotateAcquire(m_job);
+        call(m_job);
+    }
+
+    QueuedJob(const QueuedJob&) = delete;
+    QueuedJob& operator=(const QueuedJob&) = delete;
+    QueuedJob& operator=(QueuedJob&&) = delete;
+
+private:
+    static void call(PostedJob* job) { job->run(); }
+    static void destroy(PostedJob* job) { delete job; }
+
+    PostedJob* m_job;
+};
+
+} // namespace
+
+void post(QObject* target, std::function<void()> job)
+{
+    QMetaObject::invokeMethod(target, QueuedJob(std::move(job)), Qt::QueuedConnection);
+}
+
+void postAfter(int delayMs, QObject* target, std::function<void()> job)
+{
+    // A timer started on a thread without an event loop would never fire: it is started over there.
+    post(target, [delayMs, target, job = std::move(job)]() mutable {
+        QTimer::singleShot(delayMs, Qt::PreciseTimer, target, std::move(job));
+    });
+}
+
+} // namespace corv
