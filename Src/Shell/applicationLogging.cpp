@@ -35,6 +35,7 @@ void ApplicationLogging::init()
         qWarning() << "Unable to create folder: " << folder.path();
         return;
     }
+    m_file.close();
     m_file.setFileName(m_filePath);
     // Unbuffered: a line is one append to the file, and nothing waits in memory for a crash.
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)) {
@@ -42,13 +43,10 @@ void ApplicationLogging::init()
         return;
     }
     if (m_file.size() >= rotationSizeBytes) {
-        m_file.close();
         const QString oldPath = m_filePath + QStringLiteral(".old");
         QFile::remove(oldPath);
-        if (!QFile::rename(m_filePath, oldPath) && !QFile::remove(m_filePath)) {
-            // Neither moved nor deleted: growing further beats asking for ever.
-            m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
-        } else {
+        // Where it can be neither moved nor deleted, growing further beats asking for ever.
+        if (QFile::rename(m_filePath, oldPath) || QFile::remove(m_filePath)) {
             init();
             return;
         }

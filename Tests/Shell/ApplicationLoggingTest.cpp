@@ -28,6 +28,8 @@ private slots:
     void runsOnWithoutAFolder();
 
 private:
+    QtMessageHandler m_testHandler = nullptr;
+
     QString path() const { return ApplicationLogging::instance().filePath(); }
     static QByteArray contents(const QString& path);
     static void write(const QString& path, qint64 size, char fill);
@@ -48,6 +50,8 @@ void ApplicationLoggingTest::write(const QString& path, qint64 size, char fill)
 
 void ApplicationLoggingTest::initTestCase()
 {
+    m_testHandler = qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(m_testHandler);
     QStandardPaths::setTestModeEnabled(true);
     QCoreApplication::setOrganizationName(QStringLiteral("Corvenity"));
     QCoreApplication::setApplicationName(QStringLiteral("Vistrel-logging-test"));
@@ -56,14 +60,14 @@ void ApplicationLoggingTest::initTestCase()
 
 void ApplicationLoggingTest::init()
 {
-    qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(m_testHandler);
     QFileInfo(path()).dir().removeRecursively();
     QVERIFY(QFileInfo(path()).dir().mkpath(QStringLiteral(".")));
 }
 
 void ApplicationLoggingTest::cleanup()
 {
-    qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(m_testHandler);
     QFileInfo(path()).dir().removeRecursively();
 }
 
