@@ -1,0 +1,19 @@
+import QtQuick 2.7
+import QtQuick.Controls 2.2 as C2
+
+C2.ToolTip {
+    id: corvToolTip
+
+    delay: 1000
+    timeout: 5000
+    padding: 5
+
+    contentItem: Text {
+        text: corvToolTip.text
+        color: "#ffffff"
+    }
+    background: Rectangle {
+        color: "#000000"
+        border.color: "#ffffff"
+    }
+}

@@ -1,0 +1,33 @@
+#include "App/qmlTypes.h"
+
+#include "Shell/AppInfo.h"
+#include "Shell/ApplicationTelemetry.h"
+#include "Shell/Shortcut.h"
+
+#include <qqml.h>
+
+namespace corv {
+namespace {
+
+template <class Type>
+QObject* provide(QQmlEngine*, QJSEngine*)
+{
+    return new Type;
+}
+
+template <class Type>
+void registerSingleton(const char* module, const char* name)
+{
+    qmlRegisterSingletonType<Type>(module, 1, 0, name, provide<Type>);
+}
+
+} // namespace
+
+void registerQmlTypes()
+{
+    registerSingleton<AppInfo>("corv.AppInfo", "AppInfo");
+    registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
+    qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
+}
+
+} // namespace corv
