@@ -15,7 +15,7 @@ function withoutPrefix(url, os) {
 
 // What is left of "file:" once the prefix did not match: a share, "file://server/a".
 function undecodedPath(url, os) {
-    return withoutPrefix(url, os).replace("file:", "");
+    return withoutPrefix(url, os).replace(/^file:/, "");
 }
 
 function decodedPath(url, os) {
