@@ -1,0 +1,616 @@
+#include "Project/ProjectFileLoader.h"
+
+#include "Support/MessageLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <chrono>
+#include <csignal>
+#include <random>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using corv::ProjectFileLoader;
+using corv::test::MessageLog;
+
+namespace {
+
+QVariantMap mark(int timeMs, const QString& name, const QString& comment = {})
+{
+    return {{"time", timeMs}, {"name", name}, {"comment", comment}};
+}
+
+QVariantMap flightProperties(const QVariantList& marks = {})
+{
+    const QVariantMap display{{"brightness", 0.25}, {"contrast", 1.5}};
+    const QVariantMap designation{{"flight_name", QString::fromUtf8("Été «7»")},
+                                  {"flight_number", 7}};
+    return {{"properties", QVariantMap{{"display", display}, {"designation", designation}}},
+            {"poi", marks}};
+}
+
+QVariantList marksNamed(const QString& name, int count)
+{
+    QVariantList marks;
+    for (int i = 0; i < count; ++i)
+        marks.append(mark(i * 40, name));
+    return marks;
+}
+
+void writeFile(const QString& path, const QByteArray& content)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QJsonObject savedFlight(const QString& path)
+{
+    const QJsonObject root = QJsonDocument::fromJson(readFile(path)).object();
+    return root["contents"].toObject()["flights"].toArray().at(0).toObject();
+}
+
+QByteArray project(const QByteArray& flight)
+{
+    return "{\"format_ver\":\"1.0\",\"contents\":{\"flights\":[" + flight + "]}}";
+}
+
+/// No file of this process may grow past a limit while this lives, as on a disk that is full.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes)
+    {
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit limited = m_before;
+        limited.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limited);
+    }
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int) = nullptr;
+};
+
+/// Gives up the rights of the administrator, who may write anywhere, while it lives.
+class PlainUser
+{
+public:
+    PlainUser() : m_before(geteuid())
+    {
+        if (m_before == 0)
+            m_changed = seteuid(65534) == 0;
+    }
+    ~PlainUser()
+    {
+        if (m_changed && seteuid(m_before) != 0)
+            qFatal("cannot take the rights back");
+    }
+
+private:
+    uid_t m_before;
+    bool m_changed = false;
+};
+
+} // namespace
+
+class ProjectFileLoaderTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QScopedPointer<QTemporaryDir> m_folder;
+    ProjectFileLoader m_loader;
+
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+
+private slots:
+    void init()
+    {
+        m_folder.reset(new QTemporaryDir);
+        QVERIFY(m_folder->isValid());
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7755)));
+    }
+
+    void writesTheStatedDocument()
+    {
+        const QVariantList marks{mark(1000, "A", "line\nline"), mark(2000, "B")};
+        m_loader.saveProject(path("in/a.log"), path("in/a.mp4"), path("p.ecor"),
+                             flightProperties(marks));
+
+        const QByteArray text = readFile(path("p.ecor"));
+        QVERIFY(text.startsWith("{\n    \"contents\": {\n        \"flights\": [\n"));
+        QVERIFY(text.indexOf("\"contents\"") < text.indexOf("\"format_ver\": \"1.0\""));
+        const QJsonObject flight = savedFlight(path("p.ecor"));
+        QCOMPARE(flight.keys(), QStringList({"files", "poi", "properties"}));
+        QCOMPARE(flight["files"].toObject(),
+                 QJsonObject({{"video", "in/a.mp4"}, {"log", "in/a.log"}}));
+        QCOMPARE(flight["poi"].toArray().size(), 2);
+        QCOMPARE(flight["poi"].toArray().at(0).toObject(),
+                 QJsonObject({{"time", 1000}, {"name", "A"}, {"comment", "line\nline"}}));
+        QCOMPARE(flight["properties"].toObject()["display"].toObject(),
+                 QJsonObject({{"brightness", 0.25}, {"contrast", 1.5}}));
+    }
+
+    void logsTheSaving()
+    {
+        MessageLog log;
+        m_loader.saveProject("/m/a.log", "/m/a.mp4", path("p.ecor"), {});
+        const QStringList infos = log.messages(QtInfoMsg);
+        const QString quoted = '"' + path("p.ecor") + '"';
+        const QString up = QDir(m_folder->path()).relativeFilePath("/m/a");
+        QCOMPARE(infos, QStringList({
+                            "Saving this project l \"/m/a.log\" v \"/m/a.mp4\"  file  " + quoted,
+                            "Log path: \"/m/a.log\"",
+                            "Video path: \"/m/a.mp4\"",
+                            "Project path " + quoted,
+                            "Log relative dir: \"" + up + ".log\"",
+                            "Video relative dir: \"" + up + ".mp4\"",
+                            "Project file path: " + quoted,
+                        }));
+    }
+
+    void savesUnderTheUrlOfTheProject()
+    {
+        MessageLog log;
+        m_loader.saveProject("/m/a.log", "/m/a.mp4", "file://" + path("p.ecor"),
+                             flightProperties({mark(5, "A")}));
+        QVERIFY(log.contains("Project file path: \"//" + path("p.ecor") + '"'));
+        QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 1);
+    }
+
+    void anythingComesBackAsItWas_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << "Roof";
+        QTest::newRow("empty") << "";
+        QTest::newRow("accents") << QString::fromUtf8("Éolienne à côté — 3 °C");
+        QTest::newRow("right to left") << QString::fromUtf8("שלום مرحبا");
+        QTest::newRow("beyond the first plane") << QString::fromUtf8("🚁🔥 𝔘𝔫𝔦");
+        QTest::newRow("markup and quotes") << "<&>\"'\\/";
+        QTest::newRow("control characters") << QString::fromUtf8("a\tb\nc\x01");
+        QTest::newRow("long") << QString(100000, 'x');
+    }
+
+    void anythingComesBackAsItWas()
+    {
+        QFETCH(QString, name);
+        const QVariantMap properties = flightProperties({mark(86399999, name, name + name)});
+        m_loader.saveProject(path("v.log"), path("v.mp4"), path("p.ecor"), properties);
+        const QVariantMap loaded = m_loader.loadProject(path("p.ecor"));
+        QCOMPARE(loaded["poi"].toList().size(), 1);
+        const QVariantMap poi = loaded["poi"].toList().at(0).toMap();
+        QCOMPARE(poi["name"].toString(), name);
+        QCOMPARE(poi["comment"].toString(), name + name);
+        QCOMPARE(poi["time"].toInt(), 86399999);
+        QCOMPARE(QJsonObject::fromVariantMap(loaded["properties"].toMap()),
+                 QJsonObject::fromVariantMap(properties["properties"].toMap()));
+    }
+
+    void namesOfFoldersInAnyLanguageSurvive()
+    {
+        const QString folder = path(QString::fromUtf8("Été à l'eau 空中/#1 50% \"x\""));
+        writeFile(folder + "/v.mp4", "v");
+        writeFile(folder + "/v.log", "l");
+        m_loader.saveProject(folder + "/v.log", folder + "/v.mp4", folder + "/p.ecor", {});
+        const QVariantMap loaded = m_loader.loadProject(folder + "/p.ecor");
+        QCOMPARE(loaded["videoFile"].toString(), folder + "/v.mp4");
+        QVERIFY(loaded["videoFileExists"].toBool());
+        QVERIFY(loaded["logFileExists"].toBool());
+    }
+
+    void movedWithItsFilesItOpens()
+    {
+        writeFile(path("one/media/v.mp4"), "v");
+        writeFile(path("one/v.log"), "l");
+        m_loader.saveProject(path("one/v.log"), path("one/media/v.mp4"), path("one/p.ecor"), {});
+        QVERIFY(QFile::rename(path("one"), path("two")));
+        const QVariantMap loaded = m_loader.loadProject(path("two/p.ecor"));
+        QCOMPARE(loaded["videoFile"].toString(), path("two/media/v.mp4"));
+        QCOMPARE(loaded["logFile"].toString(), path("two/v.log"));
+        QCOMPARE(loaded["videoFileExists"], QVariant(true));
+        QCOMPARE(loaded["logFileExists"], QVariant(true));
+    }
+
+    void movedAloneItOpensWithoutItsFiles()
+    {
+        writeFile(path("one/v.mp4"), "v");
+        writeFile(path("one/v.log"), "l");
+        m_loader.saveProject(path("one/v.log"), path("one/v.mp4"), path("one/p.ecor"), {});
+        QVERIFY(QDir().mkpath(path("two")));
+        QVERIFY(QFile::rename(path("one/p.ecor"), path("two/p.ecor")));
+        const QVariantMap loaded = m_loader.loadProject(path("two/p.ecor"));
+        QCOMPARE(loaded["loaded"], QVariant(true));
+        QCOMPARE(loaded["videoFile"].toString(), path("two/v.mp4"));
+        QCOMPARE(loaded["videoFileExists"], QVariant(false));
+        QCOMPARE(loaded["logFileExists"], QVariant(false));
+    }
+
+    void resolvesStoredPaths_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("resolved");
+        QTest::newRow("beside") << "v.mp4"
+                                << "%1/v.mp4";
+        QTest::newRow("below") << "a/b/../v.mp4"
+                               << "%1/a/v.mp4";
+        QTest::newRow("above, cleaned") << "./../v.mp4"
+                                        << "%2/v.mp4";
+        QTest::newRow("absolute, unchanged") << "/x/../y//v.mp4"
+                                             << "/x/../y//v.mp4";
+        QTest::newRow("prefix") << "file:///x/v.mp4"
+                                << "///x/v.mp4";
+        QTest::newRow("prefix, one slash") << "file:/x/v.mp4"
+                                           << "/x/v.mp4";
+        QTest::newRow("prefix is case-sensitive") << "File:/v.mp4"
+                                                  << "%1/File:/v.mp4";
+        QTest::newRow("empty") << ""
+                               << "%1";
+        QTest::newRow("a NUL inside")
+            << QString::fromUtf8("a\0b", 3) << "%1/" + QString::fromUtf8("a\0b", 3);
+    }
+
+    void resolvesStoredPaths()
+    {
+        QFETCH(QString, stored);
+        QFETCH(QString, resolved);
+        const QJsonObject files{{"video", stored}, {"log", stored}};
+        writeFile(path("p.ecor"), project(QJsonDocument(QJsonObject{{"files", files}}).toJson()));
+        resolved.replace("%1", m_folder->path());
+        resolved.replace("%2", QFileInfo(m_folder->path()).absolutePath());
+        const QVariantMap loaded = m_loader.loadProject(path("p.ecor"));
+        QCOMPARE(loaded["videoFile"].toString(), resolved);
+        QCOMPARE(loaded["logFile"].toString(), resolved);
+    }
+
+    void aStoredUrlIsNotResolvedEvenIfItCouldBe()
+    {
+        writeFile(path("file:/v.mp4"), "v");
+        writeFile(path("p.ecor"), project(R"({"files":{"video":"file:/v.mp4","log":""}})"));
+        const QVariantMap loaded = m_loader.loadProject(path("p.ecor"));
+        QCOMPARE(loaded["videoFile"].toString(), QString("/v.mp4"));
+        QCOMPARE(loaded["videoFileExists"], QVariant(false));
+    }
+
+    void logsTheLoading()
+    {
+        m_loader.saveProject(path("v.log"), path("v.mp4"), path("p.ecor"),
+                             flightProperties({mark(1, "A")}));
+        MessageLog log;
+        m_loader.loadProject(path("p.ecor"));
+        QCOMPARE(
+            log.messages(QtInfoMsg),
+            QStringList({"Start loading project \"" + path("p.ecor") + '"', "File has POIs inside",
+                         "Log path \"v.log\"", "Video path \"v.mp4\""}));
+        QVERIFY(log.messages(QtWarningMsg).isEmpty());
+    }
+
+    void whatCannotBeOpenedIsNotLoaded_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("missing") << "none.ecor";
+        QTest::newRow("a folder") << "folder";
+        QTest::newRow("a pipe that nobody writes to") << "pipe";
+    }
+
+    void whatCannotBeOpenedIsNotLoaded()
+    {
+        QFETCH(QString, name);
+        QVERIFY(QDir().mkpath(path("folder")));
+        QCOMPARE(mkfifo(qPrintable(path("pipe")), 0600), 0);
+        MessageLog log;
+        const QVariantMap loaded = m_loader.loadProject(path(name));
+        QCOMPARE(loaded, QVariantMap({{"loaded", false}}));
+        QCOMPARE(log.messages(QtWarningMsg), QStringList({"Impossible to open file"}));
+    }
+
+    void unreadableIsNotLoaded()
+    {
+        writeFile(path("p.ecor"), project("{}"));
+        QVERIFY(QFile::setPermissions(path("p.ecor"), QFile::WriteOwner));
+        MessageLog log;
+        const PlainUser user;
+        QCOMPARE(m_loader.loadProject(path("p.ecor")), QVariantMap({{"loaded", false}}));
+        QVERIFY(log.contains("Impossible to open file"));
+    }
+
+    void brokenContentOpensAsFarAsItMakesSense_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<bool>("hasVideo");
+        QTest::addColumn<bool>("hasLog");
+        QTest::addColumn<int>("marks"); // -1: no list
+        const QByteArray files = R"("files":{"video":"v","log":"l"})";
+        QTest::newRow("empty") << QByteArray() << false << false << -1;
+        QTest::newRow("no JSON") << QByteArray("\xff\xfe\x00garbage", 10) << false << false << -1;
+        QTest::newRow("an array") << QByteArray("[1,2]") << false << false << -1;
+        QTest::newRow("cut off") << project("{" + files + "}").chopped(3) << false << false << -1;
+        QTest::newRow("contents is text")
+            << QByteArray(R"({"contents":"x"})") << false << false << -1;
+        QTest::newRow("flights is an object")
+            << QByteArray(R"({"contents":{"flights":{"0":{}}}})") << false << false << -1;
+        QTest::newRow("no flight") << project("") << false << false << -1;
+        QTest::newRow("flight is a number") << project("5") << false << false << -1;
+        QTest::newRow("files is an array")
+            << project(R"({"files":["v","l"]})") << false << false << -1;
+        QTest::newRow("video is a number")
+            << project(R"({"files":{"video":5,"log":"l"}})") << false << true << -1;
+        QTest::newRow("log is null")
+            << project(R"({"files":{"video":"v","log":null}})") << true << false << -1;
+        QTest::newRow("properties is text, poi an object")
+            << project("{" + files + R"(,"properties":"x","poi":{"0":1}})") << true << true << -1;
+        QTest::newRow("poi is empty")
+            << project("{" + files + R"(,"poi":[]})") << true << true << 0;
+        QTest::newRow("poi of anything")
+            << project("{" + files +
+                       R"(,"poi":[1,"x",null,[],{},{"time":"x"},{"time":1e300},{"time":-5}]})")
+            << true << true << 8;
+        QTest::newRow("only the first flight counts")
+            << project("{" + files + R"(,"poi":[{}]},{"files":{},"poi":[{},{}]})") << true << true
+            << 1;
+        QTest::newRow("unknown format")
+            << QByteArray(R"({"format_ver":"9.7","contents":{"flights":[{)" + files + "}]}}")
+            << true << true << -1;
+        QTest::newRow("nested too deeply")
+            << project("{" + files + ",\"properties\":" + QByteArray(2000000, '[') + "}") << false
+            << false << -1;
+        QTest::newRow("objects nested too deeply")
+            << project("{" + files + ",\"properties\":" + QByteArray(R"({"a":)").repeated(500000))
+            << false << false << -1;
+    }
+
+    void brokenContentOpensAsFarAsItMakesSense()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(bool, hasVideo);
+        QFETCH(bool, hasLog);
+        QFETCH(int, marks);
+        writeFile(path("p.ecor"), text);
+        MessageLog log;
+        const QVariantMap loaded = m_loader.loadProject(path("p.ecor"));
+
+        QCOMPARE(loaded["loaded"], QVariant(true));
+        QCOMPARE(loaded["videoFile"].toString(), m_folder->path() + (hasVideo ? "/v" : ""));
+        QCOMPARE(loaded["logFile"].toString(), m_folder->path() + (hasLog ? "/l" : ""));
+        QCOMPARE(loaded["videoFileExists"], QVariant(false));
+        QCOMPARE(loaded["logFileExists"], QVariant(false));
+        QCOMPARE(loaded["properties"], QVariant(QVariantMap()));
+        QCOMPARE(loaded.contains("poi"), marks >= 0);
+        QCOMPARE(loaded["poi"].toList().size(), qMax(0, marks));
+        QCOMPARE(log.count("Unable to find video path"), hasVideo ? 0 : 1);
+        QCOMPARE(log.count("Unable to find log path"), hasLog ? 0 : 1);
+        QCOMPARE(log.count("File has POIs inside"), marks >= 0 ? 1 : 0);
+        QCOMPARE(log.count("File has no POIs inside"), marks >= 0 ? 0 : 1);
+    }
+
+    void gigabytesAreNotRead()
+    {
+        QFile file(path("p.ecor"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.resize(qint64(8) << 30)); // takes no room on the disk
+        file.close();
+        MessageLog log;
+        const QVariantMap loaded = m_loader.loadProject(path("p.ecor"));
+        QCOMPARE(loaded["loaded"], QVariant(true));
+        QCOMPARE(loaded["videoFileExists"], QVariant(false));
+        QVERIFY(log.messages(QtWarningMsg)
+                    .contains("Project file is too large \"" + path("p.ecor") + '"'));
+        QVERIFY(log.contains("Unable to find video path"));
+    }
+
+    void aMillionMarksAreCutOff()
+    {
+        QByteArray poi = R"({"time":0})";
+        poi += QByteArray(R"(,{"time":1})").repeated(999999);
+        writeFile(path("p.ecor"),
+                  project(R"({"files":{"video":"v","log":"l"},"poi":[)" + poi + "]}"));
+        MessageLog log;
+        const QVariantList marks = m_loader.loadProject(path("p.ecor"))["poi"].toList();
+        QCOMPARE(marks.size(), ProjectFileLoader::mostMarks);
+        QCOMPARE(marks.first().toMap()["time"].toInt(), 0);
+        QVERIFY(log.contains("Too many POIs in file, kept 100000 of 1000000"));
+    }
+
+    void replacesAnExistingProjectAsAWhole()
+    {
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("A", 500)));
+        QVERIFY(QFile::setPermissions(path("p.ecor"), QFile::ReadOwner | QFile::WriteOwner));
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("B", 2)));
+        QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 2);
+        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList({"p.ecor"}));
+        QCOMPARE(QFile::permissions(path("p.ecor")) & QFile::ReadOther, QFile::Permissions());
+    }
+
+    void aLinkStaysALink()
+    {
+        QVERIFY(QDir().mkpath(path("real")));
+        writeFile(path("real/p.ecor"), "old");
+        QVERIFY(QFile::link(path("real/p.ecor"), path("p.ecor")));
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({mark(1, "A")}));
+        QVERIFY(QFileInfo(path("p.ecor")).isSymLink());
+        QCOMPARE(savedFlight(path("real/p.ecor"))["poi"].toArray().size(), 1);
+    }
+
+    void onAFullDiskTheEarlierProjectIsWhole()
+    {
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("A", 50)));
+        const QByteArray before = readFile(path("p.ecor"));
+        MessageLog log;
+        {
+            const FullDisk disk(8192);
+            m_loader.saveProject("/l", "/v", path("p.ecor"),
+                                 flightProperties(marksNamed("B", 5000)));
+        }
+        QCOMPARE(readFile(path("p.ecor")), before);
+        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList({"p.ecor"}));
+        QCOMPARE(log.messages(QtInfoMsg).filter("Unable to save file").size(), 1);
+    }
+
+    void tellsWhatCannotBeWritten()
+    {
+        MessageLog log;
+        m_loader.saveProject("/l", "/v", path("none/p.ecor"), {});
+        QCOMPARE(log.messages(QtInfoMsg).last(),
+                 QString("Unable to save file \"No such file or directory\""));
+    }
+
+    void writesDirectlyWhereTheFolderForbidsASecondFile()
+    {
+        writeFile(path("p.ecor"), "old");
+        QVERIFY(QFile::setPermissions(path("p.ecor"), QFile::Permissions(0x6666)));
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x5555)));
+        {
+            const PlainUser user;
+            m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({mark(1, "A")}));
+        }
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7755)));
+        QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 1);
+    }
+
+    void killedAtAnyMomentTheEarlierOrTheNewProjectIsThere()
+    {
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("0", 300)));
+        std::mt19937 random(20180521);
+        QSet<QString> survivors;
+        for (int round = 0; round < 200; ++round) {
+            const pid_t child = fork();
+            QVERIFY(child >= 0);
+            if (child == 0) {
+                qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+                for (int version = 1;; ++version) {
+                    const QString name = QString::number(version);
+                    m_loader.saveProject("/l", "/v", path("p.ecor"),
+                                         flightProperties(marksNamed(name, 300)));
+                }
+            }
+            // The random moment is what is tested, so this is no wait for a condition.
+            std::this_thread::sleep_for(std::chrono::microseconds(random() % 8000));
+            kill(child, SIGKILL);
+            QCOMPARE(waitpid(child, nullptr, 0), child);
+
+            const QVariantList marks = m_loader.loadProject(path("p.ecor"))["poi"].toList();
+            QCOMPARE(marks.size(), 300);
+            const QString name = marks.first().toMap()["name"].toString();
+            for (const QVariant& poi : marks)
+                QCOMPARE(poi.toMap()["name"].toString(), name);
+            survivors.insert(name);
+        }
+        QVERIFY2(survivors.size() > 1, "no child ever saved: nothing was tested");
+    }
+
+    void copiesFitOnlyBelowTheFreeSpace_data()
+    {
+        QTest::addColumn<qint64>("freeBytes");
+        QTest::addColumn<bool>("fits");
+        QTest::newRow("one byte more") << qint64(31) << true;
+        QTest::newRow("exactly equal") << qint64(30) << false;
+        QTest::newRow("less") << qint64(29) << false;
+        QTest::newRow("none") << qint64(0) << false;
+        QTest::newRow("unknown") << qint64(-1) << true;
+    }
+
+    void copiesFitOnlyBelowTheFreeSpace()
+    {
+        QFETCH(qint64, freeBytes);
+        QFETCH(bool, fits);
+        QCOMPARE(corv::sourceFilesFit(10, 20, freeBytes), fits);
+    }
+
+    void asksTheVolumeOfTheProject()
+    {
+        writeFile(path("v.log"), "12345");
+        writeFile(path("v.mp4"), "1234567");
+        MessageLog log;
+        QVERIFY(m_loader.canSourceFilesBeCopied(path("v.log"), path("v.mp4"), path("p.ecor")));
+        QVERIFY(log.contains("File size (log): 5 bytes"));
+        QVERIFY(log.contains("File size (video): 7 bytes"));
+        QCOMPARE(log.messages(QtInfoMsg)
+                     .filter(QRegularExpression("^Remaining space on drive \".*\" : [0-9]+ bytes$"))
+                     .size(),
+                 1);
+        QVERIFY(log.contains("Copy possible, enough space free or free space can't be determined "
+                             "but sufficient space is expected"));
+    }
+
+    void refusesWhatTheVolumeCannotHold()
+    {
+        QFile huge(path("v.mp4"));
+        QVERIFY(huge.open(QIODevice::WriteOnly));
+        QVERIFY(huge.resize(qint64(1) << 43));
+        MessageLog log;
+        QVERIFY(!m_loader.canSourceFilesBeCopied(path("v.log"), path("v.mp4"), path("p.ecor")));
+        QVERIFY(log.contains("Not enough space to copy files"));
+    }
+
+    void copiesTheMediaBesideTheProject()
+    {
+        writeFile(path("in/f.1.log"), "log");
+        writeFile(path("in/f.1.MP4"), "video");
+        MessageLog log;
+        QVERIFY(m_loader.copySourceFilesAndSaveProject(path("in/f.1.log"), path("in/f.1.MP4"),
+                                                       path("out.v2.ecor"), flightProperties()));
+        QCOMPARE(readFile(path("out.v2_log.log")), QByteArray("log"));
+        QCOMPARE(readFile(path("out.v2_video.MP4")), QByteArray("video"));
+        QCOMPARE(savedFlight(path("out.v2.ecor"))["files"].toObject(),
+                 QJsonObject({{"video", "out.v2_video.MP4"}, {"log", "out.v2_log.log"}}));
+        const QStringList infos = log.messages(QtInfoMsg).mid(0, 4);
+        QCOMPARE(infos,
+                 QStringList(
+                     {"Copy \"" + path("in/f.1.log") + "\" to \"" + path("out.v2_log.log") + '"',
+                      "Logs copy completed",
+                      "Copy \"" + path("in/f.1.MP4") + "\" to \"" + path("out.v2_video.MP4") + '"',
+                      "Video copy completed"}));
+    }
+
+    void copiedTwiceUnderOneNameTheProjectRefersToTheOriginals()
+    {
+        writeFile(path("in/v.log"), "log");
+        writeFile(path("in/v.mp4"), "video");
+        const auto copy = [this] {
+            return m_loader.copySourceFilesAndSaveProject(path("in/v.log"), path("in/v.mp4"),
+                                                          path("p.ecor"), flightProperties());
+        };
+        QVERIFY(copy());
+        MessageLog log;
+        QVERIFY(!copy());
+        QVERIFY(log.contains("Logs copy failed"));
+        QVERIFY(log.contains("Video copy failed"));
+        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(),
+                 QJsonObject({{"video", "in/v.mp4"}, {"log", "in/v.log"}}));
+    }
+
+    void theVideoIsCopiedAlsoIfTheLogCannotBe()
+    {
+        writeFile(path("in/v.mp4"), "video");
+        QVERIFY(!m_loader.copySourceFilesAndSaveProject(path("in/none.log"), path("in/v.mp4"),
+                                                        path("p.ecor"), {}));
+        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(),
+                 QJsonObject({{"video", "p_video.mp4"}, {"log", "in/none.log"}}));
+    }
+};
+
+QTEST_GUILESS_MAIN(ProjectFileLoaderTest)
+#include "ProjectFileLoaderTest.moc"
