@@ -1,0 +1,23 @@
+#pragma once
+
+namespace corv {
+
+/// How a picture is shown: effects and thermal overlay. The player keeps one and sends the worker
+/// a copy of the whole whenever a field changes.
+struct VideoDisplaySettings
+{
+    bool showIR = false;                ///< draw the thermal overlay
+    bool fullScreenIR = false;          ///< the overlay covers the whole picture
+    double contrast = 1.0;              ///< factor on each channel
+    double brightness = 0.0;            ///< added to each channel, 0 to 255 being its range
+    bool autoIRMapping = false;         ///< colours follow the range of each thermal frame
+    double irMappingMinValue = 0.0;     ///< raw value that gets the coldest colour
+    double irMappingMaxValue = 65535.0; ///< raw value that gets the hottest colour
+    double irOffsetX = 0.0;             ///< shift of the overlay, as a part of the width
+    double irOffsetY = 0.0;             ///< shift of the overlay, as a part of the height
+    double irDataMin = 0.0;             ///< lowest raw value last reported
+    double irDataMax = 65535.0;         ///< highest raw value last reported
+    bool irOverlayTransparent = false;  ///< half overlay, half picture
+};
+
+} // namespace corv

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Video/FrameSource.h"
+
+#include <QSizeF>
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <vector>
+
+namespace corv {
+
+/// One opened file of a flight and its place on the timeline.
+struct VideoFileEntry
+{
+    QString file;
+    std::unique_ptr<FrameSource> capture; ///< kept open until the sources are closed
+    int frameCount = 0;
+    double fps = 0.0;
+    int durationMs = 0;      ///< rounded down
+    int firstFrameIndex = 0; ///< frames of all earlier entries
+    double startMs = 0.0;    ///< exact duration of all earlier entries
+
+    /// Time on the timeline of the frame that is `fileMs` into the file.
+    int timelineMs(double fileMs) const;
+};
+
+/// The files of a flight as one row of frames, without gaps. Used on the worker's thread.
+class VideoTimeline
+{
+public:
+    /// Opens the files in order; what does not open is told in the log and left out.
+    /// Returns the files that were left out.
+    QStringList open(const QStringList& files, const FrameSourceFactory& openSource);
+    void close();
+
+    bool isEmpty() const { return m_entries.empty(); }
+    int size() const { return static_cast<int>(m_entries.size()); }
+    VideoFileEntry& entry(int position) { return m_entries[static_cast<size_t>(position)]; }
+
+    int totalFrames() const { return m_totalFrames; }
+    double fps() const;                         ///< of the first file; 0 without one
+    QSizeF frameSize() const { return m_size; } ///< of the first file
+
+    /// The position of the file that a seek to a time goes to, or -1: the first whose end is not
+    /// before it, so that a time on a join belongs to the earlier file. The last file also takes
+    /// what lies between its end and the end of the timeline as the player announces it.
+    int fileForSeek(int timeMs) const;
+
+    /// The position of the file that a seek to a frame goes to, or -1. The number behind a file's
+    /// last frame still belongs to it.
+    int fileForFrame(int frameIndex) const;
+
+    /// The position of the file that holds the picture of a time, or -1. A time on a join belongs
+    /// to the later file.
+    int fileForPicture(int timeMs) const;
+
+private:
+    std::vector<VideoFileEntry> m_entries;
+    int m_totalFrames = 0;
+    QSizeF m_size;
+};
+
+} // namespace corv
