@@ -1,0 +1,139 @@
+#include "Discovery/DirectoryParser.h"
+
+#include "Discovery/PersistentData.h"
+#include "Discovery/cardLayouts.h"
+#include "Discovery/flightSearch.h"
+#include "Threads/post.h"
+
+#include <QDebug>
+#include <utility>
+
+namespace corv {
+
+struct DirectoryParser::Result
+{
+    bool matched = false; ///< there were videos and logs, so the matcher ran
+    QList<FlightMatchData> matches;
+    QVariantList rows;
+};
+
+DirectoryParser::DirectoryParser(QObject* parent) : DirectoryParser(Machine(), parent) {}
+
+DirectoryParser::DirectoryParser(Machine machine, QObject* parent)
+    : QObject(parent), m_machine(std::move(machine))
+{
+}
+
+DirectoryParser::~DirectoryParser()
+{
+    if (m_abortRequested)
+        m_abortRequested->store(true, std::memory_order_relaxed);
+    m_search.waitForDone();
+}
+
+void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirectory,
+                                       bool videoFromDrive, bool logFromDrive, bool quickMode)
+{
+    Q_UNUSED(logFromDrive)
+    if (m_abortRequested) {
+        qWarning() << "Previous parsing didn't finish!";
+        return;
+    }
+    // A flag of its own for each search: whatever an aborted one has still on its way stays silent
+    // after the next one has started.
+    const auto abortRequested = std::make_shared<std::atomic<bool>>(false);
+    m_abortRequested = abortRequested;
+    const auto reportProgress = [this, abortRequested](int file, int files, int step, int done,
+                                                       int total) {
+        post(this, [this, abortRequested, file, files, step, done, total] {
+            if (!abortRequested->load(std::memory_order_relaxed))
+                emit matchingProgress(file, files, step, done, total);
+        });
+    };
+    m_search = runOnPool([this, abortRequested, reportProgress, videoDirectory, logDirectory,
+                          videoFromDrive, quickMode, facts = m_machine.files] {
+        qInfo() << "Starting the directory parser";
+        const auto result = std::make_shared<Result>();
+        const FlightFiles files = gatherFlightFiles(videoDirectory, logDirectory, videoFromDrive);
+        result->matched = !files.videos.isEmpty() && !files.logs.isEmpty();
+        if (result->matched) {
+            FlightFilesMatcher matcher(abortRequested.get(), facts);
+            result->matches =
+                matcher.matchFlightFiles(files.videos, files.logs, quickMode, reportProgress);
+            result->rows = matchingRows(result->matches);
+        }
+        post(this, [this, result, abortRequested] { endSearch(*result, *abortRequested); });
+    });
+}
+
+void DirectoryParser::endSearch(const Result& result, const std::atomic<bool>& abortRequested)
+{
+    // The worker has nothing left to do but to return. A search started from a slot of the signal
+    // below is not to be refused for that.
+    m_search.waitForDone();
+    m_abortRequested.reset();
+    if (result.matched)
+        PersistentData::instance()->setDirectoryList(result.matches);
+    afterDirectoriesParsed(result, abortRequested);
+}
+
+void DirectoryParser::afterDirectoriesParsed(const Result& result,
+                                             const std::atomic<bool>& abortRequested)
+{
+    if (abortRequested.load(std::memory_order_relaxed)) {
+        qInfo() << "Aborted (directoryParser)";
+        return;
+    }
+    emit matchingComplete(result.rows);
+}
+
+QVariantList DirectoryParser::recallPersistentDirectoryList()
+{
+    return matchingRows(PersistentData::instance()->getDirectoryList());
+}
+
+QVariantList DirectoryParser::getDrives()
+{
+    QVariantList drives;
+    const QList<platform::Volume> volumes = m_machine.volumes();
+    for (const platform::Volume& volume : volumes)
+        drives.append(QVariantMap{
+            {QStringLiteral("name"), volume.name},
+            {QStringLiteral("path"), volume.rootPath},
+            {QStringLiteral("type"), platform::driveType(volume.device, m_machine.sysfsRoot)}});
+    return drives;
+}
+
+QVariantMap DirectoryParser::autodetectDrivesWithData()
+{
+    QVariantList withLogs;
+    QVariantList withVideos;
+    const QVariantList drives = getDrives();
+    for (const QVariant& entry : drives) {
+        QVariantMap drive = entry.toMap();
+        if (drive[QStringLiteral("type")].toInt() != platform::driveRemovable) {
+            qInfo() << "Skipping non-removable drive:" << drive;
+            continue;
+        }
+        qInfo() << "Analyzing" << drive;
+        for (const CardLayout& layout : cardLayouts()) {
+            const QList<QFileInfo> files =
+                findFiles(drive[QStringLiteral("path")].toString(), layout.subPath, layout.extension);
+            if (files.isEmpty())
+                continue;
+            qInfo() << layout.droneModel << "eligible; files:" << files;
+            drive[QStringLiteral("droneModel")] = layout.droneModel;
+            (layout.kind == CardLayout::Log ? withLogs : withVideos).append(drive);
+        }
+    }
+    return {{QStringLiteral("logs"), withLogs}, {QStringLiteral("videos"), withVideos}};
+}
+
+void DirectoryParser::abortParsing()
+{
+    if (m_abortRequested)
+        m_abortRequested->exchange(true);
+    qInfo() << "Aborting...";
+}
+
+} // namespace corv

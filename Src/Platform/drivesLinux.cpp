@@ -1,0 +1,84 @@
+#include "Platform/Platform.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStorageInfo>
+#include <algorithm>
+
+namespace corv::platform {
+namespace {
+
+// Mapped devices can stand on mapped devices, but not in circles: deeper than this is damage.
+constexpr int deepestMapping = 16;
+
+QByteArray attribute(const QString& folder, const QString& name)
+{
+    QFile file(folder + QLatin1Char('/') + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
+}
+
+// A partition's folder lies inside that of its disk.
+QString diskOf(const QString& deviceFolder)
+{
+    const bool isPartition = QFileInfo::exists(deviceFolder + QStringLiteral("/partition"));
+    return isPartition ? QFileInfo(deviceFolder).path() : deviceFolder;
+}
+
+// A reader soldered to the board is not removable, but the card in it is.
+bool isCardInFixedReader(const QString& disk)
+{
+    return attribute(disk, QStringLiteral("device/type")) == "SD";
+}
+
+bool isRemovable(const QString& deviceFolder, int depth)
+{
+    const QString disk = diskOf(deviceFolder);
+    if (attribute(disk, QStringLiteral("removable")) == "1" || isCardInFixedReader(disk))
+        return true;
+    if (depth == deepestMapping)
+        return false;
+    const QFileInfoList below =
+        QDir(disk + QStringLiteral("/slaves")).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot);
+    return std::any_of(below.begin(), below.end(), [depth](const QFileInfo& slave) {
+        return isRemovable(slave.canonicalFilePath(), depth + 1);
+    });
+}
+
+// The kernel's name of a device: that of the node at the end of the links, with the slash that some
+// drivers have in their names written as sysfs does.
+QString kernelName(const QByteArray& device)
+{
+    const QString path = QFile::decodeName(device);
+    const QString node = QFileInfo(path).canonicalFilePath();
+    QString name = node.isEmpty() ? path : node;
+    if (name.startsWith(QLatin1String("/dev/")))
+        name.remove(0, 5);
+    else
+        name = QFileInfo(name).fileName();
+    return name.replace(QLatin1Char('/'), QLatin1Char('!'));
+}
+
+} // namespace
+
+QList<Volume> mountedVolumes()
+{
+    QList<Volume> volumes;
+    const QList<QStorageInfo> mounted = QStorageInfo::mountedVolumes();
+    for (const QStorageInfo& volume : mounted)
+        volumes.append({volume.name(), volume.rootPath(), volume.device()});
+    return volumes;
+}
+
+int driveType(const QByteArray& device, const QString& sysfsRoot)
+{
+    if (!device.startsWith('/'))
+        return driveUnknown;
+    const QFileInfo entry(sysfsRoot + QStringLiteral("/class/block/") + kernelName(device));
+    const QString folder = entry.canonicalFilePath();
+    if (folder.isEmpty())
+        return driveUnknown;
+    return isRemovable(folder, 0) ? driveRemovable : driveFixed;
+}
+
+} // namespace corv::platform

@@ -1,0 +1,131 @@
+#include "Discovery/cardLayouts.h"
+#include "FakeMachine.h"
+
+#include <QDir>
+#include <QtTest>
+#include <unistd.h>
+
+using namespace corv;
+using corv::test::FakeMachine;
+
+namespace {
+
+QStringList below(const QString& root, const QList<QFileInfo>& files)
+{
+    QStringList names;
+    for (const QFileInfo& file : files)
+        names.append(QDir(root).relativeFilePath(file.filePath()));
+    return names;
+}
+
+} // namespace
+
+class CardLayoutsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theTableHasTheModelsInOrder();
+    void findsWhatTheLayoutLeadsTo_data();
+    void findsWhatTheLayoutLeadsTo();
+    void anUnreadableFolderIsEmpty();
+    void noDirectoryIsNotTheCurrentOne();
+};
+
+void CardLayoutsTest::theTableHasTheModelsInOrder()
+{
+    const QList<CardLayout>& layouts = cardLayouts();
+    QCOMPARE(layouts.size(), 3);
+    QCOMPARE(layouts[0].kind, 0);
+    QCOMPARE(layouts[0].extension, QString("log"));
+    QCOMPARE(layouts[0].subPath, QStringList());
+    QCOMPARE(layouts[0].droneModel, QString("Aviro/Aviro2"));
+    QCOMPARE(layouts[1].kind, 1);
+    QCOMPARE(layouts[1].extension, QString("mp4"));
+    QCOMPARE(layouts[1].subPath, QStringList({"DCIM", "100HDDVR"}));
+    QCOMPARE(layouts[1].droneModel, QString("Aviro"));
+    QCOMPARE(layouts[2].kind, 1);
+    QCOMPARE(layouts[2].extension, QString("mov"));
+    QCOMPARE(layouts[2].subPath, QStringList({"DCIM", "1??_CORV"}));
+    QCOMPARE(layouts[2].droneModel, QString("Aviro2"));
+}
+
+void CardLayoutsTest::findsWhatTheLayoutLeadsTo_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("subPath");
+    QTest::addColumn<QString>("extension");
+    QTest::addColumn<QStringList>("found");
+
+    const QStringList root;
+    const QStringList first = {"DCIM", "100HDDVR"};
+    const QStringList second = {"DCIM", "1??_CORV"};
+    QTest::newRow("sorted by name, ignoring case")
+        << QStringList{"b.log", "C.log", "A.log"} << root << "log"
+        << QStringList{"A.log", "b.log", "C.log"};
+    QTest::newRow("capital extension") << QStringList{"F.LOG"} << root << "log"
+                                       << QStringList{"F.LOG"};
+    QTest::newRow("other extensions") << QStringList{"a.log.bak", "log", "a.txt"} << root << "log"
+                                      << QStringList{};
+    QTest::newRow("not below") << QStringList{"sub/a.log"} << root << "log" << QStringList{};
+    QTest::newRow("a folder with the extension") << QStringList{"x.mp4/inside"} << root << "mp4"
+                                                 << QStringList{"x.mp4"};
+    QTest::newRow("first model") << QStringList{"DCIM/100HDDVR/a.mp4"} << first << "mp4"
+                                 << QStringList{"DCIM/100HDDVR/a.mp4"};
+    QTest::newRow("video in DCIM itself") << QStringList{"DCIM/a.mp4"} << first << "mp4"
+                                          << QStringList{};
+    QTest::newRow("second model, several folders")
+        << QStringList{"DCIM/101_CORV/b.mov", "DCIM/101_CORV/a.mov"} << second << "mov"
+        << QStringList{"DCIM/101_CORV/a.mov", "DCIM/101_CORV/b.mov"};
+    QTest::newRow("100 is the first") << QStringList{"DCIM/100_CORV/a.mov"} << second << "mov"
+                                      << QStringList{"DCIM/100_CORV/a.mov"};
+    QTest::newRow("200 is none") << QStringList{"DCIM/200_CORV/a.mov"} << second << "mov"
+                                 << QStringList{};
+    QTest::newRow("file in place of the folder") << QStringList{"DCIM/101_CORV"} << second << "mov"
+                                                 << QStringList{};
+    QTest::newRow("missing folder") << QStringList{"other/a.mov"} << second << "mov"
+                                    << QStringList{};
+    QTest::newRow("blanks and other letters")
+        << QStringList{"Über den Dächern 1.log", "полёт 2.log", "飛行 %20.log"} << root << "log"
+        << QStringList{"Über den Dächern 1.log", "полёт 2.log", "飛行 %20.log"};
+}
+
+void CardLayoutsTest::findsWhatTheLayoutLeadsTo()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, subPath);
+    QFETCH(QString, extension);
+    QFETCH(QStringList, found);
+    FakeMachine machine;
+    const QString root = machine.path("Card 1 %20");
+    for (const QString& file : files)
+        machine.addFile(root + "/" + file);
+    QCOMPARE(below(root, findFiles(root, subPath, extension)), found);
+}
+
+void CardLayoutsTest::anUnreadableFolderIsEmpty()
+{
+    if (::geteuid() == 0)
+        QSKIP("root reads every folder");
+    FakeMachine machine;
+    const QString root = machine.path("card");
+    machine.addFile(root + "/DCIM/100HDDVR/a.mp4");
+    QFile folder(root + "/DCIM");
+    QVERIFY(folder.setPermissions({}));
+    QVERIFY(findFiles(root, {"DCIM", "100HDDVR"}, "mp4").isEmpty());
+    QVERIFY(folder.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+}
+
+void CardLayoutsTest::noDirectoryIsNotTheCurrentOne()
+{
+    FakeMachine machine;
+    machine.addFile(machine.path("here.log"));
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(machine.path(".")));
+    const QList<QFileInfo> found = findFiles(QString(), {}, "log");
+    QVERIFY(QDir::setCurrent(before));
+    QVERIFY(found.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(CardLayoutsTest)
+#include "CardLayoutsTest.moc"
