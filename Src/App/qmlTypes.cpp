@@ -1,5 +1,6 @@
 #include "App/qmlTypes.h"
 
+#include "Project/ProjectFileLoader.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/Shortcut.h"
@@ -27,6 +28,7 @@ void registerQmlTypes()
 {
     registerSingleton<AppInfo>("corv.AppInfo", "AppInfo");
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
+    qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
 }
 

@@ -1,0 +1,304 @@
+import QtQuick 2.7
+import corv.LogParsing 1.0
+
+Rectangle {
+    id: adjustmentsRect
+
+    property bool irSlidersEnabled: false
+    property int irRangeMin: 0
+    property int irRangeMax: 16383
+    property alias irShowButtonChecked: showIRButton.checked
+    property alias irFullscreenButtonChecked: fullIRButton.checked
+    property alias irFullscreenButtonEnabled: fullIRButton.enabled
+    property alias irTransparencyButtonChecked: irOverlayTransparentButton.checked
+    property alias irTransparencyButtonEnabled: irOverlayTransparentButton.enabled
+    property alias irLockRangeButtonEnabled: lockIRMappingButton.enabled
+    property alias irAutoRangeButtonChecked: autoIRMappingButton.checked
+    property alias irAutoRangeButtonEnabled: autoIRMappingButton.enabled
+    property alias irMinValue: iRMinValueSlider.value
+    property alias irMaxValue: iRMaxValueSlider.value
+    property alias irHorizontalPosCorrection: horizontalThermalCorrectionSetter.value
+    property alias irVerticalPosCorrection: verticalThermalCorrectionSetter.value
+    property alias logTimeShiftingCorrection: timeShiftingLogCorrectionSetter.value
+    property alias imageContrast: contrastSetter.value
+    property alias imageBrightness: brightnessSetter.value
+
+    color: "#444444"
+
+    function giveBackFocusToEditor() {
+        console.log("Giving back focus");
+        mainWindow.refocusMainActions();
+    }
+
+    function showMapping(minimum, maximum) {
+        irMinValue = minimum;
+        irMaxValue = maximum;
+    }
+
+    function showMappingInUse() {
+        if (videoPlayer.autoIRMapping)
+            showMapping(videoPlayer.irDataMin, videoPlayer.irDataMax);
+        else
+            showMapping(videoPlayer.irMappingMinValue, videoPlayer.irMappingMaxValue);
+    }
+
+    // The panel is made when it is first shown, which may be long after a flight was opened.
+    Component.onCompleted: {
+        console.log("Loading adjustments tab!");
+        showMappingInUse();
+        mainWindow.doAdjustThermalRange();
+        videoPlayer.updateControlsStates();
+        videoPlayer.updatePropertiesStates();
+    }
+
+    MouseArea {
+        objectName: "adjustmentsBackground"
+        anchors.fill: parent
+        onClicked: adjustmentsRect.giveBackFocusToEditor()
+    }
+
+    Column {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+
+        SectionBand { text: "Thermal camera display" }
+
+        Row {
+            x: 8
+            height: 37
+            spacing: 6
+
+            CorvToolbarToggleTextButton {
+                id: showIRButton
+                objectName: "showIRButton"
+                anchors.verticalCenter: parent.verticalCenter
+                implicitWidth: 128
+                text: "Show thermal"
+                source: "images/button_show_ir.png"
+                onToggle: {
+                    videoPlayer.showIR = checked;
+                    videoPlayer.updateControlsStates();
+                }
+            }
+
+            CorvToolbarToggleButton {
+                id: fullIRButton
+                objectName: "fullIRButton"
+                anchors.verticalCenter: parent.verticalCenter
+                source: "images/button_ir_fullscreen.png"
+                Accessible.name: "Thermal picture over the whole frame"
+                onToggle: {
+                    videoPlayer.fullScreenIR = checked;
+                    videoPlayer.updateControlsStates();
+                }
+            }
+
+            CorvToolbarToggleButton {
+                id: irOverlayTransparentButton
+                objectName: "irOverlayTransparentButton"
+                anchors.verticalCenter: parent.verticalCenter
+                source: "images/button_transparency.png"
+                Accessible.name: "Transparent thermal picture"
+                onToggle: {
+                    videoPlayer.irOverlayTransparent = checked;
+                    videoPlayer.updateControlsStates();
+                }
+            }
+        }
+
+        SectionBand { text: "Color mapping" }
+
+        Item {
+            id: iRRangeRect
+            width: parent.width
+            height: 40
+
+            RangeSlider {
+                id: iRMinValueSlider
+                objectName: "iRMinValueSlider"
+                anchors.left: irMappingDisplay.left
+                anchors.right: irMappingDisplay.right
+                anchors.bottom: irMappingDisplay.top
+                pointer: "images/slider_pointer_down.png"
+                minimumValue: irRangeMin
+                maximumValue: irRangeMax
+                value: 0
+                enabled: irSlidersEnabled
+                Accessible.name: "Lowest mapped value"
+                onValueChanged: {
+                    if (!videoPlayer.autoIRMapping)
+                        videoPlayer.irMappingMinValue = value;
+                }
+            }
+
+            Rectangle {
+                id: irMappingDisplay
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.leftMargin: 12
+                anchors.rightMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                height: 2
+                color: "#222222"
+            }
+
+            RangeSlider {
+                id: iRMaxValueSlider
+                objectName: "iRMaxValueSlider"
+                anchors.left: irMappingDisplay.left
+                anchors.right: irMappingDisplay.right
+                anchors.top: irMappingDisplay.bottom
+                pointer: "images/slider_pointer_up.png"
+                minimumValue: irRangeMin
+                maximumValue: irRangeMax
+                value: 16383
+                enabled: irSlidersEnabled
+                Accessible.name: "Highest mapped value"
+                onValueChanged: {
+                    if (!videoPlayer.autoIRMapping)
+                        videoPlayer.irMappingMaxValue = value;
+                }
+            }
+        }
+
+        Row {
+            x: 8
+            height: 33
+            spacing: 6
+
+            CorvToolbarToggleButton {
+                id: autoIRMappingButton
+                objectName: "autoIRMappingButton"
+                source: "images/button_auto.png"
+                Accessible.name: "Automatic color mapping"
+                onToggle: {
+                    videoPlayer.autoIRMapping = checked;
+                    adjustmentsRect.showMappingInUse();
+                    videoPlayer.updateControlsStates();
+                }
+            }
+
+            CorvToolbarTextButton {
+                id: lockIRMappingButton
+                objectName: "lockIRMappingButton"
+                width: 60
+                text: "Lock"
+                source: "images/button_lock_levels.png"
+                onClicked: {
+                    videoPlayer.autoIRMapping = false;
+                    videoPlayer.irMappingMinValue = videoPlayer.irDataMin;
+                    videoPlayer.irMappingMaxValue = videoPlayer.irDataMax;
+                    adjustmentsRect.showMapping(videoPlayer.irDataMin, videoPlayer.irDataMax);
+                    videoPlayer.updateControlsStates();
+                }
+            }
+        }
+
+        SectionBand { text: "Thermal camera position correction" }
+
+        NumericPropertySetter {
+            id: horizontalThermalCorrectionSetter
+            objectName: "horizontalThermalCorrectionSetter"
+            width: parent.width
+            iconSource: "images/icon_horizontal_pos.png"
+            accessibleName: "Horizontal thermal position"
+            minimumValue: -0.2
+            maximumValue: 0.2
+            stepSize: 0.005
+            decimals: 3
+            value: 0
+            enabled: videoPlayer.hasVideoOpenedAlias
+            onValueChanged: videoPlayer.irOffsetX = value
+            onResetClicked: {
+                videoPlayer.irOffsetX = 0;
+                value = 0;
+            }
+            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
+        }
+
+        NumericPropertySetter {
+            id: verticalThermalCorrectionSetter
+            objectName: "verticalThermalCorrectionSetter"
+            width: parent.width
+            iconSource: "images/icon_vertical_pos.png"
+            accessibleName: "Vertical thermal position"
+            minimumValue: -0.16
+            maximumValue: 0.16
+            stepSize: 0.005
+            decimals: 3
+            value: 0
+            enabled: videoPlayer.hasVideoOpenedAlias
+            onValueChanged: videoPlayer.irOffsetY = value
+            onResetClicked: {
+                videoPlayer.irOffsetY = 0;
+                value = 0;
+            }
+            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
+        }
+
+        SectionBand { text: "Log time shifting correction" }
+
+        NumericPropertySetter {
+            id: timeShiftingLogCorrectionSetter
+            objectName: "timeShiftingLogCorrectionSetter"
+            width: parent.width
+            iconSource: "images/icon_time_offset.png"
+            accessibleName: "Log time shift in milliseconds"
+            minimumValue: -5000
+            maximumValue: 5000
+            stepSize: 100
+            decimals: 0
+            value: 0
+            enabled: videoPlayer.hasVideoOpenedAlias
+            onValueChanged: LogParser.manualLogTimeOffset = value
+            onResetClicked: {
+                LogParser.manualLogTimeOffset = 0;
+                value = 0;
+            }
+            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
+        }
+
+        SectionBand { text: "Image" }
+
+        NumericPropertySetter {
+            id: contrastSetter
+            objectName: "contrastSetter"
+            width: parent.width
+            iconSource: "images/icon_contrast.png"
+            accessibleName: "Contrast"
+            minimumValue: 0.5
+            maximumValue: 2.0
+            stepSize: 0.01
+            decimals: 1
+            value: 1.0
+            enabled: videoPlayer.hasVideoOpenedAlias
+            onValueChanged: videoPlayer.contrast = value
+            onResetClicked: {
+                videoPlayer.contrast = 1;
+                value = 1;
+            }
+            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
+        }
+
+        NumericPropertySetter {
+            id: brightnessSetter
+            objectName: "brightnessSetter"
+            width: parent.width
+            iconSource: "images/icon_brightness.png"
+            accessibleName: "Brightness"
+            minimumValue: -50
+            maximumValue: 50
+            stepSize: 1
+            decimals: 0
+            value: 0
+            enabled: videoPlayer.hasVideoOpenedAlias
+            onValueChanged: videoPlayer.brightness = value
+            onResetClicked: {
+                videoPlayer.brightness = 0;
+                value = 0;
+            }
+            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
+        }
+    }
+}

@@ -1,0 +1,97 @@
+import QtQuick 2.7
+import corv.LogParsing 1.0
+import HeadUpDisplay 1.0
+
+Rectangle {
+    id: infoRect
+
+    property alias editEnabled: namingEditButton.enabled
+    property alias imperialUnits: headUpDisplay.imperialUnits
+    property alias videoPosition: headUpDisplay.videoPosition
+
+    color: "#777777"
+
+    // Names come from the log: they are text, not markup.
+    function plain(name) {
+        return String(name).replace(/&/g, "&amp;").replace(/</g, "&lt;");
+    }
+
+    Item {
+        id: namingRect
+        anchors.top: parent.top
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.margins: 6
+        height: 80
+
+        Text {
+            id: namingText
+            objectName: "namingText"
+            anchors.left: parent.left
+            anchors.right: namingEditButton.left
+            anchors.rightMargin: 4
+            height: 80
+            visible: LogParser.flightNaming.undefined === false
+            color: "white"
+            textFormat: Text.StyledText
+            wrapMode: Text.Wrap
+            font.pixelSize: 13
+            fontSizeMode: Text.Fit
+            minimumPixelSize: 6
+            clip: true
+            text: "<b>Mission:</b><br>" + infoRect.plain(LogParser.flightNaming.missionName)
+                  + "<br><b>Flight:</b><br>" + infoRect.plain(LogParser.flightNaming.flightName)
+                  + "<br><b>Num. </b>" + LogParser.flightNaming.flightNumber
+        }
+
+        Text {
+            id: namingTextUndefined
+            objectName: "namingTextUndefined"
+            anchors.left: parent.left
+            anchors.right: parent.right
+            height: 80
+            visible: !namingText.visible
+            color: "#ccc"
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+            text: "Flight name not defined"
+        }
+
+        CorvToolbarButton {
+            id: namingEditButton
+            objectName: "namingEditButton"
+            anchors.top: parent.top
+            anchors.right: parent.right
+            width: 16
+            height: 16
+            source: "images/button_edit_field.png"
+            tooltiptext: "Edit flight properties"
+            onClicked: mainWindow.editFlightProperties()
+        }
+    }
+
+    HeadUpDisplay {
+        id: headUpDisplay
+        objectName: "headUpDisplay"
+        anchors.top: namingRect.bottom
+        anchors.topMargin: 6
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        logParser: LogParser
+        Accessible.name: "Flight values"
+    }
+
+    Connections {
+        target: LogParser
+
+        function onLogParsingComplete(result) {
+            if (result)
+                headUpDisplay.updateLogData();
+        }
+
+        function onManualLogTimeOffsetChanged() {
+            headUpDisplay.refresh();
+        }
+    }
+}

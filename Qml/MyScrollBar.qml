@@ -1,0 +1,94 @@
+import QtQuick 2.7
+
+// Scrolls the timeline, and shows how much of it is in view.
+Item {
+    id: scrollbar
+
+    property Rectangle timeline
+    property int handleSize: 8
+
+    // Pixels of the strip that are out of view.
+    readonly property real span: timeline.contentWidth - timeline.width
+
+    height: handleSize + 2 * (backScrollbar.border.width + 1)
+    visible: timeline.widthRatio < 1
+
+    Accessible.role: Accessible.ScrollBar
+    Accessible.name: "Timeline position"
+
+    function scrollRight() {
+        if (visible)
+            timeline.setContentX(Math.min(timeline.getContentX() + timeline.width / 4, span));
+    }
+
+    function scrollLeft() {
+        if (visible)
+            timeline.setContentX(Math.max(timeline.getContentX() - timeline.width / 4, 0));
+    }
+
+    function widthsChanged() {
+        if (isNaN(handle.x))
+            handle.x = 0;
+    }
+
+    Rectangle {
+        id: backScrollbar
+        anchors.fill: parent
+        radius: 2
+        color: Qt.rgba(0.5, 0.5, 0.5, 0.85)
+        border.width: 1
+        border.color: "darkgray"
+    }
+
+    Item {
+        id: groove
+        objectName: "timelineScrollBarGroove"
+        anchors.fill: parent
+        anchors.margins: backScrollbar.border.width + 1
+
+        MouseArea {
+            anchors.fill: parent
+            onClicked: {
+                if (scrollbar.visible)
+                    timeline.setContentX(mouse.x / groove.width * scrollbar.span);
+            }
+        }
+
+        Item {
+            id: handle
+            objectName: "timelineScrollBarHandle"
+            width: Math.max(20, timeline.widthRatio * groove.width)
+            height: parent.height
+
+            onXChanged: {
+                if (scrollbar.visible && (clicker.drag.active || clicker.pressed)
+                        && clicker.drag.maximumX > 0)
+                    timeline.setContentX(handle.x * scrollbar.span / clicker.drag.maximumX);
+            }
+
+            Rectangle {
+                id: backHandle
+                anchors.fill: parent
+                radius: 2
+                color: clicker.pressed ? "red" : "black"
+                opacity: clicker.pressed ? 1 : 0.35
+            }
+        }
+
+        MouseArea {
+            id: clicker
+            anchors.fill: handle
+            drag.target: handle
+            drag.axis: Drag.XAxis
+            drag.minimumX: 0
+            drag.maximumX: groove.width - handle.width
+        }
+    }
+
+    Binding {
+        target: handle
+        property: "x"
+        when: scrollbar.visible && !clicker.drag.active
+        value: timeline.getContentX() * clicker.drag.maximumX / scrollbar.span
+    }
+}

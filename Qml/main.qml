@@ -1,0 +1,657 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import QtQuick.Window 2.2
+import QtQuick.Dialogs 1.2
+import QtQml 2.2
+import QtMultimedia 5.5
+import Qt.labs.settings 1.0
+import corv.AppInfo 1.0
+import corv.ApplicationTelemetry 1.0
+import corv.LogParsing 1.0
+import PoiReportExporter 1.0
+import ProjectFileLoader 1.0
+import Timeline 1.0
+import "constants.js" as Cst
+import "paths.js" as Paths
+import "projects.js" as Projects
+
+ApplicationWindow {
+    id: mainWindow
+    objectName: "mainWindow"
+
+    property int sidebarWidth: 270
+    signal installNewVersion(string newVersion)
+
+    width: 1600
+    height: 900
+    minimumWidth: 800
+    minimumHeight: 700
+    color: "#222222"
+    visible: true
+    title: "Vistrel " + AppInfo.versionString
+           + (currentProject.fileActive
+              ? " - " + currentProject.filePath + (currentProject.modified ? "*" : "") : "")
+
+    menuBar: MainMenuBar {}
+
+    Component.onCompleted: {
+        LogParser.duration = Qt.binding(function() { return videoPlayer.duration; });
+        ApplicationTelemetry.vistrelEvent("vistrel_started", AppInfo.versionString);
+        refocusMainActions();
+    }
+
+    function loadProject(path) {
+        console.log("Trying to open project " + path);
+        var projectData = projectFileLoader.loadProject(path);
+        if (!projectData.loaded) {
+            displayErrorDialog("Error", "Failed to load project. Corrupt project file.");
+            return;
+        }
+        console.log("Project opened");
+        if (!projectData.videoFileExists) {
+            displayErrorDialog("Error", Projects.missingFileText("video", projectData.videoFile));
+            return;
+        }
+        videoPlayer.onVideoSucessfullyOpened = function() { restoreProject(path, projectData); };
+        videoPlayer.source = projectData.videoFile.toString();
+    }
+
+    function loadVideo(path) {
+        videoPlayer.source = path;
+    }
+
+    function launchUpdateWindow(newVersion, releaseNotes) {
+        secondaryWindows.openUpdate(newVersion, releaseNotes);
+    }
+
+    function showNewInstallationFailedError(newInstallerPath) {
+        displayErrorDialog("Installing new Vistrel",
+                           "Failed to automatically install the new Vistrel. Please proceed with manual installation.");
+        Qt.openUrlExternally(Paths.toUrl(newInstallerPath));
+    }
+
+    function goOpenProject(source) {
+        ApplicationTelemetry.vistrelEvent("open_project_from_" + source);
+        videoPlayer.pause();
+        fileDialogs.loadProjectDialog.open();
+    }
+
+    function goSaveProjectAs() {
+        ApplicationTelemetry.vistrelEvent("save_project_as");
+        askWhereToSave(false);
+    }
+
+    function goSaveProjectCopy() {
+        ApplicationTelemetry.vistrelEvent("save_project_copy");
+        askWhereToSave(true);
+    }
+
+    function goSaveProject() {
+        ApplicationTelemetry.vistrelEvent("save_project");
+        if (!videoPlayer.hasVideoOpened)
+            return;
+        if (!currentProject.fileActive) {
+            goSaveProjectAs();
+            return;
+        }
+        videoPlayer.pause();
+        doSaveProject(currentProject.filePath);
+    }
+
+    function goCloseProject() {
+        ApplicationTelemetry.vistrelEvent("close_project");
+        resetStatusAsNewProject();
+    }
+
+    function resetStatusAsNewProject() {
+        videoPlayer.close();
+        LogParser.closeLog();
+        timelineContent.clearAllData();
+        currentProject.fileActive = false;
+        currentProject.filePath = "";
+        currentProject.modified = false;
+    }
+
+    function goOpenVideo(source) {
+        ApplicationTelemetry.vistrelEvent("open_video_from_" + source);
+        videoPlayer.pause();
+        fileDialogs.videoImportDialog.open();
+    }
+
+    function afterVideoImportChoice(videoUrl) {
+        if (!Paths.hasExtension(videoUrl, [".mov", ".avi", ".3gp", ".mp4"])) {
+            displayErrorDialog("Invalid file",
+                               "Invalid file extension, choose a \".mov\", \".avi\", \".3gp\" or \".mp4\" file");
+            return;
+        }
+        resetStatusAsNewProject();
+        videoPlayer.source = Paths.decodedPath(videoUrl);
+    }
+
+    function goLoadFlightData() {
+        videoPlayer.pause();
+        fileDialogs.logImportDialog.open();
+    }
+
+    function afterFlightDataImportChoice(logUrl) {
+        if (!Paths.hasExtension(logUrl, [".log"])) {
+            displayErrorDialog("Invalid file", "Invalid file extension, chose a \".log\" file");
+            return;
+        }
+        resetCorrectionParameters();
+        updateCorrectionParameters();
+        LogParser.isParsing = true;
+        LogParser.parseLog(Paths.decodedPath(logUrl), false);
+    }
+
+    function goResetPOIsFromFlightData() {
+        videoPlayer.pause();
+        timelineContent.updateLogData();
+    }
+
+    function goOverwritePOIsFromFlightData() {
+        videoPlayer.pause();
+        timelineContent.restoreMissingPOIsWithLogData();
+    }
+
+    function goExploreRemovableDevices() {
+        secondaryWindows.openImporter();
+    }
+
+    function goSettings() {
+        secondaryWindows.openSettings();
+    }
+
+    function goChooseRestorePOIsAction() {
+        secondaryWindows.openRestoreLog();
+    }
+
+    function goCreatePoiReport() {
+        if (!videoPlayer.hasVideoOpened)
+            return;
+        videoPlayer.pause();
+        fileDialogs.createPoiReport.open();
+    }
+
+    function goOpenHelp() {
+        Qt.openUrlExternally(Qt.resolvedUrl(Paths.urlInFolder(applicationDirPath, "manual.pdf")));
+    }
+
+    function resetCorrectionParameters() {
+        videoPlayer.irOffsetX = 0;
+        videoPlayer.irOffsetY = 0;
+        LogParser.manualLogTimeOffset = 0;
+    }
+
+    function updateCorrectionParameters() {
+        var panel = adjustmentsPanel();
+        if (panel === undefined)
+            return;
+        panel.irHorizontalPosCorrection = videoPlayer.irOffsetX;
+        panel.irVerticalPosCorrection = videoPlayer.irOffsetY;
+        panel.logTimeShiftingCorrection = LogParser.manualLogTimeOffset;
+    }
+
+    function displayErrorDialog(title, message) {
+        displayDialog(title, message, StandardIcon.Critical);
+    }
+
+    function displayWarningDialog(title, message) {
+        displayDialog(title, message, StandardIcon.Warning);
+    }
+
+    function doSaveProject(path) {
+        doSaveOperation(path, false);
+        bindToProject(path);
+    }
+
+    function doSaveProjectAs(path) {
+        doSaveOperation(path, true);
+        bindToProject(path);
+    }
+
+    function doSaveProjectCopy(path) {
+        doSaveOperation(path, true);
+    }
+
+    function doSaveOperation(path, copySourceFiles) {
+        var project = {poi: timelineContent.getPOIs(), 
+            properties: Projects.properties(videoPlayer, LogParser)};
+        var copied = false;
+        if (copySourceFiles
+                && projectFileLoader.canSourceFilesBeCopied(LogParser.source, videoPlayer.source, path))
+            copied = projectFileLoader.copySourceFilesAndSaveProject(LogParser.source, videoPlayer.source,
+                                                                     path, project);
+        else
+            projectFileLoader.saveProject(LogParser.source, videoPlayer.source, path, project);
+        if (copySourceFiles && !copied)
+            displayWarningDialog("Error copying files to a new destination",
+                                 "Could not copy video or log next to the project file. Moving the project file to a different location after creation may break its association with log and video files. Make sure to keep those files in the same relative location from the project file. \n\nVideo was loaded from:\n\n"
+                                 + videoPlayer.source + "\n\nLog was loaded from\n\n" + LogParser.source);
+    }
+
+    function doCreatePoiReport(path) {
+        poiReportExporter.createPoiReport(timelineContent.getPOIs(), path, LogParser.flightNaming);
+        showExportProgress(Cst.activeExportWordDocument, "Generating document...");
+    }
+
+    function doAdjustThermalRange() {
+        var panel = adjustmentsPanel();
+        if (panel === undefined)
+            return;
+        if (LogParser.thermalCameraVersion == 35) {
+            console.log("Setting values for newer thermal camera");
+            panel.irRangeMin = Cst.newLeptonMinValue;
+            panel.irRangeMax = Cst.newLeptonMaxValue;
+        } else {
+            console.log("Setting values for older thermal camera");
+            panel.irRangeMin = Cst.oldLeptonMinValue;
+            panel.irRangeMax = Cst.oldLeptonMaxValue;
+        }
+    }
+
+    function logParsingComplete(result) {
+        LogParser.isParsing = false;
+        console.log("Log parsing complete");
+        if (!result) {
+            displayErrorDialog("Error", "Log file could not be read.");
+            return;
+        }
+        if (LogParser.logProbablyNotMatching)
+            displayWarningDialog("Flight data match issue",
+                                 "The log file that was just loaded does not match with the currently opened video.\n\nData is available for playback but may not be related to the flight seen on the video.");
+        timelineContent.updateLogData();
+        videoPlayer.updateLogData();
+    }
+
+    function logParsingProgress(stage, done, total) {
+        var labels = ["Reading logs version", "Counting logs", "Parsing logs"];
+        var label = labels[stage] || "";
+        var measured = total > 0;
+        infoTab.logLoadingIndicator.text = measured
+                ? label + " " + Math.floor(done / total * 100) + "%" : label;
+        infoTab.taskProgressBar.value = measured ? done / total : 0;
+    }
+
+    function videoExportComplete(result) {
+        exportProgressWindow.visible = false;
+    }
+
+    function videoExportProgress(done, total) {
+        setExportProgress(done, total);
+    }
+
+    function documentExportComplete(result) {
+        exportProgressWindow.visible = false;
+    }
+
+    function documentExportProgress(done, total) {
+        setExportProgress(done, total);
+    }
+
+    function activeExportOperationAbortByUser() {
+        if (currentProject.activeExportOperation === Cst.activeExportVideo)
+            videoPlayer.cancelExportVideo();
+        else if (currentProject.activeExportOperation === Cst.activeExportWordDocument)
+            poiReportExporter.abortExportOperation();
+    }
+
+    function addNewPoiAtPosition() {
+        timelineContent.addPoiAtPosition();
+    }
+
+    function deleteSelectedPoi() {
+        timelineContent.deleteSelectedPoi();
+    }
+
+    function editSelectedPoi() {
+        secondaryWindows.openPoiProperties();
+    }
+
+    function startMovingPoi() {
+        timelineContent.enterMovePOIMode();
+    }
+
+    function stopMovingPoi() {
+        timelineContent.exitMovePOIMode();
+    }
+
+    function confirmMovingPoi() {
+        timelineContent.confirmNewPOIPositionAndExitMoveMode();
+    }
+
+    function editFlightProperties() {
+        secondaryWindows.openFlightProperties();
+    }
+
+    function refocusMainActions() {
+        videoTab.forceActiveFocus();
+    }
+
+    // The panel is not there before its tab was first shown: undefined until then.
+    function adjustmentsPanel() {
+        return tabsContainer.getTab(1).children[0];
+    }
+
+    function askWhereToSave(asCopy) {
+        if (!videoPlayer.hasVideoOpened)
+            return;
+        videoPlayer.pause();
+        currentProject.savingAsCopy = asCopy;
+        fileDialogs.saveProjectDialog.open();
+    }
+
+    function bindToProject(path) {
+        currentProject.filePath = path;
+        currentProject.fileActive = true;
+        currentProject.modified = false;
+    }
+
+    function displayDialog(title, message, icon) {
+        console.log(title + ": " + message);
+        var dialog = genericErrorDialog.createObject(mainWindow);
+        dialog.title = title;
+        dialog.text = message;
+        dialog.icon = icon;
+        dialog.visible = true;
+    }
+
+    // Runs once the project's video is open.
+    function restoreProject(path, projectData) {
+        var properties = projectData.properties || {};
+        resetCorrectionParameters();
+        updateCorrectionParameters();
+        if (projectData.poi)
+            timelineContent.setPOIsFromList(projectData.poi);
+        currentProject.filePath = path;
+        currentProject.fileActive = true;
+        var naming = Projects.naming(properties.designation);
+        LogParser.flightNaming = naming;
+        Projects.restoreDisplay(videoPlayer, properties);
+        videoPlayer.updateControlsStates();
+        videoPlayer.updatePropertiesStates();
+        if (!projectData.logFileExists) {
+            displayErrorDialog("Error", Projects.missingFileText("log", projectData.logFile));
+            return;
+        }
+        LogParser.isParsing = true;
+        LogParser.parseLog(projectData.logFile.toString(), true);
+        Projects.restoreProperty(LogParser, "manualLogTimeOffset", (properties.correction || {}).log_offset);
+        LogParser.flightNaming = naming;
+    }
+
+    function setExportProgress(done, total) {
+        exportProgressContent.minimumValue = 0;
+        exportProgressContent.maximumValue = total;
+        exportProgressContent.value = done;
+    }
+
+    function showExportProgress(operation, text) {
+        currentProject.activeExportOperation = operation;
+        exportProgressWindow.visible = true;
+        exportProgressContent.value = 0;
+        exportProgressContent.text = text;
+    }
+
+    Settings {
+        category: "mainWindow"
+        property alias x: mainWindow.x
+        property alias y: mainWindow.y
+        property alias width: mainWindow.width
+        property alias height: mainWindow.height
+    }
+
+    Settings {
+        id: generalSettings
+        category: "userPreferences"
+        property bool imperialUnits: false
+    }
+
+    Settings {
+        id: loadFileSettings
+        category: "loadFile"
+        property string folder: ""
+    }
+
+    Settings {
+        id: saveImageSettings
+        category: "saveImage"
+        property string folder: ""
+    }
+
+    Item {
+        id: currentProject
+        objectName: "currentProject"
+
+        property bool modified: false
+        property bool fileActive: false
+        property string filePath: ""
+        property bool savingAsCopy: false
+        property int activeExportOperation: Cst.activeExportNothing
+        property bool fastLoadingChecked: false
+    }
+
+    ProjectFileLoader {
+        id: projectFileLoader
+    }
+
+    PoiReportExporter {
+        id: poiReportExporter
+        videoPlayer: videoPlayer
+        onExportComplete: mainWindow.documentExportComplete(result)
+        onExportProgress: mainWindow.documentExportProgress(done, total)
+    }
+
+    FileDialogs {
+        id: fileDialogs
+    }
+
+    SecondaryWindows {
+        id: secondaryWindows
+    }
+
+    Connections {
+        target: LogParser
+
+        function onLogParsingProgress(stage, done, total) {
+            mainWindow.logParsingProgress(stage, done, total);
+        }
+
+        function onLogParsingComplete(result) {
+            mainWindow.logParsingComplete(result);
+        }
+
+        function onSourceDataParsed() {
+            mainWindow.doAdjustThermalRange();
+        }
+    }
+
+    Component {
+        id: genericErrorDialog
+
+        MessageDialog {
+            standardButtons: StandardButton.Ok
+            onVisibleChanged: {
+                if (!visible)
+                    destroy(1);
+            }
+        }
+    }
+
+    Window {
+        id: exportProgressWindow
+        objectName: "exportProgressWindow"
+        title: "Export operation"
+        minimumWidth: 560
+        minimumHeight: 120
+        color: Cst.bgndColor
+        flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint
+        modality: Qt.ApplicationModal
+
+        ExportProgress {
+            id: exportProgressContent
+            text: "Exporting video"
+            onAbortClicked: mainWindow.activeExportOperationAbortByUser()
+        }
+    }
+
+    StatusLine {
+        id: infoTab
+        objectName: "infoTab"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+    }
+
+    Rectangle {
+        id: timelineTab
+        objectName: "timelineTab"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: infoTab.top
+        height: 120
+        color: "#222222"
+
+        Rectangle {
+            id: timeline
+            objectName: "timeline"
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: parent.top
+            anchors.bottom: timelineScrollBar.top
+            color: "#2b2b2b"
+            clip: true
+
+            readonly property real contentWidth: timelineContent.contentWidth
+            readonly property real widthRatio: width / contentWidth
+            signal contentXChanged()
+
+            onWidthChanged: timelineScrollBar.widthsChanged()
+            onContentWidthChanged: timelineScrollBar.widthsChanged()
+
+            function setContentX(contentX) {
+                timelineContent.contentX = Math.max(0, Math.min(contentX, contentWidth - width));
+            }
+
+            function getContentX() {
+                return timelineContent.contentX;
+            }
+
+            MouseArea {
+                anchors.fill: parent
+                propagateComposedEvents: true
+
+                TimelineContent {
+                    id: timelineContent
+                    objectName: "timelineContent"
+                    width: parent.width
+                    height: parent.height
+                    logParser: LogParser
+                    videoPlayer: videoPlayer
+                    duration: videoPlayer.duration
+                    cursorPosition: videoPlayer.timePosition
+                    contentWidth: mainWindow.contentItem.width
+                    contentX: 0
+                    Accessible.name: "Timeline"
+
+                    onDurationChanged: updateLogData()
+                    onSeekRequest: videoPlayer.seekAtTime(time)
+                    onPoiDoubleClicked: mainWindow.editSelectedPoi()
+                    onClicked: mainWindow.refocusMainActions()
+                    onContentXChanged: timeline.contentXChanged()
+                }
+            }
+        }
+
+        MyScrollBar {
+            id: timelineScrollBar
+            objectName: "timelineScrollBar"
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            timeline: timeline
+        }
+    }
+
+    TransportStrip {
+        id: controlsTab
+        objectName: "controlsTab"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: timelineTab.top
+    }
+
+    Item {
+        id: videoTab
+        objectName: "videoTab"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: controlsTab.top
+        focus: true
+
+        Rectangle {
+            id: videoRect
+            objectName: "videoRect"
+            anchors.fill: parent
+            anchors.rightMargin: 3 + mainWindow.sidebarWidth
+            color: "#1a1a1a"
+
+            WelcomeMessage {
+                id: welcomeMessage
+                objectName: "welcomeMessage"
+                anchors.centerIn: parent
+                visible: !videoPlayer.hasVideoOpened
+                onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
+                onOpenSingleClicked: mainWindow.goOpenVideo("welcome_screen")
+                onBrowseRemovableDevicesClicked: mainWindow.goExploreRemovableDevices()
+            }
+
+            ReviewPlayer {
+                id: videoPlayer
+                objectName: "videoPlayer"
+                anchors.fill: parent
+            }
+
+            VideoOutput {
+                id: videoOutput
+                objectName: "videoOutput"
+                anchors.fill: parent
+                source: videoPlayer
+            }
+
+            BusyIndicator {
+                objectName: "busyIndicator"
+                anchors.centerIn: parent
+                running: videoPlayer.isBusy
+            }
+
+            MouseArea {
+                id: videoMouseArea
+                objectName: "videoMouseArea"
+                anchors.fill: parent
+                visible: videoPlayer.hasVideoOpened
+                onClicked: {
+                    mainWindow.refocusMainActions();
+                    videoPlayer.togglePlayPause();
+                }
+            }
+        }
+
+        Rectangle {
+            id: hUDRectangle
+            objectName: "hUDRectangle"
+            anchors.top: parent.top
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            width: mainWindow.sidebarWidth
+            color: "#444444"
+
+            Sidebar {
+                id: tabsContainer
+                objectName: "tabsContainer"
+                anchors.fill: parent
+            }
+        }
+    }
+}
