@@ -1,0 +1,46 @@
+#include "Log/FileWindow.h"
+
+#include <QFile>
+#include <algorithm>
+#include <cstring>
+
+namespace corv {
+namespace {
+
+constexpr size_t kWindowBytes = size_t(4) << 20;
+
+} // namespace
+
+FileWindow::FileWindow(QFile* file, qint64 beginByte, qint64 endByte)
+    : m_file(file), m_nextByte(beginByte), m_endByte(endByte)
+{
+    m_failed = !m_file->seek(beginByte) || !m_buffer.allocate(kLongestKept + kWindowBytes, false);
+    m_begin = m_end = m_buffer.data();
+}
+
+bool FileWindow::advance(const unsigned char* keepFrom)
+{
+    if (m_failed)
+        return false;
+    unsigned char* const to = m_buffer.data();
+    const size_t kept = static_cast<size_t>(m_end - keepFrom);
+    Q_ASSERT(kept <= kLongestKept);
+    std::memmove(to, keepFrom, kept);
+    const qint64 wanted =
+        std::min<qint64>(static_cast<qint64>(kWindowBytes), m_endByte - m_nextByte);
+    qint64 got = 0;
+    while (got < wanted) {
+        const qint64 more = m_file->read(reinterpret_cast<char*>(to) + kept + got, wanted - got);
+        if (more <= 0) {
+            m_failed = true;
+            return false;
+        }
+        got += more;
+    }
+    m_nextByte += got;
+    m_begin = to;
+    m_end = to + kept + got;
+    return true;
+}
+
+} // namespace corv
