@@ -41,6 +41,17 @@ UiFixture::~UiFixture()
 bool UiFixture::load(const QUrl& document)
 {
     m_engine->load(document);
+    return waitForRoot();
+}
+
+bool UiFixture::loadText(const QByteArray& document)
+{
+    m_engine->loadData(document, QUrl(QStringLiteral("qrc:/TestDocument.qml")));
+    return waitForRoot();
+}
+
+bool UiFixture::waitForRoot()
+{
     if (m_engine->rootObjects().isEmpty())
         return false;
     m_root = m_engine->rootObjects().constFirst();

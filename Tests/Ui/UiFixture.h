@@ -39,6 +39,9 @@ public:
     /// Loads the document and, if its root is a window, waits until it is active. False on failure.
     bool load(const QUrl& document = QUrl(QStringLiteral("qrc:/main.qml")));
 
+    /// The same for a document of the test's own, which stands beside the others.
+    bool loadText(const QByteArray& document);
+
     QQmlApplicationEngine& engine() { return *m_engine; }
     QObject* root() const { return m_root; }
     QQuickWindow* window() const;
@@ -89,6 +92,7 @@ public:
     void screenshot(const QString& name) const;
 
 private:
+    bool waitForRoot();
     static QObject* findIn(QObject* from, const QString& objectName, bool visibleOnly);
     static QObject* findInItems(QQuickItem* from, const QString& objectName, bool visibleOnly);
 

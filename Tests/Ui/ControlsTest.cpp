@@ -1,0 +1,419 @@
+#include "UiFixture.h"
+
+#include <QColor>
+#include <memory>
+
+using corv::test::UiFixture;
+
+/// The shared controls, alone in a window: the button family, the setter, the scroll bar.
+class ControlsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void constants_data();
+    void constants();
+    void buttonsFollowThePointer_data();
+    void buttonsFollowThePointer();
+    void everyButtonReportsAClick_data();
+    void everyButtonReportsAClick();
+    void disabledButtonsReportNothing_data();
+    void disabledButtonsReportNothing();
+    void togglesFlipBeforeTheyReport_data();
+    void togglesFlipBeforeTheyReport();
+    void toggleColours_data();
+    void toggleColours();
+    void theToolTipNeedsATextAndThePointer();
+    void theSetterKeepsItsThreeViewsInStep_data();
+    void theSetterKeepsItsThreeViewsInStep();
+    void theSetterStopsAtItsLimits();
+    void resettingIsLeftToTheUser();
+    void onlyTheKeypadEndsAnEdit();
+    void aDisabledSetterResetsNothing();
+    void theScrollBarShowsOnlyWhatIsOutOfView_data();
+    void theScrollBarShowsOnlyWhatIsOutOfView();
+    void theScrollBarMovesTheTimeline();
+    void theScrollBarStepsByAQuarter();
+
+private:
+    void open(const QByteArray& contents);
+    QColor colour(const QString& name) const;
+
+    std::unique_ptr<UiFixture> m_ui;
+};
+
+namespace {
+
+const QByteArray allButtons = R"(
+    Column {
+        spacing: 4
+        CorvButton { objectName: "button"; width: 100; height: 30; text: "a" }
+        CorvQuickStartButton { objectName: "quick"; width: 100; height: 30; text: "a" }
+        CorvToolbarButton { objectName: "tool"; source: "images/button_camera.png" }
+        CorvToolbarTextButton { objectName: "toolText"; text: "a"; source: "images/button_camera.png" }
+        CorvToolbarToggleButton { objectName: "toggle"; source: "images/button_camera.png" }
+        CorvToolbarToggleTextButton { objectName: "toggleText"; text: "a"; source: "images/button_camera.png" }
+    })";
+
+const QByteArray setter = R"(
+    NumericPropertySetter {
+        objectName: "setter"
+        width: 270
+        minimumValue: -5000; maximumValue: 5000; stepSize: 100; value: 0
+        iconSource: "images/icon_contrast.png"
+        property int resets: 0
+        property int edits: 0
+        onResetClicked: ++resets
+        onEditingFinished: ++edits
+    })";
+
+QByteArray timeline(int contentWidth)
+{
+    return R"(
+    Rectangle {
+        id: strip
+        objectName: "strip"
+        width: 400; height: 50
+        property real contentWidth: )" +
+           QByteArray::number(contentWidth) + R"(
+        property real widthRatio: width / contentWidth
+        property real position: 0
+        function setContentX(x) { position = Math.max(0, Math.min(x, contentWidth - width)); }
+        function getContentX() { return position; }
+        MyScrollBar { objectName: "bar"; width: 400; anchors.bottom: parent.bottom; timeline: strip }
+    })";
+}
+
+} // namespace
+
+void ControlsTest::initTestCase()
+{
+    UiFixture::prepare();
+}
+
+void ControlsTest::open(const QByteArray& contents)
+{
+    m_ui = std::make_unique<UiFixture>();
+    QVERIFY(m_ui->loadText(R"(
+        import QtQuick 2.7
+        import QtQuick.Window 2.2
+        import "constants.js" as Cst
+        Window {
+            visible: true; width: 500; height: 300; color: "#444444"
+            function constant(name) { return Cst[name]; }
+    )" + contents + "}"));
+    QTest::mouseMove(m_ui->window(), QPoint(490, 290));
+}
+
+QColor ControlsTest::colour(const QString& name) const
+{
+    return m_ui->get(name, "color").value<QColor>();
+}
+
+void ControlsTest::constants_data()
+{
+    QTest::addColumn<QVariant>("value");
+    const QVector<QPair<const char*, QVariant>> table{
+        {"oldLeptonMinValue", 0},
+        {"oldLeptonMaxValue", 16383},
+        {"newLeptonMinValue", 16383},
+        {"newLeptonMaxValue", 40000},
+        {"activeExportNothing", 0},
+        {"activeExportVideo", 1},
+        {"activeExportWordDocument", 2},
+        {"borderColor", "#777777"},
+        {"bgndColor", "#555555"},
+        {"headerColor", "#444444"},
+        {"pressedColor", "#ff0000"},
+        {"btnColorClicked", "#BBBBBB"},
+        {"btnColorHover", "#999999"},
+        {"btnColor", "#777777"},
+        {"btnColorTbHover", "#555555"},
+        {"btnColorTbChecked", "#151515"},
+        {"btnColorTbCheckedDisabled", "#373737"},
+        {"btnColorDisabled", "#555"},
+        {"btnTextColor", "#000000"},
+        {"btnTextPressedColor", "#ffffff"},
+        {"disabledBtnColor", "#555555"},
+        {"disabledCheckedBtnBg", "#333333"},
+        {"checkedBtnBg", "#111"},
+        {"checkedBtnFg", "#12ff54"},
+        {"uncheckedBtnFg", "#000000"},
+        {"disabledBtnFg", "#222222"},
+        {"disabledCheckedBtnFg", "#999999"},
+        {"progressBarBg", "#46af63"},
+        {"accentColor", "#12ff54"},
+    };
+    for (const auto& row : table)
+        QTest::newRow(row.first) << row.second;
+    open({});
+}
+
+void ControlsTest::constants()
+{
+    QFETCH(QVariant, value);
+    QCOMPARE(m_ui->call("constant", {QString::fromLatin1(QTest::currentDataTag())}).toString(),
+             value.toString());
+}
+
+void ControlsTest::buttonsFollowThePointer_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QColor>("atRest");
+    QTest::addColumn<QColor>("hovered");
+    QTest::addColumn<QColor>("pressed");
+    const QColor none(Qt::transparent);
+    QTest::newRow("button") << "button" << QColor("#777777") << QColor("#999999")
+                            << QColor("#ff0000");
+    QTest::newRow("quick start") << "quick" << none << QColor("#999999") << QColor("#ff0000");
+    QTest::newRow("toolbar") << "tool" << none << QColor("#555555") << QColor("#555555");
+    QTest::newRow("toolbar text") << "toolText" << none << QColor("#555555") << QColor("#555555");
+    QTest::newRow("toggle") << "toggle" << none << QColor("#555555") << QColor("#555555");
+    QTest::newRow("toggle text") << "toggleText" << none << QColor("#555555") << QColor("#555555");
+}
+
+void ControlsTest::buttonsFollowThePointer()
+{
+    QFETCH(QString, button);
+    QFETCH(QColor, atRest);
+    QFETCH(QColor, hovered);
+    QFETCH(QColor, pressed);
+    open(allButtons);
+    QQuickItem* item = m_ui->item(button);
+    QVERIFY(item);
+    const QPoint middle = item->mapToScene(QPointF(12, 12)).toPoint();
+    QTRY_COMPARE(colour(button), atRest);
+    UiFixture::hover(item);
+    QTRY_COMPARE(colour(button), hovered);
+    QTest::mousePress(m_ui->window(), Qt::LeftButton, Qt::NoModifier, middle);
+    QTRY_COMPARE(colour(button), pressed);
+    QTest::mouseRelease(m_ui->window(), Qt::LeftButton, Qt::NoModifier, middle);
+}
+
+void ControlsTest::everyButtonReportsAClick_data()
+{
+    QTest::addColumn<QString>("button");
+    for (const char* name : {"button", "quick", "tool", "toolText"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void ControlsTest::everyButtonReportsAClick()
+{
+    QFETCH(QString, button);
+    open(allButtons);
+    QSignalSpy clicked(m_ui->find(button), SIGNAL(clicked()));
+    QVERIFY(m_ui->click(button));
+    QCOMPARE(clicked.count(), 1);
+}
+
+void ControlsTest::disabledButtonsReportNothing_data()
+{
+    everyButtonReportsAClick_data();
+}
+
+void ControlsTest::disabledButtonsReportNothing()
+{
+    QFETCH(QString, button);
+    open(allButtons);
+    QObject* item = m_ui->find(button);
+    item->setProperty("enabled", false);
+    QSignalSpy clicked(item, SIGNAL(clicked()));
+    QVERIFY(m_ui->click(button));
+    QCOMPARE(clicked.count(), 0);
+}
+
+void ControlsTest::togglesFlipBeforeTheyReport_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::newRow("toggle") << "toggle";
+    QTest::newRow("toggle text") << "toggleText";
+}
+
+void ControlsTest::togglesFlipBeforeTheyReport()
+{
+    QFETCH(QString, button);
+    open(allButtons);
+    QSignalSpy toggled(m_ui->find(button), SIGNAL(toggle(bool)));
+    QCOMPARE(m_ui->get(button, "checked").toBool(), false);
+    for (const bool expected : {true, false}) {
+        QVERIFY(m_ui->click(button));
+        QCOMPARE(toggled.count(), 1);
+        QCOMPARE(toggled.takeFirst().first().toBool(), expected);
+        QCOMPARE(m_ui->get(button, "checked").toBool(), expected);
+    }
+}
+
+void ControlsTest::toggleColours_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<bool>("checked");
+    QTest::addColumn<bool>("enabled");
+    QTest::addColumn<QColor>("background");
+    for (const char* name : {"toggle", "toggleText"}) {
+        const QString button = QString::fromLatin1(name);
+        QTest::addRow("%s checked", name) << button << true << true << QColor("#151515");
+        QTest::addRow("%s checked, disabled", name) << button << true << false << QColor("#373737");
+        QTest::addRow("%s unchecked", name) << button << false << true << QColor(Qt::transparent);
+        QTest::addRow("%s unchecked, disabled", name)
+            << button << false << false << QColor(Qt::transparent);
+    }
+}
+
+void ControlsTest::toggleColours()
+{
+    QFETCH(QString, button);
+    QFETCH(bool, checked);
+    QFETCH(bool, enabled);
+    QFETCH(QColor, background);
+    open(allButtons);
+    QObject* item = m_ui->find(button);
+    item->setProperty("checked", checked);
+    item->setProperty("enabled", enabled);
+    QTRY_COMPARE(colour(button), background);
+}
+
+void ControlsTest::theToolTipNeedsATextAndThePointer()
+{
+    open(allButtons);
+    QQuickItem* button = m_ui->item("tool");
+    const auto shown = [this] { return m_ui->get("toolTip", "visible").toBool(); };
+    UiFixture::hover(button);
+    QVERIFY(!shown());
+    QTest::mouseMove(m_ui->window(), QPoint(490, 290));
+    button->setProperty("tooltiptext", "what it does");
+    UiFixture::hover(button);
+    QTRY_VERIFY(shown());
+    QCOMPARE(m_ui->get("toolTip", "text").toString(), QString("what it does"));
+    QCOMPARE(m_ui->get("toolTip", "delay").toInt(), 1000);
+    QCOMPARE(m_ui->get("toolTip", "timeout").toInt(), 5000);
+    QTest::mouseMove(m_ui->window(), QPoint(490, 290));
+    QTRY_VERIFY(!shown());
+}
+
+void ControlsTest::theSetterKeepsItsThreeViewsInStep_data()
+{
+    QTest::addColumn<QString>("written");
+    QTest::newRow("the setter") << "setter";
+    QTest::newRow("the slider") << "horizontalSlider";
+    QTest::newRow("the spin box") << "valueBox";
+}
+
+void ControlsTest::theSetterKeepsItsThreeViewsInStep()
+{
+    QFETCH(QString, written);
+    open(setter);
+    for (const double value : {1200.0, -700.0, 0.0}) {
+        m_ui->find(written)->setProperty("value", value);
+        QCOMPARE(m_ui->get("setter", "value").toDouble(), value);
+        QCOMPARE(m_ui->get("horizontalSlider", "value").toDouble(), value);
+        QCOMPARE(m_ui->get("valueBox", "value").toDouble(), value);
+    }
+}
+
+void ControlsTest::theSetterStopsAtItsLimits()
+{
+    open(setter);
+    m_ui->find("setter")->setProperty("value", 5000);
+    QCOMPARE(m_ui->get("horizontalSlider", "value"), m_ui->get("horizontalSlider", "maximumValue"));
+    m_ui->find("valueBox")->setProperty("value", 9000);
+    QCOMPARE(m_ui->get("setter", "value").toDouble(), 5000.0);
+}
+
+void ControlsTest::resettingIsLeftToTheUser()
+{
+    open(setter);
+    m_ui->find("setter")->setProperty("value", 300);
+    QVERIFY(m_ui->click("resetButton"));
+    QCOMPARE(m_ui->get("setter", "resets").toInt(), 1);
+    QCOMPARE(m_ui->get("setter", "value").toDouble(), 300.0);
+}
+
+void ControlsTest::onlyTheKeypadEndsAnEdit()
+{
+    open(setter);
+    QQuickItem* box = m_ui->item("valueBox");
+    UiFixture::click(box);
+    QTRY_VERIFY(box->hasActiveFocus() || box->property("activeFocus").toBool());
+    QTest::keyClick(m_ui->window(), Qt::Key_Return);
+    QCOMPARE(m_ui->get("setter", "edits").toInt(), 0);
+    QTest::keyClick(m_ui->window(), Qt::Key_Enter, Qt::KeypadModifier);
+    QCOMPARE(m_ui->get("setter", "edits").toInt(), 1);
+}
+
+void ControlsTest::aDisabledSetterResetsNothing()
+{
+    open(setter);
+    m_ui->find("setter")->setProperty("enabled", false);
+    QVERIFY(m_ui->click("resetButton"));
+    QCOMPARE(m_ui->get("setter", "resets").toInt(), 0);
+    QVERIFY(!m_ui->item("horizontalSlider")->isEnabled());
+}
+
+void ControlsTest::theScrollBarShowsOnlyWhatIsOutOfView_data()
+{
+    QTest::addColumn<int>("contentWidth");
+    QTest::addColumn<bool>("shown");
+    QTest::addColumn<double>("handleWidth");
+    QTest::newRow("narrower") << 300 << false << -1.0;
+    QTest::newRow("as wide") << 400 << false << -1.0;
+    QTest::newRow("twice") << 800 << true << 198.0;
+    QTest::newRow("a hundred times") << 40000 << true << 20.0;
+}
+
+void ControlsTest::theScrollBarShowsOnlyWhatIsOutOfView()
+{
+    QFETCH(int, contentWidth);
+    QFETCH(bool, shown);
+    QFETCH(double, handleWidth);
+    open(timeline(contentWidth));
+    QCOMPARE(m_ui->item("bar")->isVisible(), shown);
+    QCOMPARE(m_ui->item("bar")->height(), 12.0);
+    if (shown)
+        QCOMPARE(m_ui->item("timelineScrollBarHandle")->width(), handleWidth);
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void ControlsTest::theScrollBarMovesTheTimeline()
+{
+    open(timeline(800));
+    QQuickItem* handle = m_ui->item("timelineScrollBarHandle");
+    QQuickItem* groove = m_ui->item("timelineScrollBarGroove");
+    const auto position = [this] { return m_ui->get("strip", "position").toDouble(); };
+    const auto at = [groove](double x) { return groove->mapToScene(QPointF(x, 4)).toPoint(); };
+
+    m_ui->find("strip")->setProperty("position", 200);
+    QCOMPARE(handle->x(), 99.0);
+
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, at(groove->width() * 0.9));
+    QVERIFY(qAbs(position() - 360) < 3);
+
+    m_ui->find("strip")->setProperty("position", 0);
+    QTest::mousePress(m_ui->window(), Qt::LeftButton, Qt::NoModifier, at(50));
+    for (int x = 50; x <= 150; x += 10)
+        QTest::mouseMove(m_ui->window(), at(x));
+    QVERIFY(handle->x() > 50);
+    QVERIFY(qAbs(position() - handle->x() * 400 / 198) < 1);
+    QTest::mouseMove(m_ui->window(), at(480));
+    QCOMPARE(position(), 400.0);
+    QTest::mouseRelease(m_ui->window(), Qt::LeftButton, Qt::NoModifier, at(480));
+    QCOMPARE(handle->x(), 198.0);
+}
+
+void ControlsTest::theScrollBarStepsByAQuarter()
+{
+    open(timeline(650));
+    QObject* bar = m_ui->find("bar");
+    const auto position = [this] { return m_ui->get("strip", "position").toDouble(); };
+    for (const double expected : {100.0, 200.0, 250.0, 250.0}) {
+        QVERIFY(QMetaObject::invokeMethod(bar, "scrollRight"));
+        QCOMPARE(position(), expected);
+    }
+    for (const double expected : {150.0, 50.0, 0.0, 0.0}) {
+        QVERIFY(QMetaObject::invokeMethod(bar, "scrollLeft"));
+        QCOMPARE(position(), expected);
+    }
+}
+
+QTEST_MAIN(ControlsTest)
+#include "ControlsTest.moc"
