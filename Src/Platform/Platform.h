@@ -4,6 +4,9 @@
 #include <QList>
 #include <QString>
 #include <QtGlobal>
+#include <functional>
+
+class QObject;
 
 /// What differs by operating system: one header, and one file per system and subject behind it.
 namespace corv::platform {
@@ -37,5 +40,15 @@ QList<Volume> mountedVolumes();
 /// volume that stands on several disks is removable if any of them is. `sysfsRoot` is where the
 /// system shows its devices. Any thread.
 int driveType(const QByteArray& device, const QString& sysfsRoot = QStringLiteral("/sys"));
+
+/// The program that starts its first argument with raised privileges, after asking the user.
+QString elevationProgram();
+
+/// Has `program` start `file` with raised privileges and watches it without blocking: `done(true)`
+/// once the file runs, `done(false)` when the user refused or it could not be started. What was
+/// started outlives this program. `done` runs on the calling thread, which needs an event loop, and
+/// not at all when `context` has died.
+void launchElevated(const QString& program, const QString& file, QObject* context,
+                    std::function<void(bool started)> done);
 
 } // namespace corv::platform

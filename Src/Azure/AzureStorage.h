@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Azure/CloudShare.h"
+
+#include <QByteArray>
+#include <QNetworkAccessManager>
+#include <QObject>
+#include <QString>
+
+class QNetworkReply;
+
+namespace corv {
+
+/// Fetches one file at a time from the read-only update share with signed requests. Knows nothing
+/// of manifests or versions. Lives wholly on the thread that makes it; its owner is its parent.
+///
+/// One download at a time is the caller's duty. There is no retry and no time limit: an error, or
+/// an abort, ends in `downloadError`.
+class AzureStorage : public QObject
+{
+    Q_OBJECT
+
+public:
+    AzureStorage(QObject* parent, CloudShare share);
+
+    /// A download that grows past this many bytes is aborted. Holds from the next download on.
+    void setSizeLimit(qint64 sizeLimitBytes) { m_sizeLimitBytes = sizeLimitBytes; }
+
+signals:
+    /// The whole of a file, and its path relative to the share as it stood in the address.
+    void fileDownloaded(QString relativefilePath, QByteArray fileContent);
+
+    void downloadError(QString errorMessage);
+
+public slots:
+    /// Starts the download of a path relative to the share. An empty path, or one with a leading
+    /// "/", is refused with a warning and no signal.
+    void downloadFile(QString path);
+
+    /// Ends the download in flight, if it is known: one that was started from within
+    /// `fileDownloaded` is not.
+    void abortCurrentDownload();
+
+private slots:
+    void finished(QNetworkReply* reply);
+
+private:
+    QNetworkAccessManager m_manager;
+    QNetworkReply* m_reply = nullptr;
+    CloudShare m_share;
+    qint64 m_sizeLimitBytes;
+};
+
+} // namespace corv

@@ -1,0 +1,152 @@
+#include "Update/UpdateManager.h"
+
+#include "Platform/Platform.h"
+#include "Shell/AppInfo.h"
+#include "Threads/annotate.h"
+#include "Threads/post.h"
+#include "Update/UpdateWorker.h"
+#include "Update/updateNames.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QSysInfo>
+#include <QThread>
+#include <utility>
+
+namespace corv {
+namespace {
+
+const QString lastNotificationKey = QStringLiteral("lastUpdateNotification");
+const QString downloadFolderName = QStringLiteral("update");
+constexpr qint64 quietDays = 7;
+
+QDir localDataFolder()
+{
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+}
+
+} // namespace
+
+UpdateManager::UpdateManager(QObject* parent)
+    : UpdateManager(CloudShare::ofThisBuild(), platform::elevationProgram(), parent)
+{
+}
+
+UpdateManager::UpdateManager(CloudShare share, QString elevationProgram, QObject* parent)
+    : QObject(parent), m_share(std::move(share)), m_elevationProgram(std::move(elevationProgram))
+{
+}
+
+UpdateManager::~UpdateManager()
+{
+    cancel();
+    m_thread.reset();
+    m_worker.reset();
+}
+
+QString UpdateManager::getUpdateChannel()
+{
+    return updateNames::channelOf(qEnvironmentVariable("CorvenityUpdateChannel"));
+}
+
+QString UpdateManager::getInstallerFlavour()
+{
+    return updateNames::flavourOf(QSysInfo::currentCpuArchitecture());
+}
+
+QString UpdateManager::getInstallerFileName(const QString& version)
+{
+    return updateNames::installerFileName(version, getInstallerFlavour());
+}
+
+QString UpdateManager::getDownloadDir()
+{
+    QDir folder = localDataFolder();
+    if (!folder.mkpath(downloadFolderName) || !folder.cd(downloadFolderName))
+        qWarning() << "Failed to create the 'update' dir in:" << folder.path();
+    return folder.path();
+}
+
+bool UpdateManager::isDownloadDir(const QString& folder)
+{
+    return QDir::cleanPath(folder) ==
+           QDir::cleanPath(localDataFolder().filePath(downloadFolderName));
+}
+
+bool UpdateManager::shouldCheckForUpdate() const
+{
+    if (getUpdateChannel() != QLatin1String("official"))
+        return true;
+    const QVariant stored = QSettings().value(lastNotificationKey);
+    if (!stored.isValid() || stored.isNull())
+        return true;
+    const QDateTime last = updateNames::notificationMoment(stored.toString());
+    return last.daysTo(QDateTime::currentDateTimeUtc()) >= quietDays;
+}
+
+void UpdateManager::notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes)
+{
+    QSettings().setValue(lastNotificationKey,
+                         updateNames::notificationText(QDateTime::currentDateTimeUtc()));
+    post(this, [this, version, releaseNotes] {
+        emit updateAvailable(QVariant(version), QVariant(releaseNotes));
+    });
+}
+
+void UpdateManager::checkUpdate()
+{
+    if (AppInfo().isUnversioned()) {
+        qInfo() << "Skipping update check for unversioned Vistrel";
+        return;
+    }
+    if (m_thread)
+        return;
+    if (!m_share.isConfigured()) {
+        qInfo() << "Skipping update check: this build names no update share";
+        return;
+    }
+    if (!shouldCheckForUpdate())
+        return;
+    m_thread = std::make_unique<QThread>();
+    m_worker = std::make_unique<UpdateWorker>(this, m_share);
+    m_worker->moveToThread(m_thread.get());
+    connect(m_thread.get(), &QThread::started, m_worker.get(), &UpdateWorker::start);
+    connect(m_worker.get(), &UpdateWorker::finished, m_thread.get(), &QThread::quit);
+    QThread* thread = m_thread.get();
+    connect(
+        thread, &QThread::finished, thread, [thread] { annotateRelease(thread); },
+        Qt::DirectConnection);
+    m_thread->start(QThread::InheritPriority);
+}
+
+void UpdateManager::cancel()
+{
+    if (!m_thread)
+        return;
+    if (m_thread->isRunning()) {
+        post(m_worker.get(), [worker = m_worker.get()] { worker->cancel(); });
+        m_thread->quit();
+        m_thread->wait();
+    }
+    annotateAcquire(m_thread.get());
+}
+
+void UpdateManager::installNewVersion(QString newVersion)
+{
+    const QString file = getDownloadDir() + QLatin1Char('/') + getInstallerFileName(newVersion);
+    qInfo() << "Installing new version..." << file;
+    platform::launchElevated(m_elevationProgram, file, this, [this, file](bool started) {
+        if (started) {
+            post(QCoreApplication::instance(), [] { QCoreApplication::quit(); });
+            return;
+        }
+        qWarning() << "Failed to launch the installer: " << file;
+        emit installingNewVersionFailed(QVariant(file));
+    });
+}
+
+} // namespace corv

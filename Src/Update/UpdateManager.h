@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Azure/CloudShare.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <memory>
+
+class QThread;
+
+namespace corv {
+
+class UpdateWorker;
+
+/// The face of the updater towards the interface: runs at most one check in a run of the program,
+/// on a thread of its own, and launches the installer that the check has fetched. Interface thread;
+/// stands on the stack of the entry point.
+///
+/// Whatever goes wrong with a check stands in the log and nowhere else; the next start tries again.
+class UpdateManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Uses the share that the build was configured with, and the system's way to raise privileges.
+    explicit UpdateManager(QObject* parent = nullptr);
+
+    /// As above with another share, and another program that starts its first argument with raised
+    /// privileges.
+    UpdateManager(CloudShare share, QString elevationProgram, QObject* parent = nullptr);
+
+    /// Waits for the update thread.
+    ~UpdateManager() override;
+
+    /// The update channel, from the environment variable `CorvenityUpdateChannel`.
+    static QString getUpdateChannel();
+
+    /// The flavour of installer for this machine.
+    static QString getInstallerFlavour();
+
+    static QString getInstallerFileName(const QString& version);
+
+    /// The folder of downloaded installers, made where it is missing. Where it cannot be made, a
+    /// warning, and its parent.
+    static QString getDownloadDir();
+
+    /// Whether `folder` is the download folder itself, and so may be emptied.
+    static bool isDownloadDir(const QString& folder);
+
+    /// The throttle: every start for test channels; for the official one, not within seven days of
+    /// the last notification. A stored moment that cannot be read allows no check.
+    bool shouldCheckForUpdate() const;
+
+    /// Remembers that the user is told now, and has `updateAvailable` emitted. Update thread.
+    void notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes);
+
+signals:
+    /// A newer installer is on disk. `releaseNotes` is a list of lines.
+    void updateAvailable(QVariant version, QVariant releaseNotes);
+
+    /// The installer did not start, or the user refused to raise its privileges.
+    void installingNewVersionFailed(QVariant installerPath);
+
+public slots:
+    /// Starts the check. Nothing happens in a build without version or share, a second time in a
+    /// run, or when the throttle says no.
+    void checkUpdate();
+
+    /// Ends a running check and waits for its thread.
+    void cancel();
+
+    /// Starts the downloaded installer of that version with raised privileges. Once it runs the
+    /// program quits; if it does not, `installingNewVersionFailed`.
+    void installNewVersion(QString newVersion);
+
+private:
+    CloudShare m_share;
+    QString m_elevationProgram;
+    std::unique_ptr<UpdateWorker> m_worker;
+    std::unique_ptr<QThread> m_thread;
+};
+
+} // namespace corv

@@ -1,0 +1,157 @@
+#include "Update/UpdateWorker.h"
+
+#include "Azure/AzureStorage.h"
+#include "Shell/AppInfo.h"
+#include "Update/UpdateManager.h"
+#include "Update/updateNames.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QSaveFile>
+#include <utility>
+
+namespace corv {
+namespace {
+
+// A manifest is a few lines; an installer is held whole in memory until it is written.
+constexpr qint64 manifestLimitBytes = qint64(1) << 20;
+constexpr qint64 installerLimitBytes = qint64(1) << 30;
+
+} // namespace
+
+UpdateWorker::UpdateWorker(UpdateManager* manager, CloudShare share)
+    : m_manager(manager), m_share(std::move(share))
+{
+}
+
+void UpdateWorker::start()
+{
+    if (m_state != Idle) {
+        qWarning() << "UpdateWorker not idle; current state:" << m_state;
+        return;
+    }
+    m_state = FetchingManifest;
+    // Made here and not in the constructor: its network manager belongs to this thread.
+    m_azure = new AzureStorage(this, m_share);
+    connect(m_azure, &AzureStorage::fileDownloaded, this, &UpdateWorker::azureFileDownloaded,
+            Qt::DirectConnection);
+    connect(m_azure, &AzureStorage::downloadError, this, &UpdateWorker::azureDownloadError,
+            Qt::DirectConnection);
+    m_azure->setSizeLimit(manifestLimitBytes);
+    m_azure->downloadFile(updateNames::manifestPath(UpdateManager::getUpdateChannel()));
+}
+
+void UpdateWorker::cancel()
+{
+    if (m_azure)
+        m_azure->abortCurrentDownload();
+    emit finished();
+}
+
+void UpdateWorker::azureFileDownloaded(QString azureFilePath, QByteArray fileContent)
+{
+    switch (m_state) {
+    case FetchingManifest:
+        qInfo() << "Downloaded" << azureFilePath << ":" << fileContent;
+        onUpdateJsonDownloaded(QJsonDocument::fromJson(fileContent));
+        break;
+    case FetchingInstaller:
+        qInfo() << "Downloaded" << azureFilePath;
+        onNewInstallerDownloaded(azureFilePath, fileContent);
+        emit finished();
+        break;
+    default:
+        qWarning() << "Error; update manager in the wrong state:" << m_state;
+        m_state = Failed;
+        emit finished();
+    }
+}
+
+void UpdateWorker::azureDownloadError(QString errorMessage)
+{
+    qWarning() << "Download error:" << errorMessage;
+    m_state = Failed;
+    emit finished();
+}
+
+void UpdateWorker::onUpdateJsonDownloaded(const QJsonDocument& document)
+{
+    const QJsonObject manifest = document.object();
+    const QJsonValue version = manifest[QStringLiteral("version")];
+    const QJsonValue path = manifest[QStringLiteral("path")];
+    const QJsonValue notes = manifest[QStringLiteral("notes")];
+    if (version.isUndefined() || path.isUndefined() || notes.isUndefined()) {
+        qWarning() << "Unrecognized JSON document:" << document.toJson();
+        emit finished();
+        return;
+    }
+    m_newVersion = version.toString();
+    if (!AppInfo().isLowerThan(m_newVersion)) {
+        qInfo() << "Already using the latest version";
+        emit finished();
+        return;
+    }
+    // Both become parts of paths, here and on the share.
+    if (!updateNames::isSafeFileElement(m_newVersion) ||
+        !updateNames::isSafeSharePath(path.toString())) {
+        qWarning() << "Refused the version or path of the manifest:" << m_newVersion
+                   << path.toString();
+        emit finished();
+        return;
+    }
+    for (const QJsonValue& note : notes.toArray())
+        m_releaseNotes << note.toString();
+
+    const QString fileName = UpdateManager::getInstallerFileName(m_newVersion);
+    const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') + fileName;
+    if (QFile::exists(file)) {
+        qInfo() << "Installer already downloaded" << file;
+        m_manager->notifyUpdateAvailable(m_newVersion, m_releaseNotes);
+        emit finished();
+        return;
+    }
+    deleteOldInstallers();
+    m_state = FetchingInstaller;
+    m_azure->setSizeLimit(installerLimitBytes);
+    m_azure->downloadFile(updateNames::installerPath(path.toString(), m_newVersion, fileName));
+}
+
+void UpdateWorker::deleteOldInstallers()
+{
+    qInfo() << "Deleting old installers...";
+    // Where the folder could not be made, its parent stands in for it, which holds the user's data.
+    const QString folder = UpdateManager::getDownloadDir();
+    if (UpdateManager::isDownloadDir(folder))
+        QDir(folder).removeRecursively();
+}
+
+void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArray& content)
+{
+    const QString fileName = path.split(QLatin1Char('/')).last();
+    if (!updateNames::isSafeFileElement(fileName)) {
+        qWarning() << "Refused the name of the installer:" << fileName;
+        return;
+    }
+    const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') + fileName;
+    qInfo() << "Saving new installer as" << file;
+    // Written beside and renamed: a partial file would count as downloaded at the next start.
+    QSaveFile installer(file);
+    if (!installer.open(QIODevice::WriteOnly)) {
+        qWarning() << "Failed to open to the installer file for writing";
+        return;
+    }
+    const bool written = installer.write(content) == content.size() &&
+                         installer.setPermissions(installer.permissions() | QFile::ExeOwner |
+                                                  QFile::ExeGroup | QFile::ExeOther);
+    if (!written || !installer.commit()) {
+        qWarning() << "Failed to write to the installer file";
+        return;
+    }
+    m_manager->notifyUpdateAvailable(m_newVersion, m_releaseNotes);
+}
+
+} // namespace corv

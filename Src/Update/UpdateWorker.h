@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Azure/CloudShare.h"
+
+#include <QByteArray>
+#include <QJsonDocument>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+namespace corv {
+
+class AzureStorage;
+class UpdateManager;
+
+/// One pass of the update protocol: fetch the channel's manifest, and if it names a newer version
+/// whose installer is not on disk yet, fetch that. Lives on the update thread; everything in it
+/// runs there. Every end of the pass emits `finished`.
+class UpdateWorker : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `manager` is not owned and must outlive the worker.
+    UpdateWorker(UpdateManager* manager, CloudShare share);
+
+signals:
+    void finished();
+
+public slots:
+    void start();
+
+    /// Ends the download in flight and the pass.
+    void cancel();
+
+private slots:
+    void azureFileDownloaded(QString azureFilePath, QByteArray fileContent);
+    void azureDownloadError(QString errorMessage);
+
+private:
+    enum State {
+        Idle = 0,
+        FetchingManifest = 1,
+        FetchingInstaller = 2, ///< also the last state of a success
+        Failed = 3,
+    };
+
+    void onUpdateJsonDownloaded(const QJsonDocument& document);
+    void onNewInstallerDownloaded(const QString& path, const QByteArray& content);
+    void deleteOldInstallers();
+
+    UpdateManager* m_manager;
+    int m_state = Idle;
+    AzureStorage* m_azure = nullptr;
+    QString m_newVersion;
+    QStringList m_releaseNotes;
+    CloudShare m_share;
+};
+
+} // namespace corv

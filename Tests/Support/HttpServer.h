@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QTcpServer>
+
+namespace corv::test {
+
+/// A small HTTP server on the loopback address with answers fixed beforehand. It runs in the event
+/// loop of the thread that makes it.
+class HttpServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Answer
+    {
+        int status = 200;
+        QByteArray body;
+        bool silent = false;         ///< take the request and never answer
+        qint64 announcedLength = -1; ///< Content-Length to promise instead of the body's; the
+                                     ///< connection closes after the body
+    };
+
+    struct Request
+    {
+        QByteArray path;                      ///< as it stood in the request line
+        QMap<QByteArray, QByteArray> headers; ///< names in lower case
+    };
+
+    HttpServer();
+
+    /// "http://127.0.0.1:PORT/"
+    QString address() const;
+
+    /// What a path, without its leading "/", is answered with; any other gets a 404.
+    void setAnswer(const QByteArray& path, const Answer& answer) { m_answers[path] = answer; }
+
+    const QList<Request>& requests() const { return m_requests; }
+
+signals:
+    /// A request has come in and is about to be answered.
+    void requested(QByteArray path);
+
+private:
+    void serve();
+
+    QTcpServer m_server;
+    QHash<QByteArray, Answer> m_answers;
+    QList<Request> m_requests;
+};
+
+} // namespace corv::test
