@@ -1,0 +1,97 @@
+#include "Video/FrameWriter.h"
+
+#include <QDebug>
+#include <QThreadPool>
+#include <exception>
+#include <utility>
+
+namespace corv {
+namespace {
+
+constexpr size_t batchSize = 2;
+
+void writeBatch(cv::VideoWriter& writer, const std::vector<cv::Mat>& frames)
+{
+    try {
+        for (const cv::Mat& frame : frames)
+            writer.write(frame);
+    } catch (const std::exception& error) {
+        qWarning() << "Failed to write frame:" << error.what();
+    }
+}
+
+} // namespace
+
+FrameWriter::FrameWriter()
+    : m_writer(std::make_shared<cv::VideoWriter>()), m_filling(std::make_shared<Batch>())
+{
+    // The decoding thread waits for tasks of the pool, and tasks of the pool may be waiting for
+    // pictures from the decoding thread: one place more, so that the two cannot wait for each
+    // other.
+    QThreadPool::globalInstance()->releaseThread();
+}
+
+FrameWriter::~FrameWriter()
+{
+    handOver();
+    finishTask();
+    try {
+        m_writer->release();
+    } catch (const std::exception& error) {
+        qWarning() << "Failed to close the video:" << error.what();
+    }
+    QThreadPool::globalInstance()->reserveThread();
+}
+
+bool FrameWriter::open(const QString& file, double fps, QSize size)
+{
+    try {
+        return m_writer->open(file.toStdString(), cv::VideoWriter::fourcc('m', 'p', '4', 'v'), fps,
+                              cv::Size(size.width(), size.height()), true);
+    } catch (const std::exception& error) {
+        qWarning() << "Failed to open the video for writing:" << error.what();
+        return false;
+    }
+}
+
+cv::Mat FrameWriter::takeBuffer()
+{
+    if (m_buffers.empty())
+        return {};
+    cv::Mat buffer = std::move(m_buffers.back());
+    m_buffers.pop_back();
+    return buffer;
+}
+
+void FrameWriter::giveBack(cv::Mat buffer)
+{
+    m_buffers.push_back(std::move(buffer));
+}
+
+void FrameWriter::write(cv::Mat frame)
+{
+    m_filling->push_back(std::move(frame));
+    if (m_filling->size() >= batchSize)
+        handOver();
+}
+
+void FrameWriter::handOver()
+{
+    finishTask();
+    if (m_filling->empty())
+        return;
+    m_writing = std::exchange(m_filling, std::make_shared<Batch>());
+    m_task = runOnPool([writer = m_writer, frames = m_writing] { writeBatch(*writer, *frames); });
+}
+
+void FrameWriter::finishTask()
+{
+    m_task.waitForDone();
+    if (!m_writing)
+        return;
+    for (cv::Mat& frame : *m_writing)
+        m_buffers.push_back(std::move(frame));
+    m_writing.reset();
+}
+
+} // namespace corv

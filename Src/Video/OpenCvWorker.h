@@ -1,0 +1,123 @@
+#pragma once
+
+#include "Video/FrameSource.h"
+#include "Video/StillFrameQueue.h"
+#include "Video/VideoDisplaySettings.h"
+#include "Video/VideoTimeline.h"
+
+#include <QImage>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QThread>
+#include <QTime>
+#include <atomic>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <opencv2/core.hpp>
+
+class LogFile;
+
+namespace corv {
+
+struct FlightClock;
+class VideoPlayer;
+
+/// Everything that touches a video file: opens the files of a flight as one timeline, reads frames,
+/// finds positions, and turns frames into what the screen and the files need. Owned by its player,
+/// which is its only client; lives on a thread of its own, from its making to its death.
+///
+/// All functions but the constructor, the destructor and `isStopping` run on that thread: the
+/// player posts to it, and is posted to in return.
+class OpenCvWorker : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Both outlive the worker; `openSource` is called on the worker's thread.
+    OpenCvWorker(VideoPlayer* player, FrameSourceFactory openSource);
+
+    /// Drops what is queued and waits for the job at hand.
+    ~OpenCvWorker() override;
+
+    /// True once the worker is being shut down. Any thread.
+    bool isStopping() const { return m_stopRequested.load(std::memory_order_relaxed); }
+
+    /// Closes what is open and opens these files. Everything handed over from here on carries the
+    /// number `opening`.
+    void setVideoSources(const QStringList& files, int opening);
+
+    /// Answers the waiting requests with null and closes all files. The picture last read stays.
+    void closeSources();
+
+    /// Reads the next frame and hands it over.
+    void produceNextFrame(bool seekResult);
+
+    /// Up to five frames.
+    void produceFrameBurst();
+
+    /// Finds a position and hands over one frame as the seek's result, or none if the position is
+    /// not on the timeline. The position already shown is drawn again without decoding.
+    void seekAtTime(QTime time);
+    void seekAtFrameIndex(int index);
+
+    /// The picture at a time, null if there is none. Playback goes on as if nothing had happened.
+    QImage getFrameAt(QTime time);
+
+    /// Puts a request for the picture at a time behind those that wait.
+    void requestFrame(QTime time, StillFrameQueue::Callback callback);
+
+    /// Writes the whole timeline as a new video. False if there is none, if the target is one of
+    /// the flight's own files or cannot be written, or if playback could not be put back in place.
+    bool exportVideo(const QString& file, const std::atomic<bool>& cancelled);
+
+    void setSettings(const VideoDisplaySettings& settings) { m_settings = settings; }
+
+    /// The clock of the log parser; null if there is none.
+    void setClock(std::shared_ptr<const FlightClock> clock);
+
+    /// Builds the tables of the overlay from the log, which is kept alive for them.
+    void updateLogData(bool hasParser, std::shared_ptr<LogFile> log);
+
+signals:
+    void videoExportProgress(int exportedFrames, int totalFrames);
+    void irDataChanged(double IRDataMin, double IRDataMax);
+
+private:
+    static constexpr int noFile = -1;
+
+    VideoFileEntry& current() { return m_timeline.entry(m_currentSource); }
+    bool moveToNextFile();
+    void handOverPicture(const cv::Mat& picture, int frameIndex, int timeMs, bool seekResult);
+    void renderLastFrame();
+    bool changesPictures() const;
+    bool applyEffects(cv::Mat& frame, int timeMs, bool reportRange);
+    FrameSource* stillSource(int file);
+    QImage extractFrame(FrameSource& capture, double fileMs);
+    void tellPlayerToPause();
+
+    VideoPlayer* const m_player;
+    const FrameSourceFactory m_openSource;
+    QThread m_thread;
+    std::atomic<bool> m_stopRequested{false};
+
+    int m_opening = 0;
+    QStringList m_sourceFiles;
+    VideoTimeline m_timeline;
+    int m_currentSource = noFile;
+
+    cv::Mat m_lastFrame; // as read, so that a later change of settings can rework it
+    int m_lastFrameTimeMs = std::numeric_limits<int>::min();
+    int m_lastFrameIndex = std::numeric_limits<int>::min();
+    cv::Mat m_spareFrame; // the buffer for the next frame
+    cv::Mat m_effectFrame;
+
+    VideoDisplaySettings m_settings;
+    StillFrameQueue m_stills;
+    std::unique_ptr<FrameSource> m_stillSource; // a second capture, on the file last asked for
+    int m_stillFile = noFile;
+    cv::Mat m_stillFrame;
+};
+
+} // namespace corv

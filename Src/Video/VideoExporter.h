@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Video/VideoTimeline.h"
+
+#include <QString>
+#include <functional>
+#include <opencv2/core.hpp>
+
+namespace corv {
+
+class FrameWriter;
+
+/// Writes all frames of a timeline as one new video, in one go on the worker's thread.
+class VideoExporter
+{
+public:
+    /// What the export asks of its surroundings while it runs.
+    struct Hooks
+    {
+        std::function<void(cv::Mat& frame, int timeMs)> applyEffects;
+        std::function<void(int exportedFrames, int totalFrames)> reportProgress;
+        std::function<bool()> isCancelled;
+    };
+
+    VideoExporter(VideoTimeline& timeline, Hooks hooks);
+
+    /// Size and rate come from the file at `currentFile`, whose position is put back at the end;
+    /// frames of another size are left out. True if that position could be put back, whatever
+    /// became of single frames or files; false as well if the target cannot be written.
+    bool exportTo(const QString& target, int currentFile);
+
+private:
+    void exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize size, int done);
+
+    VideoTimeline& m_timeline;
+    Hooks m_hooks;
+};
+
+/// Whether `target` is one of `files` under any name: relative, or through a link of either kind.
+bool isOneOfFiles(const QString& target, const QStringList& files);
+
+} // namespace corv
