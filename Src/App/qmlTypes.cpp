@@ -1,5 +1,7 @@
 #include "App/qmlTypes.h"
 
+#include "Discovery/DirectoryParser.h"
+#include "Log/LogParser.h"
 #include "Project/ProjectFileLoader.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
@@ -28,6 +30,8 @@ void registerQmlTypes()
 {
     registerSingleton<AppInfo>("corv.AppInfo", "AppInfo");
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
+    registerSingleton<LogParser>("corv.LogParsing", "LogParser");
+    qmlRegisterType<DirectoryParser>("DirectoryParser", 1, 0, "DirectoryParser");
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
 }
