@@ -1,0 +1,95 @@
+#include "App/qmlTypes.h"
+#include "Platform/Platform.h"
+#include "Shell/AppInfo.h"
+#include "Shell/SystemInfo.h"
+#include "Shell/applicationLogging.h"
+#include "Shell/applicationNames.h"
+#include "Threads/pool.h"
+#include "Update/UpdateManager.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QFileInfo>
+#include <QIcon>
+#include <QLoggingCategory>
+#include <QQmlApplicationEngine>
+#include <QQmlContext>
+#include <QQuickWindow>
+#include <QTimer>
+#include <QWindow>
+
+namespace {
+
+constexpr int updateCheckDelayMs = 1000;
+
+// Hands a file named on the command line to the root, which has finished loading by the time that
+// the event loop starts.
+void openFirstArgument(QObject* root, const QString& argument)
+{
+    const QString path = corv::platform::longPath(argument);
+    qInfo() << "First argument:" << path;
+    const QFileInfo file(path);
+    const QString suffix = file.suffix().toLower();
+    const bool isVideo = suffix == QLatin1String("mp4") || suffix == QLatin1String("mov");
+    // Absolute: what is saved later must not depend on the folder that the program was started in.
+    QMetaObject::invokeMethod(root, isVideo ? "loadVideo" : "loadProject", Qt::QueuedConnection,
+                              Q_ARG(QVariant, QVariant(file.absoluteFilePath())));
+}
+
+void connectUpdater(corv::UpdateManager& updater, QObject* root)
+{
+    QObject::connect(&updater, SIGNAL(updateAvailable(QVariant, QVariant)), root,
+                     SLOT(launchUpdateWindow(QVariant, QVariant)), Qt::QueuedConnection);
+    QObject::connect(&updater, SIGNAL(installingNewVersionFailed(QVariant)), root,
+                     SLOT(showNewInstallationFailedError(QVariant)), Qt::QueuedConnection);
+    QObject::connect(root, SIGNAL(installNewVersion(QString)), &updater,
+                     SLOT(installNewVersion(QString)), Qt::QueuedConnection);
+    QObject::connect(qApp, SIGNAL(aboutToQuit()), &updater, SLOT(cancel()));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // First of all, so that it covers the start of the scene graph too.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.scenegraph.general=true"));
+    QApplication application(argc, argv);
+    corv::setApplicationNames();
+    corv::ApplicationLogging::instance().init();
+
+    const corv::AppInfo appInfo;
+    qInfo("Vistrel version %s started; process id: %d", qPrintable(appInfo.versionString()),
+          static_cast<int>(QApplication::applicationPid()));
+
+    const corv::SystemInfo systemInfo;
+    if (!systemInfo.fileExists())
+        corv::runOnPool([systemInfo] { systemInfo.writeToFile(); });
+
+    QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+    corv::registerQmlTypes();
+
+    QQmlApplicationEngine engine;
+    engine.rootContext()->setContextProperty(QStringLiteral("applicationDirPath"),
+                                             QApplication::applicationDirPath());
+    engine.load(QUrl(QStringLiteral("qrc:/main.qml")));
+    if (engine.rootObjects().isEmpty()) {
+        qCritical() << "The interface could not be loaded";
+        return 1;
+    }
+    QObject* root = engine.rootObjects().constFirst();
+    if (auto* window = qobject_cast<QWindow*>(root))
+        window->setIcon(QIcon(QStringLiteral(":/logo.ico")));
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() > 1)
+        openFirstArgument(root, arguments[1]);
+
+    corv::UpdateManager updater;
+    connectUpdater(updater, root);
+    QTimer::singleShot(updateCheckDelayMs, &updater, &corv::UpdateManager::checkUpdate);
+
+    const int exitCode = QApplication::exec();
+    qInfo() << "Bye! Exit code: " << exitCode;
+    // The destructors that follow no longer write to the log.
+    qInstallMessageHandler(nullptr);
+    return exitCode;
+}
