@@ -1,0 +1,99 @@
+#include "WindowUnderReview.h"
+
+#include "Video/VideoPlayer.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QQuickWindow>
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+
+namespace corv {
+namespace {
+
+constexpr qint64 patienceMs = 120'000;
+constexpr int leadMs = 1000;
+
+int millisecondsOf(const QTime& time)
+{
+    return QTime(0, 0).msecsTo(time);
+}
+
+} // namespace
+
+WindowUnderReview::WindowUnderReview()
+{
+    m_engine.rootContext()->setContextProperty(QStringLiteral("applicationDirPath"),
+                                               QApplication::applicationDirPath());
+    m_engine.load(QUrl(QStringLiteral("qrc:/main.qml")));
+    if (!m_engine.rootObjects().isEmpty())
+        m_root = m_engine.rootObjects().constFirst();
+    m_window = qobject_cast<QQuickWindow*>(m_root);
+    if (m_window)
+        m_player = m_root->findChild<VideoPlayer*>(QStringLiteral("videoPlayer"));
+    if (!m_player)
+        throw std::runtime_error("the interface could not be loaded");
+}
+
+void WindowUnderReview::open(const QString& file)
+{
+    const QFileInfo info(file);
+    const bool isProject = info.suffix().toLower() == QLatin1String("ecor");
+    waitFor(QStringLiteral("the window"), [this] { return m_window->isExposed(); });
+    QMetaObject::invokeMethod(m_root, isProject ? "loadProject" : "loadVideo",
+                              Q_ARG(QVariant, QVariant(info.absoluteFilePath())));
+    waitFor(QStringLiteral("the video"), [this] { return m_player->hasVideoOpened(); });
+    waitFor(QStringLiteral("the log"),
+            [this] { return !evaluate(QStringLiteral("LogParser.isParsing")).toBool(); });
+    // Frames are fetched one after the other: once this one is here, the thumbnails asked for
+    // earlier are as well.
+    const auto fetched = std::make_shared<std::atomic<bool>>(false);
+    m_player->getFrameAsync(mostInterestingMoment(), [fetched](const QImage&) { *fetched = true; });
+    waitFor(QStringLiteral("the thumbnails"), [fetched] { return fetched->load(); });
+}
+
+void WindowUnderReview::playUpTo(const QTime& moment)
+{
+    const int start = qMax(0, millisecondsOf(moment) - leadMs);
+    waitFor(QStringLiteral("the seek"),
+            [this, start] { return m_player->seekAtTime(QTime(0, 0).addMSecs(start)); });
+    m_player->play();
+    waitFor(QStringLiteral("the playing video"),
+            [this, &moment] { return m_player->timePosition() >= moment; });
+}
+
+QTime WindowUnderReview::mostInterestingMoment() const
+{
+    const QVariantList marks = evaluate(QStringLiteral("timelineContent.getPOIs()")).toList();
+    const int timeMs = marks.isEmpty() ? millisecondsOf(m_player->duration()) / 2
+                                       : marks.constFirst().toMap()[QStringLiteral("time")].toInt();
+    return QTime(0, 0).addMSecs(timeMs);
+}
+
+QVariant WindowUnderReview::evaluate(const QString& expression) const
+{
+    return QQmlExpression(qmlContext(m_root), m_root, expression).evaluate();
+}
+
+QImage WindowUnderReview::picture() const
+{
+    return m_window->grabWindow();
+}
+
+void WindowUnderReview::waitFor(const QString& what, const std::function<bool()>& condition) const
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.hasExpired(patienceMs))
+            throw std::runtime_error(what.toStdString() + " did not come");
+        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+    }
+}
+
+} // namespace corv
