@@ -6,6 +6,7 @@
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/Shortcut.h"
+#include "Video/VideoPlayer.h"
 
 #include <qqml.h>
 
@@ -32,6 +33,7 @@ void registerQmlTypes()
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
     registerSingleton<LogParser>("corv.LogParsing", "LogParser");
     qmlRegisterType<DirectoryParser>("DirectoryParser", 1, 0, "DirectoryParser");
+    qmlRegisterType<VideoPlayer>("VideoPlayer", 1, 0, "VideoPlayer");
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
 }
