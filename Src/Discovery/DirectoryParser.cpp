@@ -117,8 +117,8 @@ QVariantMap DirectoryParser::autodetectDrivesWithData()
         }
         qInfo() << "Analyzing" << drive;
         for (const CardLayout& layout : cardLayouts()) {
-            const QList<QFileInfo> files =
-                findFiles(drive[QStringLiteral("path")].toString(), layout.subPath, layout.extension);
+            const QList<QFileInfo> files = findFiles(drive[QStringLiteral("path")].toString(),
+                                                     layout.subPath, layout.extension);
             if (files.isEmpty())
                 continue;
             qInfo() << layout.droneModel << "eligible; files:" << files;

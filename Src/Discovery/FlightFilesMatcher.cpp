@@ -180,8 +180,8 @@ bool FlightFilesMatcher::nameFlights(Search& search) const
         LogDecoder decoder(m_abortFlag);
         const LogSyncResult sync = decoder.findLogTimeOffset(log.recordings, match.videoDuration);
         if (sync.found)
-            match.naming = decoder.findNamingForFlight(
-                log.namings, sync.logTimeOffset, sync.logTimeOffset + match.videoDuration);
+            match.naming = decoder.findNamingForFlight(log.namings, sync.logTimeOffset,
+                                                       sync.logTimeOffset + match.videoDuration);
     }
     return true;
 }

@@ -20,8 +20,9 @@ class FlightFilesMatcher
 public:
     using FlightMatchData = corv::FlightMatchData;
 
-    /// currentFile, totalFiles, currentFileStep, currentFileProgress, currentFileTotal: which log is
-    /// being read, of how many, and the decoder's stage, done and total. Called on the worker thread.
+    /// currentFile, totalFiles, currentFileStep, currentFileProgress, currentFileTotal: which log
+    /// is being read, of how many, and the decoder's stage, done and total. Called on the worker
+    /// thread.
     using Progress = std::function<void(int, int, int, int, int)>;
 
     /// What the matcher asks of the files themselves.
@@ -32,7 +33,8 @@ public:
         std::function<QDateTime(const QFileInfo&)> time = [](const QFileInfo& file) {
             return file.metadataChangeTime();
         };
-        /// Duration of the video at a path, whole seconds in milliseconds, -1 if it cannot be opened.
+        /// Duration of the video at a path, whole seconds in milliseconds, -1 if it cannot be
+        /// opened.
         std::function<int(const QString&)> videoDurationMs = defaultVideoDurationMs;
     };
 

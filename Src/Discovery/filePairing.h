@@ -23,8 +23,8 @@ std::vector<TimedFile> sortedByTime(const QList<QFileInfo>& files,
                                     const std::function<QDateTime(const QFileInfo&)>& timeOf);
 
 /// The position in `logs`, which are sorted by time, of the log that belongs to the video: the
-/// nearest one from 0 to 1799 seconds after it, of equally near ones the first. -1 if there is none.
-/// Differences are taken in their low 32 bits. Takes logarithmic time.
+/// nearest one from 0 to 1799 seconds after it, of equally near ones the first. -1 if there is
+/// none. Differences are taken in their low 32 bits. Takes logarithmic time.
 int pairedLog(const TimedFile& video, const std::vector<TimedFile>& logs);
 
 /// Pairs every video with its log, in order, and tells the diagnostic log what was weighed. Gives

@@ -37,9 +37,8 @@ FlightFiles gatherFlightFiles(const QString& videoDirectory, const QString& logD
         if (layout.kind == CardLayout::Log)
             files.logs += findFiles(logDirectory, layout.subPath, layout.extension);
         else
-            files.videos += findFiles(videoDirectory,
-                                      videoFromDrive ? layout.subPath : QStringList(),
-                                      layout.extension);
+            files.videos += findFiles(
+                videoDirectory, videoFromDrive ? layout.subPath : QStringList(), layout.extension);
     }
     qInfo() << "Videos files list:" << files.videos;
     qInfo() << "Log files list:" << files.logs;

@@ -75,9 +75,11 @@ void FilePairingTest::picksTheNextLog_data()
     QTest::newRow("not the nearer one before") << QList<qint64>{-1000, 1'700'000} << "1700000";
     QTest::newRow("the first within a second") << QList<qint64>{5900, 5100, 5500} << "5100";
     QTest::newRow("the first around zero") << QList<qint64>{400, -400} << "-400";
-    QTest::newRow("differences wrap at 32 bits") << QList<qint64>{wrap + 7000} << QString::number(wrap + 7000);
+    QTest::newRow("differences wrap at 32 bits")
+        << QList<qint64>{wrap + 7000} << QString::number(wrap + 7000);
     QTest::newRow("before, wrapped") << QList<qint64>{7000 - wrap} << QString::number(7000 - wrap);
-    QTest::newRow("a wrapped one is nearer") << QList<qint64>{9000, wrap + 7000} << QString::number(wrap + 7000);
+    QTest::newRow("a wrapped one is nearer")
+        << QList<qint64>{9000, wrap + 7000} << QString::number(wrap + 7000);
     QTest::newRow("equal but for the wrap") << QList<qint64>{7000, wrap + 7000} << "7000";
     QTest::newRow("half a wrap") << QList<qint64>{wrap / 2} << "";
 }
@@ -88,7 +90,8 @@ void FilePairingTest::picksTheNextLog()
     QFETCH(QString, paired);
     const std::vector<TimedFile> logs = logsAfter(differencesMs);
     const int position = pairedLog(fileAt("video", kVideoTime), logs);
-    QCOMPARE(position < 0 ? QString() : logs[static_cast<size_t>(position)].file.fileName(), paired);
+    QCOMPARE(position < 0 ? QString() : logs[static_cast<size_t>(position)].file.fileName(),
+             paired);
 }
 
 void FilePairingTest::agreesWithAWalkOverAllLogs()
@@ -145,12 +148,13 @@ void FilePairingTest::listsEveryPair()
     const std::vector<TimedFile> logs = logsAfter({-3000, 4000});
     const test::MessageLog messages;
     QCOMPARE(pairVideosWithLogs({fileAt("video.mp4", kVideoTime)}, logs), std::vector<int>{1});
-    QCOMPARE(messages.messages(QtInfoMsg),
-             QStringList({"Video file  :  \"video.mp4\" , metadataChangeTime  \"01/06/2018 12:00:00\"",
-                          "Log file:  \"-3000\" , metadataChangeTime  \"01/06/2018 11:59:57\"",
-                          "Difference with video:  -3  secs",
-                          "Log file:  \"4000\" , metadataChangeTime  \"01/06/2018 12:00:04\"",
-                          "Difference with video:  4  secs"}));
+    QCOMPARE(
+        messages.messages(QtInfoMsg),
+        QStringList({"Video file  :  \"video.mp4\" , metadataChangeTime  \"01/06/2018 12:00:00\"",
+                     "Log file:  \"-3000\" , metadataChangeTime  \"01/06/2018 11:59:57\"",
+                     "Difference with video:  -3  secs",
+                     "Log file:  \"4000\" , metadataChangeTime  \"01/06/2018 12:00:04\"",
+                     "Difference with video:  4  secs"}));
 }
 
 void FilePairingTest::listsTheNeighboursInALargeSearch()

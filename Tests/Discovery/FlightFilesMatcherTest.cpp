@@ -1,0 +1,376 @@
+#include "Discovery/FlightFilesMatcher.h"
+#include "Support/MessageLog.h"
+#include "flightLogs.h"
+
+#include <QFile>
+#include <QHash>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <atomic>
+
+using namespace corv;
+using namespace corv::test;
+
+namespace {
+
+const QDateTime kStart(QDate(2018, 6, 1), QTime(12, 0));
+
+// Videos and logs with the times and durations that the test gives them.
+struct Card
+{
+    QTemporaryDir folder;
+    QHash<QString, int> seconds;
+    QHash<QString, int> durations;
+    QList<QFileInfo> videos;
+    QList<QFileInfo> logs;
+    std::atomic<bool> abort{false};
+
+    void addVideo(const QString& name, int second, int durationMs)
+    {
+        seconds[name] = second;
+        durations[name] = durationMs;
+        videos.append(QFileInfo(folder.filePath(name)));
+    }
+
+    void addLog(const QString& name, int second, const LogBuilder& log)
+    {
+        seconds[name] = second;
+        QVERIFY(log.save(folder.filePath(name)));
+        logs.append(QFileInfo(folder.filePath(name)));
+    }
+
+    FlightFilesMatcher::FileFacts facts() const
+    {
+        FlightFilesMatcher::FileFacts facts;
+        facts.time = [this](const QFileInfo& file) {
+            return kStart.addSecs(seconds[file.fileName()]);
+        };
+        facts.videoDurationMs = [this](const QString& path) {
+            return durations[QFileInfo(path).fileName()];
+        };
+        return facts;
+    }
+
+    QList<FlightMatchData> match(bool quickMode = false,
+                                 const FlightFilesMatcher::Progress& progress = {})
+    {
+        return FlightFilesMatcher(&abort, facts())
+            .matchFlightFiles(videos, logs, quickMode, progress);
+    }
+};
+
+// One recording of 60 s, named.
+LogBuilder oneFlight(const QByteArray& flight)
+{
+    return flightLog({{10'000, 71'000}}, {{5000, "Mission", flight, 1}});
+}
+
+void addThreeFlights(Card& card)
+{
+    for (const int i : {1, 2, 3}) {
+        const QString number = QString::number(i);
+        card.addVideo("v" + number + ".mp4", i * 2000, 60'000);
+        card.addLog("l" + number + ".log", i * 2000 + 100, oneFlight("Flight " + number.toUtf8()));
+    }
+}
+
+QStringList flightNames(const QList<FlightMatchData>& matches)
+{
+    QStringList names;
+    for (const FlightMatchData& match : matches)
+        names.append(match.naming.undefined ? QStringLiteral("-") : match.naming.flightName);
+    return names;
+}
+
+Card* g_abortedCard = nullptr;
+int g_namingsSeen = 0;
+int g_abortMessages = 0;
+
+void abortAtTheFirstNaming(QtMsgType, const QMessageLogContext&, const QString& message)
+{
+    if (message.contains("Correct event")) {
+        ++g_namingsSeen;
+        g_abortedCard->abort = true;
+    }
+    if (message.contains("flightFilesMatcher"))
+        ++g_abortMessages;
+}
+
+} // namespace
+
+class FlightFilesMatcherTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void namesTheFlightsOfASharedLog();
+    void quickModeOpensNothing();
+    void flightsKeepTheNamesOfTheirOwnLog_data();
+    void flightsKeepTheNamesOfTheirOwnLog();
+    void aVideoThatWillNotOpenStays();
+    void aVideoWithoutALogStays();
+    void aLogThatVanishesLeavesItsFlightPaired();
+    void twoNamesOfOneLogAreReadOnce();
+    void rowsComeInTheOrderOfTime();
+    void progressCountsLogs();
+    void anAbortGivesNothing_data();
+    void anAbortGivesNothing();
+    void anAbortWhileNamingGivesNothingWithoutAWord();
+    void takesTimesAndDurationsFromTheFiles();
+};
+
+void FlightFilesMatcherTest::namesTheFlightsOfASharedLog()
+{
+    Card card;
+    card.addVideo("first.mp4", 0, 60'000);
+    card.addVideo("second.mp4", 200, 120'000);
+    card.addLog("day.log", 400,
+                flightLog({{10'000, 71'000}, {100'000, 221'000}},
+                          {{5000, "Line", "North", 3}, {90'000, "Line", "South", 4}}));
+    const MessageLog messages;
+    const QList<FlightMatchData> matches = card.match();
+    QCOMPARE(matches.size(), 2);
+    for (const FlightMatchData& match : matches) {
+        QVERIFY(match.matchFound);
+        QCOMPARE(match.logFile.fileName(), QString("day.log"));
+        QVERIFY(!match.naming.undefined);
+        QCOMPARE(match.naming.missionName, QString("Line"));
+    }
+    QCOMPARE(matches[0].videoDuration, 60'000);
+    QCOMPARE(matches[0].naming.flightName, QString("North"));
+    QCOMPARE(matches[0].naming.flightNumber, 3);
+    QCOMPARE(matches[1].naming.flightName, QString("South"));
+    QCOMPARE(matches[1].naming.flightNumber, 4);
+    QCOMPARE(messages.count("Start analyzing..."), 1);
+    const QStringList told = messages.messages(QtInfoMsg);
+    QCOMPARE(told[0], QString("Logs:  1  entries"));
+    QCOMPARE(told[1], QString("Videos:  2  entries"));
+    QVERIFY(told.contains("Getting time for video 0"));
+    QVERIFY(told.contains("Duration: 60000 msecs"));
+    QVERIFY(told.contains("Getting time for video 1"));
+    QVERIFY(told.contains("Duration: 120000 msecs"));
+    QVERIFY(messages.contains("Reference start 10690 end 70690"));
+    QVERIFY(messages.contains("Reference start 101279 end 221279"));
+}
+
+void FlightFilesMatcherTest::quickModeOpensNothing()
+{
+    Card card;
+    addThreeFlights(card);
+    const MessageLog messages;
+    const QList<FlightMatchData> matches = card.match(true);
+    QCOMPARE(matches.size(), 3);
+    for (const FlightMatchData& match : matches) {
+        QVERIFY(match.matchFound);
+        QVERIFY(match.naming.undefined);
+        QCOMPARE(match.videoDuration, 0);
+    }
+    QVERIFY(!messages.contains("Getting time"));
+    QVERIFY(!messages.contains("Start analyzing"));
+}
+
+void FlightFilesMatcherTest::flightsKeepTheNamesOfTheirOwnLog_data()
+{
+    QTest::addColumn<QStringList>("broken");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("none broken") << QStringList{}
+                                 << QStringList{"Flight 1", "Flight 2", "Flight 3"};
+    QTest::newRow("the first") << QStringList{"l1.log"} << QStringList{"-", "Flight 2", "Flight 3"};
+    QTest::newRow("between good ones")
+        << QStringList{"l2.log"} << QStringList{"Flight 1", "-", "Flight 3"};
+    QTest::newRow("the last") << QStringList{"l3.log"} << QStringList{"Flight 1", "Flight 2", "-"};
+    QTest::newRow("all") << QStringList{"l1.log", "l2.log", "l3.log"} << QStringList{"-", "-", "-"};
+}
+
+void FlightFilesMatcherTest::flightsKeepTheNamesOfTheirOwnLog()
+{
+    QFETCH(QStringList, broken);
+    QFETCH(QStringList, names);
+    Card card;
+    addThreeFlights(card);
+    for (const QString& name : broken) {
+        QFile log(card.folder.filePath(name));
+        QVERIFY(log.open(QIODevice::WriteOnly));
+        QVERIFY(log.write("<main><groups>no end") > 0);
+    }
+    const QList<FlightMatchData> matches = card.match();
+    QCOMPARE(flightNames(matches), names);
+    for (const FlightMatchData& match : matches)
+        QVERIFY(match.matchFound);
+}
+
+void FlightFilesMatcherTest::aVideoThatWillNotOpenStays()
+{
+    Card card;
+    addThreeFlights(card);
+    card.durations["v2.mp4"] = -1;
+    const QList<FlightMatchData> matches = card.match();
+    QCOMPARE(flightNames(matches), QStringList({"Flight 1", "-", "Flight 3"}));
+    QCOMPARE(matches[1].videoDuration, -1);
+    QVERIFY(matches[1].matchFound);
+}
+
+void FlightFilesMatcherTest::aVideoWithoutALogStays()
+{
+    Card card;
+    card.addVideo("late.mp4", 5000, 60'000);
+    card.addVideo("early.mp4", 0, 60'000);
+    card.addLog("only.log", 1800 + 100, oneFlight("Flight"));
+    card.addVideo("good.mp4", 101, 60'000);
+    const QList<FlightMatchData> matches = card.match();
+    QCOMPARE(matches.size(), 3);
+    QCOMPARE(matches[0].videoFile.fileName(), QString("early.mp4"));
+    QVERIFY(!matches[0].matchFound);
+    QCOMPARE(matches[0].videoDuration, 60'000);
+    QVERIFY(matches[1].matchFound);
+    QVERIFY(!matches[2].matchFound);
+    QCOMPARE(flightNames(matches), QStringList({"-", "Flight", "-"}));
+}
+
+void FlightFilesMatcherTest::aLogThatVanishesLeavesItsFlightPaired()
+{
+    Card card;
+    addThreeFlights(card);
+    FlightFilesMatcher::FileFacts facts = card.facts();
+    facts.videoDurationMs = [&card](const QString& path) {
+        QFile::remove(card.folder.filePath("l1.log"));
+        return card.durations[QFileInfo(path).fileName()];
+    };
+    const MessageLog messages;
+    const QList<FlightMatchData> matches =
+        FlightFilesMatcher(&card.abort, facts).matchFlightFiles(card.videos, card.logs, false, {});
+    QCOMPARE(flightNames(matches), QStringList({"-", "Flight 2", "Flight 3"}));
+    QVERIFY(matches[0].matchFound);
+    QVERIFY(messages.contains("ERROR: Unable to read file."));
+}
+
+void FlightFilesMatcherTest::twoNamesOfOneLogAreReadOnce()
+{
+    Card card;
+    card.addVideo("v1.mp4", 0, 60'000);
+    card.addVideo("v2.mp4", 5000, 60'000);
+    card.addLog("real.log", 10, oneFlight("Flight"));
+    QVERIFY(QFile::link("real.log", card.folder.filePath("other.log")));
+    card.seconds["other.log"] = 5010;
+    card.logs.append(QFileInfo(card.folder.filePath("other.log")));
+    const MessageLog messages;
+    QCOMPARE(flightNames(card.match()), QStringList({"Flight", "Flight"}));
+    QCOMPARE(messages.count("Start analyzing..."), 1);
+}
+
+void FlightFilesMatcherTest::rowsComeInTheOrderOfTime()
+{
+    Card card;
+    card.addVideo("a.mp4", 300, 0);
+    card.addVideo("b.mp4", 100, 0);
+    card.addVideo("c.mp4", 200, 0);
+    card.addLog("x.log", 250, oneFlight("Flight"));
+    const QList<FlightMatchData> matches = card.match(true);
+    QCOMPARE(matches[0].videoFile.fileName(), QString("b.mp4"));
+    QCOMPARE(matches[1].videoFile.fileName(), QString("c.mp4"));
+    QCOMPARE(matches[2].videoFile.fileName(), QString("a.mp4"));
+    QVERIFY(matches[0].matchFound);
+    QVERIFY(matches[1].matchFound);
+    QVERIFY(!matches[2].matchFound);
+}
+
+void FlightFilesMatcherTest::progressCountsLogs()
+{
+    Card card;
+    addThreeFlights(card);
+    card.addVideo("v0.mp4", 1999, 60'000);
+    card.addLog("unused.log", 50'000, oneFlight("Nobody"));
+    QList<int> files;
+    QList<int> stages;
+    card.match(false, [&](int file, int total, int stage, int done, int ofTotal) {
+        QCOMPARE(total, 3);
+        QVERIFY(done <= ofTotal);
+        files.append(file);
+        stages.append(stage);
+    });
+    QCOMPARE(files.first(), 1);
+    QCOMPARE(files.last(), 3);
+    QVERIFY(std::is_sorted(files.begin(), files.end()));
+    QCOMPARE(stages.first(), 0);
+    QCOMPARE(stages.last(), 2);
+}
+
+void FlightFilesMatcherTest::anAbortGivesNothing_data()
+{
+    QTest::addColumn<QString>("when");
+    QTest::addColumn<bool>("quickMode");
+    QTest::newRow("while pairing") << "time" << false;
+    QTest::newRow("while pairing quickly") << "time" << true;
+    QTest::newRow("while asking for durations") << "duration" << false;
+    QTest::newRow("while reading the structure of a log") << "0" << false;
+    QTest::newRow("while counting packets") << "1" << false;
+    QTest::newRow("while storing packets") << "2" << false;
+}
+
+void FlightFilesMatcherTest::anAbortGivesNothing()
+{
+    QFETCH(QString, when);
+    QFETCH(bool, quickMode);
+    Card card;
+    addThreeFlights(card);
+    FlightFilesMatcher::FileFacts facts = card.facts();
+    const auto abortAt = [&card, &when](const QString& moment) {
+        if (when == moment)
+            card.abort = true;
+    };
+    facts.time = [&](const QFileInfo& file) {
+        abortAt("time");
+        return kStart.addSecs(card.seconds[file.fileName()]);
+    };
+    facts.videoDurationMs = [&](const QString&) {
+        abortAt("duration");
+        return 60'000;
+    };
+    const MessageLog messages;
+    const QList<FlightMatchData> matches =
+        FlightFilesMatcher(&card.abort, facts)
+            .matchFlightFiles(
+                card.videos, card.logs, quickMode,
+                [&](int, int, int stage, int, int) { abortAt(QString::number(stage)); });
+    QVERIFY(matches.isEmpty());
+    QCOMPARE(messages.count("Aborted. (flightFilesMatcher)"), 1);
+    // An abort does not cut the durations short, and no second log is opened after it.
+    QCOMPARE(messages.count("Getting time"), when == "time" ? 0 : 3);
+    QVERIFY(messages.count("Start analyzing...") <= 1);
+}
+
+void FlightFilesMatcherTest::anAbortWhileNamingGivesNothingWithoutAWord()
+{
+    Card card;
+    addThreeFlights(card);
+    g_abortedCard = &card;
+    g_namingsSeen = 0;
+    g_abortMessages = 0;
+    const QtMessageHandler before = qInstallMessageHandler(abortAtTheFirstNaming);
+    const QList<FlightMatchData> matches = card.match();
+    qInstallMessageHandler(before);
+    QVERIFY(matches.isEmpty());
+    QCOMPARE(g_namingsSeen, 1);
+    QCOMPARE(g_abortMessages, 0);
+}
+
+void FlightFilesMatcherTest::takesTimesAndDurationsFromTheFiles()
+{
+    QTemporaryDir folder;
+    const QString video = folder.filePath("v.mp4");
+    const QString log = folder.filePath("l.log");
+    QVERIFY(oneFlight("Video").save(video)); // no video at all
+    QVERIFY(oneFlight("Flight").save(log));
+    const std::atomic<bool> abort{false};
+    const MessageLog messages;
+    const QList<FlightMatchData> matches = FlightFilesMatcher(&abort).matchFlightFiles(
+        {QFileInfo(video)}, {QFileInfo(log)}, false, {});
+    QCOMPARE(matches.size(), 1);
+    QVERIFY(matches[0].matchFound);
+    QCOMPARE(matches[0].videoDuration, -1);
+    QVERIFY(matches[0].naming.undefined);
+    QVERIFY(messages.contains("Failed to open video file"));
+}
+
+QTEST_GUILESS_MAIN(FlightFilesMatcherTest)
+#include "FlightFilesMatcherTest.moc"
