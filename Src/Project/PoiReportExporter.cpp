@@ -1,0 +1,60 @@
+#include "Project/PoiReportExporter.h"
+
+#include "Project/ReportWriter.h"
+#include "Threads/post.h"
+
+namespace corv {
+
+PoiReportExporter::~PoiReportExporter()
+{
+    abortAndWait();
+}
+
+void PoiReportExporter::setVideoPlayer(VideoPlayer* videoPlayer)
+{
+    if (m_videoPlayer == videoPlayer)
+        return;
+    if (m_videoPlayer)
+        disconnect(m_videoPlayer, nullptr, this, nullptr);
+    m_videoPlayer = videoPlayer;
+    if (m_videoPlayer) {
+        connect(m_videoPlayer, &QObject::destroyed, this, [this] {
+            abortAndWait();
+            m_videoPlayer = nullptr;
+        });
+    }
+}
+
+void PoiReportExporter::createPoiReport(QVariantList poiList, QString path,
+                                        QVariantMap flightNamingMap)
+{
+    if (m_future.isRunning())
+        return;
+    m_abortFlag = false;
+    VideoPlayer* const player = m_videoPlayer;
+    m_future = runOnPool([this, player, poiList, path, flightNamingMap] {
+        ReportWriter writer(&m_abortFlag);
+        const bool result = writer.writeWordReport(
+            path, player, poiList, flightNamingMap, [this](int done, int total) {
+                post(this, [this, done, total] { emit exportProgress(done, total); });
+            });
+        post(this, [this, result] {
+            m_future.waitForDone(); // so that the end of one report may start the next
+            emit exportComplete(result);
+        });
+    });
+}
+
+void PoiReportExporter::abortExportOperation()
+{
+    m_abortFlag = true;
+}
+
+void PoiReportExporter::abortAndWait()
+{
+    if (m_future.isRunning())
+        m_abortFlag = true;
+    m_future.waitForDone();
+}
+
+} // namespace corv

@@ -1,0 +1,175 @@
+#include "Project/ReportWriter.h"
+
+#include "Docx/DocxMerger.h"
+#include "Video/VideoPlayer.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDebug>
+#include <QFileInfo>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QTime>
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+namespace corv {
+namespace {
+
+constexpr unsigned long pollMs = 50;
+const QString timeKey = QStringLiteral("time");
+const QString cover = QStringLiteral("Cover");
+const QString page = QStringLiteral("Page");
+
+/// What a request for a frame shares with the one who waits for it. The frame may come long after
+/// the report was given up, so it keeps the folder that it is saved in.
+struct FrameRequest
+{
+    std::shared_ptr<QTemporaryDir> folder;
+    std::atomic<bool> done{false};
+};
+
+/// Any thread.
+void receiveFrame(const QImage& image, int timeMs, const QString& framePath)
+{
+    if (image.isNull())
+        qWarning() << "Failed to extract frame at ms" << timeMs;
+    else if (!image.save(framePath))
+        qWarning() << "Failed to save frame to file" << framePath;
+}
+
+QString atLeastTwoDigits(int number)
+{
+    const QString digits = QString::number(number);
+    return digits.size() < 2 ? QLatin1Char('0') + digits : digits;
+}
+
+bool hasUsableTime(const QVariant& poi)
+{
+    const QVariantMap map = poi.toMap();
+    return map.contains(timeKey) && map.value(timeKey).toInt() >= 0;
+}
+
+} // namespace
+
+QString reportTime(int timeMs)
+{
+    return atLeastTwoDigits(timeMs / 60000) + QLatin1Char(':') +
+           atLeastTwoDigits(timeMs % 60000 / 1000) + QLatin1Char('.') +
+           QString::number(timeMs % 1000);
+}
+
+ReportWriter::ReportWriter(const std::atomic<bool>* abortFlag, QString templatePath)
+    : m_abortFlag(abortFlag), m_templatePath(std::move(templatePath))
+{
+}
+
+QString ReportWriter::deliveredTemplatePath()
+{
+    return QCoreApplication::applicationDirPath() + QLatin1String("/docx_export_template.dfw");
+}
+
+bool ReportWriter::writeWordReport(QString path, VideoPlayer* player, QVariantList poiList,
+                                   QVariantMap flightNaming, Progress progress)
+{
+    qInfo() << "Vistrel will create a POI report at path:" << path;
+    m_frameFolder = std::make_shared<QTemporaryDir>();
+    if (!QFileInfo::exists(m_templatePath)) {
+        qWarning() << "DFW export template not found at:" << m_templatePath;
+        return false;
+    }
+    DocxMerger merger;
+    try {
+        merger.load(m_templatePath);
+        pasteCover(merger, flightNaming);
+        if (isAborted())
+            return false;
+        const int validPoiCount =
+            static_cast<int>(std::count_if(poiList.begin(), poiList.end(), hasUsableTime));
+        const int first = poiList.size() - validPoiCount;
+        QString framePath;
+        for (int index = first; index < poiList.size() && !isAborted(); ++index) {
+            if (m_frameFolder->isValid())
+                framePath = QStringLiteral("%1/generated_image_%2.png")
+                                .arg(m_frameFolder->path(), QString::number(index));
+            try {
+                const QVariantMap poi = poiList[index].toMap();
+                if (poi.contains(timeKey))
+                    pastePage(merger, player, poi, framePath);
+            } catch (const std::exception& error) {
+                qInfo() << error.what();
+                continue;
+            }
+            if (!isAborted() && progress)
+                progress(index - first + 1, validPoiCount);
+        }
+        if (isAborted())
+            return false;
+        merger.save(path);
+        return true;
+    } catch (const std::exception& error) {
+        qWarning() << "Exception:" << error.what();
+        merger.close();
+        return false;
+    }
+}
+
+bool ReportWriter::isAborted() const
+{
+    return m_abortFlag->load(std::memory_order_relaxed);
+}
+
+void ReportWriter::pasteCover(DocxMerger& merger, const QVariantMap& flightNaming) const
+{
+    const auto naming = [&flightNaming](const char* key) {
+        return flightNaming.value(QLatin1String(key));
+    };
+    if (!naming("undefined").toBool()) {
+        merger.setClipboardValue(cover, QStringLiteral("MissionName"),
+                                 naming("missionName").toString());
+        merger.setClipboardValue(cover, QStringLiteral("FlightName"),
+                                 naming("flightName").toString());
+        merger.setClipboardValue(cover, QStringLiteral("FlightNumber"),
+                                 naming("flightNumber").toDouble());
+    }
+    merger.setClipboardValue(cover, QStringLiteral("GenerationDate"),
+                             QDateTime::currentDateTime().toString(Qt::TextDate));
+    merger.paste(cover);
+}
+
+void ReportWriter::pastePage(DocxMerger& merger, VideoPlayer* player, const QVariantMap& poi,
+                             const QString& framePath) const
+{
+    const int timeMs = poi.value(timeKey).toInt();
+    const QString name = poi.value(QStringLiteral("name")).toString();
+    const QString comment = poi.value(QStringLiteral("comment")).toString();
+    saveFrame(player, timeMs, framePath);
+    merger.setClipboardValue(page, QStringLiteral("Name"), name);
+    merger.setClipboardValue(page, QStringLiteral("Time"), reportTime(timeMs));
+    merger.setClipboardValue(page, QStringLiteral("Comment"), comment);
+    merger.setClipboardValue(page, QStringLiteral("Image"), framePath);
+    merger.paste(page);
+}
+
+/// Returns when the frame has been saved, could not be, or is no longer wanted.
+void ReportWriter::saveFrame(VideoPlayer* player, int timeMs, const QString& framePath) const
+{
+    const auto request = std::make_shared<FrameRequest>();
+    request->folder = m_frameFolder;
+    const bool accepted =
+        player && player->getFrameAsync(QTime(0, 0).addMSecs(timeMs),
+                                        [request, timeMs, framePath](const QImage& image) {
+                                            receiveFrame(image, timeMs, framePath);
+                                            request->done.store(true, std::memory_order_release);
+                                        });
+    if (!accepted) { // then no one will ever call back
+        receiveFrame(QImage(), timeMs, framePath);
+        return;
+    }
+    while (!request->done.load(std::memory_order_acquire) && !isAborted())
+        QThread::msleep(pollMs);
+}
+
+} // namespace corv

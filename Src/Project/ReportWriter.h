@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QString>
+#include <QVariantList>
+#include <QVariantMap>
+#include <atomic>
+#include <functional>
+#include <memory>
+
+class QTemporaryDir;
+
+namespace corv {
+
+class DocxMerger;
+class VideoPlayer;
+
+/// Writes the report of a flight's marks: a Word document with a cover and one page per mark. Made
+/// for one report, on the thread that writes it, which is never the interface's: it waits there for
+/// each frame.
+class ReportWriter
+{
+public:
+    /// Told what has been done and how much there is, in marks.
+    using Progress = std::function<void(int done, int total)>;
+
+    /// `abortFlag` outlives the writer; the report is given up soon after it is set, whichever
+    /// thread sets it.
+    explicit ReportWriter(const std::atomic<bool>* abortFlag,
+                          QString templatePath = deliveredTemplatePath());
+
+    /// The template that is delivered beside the program.
+    static QString deliveredTemplatePath();
+
+    /// `poiList` are the marks in list form, sorted by time; those at its start that have no usable
+    /// time are passed over. `flightNaming` is the map form of the naming. Returns whether the
+    /// document was written; on false the reason is in the log, and a file that was there before is
+    /// as it was.
+    bool writeWordReport(QString path, VideoPlayer* player, QVariantList poiList,
+                         QVariantMap flightNaming, Progress progress);
+
+private:
+    bool isAborted() const;
+    void pasteCover(DocxMerger& merger, const QVariantMap& flightNaming) const;
+    void pastePage(DocxMerger& merger, VideoPlayer* player, const QVariantMap& poi,
+                   const QString& framePath) const;
+    void saveFrame(VideoPlayer* player, int timeMs, const QString& framePath) const;
+
+    const std::atomic<bool>* m_abortFlag;
+    QString m_templatePath;
+    std::shared_ptr<QTemporaryDir> m_frameFolder;
+};
+
+/// Minutes, seconds and milliseconds of a mark as the report shows them: 65,007 ms reads 01:05.7.
+QString reportTime(int timeMs);
+
+} // namespace corv
