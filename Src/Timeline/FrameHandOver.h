@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QImage>
+#include <QTime>
+#include <functional>
+#include <memory>
+
+namespace corv {
+
+class VideoPlayer;
+
+/// Brings frames of the video from its worker thread to the thread that made this object, as
+/// thumbnails: a frame takes megabytes, and many may be on their way at once.
+///
+/// Made, used and destroyed on one thread. Frames that arrive after the end of this object are
+/// dropped.
+class FrameHandOver
+{
+public:
+    FrameHandOver();
+    ~FrameHandOver();
+    FrameHandOver(const FrameHandOver&) = delete;
+    FrameHandOver& operator=(const FrameHandOver&) = delete;
+
+    /// Which warning a frame that cannot be had is worth.
+    enum class NullFrameWarning { withTime, withoutTime };
+
+    /// Asks `player` for the frame at `time`. `store` runs with its thumbnail later, from the event
+    /// loop of this object's thread; not at all if there is no such frame (a warning) or if no
+    /// video is open.
+    void request(VideoPlayer& player, QTime time, NullFrameWarning warning,
+                 std::function<void(const QImage& thumbnail)> store);
+
+private:
+    class Inbox;
+    std::shared_ptr<Inbox> m_inbox;
+};
+
+} // namespace corv

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QtGlobal>
+#include <vector>
+
+namespace corv {
+
+/// The time column of a series of samples, searchable for the sample that holds at a moment. The
+/// column itself is not copied: whoever keeps this keeps the log alive.
+class SampleTimes
+{
+public:
+    /// `times` are `count` milliseconds, at least one; they need not ascend.
+    SampleTimes(const qint32* times, int count);
+
+    /// Index of the sample that holds at `ms`: the one before the first sample, from the second on,
+    /// that lies after `ms`; the last one if there is none. By halves, whatever the order.
+    int indexAt(int ms) const;
+
+    int count() const { return m_count; }
+
+private:
+    const qint32* m_times;
+    int m_count;
+
+    // Highest time among the samples from the second one up to each; only for times that do not
+    // ascend. It ascends always, and the first time above a moment is where it first exceeds it.
+    std::vector<qint32> m_highest;
+};
+
+} // namespace corv

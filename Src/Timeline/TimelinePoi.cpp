@@ -1,0 +1,67 @@
+#include "Timeline/TimelinePoi.h"
+
+#include "Timeline/timelineGeometry.h"
+
+#include <QPainter>
+
+namespace corv {
+namespace {
+
+constexpr int thumbnailSide = 60;
+
+// No flag is wide enough for a longer text, but laying one out would take its time in every paint.
+constexpr int drawnNameLength = 512;
+
+QColor flagColour(const PoiLook& look)
+{
+    if (look.selected)
+        return QColor(255, 0, 0);
+    return look.hovered ? QColor(255, 255, 255) : QColor(169, 169, 169);
+}
+
+QPen penOf(const QColor& colour)
+{
+    return QPen(colour, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
+}
+
+} // namespace
+
+QImage thumbnailOf(const QImage& frame)
+{
+    if (frame.isNull())
+        return QImage();
+    return frame.scaled(thumbnailSide, thumbnailSide, Qt::KeepAspectRatioByExpanding,
+                        Qt::FastTransformation);
+}
+
+TimelinePoi::TimelinePoi(QTime time, const QImage& frame)
+    : m_time(time), m_thumbnail(thumbnailOf(frame))
+{
+}
+
+void TimelinePoi::setThumbnail(const QImage& frame)
+{
+    if (!frame.isNull())
+        m_thumbnail = thumbnailOf(frame);
+}
+
+void TimelinePoi::drawPoi(QPainter& painter, int x, const PoiLook& look) const
+{
+    if (!isPaintable(x))
+        return;
+    const int width = thumbnailWidth();
+    if (look.dimmed)
+        painter.setOpacity(0.3);
+    painter.fillRect(x, 33, width + 1, 14, flagColour(look));
+    painter.setPen(penOf(look.selected ? Qt::white : Qt::black));
+    painter.drawText(QRectF(QPointF(x + 3, 32), QPointF(x + width + 1, 46)),
+                     Qt::AlignLeft | Qt::AlignVCenter, m_name.left(drawnNameLength));
+    painter.setPen(penOf(Qt::black));
+    painter.drawLine(x, 25, x, 106);
+    if (!look.omitThumbnail)
+        painter.drawImage(x + 1, 47, m_thumbnail);
+    if (look.dimmed)
+        painter.setOpacity(1.0);
+}
+
+} // namespace corv

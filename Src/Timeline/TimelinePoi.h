@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+#include <QTime>
+
+class QPainter;
+
+namespace corv {
+
+/// `frame` as a timeline shows it: the smaller side 60 pixels, scaled fast. Scaling the result once
+/// more changes nothing.
+QImage thumbnailOf(const QImage& frame);
+
+/// How a flag is drawn.
+struct PoiLook
+{
+    bool hovered = false;
+    bool selected = false;
+    bool dimmed = false;
+    bool omitThumbnail = false;
+};
+
+/// A point of interest: a named moment of the video with a small picture of its frame. A plain
+/// value; no thread of its own.
+class TimelinePoi
+{
+public:
+    TimelinePoi() = default;
+
+    /// `frame` may be null: the picture can come later.
+    TimelinePoi(QTime time, const QImage& frame);
+
+    QTime time() const { return m_time; }
+    const QString& name() const { return m_name; }
+    const QString& comment() const { return m_comment; }
+    const QImage& thumbnail() const { return m_thumbnail; }
+
+    /// In pixels; 0 while there is no picture.
+    int thumbnailWidth() const { return m_thumbnail.width(); }
+
+    void setName(const QString& name) { m_name = name; }
+    void setComment(const QString& comment) { m_comment = comment; }
+
+    /// Takes the scaled `frame`; a null one changes nothing.
+    void setThumbnail(const QImage& frame);
+
+    /// Draws flag, name, stem and thumbnail at item x. Leaves the pen black.
+    void drawPoi(QPainter& painter, int x, const PoiLook& look) const;
+
+private:
+    QTime m_time;
+    QString m_name;
+    QString m_comment;
+    QImage m_thumbnail;
+};
+
+} // namespace corv

@@ -1,0 +1,614 @@
+#include "Support/MessageLog.h"
+#include "timelineSupport.h"
+
+#include "Timeline/HeadUpDisplay.h"
+
+#include <QRandomGenerator>
+#include <cmath>
+#include <limits>
+
+using namespace corv;
+using namespace corv::test;
+
+namespace {
+
+constexpr int durationMs = 60000;
+constexpr quint32 start = videoStartInLogMs;
+constexpr int stateGroup = 3;
+constexpr int cameraGroup = 4;
+constexpr int panelWidth = 170;
+constexpr int panelHeight = 600;
+
+// Top of the text of each row at a panel width of 170, where the dials are 170 high.
+constexpr int rowTops[] = {0, 30, 60, 270, 300};
+
+struct State
+{
+    quint32 time = 0;
+    float roll = 0;
+    float pitch = 0;
+    float yaw = 0;
+    float headingReference = 0;
+    float altitude = 0;
+    float altitudeReference = 0;
+};
+
+LogBuilder& addStateGroup(LogBuilder& log)
+{
+    return log.addGroup("state_estimation", stateGroup,
+                        {{"time", "UINT32", 1},
+                         {"euler_angles", "FLOAT", 3},
+                         {"heading_reference", "FLOAT", 1},
+                         {"altitude", "FLOAT", 1},
+                         {"altitude_telem_ref", "FLOAT", 1}});
+}
+
+LogBuilder& addState(LogBuilder& log, const State& state)
+{
+    QByteArray payload = LogBuilder::u32(state.time);
+    for (const float value : {state.roll, state.pitch, state.yaw, state.headingReference,
+                              state.altitude, state.altitudeReference})
+        payload += LogBuilder::f32(value);
+    return log.addPacket(stateGroup, payload);
+}
+
+LogBuilder& addCameraGroup(LogBuilder& log)
+{
+    return log.addGroup("camera_cmd", cameraGroup,
+                        {{"time", "UINT32", 1}, {"servo_angle", "FLOAT", 1}});
+}
+
+LogBuilder& addCamera(LogBuilder& log, quint32 time, float angle)
+{
+    return log.addPacket(cameraGroup, LogBuilder::u32(time) + LogBuilder::f32(angle));
+}
+
+float radians(double degrees)
+{
+    return static_cast<float>(degrees * M_PI / 180.0);
+}
+
+// The panel on a log, 170 pixels wide.
+struct Panel
+{
+    Panel() { hud.setSize(QSizeF(panelWidth, panelHeight)); }
+
+    explicit Panel(const LogBuilder& log) : Panel()
+    {
+        parsed = parse(parser, log, durationMs);
+        hud.setLogParser(&parser);
+        hud.updateLogData();
+    }
+
+    // Picture of a row's texts.
+    QImage textsOfRow(int row, int videoMs)
+    {
+        hud.setVideoPosition(timeAt(videoMs));
+        return painted(hud).copy(0, rowTops[row] + 8, panelWidth, 20);
+    }
+
+    bool parsed = false;
+    LogParser parser;
+    HeadUpDisplay hud;
+};
+
+// How a row's label and value look, drawn by the test itself.
+QImage texts(int row, const QString& value)
+{
+    const char* labels[] = {"Pitch", "Roll", "Heading", "Altitude", "Cam pitch"};
+    QImage image(panelWidth, 36, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::magenta);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::white);
+    const QRectF rect(10, 8, panelWidth - 20, 20);
+    painter.drawText(rect, Qt::AlignLeft | Qt::AlignTop, QString::fromLatin1(labels[row]));
+    painter.drawText(rect, Qt::AlignRight | Qt::AlignTop, value);
+    painter.end();
+    return image.copy(0, 8, panelWidth, 20);
+}
+
+const QColor discColour(0x55, 0x55, 0x55);
+const QColor needleColour(0x12, 0xff, 0x54);
+
+bool isNeedle(const QColor& colour)
+{
+    return colour.green() > 200 && colour.red() < 60 && colour.blue() < 120;
+}
+
+int needlePixels(const QImage& image, const QRect& rect)
+{
+    int count = 0;
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        for (int x = rect.left(); x <= rect.right(); ++x)
+            count += isNeedle(image.pixelColor(x, y)) ? 1 : 0;
+    }
+    return count;
+}
+
+// Both dials at this width: centre and the square around it.
+const QPoint compassCentre(85, 60 + 30 + 85);
+const QPoint cameraCentre(85, 300 + 30 + 85);
+
+QRect discAround(const QPoint& centre)
+{
+    return QRect(centre - QPoint(84, 84), QSize(168, 168));
+}
+
+} // namespace
+
+class HeadUpDisplayTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void rowsReadTheirVars_data();
+    void rowsReadTheirVars();
+    void formats_data();
+    void formats();
+    void holdsTheSampleOfTheMoment_data();
+    void holdsTheSampleOfTheMoment();
+    void agreesWithAStepByStepSearchOnAnyTimes();
+    void followsTheCorrection();
+    void anInvalidPositionShowsTheStart();
+    void labelsOnlyWithoutAMatch();
+    void updateWithoutALogIsTold();
+    void groupsWithoutValuesAreTold_data();
+    void groupsWithoutValuesAreTold();
+    void varsOfAnotherShapeHaveNoValue_data();
+    void varsOfAnotherShapeHaveNoValue();
+    void keepsTheLogAlive();
+    void drawsTheDials();
+    void theCompassTurns_data();
+    void theCompassTurns();
+    void theCameraNeedleTurns_data();
+    void theCameraNeedleTurns();
+    void oddValuesAreDrawnHarmlessly_data();
+    void oddValuesAreDrawnHarmlessly();
+    void drawsAtAnyWidth_data();
+    void drawsAtAnyWidth();
+    void drawsLabelsAndSeparators();
+};
+
+void HeadUpDisplayTest::rowsReadTheirVars_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("pitch") << 0 << QStringLiteral("11°");
+    QTest::newRow("roll") << 1 << QStringLiteral("-7°");
+    QTest::newRow("heading, less its reference") << 2 << QStringLiteral("60°");
+    QTest::newRow("altitude, less its reference") << 3 << QStringLiteral("102.5 m");
+    QTest::newRow("camera pitch, in degrees already") << 4 << QStringLiteral("-33°");
+}
+
+void HeadUpDisplayTest::rowsReadTheirVars()
+{
+    QFETCH(int, row);
+    QFETCH(QString, text);
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addCameraGroup(log);
+    addState(log, {start, radians(-7), radians(11), radians(90), radians(30), 152.5F, 50});
+    addCamera(log, start, -33);
+    Panel panel(log);
+    QVERIFY(panel.parsed);
+    QCOMPARE(panel.textsOfRow(row, 0), texts(row, text));
+}
+
+void HeadUpDisplayTest::formats_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<double>("value");
+    QTest::addColumn<bool>("imperial");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("degrees are whole") << 0 << 12.4 << false << QStringLiteral("12°");
+    QTest::newRow("degrees are rounded") << 0 << 12.6 << false << QStringLiteral("13°");
+    QTest::newRow("degrees stay degrees") << 0 << 12.6 << true << QStringLiteral("13°");
+    QTest::newRow("no modulo for pitch") << 0 << 370.0 << false << QStringLiteral("370°");
+    QTest::newRow("a full turn is taken off") << 2 << 365.2 << false << QStringLiteral("5°");
+    QTest::newRow("heading keeps its sign") << 2 << -5.0 << false << QStringLiteral("-5°");
+    QTest::newRow("a turn to the left too") << 2 << -365.2 << false << QStringLiteral("-5°");
+    QTest::newRow("metres") << 3 << 10.0 << false << QStringLiteral("10.0 m");
+    QTest::newRow("feet") << 3 << 10.0 << true << QStringLiteral("32.8 ft");
+    QTest::newRow("below the reference") << 3 << -2.25 << true << QStringLiteral("-7.4 ft");
+    QTest::newRow("camera") << 4 << -90.0 << true << QStringLiteral("-90°");
+}
+
+void HeadUpDisplayTest::formats()
+{
+    QFETCH(int, row);
+    QFETCH(double, value);
+    QFETCH(bool, imperial);
+    QFETCH(QString, text);
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addCameraGroup(log);
+    State state;
+    state.time = start;
+    state.pitch = radians(value);
+    state.yaw = radians(value);
+    state.altitude = static_cast<float>(value);
+    addState(log, state);
+    addCamera(log, start, static_cast<float>(value));
+    Panel panel(log);
+    panel.hud.setImperialUnits(imperial);
+    QCOMPARE(panel.textsOfRow(row, 0), texts(row, text));
+}
+
+void HeadUpDisplayTest::holdsTheSampleOfTheMoment_data()
+{
+    QTest::addColumn<int>("videoMs");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("before the first sample") << 500 << QStringLiteral("1.0 m");
+    QTest::newRow("at the first") << 1000 << QStringLiteral("1.0 m");
+    QTest::newRow("just before the second") << 1999 << QStringLiteral("1.0 m");
+    QTest::newRow("at the second") << 2000 << QStringLiteral("2.0 m");
+    QTest::newRow("between, not interpolated") << 2500 << QStringLiteral("2.0 m");
+    QTest::newRow("at the last") << 3000 << QStringLiteral("3.0 m");
+    QTest::newRow("after the last") << 59000 << QStringLiteral("3.0 m");
+}
+
+void HeadUpDisplayTest::holdsTheSampleOfTheMoment()
+{
+    QFETCH(int, videoMs);
+    QFETCH(QString, text);
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    for (const int second : {1, 2, 3}) {
+        State state;
+        state.time = start + 1000U * static_cast<unsigned>(second);
+        state.altitude = static_cast<float>(second);
+        addState(log, state);
+    }
+    Panel panel(log);
+    QCOMPARE(panel.textsOfRow(3, videoMs), texts(3, text));
+}
+
+void HeadUpDisplayTest::agreesWithAStepByStepSearchOnAnyTimes()
+{
+    QRandomGenerator random(7);
+    for (int round = 0; round < 12; ++round) {
+        LogBuilder log = recordingLog(durationMs);
+        addStateGroup(log);
+        std::vector<int> videoTimes;
+        for (int packet = 0; packet < 30; ++packet) {
+            videoTimes.push_back(random.bounded(0, 3000));
+            State state;
+            state.time = start + static_cast<unsigned>(videoTimes.back());
+            state.altitude = static_cast<float>(packet);
+            addState(log, state);
+        }
+        Panel panel(log);
+        QVERIFY(panel.parsed);
+        for (int ms = 0; ms < 3200; ms += random.bounded(50, 200)) {
+            size_t held = 0;
+            while (held + 1 < videoTimes.size() && ms >= videoTimes[held + 1])
+                ++held;
+            QCOMPARE(panel.textsOfRow(3, ms), texts(3, QStringLiteral("%1.0 m").arg(held)));
+        }
+    }
+}
+
+void HeadUpDisplayTest::followsTheCorrection()
+{
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addCameraGroup(log);
+    for (const unsigned half : {0U, 1U, 2U, 3U}) {
+        State state;
+        state.time = start + 500 * half;
+        state.altitude = static_cast<float>(half);
+        addState(log, state);
+        addCamera(log, start + 500 * half, static_cast<float>(half));
+    }
+    Panel panel(log);
+    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("1.0 m")));
+    QCOMPARE(panel.textsOfRow(4, 500), texts(4, QStringLiteral("1°")));
+    panel.parser.setManualLogTimeOffset(500);
+    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("2.0 m")));
+    QCOMPARE(panel.textsOfRow(4, 500), texts(4, QStringLiteral("2°")));
+    panel.parser.setManualLogTimeOffset(-500);
+    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("0.0 m")));
+    panel.parser.setManualLogTimeOffset(std::numeric_limits<int>::max());
+    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("0.0 m")));
+}
+
+void HeadUpDisplayTest::anInvalidPositionShowsTheStart()
+{
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    State state;
+    state.time = start;
+    state.altitude = 5;
+    addState(log, state);
+    state.time = start + 1;
+    state.altitude = 6;
+    addState(log, state);
+    Panel panel(log);
+    QVERIFY(!panel.hud.videoPosition().isValid());
+    QCOMPARE(painted(panel.hud).copy(0, rowTops[3] + 8, panelWidth, 20),
+             texts(3, QStringLiteral("5.0 m")));
+}
+
+void HeadUpDisplayTest::labelsOnlyWithoutAMatch()
+{
+    LogBuilder log; // no recording
+    addStateGroup(log);
+    addCameraGroup(log);
+    addState(log, {start, 1, 1, 1, 0, 1, 0});
+    addCamera(log, start, 1);
+    Panel panel(log);
+    QVERIFY(panel.parsed);
+    QVERIFY(!panel.parser.isSynced());
+    for (int row = 0; row < 5; ++row)
+        QCOMPARE(panel.textsOfRow(row, 0), texts(row, QString()));
+    const QImage image = painted(panel.hud);
+    QCOMPARE(image.pixelColor(compassCentre), discColour);
+    QCOMPARE(needlePixels(image, image.rect()), 0);
+}
+
+void HeadUpDisplayTest::updateWithoutALogIsTold()
+{
+    HeadUpDisplay hud;
+    hud.setSize(QSizeF(panelWidth, panelHeight));
+    const MessageLog log;
+    hud.updateLogData();
+    QCOMPARE(log.messages(QtWarningMsg), QStringList{QStringLiteral("No log parser")});
+    LogParser parser;
+    hud.setLogParser(&parser);
+    hud.updateLogData();
+    QCOMPARE(log.messages(QtWarningMsg),
+             (QStringList{QStringLiteral("No log parser"), QStringLiteral("No log file")}));
+    QCOMPARE(painted(hud).pixelColor(compassCentre), discColour);
+}
+
+void HeadUpDisplayTest::groupsWithoutValuesAreTold_data()
+{
+    QTest::addColumn<QString>("log");
+    QTest::addColumn<QStringList>("told");
+    const QString noState = QStringLiteral("No state estimation time/values");
+    const QString noCamera = QStringLiteral("No camera pitch time/values");
+    QTest::newRow("no groups") << "none" << QStringList();
+    QTest::newRow("groups without packets") << "empty" << QStringList{noState, noCamera};
+    QTest::newRow("groups without time") << "no time" << QStringList{noState, noCamera};
+    QTest::newRow("times of another size") << "short time" << QStringList{noState, noCamera};
+    QTest::newRow("camera without angles") << "no angle" << QStringList{noCamera};
+    QTest::newRow("time without columns") << "no columns" << QStringList{noState, noCamera};
+}
+
+void HeadUpDisplayTest::groupsWithoutValuesAreTold()
+{
+    QFETCH(QString, log);
+    QFETCH(QStringList, told);
+    LogBuilder builder = recordingLog(durationMs);
+    const auto add = [&builder](const std::vector<LogBuilder::Var>& state,
+                                const std::vector<LogBuilder::Var>& camera, int bytes) {
+        builder.addGroup("state_estimation", stateGroup, state);
+        builder.addGroup("camera_cmd", cameraGroup, camera);
+        if (bytes > 0) {
+            builder.addPacket(stateGroup, QByteArray(bytes, '\1'));
+            builder.addPacket(cameraGroup, QByteArray(bytes, '\1'));
+        }
+    };
+    if (log == QLatin1String("empty"))
+        add({{"time", "UINT32", 1}}, {{"time", "UINT32", 1}, {"servo_angle", "FLOAT", 1}}, 0);
+    else if (log == QLatin1String("no time"))
+        add({{"altitude", "FLOAT", 1}}, {{"servo_angle", "FLOAT", 1}}, 4);
+    else if (log == QLatin1String("short time"))
+        add({{"time", "UINT16", 1}, {"altitude", "FLOAT", 1}},
+            {{"time", "UINT16", 1}, {"servo_angle", "FLOAT", 1}}, 6);
+    else if (log == QLatin1String("no angle"))
+        add({{"time", "UINT32", 1}}, {{"time", "UINT32", 1}}, 4);
+    else if (log == QLatin1String("no columns"))
+        add({{"time", "UINT32", 0}, {"altitude", "FLOAT", 1}},
+            {{"time", "UINT32", 0}, {"servo_angle", "FLOAT", 1}}, 4);
+    Panel panel;
+    QVERIFY(parse(panel.parser, builder, durationMs));
+    panel.hud.setLogParser(&panel.parser);
+    const MessageLog messages;
+    panel.hud.updateLogData();
+    QCOMPARE(messages.messages(), told);
+    QVERIFY(!QGuiApplication::overrideCursor());
+    for (int row = 0; row < 5; ++row)
+        QCOMPARE(panel.textsOfRow(row, 0), texts(row, QString()));
+}
+
+void HeadUpDisplayTest::varsOfAnotherShapeHaveNoValue_data()
+{
+    QTest::addColumn<QByteArray>("type");
+    QTest::addColumn<int>("anglesColumns");
+    QTest::addColumn<QList<int>>("rowsWithValue");
+    QTest::newRow("as they should be") << QByteArray("FLOAT") << 3 << QList<int>{0, 1, 2, 3, 4};
+    QTest::newRow("more columns") << QByteArray("FLOAT") << 9 << QList<int>{0, 1, 2, 3, 4};
+    QTest::newRow("no yaw") << QByteArray("FLOAT") << 2 << QList<int>{0, 1, 3, 4};
+    QTest::newRow("roll only") << QByteArray("FLOAT") << 1 << QList<int>{1, 3, 4};
+    QTest::newRow("no angles") << QByteArray("FLOAT") << 0 << QList<int>{3, 4};
+    QTest::newRow("bytes") << QByteArray("UINT8") << 3 << QList<int>();
+    QTest::newRow("words") << QByteArray("INT16") << 3 << QList<int>();
+    QTest::newRow("doubles") << QByteArray("DOUBLE") << 3 << QList<int>();
+}
+
+void HeadUpDisplayTest::varsOfAnotherShapeHaveNoValue()
+{
+    QFETCH(QByteArray, type);
+    QFETCH(int, anglesColumns);
+    QFETCH(QList<int>, rowsWithValue);
+    LogBuilder log = recordingLog(durationMs);
+    log.addGroup(
+        "state_estimation", stateGroup,
+        {{"time", "UINT32", 1}, {"euler_angles", type, anglesColumns}, {"altitude", type, 1}});
+    log.addGroup("camera_cmd", cameraGroup, {{"time", "UINT32", 1}, {"servo_angle", type, 1}});
+    const int size = type == "UINT8" ? 1 : type == "INT16" ? 2 : type == "DOUBLE" ? 8 : 4;
+    log.addPacket(stateGroup,
+                  LogBuilder::u32(start) + QByteArray(size * (anglesColumns + 1), '\0'));
+    log.addPacket(cameraGroup, LogBuilder::u32(start) + QByteArray(size, '\0'));
+    Panel panel(log);
+    QVERIFY(panel.parsed);
+    for (int row = 0; row < 5; ++row) {
+        const bool hasValue = panel.textsOfRow(row, 0) != texts(row, QString());
+        QCOMPARE(hasValue, rowsWithValue.contains(row));
+    }
+}
+
+void HeadUpDisplayTest::keepsTheLogAlive()
+{
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    State state;
+    state.time = start;
+    state.altitude = 5;
+    addState(log, state);
+    Panel panel(log);
+    const std::weak_ptr<LogFile> first = panel.parser.log();
+    // A second parse brings the parser another log; the panel goes on reading the one it knows.
+    LogBuilder next = recordingLog(durationMs);
+    addStateGroup(next);
+    QVERIFY(parse(panel.parser, next, durationMs));
+    QVERIFY(!first.expired());
+    QCOMPARE(panel.textsOfRow(3, 0), texts(3, QStringLiteral("5.0 m")));
+    panel.hud.updateLogData();
+    QVERIFY(first.expired());
+    QCOMPARE(panel.textsOfRow(3, 0), texts(3, QString()));
+    panel.parser.closeLog();
+    QCOMPARE(panel.textsOfRow(3, 0), texts(3, QString()));
+}
+
+void HeadUpDisplayTest::drawsTheDials()
+{
+    Panel panel;
+    const QImage image = painted(panel.hud);
+    for (const QPoint& centre : {compassCentre, cameraCentre}) {
+        QCOMPARE(image.pixelColor(centre), discColour);
+        QCOMPARE(image.pixelColor(centre + QPoint(-80, -80)), QColor(Qt::magenta));
+        QCOMPARE(image.pixelColor(centre + QPoint(80, 80)), QColor(Qt::magenta));
+    }
+    // The compass has a tick at the top and at the right.
+    QVERIFY(image.pixelColor(compassCentre + QPoint(0, -81)).value() > 200);
+    QVERIFY(image.pixelColor(compassCentre + QPoint(81, 0)).value() > 200);
+    QCOMPARE(image.pixelColor(compassCentre + QPoint(0, -70)), discColour);
+    // The camera's ticks and arc are on the left, from 115 to 240 degrees; none at the right.
+    QVERIFY(image.pixelColor(cameraCentre + QPoint(-81, 0)).value() > 200);
+    QVERIFY(image.pixelColor(cameraCentre + QPoint(-84, 0)).value() > 200);
+    QCOMPARE(image.pixelColor(cameraCentre + QPoint(0, -81)), discColour);
+}
+
+void HeadUpDisplayTest::theCompassTurns_data()
+{
+    QTest::addColumn<double>("degrees");
+    QTest::addColumn<QPoint>("tip");
+    QTest::newRow("north") << 0.0 << QPoint(0, -26);
+    QTest::newRow("east") << 90.0 << QPoint(26, 0);
+    QTest::newRow("south") << 180.0 << QPoint(0, 26);
+    QTest::newRow("west, as a negative heading") << -90.0 << QPoint(-26, 0);
+    QTest::newRow("once round") << 450.0 << QPoint(26, 0);
+}
+
+void HeadUpDisplayTest::theCompassTurns()
+{
+    QFETCH(double, degrees);
+    QFETCH(QPoint, tip);
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    State state;
+    state.time = start;
+    state.yaw = radians(degrees);
+    addState(log, state);
+    Panel panel(log);
+    const QImage image = painted(panel.hud);
+    QVERIFY(isNeedle(image.pixelColor(compassCentre + tip)));
+    QCOMPARE(image.pixelColor(compassCentre - tip), discColour);
+    QCOMPARE(needlePixels(image, discAround(cameraCentre)), 0);
+}
+
+void HeadUpDisplayTest::theCameraNeedleTurns_data()
+{
+    QTest::addColumn<double>("degrees");
+    QTest::addColumn<QPoint>("tip");
+    QTest::newRow("level: to the left") << 0.0 << QPoint(-30, 0);
+    QTest::newRow("up") << 90.0 << QPoint(0, -30);
+    QTest::newRow("down") << -90.0 << QPoint(0, 30);
+}
+
+void HeadUpDisplayTest::theCameraNeedleTurns()
+{
+    QFETCH(double, degrees);
+    QFETCH(QPoint, tip);
+    LogBuilder log = recordingLog(durationMs);
+    addCameraGroup(log);
+    addCamera(log, start, static_cast<float>(degrees));
+    Panel panel(log);
+    const QImage image = painted(panel.hud);
+    QVERIFY(isNeedle(image.pixelColor(cameraCentre + tip)));
+    QVERIFY(!isNeedle(image.pixelColor(cameraCentre - tip)));
+    QCOMPARE(needlePixels(image, discAround(compassCentre)), 0);
+}
+
+void HeadUpDisplayTest::oddValuesAreDrawnHarmlessly_data()
+{
+    QTest::addColumn<float>("value");
+    QTest::newRow("no number") << std::numeric_limits<float>::quiet_NaN();
+    QTest::newRow("infinite") << std::numeric_limits<float>::infinity();
+    QTest::newRow("greatest") << std::numeric_limits<float>::max();
+    QTest::newRow("least") << std::numeric_limits<float>::lowest();
+    QTest::newRow("smallest") << std::numeric_limits<float>::denorm_min();
+}
+
+void HeadUpDisplayTest::oddValuesAreDrawnHarmlessly()
+{
+    QFETCH(float, value);
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addCameraGroup(log);
+    addState(log, {start, value, value, value, 0, value, 0});
+    addCamera(log, start, value);
+    Panel panel(log);
+    panel.hud.setImperialUnits(true);
+    const QImage image = painted(panel.hud);
+    if (!std::isfinite(value))
+        QCOMPARE(needlePixels(image, image.rect()), 0);
+    for (int row = 0; row < 5; ++row)
+        QVERIFY(panel.textsOfRow(row, 0) != texts(row, QString()));
+}
+
+void HeadUpDisplayTest::drawsAtAnyWidth_data()
+{
+    QTest::addColumn<int>("width");
+    for (const int width : {1, 20, 85, 169, 170, 171, 200, 270, 339, 340, 341, 600, 4000})
+        QTest::newRow(qPrintable(QString::number(width))) << width;
+}
+
+void HeadUpDisplayTest::drawsAtAnyWidth()
+{
+    QFETCH(int, width);
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addState(log, {start, 1, 1, 1, 0, 1, 0});
+    Panel panel(log);
+    panel.hud.setSize(QSizeF(width, 300));
+    const QImage image = painted(panel.hud);
+    // The dial grows narrower as the panel grows wider, about the panel's middle.
+    const int size = 340 - width;
+    if (size > 100 && size <= width) {
+        const QPoint centre(width / 2, 60 + 30 + size / 2);
+        QCOMPARE(image.pixelColor(centre + QPoint(-size / 2 + 12, 0)), discColour);
+        const QPoint outside = centre + QPoint(-size / 2 - 2, 0);
+        if (outside.x() >= 0)
+            QCOMPARE(image.pixelColor(outside), QColor(Qt::magenta));
+    }
+}
+
+void HeadUpDisplayTest::drawsLabelsAndSeparators()
+{
+    Panel panel;
+    const QImage image = painted(panel.hud);
+    for (int row = 0; row < 5; ++row) {
+        QCOMPARE(image.copy(0, rowTops[row] + 8, panelWidth, 20), texts(row, QString()));
+        const QColor line = image.pixelColor(panelWidth / 2, rowTops[row]);
+        QCOMPARE(line, row == 0 ? QColor(Qt::magenta) : discColour);
+    }
+    QCOMPARE(image.pixelColor(5, 30), QColor(Qt::magenta));
+    QCOMPARE(image.pixelColor(panelWidth - 5, 30), QColor(Qt::magenta));
+}
+
+QTEST_MAIN(HeadUpDisplayTest)
+#include "HeadUpDisplayTest.moc"
