@@ -78,6 +78,7 @@ void OpenCvWorker::closeSources()
     m_stillFile = noFile;
     m_timeline.close();
     m_sourceFiles.clear();
+    m_overlay.clear();
 }
 
 void OpenCvWorker::produceNextFrame(bool seekResult)
@@ -180,12 +181,12 @@ void OpenCvWorker::handOverPicture(const cv::Mat& picture, int frameIndex, int t
 {
     try {
         VideoPlayer::PlayerFrame result{frameIndex, timeMs, {}};
-        if (changesPictures()) {
+        if (m_overlay.changesPictures(m_settings)) {
             picture.copyTo(m_effectFrame);
-            if (!applyEffects(m_effectFrame, timeMs, true))
-                return;
+            m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
             result.frame = cvMatToQVideoFrame(m_effectFrame);
         } else {
+            m_overlay.reportRange(m_settings, m_reportRange);
             result.frame = cvMatToQVideoFrame(picture);
         }
         post(m_player, [player = m_player, opening = m_opening, result, seekResult] {
@@ -240,8 +241,7 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, double fileMs)
     }
     try {
         // The time inside the file, not on the timeline: so saved pictures have always been made.
-        if (!applyEffects(m_stillFrame, truncateToInt(fileMs), false))
-            return {};
+        m_overlay.applyPictureEffects(m_stillFrame, truncateToInt(fileMs), m_settings, false, {});
         return cvMatToQImage(m_stillFrame);
     } catch (const std::exception& error) {
         qWarning() << "Giving up frame at" << fileMs << error.what();
@@ -265,7 +265,9 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
         return false;
     }
     VideoExporter::Hooks hooks;
-    hooks.applyEffects = [this](cv::Mat& frame, int timeMs) { applyEffects(frame, timeMs, false); };
+    hooks.applyEffects = [this](cv::Mat& frame, int timeMs) {
+        m_overlay.applyPictureEffects(frame, timeMs, m_settings, false, {});
+    };
     hooks.reportProgress = [this](int exportedFrames, int totalFrames) {
         emit videoExportProgress(exportedFrames, totalFrames);
     };
@@ -275,18 +277,14 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
     return VideoExporter(m_timeline, std::move(hooks)).exportTo(file, m_currentSource);
 }
 
-void OpenCvWorker::setClock(std::shared_ptr<const FlightClock>) {}
-
-void OpenCvWorker::updateLogData(bool, std::shared_ptr<LogFile>) {}
-
-bool OpenCvWorker::changesPictures() const
+void OpenCvWorker::setClock(std::shared_ptr<const FlightClock> clock)
 {
-    return false;
+    m_overlay.setClock(std::move(clock));
 }
 
-bool OpenCvWorker::applyEffects(cv::Mat&, int, bool)
+void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log)
 {
-    return true;
+    m_overlay.updateLogData(hasParser, log);
 }
 
 void OpenCvWorker::tellPlayerToPause()

@@ -2,6 +2,7 @@
 
 #include "Video/FrameSource.h"
 #include "Video/StillFrameQueue.h"
+#include "Video/ThermalOverlay.h"
 #include "Video/VideoDisplaySettings.h"
 #include "Video/VideoTimeline.h"
 
@@ -17,11 +18,8 @@
 #include <memory>
 #include <opencv2/core.hpp>
 
-class LogFile;
-
 namespace corv {
 
-struct FlightClock;
 class VideoPlayer;
 
 /// Everything that touches a video file: opens the files of a flight as one timeline, reads frames,
@@ -77,8 +75,8 @@ public:
     /// The clock of the log parser; null if there is none.
     void setClock(std::shared_ptr<const FlightClock> clock);
 
-    /// Builds the tables of the overlay from the log, which is kept alive for them.
-    void updateLogData(bool hasParser, std::shared_ptr<LogFile> log);
+    /// Builds the tables of the overlay from the log. Once per log.
+    void updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log);
 
 signals:
     void videoExportProgress(int exportedFrames, int totalFrames);
@@ -91,8 +89,6 @@ private:
     bool moveToNextFile();
     void handOverPicture(const cv::Mat& picture, int frameIndex, int timeMs, bool seekResult);
     void renderLastFrame();
-    bool changesPictures() const;
-    bool applyEffects(cv::Mat& frame, int timeMs, bool reportRange);
     FrameSource* stillSource(int file);
     QImage extractFrame(FrameSource& capture, double fileMs);
     void tellPlayerToPause();
@@ -114,6 +110,10 @@ private:
     cv::Mat m_effectFrame;
 
     VideoDisplaySettings m_settings;
+    ThermalOverlay m_overlay;
+    const ThermalOverlay::RangeReport m_reportRange = [this](double min, double max) {
+        emit irDataChanged(min, max);
+    };
     StillFrameQueue m_stills;
     std::unique_ptr<FrameSource> m_stillSource; // a second capture, on the file last asked for
     int m_stillFile = noFile;

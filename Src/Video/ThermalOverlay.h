@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Log/LogFile.h"
+#include "Log/clocks.h"
+#include "Video/VideoDisplaySettings.h"
+#include "Video/thermalTables.h"
+
+#include <functional>
+#include <memory>
+#include <opencv2/core.hpp>
+
+namespace corv {
+
+/// Rebuilds the pictures of the thermal camera from the flight log and lays the one that belongs to
+/// a video frame over it. Owned by `OpenCvWorker` and used on its thread alone.
+///
+/// Nothing that a log or a setting holds makes it throw: what cannot be drawn is told once in the
+/// diagnostics and left out.
+class ThermalOverlay
+{
+public:
+    using RangeReport = std::function<void(double min, double max)>;
+
+    ThermalOverlay();
+
+    /// The clock that ties video and log together; null while there is no log parser.
+    void setClock(std::shared_ptr<const FlightClock> clock) { m_clock = std::move(clock); }
+
+    /// Replaces the tables by those of `log`. The bytes of the log's `image` are exchanged in its
+    /// own block, so a second call for the same log exchanges them back and spoils the picture:
+    /// one call per parsed log. Without parser, log or the groups needed there is no overlay.
+    void updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log);
+
+    /// Drops the tables. The frame composed last stays: its bands stand in for parts that the next
+    /// log has lost.
+    void clear();
+
+    /// Whether there are thermal frames and the log is synchronised with the video.
+    bool isActive() const;
+
+    /// Whether these settings would change a picture at all; if not it may be shown as it is, but
+    /// for `reportRange`.
+    bool changesPictures(const VideoDisplaySettings& settings) const;
+
+    /// Contrast, brightness and overlay, in place, on the frame at `timeMs` of the timeline, and
+    /// `reportRange` between the first two and the overlay, if a report is given.
+    void applyPictureEffects(cv::Mat& frame, int timeMs, VideoDisplaySettings& settings,
+                             bool invertColours, const RangeReport& report);
+
+    /// Compares the range of the thermal frame composed last, for the video frame before, with
+    /// `irDataMin` and `irDataMax` of the settings; if it differs, stores both and reports them.
+    void reportRange(VideoDisplaySettings& settings, const RangeReport& report) const;
+
+    /// The overlay alone, on a frame of type `CV_8UC3`; nothing unless `isActive()`.
+    void drawThermalOverlay(cv::Mat& frame, int timeMs, const VideoDisplaySettings& settings,
+                            bool invertColours);
+
+    /// The thermal frame composed last, in raw values; zeros before the first.
+    const cv::Mat& thermalFrame() const { return m_irFrame; }
+
+private:
+    /// What of the overlay last drawn was left out.
+    enum class Refusal { None, Frame, Mapping, Rectangle };
+
+    bool readLog(LogFile& log);
+    void composeFrame(quint32 frame);
+    Refusal layOverFrame(cv::Mat& frame, const VideoDisplaySettings& settings,
+                         bool invertColours) const;
+    void warnOnce(Refusal refusal);
+
+    std::shared_ptr<const FlightClock> m_clock;
+    ThermalFrameTimes m_frameTimes;
+    ThermalPartIndex m_parts;
+    cv::Mat m_irImages; // one row per packet
+    quint32 m_irPartsPerFrame = 0;
+    cv::Mat m_irFrame;
+    Refusal m_lastRefusal = Refusal::None;
+};
+
+} // namespace corv

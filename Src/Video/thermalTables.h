@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QtGlobal>
+#include <optional>
+#include <vector>
+
+namespace corv {
+
+/// A picture of the thermal camera, both versions of it.
+constexpr int thermalCols = 160;
+constexpr int thermalRows = 120;
+constexpr int thermalPixels = thermalCols * thermalRows;
+
+/// Log time of every thermal frame, by the frame's counter, and the way back: which frame belongs
+/// to a moment. Built from the status records of a log, which may have gaps and junk at their end.
+class ThermalFrameTimes
+{
+public:
+    /// Frames up to here fit; at nine a second that is three weeks without a pause.
+    static constexpr quint32 maxFrameCount = 1U << 24;
+
+    /// Replaces the table by that of `count` records, in the order of the log, of a time in
+    /// milliseconds and a frame counter each. False, and no frames, if the counters are of no
+    /// camera: beyond `maxFrameCount`, or such that the last frame lies before the first.
+    bool rebuild(const quint32* timesMs, const quint32* counters, int count);
+
+    void clear() { m_latestTimesMs.clear(); }
+
+    /// One more than the last good counter; 0 without a table.
+    quint32 frameCount() const { return static_cast<quint32>(m_latestTimesMs.size()); }
+
+    /// The first frame later than `logMs`; the last one if none is. Only with a table.
+    quint32 frameAt(qint32 logMs) const;
+
+private:
+    // The latest time up to each frame, not the time itself: it ascends whatever the log holds, and
+    // the first time above a moment stands where the first latest time above it does.
+    std::vector<qint32> m_latestTimesMs;
+};
+
+/// Finds the first packet of a log that carries a given part of a given thermal frame.
+class ThermalPartIndex
+{
+public:
+    /// Replaces the index by that of `packetCount` packets, each with the counter of its frame and
+    /// the number of its part. Parts from `partsPerFrame` on are never asked for and left out.
+    void rebuild(const quint32* counters, const quint8* parts, quint32 packetCount,
+                 quint32 partsPerFrame);
+
+    void clear() { m_entries.clear(); }
+
+    /// The packet's number; none if the part is not in the log.
+    std::optional<quint32> firstPacket(quint32 frame, quint8 part) const;
+
+private:
+    struct Entry
+    {
+        quint32 frame;
+        quint32 packet;
+        quint8 part;
+    };
+
+    static bool isBefore(const Entry& entry, quint32 frame, quint8 part);
+
+    std::vector<Entry> m_entries; // by frame, part, packet
+};
+
+/// Exchanges the two bytes of every word of a column-major block of `columns` by `packets` words,
+/// in place, and writes each packet's words, so exchanged, one after the other to `rows`: word k of
+/// packet p goes from `block[k * packets + p]` to `rows[p * columns + k]`.
+void swapBytesAndTranspose(quint16* block, int columns, int packets, quint16* rows);
+
+} // namespace corv
