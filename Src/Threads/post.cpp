@@ -17,7 +17,8 @@ struct PostedJob
 
 // What Qt queues. It holds nothing but the address of the job, which serves as the token of the
 // hand-over as well. Qt moves it into memory allocated after the job was released, so it releases
-// once more there; and it may be dropped unrun, on either thread, when the target dies.
+// once more there; it may be dropped unrun, on either thread, when the target dies; and whoever
+// posted may be the last to let go of it, so a job that has run is destroyed right there.
 class QueuedJob
 {
 public:
@@ -34,6 +35,7 @@ public:
 
     CORV_UNSYNCHRONISED ~QueuedJob()
     {
+        annotateAcquire(this);
         if (m_job) {
             annotateAcquire(m_job);
             destroy(m_job);
@@ -42,8 +44,11 @@ public:
 
     CORV_UNSYNCHRONISED void operator()()
     {
-        annotateAcquire(m_job);
-        call(m_job);
+        PostedJob* job = m_job;
+        m_job = nullptr;
+        annotateAcquire(job);
+        runAndDestroy(job);
+        annotateRelease(this);
     }
 
     QueuedJob(const QueuedJob&) = delete;
@@ -51,7 +56,11 @@ public:
     QueuedJob& operator=(QueuedJob&&) = delete;
 
 private:
-    static void call(PostedJob* job) { job->run(); }
+    static void runAndDestroy(PostedJob* job)
+    {
+        job->run();
+        delete job;
+    }
     static void destroy(PostedJob* job) { delete job; }
 
     PostedJob* m_job;

@@ -19,6 +19,7 @@ private slots:
     void postsKeepTheirOrder();
     void aPostFromAThreadWithoutAnEventLoopArrives();
     void aPostToADeadTargetIsDroppedWithWhatItHolds();
+    void whatAJobHoldsDiesOnTheThreadOfItsTarget();
     void aDelayedPostArrives();
     void aTaskRunsToItsEnd();
     void anEmptyTaskIsNotRunning();
@@ -74,6 +75,28 @@ void ThreadsTest::aPostToADeadTargetIsDroppedWithWhatItHolds()
     QCOMPARE(held.use_count(), 1L);
     QCoreApplication::processEvents();
     QVERIFY(!ran);
+}
+
+void ThreadsTest::whatAJobHoldsDiesOnTheThreadOfItsTarget()
+{
+    QThread thread;
+    QObject target;
+    target.moveToThread(&thread);
+    thread.start();
+    std::atomic<int> diedThere{0};
+    std::atomic<int> diedElsewhere{0};
+    const int posts = 2000;
+    for (int i = 0; i < posts; ++i) {
+        std::shared_ptr<int> held(new int(i), [&](int* value) {
+            (QThread::currentThread() == &thread ? diedThere : diedElsewhere)++;
+            delete value;
+        });
+        post(&target, [held = std::move(held)] { Q_UNUSED(held) });
+    }
+    QTRY_COMPARE(diedThere + diedElsewhere, posts);
+    QCOMPARE(diedElsewhere.load(), 0);
+    thread.quit();
+    thread.wait();
 }
 
 void ThreadsTest::aDelayedPostArrives()
