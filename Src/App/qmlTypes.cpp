@@ -2,10 +2,13 @@
 
 #include "Discovery/DirectoryParser.h"
 #include "Log/LogParser.h"
+#include "Project/PoiReportExporter.h"
 #include "Project/ProjectFileLoader.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/Shortcut.h"
+#include "Timeline/HeadUpDisplay.h"
+#include "Timeline/TimelineContent.h"
 #include "Video/VideoPlayer.h"
 
 #include <qqml.h>
@@ -33,9 +36,12 @@ void registerQmlTypes()
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
     registerSingleton<LogParser>("corv.LogParsing", "LogParser");
     qmlRegisterType<DirectoryParser>("DirectoryParser", 1, 0, "DirectoryParser");
+    qmlRegisterType<HeadUpDisplay>("HeadUpDisplay", 1, 0, "HeadUpDisplay");
     qmlRegisterType<VideoPlayer>("VideoPlayer", 1, 0, "VideoPlayer");
+    qmlRegisterType<PoiReportExporter>("PoiReportExporter", 1, 0, "PoiReportExporter");
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
+    qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
 }
 
 } // namespace corv
