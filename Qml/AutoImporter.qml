@@ -1,0 +1,625 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import QtQuick.Controls.Styles 1.4
+import QtQuick.Dialogs 1.2
+import QtQuick.Layouts 1.1
+import QtQuick.Window 2.2
+import Qt.labs.settings 1.0
+import DirectoryParser 1.0
+import "constants.js" as Cst
+import "paths.js" as Paths
+
+// Finds flights on removable devices or in folders and hands the chosen one back: it loads nothing
+// itself. Locations are kept as URLs and given to the parser as paths.
+Window {
+    id: autoImporter
+    objectName: "autoImporter"
+
+    property bool fastLoadingChecked: false
+    property bool ok: false
+
+    property bool usePathForLog: false
+    property url logDrive
+    property url logUrl
+    property bool usePathForVideo: false
+    property url videoDrive
+    property url videoUrl
+    property bool isSelectingDirectoryForVideo: false
+
+    property url chosenLogFile
+    property url chosenVideoFile
+    property bool isBusy: false
+
+    // In place of a drive's path: the row that stands for a chosen folder.
+    readonly property string folderMarker: "DIR"
+
+    title: "Auto importer"
+    width: 840
+    height: 620
+    minimumWidth: 840
+    minimumHeight: 620
+    modality: Qt.WindowModal
+    color: Cst.bgndColor
+
+    function init() {
+        checkBoxFastSearch.checked = autoImporter.fastLoadingChecked;
+        selectUserLastSettings();
+        populateLists();
+        recallUserChoices();
+        recallPersistentList();
+    }
+
+    function selectUserLastSettings() {
+        usePathForLog = settings.usePathForLog;
+        usePathForVideo = settings.usePathForVideo;
+        logUrl = Paths.toUrl(settings.logUrl);
+        videoUrl = Paths.toUrl(settings.videoUrl);
+        logDrive = Paths.toUrl(settings.logDrive);
+        videoDrive = Paths.toUrl(settings.videoDrive);
+        recallUserChoices();
+    }
+
+    function storeUserSettings() {
+        settings.usePathForLog = usePathForLog;
+        settings.usePathForVideo = usePathForVideo;
+        settings.logUrl = logUrl.toString();
+        settings.videoUrl = videoUrl.toString();
+        settings.logDrive = logDrive.toString();
+        settings.videoDrive = videoDrive.toString();
+    }
+
+    function populateLists() {
+        refreshLists();
+        cardOneDriveDropdown.currentIndex = 0;
+        cardTwoDriveDropdown.currentIndex = 0;
+    }
+
+    function recallPersistentList() {
+        afterDirsParsed(directoryParser.recallPersistentDirectoryList(), true);
+    }
+
+    function refreshLists() {
+        var drives = directoryParser.getDrives();
+        driveListModelOne.clear();
+        driveListModelTwo.clear();
+        for (var i = 0; i < drives.length; ++i) {
+            var row = {
+                path: drives[i].path,
+                text: "Drive " + drives[i].path + " " + drives[i].name
+            };
+            driveListModelOne.append(row);
+            driveListModelTwo.append(row);
+        }
+        if (usePathForLog)
+            driveListModelOne.append({path: folderMarker, text: Paths.chosenPath(logUrl)});
+        if (usePathForVideo)
+            driveListModelTwo.append({path: folderMarker, text: Paths.chosenPath(videoUrl)});
+        cardOneDriveDropdown.currentIndex = 0;
+        cardTwoDriveDropdown.currentIndex = 0;
+    }
+
+    // The first row with this path, 0 if there is none.
+    function rowOfPath(model, path) {
+        for (var i = 0; i < model.count; ++i) {
+            if (model.get(i).path === path)
+                return i;
+        }
+        return 0;
+    }
+
+    function recallUserChoices() {
+        cardOneDriveDropdown.currentIndex = rowOfPath(
+            driveListModelOne, usePathForLog ? folderMarker : Paths.chosenPath(logDrive));
+        cardTwoDriveDropdown.currentIndex = rowOfPath(
+            driveListModelTwo, usePathForVideo ? folderMarker : Paths.chosenPath(videoDrive));
+    }
+
+    function refreshListsAndKeepUserSelection() {
+        refreshLists();
+        recallUserChoices();
+    }
+
+    // The popup of a combo box is still closing when it reports a choice, so its list is not
+    // rebuilt at once; and of several quick choices only the last one counts.
+    function handleComboboxOneSelection(index) {
+        timerForDirOne.stop();
+        timerForDirOne.selectindex = index;
+        timerForDirOne.start();
+    }
+
+    function handleComboboxTwoSelection(index) {
+        timerForDirTwo.stop();
+        timerForDirTwo.selectindex = index;
+        timerForDirTwo.start();
+    }
+
+    function useLogDrive(row) {
+        if (!row || row.path === folderMarker)
+            return;
+        logDrive = Paths.toUrl(row.path);
+        if (usePathForLog) {
+            usePathForLog = false;
+            refreshListsAndKeepUserSelection();
+        }
+    }
+
+    function useVideoDrive(row) {
+        if (!row || row.path === folderMarker)
+            return;
+        videoDrive = Paths.toUrl(row.path);
+        if (usePathForVideo) {
+            usePathForVideo = false;
+            refreshListsAndKeepUserSelection();
+        }
+    }
+
+    function selectDirOne() {
+        isSelectingDirectoryForVideo = false;
+        directoryChooserDialog.open();
+    }
+
+    function selectDirTwo() {
+        isSelectingDirectoryForVideo = true;
+        directoryChooserDialog.open();
+    }
+
+    function handleDirectoryChosen(folder) {
+        console.log("Chose " + folder);
+        if (isSelectingDirectoryForVideo) {
+            videoUrl = Paths.toUrl(folder);
+            usePathForVideo = true;
+        } else {
+            logUrl = Paths.toUrl(folder);
+            usePathForLog = true;
+        }
+        refreshListsAndKeepUserSelection();
+    }
+
+    function selectedPath(model, dropdown) {
+        var row = model.get(dropdown.currentIndex);
+        return row ? row.path : "";
+    }
+
+    function parseChosenDirs() {
+        matchingsListModel.clear();
+        var quickMode = checkBoxFastSearch.checked;
+        var log = usePathForLog ? Paths.chosenPath(logUrl)
+                                : selectedPath(driveListModelOne, cardOneDriveDropdown);
+        var video = usePathForVideo ? Paths.chosenPath(videoUrl)
+                                    : selectedPath(driveListModelTwo, cardTwoDriveDropdown);
+        console.log("Will parse log from " + log + ", video from " + video);
+        txtMatchingBusyIndicator.text = "Reading log files...";
+        isBusy = true;
+        progressBar.indeterminate = true;
+        directoryParser.parseDirectories(video, log, !usePathForVideo, !usePathForLog, quickMode);
+    }
+
+    // Only the decoder's last step counts packets; before it, whole files are all there is.
+    function onParsingProgress(currentFile, totalFiles, currentFileStep, currentFileProgress,
+                               currentFileTotal) {
+        var perFile = currentFileStep == 2 ? currentFileTotal : 1;
+        var done = (currentFile - 1) * perFile + (currentFileStep == 2 ? currentFileProgress : 0);
+        var percent = Math.round(done * 100 / (perFile * totalFiles));
+        progressBar.indeterminate = false;
+        progressBar.minimumValue = 0;
+        progressBar.maximumValue = perFile * totalFiles;
+        progressBar.value = done;
+        txtMatchingBusyIndicator.text = "Reading log file " + currentFile + "/" + totalFiles
+                + " - " + percent + "% completed";
+    }
+
+    function afterDirsParsed(matchings, isRecalling) {
+        isBusy = false;
+        if (matchings.length === 0 && !isRecalling)
+            showMessage("Flight search",
+                        "No matches found. Please check your drive or directory selection.");
+        matchingsListModel.clear();
+        for (var i = 0; i < matchings.length; ++i) {
+            var matching = matchings[i];
+            matchingsListModel.append({
+                name: matching.videoFilename + " : " + matching.logFilename,
+                videoPath: matching.videoFile,
+                logPath: matching.logFile,
+                matchFound: matching.matchFound,
+                duration: matching.videoDuration,
+                missionName: matching.missionName,
+                flightName: matching.flightName,
+                flightNumber: matching.flightNumber,
+                namingDefined: matching.namingDefined
+            });
+        }
+        if (matchings.length > 0)
+            matchingsListView.currentIndex = 0;
+    }
+
+    function autodetectRemovableDevices() {
+        refreshListsAndKeepUserSelection();
+        var result = directoryParser.autodetectDrivesWithData();
+        if (result.logs.length >= 1) {
+            logDrive = Paths.toUrl(result.logs[0].path);
+            usePathForLog = false;
+        }
+        if (result.videos.length >= 1) {
+            videoDrive = Paths.toUrl(result.videos[0].path);
+            usePathForVideo = false;
+        }
+        refreshListsAndKeepUserSelection();
+        var findings = describeFindings("log", "logs", result.logs.length)
+                + describeFindings("video", "videos", result.videos.length);
+        if (findings !== "")
+            showMessage("Removable devices autodetection", findings);
+        else
+            console.log("Successfully found drives with video and log files");
+    }
+
+    // What the user has to know of the number of drives that were found; nothing if it is one.
+    function describeFindings(kind, kinds, count) {
+        if (count === 0)
+            return "- No " + kind + " files found on any of the connected drives\n";
+        if (count > 1)
+            return "- Multiple drives contain " + kinds + ", please select the one you wish to use. "
+                    + "The first eligible drive is automatically selected.\n";
+        return "";
+    }
+
+    function abortRunningProcess() {
+        directoryParser.abortParsing();
+        matchingsListModel.clear();
+        isBusy = false;
+    }
+
+    function loadAndClose() {
+        var row = matchingsListModel.get(matchingsListView.currentIndex);
+        if (row == -1) {
+            showMessage("Auto importer", "Please select a flight from the list first.");
+            return;
+        }
+        if (matchingsListModel.count === 0) {
+            showMessage("Auto importer", "Please perform a flight search first, "
+                        + "then select a flight from the list.");
+            return;
+        }
+        console.log(matchingsListView.currentIndex + " " + JSON.stringify(row));
+        chosenLogFile = Paths.toUrl(row.logPath);
+        chosenVideoFile = Paths.toUrl(row.videoPath);
+        ok = true;
+        storeUserSettings();
+        fastLoadingChecked = checkBoxFastSearch.checked;
+        autoImporter.close();
+    }
+
+    function cancelAndClose() {
+        abortRunningProcess();
+        fastLoadingChecked = checkBoxFastSearch.checked;
+        autoImporter.close();
+    }
+
+    function showMessage(title, text) {
+        messageDialog.title = title;
+        messageDialog.icon = StandardIcon.Warning;
+        messageDialog.text = text;
+        messageDialog.visible = true;
+    }
+
+    Settings {
+        id: settings
+        category: "AutoImporter"
+        property string logUrl: ""
+        property string videoUrl: ""
+        property string logDrive: ""
+        property string videoDrive: ""
+        property url lastFolder: ""
+        property bool usePathForLog: false
+        property bool usePathForVideo: false
+    }
+
+    FileDialog {
+        id: directoryChooserDialog
+        title: "Please choose a directory"
+        selectFolder: true
+        folder: settings.lastFolder
+        onAccepted: {
+            console.log("Directory choice accept");
+            var folder = Paths.decodedLocalPath(fileUrl);
+            console.log(folder);
+            autoImporter.handleDirectoryChosen(folder);
+        }
+    }
+
+    MessageDialog {
+        id: messageDialog
+        icon: StandardIcon.Warning
+        Component.onCompleted: visible = false
+    }
+
+    DirectoryParser {
+        id: directoryParser
+        objectName: "directoryParser"
+        onMatchingProgress: autoImporter.onParsingProgress(currentFile, totalFiles, currentFileStep,
+                                                           currentFileProgress, currentFileTotal)
+        onMatchingComplete: autoImporter.afterDirsParsed(matchings, false)
+    }
+
+    ListModel { id: driveListModelOne }
+    ListModel { id: driveListModelTwo }
+    ListModel { id: matchingsListModel }
+
+    Timer {
+        id: timerForDirOne
+        property int selectindex
+        interval: 500
+        onTriggered: autoImporter.useLogDrive(driveListModelOne.get(selectindex))
+    }
+
+    Timer {
+        id: timerForDirTwo
+        property int selectindex
+        interval: 500
+        onTriggered: autoImporter.useVideoDrive(driveListModelTwo.get(selectindex))
+    }
+
+    Rectangle {
+        id: chooserContainer
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        height: 156
+        color: Cst.headerColor
+
+        Text {
+            id: chooserTitle
+            anchors { left: parent.left; leftMargin: 20; verticalCenter: autodetectButton.verticalCenter }
+            text: "Flight files search locations"
+            color: "white"
+            font.bold: true
+        }
+
+        CorvButton {
+            id: autodetectButton
+            objectName: "autodetectButton"
+            anchors { right: parent.right; rightMargin: 20; top: parent.top; topMargin: 16 }
+            width: 240
+            height: 32
+            text: "Autodetect removable devices"
+            onClicked: autoImporter.autodetectRemovableDevices()
+        }
+
+        GridLayout {
+            anchors {
+                left: parent.left; leftMargin: 20
+                right: parent.right; rightMargin: 20
+                top: autodetectButton.bottom; topMargin: 16
+            }
+            columns: 3
+            rowSpacing: 10
+            columnSpacing: 10
+
+            Text {
+                text: "Log files location"
+                color: "white"
+            }
+
+            ComboBox {
+                id: cardOneDriveDropdown
+                objectName: "cardOneDriveDropdown"
+                Layout.fillWidth: true
+                Layout.preferredHeight: 30
+                model: driveListModelOne
+                textRole: "text"
+                Accessible.name: "Log files location"
+                onActivated: autoImporter.handleComboboxOneSelection(index)
+            }
+
+            CorvButton {
+                objectName: "browseLogsButton"
+                Layout.preferredWidth: 75
+                Layout.preferredHeight: 30
+                text: "Browse..."
+                Accessible.description: "Log files location"
+                onClicked: autoImporter.selectDirOne()
+            }
+
+            Text {
+                text: "Video files location"
+                color: "white"
+            }
+
+            ComboBox {
+                id: cardTwoDriveDropdown
+                objectName: "cardTwoDriveDropdown"
+                Layout.fillWidth: true
+                Layout.preferredHeight: 30
+                model: driveListModelTwo
+                textRole: "text"
+                Accessible.name: "Video files location"
+                onActivated: autoImporter.handleComboboxTwoSelection(index)
+            }
+
+            CorvButton {
+                objectName: "browseVideosButton"
+                Layout.preferredWidth: 75
+                Layout.preferredHeight: 30
+                text: "Browse..."
+                Accessible.description: "Video files location"
+                onClicked: autoImporter.selectDirTwo()
+            }
+        }
+    }
+
+    CorvButton {
+        id: parseButton
+        objectName: "parseButton"
+        anchors {
+            right: parent.right; rightMargin: 20
+            top: chooserContainer.bottom; topMargin: 10
+        }
+        width: 120
+        height: 30
+        enabled: !autoImporter.isBusy
+        text: "Search flights"
+        onClicked: autoImporter.parseChosenDirs()
+    }
+
+    CheckBox {
+        id: checkBoxFastSearch
+        objectName: "checkBoxFastSearch"
+        anchors {
+            right: parseButton.left; rightMargin: 16
+            verticalCenter: parseButton.verticalCenter
+        }
+        text: "Fast search (ignores metadata)"
+        style: CheckBoxStyle {
+            label: Text {
+                text: control.text
+                color: "white"
+            }
+        }
+    }
+
+    Rectangle {
+        id: matchingsListHeader
+        objectName: "matchingsListHeader"
+        anchors { left: matchingsFrame.left; right: matchingsFrame.right; bottom: matchingsFrame.top }
+        height: 25
+        visible: !autoImporter.isBusy
+        color: "#444444"
+
+        ImporterColumns {
+            // Above the columns of the rows, which a scroll bar makes narrower.
+            x: 1 + parent.height + 4
+            width: rowWidth - parent.height - 4
+            height: parent.height
+            rowWidth: matchingsListView.width
+
+            ImporterHeading {
+                objectName: "nameHeading"
+                width: parent.nameWidth
+                text: "Paired files"
+            }
+
+            ImporterHeading {
+                objectName: "timeHeading"
+                width: parent.timeWidth
+                text: "Time"
+            }
+
+            ImporterHeading {
+                objectName: "missionNameHeading"
+                width: parent.missionWidth
+                text: "Mission name"
+            }
+
+            ImporterHeading {
+                objectName: "flightNameHeading"
+                width: parent.flightWidth
+                text: "Flight name"
+            }
+
+            ImporterHeading {
+                objectName: "flightNumberHeading"
+                width: parent.numberWidth
+                text: "Num."
+            }
+
+        }
+    }
+
+    Rectangle {
+        id: matchingsFrame
+        anchors {
+            left: parent.left; leftMargin: 20
+            right: parent.right; rightMargin: 20
+            top: parseButton.bottom; topMargin: 10 + matchingsListHeader.height
+            bottom: okButton.top; bottomMargin: 14
+        }
+        visible: !autoImporter.isBusy
+        color: "#333333"
+        border { width: matchingsListView.activeFocus ? 1 : 0; color: Cst.btnColorHover }
+
+        ScrollView {
+            anchors { fill: parent; margins: 1 }
+            horizontalScrollBarPolicy: Qt.ScrollBarAlwaysOff
+
+            ListView {
+                id: matchingsListView
+                objectName: "matchingsListView"
+                focus: true
+                activeFocusOnTab: true
+                keyNavigationEnabled: true
+                model: matchingsListModel
+                boundsBehavior: Flickable.StopAtBounds
+                highlight: Rectangle { color: Cst.progressBarBg }
+                highlightMoveDuration: 0
+                highlightResizeDuration: 0
+                Accessible.role: Accessible.List
+                Accessible.name: "Flights"
+                Keys.onReturnPressed: autoImporter.loadAndClose()
+                Keys.onEnterPressed: autoImporter.loadAndClose()
+
+                delegate: ImporterRow {
+                    objectName: "matchingRow" + index
+                    width: matchingsListView.width
+                    height: matchingsListHeader.height
+                    flight: model
+                    onClicked: {
+                        matchingsListView.currentIndex = index;
+                        matchingsListView.forceActiveFocus();
+                    }
+                }
+            }
+        }
+    }
+
+    Column {
+        id: busyArea
+        anchors { horizontalCenter: matchingsFrame.horizontalCenter; verticalCenter: matchingsFrame.verticalCenter }
+        visible: autoImporter.isBusy
+        spacing: 14
+
+        Text {
+            id: txtMatchingBusyIndicator
+            objectName: "txtMatchingBusyIndicator"
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "Matching in progress..."
+            color: "white"
+        }
+
+        StripedProgressBar {
+            id: progressBar
+            objectName: "progressBar"
+            width: 400
+            Accessible.description: txtMatchingBusyIndicator.text
+        }
+
+        CorvButton {
+            id: abortProcessingButton
+            objectName: "abortProcessingButton"
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: 100
+            height: 25
+            text: "Abort"
+            onClicked: autoImporter.abortRunningProcess()
+        }
+    }
+
+    CorvButton {
+        id: cancelButton
+        objectName: "cancelButton"
+        anchors { right: okButton.left; rightMargin: 10; verticalCenter: okButton.verticalCenter }
+        width: 120
+        height: 30
+        text: "Cancel"
+        onClicked: autoImporter.cancelAndClose()
+    }
+
+    CorvButton {
+        id: okButton
+        objectName: "okButton"
+        anchors {
+            right: parent.right; rightMargin: 20
+            bottom: parent.bottom; bottomMargin: 16
+        }
+        width: 130
+        height: 30
+        text: "Load selected"
+        onClicked: autoImporter.loadAndClose()
+    }
+}

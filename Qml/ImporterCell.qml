@@ -1,0 +1,28 @@
+import QtQuick 2.7
+
+// One place in the importer's list: a text on one line, however it was written and however long it
+// is, or a dash where the flight has none.
+Item {
+    id: importerCell
+
+    property string text
+    property bool isDefined: true
+    property color definedColor: "white"
+    property alias font: label.font
+    readonly property alias truncated: label.truncated
+    readonly property alias shownText: label.text
+    readonly property alias shownColor: label.color
+
+    height: parent.height
+
+    Text {
+        id: label
+        anchors.fill: parent
+        text: importerCell.isDefined ? importerCell.text : "-"
+        color: importerCell.isDefined ? importerCell.definedColor : "#777"
+        textFormat: Text.PlainText
+        maximumLineCount: 1
+        elide: Text.ElideRight
+        verticalAlignment: Text.AlignVCenter
+    }
+}
