@@ -140,9 +140,12 @@ void VideoPlayer::onFrameReady(int opening, PlayerFrame frame, bool seekResult)
 {
     if (opening != m_opening || !hasVideoOpened() || (m_seeking && !seekResult))
         return;
-    m_frames.append(std::move(frame));
-    if (!seekResult)
+    if (!seekResult) {
+        m_frames.append(std::move(frame));
         return;
+    }
+    // Of two seeks in a row the first one's picture may still be here, which is not the one to show.
+    m_frames = {std::move(frame)};
     m_seeking = false;
     paintNextFrame();
 }

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Support/TestVideo.h"
+#include "Video/FrameSource.h"
+
+#include <QHash>
+#include <QThread>
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <set>
+
+namespace corv::test {
+
+/// A video that exists only in memory and fails where a test wants it to. Set up before it is
+/// opened; what the test changes or reads afterwards is atomic.
+struct FakeFile
+{
+    int frames = 30;
+    double fps = 100.0;
+    QSize size{320, 240};
+    int firstNumber = 0;
+    bool canBeCloned = true;
+    std::set<int> unreadable;              ///< frames whose reading fails
+    std::set<int> unreachable;             ///< frames that positioning to fails
+    std::atomic<int> reads{0};             ///< frames decoded, clones included
+    std::atomic<int> clones{0};            ///< clones made
+    std::atomic<bool> positioning{true};   ///< false: every move to another frame fails
+    std::atomic<bool> blocked{false};      ///< reading waits while this is set
+    std::atomic<bool> throwsInPlay{false}; ///< frames come in a form that no conversion takes
+};
+
+class FakeFrameSource : public FrameSource
+{
+public:
+    explicit FakeFrameSource(std::shared_ptr<FakeFile> file) : m_file(std::move(file)) {}
+
+    double fps() const override { return m_file->fps; }
+    int frameCount() const override { return m_file->frames; }
+    QSize size() const override { return m_file->size; }
+    int nextFrame() const override { return m_next; }
+
+    bool seekToFrame(int index) override
+    {
+        const int target = std::clamp(index, 0, m_file->frames);
+        if (target == m_next)
+            return true;
+        if (!m_file->positioning || m_file->unreachable.count(target))
+            return false;
+        m_next = target;
+        return true;
+    }
+
+    bool read(cv::Mat& frame) override
+    {
+        while (m_file->blocked)
+            QThread::yieldCurrentThread();
+        if (m_next >= m_file->frames || m_file->unreadable.count(m_next))
+            return false;
+        ++m_file->reads;
+        testPicture(m_file->firstNumber + m_next, m_file->size).copyTo(frame);
+        if (m_file->throwsInPlay)
+            frame = cv::Mat(240, 320, CV_64FC3);
+        ++m_next;
+        return true;
+    }
+
+    std::unique_ptr<FrameSource> clone() const override
+    {
+        if (!m_file->canBeCloned)
+            return nullptr;
+        ++m_file->clones;
+        return std::make_unique<FakeFrameSource>(m_file);
+    }
+
+private:
+    std::shared_ptr<FakeFile> m_file;
+    int m_next = 0;
+};
+
+/// Opens the fakes by the names of their files; what has none fails to open.
+class FakeFiles
+{
+public:
+    std::shared_ptr<FakeFile> add(const QString& path)
+    {
+        auto file = std::make_shared<FakeFile>();
+        m_files.insert(path, file);
+        return file;
+    }
+
+    FrameSourceFactory factory() const
+    {
+        return [files = m_files](const QString& path) -> std::unique_ptr<FrameSource> {
+            const auto file = files.value(path);
+            return file ? std::make_unique<FakeFrameSource>(file) : nullptr;
+        };
+    }
+
+private:
+    QHash<QString, std::shared_ptr<FakeFile>> m_files;
+};
+
+} // namespace corv::test

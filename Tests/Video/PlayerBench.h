@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Support/TestVideo.h"
+#include "Threads/post.h"
+#include "Video/VideoPlayer.h"
+
+#include <QAbstractVideoSurface>
+#include <QList>
+#include <QObject>
+#include <QVideoSurfaceFormat>
+#include <memory>
+
+namespace corv::test {
+
+/// A surface that keeps what it was shown.
+class RecordingSurface : public QAbstractVideoSurface
+{
+public:
+    QList<QVideoFrame::PixelFormat>
+    supportedPixelFormats(QAbstractVideoBuffer::HandleType) const override
+    {
+        return {QVideoFrame::Format_YUV420P};
+    }
+
+    bool start(const QVideoSurfaceFormat& format) override
+    {
+        formats << format;
+        return QAbstractVideoSurface::start(format);
+    }
+
+    bool present(const QVideoFrame& frame) override
+    {
+        if (refuses)
+            return false;
+        last = frame;
+        numbers << numberIn(frame);
+        return true;
+    }
+
+    /// The number in the picture shown last; -1 if there was none.
+    int lastNumber() const { return numbers.isEmpty() ? -1 : numbers.last(); }
+
+    QList<int> numbers;
+    QList<QVideoSurfaceFormat> formats;
+    QVideoFrame last;
+    bool refuses = false;
+};
+
+/// One request for a still frame, with its answer brought back to the test's thread.
+struct StillFrame
+{
+    StillFrame(VideoPlayer& player, QTime time) : m_answer(std::make_shared<Answer>())
+    {
+        accepted = player.getFrameAsync(time, [answer = m_answer](const QImage& image) {
+            post(&answer->receiver, [answer, image] {
+                answer->image = image;
+                answer->came = true;
+            });
+        });
+    }
+
+    bool came() const { return m_answer->came; }
+    QImage image() const { return m_answer->image; }
+    int number() const { return m_answer->came ? numberIn(m_answer->image) : -2; }
+
+    bool accepted = false;
+
+private:
+    struct Answer
+    {
+        QObject receiver;
+        QImage image;
+        bool came = false;
+    };
+
+    std::shared_ptr<Answer> m_answer;
+};
+
+inline QTime timeAt(int ms)
+{
+    return QTime(0, 0, 0, 0).addMSecs(ms);
+}
+
+} // namespace corv::test
