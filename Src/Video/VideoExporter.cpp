@@ -4,6 +4,7 @@
 
 #include <QDebug>
 #include <algorithm>
+#include <exception>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -46,12 +47,21 @@ void VideoExporter::exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize
             qInfo() << "Read failed for frame " << i;
             return;
         }
-        m_hooks.applyEffects(frame, timeMs);
+        applyEffects(frame, timeMs);
         if (frame.cols == size.width() && frame.rows == size.height())
             writer.write(std::move(frame));
         else
             writer.giveBack(std::move(frame));
         m_hooks.reportProgress(done + i + 1, m_timeline.totalFrames());
+    }
+}
+
+void VideoExporter::applyEffects(cv::Mat& frame, int timeMs)
+{
+    try {
+        m_hooks.applyEffects(frame, timeMs);
+    } catch (const std::exception& error) {
+        qWarning() << "Exporting without effects the frame at ms" << timeMs << error.what();
     }
 }
 

@@ -31,6 +31,7 @@ public:
 
 private:
     void exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize size, int done);
+    void applyEffects(cv::Mat& frame, int timeMs);
 
     VideoTimeline& m_timeline;
     Hooks m_hooks;

@@ -53,6 +53,7 @@ private slots:
     void closingAnswersWaitingStillFrames();
     void aPictureThatCannotBeConvertedIsGivenUp();
     void surfacesAreStartedAndStopped();
+    void logDataNeedsALog();
     void oneBurstAtATime();
 
 private:
@@ -820,6 +821,25 @@ void VideoPlayerTest::surfacesAreStartedAndStopped()
     QTRY_COMPARE(first.lastNumber(), 20);
     player.setVideoSurface(nullptr);
     QVERIFY(!first.isActive());
+}
+
+void VideoPlayerTest::logDataNeedsALog()
+{
+    addFile("a.mp4", 60);
+    MessageLog log;
+    VideoPlayer player(m_files->factory());
+    RecordingSurface surface;
+    player.setVideoSurface(&surface);
+    open(player, "a.mp4");
+    player.updateLogData();
+    QTRY_COMPARE(surface.numbers.size(), 2);
+    QCOMPARE(log.count("No log parser"), 1);
+    LogParser parser;
+    player.setLogParser(&parser);
+    QCOMPARE(player.logParser(), &parser);
+    player.updateLogData();
+    QTRY_COMPARE(surface.numbers.size(), 3);
+    QCOMPARE(log.count("No log file"), 1);
 }
 
 // However many ticks ask while the decoder is busy, one burst follows.
