@@ -217,11 +217,15 @@ QByteArray DocxWriter::relationshipsText(const std::string& document, QSet<QStri
     return serialised(relationships);
 }
 
-QByteArray DocxWriter::contentTypesText() const
+QByteArray DocxWriter::contentTypesText(const QSet<QString>& unused) const
 {
     pugi::xml_document document;
     parsePart(document, contentOf(m_source, contentTypesName), contentTypesName);
     pugi::xml_node root = document.child("Types");
+    for (const QString& name : unused) {
+        const QByteArray partName = '/' + name.toUtf8();
+        root.remove_child(root.find_child_by_attribute("PartName", partName.constData()));
+    }
     QSet<QByteArray> suffixes;
     for (const pugi::xml_node& type : root.children("Default"))
         suffixes.insert(QByteArray(type.attribute("Extension").value()).toLower());
@@ -255,7 +259,7 @@ void DocxWriter::save(const QString& fileName)
     QSet<QString> unused;
     const QByteArray relationships = relationshipsText(document, unused);
     ZipWriter zip(file);
-    zip.add(contentTypesName, contentTypesText());
+    zip.add(contentTypesName, contentTypesText(unused));
     for (const ZipPart& part : m_source.parts()) {
         if (part.name == m_source.documentName())
             zip.add(part.name, QByteArray::fromStdString(document));

@@ -33,7 +33,7 @@ public:
 private:
     std::string documentText() const;
     QByteArray relationshipsText(const std::string& document, QSet<QString>& unused) const;
-    QByteArray contentTypesText() const;
+    QByteArray contentTypesText(const QSet<QString>& unused) const;
     bool isShownElsewhere(const QString& partName) const;
 
     const DocxTemplate& m_source;

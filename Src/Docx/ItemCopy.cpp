@@ -143,11 +143,12 @@ xml_node emptied(xml_node content)
         return content;
     }
     for (xml_node kept = paragraph; kept != content; kept = kept.parent()) {
-        const std::string name = kept.name();
-        for (xml_node other = kept.parent().first_child(); other;) {
+        xml_node parent = kept.parent();
+        const std::string properties = parent.name() + std::string("Pr");
+        for (xml_node other = parent.first_child(); other;) {
             const xml_node next = other.next_sibling();
-            if (other != kept && name + "Pr" != other.name() && !isNamed(other, "w:tblGrid"))
-                kept.parent().remove_child(other);
+            if (other != kept && properties != other.name() && !isNamed(other, "w:tblGrid"))
+                parent.remove_child(other);
             other = next;
         }
     }

@@ -1,5 +1,6 @@
 #include "Project/ProjectFileLoader.h"
 
+#include "Support/FullDisk.h"
 #include "Support/MessageLog.h"
 
 #include <QDir>
@@ -12,13 +13,13 @@
 #include <chrono>
 #include <csignal>
 #include <random>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 using corv::ProjectFileLoader;
+using corv::test::FullDisk;
 using corv::test::MessageLog;
 
 namespace {
@@ -69,29 +70,6 @@ QByteArray project(const QByteArray& flight)
 {
     return "{\"format_ver\":\"1.0\",\"contents\":{\"flights\":[" + flight + "]}}";
 }
-
-/// No file of this process may grow past a limit while this lives, as on a disk that is full.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit limited = m_before;
-        limited.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = nullptr;
-};
 
 /// Gives up the rights of the administrator, who may write anywhere, while it lives.
 class PlainUser

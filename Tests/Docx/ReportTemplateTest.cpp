@@ -1,0 +1,179 @@
+#include "Docx/DocxMerger.h"
+#include "WordPackage.h"
+
+#include <QImage>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using corv::DocxMerger;
+using namespace corv::test;
+
+namespace {
+
+struct Mark
+{
+    QString name;
+    QString time;
+    QString comment;
+};
+
+const QVector<Mark>& marks()
+{
+    static const QVector<Mark> all = {
+        {"Crack at the tip", "01:05.7", "First line\nSecond line"},
+        {"Markup <&>\"", "60:00.0", "</w:t> & so on"},
+        {QString::fromUtf8("שלום"), "00:59.999", QString::fromUtf8("Éolienne")},
+        {QString::fromUtf8("Heat 🔥"), "00:00.0", ""},
+    };
+    return all;
+}
+
+} // namespace
+
+/// The template that is delivered, and what a word processor makes of it.
+class ReportTemplateTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+
+    void writeReport(const QString& templateFile, const QString& output, bool isNamed = true)
+    {
+        QImage frame(160, 90, QImage::Format_RGB32);
+        frame.fill(Qt::darkBlue);
+        QVERIFY(frame.save(path("frame.png")));
+        DocxMerger merger;
+        merger.load(templateFile);
+        if (isNamed) {
+            merger.setClipboardValue("Cover", "MissionName", "North coast");
+            merger.setClipboardValue("Cover", "FlightName", "Turbine 12");
+            merger.setClipboardValue("Cover", "FlightNumber", 3.0);
+        }
+        merger.setClipboardValue("Cover", "GenerationDate", "Mon May 21 10:11:12 2018");
+        merger.paste("Cover");
+        for (const Mark& mark : marks()) {
+            merger.setClipboardValue("Page", "Name", mark.name);
+            merger.setClipboardValue("Page", "Time", mark.time);
+            merger.setClipboardValue("Page", "Comment", mark.comment);
+            merger.setClipboardValue("Page", "Image", path("frame.png"));
+            merger.paste("Page");
+        }
+        merger.save(output);
+    }
+
+    bool hasWordProcessor() const
+    {
+        return !QStandardPaths::findExecutable("soffice").isEmpty() &&
+               !QStandardPaths::findExecutable("pdftotext").isEmpty();
+    }
+
+    /// What the word processor makes of a file, in the folder "out".
+    void convert(const QString& file, const QString& format)
+    {
+        QProcess process;
+        process.start("soffice", {"-env:UserInstallation=file://" + path("profile"), "--headless",
+                                  "--convert-to", format, "--outdir", path("out"), file});
+        QVERIFY(process.waitForFinished(120000));
+        QCOMPARE(process.exitCode(), 0);
+    }
+
+    QStringList pagesOf(const QString& pdf)
+    {
+        QProcess process;
+        process.start("pdftotext", {"-layout", pdf, "-"});
+        if (!process.waitForFinished(60000))
+            return {};
+        QStringList pages = QString::fromUtf8(process.readAllStandardOutput()).split('\f');
+        pages.removeLast();
+        return pages;
+    }
+
+    void checkPages(const QString& document)
+    {
+        convert(document, "pdf");
+        const QStringList pages = pagesOf(path("out/report.pdf"));
+        QCOMPARE(pages.size(), 1 + marks().size());
+        for (const char* text : {"North coast", "Turbine 12", "3", "Mon May 21 10:11:12 2018"})
+            QVERIFY2(pages[0].contains(text), qPrintable(pages[0]));
+        QVERIFY(!pages[0].contains(QRegularExpression("1 ?/ ?5")));
+        for (int i = 0; i < marks().size(); ++i) {
+            const QString& page = pages[i + 1];
+            QVERIFY2(page.contains(marks()[i].name), qPrintable(page));
+            QVERIFY2(page.indexOf(marks()[i].time) > page.indexOf(marks()[i].name),
+                     qPrintable(page));
+            for (const QString& line : marks()[i].comment.split('\n'))
+                QVERIFY2(page.indexOf(line) >= 0, qPrintable(page));
+            const QRegularExpression number(QString("%1 ?/ ?5").arg(i + 2));
+            QVERIFY2(page.contains(number), qPrintable(page));
+        }
+    }
+
+private slots:
+    void keepsTheRulesOfTheFormat()
+    {
+        QCOMPARE(brokenRules(readZip(VISTREL_REPORT_TEMPLATE)).join('\n'), QString());
+        writeReport(VISTREL_REPORT_TEMPLATE, path("report.docx"));
+        const Parts parts = readZip(path("report.docx"));
+        QCOMPARE(brokenRules(parts).join('\n'), QString());
+        const QByteArray document = parts["word/document.xml"];
+        QVERIFY(!document.contains("w:sdt"));
+        QVERIFY(!document.contains("bookmark"));
+        // The logo and a frame for each mark; the sample frame has gone.
+        QCOMPARE(parts.keys().filter("word/media/").size(), 1 + marks().size());
+    }
+
+    void theTextStandsInOrder()
+    {
+        writeReport(VISTREL_REPORT_TEMPLATE, path("report.docx"));
+        const QString text = documentText(readZip(path("report.docx")));
+        int position = 0;
+        QStringList expected = {"North coast", "Turbine 12", "3", "Mon May 21 10:11:12 2018"};
+        for (const Mark& mark : marks())
+            expected << mark.name << mark.time << mark.comment;
+        for (const QString& piece : expected) {
+            const int found = text.indexOf(piece, position);
+            QVERIFY2(found >= 0, qPrintable(piece + " in " + text));
+            position = found + piece.size();
+        }
+        for (const char* sample : {"Comment", "00:00.0\n00"})
+            QVERIFY2(!text.contains(sample), sample);
+    }
+
+    void withoutANamingTheCoverHasADate()
+    {
+        writeReport(VISTREL_REPORT_TEMPLATE, path("report.docx"), false);
+        const QString text = documentText(readZip(path("report.docx")));
+        QVERIFY(text.contains("Mon May 21 10:11:12 2018"));
+        QVERIFY(text.contains("Mission\n\nFlight\n\nFlight number\n\nDate\n"));
+    }
+
+    void aWordProcessorPrintsEveryPage()
+    {
+        if (!hasWordProcessor())
+            QSKIP("no word processor is installed");
+        writeReport(VISTREL_REPORT_TEMPLATE, path("report.docx"));
+        checkPages(path("report.docx"));
+    }
+
+    void aWordProcessorMayEditTheTemplate()
+    {
+        if (!hasWordProcessor())
+            QSKIP("no word processor is installed");
+        QFile::remove(path("edited.docx"));
+        QVERIFY(QFile::copy(VISTREL_REPORT_TEMPLATE, path("edited.docx")));
+        convert(path("edited.docx"), "docx");
+        writeReport(path("out/edited.docx"), path("report.docx"));
+        const Parts parts = readZip(path("report.docx"));
+        QCOMPARE(brokenRules(parts).join('\n'), QString());
+        QVERIFY(!parts["word/document.xml"].contains("w:sdt"));
+        QCOMPARE(parts.keys().filter("word/media/").size(), 1 + marks().size());
+        checkPages(path("report.docx"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ReportTemplateTest)
+#include "ReportTemplateTest.moc"
