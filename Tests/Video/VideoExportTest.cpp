@@ -1,0 +1,430 @@
+#include "FakeFrameSource.h"
+#include "PlayerBench.h"
+#include "SampleFlight/frameStrip.h"
+#include "Support/MessageLog.h"
+#include "Threads/pool.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThreadPool>
+#include <filesystem>
+
+using namespace corv;
+using namespace corv::test;
+
+class VideoExportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void aFrameIsSavedUnderAFreeName();
+    void aFrameOverwritesIfAsked();
+    void framesThatAreNotSavedAreToldOf();
+    void aFrameOnTheClipboard();
+    void aSeriesOfGivenTimes();
+    void aSeriesAtASpacing_data();
+    void aSeriesAtASpacing();
+    void aSeriesThatIsRefused();
+    void theWholeVideo();
+    void effectsAreInTheVideo();
+    void cancelledInTheSecondFile();
+    void aFileOfAnotherSizeAddsNothing();
+    void aFileThatFailsEndsAlone();
+    void aPositionThatIsLostIsReported();
+    void aRefusedExportEndsAllTheSame();
+    void sourcesAreNotOverwritten_data();
+    void sourcesAreNotOverwritten();
+    void anExportWhileThePoolWaitsForPictures();
+    void leavingInTheMiddle();
+
+private:
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+    std::shared_ptr<FakeFile> addFile(const QString& name, int frames = 30, int firstNumber = 0);
+    void open(const QString& name);
+    QList<int> numbersInVideo(const QString& file);
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<FakeFiles> m_files;
+    std::unique_ptr<VideoPlayer> m_player;
+    RecordingSurface m_surface;
+};
+
+void VideoExportTest::init()
+{
+    m_player.reset();
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_files = std::make_unique<FakeFiles>();
+}
+
+std::shared_ptr<FakeFile> VideoExportTest::addFile(const QString& name, int frames, int firstNumber)
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write("source") != 6)
+        return nullptr;
+    auto fake = m_files->add(path(name));
+    fake->frames = frames;
+    fake->fps = 25.0;
+    fake->firstNumber = firstNumber;
+    return fake;
+}
+
+void VideoExportTest::open(const QString& name)
+{
+    m_player = std::make_unique<VideoPlayer>(m_files->factory());
+    m_surface.numbers.clear();
+    m_player->setVideoSurface(&m_surface);
+    m_player->setSource(path(name));
+    QTRY_VERIFY(m_surface.lastNumber() >= 0);
+}
+
+QList<int> VideoExportTest::numbersInVideo(const QString& file)
+{
+    QList<int> numbers;
+    const auto source = openFrameSource(file);
+    cv::Mat frame;
+    while (source && source->read(frame))
+        numbers << readFrameNumber(frame);
+    return numbers;
+}
+
+static QList<int> countedFrom(int first, int count)
+{
+    QList<int> numbers;
+    for (int i = 0; i < count; ++i)
+        numbers << first + i;
+    return numbers;
+}
+
+void VideoExportTest::aFrameIsSavedUnderAFreeName()
+{
+    addFile("a.mp4");
+    open("a.mp4");
+    MessageLog log;
+    const QStringList names{"shot.png", "shot(1).png", "shot(2).png"};
+    for (int i = 0; i < names.size(); ++i) {
+        QVERIFY(m_player->saveFrame(timeAt(i * 400), path("shot.png"), false));
+        QTRY_COMPARE(numberIn(QImage(path(names.at(i)))), i * 10);
+    }
+    QVERIFY(log.contains(QStringLiteral("File \"%1\"  exists; constructing different name...")
+                             .arg(path("shot(1).png"))));
+    QVERIFY(log.contains(QStringLiteral("Saving frame at QTime(\"00:00:00.400\") ms in file \"%1\"")
+                             .arg(path("shot(1).png"))));
+    QVERIFY(m_player->saveFrame(timeAt(0), path("seven(7).png"), false));
+    QTRY_VERIFY(QFile::exists(path("seven(7).png")));
+    QVERIFY(m_player->saveFrame(timeAt(0), path("seven(7).png"), false));
+    QTRY_VERIFY(QFile::exists(path("seven(8).png")));
+}
+
+void VideoExportTest::aFrameOverwritesIfAsked()
+{
+    addFile("a.mp4");
+    open("a.mp4");
+    QFile old(path("shot.png"));
+    QVERIFY(old.open(QIODevice::WriteOnly));
+    old.write("old");
+    old.close();
+    QVERIFY(m_player->saveFrame(timeAt(200), path("shot.png"), true));
+    QTRY_COMPARE(numberIn(QImage(path("shot.png"))), 5);
+    QCOMPARE(QDir(m_folder->path()).entryList({"*.png"}), QStringList{"shot.png"});
+}
+
+void VideoExportTest::framesThatAreNotSavedAreToldOf()
+{
+    addFile("a.mp4");
+    open("a.mp4");
+    MessageLog log;
+    QVERIFY(!m_player->saveFrame(timeAt(0), QString(), false));
+    QVERIFY(log.contains("Empty path"));
+    QVERIFY(m_player->saveFrame(timeAt(5000), path("late.png"), false));
+    QTRY_VERIFY(log.contains("Failed to extract frame"));
+    QVERIFY(m_player->saveFrame(timeAt(0), path("nowhere/shot.png"), false));
+    QTRY_VERIFY(log.contains("Failed to save frame to file"));
+    log.clear();
+    QVERIFY(m_player->saveFrame(timeAt(0), path("shot.unknown"), false));
+    QTRY_VERIFY(log.contains("Failed to save frame to file"));
+    m_player->close();
+    QVERIFY(!m_player->saveFrame(timeAt(0), path("closed.png"), false));
+}
+
+void VideoExportTest::aFrameOnTheClipboard()
+{
+    addFile("a.mp4");
+    open("a.mp4");
+    QGuiApplication::clipboard()->clear();
+    m_player->copyFrameToClipboard(timeAt(480));
+    QTRY_COMPARE(numberIn(QGuiApplication::clipboard()->image()), 12);
+    MessageLog log;
+    m_player->copyFrameToClipboard(timeAt(5000));
+    QTRY_VERIFY(log.contains("Failed to extract frame"));
+    QCOMPARE(numberIn(QGuiApplication::clipboard()->image()), 12);
+}
+
+void VideoExportTest::aSeriesOfGivenTimes()
+{
+    addFile("a.mp4");
+    open("a.mp4");
+    QVERIFY(QDir().mkpath(path("out")));
+    QVERIFY(m_player->exportSpecificFrames({800, 0, 400}, path("out"), "Mark"));
+    QTRY_COMPARE(QDir(path("out")).entryList(QDir::Files).size(), 3);
+    QTRY_COMPARE(numberIn(QImage(path("out/Mark002.jpg"))), 10);
+    QCOMPARE(numberIn(QImage(path("out/Mark000.jpg"))), 20);
+    QCOMPARE(numberIn(QImage(path("out/Mark001.jpg"))), 0);
+}
+
+void VideoExportTest::aSeriesAtASpacing_data()
+{
+    QTest::addColumn<int>("startMs");
+    QTest::addColumn<int>("stopMs");
+    QTest::addColumn<int>("spacing");
+    QTest::addColumn<QList<int>>("numbers");
+    QTest::newRow("one") << 400 << 400 << 10 << QList<int>{10};
+    QTest::newRow("every tenth") << 0 << 1000 << 10 << QList<int>{0, 10, 20};
+    QTest::newRow("every one") << 1000 << 1120 << 1 << QList<int>{25, 26, 27, 28};
+    QTest::newRow("beyond an int") << 0 << 100 << 2000000000 << QList<int>{0};
+    QTest::newRow("stop before start") << 400 << 0 << 10 << QList<int>{};
+}
+
+void VideoExportTest::aSeriesAtASpacing()
+{
+    QFETCH(int, startMs);
+    QFETCH(int, stopMs);
+    QFETCH(int, spacing);
+    QFETCH(QList<int>, numbers);
+    addFile("a.mp4");
+    open("a.mp4");
+    QVERIFY(QDir().mkpath(path("out")));
+    QVERIFY(m_player->exportFrames(startMs, stopMs, spacing, path("out"), "Frame"));
+    StillFrame after(*m_player, timeAt(0));
+    QTRY_VERIFY(after.came());
+    QCOMPARE(QDir(path("out")).entryList(QDir::Files).size(), numbers.size());
+    for (int i = 0; i < numbers.size(); ++i)
+        QCOMPARE(numberIn(QImage(path(QStringLiteral("out/Frame00%1.jpg").arg(i)))), numbers.at(i));
+}
+
+void VideoExportTest::aSeriesThatIsRefused()
+{
+    addFile("a.mp4");
+    open("a.mp4");
+    MessageLog log;
+    QVERIFY(!m_player->exportFrames(0, 1000, 10, path("no/parent/out"), "Frame"));
+    QVERIFY(
+        log.contains(QStringLiteral("Folder doesn't exist: \"%1\"").arg(path("no/parent/out"))));
+    for (int spacing : {0, -1, std::numeric_limits<int>::min()})
+        QVERIFY(!m_player->exportFrames(0, 1000, spacing, path("out"), "Frame"));
+    QCOMPARE(log.count("No way forward with a spacing of"), 3);
+}
+
+void VideoExportTest::theWholeVideo()
+{
+    addFile("CORV0001.MP4", 30);
+    addFile("CORV0002.MP4", 21, 30);
+    open("CORV0001.MP4");
+    QVERIFY(m_player->seekAtFrame(40));
+    QTRY_COMPARE(m_surface.lastNumber(), 40);
+    MessageLog log;
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QSignalSpy progress(m_player.get(), &VideoPlayer::videoExportProgress);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(complete.count(), 1);
+    QCOMPARE(complete.first().first().toBool(), true);
+    QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 51));
+    QCOMPARE(progress.count(), 51);
+    for (int i = 0; i < 51; ++i)
+        QCOMPARE(progress.at(i), (QList<QVariant>{i + 1, 51}));
+    for (const char* file : {"CORV0001.MP4", "CORV0002.MP4"})
+        QVERIFY(log.contains(QStringLiteral("Starting to export video \"%1\"")
+                                 .arg(path(QString::fromLatin1(file)))));
+    // Playback goes on where it was.
+    m_player->play();
+    QTRY_VERIFY(m_surface.numbers.contains(41));
+}
+
+void VideoExportTest::effectsAreInTheVideo()
+{
+    addFile("a.mp4", 5);
+    open("a.mp4");
+    m_player->setContrast(0.5);
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(complete.count(), 1);
+    const auto exported = openFrameSource(path("out.mp4"));
+    QVERIFY(exported);
+    cv::Mat frame;
+    QVERIFY(exported->read(frame));
+    const cv::Vec3b plain = testPicture(0, {320, 240}).at<cv::Vec3b>(230, 310);
+    const cv::Vec3b seen = frame.at<cv::Vec3b>(230, 310);
+    for (int channel = 0; channel < 3; ++channel)
+        QVERIFY(std::abs(seen[channel] - plain[channel] / 2) < 8);
+}
+
+void VideoExportTest::cancelledInTheSecondFile()
+{
+    addFile("CORV0001.MP4", 20);
+    addFile("CORV0002.MP4", 2000, 20);
+    open("CORV0001.MP4");
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QObject canceller;
+    connect(
+        m_player.get(), &VideoPlayer::videoExportProgress, &canceller,
+        [this](int done) {
+            if (done >= 30)
+                m_player->cancelExportVideo();
+        },
+        Qt::DirectConnection);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(complete.count(), 1);
+    QCOMPARE(complete.first().first().toBool(), true);
+    QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 30));
+}
+
+void VideoExportTest::aFileOfAnotherSizeAddsNothing()
+{
+    addFile("CORV0001.MP4", 10);
+    addFile("CORV0002.MP4", 10, 10)->size = QSize(160, 120);
+    addFile("CORV0003.MP4", 10, 20);
+    open("CORV0001.MP4");
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QSignalSpy progress(m_player.get(), &VideoPlayer::videoExportProgress);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(complete.count(), 1);
+    QCOMPARE(complete.first().first().toBool(), true);
+    QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 10) + countedFrom(20, 10));
+    QCOMPARE(progress.count(), 30);
+}
+
+void VideoExportTest::aFileThatFailsEndsAlone()
+{
+    addFile("CORV0001.MP4", 10)->unreadable = {4};
+    const auto second = addFile("CORV0002.MP4", 10, 10);
+    addFile("CORV0003.MP4", 10, 20);
+    open("CORV0001.MP4");
+    QVERIFY(m_player->seekAtFrame(15));
+    QTRY_COMPARE(m_surface.lastNumber(), 15);
+    QVERIFY(m_player->seekAtFrame(0));
+    QTRY_COMPARE(m_surface.lastNumber(), 0);
+    second->positioning = false; // and so it cannot go back to its first frame
+    MessageLog log;
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(complete.count(), 1);
+    QCOMPARE(complete.first().first().toBool(), true);
+    QVERIFY(log.contains("Read failed for frame  4"));
+    QVERIFY(log.contains("Forcefully stopping at frame  0"));
+    QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 4) + countedFrom(20, 10));
+}
+
+void VideoExportTest::aPositionThatIsLostIsReported()
+{
+    const auto file = addFile("a.mp4", 10);
+    file->unreachable = {6};
+    open("a.mp4");
+    QVERIFY(m_player->seekAtFrame(5));
+    QTRY_COMPARE(m_surface.lastNumber(), 5);
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(complete.count(), 1);
+    QCOMPARE(complete.first().first().toBool(), false);
+}
+
+void VideoExportTest::aRefusedExportEndsAllTheSame()
+{
+    addFile("a.mp4", 5);
+    open("a.mp4");
+    MessageLog log;
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QVERIFY(!m_player->exportVideo(QString()));
+    QVERIFY(complete.isEmpty()); // only after the call: who waits may not be ready yet
+    QTRY_COMPARE(complete.count(), 1);
+    QVERIFY(log.contains("!m_hasVideoOpened || file.isEmpty()"));
+    QVERIFY(m_player->exportVideo(path("no/folder/out.mp4")));
+    QTRY_COMPARE(complete.count(), 2);
+    m_player->play();
+    QTRY_VERIFY(!m_player->playing());
+    log.clear();
+    QVERIFY(m_player->exportVideo(path("out.mp4"))); // the end of the stream has been reached
+    QTRY_COMPARE(complete.count(), 3);
+    QVERIFY(log.contains("Invalid video capture"));
+    m_player->close();
+    QVERIFY(!m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(complete.count(), 4);
+    for (const QList<QVariant>& result : complete)
+        QCOMPARE(result.first().toBool(), false);
+}
+
+void VideoExportTest::sourcesAreNotOverwritten_data()
+{
+    QTest::addColumn<QString>("target");
+    for (const char* name : {"CORV0001.MP4", "CORV0002.MP4", "symbolic.mp4", "hard.mp4",
+                             "sub/../CORV0001.MP4", "relative"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void VideoExportTest::sourcesAreNotOverwritten()
+{
+    QFETCH(QString, target);
+    addFile("CORV0001.MP4", 5);
+    addFile("CORV0002.MP4", 5);
+    QVERIFY(QDir().mkpath(path("sub")));
+    QVERIFY(QFile::link(path("CORV0002.MP4"), path("symbolic.mp4")));
+    std::error_code failed;
+    std::filesystem::create_hard_link(path("CORV0002.MP4").toStdString(),
+                                      path("hard.mp4").toStdString(), failed);
+    QVERIFY(!failed);
+    open("CORV0001.MP4");
+    MessageLog log;
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QVERIFY(m_player->exportVideo(target == "relative"
+                                      ? QDir::current().relativeFilePath(path("CORV0001.MP4"))
+                                      : path(target)));
+    QTRY_COMPARE(complete.count(), 1);
+    QCOMPARE(complete.first().first().toBool(), false);
+    QVERIFY(log.contains("Refused to export over a file of the flight:"));
+    for (const char* name : {"CORV0001.MP4", "CORV0002.MP4"}) {
+        QFile file(path(QString::fromLatin1(name)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("source"));
+    }
+}
+
+// A task of the pool that waits for a picture, while the export waits for the pool.
+void VideoExportTest::anExportWhileThePoolWaitsForPictures()
+{
+    addFile("a.mp4", 50);
+    open("a.mp4");
+    const int threads = QThreadPool::globalInstance()->maxThreadCount();
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    QSignalSpy complete(m_player.get(), &VideoPlayer::videoExportComplete);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    auto picture = std::make_shared<QSemaphore>();
+    const PoolTask waiting = runOnPool([this, picture] {
+        m_player->getFrameAsync(timeAt(0), [picture](const QImage&) { picture->release(); });
+        picture->acquire();
+    });
+    QTRY_COMPARE(complete.count(), 1);
+    QTRY_VERIFY(!waiting.isRunning());
+    QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 50));
+    QThreadPool::globalInstance()->setMaxThreadCount(threads);
+}
+
+void VideoExportTest::leavingInTheMiddle()
+{
+    addFile("a.mp4", 100000);
+    open("a.mp4");
+    QSignalSpy progress(m_player.get(), &VideoPlayer::videoExportProgress);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_VERIFY(progress.count() > 3);
+    m_player.reset();
+    const QList<int> numbers = numbersInVideo(path("out.mp4"));
+    QVERIFY(numbers.size() >= 3);
+    QCOMPARE(numbers, countedFrom(0, numbers.size()));
+}
+
+QTEST_MAIN(VideoExportTest)
+#include "VideoExportTest.moc"
