@@ -1,0 +1,35 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import QtQuick.Controls.Styles 1.4
+
+// A radio button that is read on the dark ground of the dialogs.
+RadioButton {
+    id: corvRadioButton
+
+    Accessible.name: text
+
+    style: RadioButtonStyle {
+        spacing: 6
+        indicator: Rectangle {
+            implicitWidth: 14
+            implicitHeight: 14
+            radius: 7
+            color: control.enabled ? "#ddd" : "#777"
+            border.width: control.activeFocus ? 2 : 1
+            border.color: control.activeFocus ? "#12ff54" : "#222"
+
+            Rectangle {
+                anchors.centerIn: parent
+                width: 6
+                height: 6
+                radius: 3
+                color: "#111"
+                visible: control.checked
+            }
+        }
+        label: Text {
+            text: control.text
+            color: control.enabled ? "white" : "#888"
+        }
+    }
+}

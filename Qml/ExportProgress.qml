@@ -1,0 +1,60 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import QtQuick.Controls.Styles 1.4
+import "constants.js" as Cst
+
+Rectangle {
+    id: export_progress
+    objectName: "export_progress"
+
+    property alias minimumValue: progressBar.minimumValue
+    property alias maximumValue: progressBar.maximumValue
+    property alias value: progressBar.value
+    property alias text: text1.text
+    signal abortClicked()
+
+    width: 560
+    height: 120
+    color: "#00000000"
+
+    Text {
+        id: text1
+        objectName: "text1"
+        anchors { left: parent.left; right: parent.right; top: parent.top; margins: 20 }
+        text: "Video export in progress"
+        color: "white"
+        font.pointSize: 12
+        horizontalAlignment: Text.AlignLeft
+        elide: Text.ElideRight
+    }
+
+    ProgressBar {
+        id: progressBar
+        objectName: "progressBar"
+        anchors { left: parent.left; right: parent.right; top: text1.bottom; margins: 20 }
+        anchors.topMargin: 12
+        indeterminate: false
+        Accessible.name: text1.text
+
+        style: ProgressBarStyle {
+            background: Rectangle {
+                implicitWidth: 200
+                implicitHeight: 12
+                color: "#222"
+            }
+            progress: Rectangle {
+                color: Cst.accentColor
+            }
+        }
+    }
+
+    CorvQuickStartButton {
+        id: abortButton
+        objectName: "abortButton"
+        anchors { right: parent.right; rightMargin: 20; top: progressBar.bottom; topMargin: 12 }
+        width: 100
+        height: 26
+        text: "Abort"
+        onClicked: export_progress.abortClicked()
+    }
+}

@@ -1,0 +1,117 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import QtQuick.Window 2.2
+import Qt.labs.settings 1.0
+// After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
+import Shortcuts 1.0
+import "constants.js" as Cst
+
+Window {
+    id: generalSettings
+    objectName: "generalSettings"
+
+    property bool imperialUnits: false
+    property bool ok: false
+
+    function init() {
+        radioUnitMetric.checked = !settings.imperialUnits;
+        radioUnitImperial.checked = settings.imperialUnits;
+    }
+
+    // A number with leading "0" up to a length.
+    function pad(num, size) {
+        var text = num.toString();
+        while (text.length < size)
+            text = "0" + text;
+        return text;
+    }
+
+    title: "Settings"
+    width: 400
+    height: 160
+    minimumWidth: 400
+    minimumHeight: 244
+    color: Cst.bgndColor
+
+    Settings {
+        id: settings
+        category: "userPreferences"
+        property bool imperialUnits: false
+    }
+
+    Shortcut {
+        key: "Return"
+        onActivated: {
+            if (generalSettings.visible)
+                okButton.pressButton();
+        }
+    }
+
+    Shortcut {
+        key: "Escape"
+        onActivated: {
+            if (generalSettings.visible)
+                cancelButton.pressButton();
+        }
+    }
+
+    ExclusiveGroup { id: unitTypeGroup }
+
+    Column {
+        anchors { left: parent.left; right: parent.right; top: parent.top; margins: 14 }
+        spacing: 10
+
+        Text {
+            text: "Unit system"
+            color: "white"
+            font.bold: true
+        }
+
+        CorvRadioButton {
+            id: radioUnitMetric
+            objectName: "radioUnitMetric"
+            text: "Metric"
+            exclusiveGroup: unitTypeGroup
+        }
+
+        CorvRadioButton {
+            id: radioUnitImperial
+            objectName: "radioUnitImperial"
+            text: "Imperial"
+            exclusiveGroup: unitTypeGroup
+        }
+
+        Text {
+            id: restartNotice
+            objectName: "restartNotice"
+            width: parent.width
+            wrapMode: Text.WordWrap
+            text: "Changes will be applied after restarting Vistrel"
+            color: "#ddd"
+        }
+    }
+
+    CorvRichTextButton {
+        id: cancelButton
+        objectName: "cancelButton"
+        anchors { right: okButton.left; rightMargin: 10; bottom: okButton.bottom }
+        caption: "Cancel"
+        onClicked: {
+            generalSettings.ok = false;
+            generalSettings.close();
+        }
+    }
+
+    CorvRichTextButton {
+        id: okButton
+        objectName: "okButton"
+        anchors { right: parent.right; rightMargin: 10; bottom: parent.bottom; bottomMargin: 10 }
+        caption: "Save settings"
+        onClicked: {
+            settings.imperialUnits = radioUnitImperial.checked;
+            generalSettings.imperialUnits = settings.imperialUnits;
+            generalSettings.ok = true;
+            generalSettings.close();
+        }
+    }
+}

@@ -1,0 +1,169 @@
+import QtQuick 2.7
+import QtQuick.Dialogs 1.2
+import QtQuick.Window 2.2
+import Qt.labs.settings 1.0
+// After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
+import Shortcuts 1.0
+import "constants.js" as Cst
+import "paths.js" as Paths
+
+Window {
+    id: videoExport
+    objectName: "videoExport"
+
+    property url videoUrl: ""
+    property bool ok: false
+
+    title: "Export video"
+    width: 600
+    height: folderRect.height + cancelButton.height + 30
+    minimumWidth: 400
+    minimumHeight: 113
+    modality: Qt.WindowModal
+    color: Cst.bgndColor
+
+    onVisibleChanged: {
+        if (!visible)
+            settings.folder = fileDialog.folder;
+    }
+
+    Settings {
+        id: settings
+        category: "videoExport"
+        property url folder: ""
+    }
+
+    FileDialog {
+        id: fileDialog
+        objectName: "fileDialog"
+        title: "Please choose a video to export"
+        selectExisting: false
+        nameFilters: ["Video files (*.mp4)"]
+        folder: settings.folder
+        onAccepted: {
+            videoExport.videoUrl = Paths.withSuffix(fileDialog.fileUrl.toString(),
+                                                    fileDialog.nameFilters[0]);
+            folderTextInput.text = videoExport.videoUrl;
+            folderTextInput.ensureVisible(folderTextInput.length);
+        }
+    }
+
+    MessageDialog {
+        id: warningDialog
+        objectName: "warningDialog"
+        title: "Warning"
+        standardButtons: StandardButton.Ok
+        icon: StandardIcon.Warning
+    }
+
+    // Kept as they are: a CorvButton has no pressButton(), so neither key changes anything.
+    Shortcut {
+        key: "Return"
+        onActivated: {
+            if (videoExport.visible)
+                okButton.pressButton();
+        }
+    }
+
+    Shortcut {
+        key: "Escape"
+        onActivated: {
+            if (videoExport.visible)
+                cancelButton.pressButton();
+        }
+    }
+
+    Rectangle {
+        id: folderRect
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        height: note.y + note.height
+        color: Cst.headerColor
+
+        Text {
+            id: folderLabel
+            anchors { left: parent.left; leftMargin: 10; top: parent.top; topMargin: 12 }
+            text: "Video file to export:"
+            color: "white"
+        }
+
+        CorvFieldFrame {
+            id: folderFrame
+            anchors {
+                left: folderLabel.left
+                right: browseButton.left
+                rightMargin: 10
+                verticalCenter: browseButton.verticalCenter
+            }
+
+            CorvTextInput {
+                id: folderTextInput
+                objectName: "folderTextInput"
+                readOnly: true
+                Accessible.name: "Video file to export"
+            }
+        }
+
+        CorvButton {
+            id: browseButton
+            objectName: "browseButton"
+            anchors {
+                right: parent.right
+                rightMargin: 10
+                top: folderLabel.bottom
+                topMargin: 8
+            }
+            width: 80
+            height: 30
+            text: "Browse..."
+            onClicked: fileDialog.visible = true
+        }
+
+        Text {
+            id: note
+            objectName: "note"
+            anchors {
+                left: folderLabel.left
+                right: parent.right
+                rightMargin: 10
+                top: browseButton.bottom
+                topMargin: 12
+            }
+            wrapMode: Text.WordWrap
+            color: "#ddd"
+            text: "Video will be rendered with the same apparance as on the player. This includes "
+                  + "thermal camera overlay visibility and adjustments, image brightness and "
+                  + "contrast.\n"
+        }
+    }
+
+    CorvButton {
+        id: cancelButton
+        objectName: "cancelButton"
+        anchors { right: okButton.left; rightMargin: 10; top: okButton.top }
+        width: 80
+        height: 30
+        text: "Cancel"
+        onClicked: {
+            videoExport.ok = false;
+            videoExport.close();
+        }
+    }
+
+    CorvButton {
+        id: okButton
+        objectName: "okButton"
+        anchors { right: parent.right; rightMargin: 10; bottom: parent.bottom; bottomMargin: 15 }
+        width: 60
+        height: 30
+        text: "Ok"
+        onClicked: {
+            if (Paths.hasExtension(videoExport.videoUrl, [".mp4"])) {
+                videoExport.ok = true;
+                videoExport.close();
+            } else {
+                warningDialog.text = "Invalid file extension, chose a \".mp4\" file";
+                warningDialog.visible = true;
+            }
+        }
+    }
+}

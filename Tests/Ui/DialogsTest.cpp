@@ -1,0 +1,835 @@
+#include "DialogHost.h"
+
+#include <QApplication>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTime>
+
+using namespace corv::test;
+
+/// The windows that export and edit: their texts, fields, refusals, keys and what they hand back.
+class DialogsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void windowIsAsAnnounced_data();
+    void windowIsAsAnnounced();
+    void everyControlHasAName_data();
+    void everyControlHasAName();
+    void closingByTheFrameIsCancelling_data();
+    void closingByTheFrameIsCancelling();
+
+    void framesStartWithTheirDefaults();
+    void framesFollowTheVideo();
+    void framesOfPoisNeedPois();
+    void framesFieldsCloseForPois();
+    void framesFieldsLightTogether();
+    void framesValidation_data();
+    void framesValidation();
+    void framesTimeIsTyped();
+    void framesFolderIsChosenAndRemembered();
+    void framesCancelled();
+    void framesReturnClosesWithoutExport();
+    void framesEscapeDoesNothing();
+    void framesStayReachableInALowWindow();
+
+    void videoNote();
+    void videoExtension_data();
+    void videoExtension();
+    void videoFileIsChosenAndRemembered();
+    void videoKeysDoNothing_data();
+    void videoKeysDoNothing();
+    void videoCancelled();
+
+    void restoreChoice_data();
+    void restoreChoice();
+    void restoreCancelled_data();
+    void restoreCancelled();
+
+    void poiIsEdited_data();
+    void poiIsEdited();
+    void poiNeedsAName();
+    void poiCancelled_data();
+    void poiCancelled();
+
+    void flightNumber_data();
+    void flightNumber();
+    void flightFieldsAreFilled();
+    void flightNumberFieldRefuses_data();
+    void flightNumberFieldRefuses();
+    void flightCancelled_data();
+    void flightCancelled();
+
+    void progressShowsAndAborts();
+
+private:
+    int scriptErrorsAbout(const QString& text) const;
+
+    std::unique_ptr<DialogHost> m_host;
+};
+
+void DialogsTest::initTestCase()
+{
+    UiFixture::prepare();
+}
+
+void DialogsTest::init()
+{
+    m_host = std::make_unique<DialogHost>();
+    QVERIFY(m_host->isLoaded());
+}
+
+void DialogsTest::cleanup()
+{
+    m_host.reset();
+}
+
+int DialogsTest::scriptErrorsAbout(const QString& text) const
+{
+    return m_host->ui().scriptErrors().filter(text).size();
+}
+
+void DialogsTest::windowIsAsAnnounced_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QSize>("minimum");
+    QTest::addColumn<QString>("colour");
+    QTest::addColumn<int>("modality");
+    QTest::newRow("frames") << "FramesExport.qml"
+                            << "Export frames" << QSize(480, 360) << QSize(480, 244) << "#555555"
+                            << int(Qt::NonModal);
+    QTest::newRow("video") << "VideoExport.qml"
+                           << "Export video" << QSize(600, 0) << QSize(400, 113) << "#555555"
+                           << int(Qt::WindowModal);
+    QTest::newRow("restore") << "RestoreLog.qml"
+                             << "Restore POIs from flight data" << QSize(400, 120)
+                             << QSize(400, 120) << "#555555" << int(Qt::NonModal);
+    QTest::newRow("poi") << "PoiProperties.qml"
+                         << "Edit point of interest" << QSize(400, 200) << QSize(400, 200)
+                         << "#494949" << int(Qt::WindowModal);
+    QTest::newRow("flight") << "FlightPropertiesEdit.qml"
+                            << "Edit flight properties" << QSize(400, 200) << QSize(400, 200)
+                            << "#494949" << int(Qt::WindowModal);
+}
+
+void DialogsTest::windowIsAsAnnounced()
+{
+    QFETCH(QString, file);
+    QFETCH(QSize, size);
+    QVERIFY(m_host->open(file));
+    QQuickWindow* window = m_host->window();
+    QTEST(window->title(), "title");
+    if (size.height() == 0) // as high as its contents and a margin of 30
+        size.setHeight(qRound(m_host->item("note")->parentItem()->height() +
+                              m_host->item("cancelButton")->height()) +
+                       30);
+    QCOMPARE(window->size(), size);
+    QTEST(window->minimumSize(), "minimum");
+    QTEST(window->color().name(), "colour");
+    QTEST(int(window->modality()), "modality");
+    if (window->color().name() == QLatin1String("#494949"))
+        QCOMPARE(window->flags() & Qt::WindowType_Mask, Qt::Dialog);
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->ui().scriptErrors(), QStringList());
+    m_host->screenshot(file.chopped(4));
+}
+
+void DialogsTest::everyControlHasAName_data()
+{
+    QTest::addColumn<QString>("file");
+    for (const char* file : {"FramesExport.qml", "VideoExport.qml", "RestoreLog.qml",
+                             "PoiProperties.qml", "FlightPropertiesEdit.qml"})
+        QTest::newRow(file) << QString(file);
+}
+
+void DialogsTest::everyControlHasAName()
+{
+    QFETCH(QString, file);
+    QVERIFY(m_host->open(file));
+    QCOMPARE(m_host->namelessControls(), QStringList());
+}
+
+void DialogsTest::closingByTheFrameIsCancelling_data()
+{
+    everyControlHasAName_data();
+}
+
+void DialogsTest::closingByTheFrameIsCancelling()
+{
+    QFETCH(QString, file);
+    QVERIFY(m_host->open(file));
+    m_host->window()->close();
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+}
+
+void DialogsTest::framesStartWithTheirDefaults()
+{
+    QVERIFY(m_host->make("FramesExport.qml"));
+    QCOMPARE(m_host->get("framesUrl").toUrl(), QUrl());
+    QCOMPARE(m_host->get("startTime").toInt(), 0);
+    QCOMPARE(m_host->get("stopTime").toInt(), 0);
+    QCOMPARE(m_host->get("frameSpacing").toInt(), 10);
+    QVERIFY(!m_host->get("position").isValid());
+    QVERIFY(!m_host->get("duration").isValid());
+    QCOMPARE(m_host->get("poiCount").toInt(), 0);
+    QCOMPARE(m_host->get("exportPOI").toBool(), false);
+    QVERIFY(m_host->show());
+    QCOMPARE(m_host->textOf("startTextInput"), QString("00:00.000"));
+    QCOMPARE(m_host->textOf("spacingTextInput"), QString("10"));
+    QVERIFY(m_host->part("radioExportFrames")->property("checked").toBool());
+    QCOMPARE(m_host->textOf("radioExportFrames"), QString("Frames range"));
+    QCOMPARE(m_host->textOf("browseButton"), QString("Browse..."));
+    QCOMPARE(m_host->textOf("okButton"), QString("Export images"));
+    QVERIFY(m_host->part("folderTextInput")->property("readOnly").toBool());
+}
+
+void DialogsTest::framesFollowTheVideo()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    const auto tell = [&](const char* function, const QTime& time) {
+        QMetaObject::invokeMethod(m_host->object(), function,
+                                  Q_ARG(QVariant, QVariant::fromValue(time)));
+    };
+    tell("setDuration", QTime(0, 12, 34, 567));
+    QCOMPARE(m_host->textOf("stopTextInput"), QString("12:34.567"));
+    tell("setDuration", QTime(0, 20, 0, 1));
+    QCOMPARE(m_host->textOf("stopTextInput"), QString("20:00.001"));
+    tell("setPosition", QTime(0, 1, 2, 3));
+    m_host->click("buttonSetCurrentPositionAsStart");
+    QCOMPARE(m_host->textOf("startTextInput"), QString("01:02.003"));
+    QCOMPARE(m_host->textOf("stopTextInput"), QString("20:00.001"));
+    tell("setPosition", QTime(0, 4, 5, 60));
+    m_host->click("buttonSetCurrentPositionAsStop");
+    QCOMPARE(m_host->textOf("startTextInput"), QString("01:02.003"));
+    QCOMPARE(m_host->textOf("stopTextInput"), QString("04:05.060"));
+}
+
+void DialogsTest::framesOfPoisNeedPois()
+{
+    QVERIFY(m_host->make("FramesExport.qml"));
+    QVERIFY(m_host->show());
+    QCOMPARE(m_host->textOf("radioExportPOIs"), QString("Points of interest (0)"));
+    QVERIFY(!m_host->item("radioExportPOIs")->isEnabled());
+    m_host->click("radioExportPOIs");
+    QVERIFY(!m_host->part("radioExportPOIs")->property("checked").toBool());
+    m_host->set("poiCount", 3);
+    QCOMPARE(m_host->textOf("radioExportPOIs"), QString("Points of interest (3)"));
+    m_host->click("radioExportPOIs");
+    QVERIFY(m_host->part("radioExportPOIs")->property("checked").toBool());
+    QVERIFY(!m_host->part("radioExportFrames")->property("checked").toBool());
+}
+
+void DialogsTest::framesFieldsCloseForPois()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->set("poiCount", 1);
+    const QStringList parts{"startTextInput", "stopTextInput", "spacingTextInput",
+                            "buttonSetCurrentPositionAsStart", "buttonSetCurrentPositionAsStop"};
+    for (const QString& name : parts)
+        QVERIFY2(m_host->item(name)->isEnabled(), qPrintable(name));
+    m_host->click("radioExportPOIs");
+    for (const QString& name : parts)
+        QVERIFY2(!m_host->item(name)->isEnabled(), qPrintable(name));
+    QTRY_COMPARE(m_host->item("startTextInput")->parentItem()->property("color").value<QColor>(),
+                 QColor("#888"));
+    m_host->screenshot("FramesExport-pois");
+}
+
+// Only the pointer over the spacing lights a field, and it lights all three.
+void DialogsTest::framesFieldsLightTogether()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    const auto colour = [&](const char* name) {
+        return m_host->item(name)->parentItem()->property("color").value<QColor>();
+    };
+    UiFixture::hover(m_host->item("startTextInput"));
+    QTRY_COMPARE(colour("startTextInput"), QColor("#AAAAAA"));
+    UiFixture::hover(m_host->item("spacingTextInput"));
+    for (const char* name : {"startTextInput", "stopTextInput", "spacingTextInput"})
+        QTRY_COMPARE(colour(name), QColor("#CCCCCC"));
+    UiFixture::hover(m_host->item("stopTextInput"));
+    for (const char* name : {"startTextInput", "stopTextInput", "spacingTextInput"})
+        QTRY_COMPARE(colour(name), QColor("#AAAAAA"));
+}
+
+void DialogsTest::framesValidation_data()
+{
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QString>("stop");
+    QTest::addColumn<QString>("spacing");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<bool>("pois");
+    QTest::addColumn<QString>("refusal");
+    QTest::addColumn<int>("startMs");
+    QTest::addColumn<int>("stopMs");
+    QTest::addColumn<int>("frames");
+
+    const QString folder = "file:///tmp/frames";
+    const QString wrongStart = "Invalid start time";
+    const QString wrongStop = "Invalid stop time";
+    QTest::newRow("a range") << "00:01.250"
+                             << "12:59.999"
+                             << "25" << folder << false << "" << 1250 << 779999 << 25;
+    QTest::newRow("short parts are padded") << "1:5.7"
+                                            << "2:6.78"
+                                            << "5" << folder << false << "" << 65007 << 126078 << 5;
+    QTest::newRow("empty parts are zero") << ":."
+                                          << "1:."
+                                          << "10" << folder << false << "" << 0 << 60000 << 10;
+    QTest::newRow("equal times pass") << "00:07.000"
+                                      << "00:07.000"
+                                      << "10" << folder << false << "" << 7000 << 7000 << 10;
+    QTest::newRow("minutes are not limited")
+        << "99:00.000"
+        << "99:59.000"
+        << "10" << folder << false << "" << 5940000 << 5999000 << 10;
+    QTest::newRow("points of interest") << "00:00.000"
+                                        << "00:09.000"
+                                        << "10" << folder << true << "" << 0 << 9000 << 10;
+    QTest::newRow("start of 60 seconds") << "00:60.000"
+                                         << "02:00.000"
+                                         << "10" << folder << false << wrongStart << 0 << 0 << 0;
+    QTest::newRow("stop of 99 seconds") << "00:00.000"
+                                        << "00:99.000"
+                                        << "10" << folder << false << wrongStop << 0 << 0 << 0;
+    QTest::newRow("start comes before stop, spacing and folder")
+        << "00:60.000"
+        << "00:60.000"
+        << "0"
+        << "" << false << wrongStart << 0 << 0 << 0;
+    QTest::newRow("stop comes before the folder") << "00:00.000"
+                                                  << "00:60.000"
+                                                  << "0"
+                                                  << "" << false << wrongStop << 0 << 0 << 0;
+    QTest::newRow("no folder") << "00:00.000"
+                               << "00:01.000"
+                               << "10"
+                               << "" << false << "No folder selected" << 0 << 0 << 0;
+    QTest::newRow("the folder comes before the order of times")
+        << "00:02.000"
+        << "00:01.000"
+        << "0"
+        << "" << false << "No folder selected" << 0 << 0 << 0;
+    QTest::newRow("stop before start")
+        << "00:02.000"
+        << "00:01.999"
+        << "0" << folder << false << "Stop time smaller than start time" << 0 << 0 << 0;
+    for (const char* spacing : {"0", "00", ""})
+        QTest::addRow("spacing \"%s\"", spacing)
+            << "00:00.000"
+            << "00:01.000" << spacing << folder << false
+            << "Frames spacing must be a positive number" << 0 << 0 << 0;
+    QTest::newRow("a hidden wrong time refuses points of interest")
+        << "00:60.000"
+        << "01:00.000"
+        << "10" << folder << true << wrongStart << 0 << 0 << 0;
+    QTest::newRow("a hidden order of times refuses points of interest")
+        << "00:02.000"
+        << "00:01.000"
+        << "10" << folder << true << "Stop time smaller than start time" << 0 << 0 << 0;
+    QTest::newRow("a hidden spacing refuses points of interest")
+        << "00:00.000"
+        << "00:01.000"
+        << "0" << folder << true << "Frames spacing must be a positive number" << 0 << 0 << 0;
+}
+
+void DialogsTest::framesValidation()
+{
+    QFETCH(QString, start);
+    QFETCH(QString, stop);
+    QFETCH(QString, spacing);
+    QFETCH(QString, folder);
+    QFETCH(bool, pois);
+    QFETCH(QString, refusal);
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->set("poiCount", 2);
+    m_host->set("framesUrl", QUrl(folder));
+    m_host->setTextOf("startTextInput", start);
+    m_host->setTextOf("stopTextInput", stop);
+    m_host->setTextOf("spacingTextInput", spacing);
+    if (pois)
+        m_host->click("radioExportPOIs");
+    m_host->click("okButton");
+
+    if (refusal.isEmpty()) {
+        QTRY_VERIFY(!m_host->window()->isVisible());
+        QVERIFY(!UiFixture::messageBox());
+        QTEST(m_host->get("startTime").toInt(), "startMs");
+        QTEST(m_host->get("stopTime").toInt(), "stopMs");
+        QTEST(m_host->get("frameSpacing").toInt(), "frames");
+        QCOMPARE(m_host->get("exportPOI").toBool(), pois);
+    } else {
+        QTRY_VERIFY(UiFixture::messageBox());
+        QCOMPARE(UiFixture::messageBox()->windowTitle(), QString("Warning"));
+        QCOMPARE(m_host->dismissMessage(), refusal);
+        QVERIFY(m_host->window()->isVisible());
+    }
+    QCOMPARE(m_host->get("ok").toBool(), refusal.isEmpty());
+}
+
+void DialogsTest::framesTimeIsTyped()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->click("startTextInput");
+    QVERIFY(m_host->item("startTextInput")->hasActiveFocus());
+    m_host->press(Qt::Key_Home);
+    for (const char digit : {'0', '3', 'x', '1', '4', '1', '5', '9'})
+        QTest::keyClick(m_host->window(), digit);
+    QCOMPARE(m_host->textOf("startTextInput"), QString("03:14.159"));
+    m_host->press(Qt::Key_Home);
+    m_host->press(Qt::Key_Delete);
+    QCOMPARE(m_host->textOf("startTextInput"), QString("3:14.159"));
+    m_host->press(Qt::Key_Tab);
+    QVERIFY(!m_host->item("startTextInput")->hasActiveFocus());
+    m_host->type("spacingTextInput", "4a2");
+    QCOMPARE(m_host->textOf("spacingTextInput"), QString("42"));
+}
+
+void DialogsTest::framesFolderIsChosenAndRemembered()
+{
+    QTemporaryDir folder;
+    QVERIFY(folder.isValid());
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->click("browseButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(UiFixture::fileDialog()->windowTitle(), QString("Please choose a folder"));
+    QVERIFY(UiFixture::acceptFile(folder.path()));
+    const QUrl url = QUrl::fromLocalFile(folder.path());
+    QTRY_COMPARE(m_host->get("framesUrl").toUrl(), url);
+    QCOMPARE(m_host->textOf("folderTextInput"), url.toString());
+    m_host->click("cancelButton");
+    QTRY_COMPARE(
+        QSettings().value("framesExport/folder").toUrl().adjusted(QUrl::StripTrailingSlash), url);
+
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->click("browseButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(UiFixture::fileDialog()->directory().absolutePath(), folder.path());
+    UiFixture::fileDialog()->reject();
+    QCOMPARE(m_host->get("framesUrl").toUrl(), QUrl());
+}
+
+void DialogsTest::framesCancelled()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->click("cancelButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+}
+
+void DialogsTest::framesReturnClosesWithoutExport()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->set("framesUrl", QUrl("file:///tmp"));
+    m_host->press(Qt::Key_Return);
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->ui().scriptErrors(), QStringList());
+}
+
+void DialogsTest::framesEscapeDoesNothing()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->press(Qt::Key_Escape);
+    QTRY_COMPARE(scriptErrorsAbout("pressButton"), 1);
+    QVERIFY(m_host->window()->isVisible());
+    // A window that is closed listens no more.
+    m_host->click("cancelButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QTest::keyClick(m_host->ui().window(), Qt::Key_Escape);
+    QCOMPARE(scriptErrorsAbout("pressButton"), 1);
+}
+
+void DialogsTest::framesStayReachableInALowWindow()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->window()->resize(480, 244);
+    QTRY_COMPARE(m_host->window()->height(), 244);
+    QQuickItem* browse = m_host->item("browseButton");
+    QQuickItem* ok = m_host->item("okButton");
+    const auto top = [](QQuickItem* item) { return item->mapToScene(QPointF(0, 0)).y(); };
+    QTRY_VERIFY(top(ok) + ok->height() <= 244);
+    QVERIFY(top(browse) + browse->height() > top(ok));
+    for (int i = 0; i < 10; ++i)
+        UiFixture::wheel(m_host->item("startTextInput")->parentItem(), -120);
+    QTRY_VERIFY(top(browse) + browse->height() <= top(ok));
+    m_host->screenshot("FramesExport-low");
+}
+
+void DialogsTest::videoNote()
+{
+    QVERIFY(m_host->open("VideoExport.qml"));
+    QCOMPARE(m_host->textOf("note"),
+             QString("Video will be rendered with the same apparance as on the player. This "
+                     "includes thermal camera overlay visibility and adjustments, image brightness "
+                     "and contrast.\n"));
+    QCOMPARE(m_host->textOf("browseButton"), QString("Browse..."));
+    QCOMPARE(m_host->textOf("okButton"), QString("Ok"));
+    QCOMPARE(m_host->textOf("cancelButton"), QString("Cancel"));
+}
+
+void DialogsTest::videoExtension_data()
+{
+    QTest::addColumn<QUrl>("url");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("mp4") << QUrl("file:///tmp/a.mp4") << true;
+    QTest::newRow("upper case") << QUrl("file:///tmp/A.MP4") << true;
+    QTest::newRow("mixed case") << QUrl("file:///tmp/a.mP4") << true;
+    QTest::newRow("avi") << QUrl("file:///tmp/a.avi") << false;
+    QTest::newRow("only the last four count") << QUrl("file:///tmp/a.mp4.mov") << false;
+    QTest::newRow("nothing chosen") << QUrl() << false;
+}
+
+void DialogsTest::videoExtension()
+{
+    QFETCH(QUrl, url);
+    QFETCH(bool, accepted);
+    QVERIFY(m_host->open("VideoExport.qml"));
+    m_host->set("videoUrl", url);
+    m_host->click("okButton");
+    if (accepted) {
+        QTRY_VERIFY(!m_host->window()->isVisible());
+        QCOMPARE(m_host->get("videoUrl").toUrl(), url);
+    } else {
+        QTRY_VERIFY(UiFixture::messageBox());
+        QCOMPARE(UiFixture::messageBox()->windowTitle(), QString("Warning"));
+        QCOMPARE(m_host->dismissMessage(),
+                 QString("Invalid file extension, chose a \".mp4\" file"));
+        QVERIFY(m_host->window()->isVisible());
+    }
+    QCOMPARE(m_host->get("ok").toBool(), accepted);
+}
+
+void DialogsTest::videoFileIsChosenAndRemembered()
+{
+    QTemporaryDir folder;
+    QVERIFY(folder.isValid());
+    QVERIFY(m_host->open("VideoExport.qml"));
+    m_host->click("browseButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(UiFixture::fileDialog()->windowTitle(), QString("Please choose a video to export"));
+    QCOMPARE(UiFixture::fileDialog()->nameFilters(), QStringList("Video files (*.mp4)"));
+    QCOMPARE(UiFixture::fileDialog()->acceptMode(), QFileDialog::AcceptSave);
+    QVERIFY(UiFixture::acceptFile(folder.filePath("a film")));
+    const QUrl url = QUrl::fromLocalFile(folder.filePath("a film.mp4"));
+    QTRY_COMPARE(m_host->get("videoUrl").toUrl(), url);
+    QCOMPARE(QUrl(m_host->textOf("folderTextInput")), url);
+    m_host->click("okButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+    QTRY_COMPARE(QSettings().value("videoExport/folder").toUrl().adjusted(QUrl::StripTrailingSlash),
+                 QUrl::fromLocalFile(folder.path()));
+}
+
+void DialogsTest::videoKeysDoNothing_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("Return") << int(Qt::Key_Return);
+    QTest::newRow("Escape") << int(Qt::Key_Escape);
+}
+
+void DialogsTest::videoKeysDoNothing()
+{
+    QFETCH(int, key);
+    QVERIFY(m_host->open("VideoExport.qml"));
+    m_host->set("videoUrl", QUrl("file:///tmp/a.mp4"));
+    m_host->press(Qt::Key(key));
+    QTRY_COMPARE(scriptErrorsAbout("pressButton"), 1);
+    QVERIFY(m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QVERIFY(!UiFixture::messageBox());
+}
+
+void DialogsTest::videoCancelled()
+{
+    QVERIFY(m_host->open("VideoExport.qml"));
+    m_host->set("videoUrl", QUrl("file:///tmp/a.mp4"));
+    m_host->click("cancelButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+}
+
+void DialogsTest::restoreChoice_data()
+{
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<bool>("byKey");
+    QTest::addColumn<bool>("eraseAll");
+    QTest::newRow("as it opens, clicked") << "" << false << true;
+    QTest::newRow("as it opens, Return") << "" << true << true;
+    QTest::newRow("missing only, clicked") << "actionFillBlanks" << false << false;
+    QTest::newRow("missing only, Return") << "actionFillBlanks" << true << false;
+}
+
+void DialogsTest::restoreChoice()
+{
+    QFETCH(QString, choice);
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->make("RestoreLog.qml"));
+    QVERIFY(m_host->get("eraseAll").toBool());
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
+    QVERIFY(m_host->show());
+    QCOMPARE(m_host->textOf("actionEraseAll"),
+             QString("Clear all points of interests, reload from log"));
+    QCOMPARE(m_host->textOf("actionFillBlanks"), QString("Reload missing points of interest only"));
+    QCOMPARE(m_host->part("okButton")->property("caption").toString(), QString("Execute"));
+    QCOMPARE(m_host->part("cancelButton")->property("caption").toString(), QString("Cancel"));
+    if (!choice.isEmpty())
+        m_host->click(choice);
+    if (byKey)
+        m_host->press(Qt::Key_Return);
+    else
+        m_host->click("okButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+    QTEST(m_host->get("eraseAll").toBool(), "eraseAll");
+}
+
+void DialogsTest::restoreCancelled_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("clicked") << false;
+    QTest::newRow("Escape") << true;
+}
+
+void DialogsTest::restoreCancelled()
+{
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->open("RestoreLog.qml"));
+    m_host->click("actionFillBlanks");
+    if (byKey)
+        m_host->press(Qt::Key_Escape);
+    else
+        m_host->click("cancelButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QVERIFY(m_host->get("eraseAll").toBool());
+}
+
+void DialogsTest::poiIsEdited_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::addColumn<QString>("description");
+    QTest::newRow("clicked") << false << "a crack";
+    QTest::newRow("Ctrl+Return") << true << "a crack";
+    QTest::newRow("no description") << true << "";
+}
+
+void DialogsTest::poiIsEdited()
+{
+    QFETCH(bool, byKey);
+    QFETCH(QString, description);
+    QVERIFY(m_host->make("PoiProperties.qml"));
+    const QTime time(0, 0, 12, 345);
+    m_host->set("poiName", "POI1");
+    m_host->set("poiDescription", "old");
+    m_host->set("poiTime", time);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    QTRY_VERIFY(m_host->item("tfName")->hasActiveFocus());
+    QCOMPARE(m_host->textOf("tfName"), QString("POI1"));
+    QCOMPARE(m_host->textOf("taDescription"), QString("old"));
+    m_host->type("tfName", "Blade 2");
+    m_host->press(Qt::Key_Tab);
+    QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
+    m_host->type("taDescription", description);
+    if (byKey)
+        m_host->press(Qt::Key_Return, Qt::ControlModifier);
+    else
+        m_host->click("btn_save");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("poiName").toString(), QString("Blade 2"));
+    QCOMPARE(m_host->get("poiDescription").toString(), description);
+    QCOMPARE(m_host->get("poiTime").toTime(), time);
+}
+
+void DialogsTest::poiNeedsAName()
+{
+    QVERIFY(m_host->make("PoiProperties.qml"));
+    m_host->set("poiName", "POI1");
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    m_host->type("tfName", "");
+    m_host->press(Qt::Key_Return, Qt::ControlModifier);
+    QTRY_VERIFY(UiFixture::messageBox());
+    QCOMPARE(UiFixture::messageBox()->windowTitle(), QString("Missing information"));
+    QCOMPARE(UiFixture::messageBox()->icon(), QMessageBox::Critical);
+    QCOMPARE(m_host->dismissMessage(), QString("This point of interest must have a name."));
+    QVERIFY(m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
+
+    QVERIFY(QTest::qWaitForWindowActive(m_host->window()));
+    m_host->click("btn_save");
+    QCOMPARE(m_host->dismissMessage(), QString("This point of interest must have a name."));
+    QVERIFY(QTest::qWaitForWindowActive(m_host->window()));
+    m_host->type("tfName", "x");
+    m_host->click("btn_save");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+}
+
+void DialogsTest::poiCancelled_data()
+{
+    restoreCancelled_data();
+}
+
+void DialogsTest::poiCancelled()
+{
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->open("PoiProperties.qml"));
+    m_host->type("tfName", "changed");
+    if (byKey)
+        m_host->press(Qt::Key_Escape);
+    else
+        m_host->click("btn_cancel");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("poiName").toString(), QString());
+}
+
+void DialogsTest::flightNumber_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("byKey");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QStringList>("logged");
+    QTest::newRow("a number") << "12" << false << 12
+                              << QStringList{"Entered flight number 12", "Read as number: 12",
+                                             "Number"};
+    QTest::newRow("the largest") << "999" << true << 999
+                                 << QStringList{"Entered flight number 999", "Read as number: 999",
+                                                "Number"};
+    QTest::newRow("nothing") << "" << true << 0
+                             << QStringList{"Entered flight number ", "Read as number: NaN",
+                                            "Not a number"};
+}
+
+void DialogsTest::flightNumber()
+{
+    QFETCH(QString, typed);
+    QFETCH(bool, byKey);
+    QFETCH(QStringList, logged);
+    QVERIFY(m_host->make("FlightPropertiesEdit.qml"));
+    m_host->set("flightNumber", 7);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    m_host->type("tfMissionName", "Dam");
+    m_host->type("tfFlightName", "North");
+    m_host->type("tfFlightNumber", typed);
+    const int before = m_host->ui().log().messages().size();
+    if (byKey)
+        m_host->press(Qt::Key_Return, Qt::ControlModifier);
+    else
+        m_host->click("btn_save");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("missionName").toString(), QString("Dam"));
+    QCOMPARE(m_host->get("flightName").toString(), QString("North"));
+    QTEST(m_host->get("flightNumber").toInt(), "number");
+    QStringList messages;
+    for (const QString& message : m_host->ui().log().messages().mid(before))
+        messages.append(message);
+    QVERIFY2(messages.size() >= 3, qPrintable(messages.join('\n')));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY2(messages[i].endsWith(logged[i]), qPrintable(messages[i]));
+}
+
+void DialogsTest::flightFieldsAreFilled()
+{
+    QVERIFY(m_host->make("FlightPropertiesEdit.qml"));
+    QCOMPARE(m_host->get("namingDefined").toBool(), true);
+    m_host->set("missionName", "Bridge");
+    m_host->set("flightName", "East");
+    m_host->set("flightNumber", 31);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    QTRY_VERIFY(m_host->item("tfMissionName")->hasActiveFocus());
+    QCOMPARE(m_host->textOf("tfMissionName"), QString("Bridge"));
+    QCOMPARE(m_host->textOf("tfFlightName"), QString("East"));
+    QCOMPARE(m_host->textOf("tfFlightNumber"), QString("31"));
+    QVERIFY(m_host->item("tfFlightNumber")->width() < m_host->item("tfFlightName")->width());
+    m_host->screenshot("FlightPropertiesEdit-filled");
+}
+
+void DialogsTest::flightNumberFieldRefuses_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("left");
+    QTest::newRow("letters") << "a1b2"
+                             << "12";
+    QTest::newRow("a fourth digit") << "1000"
+                                    << "100";
+    QTest::newRow("a sign") << "-5"
+                            << "5";
+    QTest::newRow("a point") << "1.5"
+                             << "15";
+}
+
+void DialogsTest::flightNumberFieldRefuses()
+{
+    QFETCH(QString, typed);
+    QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
+    m_host->type("tfFlightNumber", typed);
+    QTEST(m_host->textOf("tfFlightNumber"), "left");
+}
+
+void DialogsTest::flightCancelled_data()
+{
+    restoreCancelled_data();
+}
+
+void DialogsTest::flightCancelled()
+{
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
+    m_host->type("tfFlightName", "changed");
+    if (byKey)
+        m_host->press(Qt::Key_Escape);
+    else
+        m_host->click("btn_cancel");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("flightName").toString(), QString());
+}
+
+void DialogsTest::progressShowsAndAborts()
+{
+    QVERIFY(m_host->make("ExportProgress.qml"));
+    auto* panel = qobject_cast<QQuickItem*>(m_host->object());
+    QVERIFY(panel);
+    QCOMPARE(QSizeF(panel->width(), panel->height()), QSizeF(560, 120));
+    QCOMPARE(m_host->get("text").toString(), QString("Video export in progress"));
+    m_host->set("minimumValue", 0);
+    m_host->set("maximumValue", 400);
+    m_host->set("value", 100);
+    m_host->set("text", "Exporting video file...");
+    QObject* bar = m_host->part("progressBar");
+    QCOMPARE(bar->property("maximumValue").toDouble(), 400.0);
+    QCOMPARE(bar->property("value").toDouble(), 100.0);
+    QCOMPARE(bar->property("indeterminate").toBool(), false);
+    QCOMPARE(m_host->textOf("text1"), QString("Exporting video file..."));
+    QCOMPARE(m_host->textOf("abortButton"), QString("Abort"));
+    QSignalSpy aborted(panel, SIGNAL(abortClicked()));
+    m_host->click("abortButton");
+    QCOMPARE(aborted.count(), 1);
+    m_host->screenshot("ExportProgress");
+    QCOMPARE(m_host->ui().scriptErrors(), QStringList());
+}
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    DialogsTest suite;
+    return QTest::qExec(&suite, argc, argv);
+}
+
+#include "DialogsTest.moc"
