@@ -67,7 +67,7 @@ Window {
                 if (!visible) {
                     destroy(1);
                     // The message belongs to the main window, which would get the keyboard next.
-                    propertiesWindow.requestActivate();
+                    Qt.callLater(propertiesWindow.requestActivate);
                 }
             }
         }

@@ -2,8 +2,6 @@
 
 #include "UiFixture.h"
 
-#include <QLoggingCategory>
-
 namespace corv::test {
 
 /// A window that stands in for the main window, and the secondary windows that it makes on demand.
@@ -47,7 +45,8 @@ public:
     /// The buttons, choices and fields of the window at hand that a screen reader cannot name.
     QStringList namelessControls() const;
 
-    /// Answers the open message box. Its text, or nothing if none opens in time.
+    /// Answers the open message box. Its text, or nothing if none opens in time. Afterwards the
+    /// window manager may leave the keyboard with the window behind: go on with the mouse.
     QString dismissMessage();
 
     void screenshot(const QString& name) const;

@@ -667,11 +667,9 @@ void DialogsTest::poiNeedsAName()
     QVERIFY(!m_host->get("ok").toBool());
     QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
 
-    QVERIFY(QTest::qWaitForWindowActive(m_host->window()));
     m_host->click("btn_save");
     QCOMPARE(m_host->dismissMessage(), QString("This point of interest must have a name."));
-    QVERIFY(QTest::qWaitForWindowActive(m_host->window()));
-    m_host->type("tfName", "x");
+    m_host->setTextOf("tfName", "x");
     m_host->click("btn_save");
     QTRY_VERIFY(!m_host->window()->isVisible());
     QVERIFY(m_host->get("ok").toBool());
