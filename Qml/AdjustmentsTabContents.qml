@@ -23,6 +23,10 @@ Rectangle {
     property alias imageContrast: contrastSetter.value
     property alias imageBrightness: brightnessSetter.value
 
+    // Set while the sliders follow the player: what they show then is not written back, or their
+    // range would cut the values in use.
+    property bool following: true
+
     color: "#444444"
 
     function giveBackFocusToEditor() {
@@ -31,8 +35,10 @@ Rectangle {
     }
 
     function showMapping(minimum, maximum) {
+        following = true;
         irMinValue = minimum;
         irMaxValue = maximum;
+        following = false;
     }
 
     function showMappingInUse() {
@@ -127,7 +133,7 @@ Rectangle {
                 enabled: irSlidersEnabled
                 Accessible.name: "Lowest mapped value"
                 onValueChanged: {
-                    if (!videoPlayer.autoIRMapping)
+                    if (!videoPlayer.autoIRMapping && !adjustmentsRect.following)
                         videoPlayer.irMappingMinValue = value;
                 }
             }
@@ -156,7 +162,7 @@ Rectangle {
                 enabled: irSlidersEnabled
                 Accessible.name: "Highest mapped value"
                 onValueChanged: {
-                    if (!videoPlayer.autoIRMapping)
+                    if (!videoPlayer.autoIRMapping && !adjustmentsRect.following)
                         videoPlayer.irMappingMaxValue = value;
                 }
             }

@@ -370,6 +370,8 @@ ApplicationWindow {
         Projects.restoreDisplay(videoPlayer, properties);
         videoPlayer.updateControlsStates();
         videoPlayer.updatePropertiesStates();
+        if (adjustmentsPanel() !== undefined)
+            adjustmentsPanel().showMappingInUse();
         if (!projectData.logFileExists) {
             displayErrorDialog("Error", Projects.missingFileText("log", projectData.logFile));
             return;

@@ -64,7 +64,12 @@ bool LogParser::parseLog(const QString& filename, bool ignoreNaming)
     m_tasks.erase(std::remove_if(m_tasks.begin(), m_tasks.end(),
                                  [](const PoolTask& task) { return !task.isRunning(); }),
                   m_tasks.end());
-    m_tasks.push_back(runOnPool([parse = m_parse] { run(parse); }));
+    // Whoever parses at the opening of a video is told its duration only after this call: even the
+    // shortest log must not be read before that.
+    post(this, [this, parse = m_parse] {
+        if (isCurrent(parse))
+            m_tasks.push_back(runOnPool([parse] { run(parse); }));
+    });
     return true;
 }
 
