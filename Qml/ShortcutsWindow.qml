@@ -39,9 +39,11 @@ Window {
             right: parent.right
             top: parent.top
             bottom: okButton.top
-            margins: 14
+            margins: 10
         }
         color: "white"
+        // The longest line fits whatever the font.
+        font.pixelSize: 13
         fontSizeMode: Text.Fit
         minimumPixelSize: 8
         Accessible.role: Accessible.StaticText
