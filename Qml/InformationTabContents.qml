@@ -22,6 +22,7 @@ Rectangle {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.margins: 6
+        anchors.leftMargin: 10
         height: 80
 
         Text {

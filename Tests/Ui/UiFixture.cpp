@@ -10,6 +10,7 @@
 #include <QQmlExpression>
 #include <QSettings>
 #include <QStandardPaths>
+#include <cstdio>
 
 namespace corv::test {
 
@@ -33,6 +34,11 @@ UiFixture::UiFixture()
 
 UiFixture::~UiFixture()
 {
+    if (QTest::currentTestFailed()) {
+        const QStringList messages = m_log.messages();
+        for (const QString& message : messages)
+            std::fprintf(stderr, "    %s\n", qPrintable(message));
+    }
     for (QWidget* widget : QApplication::topLevelWidgets())
         widget->close();
     m_engine.reset();
@@ -56,6 +62,12 @@ bool UiFixture::waitForRoot()
         return false;
     m_root = m_engine->rootObjects().constFirst();
     return !window() || QTest::qWaitForWindowActive(window());
+}
+
+bool UiFixture::activate() const
+{
+    window()->requestActivate();
+    return QTest::qWaitForWindowActive(window());
 }
 
 QQuickWindow* UiFixture::window() const
@@ -220,9 +232,12 @@ QQuickWindow* UiFixture::visibleWindow(const QString& title)
 
 namespace {
 
+// The one that takes input: of several, the newest.
 template <class Dialog>
 Dialog* openDialog()
 {
+    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget()))
+        return dialog;
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         auto* dialog = qobject_cast<Dialog*>(widget);
         if (dialog && dialog->isVisible())

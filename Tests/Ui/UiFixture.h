@@ -16,7 +16,8 @@
 namespace corv::test {
 
 /// The real interface in a real window, for suites that drive it by input events: makes the engine,
-/// loads a document of the compiled resources, and finds, clicks and answers what is on screen.
+/// loads a document of the compiled resources, and finds, clicks and answers what is on screen. A
+/// test that fails has the diagnostics of the program printed.
 /// Settings live in a folder of the fixture's own, so each fixture starts as a new installation.
 ///
 ///     UiFixture ui;
@@ -41,6 +42,9 @@ public:
 
     /// The same for a document of the test's own, which stands beside the others.
     bool loadText(const QByteArray& document);
+
+    /// Makes the main window the active one again, as after a dialog: keys reach no other.
+    bool activate() const;
 
     QQmlApplicationEngine& engine() { return *m_engine; }
     QObject* root() const { return m_root; }

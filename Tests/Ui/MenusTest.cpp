@@ -1,0 +1,411 @@
+#include "ReviewFixture.h"
+
+#include <memory>
+
+using namespace corv::test;
+
+/// The commands of the main window: every menu entry, every key, what is enabled when, and what is
+/// reported of their use.
+class MenusTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void entries_data();
+    void entries();
+    void enabledStates_data();
+    void enabledStates();
+    void toolsFollowTheVideoAndTheSelection();
+    void openersShowTheirDialog_data();
+    void openersShowTheirDialog();
+    void openersShowTheirWindow_data();
+    void openersShowTheirWindow();
+    void fullScreenIsToggled();
+    void exitEndsTheProgram();
+    void menuKeysWork_data();
+    void menuKeysWork();
+    void transportKeys();
+    void transportButtons();
+    void poiKeys();
+    void moveMode();
+    void returnOutsideMoveModeDoesNothing();
+    void telemetry_data();
+    void telemetry();
+    void startIsReported();
+
+private:
+    void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), modifiers);
+    }
+    int frame() const { return m_ui->evaluate("videoPlayer.currentFrameIndex").toInt(); }
+
+    std::unique_ptr<ReviewFixture> m_ui;
+};
+
+void MenusTest::initTestCase()
+{
+    UiFixture::prepare();
+}
+
+void MenusTest::init()
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+}
+
+void MenusTest::cleanup()
+{
+    m_ui.reset();
+}
+
+void MenusTest::entries_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("shortcut");
+    const auto row = [](const char* name, const char* text, const char* shortcut) {
+        QTest::newRow(name) << text << shortcut;
+    };
+    row("newFromVideoMenuItem", "From &video file...", "Ctrl+N");
+    row("newFromDevicesMenuItem", "From removable devices / &directories...", "Ctrl+Shift+N");
+    row("importLogMenuItem", "&Import flight log...", "Ctrl+L");
+    row("openProjectMenuItem", "&Open project...", "Ctrl+O");
+    row("saveProjectMenuItem", "&Save project", "Ctrl+S");
+    row("saveProjectAsMenuItem", "&Save project as...", "Ctrl+Shift+S");
+    row("saveProjectCopyMenuItem", "&Save project copy...", "");
+    row("closeProjectMenuItem", "&Close current project", "Ctrl+W");
+    row("exitMenuItem", "&Exit", "Ctrl+Q");
+    row("createReportMenuItem", "Create inspection report...", "");
+    row("exportFramesMenuItem", "Export frames as images...", "");
+    row("exportVideoMenuItem", "Export video file...", "");
+    row("copyFrameMenuItem", "&Copy current frame to clipboard", "Ctrl+C");
+    row("generalSettingsMenuItem", "General settings", "");
+    row("fullScreenMenuItem", "&Full screen", "F11");
+    row("restorePoisMenuItem", "Restore POIs from flight data...", "");
+    row("userGuideMenuItem", "User guide...", "F1");
+    row("shortcutsMenuItem", "Shortcuts...", "");
+    row("aboutMenuItem", "About...", "");
+}
+
+void MenusTest::entries()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, shortcut);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    QVERIFY(m_ui->find(name));
+    QCOMPARE(m_ui->get(name, "text").toString(), text);
+    QCOMPARE(m_ui->get(name, "shortcut").toString(), shortcut);
+}
+
+void MenusTest::enabledStates_data()
+{
+    QTest::addColumn<bool>("atStart");
+    QTest::addColumn<bool>("withVideo");
+    QTest::addColumn<bool>("withLog");
+    QTest::addColumn<bool>("withProject");
+    const auto row = [](const char* name, bool start, bool video, bool log, bool project) {
+        QTest::newRow(name) << start << video << log << project;
+    };
+    for (const char* always :
+         {"newFromVideoMenuItem", "newFromDevicesMenuItem", "openProjectMenuItem", "exitMenuItem",
+          "generalSettingsMenuItem", "fullScreenMenuItem", "userGuideMenuItem", "shortcutsMenuItem",
+          "aboutMenuItem"})
+        row(always, true, true, true, true);
+    for (const char* video : {"importLogMenuItem", "saveProjectMenuItem", "saveProjectAsMenuItem",
+                              "closeProjectMenuItem", "exportFramesMenuItem", "exportVideoMenuItem",
+                              "copyFrameMenuItem", "restorePoisMenuItem"})
+        row(video, false, true, true, true);
+    row("createReportMenuItem", false, false, true, true);
+    row("saveProjectCopyMenuItem", false, false, false, true);
+}
+
+void MenusTest::enabledStates()
+{
+    QFETCH(bool, atStart);
+    QFETCH(bool, withVideo);
+    QFETCH(bool, withLog);
+    QFETCH(bool, withProject);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    const auto enabled = [&] { return m_ui->get(name, "enabled").toBool(); };
+    QCOMPARE(enabled(), atStart);
+    QVERIFY(m_ui->openVideo());
+    QCOMPARE(enabled(), withVideo);
+    QVERIFY(m_ui->importLog());
+    QCOMPARE(enabled(), withLog);
+    m_ui->call("doSaveProject", {FlightMedia::instance().newFolder() + "/a.ecor"});
+    QCOMPARE(enabled(), withProject);
+    m_ui->call("goCloseProject");
+    QTRY_COMPARE(enabled(), atStart);
+}
+
+void MenusTest::toolsFollowTheVideoAndTheSelection()
+{
+    const QStringList ofVideo{"saveImageButton", "copyImageButton", "addPoiButton"};
+    const QStringList ofSelection{"removePoiButton", "editPoiButton", "enterMoveModeButton"};
+    const auto check = [this](const QStringList& names, bool expected) {
+        for (const QString& name : names)
+            QCOMPARE(m_ui->get(name, "enabled").toBool(), expected);
+    };
+    check(ofVideo + ofSelection, false);
+    QVERIFY(m_ui->openVideo());
+    check(ofVideo, true);
+    check(ofSelection, false);
+    QVERIFY(m_ui->selectPoiAt(2000));
+    check(ofVideo + ofSelection, true);
+    QVERIFY(m_ui->click("removePoiButton"));
+    QCOMPARE(m_ui->poiNames(), QStringList());
+    check(ofSelection, false);
+}
+
+void MenusTest::openersShowTheirDialog_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QStringList>("filters");
+    QTest::addColumn<bool>("saves");
+    QTest::newRow("newFromVideoMenuItem")
+        << "Please choose a video" << QStringList("Video files (*.mov *.avi *.3gp *.mp4)") << false;
+    QTest::newRow("importLogMenuItem")
+        << "Please choose a flight data file" << QStringList("Flight data files (*.log)") << false;
+    QTest::newRow("openProjectMenuItem")
+        << "Open project..." << QStringList("Vistrel projects (*.ecor)") << false;
+    QTest::newRow("saveProjectMenuItem")
+        << "Save project as..." << QStringList("Vistrel projects (*.ecor)") << true;
+    QTest::newRow("saveProjectAsMenuItem")
+        << "Save project as..." << QStringList("Vistrel projects (*.ecor)") << true;
+    QTest::newRow("createReportMenuItem")
+        << "Save POI report as..." << QStringList("Word Document (*.docx)") << true;
+    QTest::newRow("saveImageButton")
+        << "Save image as..." << QStringList{"JPEG (*.jpg)", "Bitmap (*.bmp)", "PNG (*.png)"}
+        << true;
+}
+
+void MenusTest::openersShowTheirDialog()
+{
+    QFETCH(QString, title);
+    QFETCH(QStringList, filters);
+    QFETCH(bool, saves);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    m_ui->evaluate("videoPlayer.play()");
+    QVERIFY(name.endsWith("Button") ? m_ui->click(name) : m_ui->trigger(name));
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QFileDialog* dialog = UiFixture::fileDialog();
+    QCOMPARE(dialog->windowTitle(), title);
+    QCOMPARE(dialog->nameFilters(), filters);
+    QCOMPARE(dialog->acceptMode() == QFileDialog::AcceptSave, saves);
+    dialog->reject();
+    // Cancelled, it leaves the video paused.
+    QCOMPARE(m_ui->evaluate("videoPlayer.playing").toBool(), false);
+    QVERIFY(m_ui->hasVideo());
+}
+
+void MenusTest::openersShowTheirWindow_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<bool>("pauses");
+    QTest::newRow("newFromDevicesMenuItem") << "Auto importer" << true;
+    QTest::newRow("exportFramesMenuItem") << "Export frames" << true;
+    QTest::newRow("exportVideoMenuItem") << "Export video" << true;
+    QTest::newRow("generalSettingsMenuItem") << "Settings" << true;
+    QTest::newRow("restorePoisMenuItem") << "Restore POIs from flight data" << true;
+    QTest::newRow("shortcutsMenuItem") << "Keyboard Shortcuts" << false;
+    QTest::newRow("aboutMenuItem") << "About Vistrel" << false;
+    QTest::newRow("editPoiButton") << "Edit point of interest" << false;
+    QTest::newRow("namingEditButton") << "Edit flight properties" << false;
+}
+
+void MenusTest::openersShowTheirWindow()
+{
+    QFETCH(QString, title);
+    QFETCH(bool, pauses);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->selectPoiAt(1000));
+    QVERIFY(!UiFixture::visibleWindow(title));
+    m_ui->evaluate("videoPlayer.play()");
+    QVERIFY(name.endsWith("Button") ? m_ui->click(name) : m_ui->trigger(name));
+    QTRY_VERIFY(UiFixture::visibleWindow(title));
+    QCOMPARE(m_ui->evaluate("videoPlayer.playing").toBool(), !pauses);
+    m_ui->screenshot("window " + title);
+    UiFixture::visibleWindow(title)->close();
+    QTRY_VERIFY(!UiFixture::visibleWindow(title));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void MenusTest::fullScreenIsToggled()
+{
+    key(Qt::Key_F11);
+    QTRY_COMPARE(m_ui->window()->visibility(), QWindow::FullScreen);
+    key(Qt::Key_F11);
+    QTRY_COMPARE(m_ui->window()->visibility(), QWindow::Windowed);
+}
+
+void MenusTest::exitEndsTheProgram()
+{
+    QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
+    QVERIFY(m_ui->trigger("exitMenuItem"));
+    QCOMPARE(quit.count(), 1);
+}
+
+void MenusTest::menuKeysWork_data()
+{
+    QTest::addColumn<int>("pressed");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<QString>("dialog");
+    QTest::newRow("Ctrl+N") << int(Qt::Key_N) << int(Qt::ControlModifier)
+                            << "Please choose a video";
+    QTest::newRow("Ctrl+L") << int(Qt::Key_L) << int(Qt::ControlModifier)
+                            << "Please choose a flight data file";
+    QTest::newRow("Ctrl+O") << int(Qt::Key_O) << int(Qt::ControlModifier) << "Open project...";
+    QTest::newRow("Ctrl+S") << int(Qt::Key_S) << int(Qt::ControlModifier) << "Save project as...";
+    QTest::newRow("Ctrl+Shift+S") << int(Qt::Key_S) << int(Qt::ControlModifier | Qt::ShiftModifier)
+                                  << "Save project as...";
+}
+
+void MenusTest::menuKeysWork()
+{
+    QFETCH(int, pressed);
+    QFETCH(int, modifiers);
+    QFETCH(QString, dialog);
+    QVERIFY(m_ui->openVideo());
+    key(pressed, Qt::KeyboardModifiers(modifiers));
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(UiFixture::fileDialog()->windowTitle(), dialog);
+    UiFixture::fileDialog()->reject();
+    QVERIFY(m_ui->activate());
+    key(Qt::Key_W, Qt::ControlModifier);
+    QTRY_VERIFY(!m_ui->hasVideo());
+}
+
+void MenusTest::transportKeys()
+{
+    QVERIFY(m_ui->openVideo());
+    QCOMPARE(frame(), 0);
+    key(Qt::Key_Left);
+    QCOMPARE(frame(), 0);
+    key(Qt::Key_Home);
+    key(Qt::Key_Right);
+    QTRY_COMPARE(frame(), 1);
+    key(Qt::Key_Right);
+    QTRY_COMPARE(frame(), 2);
+    key(Qt::Key_Left);
+    QTRY_COMPARE(frame(), 1);
+    key(Qt::Key_Home);
+    QTRY_COMPARE(frame(), 0);
+    key(Qt::Key_Space);
+    QVERIFY(m_ui->evaluate("videoPlayer.playing").toBool());
+    QTRY_VERIFY(frame() > 2);
+    key(Qt::Key_Space);
+    QVERIFY(!m_ui->evaluate("videoPlayer.playing").toBool());
+}
+
+void MenusTest::transportButtons()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->click("nextFrameButton"));
+    QTRY_COMPARE(frame(), 1);
+    QVERIFY(m_ui->click("prevFrameButton"));
+    QTRY_COMPARE(frame(), 0);
+    QVERIFY(m_ui->get("playButton", "source").toString().endsWith("images/play.png"));
+    QVERIFY(m_ui->click("playButton"));
+    QVERIFY(m_ui->get("playButton", "source").toString().endsWith("images/pause.png"));
+    QVERIFY(m_ui->click("videoMouseArea"));
+    QVERIFY(m_ui->get("playButton", "source").toString().endsWith("images/play.png"));
+    QVERIFY(m_ui->click("beginButton"));
+    QTRY_COMPARE(frame(), 0);
+    m_ui->find("playSpeedBox")->setProperty("value", 9);
+    QCOMPARE(m_ui->evaluate("videoPlayer.playSpeed").toInt(), 5);
+}
+
+void MenusTest::poiKeys()
+{
+    QVERIFY(m_ui->openVideo());
+    key(Qt::Key_X);
+    key(Qt::Key_E);
+    key(Qt::Key_M);
+    QVERIFY(!UiFixture::visibleWindow("Edit point of interest"));
+    QVERIFY(!m_ui->evaluate("timelineContent.movePOIMode").toBool());
+    key(Qt::Key_N);
+    QCOMPARE(m_ui->poiNames(), QStringList("New POI"));
+    QVERIFY(m_ui->selectPoiAt(2000));
+    key(Qt::Key_E);
+    QTRY_VERIFY(UiFixture::visibleWindow("Edit point of interest"));
+    UiFixture::visibleWindow("Edit point of interest")->close();
+    QVERIFY(m_ui->activate());
+    key(Qt::Key_X);
+    QCOMPARE(m_ui->poiNames(), QStringList());
+}
+
+void MenusTest::moveMode()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->selectPoiAt(2000));
+    QVERIFY(m_ui->item("toolbarSaveButtons")->isVisible());
+    key(Qt::Key_M);
+    QVERIFY(m_ui->item("toolbarSpecialModeButtons")->isVisible());
+    QVERIFY(!m_ui->item("toolbarSaveButtons")->isVisible());
+    m_ui->screenshot("move mode");
+    // The keys of marks are dead meanwhile, only "N" is not.
+    key(Qt::Key_X);
+    QCOMPARE(m_ui->poiNames().count("Crack"), 1);
+    key(Qt::Key_Escape);
+    QVERIFY(m_ui->item("toolbarSaveButtons")->isVisible());
+    QVERIFY(m_ui->click("enterMoveModeButton"));
+    QVERIFY(m_ui->click("exitMoveModeButton"));
+    QVERIFY(!m_ui->evaluate("timelineContent.movePOIMode").toBool());
+    key(Qt::Key_M);
+    m_ui->evaluate("timelineContent.cursorPosition = new Date(1970, 0, 1, 0, 0, 4, 0)");
+    key(Qt::Key_Return);
+    QVERIFY(!m_ui->evaluate("timelineContent.movePOIMode").toBool());
+    QCOMPARE(m_ui->evaluate("timelineContent.getPOIs()[0].time").toInt(), 4000);
+}
+
+void MenusTest::returnOutsideMoveModeDoesNothing()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->selectPoiAt(2000));
+    key(Qt::Key_Return);
+    QCOMPARE(m_ui->poiNames(), QStringList("Crack"));
+    QCOMPARE(m_ui->evaluate("timelineContent.getPOIs()[0].time").toInt(), 2000);
+}
+
+void MenusTest::telemetry_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<QStringList>("events");
+    QTest::newRow("open a video") << "goOpenVideo('file_menu')"
+                                  << QStringList("open_video_from_file_menu");
+    QTest::newRow("open a video, welcome")
+        << "goOpenVideo('welcome_screen')" << QStringList("open_video_from_welcome_screen");
+    QTest::newRow("open a project")
+        << "goOpenProject('file_menu')" << QStringList("open_project_from_file_menu");
+    QTest::newRow("save") << "goSaveProject()" << QStringList("save_project");
+    QTest::newRow("save as") << "goSaveProjectAs()" << QStringList("save_project_as");
+    QTest::newRow("save a copy") << "goSaveProjectCopy()" << QStringList("save_project_copy");
+    QTest::newRow("close") << "goCloseProject()" << QStringList("close_project");
+}
+
+void MenusTest::telemetry()
+{
+    QFETCH(QString, call);
+    QFETCH(QStringList, events);
+    m_ui->log().clear();
+    m_ui->evaluate(call);
+    if (QTest::qWaitFor([] { return UiFixture::fileDialog() != nullptr; }, 200))
+        UiFixture::fileDialog()->reject();
+    for (const QString& event : events)
+        QCOMPARE(m_ui->log().count(event), 1);
+}
+
+void MenusTest::startIsReported()
+{
+    QCOMPARE(m_ui->log().count("vistrel_started"), 1);
+    QVERIFY(m_ui->log().contains(m_ui->evaluate("AppInfo.versionString").toString()));
+}
+
+QTEST_MAIN(MenusTest)
+#include "MenusTest.moc"
