@@ -7,14 +7,14 @@
 namespace corv {
 namespace {
 
-constexpr size_t kWindowBytes = size_t(4) << 20;
+constexpr size_t kWindowBytes = size_t(2) << 20; // what the second level of a cache holds
 
 } // namespace
 
 FileWindow::FileWindow(QFile* file, qint64 beginByte, qint64 endByte)
     : m_file(file), m_nextByte(beginByte), m_endByte(endByte)
 {
-    m_failed = !m_file->seek(beginByte) || !m_buffer.allocate(kLongestKept + kWindowBytes, false);
+    m_failed = !m_file->seek(beginByte) || !m_buffer.allocate(kLongestKept + kWindowBytes, true);
     m_begin = m_end = m_buffer.data();
 }
 

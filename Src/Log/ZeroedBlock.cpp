@@ -1,6 +1,7 @@
 #include "Log/ZeroedBlock.h"
 
 #include <cstdlib>
+#include <memory>
 #include <sys/mman.h>
 
 namespace corv {
@@ -20,26 +21,32 @@ bool ZeroedBlock::allocate(size_t sizeBytes, bool dense)
         m_data = static_cast<unsigned char*>(std::calloc(sizeBytes ? sizeBytes : 1, 1));
         return m_data != nullptr;
     }
-    void* pages = mmap(nullptr, sizeBytes, PROT_READ | PROT_WRITE,
+    const size_t mapped = dense ? sizeBytes + kLargePageBytes : sizeBytes;
+    void* pages = mmap(nullptr, mapped, PROT_READ | PROT_WRITE,
                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (pages == MAP_FAILED)
         return false;
-#ifdef MADV_HUGEPAGE
-    if (dense && sizeBytes >= 4 * kLargePageBytes)
-        madvise(pages, sizeBytes, MADV_HUGEPAGE);
-#endif
+    m_mapping = pages;
+    m_mapped = mapped;
+    size_t space = mapped;
+    if (dense)
+        std::align(kLargePageBytes, sizeBytes, pages, space);
     m_data = static_cast<unsigned char*>(pages);
-    m_mapped = sizeBytes;
+#ifdef MADV_HUGEPAGE
+    if (dense)
+        madvise(m_data, sizeBytes, MADV_HUGEPAGE);
+#endif
     return true;
 }
 
 void ZeroedBlock::release()
 {
-    if (m_mapped)
-        munmap(m_data, m_mapped);
+    if (m_mapping)
+        munmap(m_mapping, m_mapped);
     else
         std::free(m_data);
     m_data = nullptr;
+    m_mapping = nullptr;
     m_mapped = 0;
 }
 

@@ -13,12 +13,15 @@ public:
     ZeroedBlock() = default;
     ~ZeroedBlock() { release(); }
     ZeroedBlock(ZeroedBlock&& other) noexcept
-        : m_data(std::exchange(other.m_data, nullptr)), m_mapped(std::exchange(other.m_mapped, 0))
+        : m_data(std::exchange(other.m_data, nullptr)),
+          m_mapping(std::exchange(other.m_mapping, nullptr)),
+          m_mapped(std::exchange(other.m_mapped, 0))
     {
     }
     ZeroedBlock& operator=(ZeroedBlock&& other) noexcept
     {
         std::swap(m_data, other.m_data);
+        std::swap(m_mapping, other.m_mapping);
         std::swap(m_mapped, other.m_mapped);
         return *this;
     }
@@ -37,7 +40,8 @@ private:
     void release();
 
     unsigned char* m_data = nullptr;
-    size_t m_mapped = 0; ///< bytes mapped from the system, 0 when the block is from the heap
+    void* m_mapping = nullptr; ///< pages from the system, null when the block is from the heap
+    size_t m_mapped = 0;       ///< bytes in them
 };
 
 } // namespace corv

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace corv {
 namespace {
 
-constexpr size_t kLineBytes = 64; ///< of the cache: what a tile takes from each row
+constexpr size_t kLineBytes = 64; // of the cache
 
 template <typename T>
 T load(const unsigned char* from)
@@ -23,12 +26,11 @@ void store(unsigned char* to, T value)
 }
 
 template <typename T>
-void transposeColumn(const RowSource& from, size_t firstRow, size_t column, unsigned char* to,
-                     size_t columnBytes)
+void transposeColumn(const RowSource& from, size_t column, unsigned char* to, size_t columnBytes)
 {
     const unsigned char* const base = from.base + column * sizeof(T);
     unsigned char* const out = to + column * columnBytes;
-    for (size_t row = firstRow; row < from.rows; ++row)
+    for (size_t row = 0; row < from.rows; ++row)
         store(out + row * sizeof(T), load<T>(base + from.offsets[row]));
 }
 
@@ -72,21 +74,103 @@ private:
     Line m_lines[kSide];
 };
 
-// The words of one tile that fill whole squares; gives the first row that is left.
-size_t transposeSquares(const RowSource& from, size_t column, size_t endColumn, unsigned char* to,
-                        size_t columnBytes)
+// Copies a finished run of a column. The block behind it is far larger than any cache and is not
+// looked at again soon: past the cache the memory need not be fetched before it is written.
+void copyRun(unsigned char* to, const unsigned char* from, size_t size)
 {
-    size_t row = 0;
-    for (; row + WordSquare::kSide <= from.rows; row += WordSquare::kSide) {
-        for (size_t first = column; first < endColumn; first += WordSquare::kSide) {
-            WordSquare square;
-            square.loadRows(from, row, first);
-            square.transpose();
-            square.storeColumns(to + first * columnBytes + row * sizeof(std::uint16_t),
-                                columnBytes);
+#ifdef __SSE2__
+    const size_t misaligned = reinterpret_cast<std::uintptr_t>(to) % kLineBytes;
+    const size_t head = std::min(size, misaligned ? kLineBytes - misaligned : 0);
+    std::memcpy(to, from, head);
+    to += head;
+    from += head;
+    size -= head;
+    for (; size >= kLineBytes; size -= kLineBytes) {
+        for (size_t i = 0; i < kLineBytes; i += sizeof(__m128i)) {
+            _mm_stream_si128(reinterpret_cast<__m128i*>(to + i),
+                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i)));
+        }
+        to += kLineBytes;
+        from += kLineBytes;
+    }
+#endif
+    std::memcpy(to, from, size);
+}
+
+// A tile of 16-bit words on its way from rows to columns. It takes whole cache lines from each row
+// and gives long runs to each column, and stays in the cache in between.
+class WordTile
+{
+public:
+    static constexpr size_t kColumns = 2 * kLineBytes / sizeof(std::uint16_t);
+    static constexpr size_t kRows = 512;
+
+    // Columns from `column` on of rows from `row` on. Both fit the tile.
+    void gather(const RowSource& from, size_t row, size_t rows, size_t column, size_t columns)
+    {
+        const size_t squareRows = rows - rows % WordSquare::kSide;
+        const size_t squareColumns = columns - columns % WordSquare::kSide;
+        for (size_t i = 0; i < squareRows; i += WordSquare::kSide) {
+            fetchAhead(from, row + i, column + columns);
+            for (size_t k = 0; k < squareColumns; k += WordSquare::kSide) {
+                WordSquare square;
+                square.loadRows(from, row + i, column + k);
+                square.transpose();
+                square.storeColumns(at(k, i), kColumnBytes);
+            }
+        }
+        for (size_t i = 0; i < rows; ++i) {
+            const unsigned char* const words =
+                from.base + from.offsets[row + i] + column * sizeof(std::uint16_t);
+            for (size_t k = i < squareRows ? squareColumns : 0; k < columns; ++k)
+                store(at(k, i), load<std::uint16_t>(words + k * sizeof(std::uint16_t)));
         }
     }
-    return row;
+
+    void giveColumns(size_t rows, size_t columns, unsigned char* to, size_t columnBytes)
+    {
+        for (size_t k = 0; k < columns; ++k)
+            copyRun(to + k * columnBytes, at(k, 0), rows * sizeof(std::uint16_t));
+    }
+
+private:
+    // A line more than the rows need: columns a power of two apart would push each other out.
+    static constexpr size_t kColumnBytes = kRows * sizeof(std::uint16_t) + kLineBytes;
+
+    unsigned char* at(size_t column, size_t row)
+    {
+        return m_words + column * kColumnBytes + row * sizeof(std::uint16_t);
+    }
+
+    // Rows lie too far apart for the processor to guess where the next tile begins.
+    static void fetchAhead(const RowSource& from, size_t row, size_t column)
+    {
+        for (size_t i = 0; i < WordSquare::kSide; ++i) {
+            const unsigned char* const next =
+                from.base + from.offsets[row + i] + column * sizeof(std::uint16_t);
+            __builtin_prefetch(next);
+            __builtin_prefetch(next + kLineBytes);
+        }
+    }
+
+    alignas(kLineBytes) unsigned char m_words[kColumns * kColumnBytes];
+};
+
+void transposeWords(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
+{
+    WordTile tile;
+    for (size_t row = 0; row < from.rows; row += WordTile::kRows) {
+        const size_t rows = std::min(WordTile::kRows, from.rows - row);
+        for (size_t column = 0; column < columns; column += WordTile::kColumns) {
+            const size_t width = std::min(WordTile::kColumns, columns - column);
+            tile.gather(from, row, rows, column, width);
+            tile.giveColumns(rows, width, to + column * columnBytes + row * sizeof(std::uint16_t),
+                             columnBytes);
+        }
+    }
+#ifdef __SSE2__
+    _mm_sfence(); // whoever is told that the columns are there finds them there
+#endif
 }
 
 template <typename T>
@@ -95,14 +179,8 @@ void transposeTiles(const RowSource& from, size_t columns, unsigned char* to, si
     constexpr size_t kTileColumns = kLineBytes / sizeof(T);
     for (size_t column = 0; column < columns; column += kTileColumns) {
         const size_t end = std::min(column + kTileColumns, columns);
-        size_t firstRow = 0;
-        size_t squaresEnd = column;
-        if constexpr (sizeof(T) == sizeof(std::uint16_t)) {
-            squaresEnd = end - (end - column) % WordSquare::kSide;
-            firstRow = transposeSquares(from, column, squaresEnd, to, columnBytes);
-        }
         for (size_t i = column; i < end; ++i)
-            transposeColumn<T>(from, i < squaresEnd ? firstRow : 0, i, to, columnBytes);
+            transposeColumn<T>(from, i, to, columnBytes);
     }
 }
 
@@ -119,7 +197,10 @@ void transposeRows(const RowSource& from, int elementSize, size_t columns, unsig
         transposeTiles<std::uint32_t>(from, columns, to, columnBytes);
         break;
     case 2:
-        transposeTiles<std::uint16_t>(from, columns, to, columnBytes);
+        if (columns >= WordTile::kColumns)
+            transposeWords(from, columns, to, columnBytes);
+        else
+            transposeTiles<std::uint16_t>(from, columns, to, columnBytes);
         break;
     default:
         transposeTiles<std::uint8_t>(from, columns, to, columnBytes);
