@@ -1,7 +1,7 @@
 #include "Docx/DocxMerger.h"
 
 #include "Support/FullDisk.h"
-#include "WordPackage.h"
+#include "Support/WordPackage.h"
 
 #include <QDir>
 #include <QFile>

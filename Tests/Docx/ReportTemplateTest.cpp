@@ -1,5 +1,5 @@
 #include "Docx/DocxMerger.h"
-#include "WordPackage.h"
+#include "Support/WordPackage.h"
 
 #include <QImage>
 #include <QProcess>

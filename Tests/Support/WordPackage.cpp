@@ -1,4 +1,4 @@
-#include "WordPackage.h"
+#include "Support/WordPackage.h"
 
 #include <QDir>
 #include <QSet>
