@@ -101,8 +101,7 @@ std::vector<int> SampleFlight::marksMs() const
 QStringList SampleFlight::videoFiles() const
 {
     QStringList files;
-    const int framesPerFile = secondsPerFile * frameRate;
-    for (int first = 0; first < frameCount(); first += framesPerFile)
+    for (int first = 0; first < frameCount(); first += framesPerFile())
         files << QStringLiteral("DCIM/101_CORV/CORV%1.MOV")
                      .arg(files.size() + 1, 4, 10, QLatin1Char('0'));
     return files;
@@ -206,10 +205,9 @@ bool SampleFlight::writeCard(const QString& folder) const
     const QDir card(folder);
     if (!card.mkpath(QStringLiteral("DCIM/101_CORV")))
         return false;
-    const int framesPerFile = secondsPerFile * frameRate;
     int first = 0;
     for (const QString& file : videoFiles()) {
-        const int frames = std::min(framesPerFile, frameCount() - first);
+        const int frames = std::min(framesPerFile(), frameCount() - first);
         if (!writeVideo(card.filePath(file), first, frames))
             return false;
         first += frames;

@@ -16,6 +16,7 @@ class FlightLogWriter;
 struct SampleFlightOptions
 {
     double videoSeconds = 42.0; ///< of the whole flight, over all its files
+    int secondsPerFile = 30;    ///< then the recorder begins the next one
     int thermalCamera = 30;     ///< 30 or 35; 0 for a drone without one
     int recordings = 1;         ///< in the log; the video is the last of them
     int losePartEvery = 0;      ///< every Nth part of a thermal frame is missing; 0 for none
@@ -34,7 +35,6 @@ public:
     static constexpr int frameRate = 30;
     static constexpr int videoCols = 1280;
     static constexpr int videoRows = 720;
-    static constexpr int secondsPerFile = 30;
     static constexpr quint32 stateRecordMs = 20; ///< one at every multiple of it
     static constexpr quint32 cameraRecordMs = 100;
 
@@ -105,6 +105,7 @@ private:
     struct PacketIds;
 
     FlightCourse::Pose poseAtLog(double logMs) const;
+    int framesPerFile() const { return m_options.secondsPerFile * frameRate; }
     bool writeVideo(const QString& path, int firstFrame, int frames) const;
     bool writeProject(const QString& path) const;
     PacketIds describe(FlightLogWriter& log) const;
