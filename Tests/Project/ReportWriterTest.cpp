@@ -77,6 +77,7 @@ private:
 private slots:
     void init()
     {
+        qunsetenv("TMPDIR"); // of the test before
         m_folder.reset(new QTemporaryDir);
         QVERIFY(QDir().mkpath(path("tmp")));
         qputenv("TMPDIR", QFile::encodeName(path("tmp")));
