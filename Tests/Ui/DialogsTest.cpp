@@ -21,6 +21,8 @@ private slots:
     void windowIsAsAnnounced();
     void everyControlHasAName_data();
     void everyControlHasAName();
+    void tabLeadsThroughTheFields_data();
+    void tabLeadsThroughTheFields();
     void closingByTheFrameIsCancelling_data();
     void closingByTheFrameIsCancelling();
 
@@ -154,6 +156,30 @@ void DialogsTest::everyControlHasAName()
     QFETCH(QString, file);
     QVERIFY(m_host->open(file));
     QCOMPARE(m_host->namelessControls(), QStringList());
+}
+
+void DialogsTest::tabLeadsThroughTheFields_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QStringList>("fields");
+    QTest::newRow("frames") << "FramesExport.qml"
+                            << QStringList{"startTextInput", "stopTextInput", "spacingTextInput",
+                                           "folderTextInput"};
+    QTest::newRow("poi") << "PoiProperties.qml" << QStringList{"tfName", "taDescription"};
+    QTest::newRow("flight") << "FlightPropertiesEdit.qml"
+                            << QStringList{"tfMissionName", "tfFlightName", "tfFlightNumber"};
+}
+
+void DialogsTest::tabLeadsThroughTheFields()
+{
+    QFETCH(QString, file);
+    QFETCH(QStringList, fields);
+    QVERIFY(m_host->open(file));
+    m_host->click(fields.takeFirst());
+    for (const QString& field : fields) {
+        m_host->press(Qt::Key_Tab);
+        QTRY_VERIFY2(m_host->item(field)->hasActiveFocus(), qPrintable(field));
+    }
 }
 
 void DialogsTest::closingByTheFrameIsCancelling_data()
@@ -395,8 +421,10 @@ void DialogsTest::framesTimeIsTyped()
 
 void DialogsTest::framesFolderIsChosenAndRemembered()
 {
-    QTemporaryDir folder;
-    QVERIFY(folder.isValid());
+    QTemporaryDir parent;
+    QVERIFY(parent.isValid());
+    const QDir folder(parent.filePath(QString(90, 'f')));
+    QVERIFY(folder.mkpath("."));
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->click("browseButton");
     QTRY_VERIFY(UiFixture::fileDialog());
@@ -405,6 +433,13 @@ void DialogsTest::framesFolderIsChosenAndRemembered()
     const QUrl url = QUrl::fromLocalFile(folder.path());
     QTRY_COMPARE(m_host->get("framesUrl").toUrl(), url);
     QCOMPARE(m_host->textOf("folderTextInput"), url.toString());
+    // The end of a long path is what tells folders apart, so that is what shows.
+    QQuickItem* field = m_host->item("folderTextInput");
+    QRectF end;
+    QVERIFY(QMetaObject::invokeMethod(field, "positionToRectangle", Q_RETURN_ARG(QRectF, end),
+                                      Q_ARG(int, url.toString().size())));
+    QVERIFY(field->property("contentWidth").toDouble() > field->width());
+    QVERIFY2(end.right() <= field->width() + 1, qPrintable(QString::number(end.right())));
     m_host->click("cancelButton");
     QTRY_COMPARE(
         QSettings().value("framesExport/folder").toUrl().adjusted(QUrl::StripTrailingSlash), url);
