@@ -8,6 +8,7 @@
 #include <QCursor>
 #include <QDebug>
 #include <QPainter>
+#include <optional>
 #include <utility>
 
 namespace corv {
@@ -333,11 +334,18 @@ void TimelineContent::paint(QPainter* painter)
 
 void TimelineContent::paintPois(QPainter& painter) const
 {
+    // A mark without a picture is a black stem and nothing more, and a damaged project can bring
+    // thousands of them to a pixel: once is enough, unless they are translucent.
+    std::optional<int> lastStemX;
     for (auto poi = firstPoiInTickRange(); isInTickRange(poi); ++poi) {
+        const int x = pxOfTime(poi.key());
+        if (poi->thumbnailWidth() == 0 && x == lastStemX && !m_movePOIMode)
+            continue;
         PoiLook look;
         look.selected = poi.key() == m_selectedPoiTime;
         look.dimmed = m_movePOIMode;
-        poi->drawPoi(painter, pxOfTime(poi.key()), look);
+        poi->drawPoi(painter, x, look);
+        lastStemX = x;
     }
 }
 

@@ -165,6 +165,7 @@ private slots:
     void paintsTheHoveredMarkOnTop();
     void paintsMoveMode();
     void marksOutOfViewCostNothing();
+    void aHundredThousandMarksArePaintedInTime();
     void goneMarksArePaintedHarmlessly();
     void oddScalesArePaintedHarmlessly_data();
     void oddScalesArePaintedHarmlessly();
@@ -833,6 +834,29 @@ void TimelineContentTest::marksOutOfViewCostNothing()
     const QImage all = painted(strip.timeline);
     strip.addMarks(times.mid(970, 90));
     QCOMPARE(painted(strip.timeline), all);
+}
+
+void TimelineContentTest::aHundredThousandMarksArePaintedInTime()
+{
+    // A mark for each of 600 pixels, and then a hundred thousand more on the same pixels.
+    const auto fill = [](Strip& strip, int stepMs) {
+        QVariantList list;
+        for (int ms = 0; ms < 600000; ms += stepMs)
+            list.append(QVariantMap{{QStringLiteral("time"), ms}});
+        strip.timeline.setDuration(timeAt(600000));
+        strip.timeline.setPOIsFromList(list);
+    };
+    Strip few;
+    fill(few, 1000);
+    Strip many;
+    fill(many, 6);
+    painted(many.timeline);
+    QElapsedTimer clock;
+    clock.start();
+    const QImage image = painted(many.timeline);
+    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+    // Up to the last column, to which only the denser list rounds.
+    QCOMPARE(image.copy(0, 26, 599, 134), painted(few.timeline).copy(0, 26, 599, 134));
 }
 
 void TimelineContentTest::goneMarksArePaintedHarmlessly()
