@@ -36,6 +36,12 @@ struct FlightFilesMatcher::Search
 
 namespace {
 
+// Log times wrap around like the clock of the log.
+int wrappingSum(int a, int b)
+{
+    return static_cast<int>(static_cast<quint32>(a) + static_cast<quint32>(b));
+}
+
 // Two names of one file, by way of links, are one log.
 QString identity(const QFileInfo& file)
 {
@@ -180,8 +186,9 @@ bool FlightFilesMatcher::nameFlights(Search& search) const
         LogDecoder decoder(m_abortFlag);
         const LogSyncResult sync = decoder.findLogTimeOffset(log.recordings, match.videoDuration);
         if (sync.found)
-            match.naming = decoder.findNamingForFlight(log.namings, sync.logTimeOffset,
-                                                       sync.logTimeOffset + match.videoDuration);
+            match.naming =
+                decoder.findNamingForFlight(log.namings, sync.logTimeOffset,
+                                            wrappingSum(sync.logTimeOffset, match.videoDuration));
     }
     return true;
 }

@@ -22,6 +22,7 @@ struct Command
 
 // The commands, one set per file.
 std::vector<Command> logCommands();
+std::vector<Command> matchCommands();
 
 /// Writes to standard output; `Failed` with a message when nobody takes it.
 ExitStatus writeOut(const QByteArray& bytes);

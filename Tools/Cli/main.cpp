@@ -11,7 +11,10 @@ namespace {
 
 std::vector<Command> allCommands()
 {
-    return logCommands();
+    std::vector<Command> commands;
+    for (const auto& set : {logCommands(), matchCommands()})
+        commands.insert(commands.end(), set.begin(), set.end());
+    return commands;
 }
 
 QByteArray help(const std::vector<Command>& commands)

@@ -1,0 +1,152 @@
+#include "../../Discovery/flightLogs.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace corv::test;
+
+namespace {
+
+struct Run
+{
+    int status = -1;
+    QByteArray out;
+    QByteArray error;
+};
+
+Run match(const QStringList& arguments)
+{
+    QProcess program;
+    program.start(QStringLiteral(VISTREL_CLI), QStringList{"match"} + arguments);
+    if (!program.waitForFinished() || program.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
+}
+
+} // namespace
+
+/// The program in a process of its own, on folders with real files.
+class MatchCommandTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void rowsHaveTheKeysOfTheSearch();
+    void theTableHasOneRowPerVideo();
+    void aCardIsSearchedInItsLayout();
+    void nothingFoundIsAnEmptyResult();
+    void wrongUseIsTold_data();
+    void wrongUseIsTold();
+    void aMissingFolderIsTold();
+
+private:
+    QString path(const QString& below) const { return m_folder->filePath(below); }
+    void addVideo(const QString& below) const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void MatchCommandTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(QDir(path(".")).mkpath("logs"));
+    addVideo("videos/Flug 1.mp4");
+    QVERIFY(flightLog({{10'000, 71'000}}, {{5000, "Line", "Tower", 7}}).save(path("logs/l.log")));
+}
+
+void MatchCommandTest::addVideo(const QString& below) const
+{
+    QVERIFY(QDir().mkpath(QFileInfo(path(below)).path()));
+    QFile file(path(below));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+}
+
+void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
+{
+    const Run run = match({path("videos"), path("logs"), "--quick", "--json"});
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.error, QByteArray());
+    const QJsonArray rows = QJsonDocument::fromJson(run.out).array();
+    const QJsonObject expected{{"videoFile", path("videos/Flug 1.mp4")},
+                               {"videoFilename", "Flug 1"},
+                               {"logFile", path("logs/l.log")},
+                               {"logFilename", "l"},
+                               {"matchFound", true},
+                               {"namingDefined", false},
+                               {"missionName", ""},
+                               {"flightName", ""},
+                               {"flightNumber", 0},
+                               {"videoDuration", 0}};
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].toObject(), expected);
+}
+
+void MatchCommandTest::theTableHasOneRowPerVideo()
+{
+    addVideo("videos/b\tc.mov");
+    const Run run = match({path("videos"), path("logs")});
+    QCOMPARE(run.status, 0);
+    const QList<QByteArray> lines = run.out.split('\n');
+    QCOMPARE(lines.size(), 4); // the last one is what follows the last line feed
+    QVERIFY(lines[0].startsWith("videoFile\tvideoFilename\tlogFile\t"));
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(lines[i].count('\t'), 9);
+    QVERIFY(run.out.contains("\ttrue\t"));
+    QVERIFY(run.out.contains("\t-1\n")); // an empty file is no video
+}
+
+void MatchCommandTest::aCardIsSearchedInItsLayout()
+{
+    QVERIFY(match({path("videos"), path("logs"), "--card", "--quick", "--json"})
+                .out.startsWith("[\n]"));
+    addVideo("videos/DCIM/100HDDVR/x.mp4");
+    const Run run = match({path("videos"), path("logs"), "--card", "--quick"});
+    QCOMPARE(run.status, 0);
+    QVERIFY(run.out.contains("/DCIM/100HDDVR/x.mp4"));
+    QVERIFY(!run.out.contains("Flug 1"));
+}
+
+void MatchCommandTest::nothingFoundIsAnEmptyResult()
+{
+    const Run run = match({path("logs"), path("videos"), "--json"});
+    QCOMPARE(run.status, 0);
+    QVERIFY(QJsonDocument::fromJson(run.out).isArray());
+    QVERIFY(QJsonDocument::fromJson(run.out).array().isEmpty());
+}
+
+void MatchCommandTest::wrongUseIsTold_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("nothing") << QStringList{};
+    QTest::newRow("one folder") << QStringList{"."};
+    QTest::newRow("three folders") << QStringList{".", ".", "."};
+    QTest::newRow("unknown option") << QStringList{".", "--fast"};
+}
+
+void MatchCommandTest::wrongUseIsTold()
+{
+    QFETCH(QStringList, arguments);
+    const Run run = match(arguments);
+    QCOMPARE(run.status, 2);
+    QVERIFY(run.error.contains("match VIDEO_DIR LOG_DIR [--card] [--quick] [--json]"));
+    QCOMPARE(run.out, QByteArray());
+}
+
+void MatchCommandTest::aMissingFolderIsTold()
+{
+    const Run run = match({path("videos"), path("nowhere")});
+    QCOMPARE(run.status, 1);
+    QCOMPARE(run.error.count('\n'), 1);
+    QVERIFY(run.error.contains("nowhere"));
+    QCOMPARE(run.out, QByteArray());
+}
+
+QTEST_GUILESS_MAIN(MatchCommandTest)
+#include "MatchCommandTest.moc"

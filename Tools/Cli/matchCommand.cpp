@@ -1,0 +1,91 @@
+#include "Cli/Command.h"
+#include "Discovery/FlightFilesMatcher.h"
+#include "Discovery/flightSearch.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <atomic>
+#include <cstdio>
+#include <unistd.h>
+
+namespace corv::cli {
+namespace {
+
+// In the order of the search result.
+const char* const kKeys[] = {"videoFile",    "videoFilename", "logFile",     "logFilename",
+                             "matchFound",   "namingDefined", "missionName", "flightName",
+                             "flightNumber", "videoDuration"};
+
+// A name may hold anything; a field of the table ends at a tab, a row at a line feed.
+QString field(QString text)
+{
+    for (QChar& character : text)
+        if (character < QLatin1Char(' '))
+            character = QLatin1Char(' ');
+    return text;
+}
+
+QByteArray table(const QVariantList& rows)
+{
+    QStringList line;
+    for (const char* key : kKeys)
+        line.append(QLatin1String(key));
+    QString text = line.join(QLatin1Char('\t')) + QLatin1Char('\n');
+    for (const QVariant& entry : rows) {
+        const QVariantMap row = entry.toMap();
+        line.clear();
+        for (const char* key : kKeys)
+            line.append(field(row[QLatin1String(key)].toString()));
+        text += line.join(QLatin1Char('\t')) + QLatin1Char('\n');
+    }
+    return text.toUtf8();
+}
+
+bool isReadableFolder(const QString& path)
+{
+    const QFileInfo folder(path);
+    return folder.isDir() && folder.isReadable();
+}
+
+void showProgress(int file, int files, int, int, int)
+{
+    std::fprintf(stderr, "\rreading log %d/%d", file, files);
+}
+
+ExitStatus match(QStringList arguments)
+{
+    const bool json = takeOption(&arguments, QStringLiteral("--json"));
+    const bool quickMode = takeOption(&arguments, QStringLiteral("--quick"));
+    const bool videoFromCard = takeOption(&arguments, QStringLiteral("--card"));
+    if (arguments.size() != 2 || arguments[0].startsWith(QLatin1String("--")) ||
+        arguments[1].startsWith(QLatin1String("--")))
+        return WrongUsage;
+    for (const QString& folder : qAsConst(arguments))
+        if (!isReadableFolder(folder))
+            return fail(QStringLiteral("%1: no folder that can be read").arg(folder));
+    const FlightFiles files = gatherFlightFiles(arguments[0], arguments[1], videoFromCard);
+    QVariantList rows;
+    if (!files.videos.isEmpty() && !files.logs.isEmpty()) {
+        const bool onTerminal = isatty(STDERR_FILENO) == 1;
+        const std::atomic<bool> abortFlag{false};
+        FlightFilesMatcher matcher(&abortFlag);
+        rows = matchingRows(matcher.matchFlightFiles(
+            files.videos, files.logs, quickMode,
+            onTerminal ? FlightFilesMatcher::Progress(showProgress) : nullptr));
+        if (onTerminal)
+            std::fputs("\r                              \r", stderr);
+    }
+    return writeOut(json ? QJsonDocument(QJsonArray::fromVariantList(rows)).toJson() : table(rows));
+}
+
+} // namespace
+
+std::vector<Command> matchCommands()
+{
+    return {{QStringLiteral("match"),
+             QStringLiteral("VIDEO_DIR LOG_DIR [--card] [--quick] [--json]"),
+             QStringLiteral("which log belongs to which video"), match}};
+}
+
+} // namespace corv::cli
