@@ -8,7 +8,10 @@ namespace corv::cli {
 /// last that told of an error. Once, at the start.
 void installDiagnostics(bool verbose);
 
-/// What the last error said, without the word itself; empty if there was none.
+/// What the last error said, without the word itself; empty if there was none. It is told once.
 QString lastError();
+
+/// The same, or `otherwise` if there was none.
+QString lastErrorOr(const QString& otherwise);
 
 } // namespace corv::cli

@@ -36,8 +36,7 @@ public:
         if (showProgress)
             std::fputs("\r              \r", stderr);
         if (!m_log)
-            fail(path + QStringLiteral(": ") +
-                 (lastError().isEmpty() ? QStringLiteral("cannot be decoded") : lastError()));
+            fail(path + QStringLiteral(": ") + lastErrorOr(QStringLiteral("cannot be decoded")));
         return m_log != nullptr;
     }
 

@@ -1,0 +1,69 @@
+#include "Cli/Command.h"
+#include "Cli/FlightSession.h"
+#include "Cli/diagnostics.h"
+#include "Project/ReportWriter.h"
+#include "Threads/pool.h"
+#include "Threads/post.h"
+
+#include <QEventLoop>
+#include <cstdio>
+#include <unistd.h>
+
+namespace corv::cli {
+namespace {
+
+void showProgress(int done, int total)
+{
+    std::fprintf(stderr, "\rwriting page %d of %d%s", done, total, done == total ? "\n" : "");
+}
+
+/// The writer waits for each frame, so it has a thread of its own while this one keeps the event
+/// loop going.
+bool writeReport(FlightSession& flight, const QString& path)
+{
+    const std::atomic<bool> abortFlag{false};
+    const QVariantList marks = flight.marks();
+    const QVariantMap naming = flight.logParser().flightNaming();
+    VideoPlayer* const player = &flight.player();
+    const bool isOnTerminal = isatty(STDERR_FILENO) == 1;
+    bool isWritten = false;
+    QEventLoop loop;
+    const PoolTask task = runOnPool([&, marks, naming, player, isOnTerminal] {
+        ReportWriter writer(&abortFlag);
+        const bool result = writer.writeWordReport(
+            path, player, marks, naming,
+            isOnTerminal ? ReportWriter::Progress(showProgress) : ReportWriter::Progress());
+        post(&loop, [&isWritten, &loop, result] {
+            isWritten = result;
+            loop.quit();
+        });
+    });
+    loop.exec();
+    task.waitForDone();
+    return isWritten;
+}
+
+ExitStatus report(const QStringList& given)
+{
+    QStringList arguments = given;
+    const QString path = takeValue(&arguments, QStringLiteral("--out"));
+    if (path.isEmpty() || arguments.isEmpty() || arguments.size() > 2)
+        return WrongUsage;
+    FlightSession flight;
+    const QString error = flight.open(arguments);
+    if (!error.isEmpty())
+        return fail(error);
+    if (!writeReport(flight, path))
+        return fail(lastErrorOr(path + QStringLiteral(": cannot be written")));
+    return Done;
+}
+
+} // namespace
+
+std::vector<Command> reportCommands()
+{
+    return {{QStringLiteral("report"), QStringLiteral("PROJECT|VIDEO [LOG] --out FILE.docx"),
+             QStringLiteral("a Word document with a page for each mark"), report}};
+}
+
+} // namespace corv::cli
