@@ -14,7 +14,9 @@ constexpr size_t kWindowBytes = size_t(2) << 20; // what the second level of a c
 FileWindow::FileWindow(QFile* file, qint64 beginByte, qint64 endByte)
     : m_file(file), m_nextByte(beginByte), m_endByte(endByte)
 {
-    m_failed = !m_file->seek(beginByte) || !m_buffer.allocate(kLongestKept + kWindowBytes, true);
+    const auto part = static_cast<size_t>(std::max<qint64>(endByte - beginByte, 0));
+    m_failed = !m_file->seek(beginByte) ||
+               !m_buffer.allocate(kLongestKept + std::min(part, kWindowBytes), true);
     m_begin = m_end = m_buffer.data();
 }
 
