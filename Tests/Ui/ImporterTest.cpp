@@ -1,95 +1,15 @@
-#include "Discovery/DirectoryParser.h"
+#include "CardWorld.h"
 #include "Discovery/PersistentData.h"
 #include "UiFixture.h"
-
-#include "../Discovery/FakeMachine.h"
-#include "../Discovery/flightLogs.h"
 
 #include <QDir>
 #include <QQmlContext>
 #include <QQmlExpression>
-#include <QSemaphore>
 #include <QSettings>
-#include <algorithm>
-#include <atomic>
 #include <memory>
 
 using namespace corv;
 using namespace corv::test;
-
-namespace {
-
-const QDateTime kStart(QDate(2018, 6, 1), QTime(12, 0));
-
-// What the parsers of the importer windows search, made anew for each test.
-struct World
-{
-    FakeMachine machine;
-    QHash<QString, int> seconds;
-    std::atomic<bool> held{false};
-    QSemaphore reached;
-    QSemaphore gate;
-    QVariantList lastSearch; ///< the arguments of the last call of parseDirectories
-
-    QString path(const QString& below) const { return machine.path(below); }
-
-    void addVideo(const QString& path, int second)
-    {
-        machine.addFile(path);
-        seconds[QFileInfo(path).fileName()] = second;
-    }
-
-    void addLog(const QString& path, int second, const QByteArray& flight)
-    {
-        machine.addFile(path,
-                        flightLog({{10'000, 71'000}}, {{5000, "Line 12", flight, 7}}).bytes());
-        seconds[QFileInfo(path).fileName()] = second;
-    }
-
-    void release()
-    {
-        held = false;
-        gate.release(1000);
-    }
-};
-
-World* g_world = nullptr;
-
-DirectoryParser::Machine fakeMachine()
-{
-    DirectoryParser::Machine machine;
-    machine.volumes = [] { return g_world->machine.volumes(); };
-    machine.sysfsRoot = g_world->machine.sysfsRoot();
-    machine.files.time = [](const QFileInfo& file) {
-        if (g_world->held) {
-            g_world->reached.release();
-            g_world->gate.acquire();
-        }
-        return kStart.addSecs(g_world->seconds.value(file.fileName()));
-    };
-    machine.files.videoDurationMs = [](const QString&) { return 60'000; };
-    return machine;
-}
-
-} // namespace
-
-/// The parser that the importer makes here: a real one, on a machine whose cards are folders.
-class ImporterParser : public DirectoryParser
-{
-    Q_OBJECT
-
-public:
-    explicit ImporterParser(QObject* parent = nullptr) : DirectoryParser(fakeMachine(), parent) {}
-
-    Q_INVOKABLE void parseDirectories(QString videoDirectory, QString logDirectory,
-                                      bool videoFromDrive, bool logFromDrive, bool quickMode)
-    {
-        g_world->lastSearch = {videoDirectory, logDirectory, videoFromDrive, logFromDrive,
-                               quickMode};
-        DirectoryParser::parseDirectories(videoDirectory, logDirectory, videoFromDrive,
-                                          logFromDrive, quickMode);
-    }
-};
 
 /// The importer in a real window over an empty main one, and the welcome panel that leads to it.
 class ImporterTest : public QObject
@@ -141,7 +61,7 @@ private:
     void grab(const QString& name) const;
     void addDay(const QString& videos, const QString& logs);
 
-    std::unique_ptr<World> m_world;
+    std::unique_ptr<CardWorld> m_world;
     std::unique_ptr<UiFixture> m_ui;
     QQuickWindow* m_importer = nullptr;
 };
@@ -149,14 +69,13 @@ private:
 void ImporterTest::initTestCase()
 {
     UiFixture::prepare();
-    qmlRegisterType<ImporterParser>("DirectoryParser", 1, 0, "DirectoryParser");
+    CardParser::registerInPlaceOfTheReal();
 }
 
 void ImporterTest::init()
 {
     PersistentData::instance()->setDirectoryList({});
-    m_world = std::make_unique<World>();
-    g_world = m_world.get();
+    m_world = std::make_unique<CardWorld>();
     const QString host = m_world->machine.addFile(m_world->path("host.qml"), R"(
         import QtQuick 2.7
         import QtQuick.Window 2.2
@@ -189,11 +108,11 @@ void ImporterTest::cleanup()
 {
     if (QTest::currentTestFailed())
         m_world->release();
-    QCOMPARE(m_ui->scriptErrors(), QStringList());
+    const QStringList scriptErrors = m_ui->scriptErrors();
     m_importer = nullptr;
     m_ui.reset();
-    g_world = nullptr;
     m_world.reset();
+    QCOMPARE(scriptErrors, QStringList());
 }
 
 void ImporterTest::openImporter()
