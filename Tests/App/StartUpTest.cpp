@@ -1,0 +1,174 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <memory>
+
+// The program itself, started as a process of its own with a home of its own, observed through the
+// log that it writes.
+class StartUpTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void opensTheFirstArgument_data();
+    void opensTheFirstArgument();
+    void opensNothingWithoutArguments();
+    void checksForUpdatesOnceTheInterfaceIsThere();
+    void recordsTheSystemOnce();
+    void saysGoodbye();
+
+private:
+    void start(const QStringList& arguments);
+    QString log() const;
+    QString dataFile(const QString& name) const
+    {
+        return m_home->filePath(QStringLiteral("data/Corvenity/Vistrel/") + name);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_home;
+    std::unique_ptr<QProcess> m_program;
+};
+
+namespace {
+
+// The last thing of a start, a second into the event loop.
+const QString updateCheck = QStringLiteral("update check");
+
+} // namespace
+
+void StartUpTest::init()
+{
+    m_home = std::make_unique<QTemporaryDir>();
+    m_program = std::make_unique<QProcess>();
+}
+
+void StartUpTest::cleanup()
+{
+    m_program->kill();
+    m_program->waitForFinished();
+    m_program.reset();
+    m_home.reset();
+}
+
+void StartUpTest::start(const QStringList& arguments)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), m_home->filePath(QStringLiteral("data")));
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
+                       m_home->filePath(QStringLiteral("config")));
+    m_program->setProcessEnvironment(environment);
+    m_program->setWorkingDirectory(m_home->path());
+    m_program->start(QStringLiteral(VISTREL_PROGRAM), arguments);
+    QVERIFY(m_program->waitForStarted());
+}
+
+QString StartUpTest::log() const
+{
+    QFile file(dataFile(QStringLiteral("Vistrel.log")));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void StartUpTest::opensTheFirstArgument_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    const QString video = QStringLiteral("could not be read");
+    const QString project = QStringLiteral("Trying to open project ");
+    const auto row = [](const char* name, const QString& message, const char* extra = nullptr) {
+        QStringList arguments{QString::fromLatin1(name)};
+        if (extra)
+            arguments << QString::fromLatin1(extra);
+        QTest::newRow(name) << arguments << message;
+    };
+    row("/nowhere/a.mp4", video);
+    row("/nowhere/a.MP4", video);
+    row("/nowhere/a.Mov", video);
+    row("/nowhere/a.ecor", project);
+    row("/nowhere/a.avi", project);
+    row("/nowhere/noSuffix", project);
+    row("relative.ecor", project);
+    row("/nowhere/first.ecor", project, "/nowhere/second.mp4");
+}
+
+void StartUpTest::opensTheFirstArgument()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    start(arguments);
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    const QString text = log();
+    QVERIFY(text.contains(QStringLiteral("First argument: \"%1\"").arg(arguments[0])));
+    QVERIFY2(text.contains(message), qPrintable(text));
+    QCOMPARE(text.contains(QStringLiteral("Trying to open project ")),
+             message.startsWith(QLatin1String("Trying")));
+    QVERIFY(!text.contains(QStringLiteral("second.mp4")));
+    // A path that depends on the folder of the start would be of no use in a saved project.
+    if (QDir::isRelativePath(arguments[0]))
+        QVERIFY(text.contains(message + QDir(m_home->path()).canonicalPath()));
+}
+
+void StartUpTest::opensNothingWithoutArguments()
+{
+    start({});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    const QString text = log();
+    QVERIFY(text.contains(QStringLiteral("Vistrel version 1.5.0.166 started; process id: %1")
+                              .arg(m_program->processId())));
+    QVERIFY(!text.contains(QStringLiteral("First argument:")));
+    QVERIFY(!text.contains(QStringLiteral("Trying to open project ")));
+    QVERIFY(!text.contains(QStringLiteral("could not be read")));
+    QVERIFY2(!text.contains(QStringLiteral("[warning]")), qPrintable(text));
+}
+
+void StartUpTest::checksForUpdatesOnceTheInterfaceIsThere()
+{
+    start({});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    const QString text = log();
+    const int interfaceLoaded = text.indexOf(QStringLiteral("vistrel_started"));
+    QVERIFY(interfaceLoaded >= 0);
+    QVERIFY(text.indexOf(updateCheck) > interfaceLoaded);
+}
+
+void StartUpTest::recordsTheSystemOnce()
+{
+    const QString path = dataFile(QStringLiteral("SystemInfo.txt"));
+    start({});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    QTRY_VERIFY(QFile::exists(path));
+    m_program->kill();
+    m_program->waitForFinished();
+
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("kept");
+    file.close();
+    QVERIFY(QFile::remove(dataFile(QStringLiteral("Vistrel.log"))));
+    start({});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("kept"));
+}
+
+void StartUpTest::saysGoodbye()
+{
+    start({});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    // What a window manager asks of a window that is to be closed ends the program.
+    QProcess closer;
+    closer.start(QStringLiteral("xdotool"),
+                 {QStringLiteral("search"), QStringLiteral("--pid"),
+                  QString::number(m_program->processId()), QStringLiteral("windowquit")});
+    QVERIFY(closer.waitForFinished());
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->state(), QProcess::NotRunning, 30'000);
+    QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program->exitCode(), 0);
+    QVERIFY(log().contains(QStringLiteral("Bye! Exit code:  0")));
+}
+
+QTEST_GUILESS_MAIN(StartUpTest)
+#include "StartUpTest.moc"
