@@ -16,10 +16,9 @@ private slots:
     void cleanup();
     void opensTheFirstArgument_data();
     void opensTheFirstArgument();
-    void opensNothingWithoutArguments();
-    void checksForUpdatesOnceTheInterfaceIsThere();
     void recordsTheSystemOnce();
-    void saysGoodbye();
+    // Last: the display keeps a key down whose release finds no window any more.
+    void startsWithoutArgumentsAndQuits();
 
 private:
     void start(const QStringList& arguments);
@@ -84,11 +83,8 @@ void StartUpTest::opensTheFirstArgument_data()
             arguments << QString::fromLatin1(extra);
         QTest::newRow(name) << arguments << message;
     };
-    row("/nowhere/a.mp4", video);
     row("/nowhere/a.MP4", video);
-    row("/nowhere/a.Mov", video);
-    row("/nowhere/a.ecor", project);
-    row("/nowhere/a.avi", project);
+    row("/nowhere/a.mov", video);
     row("/nowhere/noSuffix", project);
     row("relative.ecor", project);
     row("/nowhere/first.ecor", project, "/nowhere/second.mp4");
@@ -111,7 +107,7 @@ void StartUpTest::opensTheFirstArgument()
         QVERIFY(text.contains(message + QDir(m_home->path()).canonicalPath()));
 }
 
-void StartUpTest::opensNothingWithoutArguments()
+void StartUpTest::startsWithoutArgumentsAndQuits()
 {
     start({});
     QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
@@ -122,16 +118,23 @@ void StartUpTest::opensNothingWithoutArguments()
     QVERIFY(!text.contains(QStringLiteral("Trying to open project ")));
     QVERIFY(!text.contains(QStringLiteral("could not be read")));
     QVERIFY2(!text.contains(QStringLiteral("[warning]")), qPrintable(text));
-}
 
-void StartUpTest::checksForUpdatesOnceTheInterfaceIsThere()
-{
-    start({});
-    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
-    const QString text = log();
+    // The check for updates waits until the interface is there.
     const int interfaceLoaded = text.indexOf(QStringLiteral("vistrel_started"));
     QVERIFY(interfaceLoaded >= 0);
     QVERIFY(text.indexOf(updateCheck) > interfaceLoaded);
+
+    QProcess keyboard;
+    keyboard.start(QStringLiteral("xdotool"),
+                   {QStringLiteral("search"), QStringLiteral("--sync"),
+                    QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+                    QStringLiteral("^Vistrel 1"), QStringLiteral("windowactivate"),
+                    QStringLiteral("--sync"), QStringLiteral("key"), QStringLiteral("ctrl+q")});
+    QVERIFY(keyboard.waitForFinished());
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->state(), QProcess::NotRunning, 30'000);
+    QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program->exitCode(), 0);
+    QVERIFY(log().contains(QStringLiteral("Bye! Exit code:  0")));
 }
 
 void StartUpTest::recordsTheSystemOnce()
@@ -152,22 +155,6 @@ void StartUpTest::recordsTheSystemOnce()
     QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("kept"));
-}
-
-void StartUpTest::saysGoodbye()
-{
-    start({});
-    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
-    // What a window manager asks of a window that is to be closed ends the program.
-    QProcess closer;
-    closer.start(QStringLiteral("xdotool"),
-                 {QStringLiteral("search"), QStringLiteral("--pid"),
-                  QString::number(m_program->processId()), QStringLiteral("windowquit")});
-    QVERIFY(closer.waitForFinished());
-    QTRY_COMPARE_WITH_TIMEOUT(m_program->state(), QProcess::NotRunning, 30'000);
-    QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
-    QCOMPARE(m_program->exitCode(), 0);
-    QVERIFY(log().contains(QStringLiteral("Bye! Exit code:  0")));
 }
 
 QTEST_GUILESS_MAIN(StartUpTest)
