@@ -518,7 +518,6 @@ Window {
                 width: parent.numberWidth
                 text: "Num."
             }
-
         }
     }
 
@@ -570,7 +569,10 @@ Window {
 
     Column {
         id: busyArea
-        anchors { horizontalCenter: matchingsFrame.horizontalCenter; verticalCenter: matchingsFrame.verticalCenter }
+        anchors {
+            horizontalCenter: matchingsFrame.horizontalCenter
+            verticalCenter: matchingsFrame.verticalCenter
+        }
         visible: autoImporter.isBusy
         spacing: 14
 
