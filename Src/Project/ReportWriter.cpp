@@ -8,8 +8,8 @@
 #include <QDebug>
 #include <QFileInfo>
 #include <QImage>
+#include <QSemaphore>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QTime>
 #include <algorithm>
 #include <exception>
@@ -18,7 +18,7 @@
 namespace corv {
 namespace {
 
-constexpr unsigned long pollMs = 50;
+constexpr int pollMs = 50;
 const QString timeKey = QStringLiteral("time");
 const QString cover = QStringLiteral("Cover");
 const QString page = QStringLiteral("Page");
@@ -29,6 +29,7 @@ struct FrameRequest
 {
     std::shared_ptr<QTemporaryDir> folder;
     std::atomic<bool> done{false};
+    QSemaphore wakeUp;
 };
 
 /// Any thread.
@@ -163,13 +164,15 @@ void ReportWriter::saveFrame(VideoPlayer* player, int timeMs, const QString& fra
                                         [request, timeMs, framePath](const QImage& image) {
                                             receiveFrame(image, timeMs, framePath);
                                             request->done.store(true, std::memory_order_release);
+                                            request->wakeUp.release();
                                         });
     if (!accepted) { // then no one will ever call back
         receiveFrame(QImage(), timeMs, framePath);
         return;
     }
+    // A frame ends the sleep; the abort flag, which wakes no one, is looked at after it.
     while (!request->done.load(std::memory_order_acquire) && !isAborted())
-        QThread::msleep(pollMs);
+        request->wakeUp.tryAcquire(1, pollMs);
 }
 
 } // namespace corv

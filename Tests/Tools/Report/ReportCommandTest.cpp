@@ -1,0 +1,137 @@
+#include "SampleFlight/SampleFlight.h"
+#include "Support/WordPackage.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace corv::test;
+
+/// `vistrel-cli report` on a short sample flight, as an office would run it: no display at all.
+class ReportCommandTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+    corv::SampleFlight m_flight{[] {
+        corv::SampleFlightOptions options;
+        options.videoSeconds = 9;
+        return options;
+    }()};
+    QByteArray m_error;
+
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+    QString video() const { return path(m_flight.videoFiles().first()); }
+
+    int run(const QStringList& arguments)
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(name);
+        process.setProcessEnvironment(environment);
+        process.start(VISTREL_CLI, QStringList("report") + arguments);
+        if (!process.waitForFinished(60000))
+            return -1;
+        m_error = process.readAllStandardError();
+        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+
+    void checkReport(const QString& file)
+    {
+        const Parts parts = readZip(file);
+        QCOMPARE(brokenRules(parts).join('\n'), QString());
+        const QString text = documentText(parts);
+        QVERIFY2(text.contains(corv::SampleFlight::missionName()), qPrintable(text));
+        QVERIFY2(text.contains(corv::SampleFlight::flightName()), qPrintable(text));
+        QCOMPARE(text.count("Video time "), static_cast<int>(m_flight.marksMs().size()));
+        QCOMPARE(parts.keys().filter("/frame").size(), static_cast<int>(m_flight.marksMs().size()));
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_flight.writeCard(m_folder.path()));
+        QVERIFY(!m_flight.marksMs().empty());
+    }
+
+    void writesTheReportOfAProject()
+    {
+        QCOMPARE(run({path("sample.ecor"), "--out", path("project.docx")}), 0);
+        QCOMPARE(m_error, QByteArray());
+        checkReport(path("project.docx"));
+    }
+
+    void writesTheReportOfAVideoAndItsLog()
+    {
+        QCOMPARE(run({"--out", path("flight.docx"), video(), path("FLIGHT01.LOG")}), 0);
+        checkReport(path("flight.docx"));
+        QVERIFY(documentText(readZip(path("flight.docx"))).contains("POI 1\n"));
+    }
+
+    void aVideoAloneGivesTheCover()
+    {
+        QCOMPARE(run({video(), "--out", path("alone.docx")}), 0);
+        QVERIFY(!documentText(readZip(path("alone.docx"))).contains("Video time "));
+    }
+
+    void tellsInOneLineWhatFailed_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("error");
+        const auto row = [](const char* name, const QStringList& arguments, const QString& error) {
+            QTest::newRow(name) << arguments << error;
+        };
+        QFile lost(path("lost.ecor"));
+        QVERIFY(lost.open(QIODevice::WriteOnly));
+        lost.write("{\"contents\":{\"flights\":[{\"files\":{\"video\":\"gone.mp4\"}}]}}");
+        QFile logless(path("logless.ecor"));
+        QVERIFY(logless.open(QIODevice::WriteOnly));
+        logless.write("{\"contents\":{\"flights\":[{\"files\":{\"video\":\"" +
+                      m_flight.videoFiles().first().toUtf8() + "\",\"log\":\"gone.log\"}}]}}");
+        const QString out = path("none.docx");
+        row("no project", {path("none.ecor"), "--out", out}, "none.ecor: cannot be opened");
+        row("no video", {path("none.mp4"), "--out", out}, "none.mp4: no such file");
+        row("a project without its video", {path("lost.ecor"), "--out", out},
+            "its video is not at " + path("gone.mp4"));
+        row("a project without its log", {path("logless.ecor"), "--out", out},
+            "its log is not at " + path("gone.log"));
+        row("no video at all", {path("FLIGHT01.LOG"), "--out", out},
+            "FLIGHT01.LOG: the video cannot be opened");
+        row("no log at all", {video(), video(), "--out", out},
+            QFileInfo(video()).fileName() + ": ");
+        row("nowhere to write", {video(), "--out", path("none/r.docx")}, "cannot write ");
+    }
+
+    void tellsInOneLineWhatFailed()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, error);
+        QCOMPARE(run(arguments), 1);
+        QVERIFY2(m_error.startsWith("vistrel-cli: ") && m_error.contains(error.toUtf8()) &&
+                     m_error.count('\n') == 1,
+                 m_error.constData());
+        QVERIFY(!QFile::exists(path("none.docx")));
+    }
+
+    void showsItsUsage_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("nothing") << QStringList();
+        QTest::newRow("no output") << QStringList({"a.ecor"});
+        QTest::newRow("output without a name") << QStringList({"a.ecor", "--out"});
+        QTest::newRow("no flight") << QStringList({"--out", "a.docx"});
+        QTest::newRow("too much") << QStringList({"a", "b", "c", "--out", "a.docx"});
+    }
+
+    void showsItsUsage()
+    {
+        QFETCH(QStringList, arguments);
+        QCOMPARE(run(arguments), 2);
+        QVERIFY(m_error.startsWith("usage: vistrel-cli report "));
+    }
+};
+
+QTEST_GUILESS_MAIN(ReportCommandTest)
+#include "ReportCommandTest.moc"
