@@ -48,6 +48,12 @@ Rectangle {
             showMapping(videoPlayer.irMappingMinValue, videoPlayer.irMappingMaxValue);
     }
 
+    // Another camera, another range: values that the earlier one could not show can be shown now.
+    onIrRangeMaxChanged: {
+        if (!videoPlayer.autoIRMapping)
+            showMappingInUse();
+    }
+
     // The panel is made when it is first shown, which may be long after a flight was opened.
     Component.onCompleted: {
         console.log("Loading adjustments tab!");

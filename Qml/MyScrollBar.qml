@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import QtQml 2.14
 
 // Scrolls the timeline, and shows how much of it is in view.
 Item {
@@ -88,6 +89,7 @@ Item {
     Binding {
         target: handle
         property: "x"
+        restoreMode: Binding.RestoreNone
         when: scrollbar.visible && !clicker.drag.active
         value: timeline.getContentX() * clicker.drag.maximumX / scrollbar.span
     }

@@ -82,7 +82,7 @@ Rectangle {
                 height: 70
                 text: modelData
                 color: "#a4a4a4"
-                font.pixelSize: 12
+                font.pixelSize: 11
                 wrapMode: Text.Wrap
                 horizontalAlignment: Text.AlignHCenter
             }

@@ -26,7 +26,7 @@ bool writeVideo(const QString& path)
     return writer.isOpened();
 }
 
-bool writeLog(const QString& path, quint32 recordingMs)
+bool writeLog(const QString& path, quint32 recordingMs, int leptonType = -1)
 {
     constexpr quint32 start = 10'000;
     constexpr quint32 firstFrame = start + 690;
@@ -39,7 +39,10 @@ bool writeLog(const QString& path, quint32 recordingMs)
                   {"flight_name", "STRING", 16},
                   {"flight_number", "UINT8", 1}});
     log.addGroup("point_of_interest", 4, {{"point_of_interest", "UINT32", 1}});
+    log.addGroup("lepton_info", 5, {{"lepton_type", "UINT8", 1}});
     log.addPacket(1, LogBuilder::u32(start));
+    if (leptonType >= 0)
+        log.addPacket(5, LogBuilder::u8(static_cast<unsigned>(leptonType)));
     log.addPacket(3, LogBuilder::u32(5000) + LogBuilder::text("Bridge", 16) +
                          LogBuilder::text("North pier", 16) + LogBuilder::u8(7));
     log.addPacket(4, LogBuilder::u32(firstFrame + 1000));
@@ -66,6 +69,14 @@ FlightMedia::FlightMedia()
                       broken.write("no log at all") > 0;
     if (!made)
         qFatal("cannot make the media of the test flight");
+}
+
+QString FlightMedia::logOfCamera(int leptonType) const
+{
+    const QString path = newFolder() + "/camera.log";
+    if (!writeLog(path, videoMs + 1000, leptonType))
+        qFatal("cannot make a log");
+    return path;
 }
 
 QString FlightMedia::newFolder() const

@@ -22,6 +22,9 @@ public:
     /// A log of the same names and marks, whose only recording is far longer than the video.
     const QString& otherLog() const { return m_otherLog; }
 
+    /// A log of the flight by a drone with this thermal camera, -1 for none.
+    QString logOfCamera(int leptonType) const;
+
     /// A file that no decoder reads as a log.
     const QString& brokenLog() const { return m_brokenLog; }
 

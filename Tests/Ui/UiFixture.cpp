@@ -27,9 +27,21 @@ void UiFixture::prepare()
 UiFixture::UiFixture()
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settingsFolder.path());
+    makeEngine();
+}
+
+void UiFixture::makeEngine()
+{
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->rootContext()->setContextProperty(QStringLiteral("applicationDirPath"),
                                                 QApplication::applicationDirPath());
+}
+
+bool UiFixture::reload()
+{
+    m_engine.reset();
+    makeEngine();
+    return load();
 }
 
 UiFixture::~UiFixture()

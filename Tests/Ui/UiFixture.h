@@ -40,6 +40,9 @@ public:
     /// Loads the document and, if its root is a window, waits until it is active. False on failure.
     bool load(const QUrl& document = QUrl(QStringLiteral("qrc:/main.qml")));
 
+    /// Ends the interface and starts it anew with the settings that it left behind.
+    bool reload();
+
     /// The same for a document of the test's own, which stands beside the others.
     bool loadText(const QByteArray& document);
 
@@ -96,6 +99,7 @@ public:
     void screenshot(const QString& name) const;
 
 private:
+    void makeEngine();
     bool waitForRoot();
     static QObject* findIn(QObject* from, const QString& objectName, bool visibleOnly);
     static QObject* findInItems(QQuickItem* from, const QString& objectName, bool visibleOnly);

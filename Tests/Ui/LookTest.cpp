@@ -1,0 +1,157 @@
+#include "ReviewFixture.h"
+
+#include <memory>
+
+using namespace corv::test;
+
+/// What a look at the window would show: no text cut off or over another, no picture missing,
+/// everything inside, at every size and in every state. Pictures of each are kept where
+/// VISTREL_SCREENSHOTS says.
+class LookTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void mainWindow_data();
+    void mainWindow();
+    void pointersAndIconsAreDrawnSharp();
+
+private:
+    void bringInto(const QString& state);
+    void checkTexts(QQuickItem* from);
+    void checkPictures(QQuickItem* from);
+    QRectF area(QQuickItem* item) const
+    {
+        return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+    }
+
+    std::unique_ptr<ReviewFixture> m_ui;
+    QVector<QPair<QRectF, QString>> m_texts;
+};
+
+void LookTest::initTestCase()
+{
+    UiFixture::prepare();
+}
+
+void LookTest::mainWindow_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("state");
+    for (const QSize size : {QSize(800, 700), QSize(1600, 900)}) {
+        for (const char* state : {"start", "flight", "adjustments", "move mode", "reading a log"})
+            QTest::addRow("%s %dx%d", state, size.width(), size.height())
+                << size << QString::fromLatin1(state);
+    }
+}
+
+void LookTest::bringInto(const QString& state)
+{
+    if (state == "start")
+        return;
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    QTRY_COMPARE(m_ui->poiNames().size(), 2);
+    QTRY_VERIFY(!m_ui->evaluate("videoPlayer.isBusy").toBool());
+    if (state == "adjustments")
+        QVERIFY(m_ui->showAdjustments());
+    if (state == "move mode") {
+        QVERIFY(m_ui->selectPoiAt(2000));
+        m_ui->call("startMovingPoi");
+    }
+    if (state == "reading a log") {
+        m_ui->evaluate("LogParser.isParsing = true");
+        m_ui->call("logParsingProgress", {2, 30, 100});
+    }
+}
+
+void LookTest::checkTexts(QQuickItem* from)
+{
+    if (!from->isVisible() || qFuzzyIsNull(from->opacity()))
+        return;
+    if (from->inherits("QQuickText") && !from->property("text").toString().isEmpty()) {
+        const QString text = from->property("text").toString();
+        const QRectF place = area(from);
+        const QRectF window(QPointF(), m_ui->window()->size());
+        QVERIFY2(window.adjusted(-1, -1, 1, 1).contains(place), qPrintable("outside: " + text));
+        // A text may end in dots where it was told to; else it has the room that it needs.
+        if (from->property("elide").toInt() == Qt::ElideNone) {
+            QVERIFY2(from->property("contentWidth").toDouble() <= from->width() + 1,
+                     qPrintable("too wide: " + text));
+            QVERIFY2(from->property("contentHeight").toDouble() <= from->height() + 1,
+                     qPrintable("too high: " + text));
+            QVERIFY2(!from->property("truncated").toBool(), qPrintable("cut off: " + text));
+        } else {
+            QVERIFY2(from->width() >= 40, qPrintable("no room: " + text));
+        }
+        const QRectF parent = area(from->parentItem());
+        QVERIFY2(parent.left() <= place.left() + 1 && place.right() <= parent.right() + 1,
+                 qPrintable("wider than what it stands in: " + text));
+        for (const auto& other : m_texts)
+            QVERIFY2(!other.first.intersects(place), qPrintable(text + " over " + other.second));
+        m_texts.append({place.adjusted(1, 1, -1, -1), text});
+    }
+    for (QQuickItem* child : from->childItems())
+        checkTexts(child);
+}
+
+void LookTest::checkPictures(QQuickItem* from)
+{
+    if (from->inherits("QQuickImage") && !from->property("source").toString().isEmpty()) {
+        const QString source = from->property("source").toString();
+        constexpr int ready = 1;
+        QVERIFY2(from->property("status").toInt() == ready, qPrintable("missing: " + source));
+    }
+    for (QQuickItem* child : from->childItems())
+        checkPictures(child);
+}
+
+void LookTest::mainWindow()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, state);
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+    m_ui->window()->resize(size);
+    QTRY_COMPARE(m_ui->window()->size(), size);
+    bringInto(state);
+    if (QTest::currentTestFailed())
+        return;
+    QTest::mouseMove(m_ui->window(), QPoint(5, 5));
+    m_texts.clear();
+    checkTexts(m_ui->window()->contentItem());
+    checkPictures(m_ui->window()->contentItem());
+    m_ui->screenshot(QString("%1 @%2")
+                         .arg(QString::fromLatin1(QTest::currentDataTag()))
+                         .arg(m_ui->window()->devicePixelRatio()));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+    m_ui.reset();
+}
+
+void LookTest::pointersAndIconsAreDrawnSharp()
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+    const double density = m_ui->window()->devicePixelRatio();
+    // An icon is shown at its own size, so its drawing for this density has that many pixels.
+    for (const char* name : {"playButton", "saveImageButton", "namingEditButton"}) {
+        QQuickItem* button = m_ui->item(name);
+        QQuickItem* picture = nullptr;
+        for (QQuickItem* child : button->childItems()) {
+            if (child->inherits("QQuickImage"))
+                picture = child;
+        }
+        QVERIFY(picture);
+        QImage image(":" + QUrl(picture->property("source").toString())
+                               .path()
+                               .replace(".png", density > 1 ? "@2x.png" : ".png"));
+        QVERIFY(!image.isNull());
+        QCOMPARE(image.width(), qRound(picture->width() * density));
+        QVERIFY(picture->width() <= button->width());
+    }
+    m_ui.reset();
+}
+
+QTEST_MAIN(LookTest)
+#include "LookTest.moc"
