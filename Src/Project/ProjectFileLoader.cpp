@@ -57,12 +57,10 @@ void replaceFile(const QString& path, const QByteArray& text)
 /// Everything in the file, or nothing if that is more than any project holds.
 QByteArray readProject(QFile& file, const QString& path)
 {
-    QByteArray text = file.read(ProjectFileLoader::largestProjectBytes + 1);
-    if (text.size() > ProjectFileLoader::largestProjectBytes) {
-        qWarning() << "Project file is too large" << path;
-        text.clear();
-    }
-    return text;
+    if (file.size() <= ProjectFileLoader::largestProjectBytes)
+        return file.readAll();
+    qWarning() << "Project file is too large" << path;
+    return {};
 }
 
 /// The first flight; an empty object where the way to it is missing or of another type.
