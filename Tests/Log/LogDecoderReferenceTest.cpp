@@ -88,6 +88,7 @@ void LogDecoderReferenceTest::initTestCase()
 QString LogDecoderReferenceTest::differences(const QByteArray& bytes)
 {
     const QString path = m_folder.filePath(QStringLiteral("a.log"));
+    QFile::remove(path); // writing over it would wait for the disk
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         return QStringLiteral("cannot write");

@@ -66,6 +66,7 @@ private:
         group.id = hostile && below(4) == 0 ? below(3) * 150 - 20 : index * 7;
         std::vector<LogBuilder::Var> vars;
         quint32 size = 0;
+        bool testable = true; // its blocks are small, or too large for anybody
         const int count = hostile ? below(5) : 1 + below(4);
         for (int i = 0; i < count; ++i) {
             const size_t word = static_cast<size_t>(below(kWords.size()));
@@ -74,8 +75,10 @@ private:
             const int name = hostile && below(6) == 0 ? 0 : i;
             vars.push_back({"v" + QByteArray::number(name), kWords[word], nb});
             size += static_cast<quint32>(nb) * kSizes[word];
+            const qint64 block = qint64(nb) * kSizes[word];
+            testable = testable && (block < qint64(1) << 20 || block >= qint64(1) << 31);
         }
-        group.sizeBytes = static_cast<int>(size);
+        group.sizeBytes = testable ? static_cast<int>(size) : -1;
         m_log.addGroup("g" + QByteArray::number(index), group.id, vars);
         m_groups.push_back(group);
     }
