@@ -74,6 +74,9 @@ public:
 
     /// Length of the timeline; invalid until a video has opened, 00:00:00.000 after `close`.
     QTime duration() const { return m_duration; }
+
+    /// Time from one frame to the next, in whole milliseconds; 0 until a video has opened.
+    int frameDurationMs() const { return m_frameDurationMs; }
     bool playing() const { return m_playing; }
 
     bool showIR() const { return m_settings.showIR; }

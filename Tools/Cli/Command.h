@@ -23,6 +23,7 @@ struct Command
 // The commands, one set per file.
 std::vector<Command> logCommands();
 std::vector<Command> matchCommands();
+std::vector<Command> frameCommands();
 std::vector<Command> reportCommands();
 
 /// Writes to standard output; `Failed` with a message when nobody takes it.

@@ -23,8 +23,10 @@ QVariantMap mapIn(const QVariantMap& map, const char* key)
 template <typename Store>
 void restore(const QVariantMap& map, const char* key, Store store)
 {
+    // Whole numbers of a JSON text come as integers.
     const QVariant value = map.value(QLatin1String(key));
-    if (value.type() == QVariant::Double && std::isfinite(value.toDouble()))
+    const bool isNumber = value.type() == QVariant::Double || value.type() == QVariant::LongLong;
+    if (isNumber && std::isfinite(value.toDouble()))
         store(value.toDouble());
 }
 

@@ -12,7 +12,7 @@ namespace {
 std::vector<Command> allCommands()
 {
     std::vector<Command> commands;
-    for (const auto& set : {logCommands(), matchCommands(), reportCommands()})
+    for (const auto& set : {logCommands(), matchCommands(), frameCommands(), reportCommands()})
         commands.insert(commands.end(), set.begin(), set.end());
     return commands;
 }

@@ -1,0 +1,347 @@
+#include "Log/LogParser.h"
+#include "SampleFlight/SampleFlight.h"
+#include "SampleFlight/frameStrip.h"
+#include "Video/VideoPlayer.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <memory>
+#include <opencv2/videoio.hpp>
+
+using namespace corv;
+
+namespace {
+
+struct Outcome
+{
+    int status;
+    QByteArray complaint;
+};
+
+Outcome run(const QStringList& arguments)
+{
+    QProcess program;
+    program.start(QStringLiteral(VISTREL_CLI), arguments);
+    if (!program.waitForFinished(120'000))
+        return {-1, "does not end"};
+    return {program.exitCode(), program.readAllStandardError()};
+}
+
+QByteArray contentsOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+int numberIn(const QString& path)
+{
+    const QImage image = QImage(path).convertToFormat(QImage::Format_RGB888);
+    if (image.isNull())
+        return -1;
+    return readFrameNumber(cv::Mat(image.height(), image.width(), CV_8UC3,
+                                   const_cast<uchar*>(image.constBits()),
+                                   static_cast<size_t>(image.bytesPerLine())));
+}
+
+std::vector<cv::Mat> framesOf(const QString& path)
+{
+    cv::VideoCapture video(path.toStdString(), cv::CAP_FFMPEG);
+    std::vector<cv::Mat> frames;
+    for (cv::Mat frame; video.read(frame);)
+        frames.push_back(frame.clone());
+    return frames;
+}
+
+} // namespace
+
+class FrameCommandsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void frameOfAProject();
+    void frameOfAVideo_data();
+    void frameOfAVideo();
+    void framesOfARange();
+    void framesOfTheMarks();
+    void wholeVideo();
+    void sourcesAreNeverWrittenOver();
+    void refusals_data();
+    void refusals();
+
+private:
+    QString path(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+    void writeProject(const QString& file, const QString& log) const;
+
+    /// The flight as the window shows it, with the settings of the project.
+    struct Window
+    {
+        LogParser parser;
+        VideoPlayer player;
+    };
+    std::unique_ptr<Window> openWindow() const;
+
+    QTemporaryDir m_folder;
+    QString m_video;
+    QString m_log;
+    QString m_project;
+};
+
+void FrameCommandsTest::initTestCase()
+{
+    SampleFlightOptions options;
+    options.videoSeconds = 2.0;
+    options.secondsPerFile = 1;
+    const SampleFlight flight(options);
+    QVERIFY(flight.writeCard(m_folder.path()));
+    m_video = m_folder.filePath(flight.videoFiles().first());
+    m_log = m_folder.filePath(SampleFlight::logFile());
+    m_project = path("flight.ecor");
+    writeProject(m_project, SampleFlight::logFile());
+    writeProject(path("nolog.ecor"), QStringLiteral("gone.log"));
+}
+
+void FrameCommandsTest::writeProject(const QString& file, const QString& log) const
+{
+    const auto mark = [](int timeMs) {
+        return QJsonObject{{QStringLiteral("time"), timeMs},
+                           {QStringLiteral("name"), QStringLiteral("mark")},
+                           {QStringLiteral("comment"), QString()}};
+    };
+    const QJsonObject properties{
+        {QStringLiteral("correction"), QJsonObject{{QStringLiteral("log_offset"), 300}}},
+        {QStringLiteral("display"),
+         QJsonObject{{QStringLiteral("brightness"), 20.0}, {QStringLiteral("contrast"), 0.8}}},
+        {QStringLiteral("thermal_video"), QJsonObject{{QStringLiteral("align_offset_x"), 0.1},
+                                                      {QStringLiteral("align_offset_y"), -0.05},
+                                                      {QStringLiteral("colormap_auto"), false},
+                                                      {QStringLiteral("colormap_min"), 7100.0},
+                                                      {QStringLiteral("colormap_max"), 8500.0},
+                                                      {QStringLiteral("translucent"), true},
+                                                      {QStringLiteral("visible"), true}}}};
+    const QJsonObject files{{QStringLiteral("video"), QStringLiteral("DCIM/101_CORV/CORV0001.MOV")},
+                            {QStringLiteral("log"), log}};
+    const QJsonObject flight{{QStringLiteral("files"), files},
+                             {QStringLiteral("properties"), properties},
+                             {QStringLiteral("poi"), QJsonArray{mark(100), mark(1200)}}};
+    const QJsonObject contents{{QStringLiteral("flights"), QJsonArray{flight}}};
+    QFile target(file);
+    QVERIFY(target.open(QIODevice::WriteOnly));
+    target.write(QJsonDocument(QJsonObject{{QStringLiteral("contents"), contents}}).toJson());
+}
+
+std::unique_ptr<FrameCommandsTest::Window> FrameCommandsTest::openWindow() const
+{
+    auto window = std::make_unique<Window>();
+    VideoPlayer& player = window->player;
+    player.setLogParser(&window->parser);
+    QSignalSpy opened(&player, &VideoPlayer::durationChanged);
+    player.setSource(m_video);
+    if (!opened.wait())
+        return nullptr;
+    window->parser.setDuration(player.duration());
+    player.setContrast(0.8);
+    player.setBrightness(20.0);
+    player.setIrOffsetX(0.1);
+    player.setIrOffsetY(-0.05);
+    player.setAutoIRMapping(false);
+    player.setIrMappingMinValue(7100.0);
+    player.setIrMappingMaxValue(8500.0);
+    player.setIrOverlayTransparent(true);
+    player.setShowIR(true);
+    QSignalSpy parsed(&window->parser, &LogParser::logParsingComplete);
+    window->parser.parseLog(m_log, true);
+    window->parser.setManualLogTimeOffset(300);
+    if (!parsed.wait() || !window->parser.isSynced())
+        return nullptr;
+    player.updateLogData();
+    return window;
+}
+
+void FrameCommandsTest::frameOfAProject()
+{
+    const QString out = path("project.png");
+    const Outcome outcome = run({QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
+                                 QStringLiteral("500"), QStringLiteral("--out"), out});
+    QCOMPARE(outcome.complaint, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(numberIn(out), 15);
+    const auto window = openWindow();
+    QVERIFY(window);
+    const QString shown = path("window.png");
+    QVERIFY(window->player.saveFrame(QTime(0, 0, 0, 500), shown, true));
+    QTRY_VERIFY(QImage(shown) == QImage(out));
+    window->player.setShowIR(false);
+    const QString bare = path("bare.png");
+    QVERIFY(window->player.saveFrame(QTime(0, 0, 0, 500), bare, true));
+    QTRY_VERIFY(!QImage(bare).isNull());
+    QVERIFY(QImage(bare) != QImage(out));
+}
+
+void FrameCommandsTest::frameOfAVideo_data()
+{
+    QTest::addColumn<bool>("withLog");
+    QTest::addColumn<bool>("thermal");
+    QTest::addColumn<bool>("hasOverlay");
+    QTest::newRow("alone") << false << false << false;
+    QTest::newRow("with its log") << true << false << false;
+    QTest::newRow("with its log and the overlay") << true << true << true;
+}
+
+void FrameCommandsTest::frameOfAVideo()
+{
+    QFETCH(bool, withLog);
+    QFETCH(bool, thermal);
+    QFETCH(bool, hasOverlay);
+    QStringList arguments{QStringLiteral("frame"), m_video};
+    if (withLog)
+        arguments << m_log;
+    if (thermal)
+        arguments << QStringLiteral("--thermal");
+    const QString out = path("video.png");
+    QFile::remove(out);
+    const Outcome outcome =
+        run(arguments + QStringList{QStringLiteral("--at-ms"), QStringLiteral("1500"),
+                                    QStringLiteral("--out"), out});
+    QCOMPARE(outcome.complaint, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(numberIn(out), 45);
+    cv::VideoCapture second(path("DCIM/101_CORV/CORV0002.MOV").toStdString(), cv::CAP_FFMPEG);
+    cv::Mat frame;
+    for (int i = 0; i <= 15; ++i)
+        QVERIFY(second.read(frame));
+    const QImage expected(frame.data, frame.cols, frame.rows, static_cast<int>(frame.step),
+                          QImage::Format_BGR888);
+    QCOMPARE(QImage(out).convertToFormat(QImage::Format_BGR888) != expected, hasOverlay);
+}
+
+void FrameCommandsTest::framesOfARange()
+{
+    const QString out = path("range");
+    const Outcome outcome =
+        run({QStringLiteral("frames"), m_project, QStringLiteral("--from-ms"),
+             QStringLiteral("100"), QStringLiteral("--to-ms"), QStringLiteral("1500"),
+             QStringLiteral("--spacing"), QStringLiteral("12"), QStringLiteral("--prefix"),
+             QStringLiteral("Still"), QStringLiteral("--out"), out});
+    QCOMPARE(outcome.complaint, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(QDir(out).entryList(QDir::Files),
+             (QStringList{QStringLiteral("Still000.jpg"), QStringLiteral("Still001.jpg"),
+                          QStringLiteral("Still002.jpg"), QStringLiteral("Still003.jpg")}));
+    const auto window = openWindow();
+    QVERIFY(window);
+    const QString shown = path("windowrange");
+    QVERIFY(QDir().mkpath(shown));
+    QVERIFY(window->player.exportFrames(100, 1500, 12, shown, QStringLiteral("Still")));
+    for (const QString& name : QDir(out).entryList(QDir::Files))
+        QTRY_VERIFY(QImage(QDir(shown).filePath(name)) == QImage(QDir(out).filePath(name)));
+    QCOMPARE(QDir(shown).entryList(QDir::Files), QDir(out).entryList(QDir::Files));
+}
+
+void FrameCommandsTest::framesOfTheMarks()
+{
+    const QString out = path("marks");
+    const Outcome outcome = run({QStringLiteral("frames"), QStringLiteral("--poi"), m_project,
+                                 QStringLiteral("--out"), out});
+    QCOMPARE(outcome.complaint, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(QDir(out).entryList(QDir::Files),
+             (QStringList{QStringLiteral("Frame000.jpg"), QStringLiteral("Frame001.jpg")}));
+    QCOMPARE(numberIn(QDir(out).filePath(QStringLiteral("Frame000.jpg"))), 3);
+    QCOMPARE(numberIn(QDir(out).filePath(QStringLiteral("Frame001.jpg"))), 36);
+}
+
+void FrameCommandsTest::wholeVideo()
+{
+    const QString out = path("whole.mp4");
+    const Outcome outcome = run({QStringLiteral("video"), m_project, QStringLiteral("--out"), out});
+    QCOMPARE(outcome.complaint, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    const std::vector<cv::Mat> frames = framesOf(out);
+    QCOMPARE(int(frames.size()), 60);
+    for (int i = 0; i < 60; ++i)
+        QCOMPARE(readFrameNumber(frames[static_cast<size_t>(i)]), i);
+    const auto window = openWindow();
+    QVERIFY(window);
+    const QString shown = path("window.mp4");
+    QSignalSpy complete(&window->player, &VideoPlayer::videoExportComplete);
+    QVERIFY(window->player.exportVideo(shown));
+    QVERIFY(complete.wait(60'000));
+    const std::vector<cv::Mat> shownFrames = framesOf(shown);
+    QCOMPARE(shownFrames.size(), frames.size());
+    for (size_t i = 0; i < frames.size(); ++i)
+        QCOMPARE(cv::norm(frames[i], shownFrames[i], cv::NORM_INF), 0.0);
+}
+
+void FrameCommandsTest::sourcesAreNeverWrittenOver()
+{
+    const QByteArray before = contentsOf(m_video);
+    const Outcome outcome =
+        run({QStringLiteral("video"), m_project, QStringLiteral("--out"), m_video});
+    QCOMPARE(outcome.status, 1);
+    QVERIFY(contentsOf(m_video) == before);
+}
+
+void FrameCommandsTest::refusals_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::newRow("frame without time") << "frame PROJECT --out DIR/a.png" << 2;
+    QTest::newRow("frame without target") << "frame PROJECT --at-ms 0" << 2;
+    QTest::newRow("frame at no number") << "frame PROJECT --at-ms soon --out DIR/a.png" << 2;
+    QTest::newRow("frame before the start") << "frame PROJECT --at-ms -1 --out DIR/a.png" << 2;
+    QTest::newRow("frame of nothing") << "frame --at-ms 0 --out DIR/a.png" << 2;
+    QTest::newRow("unknown option") << "frame PROJECT --at-ms 0 --out DIR/a.png --red" << 2;
+    QTest::newRow("spacing of 0") << "frames PROJECT --spacing 0 --out DIR/x" << 2;
+    QTest::newRow("range upside down") << "frames PROJECT --from-ms 9 --to-ms 8 --out DIR/x" << 2;
+    QTest::newRow("marks and a range") << "frames PROJECT --poi --to-ms 8 --out DIR/x" << 2;
+    QTest::newRow("frames without target") << "frames PROJECT" << 2;
+    QTest::newRow("video without target") << "video PROJECT" << 2;
+    QTest::newRow("three files") << "video PROJECT VIDEO LOG --out DIR/x.mp4" << 2;
+    QTest::newRow("behind the end") << "frame PROJECT --at-ms 99999 --out DIR/a.png" << 1;
+    QTest::newRow("range behind the end") << "frames PROJECT --from-ms 99999 --out DIR/x" << 1;
+    QTest::newRow("no marks") << "frames VIDEO --poi --out DIR/x" << 1;
+    QTest::newRow("unknown format") << "frame PROJECT --at-ms 0 --out DIR/a.picture" << 1;
+    QTest::newRow("missing folder") << "frame PROJECT --at-ms 0 --out DIR/none/a.png" << 1;
+    QTest::newRow("no folder to be made") << "frames PROJECT --out LOG/x" << 1;
+    QTest::newRow("no place for the video") << "video PROJECT --out DIR/none/a.mp4" << 1;
+    QTest::newRow("missing project") << "frame DIR/none.ecor --at-ms 0 --out DIR/a.png" << 1;
+    QTest::newRow("missing video") << "frame DIR/none.mp4 --at-ms 0 --out DIR/a.png" << 1;
+    QTest::newRow("no video") << "frame LOG --at-ms 0 --out DIR/a.png" << 1;
+    QTest::newRow("no log") << "frame VIDEO PROJECT --at-ms 0 --out DIR/a.png" << 1;
+    QTest::newRow("project without its log") << "frame NOLOG --at-ms 0 --out DIR/a.png" << 1;
+}
+
+void FrameCommandsTest::refusals()
+{
+    QFETCH(QString, arguments);
+    const std::pair<const char*, QString> words[] = {{"NOLOG", path("nolog.ecor")},
+                                                     {"DIR", m_folder.path()},
+                                                     {"PROJECT", m_project},
+                                                     {"VIDEO", m_video},
+                                                     {"LOG", m_log}};
+    QStringList list = arguments.split(QLatin1Char(' '));
+    for (QString& argument : list) {
+        for (const auto& word : words) {
+            if (argument.startsWith(QLatin1String(word.first))) {
+                argument.replace(0, int(qstrlen(word.first)), word.second);
+                break;
+            }
+        }
+    }
+    const Outcome outcome = run(list);
+    QTEST(outcome.status, "status");
+    // Other libraries may add lines of their own in front.
+    const QList<QByteArray> lines = outcome.complaint.trimmed().split('\n');
+    QVERIFY(lines.last().startsWith(outcome.status == 2 ? "usage: vistrel-cli " : "vistrel-cli: "));
+}
+
+QTEST_MAIN(FrameCommandsTest)
+#include "FrameCommandsTest.moc"

@@ -1,0 +1,245 @@
+#include "Cli/Command.h"
+#include "Cli/FlightSession.h"
+#include "Threads/post.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QImage>
+#include <QTime>
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <unistd.h>
+
+namespace corv::cli {
+namespace {
+
+constexpr int standardSpacing = 10;
+const QString standardPrefix = QStringLiteral("Frame");
+
+// How far a long job is, in a line on standard error if that is a terminal.
+class ProgressLine
+{
+public:
+    explicit ProgressLine(const char* what) : m_what(what) {}
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+    ~ProgressLine()
+    {
+        if (m_shownPercent >= 0)
+            std::fprintf(stderr, "\r%*s\r", 40, "");
+    }
+
+    void show(int done, int total)
+    {
+        const int percent = total > 0 ? static_cast<int>(done * 100LL / total) : m_shownPercent;
+        if (!m_isOnTerminal || percent == m_shownPercent)
+            return;
+        m_shownPercent = percent;
+        std::fprintf(stderr, "\r%s %3d %%", m_what, percent);
+        std::fflush(stderr);
+    }
+
+private:
+    const char* m_what;
+    const bool m_isOnTerminal = isatty(STDERR_FILENO) == 1;
+    int m_shownPercent = -1;
+};
+
+// Opens the one flight that is left of the arguments; a bare video shows the overlay on request.
+ExitStatus open(FlightSession& flight, QStringList arguments)
+{
+    const bool withOverlay = takeOption(&arguments, QStringLiteral("--thermal"));
+    const bool hasUnknown =
+        std::any_of(arguments.begin(), arguments.end(), [](const QString& argument) {
+            return argument.startsWith(QLatin1String("--"));
+        });
+    if (hasUnknown || arguments.isEmpty() || arguments.size() > 2)
+        return WrongUsage;
+    const QString error = flight.open(arguments);
+    if (!error.isEmpty())
+        return fail(error);
+    if (withOverlay)
+        flight.player().setShowIR(true);
+    return Done;
+}
+
+struct Picture
+{
+    int timeMs;
+    QString file;
+};
+
+// Takes an option's number; `standard` if it is not there. False for anything but a number.
+bool takeNumber(QStringList* arguments, const QString& option, int standard, int* number)
+{
+    const QString text = takeValue(arguments, option);
+    bool ok = true;
+    *number = text.isNull() ? standard : text.toInt(&ok);
+    return ok;
+}
+
+// Fetches all pictures at once, as the window does, and saves each on the thread that makes it.
+ExitStatus savePictures(FlightSession& flight, const QList<Picture>& pictures)
+{
+    const int total = pictures.size();
+    ProgressLine progress("frames");
+    QStringList failures;
+    int answered = 0;
+    QEventLoop loop;
+    const auto answer = [&](const QString& failure) {
+        if (!failure.isEmpty())
+            failures << failure;
+        progress.show(++answered, total);
+        if (answered == total)
+            loop.quit();
+    };
+    for (const Picture& picture : pictures) {
+        const auto save = [&loop, answer, picture](const QImage& image) {
+            QString failure;
+            if (image.isNull())
+                failure = QStringLiteral("no picture at %1 ms").arg(picture.timeMs);
+            else if (!image.save(picture.file))
+                failure = picture.file + QStringLiteral(": cannot be written");
+            post(&loop, [answer, failure] { answer(failure); });
+        };
+        flight.player().getFrameAsync(QTime(0, 0, 0, 0).addMSecs(picture.timeMs), save);
+    }
+    loop.exec();
+    if (failures.isEmpty())
+        return Done;
+    return fail(failures.size() == 1 ? failures.first()
+                                     : QStringLiteral("%1 of %2 frames failed; the first: %3")
+                                           .arg(failures.size())
+                                           .arg(total)
+                                           .arg(failures.first()));
+}
+
+ExitStatus frame(QStringList arguments)
+{
+    int timeMs = 0;
+    const bool hasTime = arguments.contains(QStringLiteral("--at-ms"));
+    const QString out = takeValue(&arguments, QStringLiteral("--out"));
+    if (!takeNumber(&arguments, QStringLiteral("--at-ms"), 0, &timeMs) || !hasTime || timeMs < 0 ||
+        out.isEmpty())
+        return WrongUsage;
+    FlightSession flight;
+    const ExitStatus status = open(flight, arguments);
+    return status == Done ? savePictures(flight, {{timeMs, out}}) : status;
+}
+
+QList<int> positionsOfMarks(const FlightSession& flight)
+{
+    QList<int> positions;
+    for (const QVariant& mark : flight.marks())
+        positions << mark.toMap().value(QStringLiteral("time")).toInt();
+    return positions;
+}
+
+QList<int> positionsOfRange(const VideoPlayer& player, int fromMs, int toMs, int spacing)
+{
+    const int endMs = QTime(0, 0, 0, 0).msecsTo(player.duration()) - 1;
+    const qint64 stepMs = qint64(spacing) * player.frameDurationMs();
+    QList<int> positions;
+    for (qint64 ms = fromMs; ms <= std::min(toMs, endMs) && stepMs > 0; ms += stepMs)
+        positions << static_cast<int>(ms);
+    return positions;
+}
+
+ExitStatus frames(QStringList arguments)
+{
+    const QString out = takeValue(&arguments, QStringLiteral("--out"));
+    QString prefix = takeValue(&arguments, QStringLiteral("--prefix"));
+    if (prefix.isNull())
+        prefix = standardPrefix;
+    const bool ofMarks = takeOption(&arguments, QStringLiteral("--poi"));
+    const bool ofRange = arguments.contains(QStringLiteral("--from-ms")) ||
+                         arguments.contains(QStringLiteral("--to-ms")) ||
+                         arguments.contains(QStringLiteral("--spacing"));
+    int fromMs = 0;
+    int toMs = 0;
+    int spacing = 0;
+    if (!takeNumber(&arguments, QStringLiteral("--from-ms"), 0, &fromMs) ||
+        !takeNumber(&arguments, QStringLiteral("--to-ms"), std::numeric_limits<int>::max(),
+                    &toMs) ||
+        !takeNumber(&arguments, QStringLiteral("--spacing"), standardSpacing, &spacing) ||
+        (ofMarks && ofRange) || fromMs < 0 || toMs < fromMs || spacing < 1 || out.isEmpty() ||
+        prefix.isEmpty())
+        return WrongUsage;
+    FlightSession flight;
+    const ExitStatus status = open(flight, arguments);
+    if (status != Done)
+        return status;
+    if (!QDir().mkpath(out))
+        return fail(out + QStringLiteral(": cannot be made"));
+    const QList<int> positions = ofMarks ? positionsOfMarks(flight)
+                                         : positionsOfRange(flight.player(), fromMs, toMs, spacing);
+    if (positions.isEmpty())
+        return fail(ofMarks ? QStringLiteral("the flight has no marks")
+                            : QStringLiteral("no frame lies in the range"));
+    QList<Picture> pictures;
+    for (const int timeMs : positions) {
+        const QString number = QString::number(pictures.size()).rightJustified(3, QLatin1Char('0'));
+        pictures.append({timeMs, QDir(out).filePath(prefix + number + QStringLiteral(".jpg"))});
+    }
+    return savePictures(flight, pictures);
+}
+
+ExitStatus video(QStringList arguments)
+{
+    const QString out = takeValue(&arguments, QStringLiteral("--out"));
+    if (out.isEmpty())
+        return WrongUsage;
+    FlightSession flight;
+    const ExitStatus status = open(flight, arguments);
+    if (status != Done)
+        return status;
+    ProgressLine progress("video");
+    bool isWritten = false;
+    int written = 0;
+    int total = 0;
+    // Both signals come from the worker's thread; queued, they arrive on this one.
+    QEventLoop loop;
+    QObject::connect(
+        &flight.player(), &VideoPlayer::videoExportProgress, &loop,
+        [&](int done, int frameCount) {
+            written = done;
+            total = frameCount;
+            progress.show(done, frameCount);
+        },
+        Qt::QueuedConnection);
+    QObject::connect(
+        &flight.player(), &VideoPlayer::videoExportComplete, &loop,
+        [&](bool result) {
+            isWritten = result;
+            loop.quit();
+        },
+        Qt::QueuedConnection);
+    flight.player().exportVideo(out);
+    loop.exec();
+    if (!isWritten)
+        return fail(out + QStringLiteral(": cannot be written"));
+    if (written < total)
+        return fail(QStringLiteral("%1: only %2 of %3 frames could be read")
+                        .arg(out)
+                        .arg(written)
+                        .arg(total));
+    return Done;
+}
+
+} // namespace
+
+std::vector<Command> frameCommands()
+{
+    const QString flight = QStringLiteral("(PROJECT | VIDEO [LOG]) [--thermal]");
+    return {{QStringLiteral("frame"), flight + QStringLiteral(" --at-ms N --out IMAGE"),
+             QStringLiteral("one picture, in the format of its suffix"), frame},
+            {QStringLiteral("frames"),
+             flight + QStringLiteral(" --out FOLDER [--prefix P] "
+                                     "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
+             QStringLiteral("a series of pictures, or one of each mark"), frames},
+            {QStringLiteral("video"), flight + QStringLiteral(" --out VIDEO"),
+             QStringLiteral("the whole flight as a new video"), video}};
+}
+
+} // namespace corv::cli
