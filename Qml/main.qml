@@ -658,4 +658,8 @@ ApplicationWindow {
             }
         }
     }
+
+    FileDrop {
+        anchors.fill: parent
+    }
 }

@@ -1,0 +1,132 @@
+#include "ReviewFixture.h"
+
+#include <QDropEvent>
+#include <QFile>
+#include <QMimeData>
+#include <memory>
+
+using namespace corv::test;
+
+/// Files dropped on the main window.
+class FileDropTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { UiFixture::prepare(); }
+    void init();
+    void cleanup() { m_ui.reset(); }
+    void opensAVideo();
+    void opensAVideoWithItsLog();
+    void importsALogIntoTheOpenVideo();
+    void opensAProject();
+    void refusesWhatItCannotOpen_data();
+    void refusesWhatItCannotOpen();
+    void leavesTextAlone();
+
+private:
+    void drop(const QStringList& paths);
+    bool dropData(const QMimeData& data);
+
+    std::unique_ptr<ReviewFixture> m_ui;
+};
+
+void FileDropTest::init()
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+}
+
+bool FileDropTest::dropData(const QMimeData& data)
+{
+    QQuickWindow* window = m_ui->window();
+    const QPoint middle(window->width() / 2, window->height() / 2);
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &enter);
+    if (!enter.isAccepted())
+        return false;
+    QDropEvent event(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &event);
+    return event.isAccepted();
+}
+
+void FileDropTest::drop(const QStringList& paths)
+{
+    QList<QUrl> urls;
+    for (const QString& path : paths)
+        urls << QUrl::fromLocalFile(path);
+    QMimeData data;
+    data.setUrls(urls);
+    QVERIFY(dropData(data));
+}
+
+void FileDropTest::opensAVideo()
+{
+    // A name with all that a URL escapes.
+    const QString path =
+        FlightMedia::instance().newFolder() + QStringLiteral("/Flug #1 über 100%.MP4");
+    QVERIFY(QFile::copy(FlightMedia::instance().video(), path));
+    drop({path});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QCOMPARE(m_ui->evaluate(QStringLiteral("videoPlayer.source")).toString(), path);
+}
+
+void FileDropTest::opensAVideoWithItsLog()
+{
+    drop({FlightMedia::instance().log(), FlightMedia::instance().video()});
+    QTRY_COMPARE(m_ui->evaluate(QStringLiteral("LogParser.source")).toString(),
+                 FlightMedia::instance().log());
+    QTRY_VERIFY(!m_ui->evaluate(QStringLiteral("LogParser.isParsing")).toBool());
+    QVERIFY(m_ui->hasVideo());
+    QVERIFY(!UiFixture::messageBox());
+}
+
+void FileDropTest::importsALogIntoTheOpenVideo()
+{
+    QVERIFY(m_ui->openVideo());
+    drop({FlightMedia::instance().log()});
+    QTRY_COMPARE(m_ui->evaluate(QStringLiteral("LogParser.source")).toString(),
+                 FlightMedia::instance().log());
+    QVERIFY(m_ui->hasVideo());
+}
+
+void FileDropTest::opensAProject()
+{
+    QVERIFY(m_ui->openVideo());
+    const QString path = FlightMedia::instance().newFolder() + QStringLiteral("/work.ecor");
+    m_ui->call("doSaveProject", {path});
+    m_ui->call("goCloseProject");
+    QVERIFY(!m_ui->hasVideo());
+    drop({path});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QCOMPARE(m_ui->get(QStringLiteral("currentProject"), "filePath").toString(), path);
+}
+
+void FileDropTest::refusesWhatItCannotOpen_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("a picture") << QStringLiteral("/somewhere/picture.jpg");
+    QTest::newRow("a log without a video") << QStringLiteral("/somewhere/flight.log");
+}
+
+void FileDropTest::refusesWhatItCannotOpen()
+{
+    QFETCH(QString, name);
+    drop({name});
+    QTRY_VERIFY(UiFixture::messageBox());
+    QCOMPARE(UiFixture::messageBox()->text(),
+             QStringLiteral("Invalid file extension, choose a \".mov\", \".avi\", \".3gp\" or "
+                            "\".mp4\" file"));
+    QVERIFY(UiFixture::dismissMessageBox());
+    QVERIFY(!m_ui->hasVideo());
+}
+
+void FileDropTest::leavesTextAlone()
+{
+    QMimeData data;
+    data.setText(QStringLiteral("only words"));
+    QVERIFY(!dropData(data));
+}
+
+QTEST_MAIN(FileDropTest)
+#include "FileDropTest.moc"
