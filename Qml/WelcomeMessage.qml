@@ -30,7 +30,7 @@ Rectangle {
     Grid {
         id: actions
 
-        readonly property int cellWidth: 180
+        readonly property int cellWidth: Math.min(180, (welcome_notice.width - 2 * columnSpacing) / 3)
         readonly property int cellsWidth: columns * cellWidth + (columns - 1) * columnSpacing
 
         // Centred by its cells, which reach beyond it on the right.

@@ -603,8 +603,8 @@ ApplicationWindow {
                 id: welcomeMessage
                 objectName: "welcomeMessage"
                 anchors.centerIn: parent
-                // Wider than the place for the video in the narrowest window.
-                scale: Math.min(1, (parent.width - 8) / width)
+                // The place for the video is narrower than the panel in the narrowest window.
+                width: Math.min(560, parent.width - 8)
                 visible: !videoPlayer.hasVideoOpened
                 onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
                 onOpenSingleClicked: mainWindow.goOpenVideo("welcome_screen")
