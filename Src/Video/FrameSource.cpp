@@ -16,6 +16,13 @@ namespace {
 // is never the slower way.
 constexpr int grabAheadLimit = 16;
 
+// How many frames at the start show whether a file keeps its rate.
+constexpr int framesLookedAt = 4;
+
+// Up to this many promised frames a file without a steady rate is read from its start for every
+// position behind the next frame; in a longer one that would take too long to be of use.
+constexpr int readThroughLimit = 1000;
+
 class CaptureFrameSource : public FrameSource
 {
 public:
@@ -39,9 +46,13 @@ private:
     bool openCapture();
     bool reopen();
     bool readCapture(cv::Mat& frame);
+    bool retrieveNext(cv::Mat& frame);
+    bool keepsRate();
+    bool isOnTime(int index) const;
     void position(int index);
     bool grabTo(int index);
     int countFrames();
+    int countByReading();
     int grabAll();
     bool arrives(int index);
     int searchFrameCount(int promised);
@@ -54,6 +65,9 @@ private:
     QSize m_wholeSize;
     QSize m_size;
     int m_nextFrame = 0;
+    double m_firstFrameMs = 0.0;
+    bool m_steadyRate = true; // else a number means nothing to the back-end
+    bool m_justPositioned = false;
 };
 
 bool CaptureFrameSource::open()
@@ -126,18 +140,30 @@ bool CaptureFrameSource::read(cv::Mat& frame)
 
 bool CaptureFrameSource::readCapture(cv::Mat& frame)
 {
-    if (m_size == m_wholeSize) {
-        if (!m_capture.read(frame))
+    if (!retrieveNext(frame))
+        return false;
+    if (std::exchange(m_justPositioned, false) && m_promisedCount <= readThroughLimit &&
+        !isOnTime(m_nextFrame)) {
+        const int wanted = m_nextFrame;
+        m_steadyRate = false;
+        position(0);
+        if (!grabTo(wanted) || !retrieveNext(frame))
             return false;
-    } else {
-        cv::Mat whole;
-        if (!m_capture.read(whole))
-            return false;
-        frame = whole(cv::Rect(0, 0, std::min(m_size.width(), whole.cols),
-                               std::min(m_size.height(), whole.rows)));
     }
     ++m_nextFrame;
     return !frame.empty();
+}
+
+bool CaptureFrameSource::retrieveNext(cv::Mat& frame)
+{
+    if (m_size == m_wholeSize)
+        return m_capture.read(frame);
+    cv::Mat whole;
+    if (!m_capture.read(whole))
+        return false;
+    frame = whole(cv::Rect(0, 0, std::min(m_size.width(), whole.cols),
+                           std::min(m_size.height(), whole.rows)));
+    return true;
 }
 
 std::unique_ptr<FrameSource> CaptureFrameSource::clone() const
@@ -145,18 +171,21 @@ std::unique_ptr<FrameSource> CaptureFrameSource::clone() const
     auto copy = std::make_unique<CaptureFrameSource>(m_file, m_frameCount);
     if (!copy->open())
         return nullptr;
+    copy->m_firstFrameMs = m_firstFrameMs;
+    copy->m_steadyRate = m_steadyRate;
     return copy;
 }
 
 void CaptureFrameSource::position(int index)
 {
-    if (m_promisedCount <= 1) { // the back-end cannot position in a file of unknown length
+    if (m_promisedCount <= 1 || !m_steadyRate) { // the back-end cannot position by number
         reopen();
         m_nextFrame = 0;
         return;
     }
     m_capture.set(cv::CAP_PROP_POS_FRAMES, index);
     m_nextFrame = truncateToInt(m_capture.get(cv::CAP_PROP_POS_FRAMES));
+    m_justPositioned = true;
 }
 
 bool CaptureFrameSource::grabTo(int index)
@@ -175,15 +204,50 @@ int CaptureFrameSource::countFrames()
 {
     if (!m_capture.grab())
         return 0;
+    m_firstFrameMs = m_capture.get(cv::CAP_PROP_POS_MSEC);
     if (m_promisedCount <= 1)
         return 1 + grabAll();
+    if (m_promisedCount <= readThroughLimit && !keepsRate())
+        return countByReading();
     position(m_promisedCount);
     const int reached = m_nextFrame;
     if (reached == m_promisedCount)
         return reached + grabAll();
-    if (arrives(reached - 1) && !m_capture.grab())
-        return reached;
+    if (arrives(reached - 1)) {
+        if (m_promisedCount <= readThroughLimit && !isOnTime(reached - 1))
+            return countByReading();
+        if (!m_capture.grab())
+            return reached;
+    }
     return searchFrameCount(m_promisedCount);
+}
+
+int CaptureFrameSource::countByReading()
+{
+    m_steadyRate = false;
+    reopen();
+    return grabAll();
+}
+
+// The back-end takes a number for a time, at the file's mean rate. Where frames do not come at that
+// rate it leads to another frame.
+bool CaptureFrameSource::keepsRate()
+{
+    for (int index = 1; index < framesLookedAt && m_capture.grab(); ++index) {
+        if (!isOnTime(index))
+            return false;
+    }
+    return true;
+}
+
+// Of the frame grabbed last. While the decoder drains, the back-end says 0.
+bool CaptureFrameSource::isOnTime(int index) const
+{
+    const double ms = m_capture.get(cv::CAP_PROP_POS_MSEC);
+    if (ms <= 0.0)
+        return true;
+    const double frameMs = 1000.0 / m_fps;
+    return std::abs(ms - m_firstFrameMs - index * frameMs) <= 0.75 * frameMs;
 }
 
 int CaptureFrameSource::grabAll()

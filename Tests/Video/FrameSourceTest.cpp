@@ -37,6 +37,8 @@ private slots:
     void everyFrameIsTheOneAskedFor();
     void countIsWhatArrives_data();
     void countIsWhatArrives();
+    void aVariableRateIsExact_data();
+    void aVariableRateIsExact();
     void sidesAreCroppedToEven_data();
     void sidesAreCroppedToEven();
     void aTurnedVideoKeepsItsTurnedSize();
@@ -156,6 +158,40 @@ void FrameSourceTest::countIsWhatArrives()
     QCOMPARE(readNumber(*source), first + arrived - 1);
     QVERIFY(source->seekToFrame(arrived / 2));
     QCOMPARE(readNumber(*source), first + arrived / 2);
+}
+
+void FrameSourceTest::aVariableRateIsExact_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::newRow("slower from the middle on") << "select='lt(n,60)+not(mod(n,3))'";
+    QTest::newRow("slower up to the middle") << "select='gt(n,100)+not(mod(n,4))'";
+    QTest::newRow("a gap") << "select='lt(n,50)+gt(n,120)'";
+}
+
+void FrameSourceTest::aVariableRateIsExact()
+{
+    QFETCH(QString, filter);
+    const QString steady = path("steady.mp4");
+    const QString variable = path("variable.mp4");
+    QVERIFY((TestVideo{200, "30", {320, 240}, 0, h264With({"-g", "30"})}.write(steady)));
+    QVERIFY(runFfmpeg(QStringList{"-i", steady, "-vf", filter, "-vsync", "vfr", "-g", "20"} + h264 +
+                      QStringList{variable}));
+    const auto source = openFrameSource(variable);
+    QVERIFY(source);
+    QList<int> numbers;
+    for (int number = readNumber(*source); number >= 0; number = readNumber(*source))
+        numbers << number;
+    QCOMPARE(source->frameCount(), numbers.size());
+    const auto clone = source->clone();
+    QVERIFY(clone);
+    std::mt19937 random(5);
+    for (int round = 0; round < 25; ++round) {
+        const int wanted = static_cast<int>(random() % static_cast<unsigned>(numbers.size()));
+        FrameSource& asked = round % 2 ? *source : *clone;
+        QVERIFY(asked.seekToFrame(wanted));
+        QCOMPARE(readNumber(asked), numbers.at(wanted));
+        QCOMPARE(asked.nextFrame(), wanted + 1);
+    }
 }
 
 void FrameSourceTest::sidesAreCroppedToEven_data()

@@ -4,10 +4,12 @@
 #include "Threads/post.h"
 #include "Video/VideoPlayer.h"
 
+#include <QAbstractVideoBuffer>
 #include <QAbstractVideoSurface>
 #include <QList>
 #include <QObject>
 #include <QVideoSurfaceFormat>
+#include <cstring>
 #include <memory>
 
 namespace corv::test {
@@ -75,6 +77,21 @@ private:
 
     std::shared_ptr<Answer> m_answer;
 };
+
+/// Whether two frames hold the same pixels.
+inline bool samePicture(QVideoFrame a, QVideoFrame b)
+{
+    if (a.size() != b.size() || !a.map(QAbstractVideoBuffer::ReadOnly))
+        return false;
+    bool same = b.map(QAbstractVideoBuffer::ReadOnly);
+    if (same) {
+        same = a.mappedBytes() == b.mappedBytes() &&
+               std::memcmp(a.bits(), b.bits(), static_cast<size_t>(a.mappedBytes())) == 0;
+        b.unmap();
+    }
+    a.unmap();
+    return same;
+}
 
 inline QTime timeAt(int ms)
 {
