@@ -4,6 +4,7 @@
 #include "Support/MessageLog.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -470,7 +471,10 @@ private slots:
 
     void killedAtAnyMomentTheEarlierOrTheNewProjectIsThere()
     {
+        QElapsedTimer timer;
+        timer.start();
         m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("0", 300)));
+        const auto fewSavesUs = static_cast<unsigned long>(timer.nsecsElapsed() / 1000 * 6 + 2000);
         std::mt19937 random(20180521);
         QSet<QString> survivors;
         for (int round = 0; round < 200; ++round) {
@@ -485,7 +489,7 @@ private slots:
                 }
             }
             // The random moment is what is tested, so this is no wait for a condition.
-            std::this_thread::sleep_for(std::chrono::microseconds(random() % 8000));
+            std::this_thread::sleep_for(std::chrono::microseconds(random() % fewSavesUs));
             kill(child, SIGKILL);
             QCOMPARE(waitpid(child, nullptr, 0), child);
 
