@@ -474,7 +474,7 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("0", 300)));
-        const auto fewSavesUs = static_cast<unsigned long>(timer.nsecsElapsed() / 1000 * 6 + 2000);
+        const auto fewSavesUs = static_cast<unsigned long>(timer.nsecsElapsed() / 1000 * 3 + 2000);
         std::mt19937 random(20180521);
         QSet<QString> survivors;
         for (int round = 0; round < 200; ++round) {
