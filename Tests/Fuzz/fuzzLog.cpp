@@ -13,7 +13,7 @@ void readAll(const LogFile& log)
     for (const LogGroup& group : log.getGroups()) {
         for (const LogVar& var : group.getVars()) {
             const int lastRow = var.getNbPackets() - 1;
-            for (const int column : {-1, 0, var.getNb() - 1, var.getNb()}) {
+            for (const int column : {-1, 0, std::max(var.getNb(), 1) - 1, var.getNb()}) {
                 quint8 byte = 0;
                 quint32 word = 0;
                 void* rows = nullptr;

@@ -22,7 +22,7 @@ Run vistrel(const QStringList& arguments)
 {
     QProcess program;
     program.start(QStringLiteral(VISTREL_CLI), arguments);
-    if (!program.waitForFinished() || program.exitStatus() != QProcess::NormalExit)
+    if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit)
         return {};
     return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
 }
@@ -85,7 +85,7 @@ LogBuilder allTypes()
     const QByteArray ones(4, '\xff');
     log.addPacket(1, ones + ones + ones + ones.left(2) + ones.left(2) + LogBuilder::f32(0.1F) +
                          LogBuilder::f64(-1e300) + ones.left(1));
-    log.addPacket(1, QByteArray(27, '\0'));
+    log.addPacket(1, QByteArray(29, '\0'));
     log.addGroup("nothing", 2, {});
     log.addGroup("endless", 3, {{"v", "UINT8", 2000000000}});
     return log;
