@@ -162,12 +162,13 @@ void MonkeyTest::survivesAnything()
     QStringList unexpected;
     const QStringList errors = m_ui->scriptErrors();
     for (const QString& error : errors) {
-        // Keys of these two call what their buttons do not have, and the tab has no such member.
-        if (!error.contains("pressButton") && !error.contains("imperialUnits") &&
-            !error.contains("settingsConnection"))
+        // The controls' own documents are not ours. Of ours, keys of two windows call what their
+        // buttons do not have, and the tab has no such member.
+        if (error.contains("qrc:/") && !error.contains("pressButton") &&
+            !error.contains("imperialUnits") && !error.contains("settingsConnection"))
             unexpected.append(error);
     }
-    QCOMPARE(unexpected, QStringList());
+    QCOMPARE(unexpected.join("\n"), QString());
     m_ui.reset();
 }
 
