@@ -1,5 +1,6 @@
 #include "ReviewFixture.h"
 
+#include <QAccessible>
 #include <QScreen>
 #include <memory>
 
@@ -17,6 +18,7 @@ private slots:
     void mainWindow_data();
     void mainWindow();
     void pointersAndIconsAreDrawnSharp();
+    void everyControlHasANameForAReader();
 
 private:
     void bringInto(const QString& state);
@@ -158,6 +160,32 @@ void LookTest::pointersAndIconsAreDrawnSharp()
         QCOMPARE(image.width(), qRound(picture->width() * density));
         QVERIFY(picture->width() <= button->width());
     }
+    m_ui.reset();
+}
+
+void LookTest::everyControlHasANameForAReader()
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+    bringInto("adjustments");
+    int controls = 0;
+    const QList<QQuickItem*> items = m_ui->window()->findChildren<QQuickItem*>();
+    for (QQuickItem* item : items) {
+        QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(item);
+        if (!reader)
+            continue;
+        const QAccessible::Role role = reader->role();
+        if (role != QAccessible::Button && role != QAccessible::CheckBox &&
+            role != QAccessible::Slider && role != QAccessible::SpinBox)
+            continue;
+        ++controls;
+        QVERIFY2(
+            !reader->text(QAccessible::Name).isEmpty(),
+            qPrintable("no name: " + item->objectName() + " " + item->metaObject()->className()));
+        QVERIFY2(!item->objectName().isEmpty(),
+                 qPrintable("no objectName: " + reader->text(QAccessible::Name)));
+    }
+    QVERIFY2(controls >= 30, qPrintable(QString::number(controls)));
     m_ui.reset();
 }
 

@@ -6,6 +6,17 @@
 
 using namespace corv::test;
 
+namespace {
+
+// Twice this, for two seeds; where every access to memory is watched, ten thousand in all.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int usualSteps = 5000;
+#else
+constexpr int usualSteps = 2500;
+#endif
+
+} // namespace
+
 /// Thousands of clicks, keys and wheel steps at random, with a flight open: nothing may crash, and
 /// no script may fail but where it is known to. VISTREL_MONKEY_STEPS makes it longer.
 class MonkeyTest : public QObject
@@ -143,7 +154,7 @@ void MonkeyTest::survivesAnything()
     m_ui->find("exitMenuItem")->setProperty("enabled", false);
     const int steps = qEnvironmentVariableIsSet("VISTREL_MONKEY_STEPS")
                           ? qEnvironmentVariableIntValue("VISTREL_MONKEY_STEPS")
-                          : 2500;
+                          : usualSteps;
     for (int index = 0; index < steps; ++index) {
         if (index % 400 == 0) {
             answerDialogs();
