@@ -1,7 +1,13 @@
 #include "Log/transpose.h"
 
+#include "Threads/pool.h"
+
+#include <QThread>
 #include <algorithm>
+#include <atomic>
 #include <cstring>
+#include <memory>
+#include <thread>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -10,6 +16,11 @@ namespace corv {
 namespace {
 
 constexpr size_t kLineBytes = 64; // of the cache
+
+// Most of the time goes into memory that is touched for the first time, which two cores do nearly
+// twice as fast. Below this much it would not pay to wake another one.
+constexpr size_t kSharedFromBytes = size_t(256) << 10;
+constexpr int kMostHelpers = 3;
 
 template <typename T>
 T load(const unsigned char* from)
@@ -156,21 +167,71 @@ private:
     alignas(kLineBytes) unsigned char m_words[kColumns * kColumnBytes];
 };
 
-void transposeWords(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
+// The tiles of one piece of a table, taken one by one by whoever has time: the caller and tasks on
+// the pool. A task that comes late finds nothing left and touches nothing, so nobody waits for one.
+class WordTiles
 {
-    WordTile tile;
-    for (size_t row = 0; row < from.rows; row += WordTile::kRows) {
-        const size_t rows = std::min(WordTile::kRows, from.rows - row);
-        for (size_t column = 0; column < columns; column += WordTile::kColumns) {
-            const size_t width = std::min(WordTile::kColumns, columns - column);
-            tile.gather(from, row, rows, column, width);
-            tile.giveColumns(rows, width, to + column * columnBytes + row * sizeof(std::uint16_t),
-                             columnBytes);
+public:
+    WordTiles(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
+        : m_from(from), m_columns(columns), m_to(to), m_columnBytes(columnBytes),
+          m_count((columns + WordTile::kColumns - 1) / WordTile::kColumns)
+    {
+    }
+
+    void takeTiles()
+    {
+        WordTile tile;
+        for (;;) {
+            const size_t index = m_next.fetch_add(1, std::memory_order_relaxed);
+            if (index >= m_count)
+                return;
+            transposeTile(&tile, index * WordTile::kColumns);
+#ifdef __SSE2__
+            _mm_sfence(); // whoever is told that the columns are there finds them there
+#endif
+            m_done.fetch_add(1, std::memory_order_release);
         }
     }
-#ifdef __SSE2__
-    _mm_sfence(); // whoever is told that the columns are there finds them there
-#endif
+
+    /// Only tiles that somebody is at are waited for, some microseconds each.
+    void waitForAll() const
+    {
+        while (m_done.load(std::memory_order_acquire) < m_count)
+            std::this_thread::yield();
+    }
+
+private:
+    void transposeTile(WordTile* tile, size_t column) const
+    {
+        const size_t width = std::min(WordTile::kColumns, m_columns - column);
+        for (size_t row = 0; row < m_from.rows; row += WordTile::kRows) {
+            const size_t rows = std::min(WordTile::kRows, m_from.rows - row);
+            tile->gather(m_from, row, rows, column, width);
+            tile->giveColumns(rows, width,
+                              m_to + column * m_columnBytes + row * sizeof(std::uint16_t),
+                              m_columnBytes);
+        }
+    }
+
+    const RowSource m_from;
+    const size_t m_columns;
+    unsigned char* const m_to;
+    const size_t m_columnBytes;
+    const size_t m_count;
+    std::atomic<size_t> m_next{0};
+    std::atomic<size_t> m_done{0};
+};
+
+void transposeWords(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
+{
+    const auto tiles = std::make_shared<WordTiles>(from, columns, to, columnBytes);
+    if (from.rows * columns * sizeof(std::uint16_t) >= kSharedFromBytes) {
+        const int helpers = std::min(QThread::idealThreadCount() - 1, kMostHelpers);
+        for (int i = 0; i < helpers; ++i)
+            runOnPool([tiles] { tiles->takeTiles(); });
+    }
+    tiles->takeTiles();
+    tiles->waitForAll();
 }
 
 template <typename T>
