@@ -34,7 +34,7 @@ QTime timeOfMs(int ms)
 void waitUntil(const std::function<bool()>& condition)
 {
     while (!condition())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 double secondsOf(const std::function<void()>& work)
