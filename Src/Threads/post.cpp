@@ -4,7 +4,6 @@
 
 #include <QMetaObject>
 #include <QObject>
-#include <QTimer>
 #include <utility>
 
 namespace corv {
@@ -71,14 +70,6 @@ private:
 void post(QObject* target, std::function<void()> job)
 {
     QMetaObject::invokeMethod(target, QueuedJob(std::move(job)), Qt::QueuedConnection);
-}
-
-void postAfter(int delayMs, QObject* target, std::function<void()> job)
-{
-    // A timer started on a thread without an event loop would never fire: it is started over there.
-    post(target, [delayMs, target, job = std::move(job)]() mutable {
-        QTimer::singleShot(delayMs, Qt::PreciseTimer, target, std::move(job));
-    });
 }
 
 } // namespace corv

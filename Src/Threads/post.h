@@ -13,7 +13,4 @@ namespace corv {
 /// What the job captures is handed over: the caller keeps no reference into it that it writes to.
 void post(QObject* target, std::function<void()> job);
 
-/// As `post`, but `delayMs` milliseconds after the posting has reached the target's thread.
-void postAfter(int delayMs, QObject* target, std::function<void()> job);
-
 } // namespace corv

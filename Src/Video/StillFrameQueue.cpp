@@ -3,19 +3,25 @@
 #include <utility>
 
 namespace corv {
+namespace {
+
+constexpr int delayMs = 50;
+
+} // namespace
 
 StillFrameQueue::StillFrameQueue(std::function<QImage(QTime)> fetch, QObject* parent)
     : QObject(parent), m_fetch(std::move(fetch)), m_turn(this)
 {
-    m_turn.setInterval(0);
+    m_turn.setSingleShot(true);
+    m_turn.setTimerType(Qt::PreciseTimer);
     connect(&m_turn, &QTimer::timeout, this, &StillFrameQueue::serveOne);
 }
 
 void StillFrameQueue::add(QTime time, Callback callback)
 {
-    m_requests.push_back({time, std::move(callback)});
+    m_requests.push_back({QDeadlineTimer(delayMs, Qt::PreciseTimer), time, std::move(callback)});
     if (!m_turn.isActive())
-        m_turn.start();
+        waitForNext();
 }
 
 void StillFrameQueue::answerNull()
@@ -34,11 +40,18 @@ void StillFrameQueue::drop()
 
 void StillFrameQueue::serveOne()
 {
-    const Request request = std::move(m_requests.front());
-    m_requests.pop_front();
-    if (m_requests.empty())
-        m_turn.stop();
-    request.callback(m_fetch(request.time));
+    if (m_requests.front().notBefore.hasExpired()) {
+        const Request request = std::move(m_requests.front());
+        m_requests.pop_front();
+        request.callback(m_fetch(request.time));
+    }
+    waitForNext();
+}
+
+void StillFrameQueue::waitForNext()
+{
+    if (!m_requests.empty())
+        m_turn.start(static_cast<int>(m_requests.front().notBefore.remainingTime()));
 }
 
 } // namespace corv

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QImage>
 #include <QObject>
 #include <QTime>
@@ -9,9 +10,9 @@
 
 namespace corv {
 
-/// The requests for single pictures that wait for the worker. It serves one per turn of the event
-/// loop, after everything posted before, so that playback and seeks come first. On the worker's
-/// thread.
+/// The requests for single pictures that wait for the worker. Each waits for a moment, in which
+/// more urgent wishes overtake it; then one is served per turn of the event loop, after everything
+/// posted before, so that playback and seeks come first. On the worker's thread.
 class StillFrameQueue : public QObject
 {
     Q_OBJECT
@@ -33,15 +34,19 @@ public:
 private:
     struct Request
     {
+        QDeadlineTimer notBefore;
         QTime time;
         Callback callback;
     };
 
     void serveOne();
+    void waitForNext();
 
     std::function<QImage(QTime)> m_fetch;
     std::deque<Request> m_requests;
-    QTimer m_turn; // a timer of 0 fires once a turn, when no posted event is left
+    // One for all: thousands of timers at once would cost the event loop seconds. With nothing left
+    // to wait for it fires in the next turn, when no posted event is left.
+    QTimer m_turn;
 };
 
 } // namespace corv

@@ -18,7 +18,6 @@ namespace corv {
 namespace {
 
 constexpr int busyMs = 1000;
-constexpr int stillFrameDelayMs = 50;
 constexpr int positionSignalStepMs = 100;
 constexpr double doubleTolerance = 2.220446049250313e-16;
 
@@ -144,7 +143,8 @@ void VideoPlayer::onFrameReady(int opening, PlayerFrame frame, bool seekResult)
         m_frames.append(std::move(frame));
         return;
     }
-    // Of two seeks in a row the first one's picture may still be here, which is not the one to show.
+    // Of two seeks in a row the first one's picture may still be here, which is not the one to
+    // show.
     m_frames = {std::move(frame)};
     m_seeking = false;
     paintNextFrame();
@@ -416,11 +416,9 @@ bool VideoPlayer::getFrameAsync(QTime time, std::function<void(const QImage&)> f
         qWarning() << "!m_hasVideoOpened || !frameResultCallback";
         return false;
     }
-    postAfter(stillFrameDelayMs, m_worker.get(),
-              [worker = m_worker.get(), time, callback = std::move(frameResultCallback)]() mutable {
-                  if (!worker->isStopping())
-                      worker->requestFrame(time, std::move(callback));
-              });
+    toWorker([time, callback = std::move(frameResultCallback)](OpenCvWorker& worker) {
+        worker.requestFrame(time, callback);
+    });
     return true;
 }
 
