@@ -285,7 +285,8 @@ int CaptureFrameSource::searchFrameCount(int promised)
 
 bool FrameSource::seekToTime(double ms)
 {
-    return seekToFrame(truncateToInt(std::max(ms, 0.0) * fps() / 1000.0 + 0.5));
+    const int nearest = truncateToInt(std::max(ms, 0.0) * fps() / 1000.0 + 0.5);
+    return seekToFrame(std::min(nearest, frameCount() - 1));
 }
 
 std::unique_ptr<FrameSource> openFrameSource(const QString& file)

@@ -44,7 +44,8 @@ public:
     /// Time inside the file of the frame about to be read, in milliseconds.
     double nextFrameMs() const { return nextFrame() * 1000.0 / fps(); }
 
-    /// Makes the frame nearest to `ms` milliseconds from the start of the file the next one.
+    /// Makes the frame nearest to `ms` milliseconds from the start of the file the next one; behind
+    /// the last frame that is the last one.
     bool seekToTime(double ms);
 };
 

@@ -267,6 +267,11 @@ void FrameSourceTest::stepsAheadAndBackAreExact()
     QVERIFY(source->seekToFrame(5000));
     QCOMPARE(source->nextFrame(), 200);
     QCOMPARE(readNumber(*source), -1);
+    // The last half of the last frame's time is nearest to no later frame.
+    QVERIFY(source->seekToTime(200 * 1000.0 / 30 - 1));
+    QCOMPARE(readNumber(*source), 199);
+    QVERIFY(source->seekToTime(1e12));
+    QCOMPARE(readNumber(*source), 199);
 }
 
 void FrameSourceTest::whatIsNoVideoDoesNotOpen_data()
