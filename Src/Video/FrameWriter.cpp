@@ -1,6 +1,7 @@
 #include "Video/FrameWriter.h"
 
 #include <QDebug>
+#include <QFileInfo>
 #include <QThreadPool>
 #include <exception>
 #include <utility>
@@ -46,7 +47,10 @@ FrameWriter::~FrameWriter()
 bool FrameWriter::open(const QString& file, double fps, QSize size)
 {
     try {
-        return m_writer->open(file.toStdString(), cv::VideoWriter::fourcc('m', 'p', '4', 'v'), fps,
+        // The absolute path, since "name:rest" would be taken for a protocol; and the back-end that
+        // reads, since another one takes "shot001.any" for a series of pictures to be written.
+        return m_writer->open(QFileInfo(file).absoluteFilePath().toStdString(), cv::CAP_FFMPEG,
+                              cv::VideoWriter::fourcc('m', 'p', '4', 'v'), fps,
                               cv::Size(size.width(), size.height()), true);
     } catch (const std::exception& error) {
         qWarning() << "Failed to open the video for writing:" << error.what();

@@ -366,15 +366,17 @@ void VideoExportTest::aRefusedExportEndsAllTheSame()
     QVERIFY(log.contains("!m_hasVideoOpened || file.isEmpty()"));
     QVERIFY(m_player->exportVideo(path("no/folder/out.mp4")));
     QTRY_COMPARE(record.results.size(), 2);
+    QVERIFY(m_player->exportVideo(path("shot001.none"))); // no container; no series of pictures
+    QTRY_COMPARE(record.results.size(), 3);
     m_player->play();
     QTRY_VERIFY(!m_player->playing());
     log.clear();
     QVERIFY(m_player->exportVideo(path("out.mp4"))); // the end of the stream has been reached
-    QTRY_COMPARE(record.results.size(), 3);
+    QTRY_COMPARE(record.results.size(), 4);
     QVERIFY(log.contains("Invalid video capture"));
     m_player->close();
     QVERIFY(!m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 4);
+    QTRY_COMPARE(record.results.size(), 5);
     QVERIFY(!record.results.contains(true));
 }
 
