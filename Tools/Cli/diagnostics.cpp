@@ -39,6 +39,11 @@ void handle(QtMsgType type, const QMessageLogContext&, const QString& message)
 void installDiagnostics(bool verbose)
 {
     isVerbose = verbose;
+    if (!verbose) {
+        // The decoding library's own lines, which it writes past every handler.
+        constexpr const char* noLine = "-8";
+        qputenv("OPENCV_FFMPEG_LOGLEVEL", noLine);
+    }
     qInstallMessageHandler(handle);
 }
 
