@@ -79,7 +79,6 @@ void OpenCvWorker::closeSources()
     m_timeline.close();
     m_sourceFiles.clear();
     m_overlay.clear();
-    m_overlay.clear();
 }
 
 void OpenCvWorker::produceNextFrame(bool seekResult)
@@ -286,11 +285,6 @@ void OpenCvWorker::setClock(std::shared_ptr<const FlightClock> clock)
 void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log)
 {
     m_overlay.updateLogData(hasParser, log);
-}
-
-ThermalOverlay::RangeReport OpenCvWorker::rangeReport()
-{
-    return [this](double min, double max) { emit irDataChanged(min, max); };
 }
 
 void OpenCvWorker::tellPlayerToPause()

@@ -89,7 +89,6 @@ private:
     bool moveToNextFile();
     void handOverPicture(const cv::Mat& picture, int frameIndex, int timeMs, bool seekResult);
     void renderLastFrame();
-    ThermalOverlay::RangeReport rangeReport();
     FrameSource* stillSource(int file);
     QImage extractFrame(FrameSource& capture, double fileMs);
     void tellPlayerToPause();

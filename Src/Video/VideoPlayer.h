@@ -204,7 +204,6 @@ private:
     void toWorker(std::function<void(OpenCvWorker&)> job);
     void requestBurst();
     void startSeek(std::function<void(OpenCvWorker&)> job);
-    void setCurrentFile(const QString& file);
     void startSurface();
     void sendSettings();
     void setOverlayValue(double& field, double value);
