@@ -9,11 +9,17 @@ import "constants.js" as Cst
 Rectangle {
     id: statusLine
 
-    property alias taskProgressBar: taskProgressBar
-    property alias logLoadingIndicator: logLoadingIndicator
-
     height: 26
     color: "#333333"
+
+    function showLogProgress(stage, done, total) {
+        var labels = ["Reading logs version", "Counting logs", "Parsing logs"];
+        var label = labels[stage] || "";
+        var measured = total > 0;
+        logLoadingIndicator.text = measured
+                ? label + " " + Math.floor(done / total * 100) + "%" : label;
+        taskProgressBar.value = measured ? done / total : 0;
+    }
 
     Item {
         objectName: "parsingRow"

@@ -3,7 +3,6 @@ import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import QtQuick.Dialogs 1.2
 import QtQml 2.2
-import QtMultimedia 5.5
 import Qt.labs.settings 1.0
 import corv.AppInfo 1.0
 import corv.ApplicationTelemetry 1.0
@@ -52,7 +51,7 @@ ApplicationWindow {
             displayErrorDialog("Error", Projects.missingFileText("video", projectData.videoFile));
             return;
         }
-        videoPlayer.onVideoSucessfullyOpened = function() { restoreProject(path, projectData); };
+        videoPlayer.onVideoSucessfullyOpened = function() { projectStore.restore(path, projectData); };
         videoPlayer.source = projectData.videoFile.toString();
     }
 
@@ -215,19 +214,7 @@ ApplicationWindow {
     }
 
     function doSaveOperation(path, copySourceFiles) {
-        var project = {poi: timelineContent.getPOIs(), 
-            properties: Projects.properties(videoPlayer, LogParser)};
-        var copied = false;
-        if (copySourceFiles
-                && projectFileLoader.canSourceFilesBeCopied(LogParser.source, videoPlayer.source, path))
-            copied = projectFileLoader.copySourceFilesAndSaveProject(LogParser.source, videoPlayer.source,
-                                                                     path, project);
-        else
-            projectFileLoader.saveProject(LogParser.source, videoPlayer.source, path, project);
-        if (copySourceFiles && !copied)
-            displayWarningDialog("Error copying files to a new destination",
-                                 "Could not copy video or log next to the project file. Moving the project file to a different location after creation may break its association with log and video files. Make sure to keep those files in the same relative location from the project file. \n\nVideo was loaded from:\n\n"
-                                 + videoPlayer.source + "\n\nLog was loaded from\n\n" + LogParser.source);
+        projectStore.save(path, copySourceFiles);
     }
 
     function doCreatePoiReport(path) {
@@ -265,12 +252,7 @@ ApplicationWindow {
     }
 
     function logParsingProgress(stage, done, total) {
-        var labels = ["Reading logs version", "Counting logs", "Parsing logs"];
-        var label = labels[stage] || "";
-        var measured = total > 0;
-        infoTab.logLoadingIndicator.text = measured
-                ? label + " " + Math.floor(done / total * 100) + "%" : label;
-        infoTab.taskProgressBar.value = measured ? done / total : 0;
+        infoTab.showLogProgress(stage, done, total);
     }
 
     function videoExportComplete(result) {
@@ -356,32 +338,6 @@ ApplicationWindow {
         dialog.visible = true;
     }
 
-    // Runs once the project's video is open.
-    function restoreProject(path, projectData) {
-        var properties = projectData.properties || {};
-        resetCorrectionParameters();
-        updateCorrectionParameters();
-        if (projectData.poi)
-            timelineContent.setPOIsFromList(projectData.poi);
-        currentProject.filePath = path;
-        currentProject.fileActive = true;
-        var naming = Projects.naming(properties.designation);
-        LogParser.flightNaming = naming;
-        Projects.restoreDisplay(videoPlayer, properties);
-        videoPlayer.updateControlsStates();
-        videoPlayer.updatePropertiesStates();
-        if (adjustmentsPanel() !== undefined)
-            adjustmentsPanel().showMappingInUse();
-        if (!projectData.logFileExists) {
-            displayErrorDialog("Error", Projects.missingFileText("log", projectData.logFile));
-            return;
-        }
-        LogParser.isParsing = true;
-        LogParser.parseLog(projectData.logFile.toString(), true);
-        Projects.restoreProperty(LogParser, "manualLogTimeOffset", (properties.correction || {}).log_offset);
-        LogParser.flightNaming = naming;
-    }
-
     function setExportProgress(done, total) {
         exportProgressContent.minimumValue = 0;
         exportProgressContent.maximumValue = total;
@@ -435,6 +391,10 @@ ApplicationWindow {
 
     ProjectFileLoader {
         id: projectFileLoader
+    }
+
+    ProjectStore {
+        id: projectStore
     }
 
     PoiReportExporter {
@@ -592,42 +552,16 @@ ApplicationWindow {
         anchors.bottom: controlsTab.top
         focus: true
 
-        Rectangle {
+        VideoArea {
             id: videoRect
             objectName: "videoRect"
             anchors.fill: parent
             anchors.rightMargin: 3 + mainWindow.sidebarWidth
-            color: "#1a1a1a"
-
-            WelcomeMessage {
-                id: welcomeMessage
-                objectName: "welcomeMessage"
-                anchors.centerIn: parent
-                // The place for the video is narrower than the panel in the narrowest window.
-                width: Math.min(560, parent.width - 8)
-                visible: !videoPlayer.hasVideoOpened
-                onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
-                onOpenSingleClicked: mainWindow.goOpenVideo("welcome_screen")
-                onBrowseRemovableDevicesClicked: mainWindow.goExploreRemovableDevices()
-            }
 
             ReviewPlayer {
                 id: videoPlayer
                 objectName: "videoPlayer"
                 anchors.fill: parent
-            }
-
-            VideoOutput {
-                id: videoOutput
-                objectName: "videoOutput"
-                anchors.fill: parent
-                source: videoPlayer
-            }
-
-            BusyIndicator {
-                objectName: "busyIndicator"
-                anchors.centerIn: parent
-                running: videoPlayer.isBusy
             }
 
             MouseArea {

@@ -7,6 +7,11 @@ function missingFileText(kind, path) {
             + kind + " file location:\n" + path;
 }
 
+function notCopiedText(videoPath, logPath) {
+    return "Could not copy video or log next to the project file. Moving the project file to a different location after creation may break its association with log and video files. Make sure to keep those files in the same relative location from the project file. \n\nVideo was loaded from:\n\n"
+            + videoPath + "\n\nLog was loaded from\n\n" + logPath;
+}
+
 function properties(videoPlayer, logParser) {
     var saved = {
         display: {contrast: videoPlayer.contrast, brightness: videoPlayer.brightness},
