@@ -15,7 +15,15 @@ Item {
             console.warn("Cannot open " + file + ": " + component.errorString());
         else if (connection)
             connection.target = window;
+        keepAboveMainWindow(window);
         return window;
+    }
+
+    // A click on the main window would raise it over the modal window that blocks it, were that not
+    // a dialog to the window system.
+    function keepAboveMainWindow(window) {
+        if (window && window.modality !== Qt.NonModal)
+            window.flags |= Qt.Dialog;
     }
 
     function openPlain(file) {

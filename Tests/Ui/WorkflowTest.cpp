@@ -48,6 +48,7 @@ private slots:
     void savesTheFrameAsAnImage();
     void importantDialogsCanStandTogether();
     void progressOfAnExport();
+    void theExporterGoesBeforeThePlayer();
 
 private:
     QString title() const { return m_ui->window()->title(); }
@@ -588,6 +589,19 @@ void WorkflowTest::progressOfAnExport()
     m_ui->call("videoExportComplete", {false});
     QVERIFY(!UiFixture::visibleWindow("Export operation"));
     QCOMPARE(m_ui->get("currentProject", "activeExportOperation").toInt(), 1);
+}
+
+// A report that is being written waits for frames of the player: it has to be given up first.
+void WorkflowTest::theExporterGoesBeforeThePlayer()
+{
+    QStringList order;
+    for (const char* id : {"videoPlayer", "poiReportExporter"}) {
+        QObject* object = m_ui->evaluate(id).value<QObject*>();
+        QVERIFY(object);
+        connect(object, &QObject::destroyed, this, [&order, id] { order << id; });
+    }
+    m_ui.reset();
+    QCOMPARE(order, QStringList({"poiReportExporter", "videoPlayer"}));
 }
 
 QTEST_MAIN(WorkflowTest)
