@@ -25,6 +25,7 @@ private slots:
     void whatASyncPairMeans();
     void theSizeField_data();
     void theSizeField();
+    void noVersionMeansOneByte();
     void theLastPacketIncomplete_data();
     void theLastPacketIncomplete();
     void aBadRowIsOverwritten();
@@ -289,6 +290,17 @@ void LogDecoderTest::theSizeField()
     const auto log = decode(builder);
     QTEST(log->getGroup("g")->getNbPackets(), "packets");
     QCOMPARE(log->getGroup("g")->getVar("v")->getElementSize(), 1);
+}
+
+void LogDecoderTest::noVersionMeansOneByte()
+{
+    LogBuilder builder(0);
+    builder.setDescription("<main><groups><group><id>3</id><name>g</name><var><name>v</name>"
+                           "<type>UINT8</type><nb>1</nb></var></group></groups></main>");
+    builder.addPacket(3, "a");
+    const auto log = decode(builder);
+    QCOMPARE(m_decoder.logVersion(), 0);
+    QCOMPARE(log->getGroup("g")->getNbPackets(), 1);
 }
 
 void LogDecoderTest::theLastPacketIncomplete_data()
