@@ -21,6 +21,7 @@ class VideoPlayerTest : public QObject
 private slots:
     void init();
     void beginsClosed();
+    void theEndOfTheWorkerIsTold();
     void opensAndShowsTheFirstFrame();
     void tellsOfFilesThatDoNotOpen();
     void aFailedFileShortensTheTimeline();
@@ -129,6 +130,15 @@ void VideoPlayerTest::beginsClosed()
     QCOMPARE(player.videoSurface(), nullptr);
     QVERIFY(player.flags() & QQuickItem::ItemHasContents);
     QVERIFY(player.antialiasing());
+}
+
+void VideoPlayerTest::theEndOfTheWorkerIsTold()
+{
+    MessageLog log;
+    auto player = std::make_unique<VideoPlayer>();
+    QVERIFY(!log.contains("Joining worker thread..."));
+    player.reset();
+    QCOMPARE(log.count("Joining worker thread... true"), 1);
 }
 
 void VideoPlayerTest::opensAndShowsTheFirstFrame()
