@@ -1,6 +1,7 @@
 #include "FakeFrameSource.h"
 #include "PlayerBench.h"
 #include "SampleFlight/frameStrip.h"
+#include "Support/LogBuilder.h"
 #include "Support/MessageLog.h"
 #include "Threads/pool.h"
 
@@ -37,6 +38,43 @@ public:
     QList<bool> results;
 };
 
+/// A cold thermal frame that ends where the second file begins, a second into the video, and a hot
+/// one from there on.
+LogBuilder coldThenHotLog()
+{
+    constexpr quint32 startMs = 10000;
+    constexpr quint32 videoMs = startMs + 690; // when the recorder's first frame comes
+    LogBuilder log;
+    log.addGroup("mobius_start_rec", 1, {{"mobius_start_rec", "UINT32"}});
+    log.addGroup("mobius_stop_rec", 2, {{"mobius_stop_rec", "UINT32"}});
+    log.addGroup("lepton_status", 3, {{"time", "UINT32"}, {"frame_counter", "UINT32"}});
+    log.addGroup(
+        "lepton_video", 4,
+        {{"frame_counter", "UINT32"}, {"image_part", "UINT8"}, {"image", "UINT16", 19200}});
+    log.addPacket(1, LogBuilder::u32(startMs)).addPacket(2, LogBuilder::u32(startMs + 3000));
+    for (quint32 frame = 0; frame < 2; ++frame) {
+        log.addPacket(3, LogBuilder::u32(videoMs + 1000 * (frame + 1)) + LogBuilder::u32(frame));
+        log.addPacket(4, LogBuilder::u32(frame) + LogBuilder::u8(0) +
+                             QByteArray("\x3f\xff").repeated(19200 * int(frame)) +
+                             QByteArray(2 * 19200 * int(1 - frame), '\0'));
+    }
+    return log;
+}
+
+/// Whether the middle of the overlay is red, and with nothing of the picture under it.
+bool isHot(const cv::Vec3b& bgr)
+{
+    return bgr[2] > 100 && bgr[0] < 30;
+}
+
+bool isCold(const cv::Vec3b& bgr)
+{
+    return bgr[0] > 100 && bgr[2] < 30;
+}
+
+constexpr int overlayX = 170;
+constexpr int overlayY = 113;
+
 } // namespace
 
 class VideoExportTest : public QObject
@@ -55,6 +93,9 @@ private slots:
     void aSeriesThatIsRefused();
     void theWholeVideo();
     void effectsAreInTheVideo();
+    void theOverlayFollowsTheTimeline_data();
+    void theOverlayFollowsTheTimeline();
+    void theOverlayOfASavedFrameFollowsItsFile();
     void cancelledInTheSecondFile();
     void aFileOfAnotherSizeAddsNothing();
     void aFileThatFailsEndsAlone();
@@ -70,9 +111,11 @@ private:
     std::shared_ptr<FakeFile> addFile(const QString& name, int frames = 30, int firstNumber = 0);
     void open(const QString& name);
     QList<int> numbersInVideo(const QString& file);
+    void openTwoFilesWithALog();
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<FakeFiles> m_files;
+    std::unique_ptr<LogParser> m_parser;
     std::unique_ptr<VideoPlayer> m_player;
     RecordingSurface m_surface;
 };
@@ -282,6 +325,62 @@ void VideoExportTest::effectsAreInTheVideo()
     const cv::Vec3b seen = frame.at<cv::Vec3b>(230, 310);
     for (int channel = 0; channel < 3; ++channel)
         QVERIFY(std::abs(seen[channel] - plain[channel] / 2) < 8);
+}
+
+void VideoExportTest::openTwoFilesWithALog()
+{
+    addFile("CORV0001.MP4", 25);
+    addFile("CORV0002.MP4", 25, 25);
+    QVERIFY(coldThenHotLog().save(path("flight.log")));
+    open("CORV0001.MP4");
+    m_parser = std::make_unique<LogParser>();
+    m_parser->setDuration(m_player->duration());
+    m_parser->parseLog(path("flight.log"), false);
+    QTRY_VERIFY(m_parser->isSynced());
+    m_player->setLogParser(m_parser.get());
+    m_player->setIrMappingMaxValue(16383);
+    m_player->updateLogData();
+}
+
+void VideoExportTest::theOverlayFollowsTheTimeline_data()
+{
+    QTest::addColumn<bool>("showIR");
+    QTest::newRow("with the overlay") << true;
+    QTest::newRow("without") << false;
+}
+
+void VideoExportTest::theOverlayFollowsTheTimeline()
+{
+    QFETCH(bool, showIR);
+    openTwoFilesWithALog();
+    m_player->setShowIR(showIR);
+    const ExportRecord record(*m_player);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(record.results.size(), 1);
+    const auto exported = openFrameSource(path("out.mp4"));
+    QVERIFY(exported);
+    QCOMPARE(exported->frameCount(), 50);
+    cv::Mat frame;
+    for (int i = 0; i < 50; ++i) {
+        QVERIFY(exported->read(frame));
+        QCOMPARE(readFrameNumber(frame), i);
+        const cv::Vec3b seen = frame.at<cv::Vec3b>(overlayY, overlayX);
+        QCOMPARE(isCold(seen), showIR && i < 25);
+        QCOMPARE(isHot(seen), showIR && i >= 25);
+    }
+}
+
+// On screen the second file is in the hot half; the saved picture takes the time inside the file.
+void VideoExportTest::theOverlayOfASavedFrameFollowsItsFile()
+{
+    openTwoFilesWithALog();
+    m_player->setShowIR(true);
+    QVERIFY(m_player->saveFrame(timeAt(1400), path("shot.png"), false));
+    QTRY_VERIFY(!QImage(path("shot.png")).isNull());
+    const QImage shot(path("shot.png"));
+    QCOMPARE(numberIn(shot), 35);
+    const QColor seen = shot.pixelColor(overlayX, overlayY);
+    QVERIFY(isCold({uchar(seen.blue()), uchar(seen.green()), uchar(seen.red())}));
 }
 
 void VideoExportTest::cancelledInTheSecondFile()
