@@ -48,6 +48,8 @@ private slots:
     void savesTheFrameAsAnImage();
     void importantDialogsCanStandTogether();
     void progressOfAnExport();
+    void aRefusedReportEnds();
+    void aRefusedVideoEnds();
     void theExporterGoesBeforeThePlayer();
 
 private:
@@ -500,6 +502,7 @@ void WorkflowTest::aProjectWithoutLogOpensAllTheSame()
     m_ui->call("loadProject", {path});
     expectBox("Error", missing("log", QFileInfo(path).absolutePath() + "/gone.log"),
               QMessageBox::Critical);
+    QVERIFY(m_ui->log().contains("Project opened"));
     QVERIFY(m_ui->hasVideo());
     QCOMPARE(m_ui->poiNames(), QStringList("Rust"));
     QCOMPARE(player("contrast").toDouble(), 1.5);
@@ -589,6 +592,28 @@ void WorkflowTest::progressOfAnExport()
     m_ui->call("videoExportComplete", {false});
     QVERIFY(!UiFixture::visibleWindow("Export operation"));
     QCOMPARE(m_ui->get("currentProject", "activeExportOperation").toInt(), 1);
+}
+
+// The progress window is modal: nothing but the end of the export takes it away.
+void WorkflowTest::aRefusedReportEnds()
+{
+    m_ui->call("doCreatePoiReport", {"/nowhere/report.docx"});
+    QVERIFY(UiFixture::visibleWindow("Export operation"));
+    QCOMPARE(m_ui->evaluate("exportProgressContent.text").toString(),
+             QString("Generating document..."));
+    QCOMPARE(m_ui->evaluate("exportProgressContent.value").toInt(), 0);
+    QCOMPARE(m_ui->get("currentProject", "activeExportOperation").toInt(), 2);
+    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+}
+
+void WorkflowTest::aRefusedVideoEnds()
+{
+    m_ui->evaluate("secondaryWindows.exportVideo('file:///nowhere/video.mp4')");
+    QVERIFY(m_ui->log().contains("Will export video"));
+    QVERIFY(UiFixture::visibleWindow("Export operation"));
+    QCOMPARE(m_ui->evaluate("exportProgressContent.text").toString(),
+             QString("Exporting video file..."));
+    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
 }
 
 // A report that is being written waits for frames of the player: it has to be given up first.

@@ -55,6 +55,7 @@ private slots:
     void oneCheckPerRun();
     void noCheckWithoutAShare();
     void aWorkerStartsOnce();
+    void aFileThatNobodyAskedForEndsThePass();
     void launchesTheInstaller_data();
     void launchesTheInstaller();
 
@@ -382,6 +383,21 @@ void UpdateManagerTest::aWorkerStartsOnce()
     worker.start();
     QVERIFY(log.contains(QStringLiteral("UpdateWorker not idle; current state: 1")));
     worker.cancel();
+}
+
+void UpdateManagerTest::aFileThatNobodyAskedForEndsThePass()
+{
+    UpdateManager manager(share(), QString());
+    UpdateWorker worker(&manager, share());
+    const QSignalSpy finished(&worker, &UpdateWorker::finished);
+    const MessageLog log;
+    for (const char* state : {"0", "3"}) {
+        QVERIFY(QMetaObject::invokeMethod(&worker, "azureFileDownloaded", Q_ARG(QString, "a"),
+                                          Q_ARG(QByteArray, "b")));
+        QVERIFY(log.contains(QStringLiteral("Error; update manager in the wrong state: ") +
+                             QLatin1String(state)));
+    }
+    QCOMPARE(finished.count(), 2);
 }
 
 void UpdateManagerTest::launchesTheInstaller_data()
