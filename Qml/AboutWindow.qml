@@ -1,7 +1,9 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
+import QtQuick.Controls.Styles 1.4
 import QtQuick.Window 2.2
 import corv.AppInfo 1.0
+import "constants.js" as Cst
 import "licenses.js" as Licenses
 
 Window {
@@ -74,5 +76,21 @@ Window {
         text: "Close"
         Accessible.name: text
         onClicked: videoImport.close()
+
+        style: ButtonStyle {
+            background: Rectangle {
+                implicitWidth: 80
+                implicitHeight: 25
+                color: control.pressed ? Cst.pressedColor
+                                       : control.hovered || control.activeFocus ? Cst.btnColorHover
+                                                                                : Cst.btnColor
+            }
+            label: Text {
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+                color: control.pressed ? Cst.btnTextPressedColor : Cst.btnTextColor
+                text: control.text
+            }
+        }
     }
 }
