@@ -86,11 +86,12 @@ Item {
         }
     }
 
+    // Not while the handle moves the strip: each would answer the other.
     Binding {
         target: handle
         property: "x"
         restoreMode: Binding.RestoreNone
-        when: scrollbar.visible && !clicker.drag.active
+        when: scrollbar.visible && !clicker.drag.active && !clicker.pressed
         value: timeline.getContentX() * clicker.drag.maximumX / scrollbar.span
     }
 }
