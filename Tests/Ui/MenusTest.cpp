@@ -280,9 +280,14 @@ void MenusTest::menuKeysWork()
     QTRY_VERIFY(UiFixture::fileDialog());
     QCOMPARE(UiFixture::fileDialog()->windowTitle(), dialog);
     UiFixture::fileDialog()->reject();
-    QVERIFY(m_ui->activate());
-    key(Qt::Key_W, Qt::ControlModifier);
-    QTRY_VERIFY(!m_ui->hasVideo());
+    // The window manager may take the focus once more while it puts the dialog away; with no video
+    // open the key does nothing.
+    const auto closes = [this] {
+        if (m_ui->activate())
+            key(Qt::Key_W, Qt::ControlModifier);
+        return !m_ui->hasVideo();
+    };
+    QTRY_VERIFY(closes());
 }
 
 void MenusTest::transportKeys()
