@@ -159,7 +159,8 @@ void PanelTest::automaticAndLockedMapping()
     QCOMPARE(m_ui->get("iRMaxValueSlider", "value").toInt(), player("irMappingMaxValue").toInt());
     QVERIFY(m_ui->click("autoIRMappingButton"));
     QCOMPARE(player("autoIRMapping").toBool(), true);
-    QCOMPARE(m_ui->get("iRMaxValueSlider", "value").toInt(), qMin(16383, player("irDataMax").toInt()));
+    QCOMPARE(m_ui->get("iRMaxValueSlider", "value").toInt(),
+             qMin(16383, player("irDataMax").toInt()));
     QVERIFY(m_ui->click("lockIRMappingButton"));
     QCOMPARE(player("autoIRMapping").toBool(), false);
     QCOMPARE(player("irMappingMinValue"), player("irDataMin"));
@@ -301,7 +302,8 @@ void PanelTest::theAutomaticRangeIsShown()
     QVERIFY(m_ui->showAdjustments());
     m_ui->find("iRMaxValueSlider")->setProperty("value", 777);
     m_ui->evaluate("videoPlayer.irDataChanged()");
-    QCOMPARE(m_ui->get("iRMaxValueSlider", "value").toInt(), qMin(16383, player("irDataMax").toInt()));
+    QCOMPARE(m_ui->get("iRMaxValueSlider", "value").toInt(),
+             qMin(16383, player("irDataMax").toInt()));
     m_ui->evaluate("videoPlayer.autoIRMapping = false");
     m_ui->find("iRMaxValueSlider")->setProperty("value", 777);
     m_ui->evaluate("videoPlayer.irDataChanged()");
