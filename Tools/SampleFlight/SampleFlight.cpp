@@ -133,7 +133,8 @@ cv::Mat SampleFlight::videoFrame(int index) const
                    frameToPicture(pose, videoSize, SolarPark::origin(), SolarPark::pictureDensity),
                    videoSize, cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
     cv::multiply(frame, m_vignette, frame, 1.0 / 255.0);
-    drawFrameNumber(frame, index);
+    if (m_options.numberFrames)
+        drawFrameNumber(frame, index);
     return frame;
 }
 

@@ -23,6 +23,7 @@ struct SampleFlightOptions
     int spoilPacketEvery = 0;   ///< every Nth packet has a wrong checksum; 0 for none
     int cutTailBytes = 0;       ///< the log ends that much too early
     qint64 leastLogBytes = 0;   ///< the log runs on after the landing until it is that long
+    bool numberFrames = true;   ///< each frame carries its number in the strip
     unsigned seed = 1;
 };
 
@@ -81,7 +82,7 @@ public:
     };
     State stateAt(quint32 logMs) const;
 
-    /// One frame of the video (`CV_8UC3`), with its number in the strip.
+    /// One frame of the video (`CV_8UC3`), with its number in the strip if asked for.
     cv::Mat videoFrame(int index) const;
 
     /// The middle of the hot cell in the video frame of a moment, in pixels; it may lie outside.

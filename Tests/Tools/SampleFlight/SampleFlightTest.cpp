@@ -102,6 +102,7 @@ private slots:
     void statesAreTheTruth();
     void thermalValuesLieInTheRangeOfTheCamera_data();
     void thermalValuesLieInTheRangeOfTheCamera();
+    void framesAreNumberedUnlessPlain();
     void hotCellIsInThePicture();
     void overlayCoversTheHotCell_data();
     void overlayCoversTheHotCell();
@@ -251,6 +252,14 @@ void SampleFlightTest::thermalValuesLieInTheRangeOfTheCamera()
         hottest = std::max(hottest, max);
     }
     QVERIFY(hottest > flight.rawValue(75.0));
+}
+
+void SampleFlightTest::framesAreNumberedUnlessPlain()
+{
+    SampleFlightOptions options = shortFlight();
+    QCOMPARE(readFrameNumber(SampleFlight(options).videoFrame(3)), 3);
+    options.numberFrames = false;
+    QCOMPARE(readFrameNumber(SampleFlight(options).videoFrame(3)), -1);
 }
 
 void SampleFlightTest::hotCellIsInThePicture()
