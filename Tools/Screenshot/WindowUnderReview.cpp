@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QMouseEvent>
 #include <QQmlContext>
 #include <QQmlExpression>
 #include <QQuickWindow>
@@ -65,6 +66,41 @@ void WindowUnderReview::playUpTo(const QTime& moment)
     m_player->play();
     waitFor(QStringLiteral("the playing video"),
             [this, &moment] { return m_player->timePosition() >= moment; });
+}
+
+void WindowUnderReview::showMoment(const QTime& moment)
+{
+    m_player->pause();
+    waitFor(QStringLiteral("the seek"), [&] { return m_player->seekAtTime(moment); });
+    waitFor(QStringLiteral("the picture"), [&] { return m_player->timePosition() == moment; });
+}
+
+QQuickWindow* WindowUnderReview::waitForWindow(const QString& objectName) const
+{
+    QQuickWindow* found = nullptr;
+    waitFor(objectName, [&] {
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            if (window->objectName() == objectName && window->isExposed())
+                found = qobject_cast<QQuickWindow*>(window);
+        }
+        return found != nullptr;
+    });
+    return found;
+}
+
+void WindowUnderReview::click(const QPointF& position) const
+{
+    const auto send = [&](QEvent::Type type, const QPointF& place, Qt::MouseButton button,
+                          Qt::MouseButtons buttons) {
+        QMouseEvent event(type, place, place, m_window->mapToGlobal(place.toPoint()), button,
+                          buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_window, &event);
+    };
+    // What is under the pointer is known to the window only once it has moved there.
+    send(QEvent::MouseMove, position - QPointF(1, 0), Qt::NoButton, Qt::NoButton);
+    send(QEvent::MouseMove, position, Qt::NoButton, Qt::NoButton);
+    send(QEvent::MouseButtonPress, position, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, position, Qt::LeftButton, Qt::NoButton);
 }
 
 QTime WindowUnderReview::mostInterestingMoment() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPointF>
 #include <QQmlApplicationEngine>
 #include <QString>
 #include <QTime>
@@ -36,11 +37,23 @@ public:
     /// The value of a script expression as the root document sees its names.
     QVariant evaluate(const QString& expression) const;
 
+    /// What the main window shows now.
     QImage picture() const;
 
-private:
+    /// Shows one moment of the flight, paused.
+    void showMoment(const QTime& moment);
+
+    /// The visible window of this objectName; throws std::runtime_error if none appears.
+    QQuickWindow* waitForWindow(const QString& objectName) const;
+
+    /// A click of the left button, at a position of the main window.
+    void click(const QPointF& position) const;
+
+    /// Runs the event loop until the condition holds; throws std::runtime_error with `what` after
+    /// two minutes.
     void waitFor(const QString& what, const std::function<bool()>& condition) const;
 
+private:
     QQmlApplicationEngine m_engine;
     QObject* m_root = nullptr;
     QQuickWindow* m_window = nullptr;
