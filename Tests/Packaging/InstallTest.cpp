@@ -1,0 +1,290 @@
+#include "SampleFlight/SampleFlight.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace corv;
+
+namespace {
+
+struct Outcome
+{
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray error;
+};
+
+QString textOf(const QString& file)
+{
+    QFile opened(file);
+    return opened.open(QIODevice::ReadOnly) ? QString::fromUtf8(opened.readAll()) : QString();
+}
+
+} // namespace
+
+/// What cmake --install and cpack make of the build, as the system that gets it sees it: staged in
+/// a folder, and judged by the distribution's own checkers.
+class InstallTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void installsTheseFilesAndNoOthers();
+    void commandsAreLinks_data();
+    void commandsAreLinks();
+    void linkedCommandTellsItsVersion();
+    void linkedCommandFindsTheTemplateBesideTheProgram();
+    void manualIsComplete();
+    void checkersAccept_data();
+    void checkersAccept();
+    void fileTypesAreKnown_data();
+    void fileTypesAreKnown();
+    void desktopEntryStartsTheCommand();
+    void packagePassesLintian();
+    void packageDependsOnEveryModule_data();
+    void packageDependsOnEveryModule();
+
+private:
+    Outcome run(const QString& program, const QStringList& arguments,
+                const QString& folder = {}) const;
+    QString staged(const QString& path) const { return m_folder.filePath("stage/usr/" + path); }
+    QString package() const
+    {
+        const QDir folder(m_folder.filePath("package"));
+        return folder.filePath(folder.entryList({"vistrel_*.deb"}).value(0));
+    }
+
+    QTemporaryDir m_folder;
+};
+
+Outcome InstallTest::run(const QString& program, const QStringList& arguments,
+                         const QString& folder) const
+{
+    constexpr int patienceMs = 120'000;
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DESTDIR", m_folder.filePath("stage"));
+    environment.insert("LC_ALL", "C.UTF-8");
+    // Wide enough that no line of a man page has to be broken badly.
+    environment.insert("MANWIDTH", "80");
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(folder.isEmpty() ? m_folder.path() : folder);
+    process.start(program, arguments);
+    Outcome outcome;
+    if (process.waitForFinished(patienceMs) && process.exitStatus() == QProcess::NormalExit)
+        outcome.exitCode = process.exitCode();
+    outcome.output = process.readAllStandardOutput();
+    outcome.error = process.readAllStandardError();
+    return outcome;
+}
+
+void InstallTest::initTestCase()
+{
+    const Outcome install = run(CMAKE_PROGRAM, {"--install", BUILD_FOLDER, "--prefix", "/usr"});
+    QVERIFY2(install.exitCode == 0, install.error);
+    const Outcome pack =
+        run(CPACK_PROGRAM, {"-G", "DEB", "--config", BUILD_FOLDER "/CPackConfig.cmake", "-B",
+                            m_folder.filePath("package")});
+    QVERIFY2(pack.exitCode == 0, pack.output + pack.error);
+}
+
+void InstallTest::installsTheseFilesAndNoOthers()
+{
+    const QSet<QString> expected = {
+        "bin/vistrel",
+        "bin/vistrel-cli",
+        "lib/vistrel/docx_export_template.dfw",
+        "lib/vistrel/manual.pdf",
+        "lib/vistrel/vistrel",
+        "lib/vistrel/vistrel-cli",
+        "share/applications/example.corvenity.vistrel.desktop",
+        "share/doc/vistrel/changelog.gz",
+        "share/doc/vistrel/copyright",
+        "share/icons/hicolor/128x128/apps/vistrel.png",
+        "share/icons/hicolor/256x256/apps/vistrel.png",
+        "share/icons/hicolor/48x48/apps/vistrel.png",
+        "share/icons/hicolor/scalable/apps/vistrel.svg",
+        "share/lintian/overrides/vistrel",
+        "share/man/man1/vistrel-cli.1.gz",
+        "share/man/man1/vistrel.1.gz",
+        "share/metainfo/example.corvenity.vistrel.metainfo.xml",
+        "share/mime/packages/vistrel.xml",
+    };
+    QSet<QString> found;
+    const QDir root(staged({}));
+    QDirIterator walk(root.path(), QDir::Files | QDir::System | QDir::Hidden,
+                      QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        const QString file = root.relativeFilePath(walk.next());
+        found.insert(file);
+        QVERIFY2(walk.fileInfo().size() > 0, qPrintable(file));
+        QVERIFY2(walk.fileInfo().permission(QFile::ReadOther), qPrintable(file));
+    }
+    QCOMPARE(found - expected, QSet<QString>());
+    QCOMPARE(expected - found, QSet<QString>());
+}
+
+void InstallTest::commandsAreLinks_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("window") << "vistrel";
+    QTest::newRow("command line") << "vistrel-cli";
+}
+
+void InstallTest::commandsAreLinks()
+{
+    QFETCH(QString, command);
+    const QFileInfo link(staged("bin/" + command));
+    QVERIFY(link.isSymLink());
+    // Relative: it holds in the staged tree as well.
+    QCOMPARE(QFileInfo(link.canonicalFilePath()),
+             QFileInfo(QFileInfo(staged("lib/vistrel/" + command)).canonicalFilePath()));
+    QVERIFY(QFileInfo(link.canonicalFilePath()).permission(QFile::ExeOther));
+}
+
+void InstallTest::linkedCommandTellsItsVersion()
+{
+    const Outcome outcome = run(staged("bin/vistrel-cli"), {"--version"});
+    QCOMPARE(outcome.exitCode, 0);
+    QCOMPARE(outcome.output, QByteArray("vistrel-cli " VISTREL_VERSION "\n"));
+}
+
+void InstallTest::linkedCommandFindsTheTemplateBesideTheProgram()
+{
+    SampleFlightOptions options;
+    options.videoSeconds = 2.0;
+    QVERIFY(SampleFlight(options).writeCard(m_folder.filePath("flight")));
+    const Outcome outcome =
+        run(staged("bin/vistrel-cli"), {"report", "sample.ecor", "--out", "a.docx"},
+            m_folder.filePath("flight"));
+    QVERIFY2(outcome.exitCode == 0, outcome.error);
+    QVERIFY(QFileInfo(m_folder.filePath("flight/a.docx")).size() > 0);
+}
+
+void InstallTest::manualIsComplete()
+{
+    QFile manual(staged("lib/vistrel/manual.pdf"));
+    QVERIFY(manual.open(QIODevice::ReadOnly));
+    const QByteArray bytes = manual.readAll();
+    QVERIFY(bytes.startsWith("%PDF-"));
+    QVERIFY(bytes.trimmed().endsWith("%%EOF"));
+    const Outcome text = run("pdftotext", {"-layout", manual.fileName(), "-"});
+    QVERIFY2(text.exitCode == 0, text.error);
+    QVERIFY(text.output.contains("Version " VISTREL_VERSION));
+    // The last words of the text are on its last page: nothing was lost between the pages.
+    const QByteArray lastPage = text.output.chopped(1).split('\f').last();
+    QVERIFY2(lastPage.contains("Updates"), lastPage);
+}
+
+void InstallTest::checkersAccept_data()
+{
+    QTest::addColumn<QString>("checker");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("desktop entry")
+        << "desktop-file-validate"
+        << QStringList{staged("share/applications/example.corvenity.vistrel.desktop")};
+    QTest::newRow("description")
+        << "appstreamcli"
+        << QStringList{"validate", "--no-net",
+                       staged("share/metainfo/example.corvenity.vistrel.metainfo.xml")};
+    for (const char* page : {"vistrel", "vistrel-cli"})
+        QTest::newRow(page) << "man"
+                            << QStringList{"--warnings", "--local-file",
+                                           staged(QString("share/man/man1/%1.1.gz").arg(page))};
+}
+
+void InstallTest::checkersAccept()
+{
+    QFETCH(QString, checker);
+    QFETCH(QStringList, arguments);
+    const Outcome outcome = run(checker, arguments);
+    QVERIFY2(outcome.exitCode == 0, outcome.output + outcome.error);
+    QCOMPARE(outcome.error, QByteArray());
+}
+
+void InstallTest::fileTypesAreKnown_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::newRow("project") << "application/x-vistrel-project";
+    QTest::newRow("mp4") << "video/mp4";
+    QTest::newRow("mov") << "video/quicktime";
+}
+
+// The desktop entry claims the type; the type of our own files is declared as well.
+void InstallTest::fileTypesAreKnown()
+{
+    QFETCH(QString, type);
+    const QString entry = textOf(staged("share/applications/example.corvenity.vistrel.desktop"));
+    const QRegularExpressionMatch claimed =
+        QRegularExpression("^MimeType=(.*)$", QRegularExpression::MultilineOption).match(entry);
+    QVERIFY(claimed.captured(1).split(';').contains(type));
+
+    const Outcome outcome = run("update-mime-database", {staged("share/mime")});
+    QVERIFY2(outcome.exitCode == 0, outcome.error);
+    const QString globs = textOf(staged("share/mime/globs2"));
+    QCOMPARE(globs.contains(":" + type + ":*.ecor"), type.startsWith("application/"));
+}
+
+void InstallTest::desktopEntryStartsTheCommand()
+{
+    const QString entry = textOf(staged("share/applications/example.corvenity.vistrel.desktop"));
+    // A local path, blanks and all, as one argument; scaled to the screen.
+    QVERIFY(entry.contains("\nExec=env QT_AUTO_SCREEN_SCALE_FACTOR=1 vistrel %f\n"));
+    QVERIFY(entry.contains("\nIcon=vistrel\n"));
+}
+
+void InstallTest::packagePassesLintian()
+{
+    const Outcome lintian =
+        run("lintian", {"--allow-root", "--fail-on", "error,warning", package()});
+    QVERIFY2(lintian.exitCode == 0, lintian.output + lintian.error);
+}
+
+void InstallTest::packageDependsOnEveryModule_data()
+{
+    QTest::addColumn<QString>("qmldir");
+    const QRegularExpression import("^import ((?:Qt)[A-Za-z.]*) (\\d)",
+                                    QRegularExpression::MultilineOption);
+    QDirIterator documents(QML_FOLDER, {"*.qml"});
+    QSet<QString> folders;
+    while (documents.hasNext()) {
+        QRegularExpressionMatchIterator matches = import.globalMatch(textOf(documents.next()));
+        while (matches.hasNext()) {
+            const QRegularExpressionMatch match = matches.next();
+            const QString folder =
+                QML_MODULES "/" + match.captured(1).replace(QLatin1Char('.'), QLatin1Char('/'));
+            const QString versioned = folder + "." + match.captured(2);
+            folders.insert(QFileInfo::exists(versioned) ? versioned : folder);
+        }
+    }
+    QVERIFY(folders.size() > 5);
+    for (const QString& folder : qAsConst(folders))
+        QTest::newRow(qPrintable(QDir(QML_MODULES).relativeFilePath(folder))) << folder + "/qmldir";
+}
+
+void InstallTest::packageDependsOnEveryModule()
+{
+    QFETCH(QString, qmldir);
+    const QString file = QFileInfo(qmldir).canonicalFilePath();
+    QVERIFY2(!file.isEmpty(), qPrintable(qmldir));
+    const Outcome owner = run("dpkg-query", {"--search", file});
+    QVERIFY2(owner.exitCode == 0, owner.error);
+    const QByteArray module = owner.output.left(owner.output.indexOf(':'));
+    const Outcome fields = run("dpkg-deb", {"--field", package(), "Depends"});
+    QVERIFY2(fields.exitCode == 0, fields.error);
+    QList<QByteArray> names;
+    for (const QByteArray& dependency : fields.output.split(','))
+        names << dependency.trimmed().split(' ').first();
+    QVERIFY2(names.contains(module), module);
+}
+
+QTEST_GUILESS_MAIN(InstallTest)
+#include "InstallTest.moc"
