@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QMap>
 #include <QTime>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -38,6 +39,11 @@ void restoreFlag(const QVariantMap& map, const char* key, Store store)
         store(value.toBool());
 }
 
+bool isProject(const QString& file)
+{
+    return file.endsWith(QLatin1String(".ecor"), Qt::CaseInsensitive);
+}
+
 QVariantMap namingOf(const QVariantMap& properties)
 {
     const QVariantMap designation = mapIn(properties, "designation");
@@ -60,9 +66,19 @@ FlightSession::FlightSession()
     m_player.setLogParser(&m_logParser);
 }
 
+bool FlightSession::isFlight(const QStringList& files)
+{
+    const bool hasOption = std::any_of(files.begin(), files.end(), [](const QString& file) {
+        return file.startsWith(QLatin1String("--"));
+    });
+    if (hasOption || files.isEmpty())
+        return false;
+    return files.size() == 1 || (files.size() == 2 && !isProject(files[0]));
+}
+
 QString FlightSession::open(const QStringList& files)
 {
-    if (files.size() == 1 && files[0].endsWith(QLatin1String(".ecor"), Qt::CaseInsensitive))
+    if (files.size() == 1 && isProject(files[0]))
         return openProject(files[0]);
     const QString error = openVideo(files.value(0));
     return error.isEmpty() && files.size() > 1 ? openLog(files[1], false) : error;

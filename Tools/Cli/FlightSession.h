@@ -17,6 +17,10 @@ class FlightSession
 public:
     FlightSession();
 
+    /// Whether these words can name a flight: one project, or a video and perhaps a log, and no
+    /// option among them.
+    static bool isFlight(const QStringList& files);
+
     /// Opens `files`: one project, or a video and perhaps a log. Returns once the video is open and
     /// the log decoded. Gives an empty text, or else what went wrong in one line.
     QString open(const QStringList& files);

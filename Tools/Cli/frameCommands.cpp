@@ -15,6 +15,7 @@ namespace corv::cli {
 namespace {
 
 constexpr int standardSpacing = 10;
+constexpr int msPerDay = 24 * 60 * 60 * 1000;
 const QString standardPrefix = QStringLiteral("Frame");
 
 // How far a long job is, in a line on standard error if that is a terminal.
@@ -50,11 +51,7 @@ private:
 ExitStatus open(FlightSession& flight, QStringList arguments)
 {
     const bool withOverlay = takeOption(&arguments, QStringLiteral("--thermal"));
-    const bool hasUnknown =
-        std::any_of(arguments.begin(), arguments.end(), [](const QString& argument) {
-            return argument.startsWith(QLatin1String("--"));
-        });
-    if (hasUnknown || arguments.isEmpty() || arguments.size() > 2)
+    if (!FlightSession::isFlight(arguments))
         return WrongUsage;
     const QString error = flight.open(arguments);
     if (!error.isEmpty())
@@ -62,6 +59,11 @@ ExitStatus open(FlightSession& flight, QStringList arguments)
     if (withOverlay)
         flight.player().setShowIR(true);
     return Done;
+}
+
+QString noPictureAt(int timeMs)
+{
+    return QStringLiteral("no picture at %1 ms").arg(timeMs);
 }
 
 struct Picture
@@ -98,7 +100,7 @@ ExitStatus savePictures(FlightSession& flight, const QList<Picture>& pictures)
         const auto save = [&loop, answer, picture](const QImage& image) {
             QString failure;
             if (image.isNull())
-                failure = QStringLiteral("no picture at %1 ms").arg(picture.timeMs);
+                failure = noPictureAt(picture.timeMs);
             else if (!image.save(picture.file))
                 failure = picture.file + QStringLiteral(": cannot be written");
             post(&loop, [answer, failure] { answer(failure); });
@@ -125,7 +127,11 @@ ExitStatus frame(QStringList arguments)
         return WrongUsage;
     FlightSession flight;
     const ExitStatus status = open(flight, arguments);
-    return status == Done ? savePictures(flight, {{timeMs, out}}) : status;
+    if (status != Done)
+        return status;
+    if (timeMs >= msPerDay) // the times of the player begin anew there
+        return fail(noPictureAt(timeMs));
+    return savePictures(flight, {{timeMs, out}});
 }
 
 QList<int> positionsOfMarks(const FlightSession& flight)

@@ -47,7 +47,7 @@ ExitStatus report(const QStringList& given)
 {
     QStringList arguments = given;
     const QString path = takeValue(&arguments, QStringLiteral("--out"));
-    if (path.isEmpty() || arguments.isEmpty() || arguments.size() > 2)
+    if (path.isEmpty() || !FlightSession::isFlight(arguments))
         return WrongUsage;
     FlightSession flight;
     const QString error = flight.open(arguments);

@@ -305,6 +305,8 @@ void FrameCommandsTest::refusals_data()
     QTest::newRow("frames without target") << "frames PROJECT" << 2;
     QTest::newRow("video without target") << "video PROJECT" << 2;
     QTest::newRow("three files") << "video PROJECT VIDEO LOG --out DIR/x.mp4" << 2;
+    QTest::newRow("project and log") << "frame PROJECT LOG --at-ms 0 --out DIR/a.png" << 2;
+    QTest::newRow("a day later") << "frame PROJECT --at-ms 86400000 --out DIR/a.png" << 1;
     QTest::newRow("behind the end") << "frame PROJECT --at-ms 99999 --out DIR/a.png" << 1;
     QTest::newRow("range behind the end") << "frames PROJECT --from-ms 99999 --out DIR/x" << 1;
     QTest::newRow("no marks") << "frames VIDEO --poi --out DIR/x" << 1;

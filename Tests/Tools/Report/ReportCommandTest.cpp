@@ -122,6 +122,8 @@ private slots:
         QTest::newRow("no output") << QStringList({"a.ecor"});
         QTest::newRow("output without a name") << QStringList({"a.ecor", "--out"});
         QTest::newRow("no flight") << QStringList({"--out", "a.docx"});
+        QTest::newRow("unknown option") << QStringList({"a.mp4", "--red", "--out", "a.docx"});
+        QTest::newRow("project and log") << QStringList({"a.ecor", "b.log", "--out", "a.docx"});
         QTest::newRow("too much") << QStringList({"a", "b", "c", "--out", "a.docx"});
     }
 
