@@ -284,6 +284,9 @@ void HostileInputTest::survivesVideos_data()
     const QByteArray odd = videoBytes(shortVideo({321, 241}));
     QTest::newRow("odd sizes") << write("odd.mp4", odd);
     QTest::newRow("tiny") << write("tiny.mp4", videoBytes(shortVideo({16, 16})));
+    QTest::newRow("one frame") << write("one.mp4", videoBytes(shortVideo({320, 240}, 1)));
+    QTest::newRow("files of one frame") << numberedFlight(videoBytes(shortVideo({320, 240}, 1)),
+                                                          videoBytes(shortVideo({320, 240}, 1)));
     QTest::newRow("wide") << write("wide.mp4", videoBytes(shortVideo({2000, 2})));
     QTest::newRow("second file of another size") << numberedFlight(sound, large);
     QTest::newRow("second file of odd sizes") << numberedFlight(sound, odd);
