@@ -82,6 +82,16 @@ QImage readImage(const QString& path)
     return image;
 }
 
+// With a thin line around it, which tells a white picture from the page.
+QImage framed(const QImage& picture)
+{
+    QImage image = picture.convertToFormat(QImage::Format_RGB32);
+    QPainter painter(&image);
+    painter.setPen(ruleColor);
+    painter.drawRect(image.rect().adjusted(0, 0, -1, -1));
+    return image;
+}
+
 QTextCursor textOf(const QTextBlock& block)
 {
     QTextCursor cursor(block);
@@ -98,6 +108,20 @@ QTextTable* tableOf(const QTextBlock& block)
 bool leadsOn(const QTextBlock& block)
 {
     return block.blockFormat().headingLevel() > 0 || block.text().endsWith(QLatin1Char(':'));
+}
+
+// The picture that a paragraph consists of; without a name if it is text.
+QTextImageFormat pictureOf(const QTextBlock& block)
+{
+    const auto part = block.begin();
+    return part.atEnd() ? QTextImageFormat() : part.fragment().charFormat().toImageFormat();
+}
+
+void removeBlock(const QTextBlock& block)
+{
+    QTextCursor cursor = textOf(block);
+    cursor.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
 }
 
 QTextBlock lastOfTable(QTextTable* table)
@@ -122,11 +146,13 @@ ManualDocument::ManualDocument(const QString& markdownFile, const QString& logoF
     m_document.setDefaultFont(fontOfSize(bodySize));
     m_document.setIndentWidth(listIndent);
     m_document.setMarkdown(QString::fromUtf8(file.readAll()), QTextDocument::MarkdownDialectGitHub);
+    const QString folder = QFileInfo(markdownFile).absolutePath();
     takeTitle();
+    takeCoverPicture(folder);
     styleBlocks();
     styleCode();
     styleTables();
-    fitPictures(QFileInfo(markdownFile).absolutePath());
+    fitPictures(folder);
     layOut();
     paginate();
 }
@@ -137,9 +163,18 @@ void ManualDocument::takeTitle()
     if (first.blockFormat().headingLevel() != 1)
         throw std::runtime_error("the manual does not begin with its title");
     m_title = first.text();
-    QTextCursor cursor = textOf(first);
-    cursor.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor);
-    cursor.removeSelectedText();
+    removeBlock(first);
+}
+
+void ManualDocument::takeCoverPicture(const QString& folder)
+{
+    QTextBlock block = m_document.begin();
+    while (block.isValid() && pictureOf(block).name().isEmpty())
+        block = block.next();
+    if (!block.isValid())
+        throw std::runtime_error("the manual has no picture for its cover");
+    m_coverPicture = readImage(QDir(folder).filePath(pictureOf(block).name()));
+    removeBlock(block);
 }
 
 void ManualDocument::styleBlocks()
@@ -207,7 +242,7 @@ void ManualDocument::styleTables()
         format.setBorderBrush(ruleColor);
         format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
         format.setBorderCollapse(true);
-        format.setCellPadding(4);
+        format.setCellPadding(3);
         format.setCellSpacing(0);
         format.setTopMargin(4);
         format.setBottomMargin(12);
@@ -229,13 +264,10 @@ void ManualDocument::styleTables()
 void ManualDocument::fitPictures(const QString& folder)
 {
     for (QTextBlock block = m_document.begin(); block.isValid(); block = block.next()) {
-        const auto part = block.begin();
-        if (part.atEnd() || !part.fragment().charFormat().isImageFormat())
+        QTextImageFormat picture = pictureOf(block);
+        if (picture.name().isEmpty())
             continue;
-        QTextImageFormat picture = part.fragment().charFormat().toImageFormat();
-        const QImage image = readImage(QDir(folder).filePath(picture.name()));
-        if (m_coverPicture.isNull())
-            m_coverPicture = image;
+        const QImage image = framed(readImage(QDir(folder).filePath(picture.name())));
         m_document.addResource(QTextDocument::ImageResource, QUrl(picture.name()), image);
         const double width = qMin(textWidth, image.width() * pointsPerPicturePixel);
         picture.setWidth(width);

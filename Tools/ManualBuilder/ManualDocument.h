@@ -10,13 +10,13 @@ namespace corv {
 
 /// A manual written in Markdown, laid out on A4 pages: a cover, the contents, then the text with
 /// its pictures, each with its description below it. The first line of the text, its only heading
-/// of the first level, is the title and stands on the cover.
+/// of the first level, is the title and stands on the cover, and so does the first picture.
 class ManualDocument
 {
 public:
-    /// Reads the text; pictures are looked for beside it. The cover shows the logo, the version and
-    /// the first picture of the text. Throws std::runtime_error if the text or a picture cannot be
-    /// read.
+    /// Reads the text; pictures are looked for beside it. The cover shows the logo and the
+    /// version as well. Throws std::runtime_error if the text or a picture cannot be read, or the
+    /// title or the picture for the cover is missing.
     ManualDocument(const QString& markdownFile, const QString& logoFile, const QString& version);
 
     /// Throws std::runtime_error if the file cannot be written.
@@ -24,6 +24,7 @@ public:
 
 private:
     void takeTitle();
+    void takeCoverPicture(const QString& folder);
     void styleCode();
     void styleBlocks();
     void styleTables();
