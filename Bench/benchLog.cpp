@@ -9,7 +9,9 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
+#include <malloc.h>
 #include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -178,36 +180,50 @@ void addUpAndCopy(const QString& path)
     }
 }
 
+// A figure of this process's memory, such as VmRSS, by the kernel's own count.
+double memoryBytes(const char* figure)
+{
+    double kilobytes = 0;
+    char line[256];
+    FILE* status = std::fopen("/proc/self/status", "r");
+    const size_t length = std::strlen(figure);
+    while (status && std::fgets(line, sizeof(line), status))
+        if (std::strncmp(line, figure, length) == 0 && line[length] == ':')
+            kilobytes = std::strtod(line + length + 1, nullptr);
+    if (status)
+        std::fclose(status);
+    return kilobytes * 1024;
+}
+
 // The most memory that a process of its own needs to decode a log, beyond what it has anyway.
 double peakBytesOfDecode(const QString& path)
 {
     int ends[2];
     if (pipe(ends) != 0)
         qFatal("no pipe");
+    malloc_trim(0); // what earlier measurements freed must not serve this one for nothing
     const pid_t child = fork();
     if (child == 0) {
-        // A forked child shows its parent's peak until it is told to count anew.
+        // A forked child shows its parent's peak until it is told to count anew, and what it shares
+        // with its parent counts as its own.
         if (FILE* reset = std::fopen("/proc/self/clear_refs", "w")) {
             std::fputs("5", reset);
             std::fclose(reset);
         }
+        const double before = memoryBytes("VmRSS");
         decode(path);
-        long peakKb = 0;
-        char line[256];
-        FILE* status = std::fopen("/proc/self/status", "r");
-        while (status && std::fgets(line, sizeof(line), status))
-            std::sscanf(line, "VmHWM: %ld", &peakKb);
-        const ssize_t written = write(ends[1], &peakKb, sizeof(peakKb));
-        _exit(written == sizeof(peakKb) ? 0 : 1);
+        const double needed = memoryBytes("VmHWM") - before;
+        const ssize_t written = write(ends[1], &needed, sizeof(needed));
+        _exit(written == sizeof(needed) ? 0 : 1);
     }
-    long peakKb = 0;
+    double needed = 0;
     int status = 0;
-    if (child < 0 || read(ends[0], &peakKb, sizeof(peakKb)) != sizeof(peakKb) ||
+    if (child < 0 || read(ends[0], &needed, sizeof(needed)) != sizeof(needed) ||
         waitpid(child, &status, 0) != child || status != 0)
         qFatal("the measured decode failed");
     close(ends[0]);
     close(ends[1]);
-    return static_cast<double>(peakKb) * 1024;
+    return needed;
 }
 
 void speedRow(Report& report, const QString& name, const QString& path, double limit,
