@@ -71,8 +71,8 @@ Item {
     function openPoiProperties() {
         var poi = timelineContent.getSelectedPOI();
         var window = make("PoiProperties.qml", poiPropertiesConnection);
-        window.poiName = poi.name;
-        window.poiDescription = poi.comment;
+        window.poiName = poi.name || "";
+        window.poiDescription = poi.comment || "";
         window.poiTime = timelineContent.selectedPoiTime;
         window.populate();
         window.show();

@@ -23,6 +23,7 @@ private slots:
 
 private:
     void openImporter();
+    void awaitRow(const QString& name);
     void autodetectAndSearch();
     void load(int row);
     void awaitFlight(const QString& video, const QString& log);
@@ -73,13 +74,19 @@ void CardToScreenTest::openImporter()
     QVERIFY(QTest::qWaitForWindowActive(m_importer));
 }
 
+// Until the row below the first stands in its place, so that a click meets it.
+void CardToScreenTest::awaitRow(const QString& name)
+{
+    QTRY_VERIFY(m_ui->item(name, m_importer) && m_ui->item(name, m_importer)->y() > 0);
+}
+
 void CardToScreenTest::autodetectAndSearch()
 {
     UiFixture::click(m_ui->item("autodetectButton", m_importer));
     QVERIFY(!UiFixture::messageBox());
     UiFixture::click(m_ui->item("parseButton", m_importer));
     QTRY_VERIFY(!m_importer->property("isBusy").toBool());
-    QTRY_VERIFY(m_ui->item("matchingRow2", m_importer));
+    awaitRow("matchingRow2");
 }
 
 void CardToScreenTest::load(int row)
@@ -123,7 +130,7 @@ void CardToScreenTest::aSecondFlightReplacesTheFirst()
     m_ui->evaluate("LogParser.manualLogTimeOffset = 500");
 
     openImporter();
-    QTRY_VERIFY(m_ui->item("matchingRow1", m_importer)); // the last result, without a search
+    awaitRow("matchingRow1"); // the last result, without a search
     load(1);
     awaitFlight(m_videos + "/second.mp4", m_logs + "/second.log");
     QCOMPARE(m_ui->evaluate("LogParser.flightNaming.flightName").toString(), QString("South"));
@@ -138,7 +145,7 @@ void CardToScreenTest::aFlightWithoutALogOpensItsVideo()
     load(0);
     awaitFlight(m_videos + "/First 100%.mp4", m_logs + "/first.log");
     openImporter();
-    QTRY_VERIFY(m_ui->item("matchingRow2", m_importer));
+    awaitRow("matchingRow2");
     load(2);
     QTRY_VERIFY(UiFixture::messageBox());
     QCOMPARE(UiFixture::messageBox()->text(), QString("Log file could not be read."));

@@ -176,7 +176,9 @@ void ImporterTest::grab(const QString& name) const
     const QString folder = qEnvironmentVariable("VISTREL_SCREENSHOTS");
     if (folder.isEmpty())
         return;
-    QTest::qWait(300);
+    QSignalSpy drawn(m_importer, &QQuickWindow::frameSwapped);
+    m_importer->update();
+    QTRY_VERIFY(drawn.count() > 0);
     QDir().mkpath(folder);
     QVERIFY(m_importer->grabWindow().save(folder + '/' + name + ".png"));
 }
@@ -604,7 +606,7 @@ void ImporterTest::loadingAFlightWithoutALog()
     addDay(card + "/DCIM/100HDDVR", card);
     openImporter();
     search();
-    QTRY_VERIFY(item("matchingRow1"));
+    QTRY_VERIFY(item("matchingRow1") && item("matchingRow1")->y() > 0); // laid out
     click("matchingRow1");
     QCOMPARE(item("matchingsListView")->property("currentIndex").toInt(), 1);
     click("okButton");
