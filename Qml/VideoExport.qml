@@ -1,5 +1,5 @@
 import QtQuick 2.7
-import QtQuick.Dialogs 1.2
+import QtQuick.Dialogs 1.3
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
@@ -39,6 +39,7 @@ Window {
         title: "Please choose a video to export"
         selectExisting: false
         nameFilters: ["Video files (*.mp4)"]
+        defaultSuffix: "mp4"
         folder: settings.folder
         onAccepted: {
             videoExport.videoUrl = Paths.withSuffix(fileDialog.fileUrl.toString(),

@@ -1,4 +1,5 @@
 #include "App/qmlTypes.h"
+#include "App/saveDialogSuffix.h"
 #include "Platform/Platform.h"
 #include "Shell/AppInfo.h"
 #include "Shell/SystemInfo.h"
@@ -67,6 +68,7 @@ int main(int argc, char** argv)
 
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::registerQmlTypes();
+    corv::completeNamesInSaveDialogs(application);
 
     QQmlApplicationEngine engine;
     engine.rootContext()->setContextProperty(QStringLiteral("applicationDirPath"),

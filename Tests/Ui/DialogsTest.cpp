@@ -44,6 +44,7 @@ private slots:
     void videoExtension_data();
     void videoExtension();
     void videoFileIsChosenAndRemembered();
+    void videoFileThatIsThereIsAskedAbout();
     void videoKeysDoNothing_data();
     void videoKeysDoNothing();
     void videoCancelled();
@@ -562,6 +563,20 @@ void DialogsTest::videoFileIsChosenAndRemembered()
     QVERIFY(m_host->get("ok").toBool());
     QTRY_COMPARE(QSettings().value("videoExport/folder").toUrl().adjusted(QUrl::StripTrailingSlash),
                  QUrl::fromLocalFile(folder.path()));
+}
+
+/// Also when the suffix was left to the dialog.
+void DialogsTest::videoFileThatIsThereIsAskedAbout()
+{
+    QTemporaryDir folder;
+    QFile earlier(folder.filePath("film.mp4"));
+    QVERIFY(earlier.open(QIODevice::WriteOnly));
+    QVERIFY(m_host->open("VideoExport.qml"));
+    m_host->click("browseButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(UiFixture::questionAboutFile(folder.filePath("film")).contains("film.mp4"));
+    UiFixture::fileDialog()->reject();
+    QCOMPARE(m_host->get("videoUrl").toUrl(), QUrl());
 }
 
 void DialogsTest::videoKeysDoNothing_data()

@@ -1,6 +1,7 @@
 #include "UiFixture.h"
 
 #include "App/qmlTypes.h"
+#include "App/saveDialogSuffix.h"
 
 #include <QApplication>
 #include <QDir>
@@ -10,6 +11,7 @@
 #include <QQmlExpression>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTimer>
 #include <cstdio>
 
 namespace corv::test {
@@ -22,6 +24,7 @@ void UiFixture::prepare()
     QApplication::setApplicationName(QStringLiteral("Vistrel"));
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     registerQmlTypes();
+    completeNamesInSaveDialogs(*qGuiApp);
 }
 
 UiFixture::UiFixture()
@@ -277,6 +280,22 @@ bool UiFixture::dismissMessageBox()
         return false;
     QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
     return !box->isVisible();
+}
+
+QString UiFixture::questionAboutFile(const QString& path)
+{
+    QString question;
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, [&question] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || !box->button(QMessageBox::No) || !question.isEmpty())
+            return;
+        question = box->text();
+        box->button(QMessageBox::No)->click();
+    });
+    answer.start(10);
+    acceptFile(path);
+    return question;
 }
 
 bool UiFixture::acceptFile(const QString& path)

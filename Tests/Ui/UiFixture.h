@@ -95,6 +95,10 @@ public:
     /// stays. `path` is absolute.
     static bool acceptFile(const QString& path);
 
+    /// Picks one name in the open file dialog, where the file exists: answers the question whether
+    /// to replace it with "No" and gives its text. Empty if the dialog asked nothing.
+    static QString questionAboutFile(const QString& path);
+
     /// Saves the window's picture to the folder named by VISTREL_SCREENSHOTS, if that is set.
     void screenshot(const QString& name) const;
 
