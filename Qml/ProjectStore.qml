@@ -43,7 +43,9 @@ Item {
         }
         LogParser.isParsing = true;
         LogParser.parseLog(projectData.logFile.toString(), true);
-        Projects.restoreProperty(LogParser, "manualLogTimeOffset", (properties.correction || {}).log_offset);
+        Projects.restoreLogOffset(LogParser, properties.correction);
         LogParser.flightNaming = naming;
+        if (panel !== undefined)
+            panel.logTimeShiftingCorrection = LogParser.manualLogTimeOffset;
     }
 }

@@ -6,6 +6,8 @@ import VideoPlayer 1.0
 VideoPlayer {
     property bool hasVideoOpenedAlias: hasVideoOpened
     property var onVideoSucessfullyOpened: undefined
+    // The file that the video was opened by; `source` moves on from file to file.
+    property string openedSource: ""
 
     source: ""
     showIR: false
@@ -20,6 +22,7 @@ VideoPlayer {
     visible: hasVideoOpened
 
     onHasVideoOpenedChanged: {
+        openedSource = hasVideoOpened ? source : "";
         if (!hasVideoOpened || onVideoSucessfullyOpened === undefined)
             return;
         var continuation = onVideoSucessfullyOpened;
@@ -42,6 +45,21 @@ VideoPlayer {
     onPlayingChanged: controlsTab.setPlaying(playing)
     onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
     onVideoExportComplete: mainWindow.videoExportComplete(result)
+
+    // Opens a file and then runs the continuation, for that file alone: left behind by a video that
+    // could not be opened, it must not take the next one for its own. A file that is open already
+    // would not be opened again, and nothing would come of it.
+    function open(file, continuation) {
+        if (hasVideoOpened && source === file && openedSource === file) {
+            continuation();
+            return;
+        }
+        onVideoSucessfullyOpened = function() {
+            if (source === file)
+                continuation();
+        };
+        source = file;
+    }
 
     function togglePlayPause() {
         if (playing)

@@ -99,13 +99,12 @@ Item {
 
     function openFlight(videoFile, logFile) {
         mainWindow.resetStatusAsNewProject();
-        videoPlayer.onVideoSucessfullyOpened = function() {
+        videoPlayer.open(videoFile, function() {
             mainWindow.resetCorrectionParameters();
             mainWindow.updateCorrectionParameters();
             LogParser.isParsing = true;
             LogParser.parseLog(logFile, false);
-        };
-        videoPlayer.source = videoFile;
+        });
     }
 
     function exportFrames(choice) {

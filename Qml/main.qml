@@ -51,8 +51,8 @@ ApplicationWindow {
             displayErrorDialog("Error", Projects.missingFileText("video", projectData.videoFile));
             return;
         }
-        videoPlayer.onVideoSucessfullyOpened = function() { projectStore.restore(path, projectData); };
-        videoPlayer.source = projectData.videoFile.toString();
+        videoPlayer.open(projectData.videoFile.toString(),
+                         function() { projectStore.restore(path, projectData); });
     }
 
     function loadVideo(path) {

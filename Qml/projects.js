@@ -53,6 +53,12 @@ function restoreProperty(target, name, value) {
         target[name] = value;
 }
 
+function restoreLogOffset(logParser, correction) {
+    var offset = (correction || {}).log_offset;
+    if (Math.abs(offset) <= 2147483647)
+        restoreProperty(logParser, "manualLogTimeOffset", offset);
+}
+
 function restoreDisplay(videoPlayer, properties) {
     var display = properties.display || {};
     restoreProperty(videoPlayer, "contrast", display.contrast);

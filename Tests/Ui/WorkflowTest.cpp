@@ -31,6 +31,8 @@ private slots:
     void showsTheProgressOfALog();
     void savesAndReopens();
     void savesUnderANameWithoutSuffix();
+    void asksBeforeAFileIsReplaced_data();
+    void asksBeforeAFileIsReplaced();
     void savesUnderTheEscapedName();
     void saveWithoutAFileAsksForOne();
     void savingNeedsAVideo();
@@ -42,6 +44,9 @@ private slots:
     void reportsACorruptProject();
     void aProjectWithoutVideoLeavesTheWorkAlone();
     void aProjectWithoutLogOpensAllTheSame();
+    void anotherProjectOfTheVideoThatIsOpen();
+    void aProjectThatFailedLeavesTheNextVideoAlone();
+    void theAdjustmentsShowTheLogOffsetOfAProject();
     void handEditedProjectsOpenAsFarAsTheyGo_data();
     void handEditedProjectsOpenAsFarAsTheyGo();
     void theContinuationRunsOnce();
@@ -375,6 +380,43 @@ void WorkflowTest::savesUnderANameWithoutSuffix()
         UiFixture::dismissMessageBox();
 }
 
+void WorkflowTest::asksBeforeAFileIsReplaced_data()
+{
+    QTest::addColumn<QString>("dialog");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("existing");
+    QTest::newRow("project") << "saveProjectDialog"
+                             << "a.ecor"
+                             << "a.ecor";
+    QTest::newRow("project without its suffix") << "saveProjectDialog"
+                                                << "a"
+                                                << "a.ecor";
+    QTest::newRow("report without its suffix") << "createPoiReport"
+                                               << "a"
+                                               << "a.docx";
+    QTest::newRow("image without its suffix") << "saveImageDialog"
+                                              << "a"
+                                              << "a.jpg";
+}
+
+/// Also when the suffix was left to the dialog: what is there may be another day's work.
+void WorkflowTest::asksBeforeAFileIsReplaced()
+{
+    QFETCH(QString, dialog);
+    QFETCH(QString, typed);
+    QFETCH(QString, existing);
+    QVERIFY(m_ui->openVideo());
+    const QString folder = media().newFolder();
+    QFile file(folder + '/' + existing);
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.write("earlier") && file.flush());
+    m_ui->evaluate("fileDialogs." + dialog + ".open()");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(UiFixture::questionAboutFile(folder + '/' + typed).contains(existing));
+    UiFixture::fileDialog()->reject();
+    QVERIFY(file.seek(0));
+    QCOMPARE(file.readAll(), QByteArray("earlier"));
+}
+
 void WorkflowTest::savesUnderTheEscapedName()
 {
     QVERIFY(m_ui->openVideo());
@@ -508,6 +550,48 @@ void WorkflowTest::aProjectWithoutLogOpensAllTheSame()
     QCOMPARE(player("contrast").toDouble(), 1.5);
     QCOMPARE(m_ui->evaluate("LogParser.isParsing").toBool(), false);
     QVERIFY(m_ui->item("namingTextUndefined")->isVisible());
+}
+
+void WorkflowTest::anotherProjectOfTheVideoThatIsOpen()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 500, name: 'Crack', comment: ''}])");
+    const QString path = writeProject(project(media().video(), media().log()));
+    m_ui->call("loadProject", {path});
+    QTRY_COMPARE(m_ui->get("currentProject", "filePath").toString(), path);
+    QTRY_COMPARE(m_ui->poiNames(), (QStringList{"POI 1", "Rust", "POI 2"}));
+    QCOMPARE(player("contrast").toDouble(), 1.5);
+    QVERIFY(title().endsWith(path));
+    // And the first one of them once more, as it stands on disk.
+    m_ui->evaluate("videoPlayer.contrast = 0.7");
+    m_ui->call("loadProject", {path});
+    QTRY_COMPARE(player("contrast").toDouble(), 1.5);
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void WorkflowTest::aProjectThatFailedLeavesTheNextVideoAlone()
+{
+    const QString noVideo = media().newFolder() + "/none.mp4";
+    QVERIFY(QFile::copy(media().brokenLog(), noVideo));
+    m_ui->call("loadProject", {writeProject(project(noVideo, media().log()))});
+    expectBox("Error", "Video file " + noVideo + " could not be read.", QMessageBox::Critical);
+    const QString before = title();
+    m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(media().video())});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QCOMPARE(m_ui->poiNames(), QStringList());
+    QCOMPARE(title(), before);
+    QCOMPARE(m_ui->get("currentProject", "fileActive").toBool(), false);
+    QCOMPARE(player("contrast").toDouble(), 1.0);
+}
+
+void WorkflowTest::theAdjustmentsShowTheLogOffsetOfAProject()
+{
+    QQuickItem* panel = m_ui->showAdjustments();
+    QVERIFY(panel);
+    m_ui->call("loadProject", {writeProject(project(media().video(), media().log()))});
+    QTRY_VERIFY(m_ui->log().contains("Log parsing complete"));
+    QCOMPARE(panel->property("logTimeShiftingCorrection").toInt(), 300);
+    QCOMPARE(m_ui->evaluate("LogParser.manualLogTimeOffset").toInt(), 300);
 }
 
 void WorkflowTest::handEditedProjectsOpenAsFarAsTheyGo_data()
