@@ -11,6 +11,23 @@
 #include <utility>
 
 namespace corv {
+namespace {
+
+constexpr int httpOk = 200;
+
+/// What went wrong, empty if nothing did. The network layer takes a redirection, whose body is a
+/// page, and an answer without content for successes.
+QString errorOf(const QNetworkReply& reply)
+{
+    if (reply.error() != QNetworkReply::NoError)
+        return reply.errorString();
+    const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (status.isValid() && status.toInt() != httpOk)
+        return QStringLiteral("the server answered with status %1").arg(status.toInt());
+    return {};
+}
+
+} // namespace
 
 AzureStorage::AzureStorage(QObject* parent, CloudShare share)
     : QObject(parent), m_manager(this), m_share(std::move(share)),
@@ -61,9 +78,10 @@ void AzureStorage::abortCurrentDownload()
 void AzureStorage::finished(QNetworkReply* reply)
 {
     const QUrl url = reply->url();
-    if (reply->error() != QNetworkReply::NoError) {
-        qWarning() << "Download of" << url.toEncoded() << " failed; error:" << reply->errorString();
-        emit downloadError(reply->errorString());
+    const QString error = errorOf(*reply);
+    if (!error.isEmpty()) {
+        qWarning() << "Download of" << url.toEncoded() << " failed; error:" << error;
+        emit downloadError(error);
         return;
     }
     const QString text = url.toString();

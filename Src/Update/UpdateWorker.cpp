@@ -8,6 +8,7 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
@@ -125,7 +126,12 @@ void UpdateWorker::deleteOldInstallers()
     qInfo() << "Deleting old installers...";
     // Where the folder could not be made, its parent stands in for it, which holds the user's data.
     const QString folder = UpdateManager::getDownloadDir();
-    if (UpdateManager::isDownloadDir(folder))
+    if (!UpdateManager::isDownloadDir(folder))
+        return;
+    // A link goes by itself: what it leads to may hold more than installers.
+    if (QFileInfo(folder).isSymLink())
+        QFile::remove(folder);
+    else
         QDir(folder).removeRecursively();
 }
 

@@ -49,6 +49,7 @@ private slots:
     void anInstallerThatFails();
     void anInstallerThatCannotBeSaved();
     void oldInstallersGoAndNothingElse();
+    void anUpdateFolderThatIsALink();
     void anUpdateFolderThatIsAFile();
     void exitDuringEachPhase_data();
     void exitDuringEachPhase();
@@ -250,6 +251,8 @@ void UpdateManagerTest::anInstallerThatFails_data()
     QTest::addColumn<int>("status");
     QTest::addColumn<qint64>("announced");
     QTest::newRow("refused") << 403 << qint64(-1);
+    QTest::newRow("sent elsewhere") << 302 << qint64(-1);
+    QTest::newRow("nothing there") << 204 << qint64(-1);
     QTest::newRow("server error") << 500 << qint64(-1);
     QTest::newRow("cut off") << 200 << qint64(100'000);
 }
@@ -306,6 +309,22 @@ void UpdateManagerTest::oldInstallersGoAndNothingElse()
                  .entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList{UpdateManager::getInstallerFileName(newer)});
     QVERIFY(QFile::exists(m_dataFolder + QStringLiteral("/Vistrel.log")));
+}
+
+void UpdateManagerTest::anUpdateFolderThatIsALink()
+{
+    QTemporaryDir elsewhere;
+    touch(elsewhere.filePath(QStringLiteral("holiday.jpg")));
+    QVERIFY(QDir().mkpath(m_dataFolder));
+    QVERIFY(QFile::link(elsewhere.path(), m_dataFolder + QStringLiteral("/update")));
+    serveManifest(manifest(newer.toUtf8()));
+    m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
+    UpdateManager manager(share(), QString());
+    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
+    manager.checkUpdate();
+    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(QFile::exists(elsewhere.filePath(QStringLiteral("holiday.jpg"))));
+    QVERIFY(QFile::exists(installerFile()));
 }
 
 void UpdateManagerTest::anUpdateFolderThatIsAFile()
