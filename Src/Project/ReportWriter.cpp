@@ -19,6 +19,7 @@ namespace corv {
 namespace {
 
 constexpr int pollMs = 50;
+constexpr int dotsPerMetre = 3780; // 96 to the inch
 const QString timeKey = QStringLiteral("time");
 const QString cover = QStringLiteral("Cover");
 const QString page = QStringLiteral("Page");
@@ -32,9 +33,12 @@ struct FrameRequest
     QSemaphore wakeUp;
 };
 
-/// Any thread.
-void receiveFrame(const QImage& image, int timeMs, const QString& framePath)
+/// Any thread. The picture would carry the resolution of the screen, and so the report would depend
+/// on where it was made.
+void receiveFrame(QImage image, int timeMs, const QString& framePath)
 {
+    image.setDotsPerMeterX(dotsPerMetre);
+    image.setDotsPerMeterY(dotsPerMetre);
     if (image.isNull())
         qWarning() << "Failed to extract frame at ms" << timeMs;
     else if (!image.save(framePath))
