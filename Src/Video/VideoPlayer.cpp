@@ -2,7 +2,9 @@
 
 #include "Threads/post.h"
 #include "Video/OpenCvWorker.h"
+#include "Video/VideoExporter.h"
 #include "Video/fileNames.h"
+#include "Video/pictureFile.h"
 #include "Video/truncation.h"
 
 #include <QClipboard>
@@ -30,7 +32,7 @@ void saveImage(const QImage& image, const QString& fileName)
 {
     if (image.isNull())
         qWarning() << "Failed to extract frame";
-    else if (!image.save(fileName))
+    else if (!savePictureFile(image, fileName))
         qWarning() << "Failed to save frame to file" << fileName;
 }
 
@@ -431,6 +433,10 @@ bool VideoPlayer::saveFrame(QTime timePosition, QString fileName, bool overwrite
     while (!overwriteIfExists && QFileInfo::exists(fileName)) {
         qInfo() << "File" << fileName << " exists; constructing different name...";
         fileName = differentFileName(fileName);
+    }
+    if (isOneOfFiles(fileName, m_sourceFiles)) {
+        qWarning() << "Refused to save a frame over a file of the flight:" << fileName;
+        return false;
     }
     qInfo() << "Saving frame at" << timePosition << "ms in file" << fileName;
     return getFrameAsync(timePosition,

@@ -86,6 +86,7 @@ private slots:
     void aFrameIsSavedUnderAFreeName();
     void aFrameOverwritesIfAsked();
     void framesThatAreNotSavedAreToldOf();
+    void aFrameThatCannotBeSavedDestroysNothing();
     void aFrameOnTheClipboard();
     void aSeriesOfGivenTimes();
     void aSeriesAtASpacing_data();
@@ -215,6 +216,26 @@ void VideoExportTest::framesThatAreNotSavedAreToldOf()
     QTRY_VERIFY(log.contains("Failed to save frame to file"));
     m_player->close();
     QVERIFY(!m_player->saveFrame(timeAt(0), path("closed.png"), false));
+}
+
+void VideoExportTest::aFrameThatCannotBeSavedDestroysNothing()
+{
+    addFile("a.mp4");
+    open("a.mp4");
+    QFile notes(path("notes.txt"));
+    QVERIFY(notes.open(QIODevice::ReadWrite) && notes.write("earlier") && notes.flush());
+    MessageLog log;
+    QVERIFY(m_player->saveFrame(timeAt(0), path("notes.txt"), true));
+    QTRY_VERIFY(log.contains("Failed to save frame to file"));
+    QVERIFY(notes.seek(0));
+    QCOMPARE(notes.readAll(), QByteArray("earlier"));
+
+    QVERIFY(QFile::link(path("a.mp4"), path("link.png")));
+    const qint64 videoBytes = QFileInfo(path("a.mp4")).size();
+    for (const char* name : {"a.mp4", "link.png"})
+        QVERIFY(!m_player->saveFrame(timeAt(0), path(QString::fromLatin1(name)), true));
+    QCOMPARE(log.count("Refused to save a frame over a file of the flight:"), 2);
+    QCOMPARE(QFileInfo(path("a.mp4")).size(), videoBytes);
 }
 
 void VideoExportTest::aFrameOnTheClipboard()

@@ -3,6 +3,8 @@
 #include "Cli/diagnostics.h"
 #include "Project/ProjectFileLoader.h"
 #include "Timeline/logPois.h"
+#include "Video/VideoExporter.h"
+#include "Video/fileNames.h"
 
 #include <QEventLoop>
 #include <QFileInfo>
@@ -76,7 +78,15 @@ bool FlightSession::isFlight(const QStringList& files)
     return files.size() == 1 || (files.size() == 2 && !isProject(files[0]));
 }
 
-QString FlightSession::open(const QStringList& files)
+QString FlightSession::open(const QStringList& files, const QString& target)
+{
+    const QString error = openFiles(files);
+    if (error.isEmpty() && isOneOfFiles(target, m_files + files))
+        return target + QStringLiteral(": is a file of the flight itself");
+    return error;
+}
+
+QString FlightSession::openFiles(const QStringList& files)
 {
     if (files.size() == 1 && isProject(files[0]))
         return openProject(files[0]);
@@ -147,6 +157,7 @@ QString FlightSession::openVideo(const QString& videoFile)
         loop.quit();
     });
     QObject::connect(&m_player, &VideoPlayer::durationChanged, &loop, &QEventLoop::quit);
+    m_files << expandVideoSequence(videoFile);
     m_player.setSource(videoFile);
     if (failedFile.isEmpty())
         loop.exec();
@@ -164,6 +175,7 @@ QString FlightSession::openLog(const QString& logFile, bool ignoreNaming)
         isParsed = result;
         loop.quit();
     });
+    m_files << logFile;
     m_logParser.parseLog(logFile, ignoreNaming);
     loop.exec();
     if (!isParsed)

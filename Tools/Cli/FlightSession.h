@@ -22,8 +22,9 @@ public:
     static bool isFlight(const QStringList& files);
 
     /// Opens `files`: one project, or a video and perhaps a log. Returns once the video is open and
-    /// the log decoded. Gives an empty text, or else what went wrong in one line.
-    QString open(const QStringList& files);
+    /// the log decoded. Gives an empty text, or else what went wrong in one line; it is wrong, too,
+    /// if `target`, which is to be written, is by any name a file of the flight.
+    QString open(const QStringList& files, const QString& target);
 
     VideoPlayer& player() { return m_player; }
     LogParser& logParser() { return m_logParser; }
@@ -33,6 +34,7 @@ public:
     QVariantList marks() const;
 
 private:
+    QString openFiles(const QStringList& files);
     QString openProject(const QString& projectFile);
     QString openVideo(const QString& videoFile);
     QString openLog(const QString& logFile, bool ignoreNaming);
@@ -41,6 +43,7 @@ private:
     LogParser m_logParser;
     VideoPlayer m_player;
     QVariantList m_projectMarks;
+    QStringList m_files; ///< all that the flight was read from
 };
 
 } // namespace corv::cli

@@ -1,6 +1,7 @@
 #include "Cli/Command.h"
 #include "Cli/FlightSession.h"
 #include "Threads/post.h"
+#include "Video/pictureFile.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -47,13 +48,14 @@ private:
     int m_shownPercent = -1;
 };
 
-// Opens the one flight that is left of the arguments; a bare video shows the overlay on request.
-ExitStatus open(FlightSession& flight, QStringList arguments)
+// Opens the one flight that is left of the arguments, if `out` is none of its files; a bare video
+// shows the overlay on request.
+ExitStatus open(FlightSession& flight, QStringList arguments, const QString& out)
 {
     const bool withOverlay = takeOption(&arguments, QStringLiteral("--thermal"));
     if (!FlightSession::isFlight(arguments))
         return WrongUsage;
-    const QString error = flight.open(arguments);
+    const QString error = flight.open(arguments, out);
     if (!error.isEmpty())
         return fail(error);
     if (withOverlay)
@@ -101,7 +103,7 @@ ExitStatus savePictures(FlightSession& flight, const QList<Picture>& pictures)
             QString failure;
             if (image.isNull())
                 failure = noPictureAt(picture.timeMs);
-            else if (!image.save(picture.file))
+            else if (!savePictureFile(image, picture.file))
                 failure = picture.file + QStringLiteral(": cannot be written");
             post(&loop, [answer, failure] { answer(failure); });
         };
@@ -126,7 +128,7 @@ ExitStatus frame(QStringList arguments)
         out.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, arguments);
+    const ExitStatus status = open(flight, arguments, out);
     if (status != Done)
         return status;
     if (timeMs >= msPerDay) // the times of the player begin anew there
@@ -173,7 +175,7 @@ ExitStatus frames(QStringList arguments)
         prefix.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, arguments);
+    const ExitStatus status = open(flight, arguments, out);
     if (status != Done)
         return status;
     if (!QDir().mkpath(out))
@@ -197,7 +199,7 @@ ExitStatus video(QStringList arguments)
     if (out.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, arguments);
+    const ExitStatus status = open(flight, arguments, out);
     if (status != Done)
         return status;
     ProgressLine progress("video");

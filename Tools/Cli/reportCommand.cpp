@@ -50,7 +50,7 @@ ExitStatus report(const QStringList& given)
     if (path.isEmpty() || !FlightSession::isFlight(arguments))
         return WrongUsage;
     FlightSession flight;
-    const QString error = flight.open(arguments);
+    const QString error = flight.open(arguments, path);
     if (!error.isEmpty())
         return fail(error);
     if (!writeReport(flight, path))

@@ -72,6 +72,7 @@ private slots:
     void framesOfARange();
     void framesOfTheMarks();
     void wholeVideo();
+    void sourcesAreNeverWrittenOver_data();
     void sourcesAreNeverWrittenOver();
     void refusals_data();
     void refusals();
@@ -280,13 +281,35 @@ void FrameCommandsTest::wholeVideo()
         QCOMPARE(cv::norm(frames[i], shownFrames[i], cv::NORM_INF), 0.0);
 }
 
+void FrameCommandsTest::sourcesAreNeverWrittenOver_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<QString>("target");
+    const QStringList frame{QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
+                            QStringLiteral("0")};
+    const QStringList video{QStringLiteral("video"), m_project};
+    const QStringList report{QStringLiteral("report"), m_project};
+    const QString second = path("DCIM/101_CORV/CORV0002.MOV");
+    QTest::newRow("the video by a video") << video << m_video;
+    QTest::newRow("the second file by a video") << video << second;
+    QTest::newRow("the video by a picture") << frame << m_video;
+    QTest::newRow("the log by a picture") << frame << m_log;
+    QTest::newRow("the project by a picture") << frame << m_project;
+    QTest::newRow("the second file by a report") << report << second;
+    QTest::newRow("the log by a report") << report << m_log;
+    QTest::newRow("the project by a report") << report << m_project;
+}
+
 void FrameCommandsTest::sourcesAreNeverWrittenOver()
 {
-    const QByteArray before = contentsOf(m_video);
-    const Outcome outcome =
-        run({QStringLiteral("video"), m_project, QStringLiteral("--out"), m_video});
+    QFETCH(QStringList, command);
+    QFETCH(QString, target);
+    const QByteArray before = contentsOf(target);
+    QVERIFY(!before.isEmpty());
+    const Outcome outcome = run(command + QStringList{QStringLiteral("--out"), target});
     QCOMPARE(outcome.status, 1);
-    QVERIFY(contentsOf(m_video) == before);
+    QVERIFY(outcome.complaint.contains("is a file of the flight itself"));
+    QVERIFY(contentsOf(target) == before);
 }
 
 void FrameCommandsTest::refusals_data()
