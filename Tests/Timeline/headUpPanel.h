@@ -1,0 +1,137 @@
+#pragma once
+
+#include "timelineSupport.h"
+
+#include "Timeline/HeadUpDisplay.h"
+
+#include <cmath>
+
+namespace corv::test {
+
+/// The video, and the log time of its first frame.
+constexpr int durationMs = 60000;
+constexpr quint32 start = videoStartInLogMs;
+
+constexpr int stateGroup = 3;
+constexpr int cameraGroup = 4;
+
+constexpr int panelWidth = 170;
+constexpr int panelHeight = 600;
+
+/// Top of the text of each row at a panel width of 170, where the dials are 170 high.
+constexpr int rowTops[] = {0, 30, 60, 270, 300};
+
+/// One packet of the attitude, in radians and metres, at a log time.
+struct State
+{
+    quint32 time = 0;
+    float roll = 0;
+    float pitch = 0;
+    float yaw = 0;
+    float headingReference = 0;
+    float altitude = 0;
+    float altitudeReference = 0;
+};
+
+inline LogBuilder& addStateGroup(LogBuilder& log)
+{
+    return log.addGroup("state_estimation", stateGroup,
+                        {{"time", "UINT32", 1},
+                         {"euler_angles", "FLOAT", 3},
+                         {"heading_reference", "FLOAT", 1},
+                         {"altitude", "FLOAT", 1},
+                         {"altitude_telem_ref", "FLOAT", 1}});
+}
+
+inline LogBuilder& addState(LogBuilder& log, const State& state)
+{
+    QByteArray payload = LogBuilder::u32(state.time);
+    for (const float value : {state.roll, state.pitch, state.yaw, state.headingReference,
+                              state.altitude, state.altitudeReference})
+        payload += LogBuilder::f32(value);
+    return log.addPacket(stateGroup, payload);
+}
+
+inline LogBuilder& addCameraGroup(LogBuilder& log)
+{
+    return log.addGroup("camera_cmd", cameraGroup,
+                        {{"time", "UINT32", 1}, {"servo_angle", "FLOAT", 1}});
+}
+
+inline LogBuilder& addCamera(LogBuilder& log, quint32 time, float angle)
+{
+    return log.addPacket(cameraGroup, LogBuilder::u32(time) + LogBuilder::f32(angle));
+}
+
+inline float radians(double degrees)
+{
+    return static_cast<float>(degrees * M_PI / 180.0);
+}
+
+/// The panel on a log, 170 pixels wide.
+struct Panel
+{
+    Panel() { hud.setSize(QSizeF(panelWidth, panelHeight)); }
+
+    explicit Panel(const LogBuilder& log) : Panel()
+    {
+        parsed = parse(parser, log, durationMs);
+        hud.setLogParser(&parser);
+        hud.updateLogData();
+    }
+
+    /// Picture of a row's texts.
+    QImage textsOfRow(int row, int videoMs)
+    {
+        hud.setVideoPosition(timeAt(videoMs));
+        return painted(hud).copy(0, rowTops[row] + 8, panelWidth, 20);
+    }
+
+    bool parsed = false;
+    LogParser parser;
+    HeadUpDisplay hud;
+};
+
+/// How a row's label and value look, drawn by the test itself.
+inline QImage texts(int row, const QString& value)
+{
+    const char* labels[] = {"Pitch", "Roll", "Heading", "Altitude", "Cam pitch"};
+    QImage image(panelWidth, 36, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::magenta);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::white);
+    const QRectF rect(10, 8, panelWidth - 20, 20);
+    painter.drawText(rect, Qt::AlignLeft | Qt::AlignTop, QString::fromLatin1(labels[row]));
+    painter.drawText(rect, Qt::AlignRight | Qt::AlignTop, value);
+    painter.end();
+    return image.copy(0, 8, panelWidth, 20);
+}
+
+const QColor discColour(0x55, 0x55, 0x55);
+
+inline bool isNeedle(const QColor& colour)
+{
+    return colour.green() > 200 && colour.red() < 60 && colour.blue() < 120;
+}
+
+inline int needlePixels(const QImage& image, const QRect& rect)
+{
+    int count = 0;
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        for (int x = rect.left(); x <= rect.right(); ++x)
+            count += isNeedle(image.pixelColor(x, y)) ? 1 : 0;
+    }
+    return count;
+}
+
+/// Both dials at this width: centre and the square around it.
+const QPoint compassCentre(85, 60 + 30 + 85);
+const QPoint cameraCentre(85, 300 + 30 + 85);
+
+inline QRect discAround(const QPoint& centre)
+{
+    return QRect(centre - QPoint(84, 84), QSize(168, 168));
+}
+
+} // namespace corv::test
