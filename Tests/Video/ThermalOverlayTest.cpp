@@ -1,8 +1,8 @@
 #include "Video/ThermalOverlay.h"
 
 #include "Support/MessageLog.h"
-#include "Support/ThermalReference.h"
 #include "Video/thermalPicture.h"
+#include "thermalLogs.h"
 
 #include <QtTest>
 #include <cmath>
@@ -11,50 +11,9 @@
 using namespace corv;
 using namespace corv::test;
 
-using Spoil = std::function<void(LogFile&)>;
-Q_DECLARE_METATYPE(Spoil)
 Q_DECLARE_METATYPE(corv::VideoDisplaySettings)
 
 namespace {
-
-const ThermalOverlay::RangeReport noReport;
-
-std::shared_ptr<FlightClock> clockAt(int logTimeOffset)
-{
-    auto clock = std::make_shared<FlightClock>();
-    clock->logTimeOffset = logTimeOffset;
-    clock->synced = true;
-    return clock;
-}
-
-VideoDisplaySettings shown(bool autoMapping = true)
-{
-    VideoDisplaySettings settings;
-    settings.showIR = true;
-    settings.autoIRMapping = autoMapping;
-    return settings;
-}
-
-std::vector<quint16> pixels(int words, quint16 value)
-{
-    return std::vector<quint16>(static_cast<size_t>(words), value);
-}
-
-// Frames 0 to `frames` - 1, one each 114 ms from 1000 ms on, in `parts` parts whose pixels all
-// hold 1000 * frame + part.
-ThermalLog plainLog(quint32 frames, int parts)
-{
-    ThermalLog log;
-    log.wordsPerPacket = thermalPixels / parts;
-    for (quint32 f = 0; f < frames; ++f) {
-        log.status.push_back({1000 + 114 * f, f});
-        for (int p = 0; p < parts; ++p) {
-            const auto value = static_cast<quint16>(1000 * f + static_cast<quint32>(p));
-            log.packets.push_back({f, static_cast<quint8>(p), pixels(log.wordsPerPacket, value)});
-        }
-    }
-    return log;
-}
 
 // A log as a flight in trouble leaves it: lost parts, gaps in the counters, parts twice, junk at
 // the end. The pixels lie between 8000 and 8000 + 13107, a range that maps without a remainder.
@@ -85,52 +44,16 @@ ThermalLog damagedLog(int parts, unsigned seed)
     return log;
 }
 
-cv::Mat randomFrame(int cols, int rows, unsigned seed)
-{
-    cv::Mat frame(rows, cols, CV_8UC3);
-    cv::RNG random(seed);
-    random.fill(frame, cv::RNG::UNIFORM, 0, 256);
-    return frame;
-}
-
-bool equal(const cv::Mat& a, const cv::Mat& b)
-{
-    return a.size() == b.size() && a.type() == b.type() && cv::norm(a, b, cv::NORM_INF) == 0.0;
-}
-
 std::vector<quint16> values(const cv::Mat& thermal)
 {
     return {thermal.ptr<quint16>(), thermal.ptr<quint16>() + thermal.total()};
-}
-
-quint16 thermalAt(const ThermalOverlay& overlay, int row)
-{
-    return overlay.thermalFrame().at<quint16>(row, 80);
-}
-
-LogVar* varOf(LogFile& log, const char* group, const char* var)
-{
-    return log.getGroup(std::string(group))->getVar(var);
-}
-
-Spoil reshape(const char* group, const char* var, int nb, int packets, LogVar::Type type)
-{
-    return [=](LogFile& log) { varOf(log, group, var)->allocate(nb, packets, type); };
-}
-
-Spoil counters(std::vector<quint32> numbers)
-{
-    return [numbers](LogFile& log) {
-        for (size_t i = 0; i < numbers.size(); ++i)
-            varOf(log, "lepton_status", "frame_counter")
-                ->setU32(0, static_cast<int>(i), numbers[i]);
-    };
 }
 
 const cv::Vec3b coldest(128, 0, 0);
 
 } // namespace
 
+/// The overlay as it is drawn into the frame, and the effects under it.
 class ThermalOverlayTest : public QObject
 {
     Q_OBJECT
@@ -138,19 +61,6 @@ class ThermalOverlayTest : public QObject
 private slots:
     void equalsTheSlowComputation_data();
     void equalsTheSlowComputation();
-    void noParserAndNoLogAreTold();
-    void missingGroupsAndVarsAreSilent_data();
-    void missingGroupsAndVarsAreSilent();
-    void hostileTablesGiveNoOverlay_data();
-    void hostileTablesGiveNoOverlay();
-    void oddTablesAreReadWithinTheirRows_data();
-    void oddTablesAreReadWithinTheirRows();
-    void switches();
-    void momentsOutsideTheLog();
-    void manualOffsetMovesTheMoment();
-    void lostPartsShowTheFrameBefore();
-    void composedFrameOutlivesTheLog();
-    void bytesAreExchangedInTheLog();
     void rangeIsThatOfTheFrameBefore();
     void contrastAndBrightness_data();
     void contrastAndBrightness();
@@ -162,7 +72,6 @@ private slots:
     void emptyMappingDrawsNothing_data();
     void emptyMappingDrawsNothing();
     void unfitFramesAreLeftAlone();
-    void wrappedProductStaysInside();
 };
 
 void ThermalOverlayTest::equalsTheSlowComputation_data()
@@ -228,259 +137,6 @@ void ThermalOverlayTest::equalsTheSlowComputation()
         }
         memory = reference.composed();
     }
-}
-
-void ThermalOverlayTest::noParserAndNoLogAreTold()
-{
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(0));
-    overlay.updateLogData(true, plainLog(5, 4).decoded());
-    QVERIFY(overlay.isActive());
-    MessageLog messages;
-    overlay.updateLogData(false, nullptr);
-    QCOMPARE(messages.messages(QtWarningMsg), QStringList{QStringLiteral("No log parser")});
-    QVERIFY(!overlay.isActive());
-    overlay.updateLogData(true, plainLog(5, 4).decoded());
-    messages.clear();
-    overlay.updateLogData(true, nullptr);
-    QCOMPARE(messages.messages(QtWarningMsg), QStringList{QStringLiteral("No log file")});
-    QVERIFY(!overlay.isActive());
-}
-
-void ThermalOverlayTest::missingGroupsAndVarsAreSilent_data()
-{
-    QTest::addColumn<QByteArray>("missing");
-    for (const char* name : {"lepton_status", "lepton_video", "time", "status frame_counter",
-                             "image", "image_part", "video frame_counter"})
-        QTest::newRow(name) << QByteArray(name);
-}
-
-void ThermalOverlayTest::missingGroupsAndVarsAreSilent()
-{
-    QFETCH(QByteArray, missing);
-    const auto log = std::make_shared<LogFile>();
-    const auto add = [&log, &missing](const char* group, int id,
-                                      const std::vector<QByteArray>& names) {
-        if (missing == group)
-            return;
-        log->addGroup(group, id);
-        for (const QByteArray& name : names) {
-            if (missing == name)
-                continue;
-            log->getGroup(id)->addVar(name.split(' ').last().toStdString());
-            log->getGroup(id)->getVars().back().allocate(1, 3, LogVar::Uint32);
-        }
-    };
-    add("lepton_status", 1, {"time", "status frame_counter"});
-    add("lepton_video", 2, {"image", "image_part", "video frame_counter"});
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(0));
-    overlay.updateLogData(true, plainLog(5, 4).decoded());
-    MessageLog messages;
-    overlay.updateLogData(true, log);
-    QCOMPARE(messages.messages(), QStringList());
-    QVERIFY(!overlay.isActive());
-}
-
-void ThermalOverlayTest::hostileTablesGiveNoOverlay_data()
-{
-    QTest::addColumn<Spoil>("spoil");
-    const auto image = [](int nb, LogVar::Type type = LogVar::Uint16) {
-        return reshape("lepton_video", "image", nb, 20, type);
-    };
-    QTest::newRow("image without columns") << image(0);
-    QTest::newRow("image with fewer than no columns") << image(-4800);
-    QTest::newRow("image larger than a frame") << image(19201);
-    QTest::newRow("image of two frames") << image(38400);
-    QTest::newRow("image that divides no frame") << image(4799);
-    QTest::newRow("image of bytes") << image(4800, LogVar::Uint8);
-    QTest::newRow("image of doubles") << image(4800, LogVar::Double);
-    QTest::newRow("counters of four billion")
-        << counters({4'294'967'290, 4'294'967'291, 4'294'967'292, 4'294'967'293, 4'294'967'294});
-    QTest::newRow("last counter there is")
-        << counters({4'294'967'291, 4'294'967'292, 4'294'967'293, 4'294'967'294, 4'294'967'295});
-    QTest::newRow("counters that start beyond their end") << counters({90, 91, 3, 4, 5});
-    QTest::newRow("status times of bytes") << reshape("lepton_status", "time", 1, 5, LogVar::Uint8);
-    QTest::newRow("status counters of words")
-        << reshape("lepton_status", "frame_counter", 1, 5, LogVar::Int16);
-    QTest::newRow("status times without columns")
-        << reshape("lepton_status", "time", 0, 5, LogVar::Uint32);
-    QTest::newRow("part numbers of words")
-        << reshape("lepton_video", "image_part", 1, 20, LogVar::Uint32);
-    QTest::newRow("part counters of bytes")
-        << reshape("lepton_video", "frame_counter", 1, 20, LogVar::Uint8);
-}
-
-void ThermalOverlayTest::hostileTablesGiveNoOverlay()
-{
-    QFETCH(Spoil, spoil);
-    const auto log = plainLog(5, 4).decoded();
-    spoil(*log);
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(1000));
-    overlay.updateLogData(true, plainLog(5, 4).decoded());
-    MessageLog messages;
-    overlay.updateLogData(true, log);
-    QCOMPARE(messages.messages(QtWarningMsg),
-             QStringList{QStringLiteral("Thermal frames of the log cannot be used")});
-    QVERIFY(!overlay.isActive());
-    const cv::Mat before = randomFrame(320, 180, 1);
-    cv::Mat frame = before.clone();
-    VideoDisplaySettings settings = shown();
-    overlay.applyPictureEffects(frame, 50, settings, false, noReport);
-    overlay.drawThermalOverlay(frame, 50, settings, false);
-    QVERIFY(equal(frame, before));
-}
-
-void ThermalOverlayTest::oddTablesAreReadWithinTheirRows_data()
-{
-    QTest::addColumn<Spoil>("spoil");
-    QTest::newRow("fewer status times") << reshape("lepton_status", "time", 1, 2, LogVar::Uint32);
-    QTest::newRow("fewer status counters")
-        << reshape("lepton_status", "frame_counter", 1, 1, LogVar::Uint32);
-    QTest::newRow("no status") << reshape("lepton_status", "frame_counter", 1, 0, LogVar::Uint32);
-    QTest::newRow("fewer part numbers")
-        << reshape("lepton_video", "image_part", 1, 3, LogVar::Uint8);
-    QTest::newRow("fewer part counters")
-        << reshape("lepton_video", "frame_counter", 1, 0, LogVar::Uint32);
-    QTest::newRow("fewer images") << reshape("lepton_video", "image", 4800, 2, LogVar::Uint16);
-    QTest::newRow("no image") << reshape("lepton_video", "image", 4800, 0, LogVar::Uint16);
-    QTest::newRow("one word per image") << reshape("lepton_video", "image", 1, 20, LogVar::Uint16);
-    QTest::newRow("counters that run backward") << counters({5, 4, 3, 2, 1});
-    QTest::newRow("counters that stand still") << counters({7, 7, 7, 7, 7});
-}
-
-void ThermalOverlayTest::oddTablesAreReadWithinTheirRows()
-{
-    QFETCH(Spoil, spoil);
-    const auto log = plainLog(5, 4).decoded();
-    spoil(*log);
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(0));
-    MessageLog messages;
-    overlay.updateLogData(true, log);
-    QVERIFY(overlay.isActive());
-    VideoDisplaySettings settings = shown();
-    for (const int timeMs : {-5000, 0, 1, 500, 1050, 1200, 99'999}) {
-        const cv::Mat before = randomFrame(320, 180, 1);
-        cv::Mat frame = before.clone();
-        overlay.applyPictureEffects(frame, timeMs, settings, false, noReport);
-        QVERIFY(!equal(frame, before));
-    }
-    QCOMPARE(messages.messages(), QStringList());
-}
-
-void ThermalOverlayTest::switches()
-{
-    const auto clock = clockAt(0);
-    ThermalOverlay overlay;
-    QVERIFY(!overlay.isActive());
-    overlay.updateLogData(true, plainLog(5, 4).decoded());
-    QVERIFY(!overlay.isActive());
-    overlay.setClock(clock);
-    QVERIFY(overlay.isActive());
-    clock->synced = false;
-    QVERIFY(!overlay.isActive());
-    clock->synced = true;
-    VideoDisplaySettings settings = shown();
-    settings.showIR = false;
-    const cv::Mat before = randomFrame(320, 180, 1);
-    cv::Mat frame = before.clone();
-    overlay.applyPictureEffects(frame, 1000, settings, false, noReport);
-    QVERIFY(equal(frame, before));
-    overlay.setClock(nullptr);
-    QVERIFY(!overlay.isActive());
-    overlay.setClock(clock);
-    overlay.clear();
-    QVERIFY(!overlay.isActive());
-}
-
-void ThermalOverlayTest::momentsOutsideTheLog()
-{
-    ThermalLog log = plainLog(9, 4);
-    // The camera had counted three frames before the log began.
-    log.status.erase(log.status.begin(), log.status.begin() + 3);
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(0));
-    overlay.updateLogData(true, log.decoded());
-    cv::Mat frame = randomFrame(320, 180, 1);
-    overlay.drawThermalOverlay(frame, 5, shown(), false);
-    QCOMPARE(thermalAt(overlay, 0), quint16(3000));
-    overlay.drawThermalOverlay(frame, 1'000'000, shown(), false);
-    QCOMPARE(thermalAt(overlay, 0), quint16(8000));
-}
-
-void ThermalOverlayTest::manualOffsetMovesTheMoment()
-{
-    const auto clock = clockAt(700);
-    ThermalOverlay overlay;
-    overlay.setClock(clock);
-    overlay.updateLogData(true, plainLog(9, 4).decoded());
-    cv::Mat frame = randomFrame(320, 180, 1);
-    for (const int manual : {0, 100, 114, 500, -114, 0}) {
-        clock->manualLogTimeOffset = manual;
-        const int moment = 700 + 450 + manual;
-        const int expected = (moment - 1000) / 114 + 1;
-        overlay.drawThermalOverlay(frame, 450, shown(), false);
-        QCOMPARE(thermalAt(overlay, 0), static_cast<quint16>(1000 * expected));
-    }
-    // Sums beyond the largest int go round as the log's own numbers do.
-    clock->logTimeOffset = INT_MAX;
-    clock->manualLogTimeOffset = 1000;
-    overlay.drawThermalOverlay(frame, 450, shown(), false);
-    QCOMPARE(thermalAt(overlay, 0), quint16(0));
-}
-
-void ThermalOverlayTest::lostPartsShowTheFrameBefore()
-{
-    ThermalLog log = plainLog(6, 4);
-    log.packets.erase(log.packets.begin() + 4 * 3 + 2);
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(1000));
-    overlay.updateLogData(true, log.decoded());
-    QCOMPARE(thermalAt(overlay, 0), quint16(0));
-    cv::Mat frame = randomFrame(320, 180, 1);
-    overlay.drawThermalOverlay(frame, 114 + 50, shown(), false);
-    overlay.drawThermalOverlay(frame, 2 * 114 + 50, shown(), false);
-    QCOMPARE(thermalAt(overlay, 0), quint16(3000));
-    QCOMPARE(thermalAt(overlay, 59), quint16(3001));
-    QCOMPARE(thermalAt(overlay, 60), quint16(2002));
-    QCOMPARE(thermalAt(overlay, 89), quint16(2002));
-    QCOMPARE(thermalAt(overlay, 90), quint16(3003));
-}
-
-void ThermalOverlayTest::composedFrameOutlivesTheLog()
-{
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(1000));
-    overlay.updateLogData(true, plainLog(6, 4).decoded());
-    cv::Mat frame = randomFrame(320, 180, 1);
-    overlay.drawThermalOverlay(frame, 50, shown(), false);
-    overlay.clear();
-    QCOMPARE(thermalAt(overlay, 0), quint16(1000));
-    ThermalLog next = plainLog(6, 4);
-    next.packets.clear();
-    overlay.updateLogData(true, next.decoded());
-    overlay.drawThermalOverlay(frame, 400, shown(), false);
-    QCOMPARE(thermalAt(overlay, 0), quint16(1000));
-}
-
-void ThermalOverlayTest::bytesAreExchangedInTheLog()
-{
-    const auto log = plainLog(6, 4).decoded();
-    void* column = nullptr;
-    varOf(*log, "lepton_video", "image")->getColumn(0, &column);
-    const auto* words = static_cast<const quint16*>(column);
-    QCOMPARE(words[4], quint16(0xe803));
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(1000));
-    overlay.updateLogData(true, log);
-    QCOMPARE(words[4], quint16(0x03e8));
-    overlay.updateLogData(true, log);
-    QCOMPARE(words[4], quint16(0xe803));
-    cv::Mat frame = randomFrame(320, 180, 1);
-    overlay.drawThermalOverlay(frame, 50, shown(), false);
-    QCOMPARE(thermalAt(overlay, 0), quint16(0xe803));
 }
 
 void ThermalOverlayTest::rangeIsThatOfTheFrameBefore()
@@ -688,40 +344,6 @@ void ThermalOverlayTest::unfitFramesAreLeftAlone()
     QVERIFY(frame.at<cv::Vec3b>(90, 160) == cv::Vec3b(15, 15, 15));
     QCOMPARE(messages.messages(),
              QStringList{QStringLiteral("No place for the thermal overlay in the frame")});
-}
-
-void ThermalOverlayTest::wrappedProductStaysInside()
-{
-    // 223,697 times 19,200 is 15,104 beyond the largest 32-bit number, a 120th of which is 125.
-    const int packets = 223'698;
-    const auto log = std::make_shared<LogFile>();
-    log->addGroup("lepton_status", 1);
-    log->getGroup(1)->addVar("time");
-    log->getGroup(1)->addVar("frame_counter");
-    for (LogVar& var : log->getGroup(1)->getVars())
-        var.allocate(1, 2, LogVar::Uint32);
-    varOf(*log, "lepton_status", "frame_counter")->setU32(0, 1, 1);
-    log->addGroup("lepton_video", 2);
-    for (const char* name : {"image", "image_part", "frame_counter"})
-        log->getGroup(2)->addVar(name);
-    LogVar* image = varOf(*log, "lepton_video", "image");
-    image->allocate(160, packets, LogVar::Uint16);
-    varOf(*log, "lepton_video", "image_part")->allocate(1, packets, LogVar::Uint8);
-    LogVar* counter = varOf(*log, "lepton_video", "frame_counter");
-    counter->allocate(1, packets, LogVar::Uint32);
-    for (int row = 0; row < packets; ++row)
-        counter->setU32(0, row, 77);
-    counter->setU32(0, packets - 1, 1);
-    for (int word = 0; word < 320; ++word)
-        image->setU16(word % 160, word / 160, static_cast<quint16>(word % 256 << 8 | word / 256));
-    ThermalOverlay overlay;
-    overlay.setClock(clockAt(0));
-    overlay.updateLogData(true, log);
-    QVERIFY(overlay.isActive());
-    cv::Mat frame = randomFrame(320, 180, 1);
-    overlay.drawThermalOverlay(frame, 5000, shown(), false);
-    QCOMPARE(overlay.thermalFrame().at<quint16>(0, 0), quint16(125));
-    QCOMPARE(overlay.thermalFrame().at<quint16>(0, 159), quint16(125 + 159));
 }
 
 QTEST_GUILESS_MAIN(ThermalOverlayTest)
