@@ -1,28 +1,36 @@
-#include "DialogHost.h"
+#include "DialogSuite.h"
 
 #include "Shell/AppInfo.h"
 
-#include <QApplication>
 #include <QSettings>
 #include <QSignalSpy>
 
 using namespace corv::test;
 
+namespace {
+
+const QList<WindowLook> windows{
+    // The lowest height of the settings is above the one they ask for.
+    {"settings", "GeneralSettings.qml", "Settings", QSize(400, 244), QSize(400, 244), "#555555"},
+    {"shortcuts", "ShortcutsWindow.qml", "Keyboard Shortcuts", QSize(300, 420), QSize(300, 420),
+     "#555555"},
+    {"about", "AboutWindow.qml", "About Vistrel", QSize(700, 600), QSize(400, 400), "",
+     Qt::WindowModal},
+    {"update", "NewUpdateWindow.qml", "Update now", QSize(400, 700), QSize(400, 600), "#494949",
+     Qt::ApplicationModal},
+};
+
+} // namespace
+
 /// The windows that set, list, tell and offer: their texts, keys and what they leave behind.
-class SettingsWindowsTest : public QObject
+class SettingsWindowsTest : public DialogSuite
 {
     Q_OBJECT
 
+public:
+    SettingsWindowsTest() : DialogSuite(windows) {}
+
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-
-    void windowIsAsAnnounced_data();
-    void windowIsAsAnnounced();
-    void everyControlHasAName_data();
-    void everyControlHasAName();
-
     void settingsShowWhatIsStored_data();
     void settingsShowWhatIsStored();
     void settingsAreSaved_data();
@@ -43,81 +51,7 @@ private slots:
     void updateTellsWhatIsNew();
     void updateIsInstalled();
     void updateWaits();
-
-private:
-    std::unique_ptr<DialogHost> m_host;
 };
-
-void SettingsWindowsTest::initTestCase()
-{
-    UiFixture::prepare();
-}
-
-void SettingsWindowsTest::init()
-{
-    m_host = std::make_unique<DialogHost>();
-    QVERIFY(m_host->isLoaded());
-}
-
-void SettingsWindowsTest::cleanup()
-{
-    m_host.reset();
-}
-
-void SettingsWindowsTest::windowIsAsAnnounced_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QSize>("minimum");
-    QTest::addColumn<QString>("colour");
-    QTest::addColumn<int>("modality");
-    // The lowest height of the settings is above the one they ask for.
-    QTest::newRow("settings") << "GeneralSettings.qml"
-                              << "Settings" << QSize(400, 244) << QSize(400, 244) << "#555555"
-                              << int(Qt::NonModal);
-    QTest::newRow("shortcuts") << "ShortcutsWindow.qml"
-                               << "Keyboard Shortcuts" << QSize(300, 420) << QSize(300, 420)
-                               << "#555555" << int(Qt::NonModal);
-    QTest::newRow("about") << "AboutWindow.qml"
-                           << "About Vistrel" << QSize(700, 600) << QSize(400, 400) << ""
-                           << int(Qt::WindowModal);
-    QTest::newRow("update") << "NewUpdateWindow.qml"
-                            << "Update now" << QSize(400, 700) << QSize(400, 600) << "#494949"
-                            << int(Qt::ApplicationModal);
-}
-
-void SettingsWindowsTest::windowIsAsAnnounced()
-{
-    QFETCH(QString, file);
-    QFETCH(QSize, size);
-    QFETCH(QString, colour);
-    QVERIFY(m_host->open(file));
-    QQuickWindow* window = m_host->window();
-    QTEST(window->title(), "title");
-    QTRY_COMPARE(window->size(), size);
-    QTEST(window->minimumSize(), "minimum");
-    if (!colour.isEmpty())
-        QCOMPARE(window->color().name(), colour);
-    QTEST(int(window->modality()), "modality");
-    QCOMPARE(m_host->ui().scriptErrors(), QStringList());
-    m_host->screenshot(file.chopped(4));
-}
-
-void SettingsWindowsTest::everyControlHasAName_data()
-{
-    QTest::addColumn<QString>("file");
-    for (const char* file :
-         {"GeneralSettings.qml", "ShortcutsWindow.qml", "AboutWindow.qml", "NewUpdateWindow.qml"})
-        QTest::newRow(file) << QString(file);
-}
-
-void SettingsWindowsTest::everyControlHasAName()
-{
-    QFETCH(QString, file);
-    QVERIFY(m_host->open(file));
-    QCOMPARE(m_host->namelessControls(), QStringList());
-}
 
 void SettingsWindowsTest::settingsShowWhatIsStored_data()
 {
@@ -183,9 +117,7 @@ void SettingsWindowsTest::settingsAreSaved()
 
 void SettingsWindowsTest::settingsCancelled_data()
 {
-    QTest::addColumn<bool>("byKey");
-    QTest::newRow("clicked") << false;
-    QTest::newRow("Escape") << true;
+    addRowsOfCancelling();
 }
 
 void SettingsWindowsTest::settingsCancelled()
@@ -365,11 +297,5 @@ void SettingsWindowsTest::updateWaits()
     QCOMPARE(install.count(), 0);
 }
 
-int main(int argc, char** argv)
-{
-    QApplication application(argc, argv);
-    SettingsWindowsTest suite;
-    return QTest::qExec(&suite, argc, argv);
-}
-
+QTEST_MAIN(SettingsWindowsTest)
 #include "SettingsWindowsTest.moc"

@@ -1,31 +1,31 @@
-#include "DialogHost.h"
+#include "DialogSuite.h"
 
-#include <QApplication>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTime>
 
 using namespace corv::test;
 
-/// The windows that export and edit: their texts, fields, refusals, keys and what they hand back.
-class DialogsTest : public QObject
+namespace {
+
+const QList<WindowLook> windows{
+    {"frames", "FramesExport.qml", "Export frames", QSize(480, 360), QSize(480, 244), "#555555"},
+    {"video", "VideoExport.qml", "Export video", QSize(600, 0), QSize(400, 113), "#555555",
+     Qt::WindowModal},
+};
+
+} // namespace
+
+/// The windows that export frames and videos: their texts, fields, refusals, keys and what they
+/// hand back.
+class ExportDialogsTest : public DialogSuite
 {
     Q_OBJECT
 
+public:
+    ExportDialogsTest() : DialogSuite(windows) {}
+
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-
-    void windowIsAsAnnounced_data();
-    void windowIsAsAnnounced();
-    void everyControlHasAName_data();
-    void everyControlHasAName();
-    void tabLeadsThroughTheFields_data();
-    void tabLeadsThroughTheFields();
-    void closingByTheFrameIsCancelling_data();
-    void closingByTheFrameIsCancelling();
-
     void framesStartWithTheirDefaults();
     void framesFollowTheVideo();
     void framesOfPoisNeedPois();
@@ -33,6 +33,7 @@ private slots:
     void framesFieldsLightTogether();
     void framesValidation_data();
     void framesValidation();
+    void framesTabLeadsThroughTheFields();
     void framesTimeIsTyped();
     void framesFolderIsChosenAndRemembered();
     void framesCancelled();
@@ -40,6 +41,7 @@ private slots:
     void framesEscapeDoesNothing();
     void framesStayReachableInALowWindow();
 
+    void videoIsAsHighAsItsContents();
     void videoNote();
     void videoExtension_data();
     void videoExtension();
@@ -49,155 +51,18 @@ private slots:
     void videoKeysDoNothing();
     void videoCancelled();
 
-    void restoreChoice_data();
-    void restoreChoice();
-    void restoreCancelled_data();
-    void restoreCancelled();
-
-    void poiIsEdited_data();
-    void poiIsEdited();
-    void poiNeedsAName();
-    void poiCancelled_data();
-    void poiCancelled();
-
-    void flightNumber_data();
-    void flightNumber();
-    void flightFieldsAreFilled();
-    void flightNumberFieldRefuses_data();
-    void flightNumberFieldRefuses();
-    void flightCancelled_data();
-    void flightCancelled();
-
     void progressShowsAndAborts();
 
 private:
     int scriptErrorsAbout(const QString& text) const;
-
-    std::unique_ptr<DialogHost> m_host;
 };
 
-void DialogsTest::initTestCase()
-{
-    UiFixture::prepare();
-}
-
-void DialogsTest::init()
-{
-    m_host = std::make_unique<DialogHost>();
-    QVERIFY(m_host->isLoaded());
-}
-
-void DialogsTest::cleanup()
-{
-    m_host.reset();
-}
-
-int DialogsTest::scriptErrorsAbout(const QString& text) const
+int ExportDialogsTest::scriptErrorsAbout(const QString& text) const
 {
     return m_host->ui().scriptErrors().filter(text).size();
 }
 
-void DialogsTest::windowIsAsAnnounced_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QSize>("minimum");
-    QTest::addColumn<QString>("colour");
-    QTest::addColumn<int>("modality");
-    QTest::newRow("frames") << "FramesExport.qml"
-                            << "Export frames" << QSize(480, 360) << QSize(480, 244) << "#555555"
-                            << int(Qt::NonModal);
-    QTest::newRow("video") << "VideoExport.qml"
-                           << "Export video" << QSize(600, 0) << QSize(400, 113) << "#555555"
-                           << int(Qt::WindowModal);
-    QTest::newRow("restore") << "RestoreLog.qml"
-                             << "Restore POIs from flight data" << QSize(400, 120)
-                             << QSize(400, 120) << "#555555" << int(Qt::NonModal);
-    QTest::newRow("poi") << "PoiProperties.qml"
-                         << "Edit point of interest" << QSize(400, 200) << QSize(400, 200)
-                         << "#494949" << int(Qt::WindowModal);
-    QTest::newRow("flight") << "FlightPropertiesEdit.qml"
-                            << "Edit flight properties" << QSize(400, 200) << QSize(400, 200)
-                            << "#494949" << int(Qt::WindowModal);
-}
-
-void DialogsTest::windowIsAsAnnounced()
-{
-    QFETCH(QString, file);
-    QFETCH(QSize, size);
-    QVERIFY(m_host->open(file));
-    QQuickWindow* window = m_host->window();
-    QTEST(window->title(), "title");
-    if (size.height() == 0) // as high as its contents and a margin of 30
-        size.setHeight(qRound(m_host->item("note")->parentItem()->height() +
-                              m_host->item("cancelButton")->height()) +
-                       30);
-    QCOMPARE(window->size(), size);
-    QTEST(window->minimumSize(), "minimum");
-    QTEST(window->color().name(), "colour");
-    QTEST(int(window->modality()), "modality");
-    if (window->color().name() == QLatin1String("#494949"))
-        QCOMPARE(window->flags() & Qt::WindowType_Mask, Qt::Dialog);
-    QVERIFY(!m_host->get("ok").toBool());
-    QCOMPARE(m_host->ui().scriptErrors(), QStringList());
-    m_host->screenshot(file.chopped(4));
-}
-
-void DialogsTest::everyControlHasAName_data()
-{
-    QTest::addColumn<QString>("file");
-    for (const char* file : {"FramesExport.qml", "VideoExport.qml", "RestoreLog.qml",
-                             "PoiProperties.qml", "FlightPropertiesEdit.qml"})
-        QTest::newRow(file) << QString(file);
-}
-
-void DialogsTest::everyControlHasAName()
-{
-    QFETCH(QString, file);
-    QVERIFY(m_host->open(file));
-    QCOMPARE(m_host->namelessControls(), QStringList());
-}
-
-void DialogsTest::tabLeadsThroughTheFields_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QStringList>("fields");
-    QTest::newRow("frames") << "FramesExport.qml"
-                            << QStringList{"startTextInput", "stopTextInput", "spacingTextInput",
-                                           "folderTextInput"};
-    QTest::newRow("poi") << "PoiProperties.qml" << QStringList{"tfName", "taDescription"};
-    QTest::newRow("flight") << "FlightPropertiesEdit.qml"
-                            << QStringList{"tfMissionName", "tfFlightName", "tfFlightNumber"};
-}
-
-void DialogsTest::tabLeadsThroughTheFields()
-{
-    QFETCH(QString, file);
-    QFETCH(QStringList, fields);
-    QVERIFY(m_host->open(file));
-    m_host->click(fields.takeFirst());
-    for (const QString& field : fields) {
-        m_host->press(Qt::Key_Tab);
-        QTRY_VERIFY2(m_host->item(field)->hasActiveFocus(), qPrintable(field));
-    }
-}
-
-void DialogsTest::closingByTheFrameIsCancelling_data()
-{
-    everyControlHasAName_data();
-}
-
-void DialogsTest::closingByTheFrameIsCancelling()
-{
-    QFETCH(QString, file);
-    QVERIFY(m_host->open(file));
-    m_host->window()->close();
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
-}
-
-void DialogsTest::framesStartWithTheirDefaults()
+void ExportDialogsTest::framesStartWithTheirDefaults()
 {
     QVERIFY(m_host->make("FramesExport.qml"));
     QCOMPARE(m_host->get("framesUrl").toUrl(), QUrl());
@@ -218,7 +83,7 @@ void DialogsTest::framesStartWithTheirDefaults()
     QVERIFY(m_host->part("folderTextInput")->property("readOnly").toBool());
 }
 
-void DialogsTest::framesFollowTheVideo()
+void ExportDialogsTest::framesFollowTheVideo()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     const auto tell = [&](const char* function, const QTime& time) {
@@ -239,7 +104,7 @@ void DialogsTest::framesFollowTheVideo()
     QCOMPARE(m_host->textOf("stopTextInput"), QString("04:05.060"));
 }
 
-void DialogsTest::framesOfPoisNeedPois()
+void ExportDialogsTest::framesOfPoisNeedPois()
 {
     QVERIFY(m_host->make("FramesExport.qml"));
     QVERIFY(m_host->show());
@@ -254,7 +119,7 @@ void DialogsTest::framesOfPoisNeedPois()
     QVERIFY(!m_host->part("radioExportFrames")->property("checked").toBool());
 }
 
-void DialogsTest::framesFieldsCloseForPois()
+void ExportDialogsTest::framesFieldsCloseForPois()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->set("poiCount", 1);
@@ -271,7 +136,7 @@ void DialogsTest::framesFieldsCloseForPois()
 }
 
 // Only the pointer over the spacing lights a field, and it lights all three.
-void DialogsTest::framesFieldsLightTogether()
+void ExportDialogsTest::framesFieldsLightTogether()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     const auto colour = [&](const char* name) {
@@ -287,7 +152,7 @@ void DialogsTest::framesFieldsLightTogether()
         QTRY_COMPARE(colour(name), QColor("#AAAAAA"));
 }
 
-void DialogsTest::framesValidation_data()
+void ExportDialogsTest::framesValidation_data()
 {
     QTest::addColumn<QString>("start");
     QTest::addColumn<QString>("stop");
@@ -368,7 +233,7 @@ void DialogsTest::framesValidation_data()
         << "0" << folder << true << "Frames spacing must be a positive number" << 0 << 0 << 0;
 }
 
-void DialogsTest::framesValidation()
+void ExportDialogsTest::framesValidation()
 {
     QFETCH(QString, start);
     QFETCH(QString, stop);
@@ -402,7 +267,13 @@ void DialogsTest::framesValidation()
     QCOMPARE(m_host->get("ok").toBool(), refusal.isEmpty());
 }
 
-void DialogsTest::framesTimeIsTyped()
+void ExportDialogsTest::framesTabLeadsThroughTheFields()
+{
+    QVERIFY(m_host->open("FramesExport.qml"));
+    verifyTabOrder({"startTextInput", "stopTextInput", "spacingTextInput", "folderTextInput"});
+}
+
+void ExportDialogsTest::framesTimeIsTyped()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->click("startTextInput");
@@ -420,7 +291,7 @@ void DialogsTest::framesTimeIsTyped()
     QCOMPARE(m_host->textOf("spacingTextInput"), QString("42"));
 }
 
-void DialogsTest::framesFolderIsChosenAndRemembered()
+void ExportDialogsTest::framesFolderIsChosenAndRemembered()
 {
     QTemporaryDir parent;
     QVERIFY(parent.isValid());
@@ -453,7 +324,7 @@ void DialogsTest::framesFolderIsChosenAndRemembered()
     QCOMPARE(m_host->get("framesUrl").toUrl(), QUrl());
 }
 
-void DialogsTest::framesCancelled()
+void ExportDialogsTest::framesCancelled()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->click("cancelButton");
@@ -461,7 +332,7 @@ void DialogsTest::framesCancelled()
     QVERIFY(!m_host->get("ok").toBool());
 }
 
-void DialogsTest::framesReturnClosesWithoutExport()
+void ExportDialogsTest::framesReturnClosesWithoutExport()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->set("framesUrl", QUrl("file:///tmp"));
@@ -471,7 +342,7 @@ void DialogsTest::framesReturnClosesWithoutExport()
     QCOMPARE(m_host->ui().scriptErrors(), QStringList());
 }
 
-void DialogsTest::framesEscapeDoesNothing()
+void ExportDialogsTest::framesEscapeDoesNothing()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->press(Qt::Key_Escape);
@@ -484,7 +355,7 @@ void DialogsTest::framesEscapeDoesNothing()
     QCOMPARE(scriptErrorsAbout("pressButton"), 1);
 }
 
-void DialogsTest::framesStayReachableInALowWindow()
+void ExportDialogsTest::framesStayReachableInALowWindow()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->window()->resize(480, 244);
@@ -500,7 +371,16 @@ void DialogsTest::framesStayReachableInALowWindow()
     m_host->screenshot("FramesExport-low");
 }
 
-void DialogsTest::videoNote()
+void ExportDialogsTest::videoIsAsHighAsItsContents()
+{
+    QVERIFY(m_host->open("VideoExport.qml"));
+    const qreal contents = m_host->item("note")->parentItem()->height();
+    const int margin = 30;
+    QTRY_COMPARE(m_host->window()->height(),
+                 qRound(contents + m_host->item("cancelButton")->height()) + margin);
+}
+
+void ExportDialogsTest::videoNote()
 {
     QVERIFY(m_host->open("VideoExport.qml"));
     QCOMPARE(m_host->textOf("note"),
@@ -512,7 +392,7 @@ void DialogsTest::videoNote()
     QCOMPARE(m_host->textOf("cancelButton"), QString("Cancel"));
 }
 
-void DialogsTest::videoExtension_data()
+void ExportDialogsTest::videoExtension_data()
 {
     QTest::addColumn<QUrl>("url");
     QTest::addColumn<bool>("accepted");
@@ -524,7 +404,7 @@ void DialogsTest::videoExtension_data()
     QTest::newRow("nothing chosen") << QUrl() << false;
 }
 
-void DialogsTest::videoExtension()
+void ExportDialogsTest::videoExtension()
 {
     QFETCH(QUrl, url);
     QFETCH(bool, accepted);
@@ -544,7 +424,7 @@ void DialogsTest::videoExtension()
     QCOMPARE(m_host->get("ok").toBool(), accepted);
 }
 
-void DialogsTest::videoFileIsChosenAndRemembered()
+void ExportDialogsTest::videoFileIsChosenAndRemembered()
 {
     QTemporaryDir folder;
     QVERIFY(folder.isValid());
@@ -566,7 +446,7 @@ void DialogsTest::videoFileIsChosenAndRemembered()
 }
 
 /// Also when the suffix was left to the dialog.
-void DialogsTest::videoFileThatIsThereIsAskedAbout()
+void ExportDialogsTest::videoFileThatIsThereIsAskedAbout()
 {
     QTemporaryDir folder;
     QFile earlier(folder.filePath("film.mp4"));
@@ -579,14 +459,14 @@ void DialogsTest::videoFileThatIsThereIsAskedAbout()
     QCOMPARE(m_host->get("videoUrl").toUrl(), QUrl());
 }
 
-void DialogsTest::videoKeysDoNothing_data()
+void ExportDialogsTest::videoKeysDoNothing_data()
 {
     QTest::addColumn<int>("key");
     QTest::newRow("Return") << int(Qt::Key_Return);
     QTest::newRow("Escape") << int(Qt::Key_Escape);
 }
 
-void DialogsTest::videoKeysDoNothing()
+void ExportDialogsTest::videoKeysDoNothing()
 {
     QFETCH(int, key);
     QVERIFY(m_host->open("VideoExport.qml"));
@@ -598,7 +478,7 @@ void DialogsTest::videoKeysDoNothing()
     QVERIFY(!UiFixture::messageBox());
 }
 
-void DialogsTest::videoCancelled()
+void ExportDialogsTest::videoCancelled()
 {
     QVERIFY(m_host->open("VideoExport.qml"));
     m_host->set("videoUrl", QUrl("file:///tmp/a.mp4"));
@@ -607,249 +487,7 @@ void DialogsTest::videoCancelled()
     QVERIFY(!m_host->get("ok").toBool());
 }
 
-void DialogsTest::restoreChoice_data()
-{
-    QTest::addColumn<QString>("choice");
-    QTest::addColumn<bool>("byKey");
-    QTest::addColumn<bool>("eraseAll");
-    QTest::newRow("as it opens, clicked") << "" << false << true;
-    QTest::newRow("as it opens, Return") << "" << true << true;
-    QTest::newRow("missing only, clicked") << "actionFillBlanks" << false << false;
-    QTest::newRow("missing only, Return") << "actionFillBlanks" << true << false;
-}
-
-void DialogsTest::restoreChoice()
-{
-    QFETCH(QString, choice);
-    QFETCH(bool, byKey);
-    QVERIFY(m_host->make("RestoreLog.qml"));
-    QVERIFY(m_host->get("eraseAll").toBool());
-    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
-    QVERIFY(m_host->show());
-    QCOMPARE(m_host->textOf("actionEraseAll"),
-             QString("Clear all points of interests, reload from log"));
-    QCOMPARE(m_host->textOf("actionFillBlanks"), QString("Reload missing points of interest only"));
-    QCOMPARE(m_host->part("okButton")->property("caption").toString(), QString("Execute"));
-    QCOMPARE(m_host->part("cancelButton")->property("caption").toString(), QString("Cancel"));
-    if (!choice.isEmpty())
-        m_host->click(choice);
-    if (byKey)
-        m_host->press(Qt::Key_Return);
-    else
-        m_host->click("okButton");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
-    QTEST(m_host->get("eraseAll").toBool(), "eraseAll");
-}
-
-void DialogsTest::restoreCancelled_data()
-{
-    QTest::addColumn<bool>("byKey");
-    QTest::newRow("clicked") << false;
-    QTest::newRow("Escape") << true;
-}
-
-void DialogsTest::restoreCancelled()
-{
-    QFETCH(bool, byKey);
-    QVERIFY(m_host->open("RestoreLog.qml"));
-    m_host->click("actionFillBlanks");
-    if (byKey)
-        m_host->press(Qt::Key_Escape);
-    else
-        m_host->click("cancelButton");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
-    QVERIFY(m_host->get("eraseAll").toBool());
-}
-
-void DialogsTest::poiIsEdited_data()
-{
-    QTest::addColumn<bool>("byKey");
-    QTest::addColumn<QString>("description");
-    QTest::newRow("clicked") << false << "a crack";
-    QTest::newRow("Ctrl+Return") << true << "a crack";
-    QTest::newRow("no description") << true << "";
-}
-
-void DialogsTest::poiIsEdited()
-{
-    QFETCH(bool, byKey);
-    QFETCH(QString, description);
-    QVERIFY(m_host->make("PoiProperties.qml"));
-    const QTime time(0, 0, 12, 345);
-    m_host->set("poiName", "POI1");
-    m_host->set("poiDescription", "old");
-    m_host->set("poiTime", time);
-    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
-    QVERIFY(m_host->show());
-    QTRY_VERIFY(m_host->item("tfName")->hasActiveFocus());
-    QCOMPARE(m_host->textOf("tfName"), QString("POI1"));
-    QCOMPARE(m_host->textOf("taDescription"), QString("old"));
-    m_host->type("tfName", "Blade 2");
-    m_host->press(Qt::Key_Tab);
-    QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
-    m_host->type("taDescription", description);
-    if (byKey)
-        m_host->press(Qt::Key_Return, Qt::ControlModifier);
-    else
-        m_host->click("btn_save");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
-    QCOMPARE(m_host->get("poiName").toString(), QString("Blade 2"));
-    QCOMPARE(m_host->get("poiDescription").toString(), description);
-    QCOMPARE(m_host->get("poiTime").toTime(), time);
-}
-
-void DialogsTest::poiNeedsAName()
-{
-    QVERIFY(m_host->make("PoiProperties.qml"));
-    m_host->set("poiName", "POI1");
-    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
-    QVERIFY(m_host->show());
-    m_host->type("tfName", "");
-    m_host->press(Qt::Key_Return, Qt::ControlModifier);
-    QTRY_VERIFY(UiFixture::messageBox());
-    QCOMPARE(UiFixture::messageBox()->windowTitle(), QString("Missing information"));
-    QCOMPARE(UiFixture::messageBox()->icon(), QMessageBox::Critical);
-    QCOMPARE(m_host->dismissMessage(), QString("This point of interest must have a name."));
-    QVERIFY(m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
-    QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
-
-    m_host->click("btn_save");
-    QCOMPARE(m_host->dismissMessage(), QString("This point of interest must have a name."));
-    m_host->setTextOf("tfName", "x");
-    m_host->click("btn_save");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
-}
-
-void DialogsTest::poiCancelled_data()
-{
-    restoreCancelled_data();
-}
-
-void DialogsTest::poiCancelled()
-{
-    QFETCH(bool, byKey);
-    QVERIFY(m_host->open("PoiProperties.qml"));
-    m_host->type("tfName", "changed");
-    if (byKey)
-        m_host->press(Qt::Key_Escape);
-    else
-        m_host->click("btn_cancel");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
-    QCOMPARE(m_host->get("poiName").toString(), QString());
-}
-
-void DialogsTest::flightNumber_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<bool>("byKey");
-    QTest::addColumn<int>("number");
-    QTest::addColumn<QStringList>("logged");
-    QTest::newRow("a number") << "12" << false << 12
-                              << QStringList{"Entered flight number 12", "Read as number: 12",
-                                             "Number"};
-    QTest::newRow("the largest") << "999" << true << 999
-                                 << QStringList{"Entered flight number 999", "Read as number: 999",
-                                                "Number"};
-    QTest::newRow("nothing") << "" << true << 0
-                             << QStringList{"Entered flight number ", "Read as number: NaN",
-                                            "Not a number"};
-}
-
-void DialogsTest::flightNumber()
-{
-    QFETCH(QString, typed);
-    QFETCH(bool, byKey);
-    QFETCH(QStringList, logged);
-    QVERIFY(m_host->make("FlightPropertiesEdit.qml"));
-    m_host->set("flightNumber", 7);
-    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
-    QVERIFY(m_host->show());
-    m_host->type("tfMissionName", "Dam");
-    m_host->type("tfFlightName", "North");
-    m_host->type("tfFlightNumber", typed);
-    const int before = m_host->ui().log().messages().size();
-    if (byKey)
-        m_host->press(Qt::Key_Return, Qt::ControlModifier);
-    else
-        m_host->click("btn_save");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
-    QCOMPARE(m_host->get("missionName").toString(), QString("Dam"));
-    QCOMPARE(m_host->get("flightName").toString(), QString("North"));
-    QTEST(m_host->get("flightNumber").toInt(), "number");
-    QStringList messages;
-    for (const QString& message : m_host->ui().log().messages().mid(before))
-        messages.append(message);
-    QVERIFY2(messages.size() >= 3, qPrintable(messages.join('\n')));
-    for (int i = 0; i < 3; ++i)
-        QVERIFY2(messages[i].endsWith(logged[i]), qPrintable(messages[i]));
-}
-
-void DialogsTest::flightFieldsAreFilled()
-{
-    QVERIFY(m_host->make("FlightPropertiesEdit.qml"));
-    QCOMPARE(m_host->get("namingDefined").toBool(), true);
-    m_host->set("missionName", "Bridge");
-    m_host->set("flightName", "East");
-    m_host->set("flightNumber", 31);
-    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
-    QVERIFY(m_host->show());
-    QTRY_VERIFY(m_host->item("tfMissionName")->hasActiveFocus());
-    QCOMPARE(m_host->textOf("tfMissionName"), QString("Bridge"));
-    QCOMPARE(m_host->textOf("tfFlightName"), QString("East"));
-    QCOMPARE(m_host->textOf("tfFlightNumber"), QString("31"));
-    QVERIFY(m_host->item("tfFlightNumber")->width() < m_host->item("tfFlightName")->width());
-    m_host->screenshot("FlightPropertiesEdit-filled");
-}
-
-void DialogsTest::flightNumberFieldRefuses_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("left");
-    QTest::newRow("letters") << "a1b2"
-                             << "12";
-    QTest::newRow("a fourth digit") << "1000"
-                                    << "100";
-    QTest::newRow("a sign") << "-5"
-                            << "5";
-    QTest::newRow("a point") << "1.5"
-                             << "15";
-}
-
-void DialogsTest::flightNumberFieldRefuses()
-{
-    QFETCH(QString, typed);
-    QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
-    m_host->type("tfFlightNumber", typed);
-    QTEST(m_host->textOf("tfFlightNumber"), "left");
-}
-
-void DialogsTest::flightCancelled_data()
-{
-    restoreCancelled_data();
-}
-
-void DialogsTest::flightCancelled()
-{
-    QFETCH(bool, byKey);
-    QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
-    m_host->type("tfFlightName", "changed");
-    if (byKey)
-        m_host->press(Qt::Key_Escape);
-    else
-        m_host->click("btn_cancel");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
-    QCOMPARE(m_host->get("flightName").toString(), QString());
-}
-
-void DialogsTest::progressShowsAndAborts()
+void ExportDialogsTest::progressShowsAndAborts()
 {
     QVERIFY(m_host->make("ExportProgress.qml"));
     auto* panel = qobject_cast<QQuickItem*>(m_host->object());
@@ -873,11 +511,5 @@ void DialogsTest::progressShowsAndAborts()
     QCOMPARE(m_host->ui().scriptErrors(), QStringList());
 }
 
-int main(int argc, char** argv)
-{
-    QApplication application(argc, argv);
-    DialogsTest suite;
-    return QTest::qExec(&suite, argc, argv);
-}
-
-#include "DialogsTest.moc"
+QTEST_MAIN(ExportDialogsTest)
+#include "ExportDialogsTest.moc"

@@ -1,0 +1,312 @@
+#include "DialogSuite.h"
+
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTime>
+
+using namespace corv::test;
+
+namespace {
+
+const QList<WindowLook> windows{
+    {"restore", "RestoreLog.qml", "Restore POIs from flight data", QSize(400, 120), QSize(400, 120),
+     "#555555"},
+    {"poi", "PoiProperties.qml", "Edit point of interest", QSize(400, 200), QSize(400, 200),
+     "#494949", Qt::WindowModal, true},
+    {"flight", "FlightPropertiesEdit.qml", "Edit flight properties", QSize(400, 200),
+     QSize(400, 200), "#494949", Qt::WindowModal, true},
+};
+
+} // namespace
+
+/// The windows that restore and edit: their texts, fields, keys and what they hand back.
+class EditDialogsTest : public DialogSuite
+{
+    Q_OBJECT
+
+public:
+    EditDialogsTest() : DialogSuite(windows) {}
+
+private slots:
+    void tabLeadsThroughTheFields_data();
+    void tabLeadsThroughTheFields();
+
+    void restoreChoice_data();
+    void restoreChoice();
+    void restoreCancelled_data();
+    void restoreCancelled();
+
+    void poiIsEdited_data();
+    void poiIsEdited();
+    void poiNeedsAName();
+    void poiCancelled_data();
+    void poiCancelled();
+
+    void flightNumber_data();
+    void flightNumber();
+    void flightFieldsAreFilled();
+    void flightNumberFieldRefuses_data();
+    void flightNumberFieldRefuses();
+    void flightCancelled_data();
+    void flightCancelled();
+};
+
+void EditDialogsTest::tabLeadsThroughTheFields_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QStringList>("fields");
+    QTest::newRow("poi") << "PoiProperties.qml" << QStringList{"tfName", "taDescription"};
+    QTest::newRow("flight") << "FlightPropertiesEdit.qml"
+                            << QStringList{"tfMissionName", "tfFlightName", "tfFlightNumber"};
+}
+
+void EditDialogsTest::tabLeadsThroughTheFields()
+{
+    QFETCH(QString, file);
+    QFETCH(QStringList, fields);
+    QVERIFY(m_host->open(file));
+    verifyTabOrder(fields);
+}
+
+void EditDialogsTest::restoreChoice_data()
+{
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<bool>("byKey");
+    QTest::addColumn<bool>("eraseAll");
+    QTest::newRow("as it opens, clicked") << "" << false << true;
+    QTest::newRow("as it opens, Return") << "" << true << true;
+    QTest::newRow("missing only, clicked") << "actionFillBlanks" << false << false;
+    QTest::newRow("missing only, Return") << "actionFillBlanks" << true << false;
+}
+
+void EditDialogsTest::restoreChoice()
+{
+    QFETCH(QString, choice);
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->make("RestoreLog.qml"));
+    QVERIFY(m_host->get("eraseAll").toBool());
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
+    QVERIFY(m_host->show());
+    QCOMPARE(m_host->textOf("actionEraseAll"),
+             QString("Clear all points of interests, reload from log"));
+    QCOMPARE(m_host->textOf("actionFillBlanks"), QString("Reload missing points of interest only"));
+    QCOMPARE(m_host->part("okButton")->property("caption").toString(), QString("Execute"));
+    QCOMPARE(m_host->part("cancelButton")->property("caption").toString(), QString("Cancel"));
+    if (!choice.isEmpty())
+        m_host->click(choice);
+    if (byKey)
+        m_host->press(Qt::Key_Return);
+    else
+        m_host->click("okButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+    QTEST(m_host->get("eraseAll").toBool(), "eraseAll");
+}
+
+void EditDialogsTest::restoreCancelled_data()
+{
+    addRowsOfCancelling();
+}
+
+void EditDialogsTest::restoreCancelled()
+{
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->open("RestoreLog.qml"));
+    m_host->click("actionFillBlanks");
+    if (byKey)
+        m_host->press(Qt::Key_Escape);
+    else
+        m_host->click("cancelButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QVERIFY(m_host->get("eraseAll").toBool());
+}
+
+void EditDialogsTest::poiIsEdited_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::addColumn<QString>("description");
+    QTest::newRow("clicked") << false << "a crack";
+    QTest::newRow("Ctrl+Return") << true << "a crack";
+    QTest::newRow("no description") << true << "";
+}
+
+void EditDialogsTest::poiIsEdited()
+{
+    QFETCH(bool, byKey);
+    QFETCH(QString, description);
+    QVERIFY(m_host->make("PoiProperties.qml"));
+    const QTime time(0, 0, 12, 345);
+    m_host->set("poiName", "POI1");
+    m_host->set("poiDescription", "old");
+    m_host->set("poiTime", time);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    QTRY_VERIFY(m_host->item("tfName")->hasActiveFocus());
+    QCOMPARE(m_host->textOf("tfName"), QString("POI1"));
+    QCOMPARE(m_host->textOf("taDescription"), QString("old"));
+    m_host->type("tfName", "Blade 2");
+    m_host->press(Qt::Key_Tab);
+    QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
+    m_host->type("taDescription", description);
+    if (byKey)
+        m_host->press(Qt::Key_Return, Qt::ControlModifier);
+    else
+        m_host->click("btn_save");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("poiName").toString(), QString("Blade 2"));
+    QCOMPARE(m_host->get("poiDescription").toString(), description);
+    QCOMPARE(m_host->get("poiTime").toTime(), time);
+}
+
+void EditDialogsTest::poiNeedsAName()
+{
+    QVERIFY(m_host->make("PoiProperties.qml"));
+    m_host->set("poiName", "POI1");
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    m_host->type("tfName", "");
+    m_host->press(Qt::Key_Return, Qt::ControlModifier);
+    QTRY_VERIFY(UiFixture::messageBox());
+    QCOMPARE(UiFixture::messageBox()->windowTitle(), QString("Missing information"));
+    QCOMPARE(UiFixture::messageBox()->icon(), QMessageBox::Critical);
+    QCOMPARE(m_host->dismissMessage(), QString("This point of interest must have a name."));
+    QVERIFY(m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
+
+    m_host->click("btn_save");
+    QCOMPARE(m_host->dismissMessage(), QString("This point of interest must have a name."));
+    m_host->setTextOf("tfName", "x");
+    m_host->click("btn_save");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+}
+
+void EditDialogsTest::poiCancelled_data()
+{
+    addRowsOfCancelling();
+}
+
+void EditDialogsTest::poiCancelled()
+{
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->open("PoiProperties.qml"));
+    m_host->type("tfName", "changed");
+    if (byKey)
+        m_host->press(Qt::Key_Escape);
+    else
+        m_host->click("btn_cancel");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("poiName").toString(), QString());
+}
+
+void EditDialogsTest::flightNumber_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("byKey");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QStringList>("logged");
+    QTest::newRow("a number") << "12" << false << 12
+                              << QStringList{"Entered flight number 12", "Read as number: 12",
+                                             "Number"};
+    QTest::newRow("the largest") << "999" << true << 999
+                                 << QStringList{"Entered flight number 999", "Read as number: 999",
+                                                "Number"};
+    QTest::newRow("nothing") << "" << true << 0
+                             << QStringList{"Entered flight number ", "Read as number: NaN",
+                                            "Not a number"};
+}
+
+void EditDialogsTest::flightNumber()
+{
+    QFETCH(QString, typed);
+    QFETCH(bool, byKey);
+    QFETCH(QStringList, logged);
+    QVERIFY(m_host->make("FlightPropertiesEdit.qml"));
+    m_host->set("flightNumber", 7);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    m_host->type("tfMissionName", "Dam");
+    m_host->type("tfFlightName", "North");
+    m_host->type("tfFlightNumber", typed);
+    const int before = m_host->ui().log().messages().size();
+    if (byKey)
+        m_host->press(Qt::Key_Return, Qt::ControlModifier);
+    else
+        m_host->click("btn_save");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("missionName").toString(), QString("Dam"));
+    QCOMPARE(m_host->get("flightName").toString(), QString("North"));
+    QTEST(m_host->get("flightNumber").toInt(), "number");
+    QStringList messages;
+    for (const QString& message : m_host->ui().log().messages().mid(before))
+        messages.append(message);
+    QVERIFY2(messages.size() >= 3, qPrintable(messages.join('\n')));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY2(messages[i].endsWith(logged[i]), qPrintable(messages[i]));
+}
+
+void EditDialogsTest::flightFieldsAreFilled()
+{
+    QVERIFY(m_host->make("FlightPropertiesEdit.qml"));
+    QCOMPARE(m_host->get("namingDefined").toBool(), true);
+    m_host->set("missionName", "Bridge");
+    m_host->set("flightName", "East");
+    m_host->set("flightNumber", 31);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    QTRY_VERIFY(m_host->item("tfMissionName")->hasActiveFocus());
+    QCOMPARE(m_host->textOf("tfMissionName"), QString("Bridge"));
+    QCOMPARE(m_host->textOf("tfFlightName"), QString("East"));
+    QCOMPARE(m_host->textOf("tfFlightNumber"), QString("31"));
+    QVERIFY(m_host->item("tfFlightNumber")->width() < m_host->item("tfFlightName")->width());
+    m_host->screenshot("FlightPropertiesEdit-filled");
+}
+
+void EditDialogsTest::flightNumberFieldRefuses_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("left");
+    QTest::newRow("letters") << "a1b2"
+                             << "12";
+    QTest::newRow("a fourth digit") << "1000"
+                                    << "100";
+    QTest::newRow("a sign") << "-5"
+                            << "5";
+    QTest::newRow("a point") << "1.5"
+                             << "15";
+}
+
+void EditDialogsTest::flightNumberFieldRefuses()
+{
+    QFETCH(QString, typed);
+    QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
+    m_host->type("tfFlightNumber", typed);
+    QTEST(m_host->textOf("tfFlightNumber"), "left");
+}
+
+void EditDialogsTest::flightCancelled_data()
+{
+    addRowsOfCancelling();
+}
+
+void EditDialogsTest::flightCancelled()
+{
+    QFETCH(bool, byKey);
+    QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
+    m_host->type("tfFlightName", "changed");
+    if (byKey)
+        m_host->press(Qt::Key_Escape);
+    else
+        m_host->click("btn_cancel");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QVERIFY(!m_host->get("ok").toBool());
+    QCOMPARE(m_host->get("flightName").toString(), QString());
+}
+
+QTEST_MAIN(EditDialogsTest)
+#include "EditDialogsTest.moc"
