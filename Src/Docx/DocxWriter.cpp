@@ -271,7 +271,8 @@ void DocxWriter::save(const QString& fileName)
     for (int i = 0; i < m_pictures.count(); ++i)
         zip.addPicture(m_pictures.partName(i), m_pictures, i);
     zip.finish();
-    if (!file.commit())
+    // Flushed by hand: a commit takes what was still in its buffer for written.
+    if (!file.flush() || !file.commit())
         fail(fileName, file.errorString());
 }
 

@@ -48,8 +48,9 @@ void replaceFile(const QString& path, const QByteArray& text)
 {
     QSaveFile file(path);
     file.setDirectWriteFallback(true);
-    const bool saved =
-        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+    // Flushed by hand: a commit takes what was still in its buffer for written.
+    const bool saved = file.open(QIODevice::WriteOnly) && file.write(text) == text.size() &&
+                       file.flush() && file.commit();
     if (!saved)
         qInfo() << "Unable to save file" << file.errorString();
 }

@@ -150,7 +150,8 @@ void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArra
         qWarning() << "Failed to open to the installer file for writing";
         return;
     }
-    const bool written = installer.write(content) == content.size() &&
+    // Flushed by hand: a commit takes what was still in its buffer for written.
+    const bool written = installer.write(content) == content.size() && installer.flush() &&
                          installer.setPermissions(installer.permissions() | QFile::ExeOwner |
                                                   QFile::ExeGroup | QFile::ExeOther);
     if (!written || !installer.commit()) {

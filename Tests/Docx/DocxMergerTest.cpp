@@ -571,8 +571,17 @@ private slots:
         QVERIFY(peakBytes() - before < (qint64(200) << 20));
     }
 
+    void onAFullDiskTheEarlierDocumentIsWhole_data()
+    {
+        QTest::addColumn<double>("share");
+        QTest::newRow("no room") << 0.0;
+        QTest::newRow("room for a piece") << 0.4;
+        QTest::newRow("room for all but the end") << 0.99;
+    }
+
     void onAFullDiskTheEarlierDocumentIsWhole()
     {
+        QFETCH(double, share);
         DocxMerger merger;
         merger.load(templateOf(page()));
         QFile old(path("out.docx"));
@@ -580,9 +589,11 @@ private slots:
         old.close();
         merger.setClipboardValue("Page", "Comment", QString("very long ").repeated(10000));
         merger.paste("Page");
+        merger.save(path("whole.docx"));
+        const double neededBytes = static_cast<double>(QFileInfo(path("whole.docx")).size());
         QString error;
         {
-            const FullDisk disk(600);
+            const FullDisk disk(static_cast<rlim_t>(neededBytes * share));
             error = errorOf([&] { merger.save(path("out.docx")); });
         }
         QVERIFY2(error.contains("cannot write"), qPrintable(error));

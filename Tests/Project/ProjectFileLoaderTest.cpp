@@ -432,15 +432,27 @@ private slots:
         QCOMPARE(savedFlight(path("real/p.ecor"))["poi"].toArray().size(), 1);
     }
 
+    void onAFullDiskTheEarlierProjectIsWhole_data()
+    {
+        QTest::addColumn<int>("marks");
+        QTest::addColumn<int>("room");
+        QTest::newRow("less than a buffer") << 5 << 100;
+        QTest::newRow("no room at all") << 5 << 0;
+        QTest::newRow("the last buffer") << 200 << 16384;
+        QTest::newRow("many marks") << 5000 << 8192;
+    }
+
     void onAFullDiskTheEarlierProjectIsWhole()
     {
+        QFETCH(int, marks);
+        QFETCH(int, room);
         m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("A", 50)));
         const QByteArray before = readFile(path("p.ecor"));
         MessageLog log;
         {
-            const FullDisk disk(8192);
+            const FullDisk disk(static_cast<rlim_t>(room));
             m_loader.saveProject("/l", "/v", path("p.ecor"),
-                                 flightProperties(marksNamed("B", 5000)));
+                                 flightProperties(marksNamed("B", marks)));
         }
         QCOMPARE(readFile(path("p.ecor")), before);
         QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),

@@ -1,4 +1,5 @@
 #include "Update/UpdateManager.h"
+#include "Support/FullDisk.h"
 #include "Support/HttpServer.h"
 #include "Support/MessageLog.h"
 #include "Update/UpdateWorker.h"
@@ -48,6 +49,7 @@ private slots:
     void anInstallerThatFails_data();
     void anInstallerThatFails();
     void anInstallerThatCannotBeSaved();
+    void anInstallerThatFindsNoRoom();
     void oldInstallersGoAndNothingElse();
     void anUpdateFolderThatIsALink();
     void anUpdateFolderThatIsAFile();
@@ -292,6 +294,24 @@ void UpdateManagerTest::anInstallerThatCannotBeSaved()
     manager.cancel();
     QCoreApplication::processEvents();
     QCOMPARE(available.count(), 0);
+}
+
+void UpdateManagerTest::anInstallerThatFindsNoRoom()
+{
+    serveManifest(manifest(newer.toUtf8()));
+    m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
+    const MessageLog log;
+    UpdateManager manager(share(), QString());
+    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
+    {
+        const corv::test::FullDisk disk(0);
+        manager.checkUpdate();
+        QTRY_VERIFY(log.contains(QStringLiteral("Failed to write to the installer file")));
+    }
+    manager.cancel();
+    QCoreApplication::processEvents();
+    QCOMPARE(available.count(), 0);
+    QVERIFY(!QFile::exists(installerFile()));
 }
 
 void UpdateManagerTest::oldInstallersGoAndNothingElse()
