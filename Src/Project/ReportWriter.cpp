@@ -2,6 +2,7 @@
 
 #include "Docx/DocxMerger.h"
 #include "Video/VideoPlayer.h"
+#include "Video/pictureFile.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -41,7 +42,7 @@ void receiveFrame(QImage image, int timeMs, const QString& framePath)
     image.setDotsPerMeterY(dotsPerMetre);
     if (image.isNull())
         qWarning() << "Failed to extract frame at ms" << timeMs;
-    else if (!image.save(framePath))
+    else if (!savePictureFile(image, framePath))
         qWarning() << "Failed to save frame to file" << framePath;
 }
 

@@ -1,5 +1,6 @@
 #include "Video/VideoExporter.h"
 
+#include "Video/FrameSource.h"
 #include "Video/FrameWriter.h"
 
 #include <QDebug>
@@ -10,6 +11,18 @@
 #include <utility>
 
 namespace corv {
+namespace {
+
+/// The encoder says nothing of a full disk: what is there is counted.
+void tellOfLostFrames(const QString& target, int written)
+{
+    const auto result = openFrameSource(target);
+    const int found = result ? result->frameCount() : 0;
+    if (found < written)
+        qWarning() << "Exported video is incomplete: frames" << found << "of" << written;
+}
+
+} // namespace
 
 VideoExporter::VideoExporter(VideoTimeline& timeline, Hooks hooks)
     : m_timeline(timeline), m_hooks(std::move(hooks))
@@ -19,41 +32,59 @@ VideoExporter::VideoExporter(VideoTimeline& timeline, Hooks hooks)
 bool VideoExporter::exportTo(const QString& target, int currentFile)
 {
     FrameSource& current = *m_timeline.entry(currentFile).capture;
-    FrameWriter writer;
-    if (!writer.open(target, current.fps(), current.size()))
-        return false;
-    const int savedPosition = current.nextFrame();
-    int done = 0;
-    for (int file = 0; file < m_timeline.size() && !m_hooks.isCancelled(); ++file) {
-        VideoFileEntry& entry = m_timeline.entry(file);
-        qInfo() << "Starting to export video" << entry.file;
-        exportFile(entry, writer, current.size(), done);
-        done += entry.frameCount;
+    int written = 0;
+    int savedPosition = 0;
+    {
+        FrameWriter writer;
+        if (!writer.open(target, current.fps(), current.size()))
+            return false;
+        savedPosition = current.nextFrame();
+        written = writeAll(writer, current.size());
     }
+    if (!m_hooks.isCancelled())
+        tellOfLostFrames(target, written);
     return current.seekToFrame(savedPosition);
 }
 
-void VideoExporter::exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize size, int done)
+int VideoExporter::writeAll(FrameWriter& writer, QSize size)
+{
+    int done = 0;
+    int written = 0;
+    for (int file = 0; file < m_timeline.size() && !m_hooks.isCancelled(); ++file) {
+        VideoFileEntry& entry = m_timeline.entry(file);
+        qInfo() << "Starting to export video" << entry.file;
+        written += exportFile(entry, writer, size, done);
+        done += entry.frameCount;
+    }
+    return written;
+}
+
+/// The number of frames that were handed to the writer.
+int VideoExporter::exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize size, int done)
 {
     FrameSource& capture = *entry.capture;
+    int written = 0;
     for (int i = 0; i < entry.frameCount && !m_hooks.isCancelled(); ++i) {
         if (!capture.seekToFrame(i)) {
             qInfo() << "Forcefully stopping at frame " << i;
-            return;
+            return written;
         }
         const int timeMs = entry.timelineMs(capture.nextFrameMs());
         cv::Mat frame = writer.takeBuffer();
         if (!capture.read(frame)) {
             qInfo() << "Read failed for frame " << i;
-            return;
+            return written;
         }
         applyEffects(frame, timeMs);
-        if (frame.cols == size.width() && frame.rows == size.height())
+        if (frame.cols == size.width() && frame.rows == size.height()) {
             writer.write(std::move(frame));
-        else
+            ++written;
+        } else {
             writer.giveBack(std::move(frame));
+        }
         m_hooks.reportProgress(done + i + 1, m_timeline.totalFrames());
     }
+    return written;
 }
 
 void VideoExporter::applyEffects(cv::Mat& frame, int timeMs)

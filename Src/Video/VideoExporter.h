@@ -26,12 +26,14 @@ public:
 
     /// Size and rate come from the file at `currentFile`, whose position is put back at the end;
     /// frames of another size are left out. True if that position could be put back, whatever
-    /// became of single frames or files; false as well if the target cannot be written.
+    /// became of single frames or files; false as well if the target cannot be begun. What the disk
+    /// had no place for is told in the log.
     bool exportTo(const QString& target, int currentFile);
 
 private:
-    void exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize size, int done);
+    int exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize size, int done);
     void applyEffects(cv::Mat& frame, int timeMs);
+    int writeAll(FrameWriter& writer, QSize size);
 
     VideoTimeline& m_timeline;
     Hooks m_hooks;

@@ -1,6 +1,7 @@
 #include "FakeFrameSource.h"
 #include "PlayerBench.h"
 #include "SampleFlight/frameStrip.h"
+#include "Support/FullDisk.h"
 #include "Support/LogBuilder.h"
 #include "Support/MessageLog.h"
 #include "Threads/pool.h"
@@ -93,6 +94,7 @@ private slots:
     void aSeriesAtASpacing();
     void aSeriesThatIsRefused();
     void theWholeVideo();
+    void aVideoThatFillsTheDiskIsToldOf();
     void effectsAreInTheVideo();
     void theOverlayFollowsTheTimeline_data();
     void theOverlayFollowsTheTimeline();
@@ -230,6 +232,14 @@ void VideoExportTest::aFrameThatCannotBeSavedDestroysNothing()
     QVERIFY(notes.seek(0));
     QCOMPARE(notes.readAll(), QByteArray("earlier"));
 
+    log.clear();
+    {
+        const FullDisk disk(100);
+        QVERIFY(m_player->saveFrame(timeAt(0), path("lost.jpg"), false));
+        QTRY_VERIFY(log.contains("Failed to save frame to file"));
+    }
+    QVERIFY(!QFile::exists(path("lost.jpg")));
+
     QVERIFY(QFile::link(path("a.mp4"), path("link.png")));
     const qint64 videoBytes = QFileInfo(path("a.mp4")).size();
     for (const char* name : {"a.mp4", "link.png"})
@@ -328,6 +338,25 @@ void VideoExportTest::theWholeVideo()
     // Playback goes on where it was.
     m_player->play();
     QTRY_VERIFY(m_surface.numbers.contains(41));
+}
+
+void VideoExportTest::aVideoThatFillsTheDiskIsToldOf()
+{
+    addFile("CORV0001.MP4", 60);
+    open("CORV0001.MP4");
+    MessageLog log;
+    const ExportRecord record(*m_player);
+    {
+        const FullDisk disk(8192);
+        QVERIFY(m_player->exportVideo(path("out.mp4")));
+        QTRY_COMPARE(record.results.size(), 1);
+    }
+    QVERIFY(log.contains("Exported video is incomplete: frames"));
+    QVERIFY(record.results.first()); // it tells of the position alone
+    log.clear();
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(record.results.size(), 2);
+    QVERIFY(!log.contains("Exported video is incomplete: frames"));
 }
 
 void VideoExportTest::effectsAreInTheVideo()

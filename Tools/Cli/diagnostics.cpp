@@ -30,7 +30,8 @@ void handle(QtMsgType type, const QMessageLogContext&, const QString& message)
         if (message.startsWith(mark))
             remember(message.mid(mark.size()).simplified());
     }
-    if (message.startsWith(QLatin1String("DFW export template not found")))
+    if (message.startsWith(QLatin1String("DFW export template not found")) ||
+        message.startsWith(QLatin1String("Exported video is incomplete")))
         remember(message);
 }
 

@@ -1,5 +1,6 @@
 #include "Cli/Command.h"
 #include "Cli/FlightSession.h"
+#include "Cli/diagnostics.h"
 #include "Threads/post.h"
 #include "Video/pictureFile.h"
 
@@ -223,10 +224,14 @@ ExitStatus video(QStringList arguments)
             loop.quit();
         },
         Qt::QueuedConnection);
+    lastError(); // of a log that could be read all the same
     flight.player().exportVideo(out);
     loop.exec();
     if (!isWritten)
         return fail(out + QStringLiteral(": cannot be written"));
+    const QString error = lastError();
+    if (!error.isEmpty())
+        return fail(out + QStringLiteral(": ") + error);
     if (written < total)
         return fail(QStringLiteral("%1: only %2 of %3 frames could be read")
                         .arg(out)

@@ -1,6 +1,7 @@
 #include "Log/LogParser.h"
 #include "SampleFlight/SampleFlight.h"
 #include "SampleFlight/frameStrip.h"
+#include "Support/FullDisk.h"
 #include "Video/VideoPlayer.h"
 
 #include <QDir>
@@ -74,6 +75,8 @@ private slots:
     void wholeVideo();
     void sourcesAreNeverWrittenOver_data();
     void sourcesAreNeverWrittenOver();
+    void aFullDiskIsAFailure_data();
+    void aFullDiskIsAFailure();
     void refusals_data();
     void refusals();
 
@@ -310,6 +313,28 @@ void FrameCommandsTest::sourcesAreNeverWrittenOver()
     QCOMPARE(outcome.status, 1);
     QVERIFY(outcome.complaint.contains("is a file of the flight itself"));
     QVERIFY(contentsOf(target) == before);
+}
+
+void FrameCommandsTest::aFullDiskIsAFailure_data()
+{
+    QTest::addColumn<QStringList>("command");
+    const QString flight = m_project;
+    QTest::newRow("picture") << QStringList{"frame", flight,  "--at-ms",
+                                            "0",     "--out", path("full.jpg")};
+    QTest::newRow("pictures") << QStringList{"frames", flight, "--out", path("full")};
+    QTest::newRow("mp4") << QStringList{"video", flight, "--out", path("full.mp4")};
+    QTest::newRow("avi") << QStringList{"video", flight, "--out", path("full.avi")};
+    QTest::newRow("report") << QStringList{"report", flight, "--out", path("full.docx")};
+}
+
+void FrameCommandsTest::aFullDiskIsAFailure()
+{
+    QFETCH(QStringList, command);
+    const corv::test::FullDisk disk(20000); // for the program as well
+    const Outcome outcome = run(command);
+    QVERIFY2(outcome.status == 1 && outcome.complaint.startsWith("vistrel-cli: ") &&
+                 outcome.complaint.count('\n') == 1,
+             outcome.complaint.constData());
 }
 
 void FrameCommandsTest::refusals_data()
