@@ -177,7 +177,7 @@ void series(Report& report)
 const Benchmark exports("export", [](Report& report) {
     wholeVideo(report, QStringLiteral("export: whole video 1080p"), {1920, 1080}, 6, 25, 0.8);
     withOverlay(report);
-    wholeVideo(report, QStringLiteral("export: whole video 4K"), {3840, 2160}, 3, 60, 0.55);
+    wholeVideo(report, QStringLiteral("export: whole video 4K"), {3840, 2160}, 3, 100, 0.55);
     series(report);
 });
 

@@ -164,7 +164,7 @@ void seeks(Report& report)
 
 const Benchmark video("video", [](Report& report) {
     playback(report, QStringLiteral("video: playback pipeline 1080p"), {1920, 1080}, 10, 25);
-    playback(report, QStringLiteral("video: playback pipeline 4K"), {3840, 2160}, 3, 60);
+    playback(report, QStringLiteral("video: playback pipeline 4K"), {3840, 2160}, 3, 100);
     steps(report);
     seeks(report);
 });
