@@ -340,7 +340,8 @@ void ImporterTest::aChosenFolderGivesWayToADrive()
     QCOMPARE(dropdown->property("currentIndex").toInt(), 1);
     QVERIFY(m_importer->property("usePathForLog").toBool());
     QTRY_VERIFY(!m_importer->property("usePathForLog").toBool());
-    QVERIFY(sinceChoice.elapsed() >= 500);
+    // 500 ms by the clock of the interface, which counts in frames.
+    QVERIFY(sinceChoice.elapsed() >= 450);
     QCOMPARE(evaluate("driveListModelOne.count").toInt(), 2);
     QCOMPARE(selectedText("cardOneDriveDropdown"), "Drive " + card + " ");
 }
