@@ -10,7 +10,8 @@ using namespace corv::test;
 
 /// The program is ended in the middle of whatever it does: the interface goes, with every object in
 /// it, while its threads are at work. Nothing may be used after its end, and nobody waits for it.
-/// VISTREL_QUIT_ROUNDS makes it longer.
+/// VISTREL_QUIT_ROUNDS makes it longer; from about 150 on, QTEST_FUNCTION_TIMEOUT must grow with
+/// it.
 class QuittingTest : public QObject
 {
     Q_OBJECT
