@@ -47,7 +47,9 @@ function toUrl(path) {
     var text = path.toString();
     if (!/^(\/|[A-Za-z]:[\/\\])/.test(text))
         return text;
-    var parts = text.replace(/\\/g, "/").split("/").map(encodeURIComponent);
+    // Elsewhere than on Windows a backslash is a letter like others.
+    var slashed = text.charAt(0) === "/" ? text : text.replace(/\\/g, "/");
+    var parts = slashed.split("/").map(encodeURIComponent);
     return "file:///" + parts.join("/").replace(/^\/+/, "").replace(/^([A-Za-z])%3A/, "$1:");
 }
 

@@ -170,9 +170,9 @@ void PathsTest::toUrl()
 void PathsTest::aPathSurvivesTheUrlAndBack_data()
 {
     QTest::addColumn<QString>("path");
-    for (const char* path :
-         {"/tmp/a.mp4", "/tmp/a b.mp4", "/tmp/Größe.mp4", "/tmp/東京/a.log", "/tmp/#1/100%.mp4",
-          "/tmp/%41.mp4", "/tmp/\"quoted\" 'too'.mp4", "/tmp/a+b&c=d?.mp4", "/tmp/file:x.mp4"})
+    for (const char* path : {"/tmp/a.mp4", "/tmp/a b.mp4", "/tmp/Größe.mp4", "/tmp/東京/a.log",
+                             "/tmp/#1/100%.mp4", "/tmp/%41.mp4", "/tmp/\"quoted\" 'too'.mp4",
+                             "/tmp/a+b&c=d?.mp4", "/tmp/file:x.mp4", "/tmp/back\\slash.mp4"})
         QTest::newRow(path) << QString::fromUtf8(path);
 }
 
