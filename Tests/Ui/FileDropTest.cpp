@@ -1,21 +1,17 @@
-#include "ReviewFixture.h"
+#include "ReviewSuite.h"
 
 #include <QDropEvent>
 #include <QFile>
 #include <QMimeData>
-#include <memory>
 
 using namespace corv::test;
 
 /// Files dropped on the main window.
-class FileDropTest : public QObject
+class FileDropTest : public ReviewSuite
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { UiFixture::prepare(); }
-    void init();
-    void cleanup() { m_ui.reset(); }
     void opensAVideo();
     void opensAVideoWithItsLog();
     void importsALogIntoTheOpenVideo();
@@ -27,15 +23,7 @@ private slots:
 private:
     void drop(const QStringList& paths);
     bool dropData(const QMimeData& data);
-
-    std::unique_ptr<ReviewFixture> m_ui;
 };
-
-void FileDropTest::init()
-{
-    m_ui = std::make_unique<ReviewFixture>();
-    QVERIFY(m_ui->load());
-}
 
 bool FileDropTest::dropData(const QMimeData& data)
 {

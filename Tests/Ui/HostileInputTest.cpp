@@ -63,11 +63,6 @@ constexpr int longestHoldMs = 20'000;
 constexpr int longestHoldMs = 4'000;
 #endif
 
-const FlightMedia& media()
-{
-    return FlightMedia::instance();
-}
-
 QString write(const QString& name, const QByteArray& bytes)
 {
     const QString path = media().newFolder() + '/' + name;

@@ -1,19 +1,14 @@
-#include "ReviewFixture.h"
-
-#include <memory>
+#include "ReviewSuite.h"
 
 using namespace corv::test;
 
 /// The commands of the main window: every menu entry, every key, what is enabled when, and what is
 /// reported of their use.
-class MenusTest : public QObject
+class MenusTest : public ReviewSuite
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
     void entries_data();
     void entries();
     void enabledStates_data();
@@ -42,25 +37,7 @@ private:
         QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), modifiers);
     }
     int frame() const { return m_ui->evaluate("videoPlayer.currentFrameIndex").toInt(); }
-
-    std::unique_ptr<ReviewFixture> m_ui;
 };
-
-void MenusTest::initTestCase()
-{
-    UiFixture::prepare();
-}
-
-void MenusTest::init()
-{
-    m_ui = std::make_unique<ReviewFixture>();
-    QVERIFY(m_ui->load());
-}
-
-void MenusTest::cleanup()
-{
-    m_ui.reset();
-}
 
 void MenusTest::entries_data()
 {

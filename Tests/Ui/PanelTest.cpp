@@ -1,21 +1,17 @@
-#include "ReviewFixture.h"
+#include "ReviewSuite.h"
 
 #include <QDesktopServices>
 #include <QSettings>
-#include <memory>
 
 using namespace corv::test;
 
 /// The sidebar: the adjustments, made only when they are first shown, and what they do to the
 /// player; the flight's names; and the settings that a run leaves to the next.
-class PanelTest : public QObject
+class PanelTest : public ReviewSuite
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
     void theAdjustmentsAreMadeLate();
     void everythingWorksWithoutThem();
     void theyCatchUp();
@@ -41,14 +37,6 @@ private slots:
     void unitsChangeAtTheNextStart();
     void helpAndInstallersGoToTheShell();
     void theWindowOffersAnUpdate();
-
-private:
-    QVariant player(const char* property) const
-    {
-        return m_ui->evaluate(QString("videoPlayer.") + property);
-    }
-
-    std::unique_ptr<ReviewFixture> m_ui;
 };
 
 namespace {
@@ -67,22 +55,6 @@ public slots:
 };
 
 } // namespace
-
-void PanelTest::initTestCase()
-{
-    UiFixture::prepare();
-}
-
-void PanelTest::init()
-{
-    m_ui = std::make_unique<ReviewFixture>();
-    QVERIFY(m_ui->load());
-}
-
-void PanelTest::cleanup()
-{
-    m_ui.reset();
-}
 
 void PanelTest::theAdjustmentsAreMadeLate()
 {
@@ -215,8 +187,7 @@ void PanelTest::aProjectIsShownByAnOpenPanel()
     m_ui->evaluate("videoPlayer.autoIRMapping = false; videoPlayer.irMappingMinValue = 20000;"
                    "videoPlayer.irMappingMaxValue = 30000; videoPlayer.showIR = true");
     m_ui->call("doSaveProject", {path});
-    cleanup();
-    init();
+    restart();
     QVERIFY(m_ui->showAdjustments());
     m_ui->call("loadProject", {path});
     QTRY_VERIFY(m_ui->log().contains("Log parsing complete"));

@@ -38,6 +38,11 @@ private:
     QString m_brokenLog;
 };
 
+inline const FlightMedia& media()
+{
+    return FlightMedia::instance();
+}
+
 /// The whole main window with the steps that most tests begin with.
 class ReviewFixture : public UiFixture
 {

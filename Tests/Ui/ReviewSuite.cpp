@@ -1,0 +1,43 @@
+#include "ReviewSuite.h"
+
+namespace corv::test {
+
+void ReviewSuite::initTestCase()
+{
+    UiFixture::prepare();
+}
+
+void ReviewSuite::init()
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+}
+
+void ReviewSuite::cleanup()
+{
+    m_ui.reset();
+}
+
+void ReviewSuite::restart()
+{
+    cleanup();
+    init();
+}
+
+QVariant ReviewSuite::player(const char* property) const
+{
+    return m_ui->evaluate(QString("videoPlayer.") + property);
+}
+
+void ReviewSuite::expectBox(const QString& boxTitle, const QString& text, QMessageBox::Icon icon)
+{
+    QTRY_VERIFY(UiFixture::messageBox());
+    QMessageBox* box = UiFixture::messageBox();
+    QCOMPARE(box->windowTitle(), boxTitle);
+    QCOMPARE(box->text(), text);
+    QCOMPARE(box->icon(), icon);
+    QCOMPARE(box->standardButtons(), QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(UiFixture::dismissMessageBox());
+}
+
+} // namespace corv::test

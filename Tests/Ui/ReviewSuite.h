@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ReviewFixture.h"
+
+#include <QObject>
+#include <memory>
+
+namespace corv::test {
+
+/// A suite of the whole main window: each test has one of its own, as a new installation shows it.
+class ReviewSuite : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// Ends the interface and starts another, with the settings of a new installation.
+    void restart();
+
+    QString title() const { return m_ui->window()->title(); }
+    QVariant player(const char* property) const;
+
+    /// The quoted text was shown in a box of this title and kind, and is answered.
+    static void expectBox(const QString& boxTitle, const QString& text, QMessageBox::Icon icon);
+
+    std::unique_ptr<ReviewFixture> m_ui;
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+};
+
+} // namespace corv::test
