@@ -77,7 +77,7 @@ public:
         QuaZipFile part(&m_zip);
         open(part, name, Z_DEFLATED, Z_DEFAULT_COMPRESSION);
         if (part.write(content) != content.size())
-            fail(m_file.fileName(), m_file.errorString());
+            failUnfinished();
         close(part);
     }
 
@@ -86,7 +86,8 @@ public:
     {
         QuaZipFile part(&m_zip);
         open(part, name, 0, 0);
-        pictures.copyTo(index, part);
+        if (!pictures.copyTo(index, part))
+            failUnfinished();
         close(part);
     }
 
@@ -94,24 +95,31 @@ public:
     {
         m_zip.close();
         if (m_zip.getZipError() != ZIP_OK)
-            fail(m_file.fileName(), m_file.errorString());
+            failUnfinished();
     }
 
 private:
+    // The layers below forget the reason, and there is hardly another.
+    [[noreturn]] void failUnfinished() const
+    {
+        fail(m_file.fileName(), QStringLiteral("it could not be written to its end, the disk may "
+                                               "be full"));
+    }
+
     void open(QuaZipFile& part, const QString& name, int method, int level)
     {
         QuaZipNewInfo info(name);
         info.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
                             QFile::ReadOther);
         if (!part.open(QIODevice::WriteOnly, info, nullptr, 0, method, level))
-            fail(m_file.fileName(), m_file.errorString());
+            failUnfinished();
     }
 
     void close(QuaZipFile& part)
     {
         part.close();
         if (part.getZipError() != ZIP_OK)
-            fail(m_file.fileName(), m_file.errorString());
+            failUnfinished();
     }
 
     QSaveFile& m_file;

@@ -40,7 +40,7 @@ void PictureSpool::append(const QString& fileName, const QString& partName)
     m_endBytes += sizeBytes;
 }
 
-void PictureSpool::copyTo(int index, QIODevice& target)
+bool PictureSpool::copyTo(int index, QIODevice& target)
 {
     const Picture& picture = m_pictures[static_cast<size_t>(index)];
     if (!m_file.seek(picture.startBytes))
@@ -50,9 +50,10 @@ void PictureSpool::copyTo(int index, QIODevice& target)
         if (chunk.isEmpty())
             fail("cannot read the temporary file", m_file);
         if (target.write(chunk) != chunk.size())
-            fail("cannot write the picture", target);
+            return false;
         left -= chunk.size();
     }
+    return true;
 }
 
 } // namespace corv

@@ -16,9 +16,9 @@ public:
     /// then as it was.
     void append(const QString& fileName, const QString& partName);
 
-    /// Writes the picture with this index, in the order of appending, to `target`. Throws
-    /// std::runtime_error if that fails.
-    void copyTo(int index, QIODevice& target);
+    /// Writes the picture with this index, in the order of appending, to `target`. False if that
+    /// does not take it; throws std::runtime_error if it cannot be read.
+    bool copyTo(int index, QIODevice& target);
 
     int count() const { return static_cast<int>(m_pictures.size()); }
     const QString& partName(int index) const { return m_pictures[static_cast<size_t>(index)].name; }

@@ -31,7 +31,8 @@ void handle(QtMsgType type, const QMessageLogContext&, const QString& message)
             remember(message.mid(mark.size()).simplified());
     }
     if (message.startsWith(QLatin1String("DFW export template not found")) ||
-        message.startsWith(QLatin1String("Exported video is incomplete")))
+        message.startsWith(QLatin1String("Exported video is incomplete")) ||
+        message.startsWith(QLatin1String("Failed to save frame to file")))
         remember(message);
 }
 

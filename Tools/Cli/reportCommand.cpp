@@ -53,9 +53,11 @@ ExitStatus report(const QStringList& given)
     const QString error = flight.open(arguments, path);
     if (!error.isEmpty())
         return fail(error);
+    lastError(); // of a log that could be read all the same
     if (!writeReport(flight, path))
         return fail(lastErrorOr(path + QStringLiteral(": cannot be written")));
-    return Done;
+    const QString lostPicture = lastError();
+    return lostPicture.isEmpty() ? Done : fail(path + QStringLiteral(": ") + lostPicture);
 }
 
 } // namespace

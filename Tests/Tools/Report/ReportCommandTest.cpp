@@ -1,4 +1,5 @@
 #include "SampleFlight/SampleFlight.h"
+#include "Support/FullDisk.h"
 #include "Support/WordPackage.h"
 
 #include <QFile>
@@ -110,6 +111,26 @@ private slots:
         QFETCH(QString, error);
         QCOMPARE(run(arguments), 1);
         QVERIFY2(m_error.startsWith("vistrel-cli: ") && m_error.contains(error.toUtf8()) &&
+                     m_error.count('\n') == 1,
+                 m_error.constData());
+        QVERIFY(!QFile::exists(path("none.docx")));
+    }
+
+    void aPictureThatFindsNoRoomIsAFailure()
+    {
+        const FullDisk disk(60000); // enough for the text, and for no picture
+        QCOMPARE(run({path("sample.ecor"), "--out", path("small.docx")}), 1);
+        QVERIFY2(m_error.contains("small.docx: Failed to save frame to file") &&
+                     m_error.count('\n') == 1,
+                 m_error.constData());
+        QCOMPARE(brokenRules(readZip(path("small.docx"))), QStringList());
+    }
+
+    void aReportThatFindsNoRoomIsAFailure()
+    {
+        const FullDisk disk(1000);
+        QCOMPARE(run({video(), "--out", path("none.docx")}), 1);
+        QVERIFY2(m_error.contains("none.docx: it could not be written to its end") &&
                      m_error.count('\n') == 1,
                  m_error.constData());
         QVERIFY(!QFile::exists(path("none.docx")));
