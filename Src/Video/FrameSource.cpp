@@ -19,9 +19,14 @@ constexpr int grabAheadLimit = 16;
 // How many frames at the start show whether a file keeps its rate.
 constexpr int framesLookedAt = 4;
 
-// Up to this many promised frames a file without a steady rate is read from its start for every
-// position behind the next frame; in a longer one that would take too long to be of use.
+// Up to this many promised frames, or more of a size below full HD, a file without a steady rate is
+// read from its start for every position behind the next frame; in a longer one that would take too
+// long to be of use.
 constexpr int readThroughLimit = 1000;
+constexpr qint64 readThroughPixels = qint64(readThroughLimit) * 1920 * 1080;
+
+// As many frames as decoders hold back, for their order and for their threads.
+constexpr int longestDrain = 20;
 
 class CaptureFrameSource : public FrameSource
 {
@@ -49,6 +54,7 @@ private:
     bool retrieveNext(cv::Mat& frame);
     bool keepsRate();
     bool isOnTime(int index) const;
+    bool canBeReadThrough() const;
     void position(int index);
     bool grabTo(int index);
     int countFrames();
@@ -142,8 +148,7 @@ bool CaptureFrameSource::readCapture(cv::Mat& frame)
 {
     if (!retrieveNext(frame))
         return false;
-    if (std::exchange(m_justPositioned, false) && m_promisedCount <= readThroughLimit &&
-        !isOnTime(m_nextFrame)) {
+    if (std::exchange(m_justPositioned, false) && canBeReadThrough() && !isOnTime(m_nextFrame)) {
         const int wanted = m_nextFrame;
         m_steadyRate = false;
         position(0);
@@ -207,16 +212,19 @@ int CaptureFrameSource::countFrames()
     m_firstFrameMs = m_capture.get(cv::CAP_PROP_POS_MSEC);
     if (m_promisedCount <= 1)
         return 1 + grabAll();
-    if (m_promisedCount <= readThroughLimit && !keepsRate())
+    if (canBeReadThrough() && !keepsRate())
         return countByReading();
     position(m_promisedCount);
     const int reached = m_nextFrame;
     if (reached == m_promisedCount)
         return reached + grabAll();
-    if (arrives(reached - 1)) {
-        if (m_promisedCount <= readThroughLimit && !isOnTime(reached - 1))
+    // Not the very last frame, of which the back-end tells no time.
+    const int nearEnd = std::max(reached - 1 - longestDrain, 0);
+    if (arrives(nearEnd)) {
+        if (canBeReadThrough() && !isOnTime(nearEnd))
             return countByReading();
-        if (!m_capture.grab())
+        m_nextFrame = nearEnd + 1;
+        if (grabTo(reached) && !m_capture.grab())
             return reached;
     }
     return searchFrameCount(m_promisedCount);
@@ -248,6 +256,13 @@ bool CaptureFrameSource::isOnTime(int index) const
         return true;
     const double frameMs = 1000.0 / m_fps;
     return std::abs(ms - m_firstFrameMs - index * frameMs) <= 0.75 * frameMs;
+}
+
+bool CaptureFrameSource::canBeReadThrough() const
+{
+    return m_promisedCount <= readThroughLimit ||
+           m_promisedCount * qint64(m_wholeSize.width()) * m_wholeSize.height() <=
+               readThroughPixels;
 }
 
 int CaptureFrameSource::grabAll()
