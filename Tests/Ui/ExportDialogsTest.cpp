@@ -33,6 +33,8 @@ private slots:
     void framesFieldsLightTogether();
     void framesValidation_data();
     void framesValidation();
+    void framesTimesLieWithinTheVideo_data();
+    void framesTimesLieWithinTheVideo();
     void framesTabLeadsThroughTheFields();
     void framesTimeIsTyped();
     void framesFolderIsChosenAndRemembered();
@@ -265,6 +267,40 @@ void ExportDialogsTest::framesValidation()
         QVERIFY(m_host->window()->isVisible());
     }
     QCOMPARE(m_host->get("ok").toBool(), refusal.isEmpty());
+}
+
+void ExportDialogsTest::framesTimesLieWithinTheVideo_data()
+{
+    QTest::addColumn<int>("startMs");
+    QTest::addColumn<int>("stopMs");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("refusal");
+    const QString folder = "file:///tmp/frames";
+    const QString outside = "Start or stop time out of the video duration";
+    QTest::newRow("start before the video") << -1 << 1000 << folder << outside;
+    QTest::newRow("stop before the video") << 0 << -1 << folder << outside;
+    QTest::newRow("it comes before the order of times") << -1 << -2 << folder << outside;
+    QTest::newRow("the folder comes first") << -1 << -2 << ""
+                                            << "No folder selected";
+    QTest::newRow("the start itself") << 0 << 0 << folder << "";
+    QTest::newRow("beyond the end") << 0 << 86000000 << folder << "";
+}
+
+// The fields take no sign; whoever sets the times of the window is not bound to them.
+void ExportDialogsTest::framesTimesLieWithinTheVideo()
+{
+    QFETCH(int, startMs);
+    QFETCH(int, stopMs);
+    QFETCH(QString, folder);
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->set("framesUrl", QUrl(folder));
+    m_host->set("frameSpacing", 1);
+    m_host->set("startTime", startMs);
+    m_host->set("stopTime", stopMs);
+    QVariant refusal;
+    QVERIFY(QMetaObject::invokeMethod(m_host->window(), "checkValues",
+                                      Q_RETURN_ARG(QVariant, refusal)));
+    QTEST(refusal.toString(), "refusal");
 }
 
 void ExportDialogsTest::framesTabLeadsThroughTheFields()
