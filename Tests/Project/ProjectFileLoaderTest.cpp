@@ -596,6 +596,33 @@ private slots:
                  QJsonObject({{"video", "in/v.mp4"}, {"log", "in/v.log"}}));
     }
 
+    void aCopyThatFindsNoRoomIsNoCopy_data()
+    {
+        QTest::addColumn<int>("videoBytes");
+        QTest::newRow("less than a buffer") << 9'000;
+        QTest::newRow("the last buffer") << 20'000;
+        QTest::newRow("large") << 3'000'000;
+    }
+
+    void aCopyThatFindsNoRoomIsNoCopy()
+    {
+        QFETCH(int, videoBytes);
+        writeFile(path("in/v.log"), "log");
+        writeFile(path("in/v.mp4"), QByteArray(videoBytes, 'v'));
+        MessageLog log;
+        {
+            const FullDisk disk(static_cast<rlim_t>(videoBytes - 500));
+            QVERIFY(!m_loader.copySourceFilesAndSaveProject(path("in/v.log"), path("in/v.mp4"),
+                                                            path("p.ecor"), flightProperties()));
+        }
+        QVERIFY(log.contains("Video copy failed"));
+        QVERIFY(!QFile::exists(path("p_video.mp4")));
+        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(),
+                 QJsonObject({{"video", "in/v.mp4"}, {"log", "p_log.log"}}));
+        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList({"p.ecor", "p_log.log"}));
+    }
+
     void theVideoIsCopiedAlsoIfTheLogCannotBe()
     {
         writeFile(path("in/v.mp4"), "video");
