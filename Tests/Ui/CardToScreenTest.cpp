@@ -49,11 +49,11 @@ void CardToScreenTest::init()
     m_logs = m_world->machine.addDrive("Logs CARD %20", "LOGS", true);
     m_videos = m_world->machine.addDrive("Video CARD #1 ü", "VIDEO", true) + "/DCIM/100HDDVR";
     const QString video = FlightMedia::instance().video();
-    m_world->addVideo(m_videos + "/First 100%.mp4", 0, video);
+    m_world->addCopy(m_videos + "/First 100%.mp4", 0, video);
     m_world->addLog(m_logs + "/first.log", 100, "North", 6000);
-    m_world->addVideo(m_videos + "/second.mp4", 5000, video);
+    m_world->addCopy(m_videos + "/second.mp4", 5000, video);
     m_world->addLog(m_logs + "/second.log", 5100, "South", 6000);
-    m_world->addVideo(m_videos + "/third.mp4", 10'000, video);
+    m_world->addCopy(m_videos + "/third.mp4", 10'000, video);
     m_ui = std::make_unique<ReviewFixture>();
     QVERIFY(m_ui->load());
 }
