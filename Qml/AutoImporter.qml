@@ -229,7 +229,7 @@ Window {
             });
         }
         if (matchings.length > 0)
-            matchingsListView.currentIndex = 0;
+            matchingsTable.currentIndex = 0;
     }
 
     function autodetectRemovableDevices() {
@@ -269,7 +269,7 @@ Window {
     }
 
     function loadAndClose() {
-        var row = matchingsListModel.get(matchingsListView.currentIndex);
+        var row = matchingsListModel.get(matchingsTable.currentIndex);
         if (row == -1) {
             showMessage("Auto importer", "Please select a flight from the list first.");
             return;
@@ -279,7 +279,7 @@ Window {
                         + "then select a flight from the list.");
             return;
         }
-        console.log(matchingsListView.currentIndex + " " + JSON.stringify(row));
+        console.log(matchingsTable.currentIndex + " " + JSON.stringify(row));
         chosenLogFile = Paths.toUrl(row.logPath);
         chosenVideoFile = Paths.toUrl(row.videoPath);
         ok = true;
@@ -474,104 +474,25 @@ Window {
         }
     }
 
-    Rectangle {
-        id: matchingsListHeader
-        objectName: "matchingsListHeader"
-        anchors { left: matchingsFrame.left; right: matchingsFrame.right; bottom: matchingsFrame.top }
-        height: 25
-        visible: !autoImporter.isBusy
-        color: "#444444"
-
-        ImporterColumns {
-            // Above the columns of the rows, which a scroll bar makes narrower.
-            x: 1 + parent.height + 4
-            width: rowWidth - parent.height - 4
-            height: parent.height
-            rowWidth: matchingsListView.width
-
-            ImporterHeading {
-                objectName: "nameHeading"
-                width: parent.nameWidth
-                text: "Paired files"
-            }
-
-            ImporterHeading {
-                objectName: "timeHeading"
-                width: parent.timeWidth
-                text: "Time"
-            }
-
-            ImporterHeading {
-                objectName: "missionNameHeading"
-                width: parent.missionWidth
-                text: "Mission name"
-            }
-
-            ImporterHeading {
-                objectName: "flightNameHeading"
-                width: parent.flightWidth
-                text: "Flight name"
-            }
-
-            ImporterHeading {
-                objectName: "flightNumberHeading"
-                width: parent.numberWidth
-                text: "Num."
-            }
-        }
-    }
-
-    Rectangle {
-        id: matchingsFrame
+    ImporterTable {
+        id: matchingsTable
         anchors {
             left: parent.left; leftMargin: 20
             right: parent.right; rightMargin: 20
-            top: parseButton.bottom; topMargin: 10 + matchingsListHeader.height
+            top: parseButton.bottom; topMargin: 10
             bottom: okButton.top; bottomMargin: 14
         }
         visible: !autoImporter.isBusy
-        color: "#333333"
-        border { width: matchingsListView.activeFocus ? 1 : 0; color: Cst.btnColorHover }
-
-        ScrollView {
-            anchors { fill: parent; margins: 1 }
-            horizontalScrollBarPolicy: Qt.ScrollBarAlwaysOff
-
-            ListView {
-                id: matchingsListView
-                objectName: "matchingsListView"
-                focus: true
-                activeFocusOnTab: true
-                keyNavigationEnabled: true
-                model: matchingsListModel
-                boundsBehavior: Flickable.StopAtBounds
-                highlight: Rectangle { color: Cst.progressBarBg }
-                highlightMoveDuration: 0
-                highlightResizeDuration: 0
-                Accessible.role: Accessible.List
-                Accessible.name: "Flights"
-                Keys.onReturnPressed: autoImporter.loadAndClose()
-                Keys.onEnterPressed: autoImporter.loadAndClose()
-
-                delegate: ImporterRow {
-                    objectName: "matchingRow" + index
-                    width: matchingsListView.width
-                    height: matchingsListHeader.height
-                    flight: model
-                    onClicked: {
-                        matchingsListView.currentIndex = index;
-                        matchingsListView.forceActiveFocus();
-                    }
-                }
-            }
-        }
+        flights: matchingsListModel
+        onAccepted: autoImporter.loadAndClose()
     }
 
     Column {
         id: busyArea
         anchors {
-            horizontalCenter: matchingsFrame.horizontalCenter
-            verticalCenter: matchingsFrame.verticalCenter
+            horizontalCenter: matchingsTable.horizontalCenter
+            verticalCenter: matchingsTable.verticalCenter
+            verticalCenterOffset: matchingsTable.headerHeight / 2
         }
         visible: autoImporter.isBusy
         spacing: 14

@@ -1,0 +1,104 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import "constants.js" as Cst
+
+// The flights that the importer found, under the headings of their columns. One of them is chosen
+// by a click or by the arrow keys, and Return accepts it.
+Item {
+    id: importerTable
+
+    // Each with the keys of an ImporterRow's flight.
+    property var flights
+    property alias currentIndex: matchingsListView.currentIndex
+    readonly property real headerHeight: matchingsListHeader.height
+    signal accepted()
+
+    Rectangle {
+        id: matchingsListHeader
+        objectName: "matchingsListHeader"
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        height: 25
+        color: "#444444"
+
+        ImporterColumns {
+            // Above the columns of the rows, which a scroll bar makes narrower.
+            x: 1 + parent.height + 4
+            width: rowWidth - parent.height - 4
+            height: parent.height
+            rowWidth: matchingsListView.width
+
+            ImporterHeading {
+                objectName: "nameHeading"
+                width: parent.nameWidth
+                text: "Paired files"
+            }
+
+            ImporterHeading {
+                objectName: "timeHeading"
+                width: parent.timeWidth
+                text: "Time"
+            }
+
+            ImporterHeading {
+                objectName: "missionNameHeading"
+                width: parent.missionWidth
+                text: "Mission name"
+            }
+
+            ImporterHeading {
+                objectName: "flightNameHeading"
+                width: parent.flightWidth
+                text: "Flight name"
+            }
+
+            ImporterHeading {
+                objectName: "flightNumberHeading"
+                width: parent.numberWidth
+                text: "Num."
+            }
+        }
+    }
+
+    Rectangle {
+        id: matchingsFrame
+        anchors {
+            left: parent.left; right: parent.right
+            top: matchingsListHeader.bottom; bottom: parent.bottom
+        }
+        color: "#333333"
+        border { width: matchingsListView.activeFocus ? 1 : 0; color: Cst.btnColorHover }
+
+        ScrollView {
+            anchors { fill: parent; margins: 1 }
+            horizontalScrollBarPolicy: Qt.ScrollBarAlwaysOff
+
+            ListView {
+                id: matchingsListView
+                objectName: "matchingsListView"
+                focus: true
+                activeFocusOnTab: true
+                keyNavigationEnabled: true
+                model: importerTable.flights
+                boundsBehavior: Flickable.StopAtBounds
+                highlight: Rectangle { color: Cst.progressBarBg }
+                highlightMoveDuration: 0
+                highlightResizeDuration: 0
+                Accessible.role: Accessible.List
+                Accessible.name: "Flights"
+                Keys.onReturnPressed: importerTable.accepted()
+                Keys.onEnterPressed: importerTable.accepted()
+
+                delegate: ImporterRow {
+                    objectName: "matchingRow" + index
+                    width: matchingsListView.width
+                    height: matchingsListHeader.height
+                    flight: model
+                    onClicked: {
+                        matchingsListView.currentIndex = index;
+                        matchingsListView.forceActiveFocus();
+                    }
+                }
+            }
+        }
+    }
+}
