@@ -2,6 +2,7 @@
 
 #include "Video/FrameSource.h"
 #include "Video/FrameWriter.h"
+#include "Video/VideoInfoReader.h"
 
 #include <QDebug>
 #include <algorithm>
@@ -13,9 +14,12 @@
 namespace corv {
 namespace {
 
-/// The encoder says nothing of a full disk: what is there is counted.
+/// The encoder says nothing of a full disk. Containers number their frames at their end, which is
+/// not written once something was lost; only where the number falls short is it worth counting.
 void tellOfLostFrames(const QString& target, int written)
 {
+    if (promisedFrameCount(target) >= written)
+        return;
     const auto result = openFrameSource(target);
     const int found = result ? result->frameCount() : 0;
     if (found < written)

@@ -37,6 +37,13 @@ bool readPromisedLength(const QString& file, PromisedLength& length)
 
 } // namespace
 
+int promisedFrameCount(const QString& file)
+{
+    PromisedLength length;
+    readPromisedLength(file, length);
+    return length.frames;
+}
+
 VideoInfoReader::VideoInfoReader(QString file) : m_file(std::move(file)) {}
 
 int VideoInfoReader::getDurationMs() const

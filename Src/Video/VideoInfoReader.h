@@ -20,4 +20,8 @@ private:
     QString m_file;
 };
 
+/// How many frames the container of a video file promises, which is not how many arrive; 0 if the
+/// file cannot be opened. Any thread.
+int promisedFrameCount(const QString& file);
+
 } // namespace corv
