@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <functional>
+#include <vector>
 
 namespace corv::bench {
 
@@ -30,7 +31,17 @@ public:
     Benchmark(const char* name, std::function<void(Report&)> run);
 };
 
-/// Median over `rounds` of work's time over floor's time, the two in turn and both warmed up once.
+double secondsOf(const std::function<void()>& work);
+
+/// The middle of the values, of which there is at least one.
+double median(std::vector<double> values);
+
+/// Median over `rounds` of work's time over floor's time, the two in turn; for work so long that
+/// its first time is as good as any.
+double ratioInTurn(const std::function<void()>& work, const std::function<void()>& floor,
+                   int rounds);
+
+/// The same, both warmed up once.
 double timeRatio(const std::function<void()>& work, const std::function<void()>& floor,
                  int rounds = 5);
 

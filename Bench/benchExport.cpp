@@ -1,22 +1,18 @@
 // Taking frames and videos out of a flight, against the least that it could cost.
 
 #include "Bench.h"
+#include "PlayerHelpers.h"
 #include "VideoInputs.h"
 
 #include "Log/LogParser.h"
 #include "SampleFlight/SampleFlight.h"
-#include "Threads/post.h"
+#include "Timeline/timelineGeometry.h"
 #include "Video/VideoPlayer.h"
 #include "Video/frameConversion.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <algorithm>
-#include <functional>
 #include <memory>
 #include <opencv2/videoio.hpp>
 #include <vector>
@@ -25,37 +21,6 @@ namespace corv::bench {
 namespace {
 
 constexpr int rounds = 3;
-
-QTime timeOfMs(int ms)
-{
-    return QTime(0, 0, 0, 0).addMSecs(ms);
-}
-
-void waitUntil(const std::function<bool()>& condition)
-{
-    while (!condition())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-double secondsOf(const std::function<void()>& work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e9;
-}
-
-/// Median of the seconds of `upper` over those of `lower`, the two in turn.
-double ratioInTurn(const std::function<void()>& upper, const std::function<void()>& lower)
-{
-    std::vector<double> ratios;
-    for (int round = 0; round < rounds; ++round) {
-        const double below = secondsOf(lower);
-        ratios.push_back(secondsOf(upper) / below);
-    }
-    std::sort(ratios.begin(), ratios.end());
-    return ratios[rounds / 2];
-}
 
 std::unique_ptr<VideoPlayer> openedPlayer(const QString& file)
 {
@@ -95,7 +60,7 @@ void wholeVideo(Report& report, const QString& name, QSize size, int seconds, in
     const double megabitsOut = static_cast<double>(QFile(ours).size()) * 8e-6 / seconds;
     const double ratio = ratioInTurn(
         [&] { transcode(file, folder.filePath(QStringLiteral("theirs.mp4")), megabitsOut); },
-        [&] { exportVideo(*player, ours); });
+        [&] { exportVideo(*player, ours); }, rounds);
     report.row(
         name, ratio, floor,
         QStringLiteral("%1 frames, %2 Mbit/s out").arg(seconds * 30).arg(megabitsOut, 0, 'f', 0),
@@ -122,8 +87,8 @@ void withOverlay(Report& report)
     drawn->setShowIR(true);
     drawn->updateLogData();
     const QString target = folder.filePath(QStringLiteral("out.mp4"));
-    const double ratio =
-        ratioInTurn([&] { exportVideo(*plain, target); }, [&] { exportVideo(*drawn, target); });
+    const double ratio = ratioInTurn([&] { exportVideo(*plain, target); },
+                                     [&] { exportVideo(*drawn, target); }, rounds);
     report.row(QStringLiteral("export: 1080p with overlay and contrast"), ratio, 0.85,
                QStringLiteral("180 frames, to the same without"), false);
 }
@@ -169,7 +134,8 @@ void series(Report& report)
         [&] {
             folders.push_back(std::make_unique<QTemporaryDir>());
             saveInOrder(file, QDir(folders.back()->path()));
-        });
+        },
+        rounds);
     report.row(QStringLiteral("export: series of 100 frames"), ratio, 1.6,
                QStringLiteral("1080p, every tenth frame, JPEG"));
 }

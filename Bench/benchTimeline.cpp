@@ -1,13 +1,13 @@
 #include "Bench.h"
+#include "PlayerHelpers.h"
 
 #include "Log/LogParser.h"
+#include "SampleFlight/FlightLogWriter.h"
 #include "Timeline/HeadUpDisplay.h"
 #include "Timeline/TimelineContent.h"
 #include "Timeline/timelineGeometry.h"
 #include "Video/VideoPlayer.h"
 
-#include <QAbstractVideoSurface>
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
@@ -23,86 +23,24 @@ namespace {
 constexpr unsigned recordingStartMs = 10000;
 constexpr unsigned videoStartMs = recordingStartMs + 690; // the first recording's fixed delay
 
-QByteArray bytesOf(const void* value, int size)
+// The record types of a recording, and their packets for one that fits a video of this length.
+struct Recording
 {
-    return QByteArray(static_cast<const char*>(value), size);
-}
+    explicit Recording(FlightLogWriter* log)
+        : start(log->describe("mobius_start_rec", {{"mobius_start_rec", "UINT32", 1}})),
+          stop(log->describe("mobius_stop_rec", {{"mobius_stop_rec", "UINT32", 1}}))
+    {
+    }
 
-QByteArray u32(quint32 value)
-{
-    return bytesOf(&value, 4);
-}
+    void write(FlightLogWriter* log, unsigned durationMs) const
+    {
+        log->write(start, Payload().u32(recordingStartMs));
+        log->write(stop, Payload().u32(recordingStartMs + 1000 + durationMs));
+    }
 
-QByteArray f32(float value)
-{
-    return bytesOf(&value, 4);
-}
-
-struct Var
-{
-    const char* name;
-    const char* type;
-    int nb;
+    int start;
+    int stop;
 };
-
-// Writes a log with one recording, and whatever groups and packets are added.
-class LogWriter
-{
-public:
-    explicit LogWriter(unsigned durationMs)
-    {
-        addGroup("mobius_start_rec", 1, {{"mobius_start_rec", "UINT32", 1}});
-        addGroup("mobius_stop_rec", 2, {{"mobius_stop_rec", "UINT32", 1}});
-        addPacket(1, u32(recordingStartMs));
-        addPacket(2, u32(recordingStartMs + 1000 + durationMs));
-    }
-
-    void addGroup(const char* name, int id, const std::vector<Var>& vars)
-    {
-        m_groups += QStringLiteral("<group><id>%1</id><name>%2</name>").arg(id).arg(name).toUtf8();
-        for (const Var& var : vars) {
-            m_groups += QStringLiteral("<var><name>%1</name><type>%2</type><nb>%3</nb></var>")
-                            .arg(var.name, var.type)
-                            .arg(var.nb)
-                            .toUtf8();
-        }
-        m_groups += "</group>";
-    }
-
-    void addPacket(int id, const QByteArray& payload)
-    {
-        const int size = payload.size();
-        const char head[] = {'\x86', '\x37', static_cast<char>(id), static_cast<char>(size >> 8),
-                             static_cast<char>(size & 0xff)};
-        m_packets.append(head, 5).append(payload);
-        unsigned sum = 0;
-        for (const char byte : payload)
-            sum += static_cast<unsigned char>(byte);
-        m_packets.append(static_cast<char>(sum & 0xffU));
-    }
-
-    void save(const QString& path) const
-    {
-        QFile file(path);
-        if (file.open(QIODevice::WriteOnly)) {
-            file.write("<main><log_version>1</log_version><groups>" + m_groups +
-                       "</groups></main>\n" + m_packets);
-        }
-    }
-
-private:
-    QByteArray m_groups;
-    QByteArray m_packets;
-};
-
-// Runs the event loop until `done` says so; gives up after a minute.
-void runUntil(const std::function<bool()>& done)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!done() && clock.elapsed() < 60000)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
-}
 
 void parse(LogParser& parser, const QString& path, int durationMs)
 {
@@ -110,7 +48,7 @@ void parse(LogParser& parser, const QString& path, int durationMs)
     bool complete = false;
     QObject::connect(&parser, &LogParser::logParsingComplete, [&complete] { complete = true; });
     parser.parseLog(path, true);
-    runUntil([&complete] { return complete; });
+    waitUntil([&complete] { return complete; });
     parser.disconnect();
 }
 
@@ -124,22 +62,28 @@ QString twoHourLog(const QString& folder)
     const QString path = folder + QStringLiteral("/two-hours-50Hz.log");
     if (QFile::exists(path))
         return path;
-    LogWriter log(flightMs);
-    log.addGroup("state_estimation", 3,
-                 {{"time", "UINT32", 1},
-                  {"euler_angles", "FLOAT", 3},
-                  {"heading_reference", "FLOAT", 1},
-                  {"altitude", "FLOAT", 1},
-                  {"altitude_telem_ref", "FLOAT", 1}});
-    log.addGroup("camera_cmd", 4, {{"time", "UINT32", 1}, {"servo_angle", "FLOAT", 1}});
+    FlightLogWriter log(path);
+    const Recording recording(&log);
+    const int state = log.describe("state_estimation", {{"time", "UINT32", 1},
+                                                        {"euler_angles", "FLOAT", 3},
+                                                        {"heading_reference", "FLOAT", 1},
+                                                        {"altitude", "FLOAT", 1},
+                                                        {"altitude_telem_ref", "FLOAT", 1}});
+    const int camera =
+        log.describe("camera_cmd", {{"time", "UINT32", 1}, {"servo_angle", "FLOAT", 1}});
+    log.begin();
+    recording.write(&log, flightMs);
     for (int ms = 0; ms <= flightMs; ms += stateIntervalMs) {
-        const QByteArray time = u32(videoStartMs + static_cast<unsigned>(ms));
+        const unsigned timeMs = videoStartMs + static_cast<unsigned>(ms);
         // The same values throughout, so that both pictures are the same work.
-        log.addPacket(3, time + f32(0.1F) + f32(-0.2F) + f32(1.0F) + f32(0.0F) + f32(120.0F) +
-                             f32(20.0F));
-        log.addPacket(4, time + f32(-30.0F));
+        Payload values;
+        values.u32(timeMs);
+        for (const float value : {0.1F, -0.2F, 1.0F, 0.0F, 120.0F, 20.0F})
+            values.f32(value);
+        log.write(state, values);
+        log.write(camera, Payload().u32(timeMs).f32(-30.0F));
     }
-    log.save(path);
+    log.finish(0);
     return path;
 }
 
@@ -244,29 +188,16 @@ QString markedLog(const QString& folder)
     const QString path = folder + QStringLiteral("/timeline-marks.log");
     if (QFile::exists(path))
         return path;
-    LogWriter log(videoMs);
-    log.addGroup("point_of_interest", 3, {{"point_of_interest", "UINT32", 1}});
+    FlightLogWriter log(path);
+    const Recording recording(&log);
+    const int marks = log.describe("point_of_interest", {{"point_of_interest", "UINT32", 1}});
+    log.begin();
+    recording.write(&log, videoMs);
     for (unsigned mark = 0; mark < markCount; ++mark)
-        log.addPacket(3, u32(videoStartMs + mark * videoMs / markCount));
-    log.save(path);
+        log.write(marks, Payload().u32(videoStartMs + mark * videoMs / markCount));
+    log.finish(0);
     return path;
 }
-
-class CountingSurface : public QAbstractVideoSurface
-{
-public:
-    QList<QVideoFrame::PixelFormat>
-    supportedPixelFormats(QAbstractVideoBuffer::HandleType) const override
-    {
-        return {QVideoFrame::Format_YUV420P};
-    }
-    bool present(const QVideoFrame&) override
-    {
-        ++presented;
-        return true;
-    }
-    int presented = 0;
-};
 
 // Runs `start` and then the event loop for `forMs`. The longest time in milliseconds for which the
 // loop could not answer, as a timer of 1 ms notices it.
@@ -297,7 +228,7 @@ void benchMarksWhilePlaying(Report& report)
     VideoPlayer player;
     player.setVideoSurface(&surface);
     player.setSource(testVideo(report.inputFolder()));
-    runUntil([&] { return surface.presented > 0; });
+    waitUntil([&] { return surface.presented > 0; });
     TimelineContent timeline;
     timeline.setSize(QSizeF(1600, 120));
     timeline.setLogParser(&parser);
@@ -309,9 +240,9 @@ void benchMarksWhilePlaying(Report& report)
     const auto presentedDuring = [&](const std::function<void()>& start, double* holdMs) {
         player.seekAtFrame(0);
         const int before = surface.presented;
-        runUntil([&] { return surface.presented > before; });
+        waitUntil([&] { return surface.presented > before; });
         player.play();
-        runUntil([&] { return surface.presented > before + 5; });
+        waitUntil([&] { return surface.presented > before + 5; });
         const int first = surface.presented;
         *holdMs = longestHoldMs(start, windowMs);
         player.pause();
@@ -327,14 +258,13 @@ void benchMarksWhilePlaying(Report& report)
         const int beside = presentedDuring([&] { timeline.updateLogData(); }, &holdMs);
         holdsMs.push_back(holdMs);
         shares.push_back(static_cast<double>(beside) / std::max(alone, 1));
-        runUntil([&] { return timeline.getPOIs().size() == markCount; });
+        waitUntil([&] { return timeline.getPOIs().size() == markCount; });
     }
-    std::sort(holdsMs.begin(), holdsMs.end());
-    std::sort(shares.begin(), shares.end());
     const QString input = QStringLiteral("%1 marks, 720p at 30 fps").arg(markCount);
-    report.row(QStringLiteral("marks of a log: longest hold / 50 ms"), holdsMs[1] / 50, 1, input);
-    report.row(QStringLiteral("marks of a log: frames presented / without"), shares[1], 0.6, input,
-               false);
+    report.row(QStringLiteral("marks of a log: longest hold / 50 ms"), median(holdsMs) / 50, 1,
+               input);
+    report.row(QStringLiteral("marks of a log: frames presented / without"), median(shares), 0.6,
+               input, false);
 }
 
 const Benchmark hud("hud", benchHud);

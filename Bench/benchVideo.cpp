@@ -1,19 +1,16 @@
 // The road of a frame from the decoder to the screen, against the decoder alone.
 
 #include "Bench.h"
+#include "PlayerHelpers.h"
 #include "VideoInputs.h"
 
 #include "Threads/post.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/VideoPlayer.h"
 
-#include <QAbstractVideoSurface>
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QVideoSurfaceFormat>
 #include <algorithm>
-#include <functional>
 #include <opencv2/videoio.hpp>
 #include <random>
 #include <vector>
@@ -44,24 +41,6 @@ void produceAll(const QString& file, int frames)
     loop.exec();
 }
 
-class CountingSurface : public QAbstractVideoSurface
-{
-public:
-    QList<QVideoFrame::PixelFormat>
-    supportedPixelFormats(QAbstractVideoBuffer::HandleType) const override
-    {
-        return {QVideoFrame::Format_YUV420P};
-    }
-
-    bool present(const QVideoFrame&) override
-    {
-        ++presented;
-        return true;
-    }
-
-    int presented = 0;
-};
-
 /// A player that shows frame after frame on demand.
 class Viewer
 {
@@ -87,28 +66,12 @@ public:
 private:
     void waitFor(int presented)
     {
-        while (m_surface.presented < presented)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        waitUntil([this, presented] { return m_surface.presented >= presented; });
     }
 
     CountingSurface m_surface;
     VideoPlayer m_player;
 };
-
-double secondsOf(const std::function<void()>& work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e9;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
-}
 
 void playback(Report& report, const QString& name, QSize size, int seconds, int megabits)
 {

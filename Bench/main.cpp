@@ -28,21 +28,6 @@ std::vector<Registered>& registered()
     return all;
 }
 
-double secondsOf(const std::function<void()>& work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e9;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    const size_t middle = values.size() / 2;
-    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
-}
-
 class TableReport : public Report
 {
 public:
@@ -79,16 +64,37 @@ Benchmark::Benchmark(const char* name, std::function<void(Report&)> run)
     registered().push_back({name, std::move(run)});
 }
 
-double timeRatio(const std::function<void()>& work, const std::function<void()>& floor, int rounds)
+double secondsOf(const std::function<void()>& work)
 {
-    secondsOf(floor);
-    secondsOf(work);
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return static_cast<double>(timer.nsecsElapsed()) / 1e9;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    const size_t middle = values.size() / 2;
+    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+double ratioInTurn(const std::function<void()>& work, const std::function<void()>& floor,
+                   int rounds)
+{
     std::vector<double> ratios;
     for (int round = 0; round < rounds; ++round) {
         const double below = secondsOf(floor);
         ratios.push_back(secondsOf(work) / below);
     }
     return median(ratios);
+}
+
+double timeRatio(const std::function<void()>& work, const std::function<void()>& floor, int rounds)
+{
+    secondsOf(floor);
+    secondsOf(work);
+    return ratioInTurn(work, floor, rounds);
 }
 
 double medianSeconds(const std::function<void()>& work, int rounds)
