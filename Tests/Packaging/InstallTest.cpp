@@ -1,25 +1,19 @@
 #include "SampleFlight/SampleFlight.h"
+#include "Support/ProgramRun.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace corv;
+using namespace corv::test;
 
 namespace {
-
-struct Outcome
-{
-    int exitCode = -1;
-    QByteArray output;
-    QByteArray error;
-};
 
 QString textOf(const QString& file)
 {
@@ -55,8 +49,8 @@ private slots:
     void packageDependsOnEveryModule();
 
 private:
-    Outcome run(const QString& program, const QStringList& arguments,
-                const QString& folder = {}) const;
+    ProgramRun run(const QString& program, const QStringList& arguments,
+                   const QString& folder = {}) const;
     QString staged(const QString& path) const { return m_folder.filePath("stage/usr/" + path); }
     QString package() const
     {
@@ -68,39 +62,29 @@ private:
     QStringList m_manualPages;
 };
 
-Outcome InstallTest::run(const QString& program, const QStringList& arguments,
-                         const QString& folder) const
+ProgramRun InstallTest::run(const QString& program, const QStringList& arguments,
+                            const QString& folder) const
 {
-    constexpr int patienceMs = 120'000;
-    QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DESTDIR", m_folder.filePath("stage"));
     environment.insert("LC_ALL", "C.UTF-8");
     // Wide enough that no line of a man page has to be broken badly.
     environment.insert("MANWIDTH", "80");
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(folder.isEmpty() ? m_folder.path() : folder);
-    process.start(program, arguments);
-    Outcome outcome;
-    if (process.waitForFinished(patienceMs) && process.exitStatus() == QProcess::NormalExit)
-        outcome.exitCode = process.exitCode();
-    outcome.output = process.readAllStandardOutput();
-    outcome.error = process.readAllStandardError();
-    return outcome;
+    return runProgram(program, arguments, environment, folder.isEmpty() ? m_folder.path() : folder);
 }
 
 void InstallTest::initTestCase()
 {
-    const Outcome install = run(CMAKE_PROGRAM, {"--install", BUILD_FOLDER, "--prefix", "/usr"});
-    QVERIFY2(install.exitCode == 0, install.error);
-    const Outcome pack =
+    const ProgramRun install = run(CMAKE_PROGRAM, {"--install", BUILD_FOLDER, "--prefix", "/usr"});
+    QVERIFY2(install.status == 0, install.error);
+    const ProgramRun pack =
         run(CPACK_PROGRAM, {"-G", "DEB", "--config", BUILD_FOLDER "/CPackConfig.cmake", "-B",
                             m_folder.filePath("package")});
-    QVERIFY2(pack.exitCode == 0, pack.output + pack.error);
-    const Outcome manual = run("pdftotext", {"-layout", staged("lib/vistrel/manual.pdf"), "-"});
-    QVERIFY2(manual.exitCode == 0, manual.error);
+    QVERIFY2(pack.status == 0, pack.out + pack.error);
+    const ProgramRun manual = run("pdftotext", {"-layout", staged("lib/vistrel/manual.pdf"), "-"});
+    QVERIFY2(manual.status == 0, manual.error);
     // Letters that the font draws as one sign are two again; a page ends with a form feed.
-    m_manualPages = QString::fromUtf8(manual.output)
+    m_manualPages = QString::fromUtf8(manual.out)
                         .normalized(QString::NormalizationForm_KC)
                         .chopped(1)
                         .split('\f');
@@ -162,9 +146,9 @@ void InstallTest::commandsAreLinks()
 
 void InstallTest::linkedCommandTellsItsVersion()
 {
-    const Outcome outcome = run(staged("bin/vistrel-cli"), {"--version"});
-    QCOMPARE(outcome.exitCode, 0);
-    QCOMPARE(outcome.output, QByteArray("vistrel-cli " VISTREL_VERSION "\n"));
+    const ProgramRun outcome = run(staged("bin/vistrel-cli"), {"--version"});
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(outcome.out, QByteArray("vistrel-cli " VISTREL_VERSION "\n"));
 }
 
 void InstallTest::linkedCommandFindsTheTemplateBesideTheProgram()
@@ -172,10 +156,10 @@ void InstallTest::linkedCommandFindsTheTemplateBesideTheProgram()
     SampleFlightOptions options;
     options.videoSeconds = 2.0;
     QVERIFY(SampleFlight(options).writeCard(m_folder.filePath("flight")));
-    const Outcome outcome =
+    const ProgramRun outcome =
         run(staged("bin/vistrel-cli"), {"report", "sample.ecor", "--out", "a.docx"},
             m_folder.filePath("flight"));
-    QVERIFY2(outcome.exitCode == 0, outcome.error);
+    QVERIFY2(outcome.status == 0, outcome.error);
     QVERIFY(QFileInfo(m_folder.filePath("flight/a.docx")).size() > 0);
 }
 
@@ -235,8 +219,8 @@ void InstallTest::checkersAccept()
 {
     QFETCH(QString, checker);
     QFETCH(QStringList, arguments);
-    const Outcome outcome = run(checker, arguments);
-    QVERIFY2(outcome.exitCode == 0, outcome.output + outcome.error);
+    const ProgramRun outcome = run(checker, arguments);
+    QVERIFY2(outcome.status == 0, outcome.out + outcome.error);
     QCOMPARE(outcome.error, QByteArray());
 }
 
@@ -257,8 +241,8 @@ void InstallTest::fileTypesAreKnown()
         QRegularExpression("^MimeType=(.*)$", QRegularExpression::MultilineOption).match(entry);
     QVERIFY(claimed.captured(1).split(';').contains(type));
 
-    const Outcome outcome = run("update-mime-database", {staged("share/mime")});
-    QVERIFY2(outcome.exitCode == 0, outcome.error);
+    const ProgramRun outcome = run("update-mime-database", {staged("share/mime")});
+    QVERIFY2(outcome.status == 0, outcome.error);
     const QString globs = textOf(staged("share/mime/globs2"));
     QCOMPARE(globs.contains(":" + type + ":*.ecor"), type.startsWith("application/"));
 }
@@ -273,9 +257,9 @@ void InstallTest::desktopEntryStartsTheCommand()
 
 void InstallTest::packagePassesLintian()
 {
-    const Outcome lintian =
+    const ProgramRun lintian =
         run("lintian", {"--allow-root", "--fail-on", "error,warning", package()});
-    QVERIFY2(lintian.exitCode == 0, lintian.output + lintian.error);
+    QVERIFY2(lintian.status == 0, lintian.out + lintian.error);
 }
 
 void InstallTest::packageDependsOnEveryModule_data()
@@ -305,13 +289,13 @@ void InstallTest::packageDependsOnEveryModule()
     QFETCH(QString, qmldir);
     const QString file = QFileInfo(qmldir).canonicalFilePath();
     QVERIFY2(!file.isEmpty(), qPrintable(qmldir));
-    const Outcome owner = run("dpkg-query", {"--search", file});
-    QVERIFY2(owner.exitCode == 0, owner.error);
-    const QByteArray module = owner.output.left(owner.output.indexOf(':'));
-    const Outcome fields = run("dpkg-deb", {"--field", package(), "Depends"});
-    QVERIFY2(fields.exitCode == 0, fields.error);
+    const ProgramRun owner = run("dpkg-query", {"--search", file});
+    QVERIFY2(owner.status == 0, owner.error);
+    const QByteArray module = owner.out.left(owner.out.indexOf(':'));
+    const ProgramRun fields = run("dpkg-deb", {"--field", package(), "Depends"});
+    QVERIFY2(fields.status == 0, fields.error);
     QList<QByteArray> names;
-    for (const QByteArray& dependency : fields.output.split(','))
+    for (const QByteArray& dependency : fields.out.split(','))
         names << dependency.trimmed().split(' ').first();
     QVERIFY2(names.contains(module), module);
 }

@@ -1,10 +1,10 @@
 #include "ReviewFixture.h"
+#include "Support/ProgramRun.h"
 #include "Support/WordPackage.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <memory>
 
@@ -120,11 +120,10 @@ void SameReportTest::windowAndCommandAgree()
     QTRY_VERIFY(QFile::exists(folder + "/window.docx"));
     QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
 
-    QProcess command;
-    command.start(VISTREL_CLI, {"report", project, "--out", folder + "/command.docx"});
-    QVERIFY(command.waitForFinished(60'000));
-    QCOMPARE(command.readAllStandardError(), QByteArray());
-    QCOMPARE(command.exitCode(), 0);
+    const ProgramRun command =
+        runProgram(VISTREL_CLI, {"report", project, "--out", folder + "/command.docx"});
+    QCOMPARE(command.error, QByteArray());
+    QCOMPARE(command.status, 0);
 
     const Parts shown = withoutDate(readZip(folder + "/window.docx"));
     const Parts written = withoutDate(readZip(folder + "/command.docx"));

@@ -1,9 +1,9 @@
 #include "Support/LogBuilder.h"
+#include "Support/ProgramRun.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -11,20 +11,9 @@ using namespace corv::test;
 
 namespace {
 
-struct Run
+ProgramRun vistrel(const QStringList& arguments)
 {
-    int status = -1;
-    QByteArray out;
-    QByteArray error;
-};
-
-Run vistrel(const QStringList& arguments)
-{
-    QProcess program;
-    program.start(QStringLiteral(VISTREL_CLI), arguments);
-    if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
+    return runProgram(QStringLiteral(VISTREL_CLI), arguments);
 }
 
 QJsonObject naming(bool undefined, const QString& mission, const QString& flight, int number)
@@ -127,20 +116,20 @@ void LogCommandsTest::initTestCase()
 
 void LogCommandsTest::helpAndVersion()
 {
-    const Run help = vistrel({"--help"});
+    const ProgramRun help = vistrel({"--help"});
     QCOMPARE(help.status, 0);
     QCOMPARE(help.error, QByteArray());
     for (const char* command : {"log-info FILE [--json]", "log-csv FILE GROUP",
                                 "log-raw FILE GROUP VAR", "sync FILE --duration-ms N [--json]"})
         QVERIFY2(help.out.contains(command), command);
-    const Run version = vistrel({"--version"});
+    const ProgramRun version = vistrel({"--version"});
     QCOMPARE(version.status, 0);
     QCOMPARE(version.out, QByteArray("vistrel-cli " VISTREL_VERSION "\n"));
 }
 
 void LogCommandsTest::infoTellsAll()
 {
-    const Run run = vistrel({"log-info", path("flight.log"), "--json"});
+    const ProgramRun run = vistrel({"log-info", path("flight.log"), "--json"});
     QCOMPARE(run.error, QByteArray());
     QCOMPARE(run.status, 0);
     QJsonObject named = naming(false, "Roof", "North", 7);
@@ -167,7 +156,7 @@ void LogCommandsTest::infoTellsAll()
 
 void LogCommandsTest::infoForPeople()
 {
-    const Run run = vistrel({"log-info", path("flight.log")});
+    const ProgramRun run = vistrel({"log-info", path("flight.log")});
     QCOMPARE(run.status, 0);
     for (const char* text : {"Log version 1, 7 packets: 3 valid", "the last incomplete",
                              "mission_name[6]", "recording from 10000 ms to 71000 ms",
@@ -177,19 +166,19 @@ void LogCommandsTest::infoForPeople()
 
 void LogCommandsTest::rawIsTheBlock()
 {
-    const Run run = vistrel({"log-raw", path("flight.log"), "mission_info", "mission_name"});
+    const ProgramRun run = vistrel({"log-raw", path("flight.log"), "mission_info", "mission_name"});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.out, QByteArray("Roof\0\0", 6));
-    const Run columns = vistrel({"log-raw", path("types.log"), "types", "c"});
+    const ProgramRun columns = vistrel({"log-raw", path("types.log"), "types", "c"});
     QCOMPARE(columns.out, QByteArray("\xff\xff\0\0\xff\xff\0\0", 8)); // a column after the other
-    const Run empty = vistrel({"log-raw", path("types.log"), "endless", "v"});
+    const ProgramRun empty = vistrel({"log-raw", path("types.log"), "endless", "v"});
     QCOMPARE(empty.status, 0);
     QCOMPARE(empty.out, QByteArray());
 }
 
 void LogCommandsTest::csvShowsTheDeclaredTypes()
 {
-    const Run run = vistrel({"log-csv", path("types.log"), "types"});
+    const ProgramRun run = vistrel({"log-csv", path("types.log"), "types"});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.out, QByteArray("a,b,c[0],c[1],d,e,f,g,h,\"odd,\"\"name\"\n"
                                  "-1,4294967295,-1,-1,65535,-1,255,0.1,-1e+300,255\n"
@@ -199,20 +188,21 @@ void LogCommandsTest::csvShowsTheDeclaredTypes()
 
 void LogCommandsTest::syncFindsTheVideo()
 {
-    const Run run = vistrel({"sync", path("flight.log"), "--duration-ms", "60000", "--json"});
+    const ProgramRun run =
+        vistrel({"sync", path("flight.log"), "--duration-ms", "60000", "--json"});
     QCOMPARE(run.status, 0);
     const QJsonObject expected{
         {"found", true},          {"probablyNotMatching", false},
         {"videoDuration", 60000}, {"matchedDuration", 61000},
         {"logTimeOffset", 10690}, {"naming", naming(false, "Roof", "North", 7)}};
     QCOMPARE(QJsonDocument::fromJson(run.out).object(), expected);
-    const Run none = vistrel({"sync", "--json", "--duration-ms", "0", path("flight.log")});
+    const ProgramRun none = vistrel({"sync", "--json", "--duration-ms", "0", path("flight.log")});
     QCOMPARE(none.status, 0);
     const QJsonObject nothing = QJsonDocument::fromJson(none.out).object();
     QCOMPARE(nothing["found"], QJsonValue(false));
     QCOMPARE(nothing["logTimeOffset"], QJsonValue(0));
     QCOMPARE(nothing["naming"], QJsonValue(naming(true, "", "", 0)));
-    const Run people = vistrel({"sync", path("flight.log"), "--duration-ms", "60000"});
+    const ProgramRun people = vistrel({"sync", path("flight.log"), "--duration-ms", "60000"});
     QVERIFY(people.out.contains("begins at 10690 ms of the log"));
 }
 
@@ -239,7 +229,7 @@ void LogCommandsTest::failuresAreOneLine()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, message);
-    const Run run = vistrel(arguments);
+    const ProgramRun run = vistrel(arguments);
     QCOMPARE(run.status, 1);
     QCOMPARE(run.out, QByteArray());
     QVERIFY2(run.error.contains(message), run.error.constData());
@@ -264,7 +254,7 @@ void LogCommandsTest::wrongUsageIsTold_data()
 void LogCommandsTest::wrongUsageIsTold()
 {
     QFETCH(QStringList, arguments);
-    const Run run = vistrel(arguments);
+    const ProgramRun run = vistrel(arguments);
     QCOMPARE(run.status, 2);
     QCOMPARE(run.out, QByteArray());
     QVERIFY(run.error.startsWith("usage: vistrel-cli "));
@@ -273,7 +263,7 @@ void LogCommandsTest::wrongUsageIsTold()
 
 void LogCommandsTest::diagnosticsAreShownOnDemand()
 {
-    const Run run = vistrel({"--verbose", "log-info", path("flight.log")});
+    const ProgramRun run = vistrel({"--verbose", "log-info", path("flight.log")});
     QCOMPARE(run.status, 0);
     QVERIFY(run.error.contains("7  total packets counted, including:"));
 }

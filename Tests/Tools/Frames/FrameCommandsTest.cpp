@@ -2,13 +2,13 @@
 #include "SampleFlight/SampleFlight.h"
 #include "SampleFlight/frameStrip.h"
 #include "Support/FullDisk.h"
+#include "Support/ProgramRun.h"
 #include "Video/VideoPlayer.h"
 
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -16,22 +16,13 @@
 #include <opencv2/videoio.hpp>
 
 using namespace corv;
+using namespace corv::test;
 
 namespace {
 
-struct Outcome
+ProgramRun run(const QStringList& arguments)
 {
-    int status;
-    QByteArray complaint;
-};
-
-Outcome run(const QStringList& arguments)
-{
-    QProcess program;
-    program.start(QStringLiteral(VISTREL_CLI), arguments);
-    if (!program.waitForFinished(120'000))
-        return {-1, "does not end"};
-    return {program.exitCode(), program.readAllStandardError()};
+    return runProgram(QStringLiteral(VISTREL_CLI), arguments);
 }
 
 QByteArray contentsOf(const QString& path)
@@ -172,9 +163,9 @@ std::unique_ptr<FrameCommandsTest::Window> FrameCommandsTest::openWindow() const
 void FrameCommandsTest::frameOfAProject()
 {
     const QString out = path("project.png");
-    const Outcome outcome = run({QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
-                                 QStringLiteral("500"), QStringLiteral("--out"), out});
-    QCOMPARE(outcome.complaint, QByteArray());
+    const ProgramRun outcome = run({QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
+                                    QStringLiteral("500"), QStringLiteral("--out"), out});
+    QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.status, 0);
     QCOMPARE(numberIn(out), 15);
     const auto window = openWindow();
@@ -211,10 +202,10 @@ void FrameCommandsTest::frameOfAVideo()
         arguments << QStringLiteral("--thermal");
     const QString out = path("video.png");
     QFile::remove(out);
-    const Outcome outcome =
+    const ProgramRun outcome =
         run(arguments + QStringList{QStringLiteral("--at-ms"), QStringLiteral("1500"),
                                     QStringLiteral("--out"), out});
-    QCOMPARE(outcome.complaint, QByteArray());
+    QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.status, 0);
     QCOMPARE(numberIn(out), 45);
     cv::VideoCapture second(path("DCIM/101_CORV/CORV0002.MOV").toStdString(), cv::CAP_FFMPEG);
@@ -229,12 +220,12 @@ void FrameCommandsTest::frameOfAVideo()
 void FrameCommandsTest::framesOfARange()
 {
     const QString out = path("range");
-    const Outcome outcome =
+    const ProgramRun outcome =
         run({QStringLiteral("frames"), m_project, QStringLiteral("--from-ms"),
              QStringLiteral("100"), QStringLiteral("--to-ms"), QStringLiteral("1500"),
              QStringLiteral("--spacing"), QStringLiteral("12"), QStringLiteral("--prefix"),
              QStringLiteral("Still"), QStringLiteral("--out"), out});
-    QCOMPARE(outcome.complaint, QByteArray());
+    QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.status, 0);
     QCOMPARE(QDir(out).entryList(QDir::Files),
              (QStringList{QStringLiteral("Still000.jpg"), QStringLiteral("Still001.jpg"),
@@ -252,9 +243,9 @@ void FrameCommandsTest::framesOfARange()
 void FrameCommandsTest::framesOfTheMarks()
 {
     const QString out = path("marks");
-    const Outcome outcome = run({QStringLiteral("frames"), QStringLiteral("--poi"), m_project,
-                                 QStringLiteral("--out"), out});
-    QCOMPARE(outcome.complaint, QByteArray());
+    const ProgramRun outcome = run({QStringLiteral("frames"), QStringLiteral("--poi"), m_project,
+                                    QStringLiteral("--out"), out});
+    QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.status, 0);
     QCOMPARE(QDir(out).entryList(QDir::Files),
              (QStringList{QStringLiteral("Frame000.jpg"), QStringLiteral("Frame001.jpg")}));
@@ -265,8 +256,9 @@ void FrameCommandsTest::framesOfTheMarks()
 void FrameCommandsTest::wholeVideo()
 {
     const QString out = path("whole.mp4");
-    const Outcome outcome = run({QStringLiteral("video"), m_project, QStringLiteral("--out"), out});
-    QCOMPARE(outcome.complaint, QByteArray());
+    const ProgramRun outcome =
+        run({QStringLiteral("video"), m_project, QStringLiteral("--out"), out});
+    QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.status, 0);
     const std::vector<cv::Mat> frames = framesOf(out);
     QCOMPARE(int(frames.size()), 60);
@@ -309,9 +301,9 @@ void FrameCommandsTest::sourcesAreNeverWrittenOver()
     QFETCH(QString, target);
     const QByteArray before = contentsOf(target);
     QVERIFY(!before.isEmpty());
-    const Outcome outcome = run(command + QStringList{QStringLiteral("--out"), target});
+    const ProgramRun outcome = run(command + QStringList{QStringLiteral("--out"), target});
     QCOMPARE(outcome.status, 1);
-    QVERIFY(outcome.complaint.contains("is a file of the flight itself"));
+    QVERIFY(outcome.error.contains("is a file of the flight itself"));
     QVERIFY(contentsOf(target) == before);
 }
 
@@ -331,10 +323,10 @@ void FrameCommandsTest::aFullDiskIsAFailure()
 {
     QFETCH(QStringList, command);
     const corv::test::FullDisk disk(20000); // for the program as well
-    const Outcome outcome = run(command);
-    QVERIFY2(outcome.status == 1 && outcome.complaint.startsWith("vistrel-cli: ") &&
-                 outcome.complaint.count('\n') == 1,
-             outcome.complaint.constData());
+    const ProgramRun outcome = run(command);
+    QVERIFY2(outcome.status == 1 && outcome.error.startsWith("vistrel-cli: ") &&
+                 outcome.error.count('\n') == 1,
+             outcome.error.constData());
 }
 
 void FrameCommandsTest::refusals_data()
@@ -388,11 +380,11 @@ void FrameCommandsTest::refusals()
             }
         }
     }
-    const Outcome outcome = run(list);
+    const ProgramRun outcome = run(list);
     QTEST(outcome.status, "status");
-    QVERIFY(outcome.complaint.startsWith(outcome.status == 2 ? "usage: vistrel-cli "
-                                                             : "vistrel-cli: "));
-    QCOMPARE(outcome.complaint.count('\n'), 1);
+    QVERIFY(
+        outcome.error.startsWith(outcome.status == 2 ? "usage: vistrel-cli " : "vistrel-cli: "));
+    QCOMPARE(outcome.error.count('\n'), 1);
 }
 
 QTEST_MAIN(FrameCommandsTest)

@@ -1,11 +1,11 @@
 #include "../../Discovery/flightLogs.h"
+#include "Support/ProgramRun.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -13,20 +13,9 @@ using namespace corv::test;
 
 namespace {
 
-struct Run
+ProgramRun match(const QStringList& arguments)
 {
-    int status = -1;
-    QByteArray out;
-    QByteArray error;
-};
-
-Run match(const QStringList& arguments)
-{
-    QProcess program;
-    program.start(QStringLiteral(VISTREL_CLI), QStringList{"match"} + arguments);
-    if (!program.waitForFinished() || program.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
+    return runProgram(QStringLiteral(VISTREL_CLI), QStringList{"match"} + arguments);
 }
 
 } // namespace
@@ -70,7 +59,7 @@ void MatchCommandTest::addVideo(const QString& below) const
 
 void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
 {
-    const Run run = match({path("videos"), path("logs"), "--quick", "--json"});
+    const ProgramRun run = match({path("videos"), path("logs"), "--quick", "--json"});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.error, QByteArray());
     const QJsonArray rows = QJsonDocument::fromJson(run.out).array();
@@ -91,7 +80,7 @@ void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
 void MatchCommandTest::theTableHasOneRowPerVideo()
 {
     addVideo("videos/b\tc.mov");
-    const Run run = match({path("videos"), path("logs")});
+    const ProgramRun run = match({path("videos"), path("logs")});
     QCOMPARE(run.status, 0);
     const QList<QByteArray> lines = run.out.split('\n');
     QCOMPARE(lines.size(), 4); // the last one is what follows the last line feed
@@ -107,7 +96,7 @@ void MatchCommandTest::aCardIsSearchedInItsLayout()
     QVERIFY(match({path("videos"), path("logs"), "--card", "--quick", "--json"})
                 .out.startsWith("[\n]"));
     addVideo("videos/DCIM/100HDDVR/x.mp4");
-    const Run run = match({path("videos"), path("logs"), "--card", "--quick"});
+    const ProgramRun run = match({path("videos"), path("logs"), "--card", "--quick"});
     QCOMPARE(run.status, 0);
     QVERIFY(run.out.contains("/DCIM/100HDDVR/x.mp4"));
     QVERIFY(!run.out.contains("Flug 1"));
@@ -115,7 +104,7 @@ void MatchCommandTest::aCardIsSearchedInItsLayout()
 
 void MatchCommandTest::nothingFoundIsAnEmptyResult()
 {
-    const Run run = match({path("logs"), path("videos"), "--json"});
+    const ProgramRun run = match({path("logs"), path("videos"), "--json"});
     QCOMPARE(run.status, 0);
     QVERIFY(QJsonDocument::fromJson(run.out).isArray());
     QVERIFY(QJsonDocument::fromJson(run.out).array().isEmpty());
@@ -133,7 +122,7 @@ void MatchCommandTest::wrongUseIsTold_data()
 void MatchCommandTest::wrongUseIsTold()
 {
     QFETCH(QStringList, arguments);
-    const Run run = match(arguments);
+    const ProgramRun run = match(arguments);
     QCOMPARE(run.status, 2);
     QVERIFY(run.error.contains("match VIDEO_DIR LOG_DIR [--card] [--quick] [--json]"));
     QCOMPARE(run.out, QByteArray());
@@ -141,7 +130,7 @@ void MatchCommandTest::wrongUseIsTold()
 
 void MatchCommandTest::aMissingFolderIsTold()
 {
-    const Run run = match({path("videos"), path("nowhere")});
+    const ProgramRun run = match({path("videos"), path("nowhere")});
     QCOMPARE(run.status, 1);
     QCOMPARE(run.error.count('\n'), 1);
     QVERIFY(run.error.contains("nowhere"));

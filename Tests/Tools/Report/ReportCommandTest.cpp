@@ -1,9 +1,9 @@
 #include "SampleFlight/SampleFlight.h"
 #include "Support/FullDisk.h"
+#include "Support/ProgramRun.h"
 #include "Support/WordPackage.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -27,16 +27,13 @@ class ReportCommandTest : public QObject
 
     int run(const QStringList& arguments)
     {
-        QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             environment.remove(name);
-        process.setProcessEnvironment(environment);
-        process.start(VISTREL_CLI, QStringList("report") + arguments);
-        if (!process.waitForFinished(60000))
-            return -1;
-        m_error = process.readAllStandardError();
-        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        const ProgramRun run =
+            runProgram(VISTREL_CLI, QStringList("report") + arguments, environment);
+        m_error = run.error;
+        return run.status;
     }
 
     void checkReport(const QString& file)

@@ -2,6 +2,7 @@
 
 #include "Log/LogDecoder.h"
 #include "SampleFlight/frameStrip.h"
+#include "Support/ProgramRun.h"
 #include "Video/ThermalOverlay.h"
 
 #include <QDir>
@@ -9,13 +10,13 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
 
 using namespace corv;
+using namespace corv::test;
 
 Q_DECLARE_METATYPE(corv::SampleFlightOptions)
 
@@ -404,13 +405,10 @@ void SampleFlightTest::program()
     QFETCH(QStringList, arguments);
     QTemporaryDir folder;
     arguments.replaceInStrings(QRegularExpression(QStringLiteral("^OUT")), folder.path());
-    QProcess program;
-    program.start(QStringLiteral(SAMPLE_FLIGHT_PROGRAM), arguments);
-    QVERIFY(program.waitForFinished());
-    QTEST(program.exitCode(), "status");
-    const QByteArray complaint = program.readAllStandardError();
-    QCOMPARE(complaint.isEmpty(), program.exitCode() == 0);
-    QCOMPARE(complaint.count('\n'), program.exitCode() == 0 ? 0 : 1);
+    const ProgramRun run = runProgram(QStringLiteral(SAMPLE_FLIGHT_PROGRAM), arguments);
+    QTEST(run.status, "status");
+    QCOMPARE(run.error.isEmpty(), run.status == 0);
+    QCOMPARE(run.error.count('\n'), run.status == 0 ? 0 : 1);
     const bool wroteLog = QTest::currentDataTag() == QByteArray("a log");
     QCOMPARE(QFileInfo::exists(QDir(folder.path()).filePath(SampleFlight::logFile())), wroteLog);
 }
