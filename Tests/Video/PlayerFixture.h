@@ -24,12 +24,12 @@ protected:
 
     QString path(const QString& name) const { return m_folder->filePath(name); }
 
-    /// An empty file under the name, so that it exists, and its content in memory.
+    /// A file that holds "source", so that it exists, and its pictures in memory.
     std::shared_ptr<FakeFile> addFile(const QString& name, int frames = 30, double fps = 100.0)
     {
         QFile file(path(name));
-        if (!file.open(QIODevice::WriteOnly))
-            return nullptr;
+        if (!file.open(QIODevice::WriteOnly) || file.write("source") != 6)
+            qFatal("cannot write a source");
         auto fake = m_files->add(path(name));
         fake->frames = frames;
         fake->fps = fps;

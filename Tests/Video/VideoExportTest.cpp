@@ -1,19 +1,13 @@
-#include "FakeFrameSource.h"
-#include "PlayerBench.h"
+#include "ExportFixture.h"
 #include "SampleFlight/frameStrip.h"
 #include "Support/FullDisk.h"
 #include "Support/LogBuilder.h"
 #include "Support/MessageLog.h"
 #include "Threads/pool.h"
 
-#include <QClipboard>
 #include <QDir>
-#include <QFile>
-#include <QGuiApplication>
 #include <QPair>
 #include <QSemaphore>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QThreadPool>
 #include <filesystem>
 
@@ -73,26 +67,26 @@ bool isCold(const cv::Vec3b& bgr)
     return bgr[0] > 100 && bgr[2] < 30;
 }
 
+QList<int> countedFrom(int first, int count)
+{
+    QList<int> numbers;
+    for (int i = 0; i < count; ++i)
+        numbers << first + i;
+    return numbers;
+}
+
 constexpr int overlayX = 170;
 constexpr int overlayY = 113;
 
 } // namespace
 
-class VideoExportTest : public QObject
+/// Whole videos: what is in them, what ends them early, and what they may not overwrite.
+class VideoExportTest : public QObject, private ExportFixture
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void aFrameIsSavedUnderAFreeName();
-    void aFrameOverwritesIfAsked();
-    void framesThatAreNotSavedAreToldOf();
-    void aFrameThatCannotBeSavedDestroysNothing();
-    void aFrameOnTheClipboard();
-    void aSeriesOfGivenTimes();
-    void aSeriesAtASpacing_data();
-    void aSeriesAtASpacing();
-    void aSeriesThatIsRefused();
+    void init() { begin(); }
     void theWholeVideo();
     void aVideoThatFillsTheDiskIsToldOf();
     void effectsAreInTheVideo();
@@ -110,46 +104,11 @@ private slots:
     void leavingInTheMiddle();
 
 private:
-    QString path(const QString& name) const { return m_folder->filePath(name); }
-    std::shared_ptr<FakeFile> addFile(const QString& name, int frames = 30, int firstNumber = 0);
-    void open(const QString& name);
     QList<int> numbersInVideo(const QString& file);
     void openTwoFilesWithALog();
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<FakeFiles> m_files;
     std::unique_ptr<LogParser> m_parser;
-    std::unique_ptr<VideoPlayer> m_player;
-    RecordingSurface m_surface;
 };
-
-void VideoExportTest::init()
-{
-    m_player.reset();
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_files = std::make_unique<FakeFiles>();
-}
-
-std::shared_ptr<FakeFile> VideoExportTest::addFile(const QString& name, int frames, int firstNumber)
-{
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write("source") != 6)
-        return nullptr;
-    auto fake = m_files->add(path(name));
-    fake->frames = frames;
-    fake->fps = 25.0;
-    fake->firstNumber = firstNumber;
-    return fake;
-}
-
-void VideoExportTest::open(const QString& name)
-{
-    m_player = std::make_unique<VideoPlayer>(m_files->factory());
-    m_surface.numbers.clear();
-    m_player->setVideoSurface(&m_surface);
-    m_player->setSource(path(name));
-    QTRY_VERIFY(m_surface.lastNumber() >= 0);
-}
 
 QList<int> VideoExportTest::numbersInVideo(const QString& file)
 {
@@ -159,161 +118,6 @@ QList<int> VideoExportTest::numbersInVideo(const QString& file)
     while (source && source->read(frame))
         numbers << readFrameNumber(frame);
     return numbers;
-}
-
-static QList<int> countedFrom(int first, int count)
-{
-    QList<int> numbers;
-    for (int i = 0; i < count; ++i)
-        numbers << first + i;
-    return numbers;
-}
-
-void VideoExportTest::aFrameIsSavedUnderAFreeName()
-{
-    addFile("a.mp4");
-    open("a.mp4");
-    MessageLog log;
-    const QStringList names{"shot.png", "shot(1).png", "shot(2).png"};
-    for (int i = 0; i < names.size(); ++i) {
-        QVERIFY(m_player->saveFrame(timeAt(i * 400), path("shot.png"), false));
-        QTRY_COMPARE(numberIn(QImage(path(names.at(i)))), i * 10);
-    }
-    QVERIFY(log.contains(QStringLiteral("File \"%1\"  exists; constructing different name...")
-                             .arg(path("shot(1).png"))));
-    QVERIFY(log.contains(QStringLiteral("Saving frame at QTime(\"00:00:00.400\") ms in file \"%1\"")
-                             .arg(path("shot(1).png"))));
-    QVERIFY(m_player->saveFrame(timeAt(0), path("seven(7).png"), false));
-    QTRY_VERIFY(QFile::exists(path("seven(7).png")));
-    QVERIFY(m_player->saveFrame(timeAt(0), path("seven(7).png"), false));
-    QTRY_VERIFY(QFile::exists(path("seven(8).png")));
-}
-
-void VideoExportTest::aFrameOverwritesIfAsked()
-{
-    addFile("a.mp4");
-    open("a.mp4");
-    QFile old(path("shot.png"));
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    old.write("old");
-    old.close();
-    QVERIFY(m_player->saveFrame(timeAt(200), path("shot.png"), true));
-    QTRY_COMPARE(numberIn(QImage(path("shot.png"))), 5);
-    QCOMPARE(QDir(m_folder->path()).entryList({"*.png"}), QStringList{"shot.png"});
-}
-
-void VideoExportTest::framesThatAreNotSavedAreToldOf()
-{
-    addFile("a.mp4");
-    open("a.mp4");
-    MessageLog log;
-    QVERIFY(!m_player->saveFrame(timeAt(0), QString(), false));
-    QVERIFY(log.contains("Empty path"));
-    QVERIFY(m_player->saveFrame(timeAt(5000), path("late.png"), false));
-    QTRY_VERIFY(log.contains("Failed to extract frame"));
-    QVERIFY(m_player->saveFrame(timeAt(0), path("nowhere/shot.png"), false));
-    QTRY_VERIFY(log.contains("Failed to save frame to file"));
-    log.clear();
-    QVERIFY(m_player->saveFrame(timeAt(0), path("shot.unknown"), false));
-    QTRY_VERIFY(log.contains("Failed to save frame to file"));
-    m_player->close();
-    QVERIFY(!m_player->saveFrame(timeAt(0), path("closed.png"), false));
-}
-
-void VideoExportTest::aFrameThatCannotBeSavedDestroysNothing()
-{
-    addFile("a.mp4");
-    open("a.mp4");
-    QFile notes(path("notes.txt"));
-    QVERIFY(notes.open(QIODevice::ReadWrite) && notes.write("earlier") && notes.flush());
-    MessageLog log;
-    QVERIFY(m_player->saveFrame(timeAt(0), path("notes.txt"), true));
-    QTRY_VERIFY(log.contains("Failed to save frame to file"));
-    QVERIFY(notes.seek(0));
-    QCOMPARE(notes.readAll(), QByteArray("earlier"));
-
-    log.clear();
-    {
-        const FullDisk disk(100);
-        QVERIFY(m_player->saveFrame(timeAt(0), path("lost.jpg"), false));
-        QTRY_VERIFY(log.contains("Failed to save frame to file"));
-    }
-    QVERIFY(!QFile::exists(path("lost.jpg")));
-
-    QVERIFY(QFile::link(path("a.mp4"), path("link.png")));
-    const qint64 videoBytes = QFileInfo(path("a.mp4")).size();
-    for (const char* name : {"a.mp4", "link.png"})
-        QVERIFY(!m_player->saveFrame(timeAt(0), path(QString::fromLatin1(name)), true));
-    QCOMPARE(log.count("Refused to save a frame over a file of the flight:"), 2);
-    QCOMPARE(QFileInfo(path("a.mp4")).size(), videoBytes);
-}
-
-void VideoExportTest::aFrameOnTheClipboard()
-{
-    addFile("a.mp4");
-    open("a.mp4");
-    QGuiApplication::clipboard()->clear();
-    m_player->copyFrameToClipboard(timeAt(480));
-    QTRY_COMPARE(numberIn(QGuiApplication::clipboard()->image()), 12);
-    MessageLog log;
-    m_player->copyFrameToClipboard(timeAt(5000));
-    QTRY_VERIFY(log.contains("Failed to extract frame"));
-    QCOMPARE(numberIn(QGuiApplication::clipboard()->image()), 12);
-}
-
-void VideoExportTest::aSeriesOfGivenTimes()
-{
-    addFile("a.mp4");
-    open("a.mp4");
-    QVERIFY(QDir().mkpath(path("out")));
-    QVERIFY(m_player->exportSpecificFrames({800, 0, 400}, path("out"), "Mark"));
-    QTRY_COMPARE(QDir(path("out")).entryList(QDir::Files).size(), 3);
-    QTRY_COMPARE(numberIn(QImage(path("out/Mark002.jpg"))), 10);
-    QCOMPARE(numberIn(QImage(path("out/Mark000.jpg"))), 20);
-    QCOMPARE(numberIn(QImage(path("out/Mark001.jpg"))), 0);
-}
-
-void VideoExportTest::aSeriesAtASpacing_data()
-{
-    QTest::addColumn<int>("startMs");
-    QTest::addColumn<int>("stopMs");
-    QTest::addColumn<int>("spacing");
-    QTest::addColumn<QList<int>>("numbers");
-    QTest::newRow("one") << 400 << 400 << 10 << QList<int>{10};
-    QTest::newRow("every tenth") << 0 << 1000 << 10 << QList<int>{0, 10, 20};
-    QTest::newRow("every one") << 1000 << 1120 << 1 << QList<int>{25, 26, 27, 28};
-    QTest::newRow("beyond an int") << 0 << 100 << 2000000000 << QList<int>{0};
-    QTest::newRow("stop before start") << 400 << 0 << 10 << QList<int>{};
-}
-
-void VideoExportTest::aSeriesAtASpacing()
-{
-    QFETCH(int, startMs);
-    QFETCH(int, stopMs);
-    QFETCH(int, spacing);
-    QFETCH(QList<int>, numbers);
-    addFile("a.mp4");
-    open("a.mp4");
-    QVERIFY(QDir().mkpath(path("out")));
-    QVERIFY(m_player->exportFrames(startMs, stopMs, spacing, path("out"), "Frame"));
-    StillFrame after(*m_player, timeAt(0));
-    QTRY_VERIFY(after.came());
-    QCOMPARE(QDir(path("out")).entryList(QDir::Files).size(), numbers.size());
-    for (int i = 0; i < numbers.size(); ++i)
-        QCOMPARE(numberIn(QImage(path(QStringLiteral("out/Frame00%1.jpg").arg(i)))), numbers.at(i));
-}
-
-void VideoExportTest::aSeriesThatIsRefused()
-{
-    addFile("a.mp4");
-    open("a.mp4");
-    MessageLog log;
-    QVERIFY(!m_player->exportFrames(0, 1000, 10, path("no/parent/out"), "Frame"));
-    QVERIFY(
-        log.contains(QStringLiteral("Folder doesn't exist: \"%1\"").arg(path("no/parent/out"))));
-    for (int spacing : {0, -1, std::numeric_limits<int>::min()})
-        QVERIFY(!m_player->exportFrames(0, 1000, spacing, path("out"), "Frame"));
-    QCOMPARE(log.count("No way forward with a spacing of"), 3);
 }
 
 void VideoExportTest::theWholeVideo()
