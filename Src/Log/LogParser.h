@@ -82,11 +82,15 @@ public:
     std::shared_ptr<const FlightClock> clock() const { return m_clock; }
 
 signals:
+    /// Of another log when its decoding begins, so before it is known whether that can be read.
     void sourceChanged();
+    /// A log has been decoded, tied to the video if it can be, and is there to be read.
     void sourceDataParsed();
     void flightNamingChanged();
     void manualLogTimeOffsetChanged(int offset);
+    /// As `LogDecoder::Progress` tells it.
     void logParsingProgress(int stage, int done, int total);
+    /// The last of a parse that was not overtaken; false when the log could not be read.
     void logParsingComplete(bool result);
     void isParsingChanged(bool isParsing);
 

@@ -31,8 +31,7 @@ struct PacketFraming
 ///     void wrongId()
 ///     void begins(id)                a packet with a known id
 ///     void wrongSize(id)
-///     bool payload(id, bytes, size)  a whole payload, or at the end of the file what is left of
-///     it;
+///     bool payload(id, bytes, size)  a whole payload, or what the end of the file leaves of it;
 ///                                    false stops the scan
 ///     void checksum(id, good)
 ///     void incomplete(id)            the file ended inside the packet

@@ -73,6 +73,7 @@ public:
     /// its row needs has no value.
     Q_INVOKABLE void updateLogData();
 
+    /// Paints the panel anew, as when the user's correction has changed.
     Q_INVOKABLE void refresh();
 
     void paint(QPainter* painter) override;

@@ -151,7 +151,7 @@ public:
                                           QString fileNamePreffix);
 
     /// The same for every `frameSpacingMs`-th frame (a number of frames, in spite of its name) from
-    /// start to stop. False if the spacing is below 1 as well.
+    /// start to stop. False as well if the spacing is below 1 or no video has opened yet.
     Q_INVOKABLE bool exportFrames(int startPositionMs, int stopPositionMs, int frameSpacingMs,
                                   QString folder, QString fileNamePreffix);
 
@@ -173,10 +173,12 @@ signals:
     void durationChanged(QTime duration);
     void playingChanged();
     void showIRChanged();
+    /// One of the flight's files does not open; the others make up the timeline.
     void sourceOpenError(QString file);
     void irDataChanged();
     void isBusyChanged();
     void videoExportProgress(int exportedFrames, int totalFrames);
+    /// Whether the video was begun and playback could be put back in its place.
     void videoExportComplete(bool result);
 
 private slots:
