@@ -1,39 +1,14 @@
 #include "Discovery/PersistentData.h"
 #include "Support/MessageLog.h"
+#include "Support/PlainUser.h"
 #include "searchSetup.h"
 
 #include <QDir>
 #include <QFile>
 #include <QtTest>
-#include <unistd.h>
 
 using namespace corv;
 using namespace corv::test;
-
-namespace {
-
-// Reads folders as somebody who has to ask, also where the tests run as root.
-class Unprivileged
-{
-public:
-    Unprivileged() : m_before(::geteuid())
-    {
-        if (m_before == 0 && ::seteuid(65'534) != 0)
-            qFatal("cannot give up privileges");
-    }
-    ~Unprivileged()
-    {
-        if (m_before == 0 && ::seteuid(0) != 0)
-            qFatal("cannot take privileges back");
-    }
-    Unprivileged(const Unprivileged&) = delete;
-    Unprivileged& operator=(const Unprivileged&) = delete;
-
-private:
-    uid_t m_before;
-};
-
-} // namespace
 
 /// What a search of folders and drives finds, and what the drives are.
 class DirectoryParserTest : public QObject
@@ -194,14 +169,14 @@ void DirectoryParserTest::unreadableFoldersCountAsEmpty()
     QVERIFY(QFile::setPermissions(s.path("logs"), open));
     QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
     {
-        const Unprivileged visitor;
+        const PlainUser visitor;
         s.searchFolders(true);
         QVERIFY(complete.wait());
     }
     QCOMPARE(rowsOf(complete).size(), 1);
     QVERIFY(QFile::setPermissions(s.path("videos"), {}));
     {
-        const Unprivileged visitor;
+        const PlainUser visitor;
         s.searchFolders(true);
         QVERIFY(complete.wait());
     }

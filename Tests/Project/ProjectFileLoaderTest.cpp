@@ -1,116 +1,29 @@
-#include "Project/ProjectFileLoader.h"
-
-#include "Support/FullDisk.h"
 #include "Support/MessageLog.h"
+#include "Support/PlainUser.h"
+#include "projectFixture.h"
 
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QTemporaryDir>
-#include <QtTest>
-#include <chrono>
-#include <csignal>
-#include <random>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 
-using corv::ProjectFileLoader;
-using corv::test::FullDisk;
-using corv::test::MessageLog;
+using namespace corv;
+using namespace corv::test;
 
 namespace {
-
-QVariantMap mark(int timeMs, const QString& name, const QString& comment = {})
-{
-    return {{"time", timeMs}, {"name", name}, {"comment", comment}};
-}
-
-QVariantMap flightProperties(const QVariantList& marks = {})
-{
-    const QVariantMap display{{"brightness", 0.25}, {"contrast", 1.5}};
-    const QVariantMap designation{{"flight_name", QString::fromUtf8("Été «7»")},
-                                  {"flight_number", 7}};
-    return {{"properties", QVariantMap{{"display", display}, {"designation", designation}}},
-            {"poi", marks}};
-}
-
-QVariantList marksNamed(const QString& name, int count)
-{
-    QVariantList marks;
-    for (int i = 0; i < count; ++i)
-        marks.append(mark(i * 40, name));
-    return marks;
-}
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QJsonObject savedFlight(const QString& path)
-{
-    const QJsonObject root = QJsonDocument::fromJson(readFile(path)).object();
-    return root["contents"].toObject()["flights"].toArray().at(0).toObject();
-}
 
 QByteArray project(const QByteArray& flight)
 {
     return "{\"format_ver\":\"1.0\",\"contents\":{\"flights\":[" + flight + "]}}";
 }
 
-/// Gives up the rights of the administrator, who may write anywhere, while it lives.
-class PlainUser
-{
-public:
-    PlainUser() : m_before(geteuid())
-    {
-        if (m_before == 0)
-            m_changed = seteuid(65534) == 0;
-    }
-    ~PlainUser()
-    {
-        if (m_changed && seteuid(m_before) != 0)
-            qFatal("cannot take the rights back");
-    }
-
-private:
-    uid_t m_before;
-    bool m_changed = false;
-};
-
 } // namespace
 
-class ProjectFileLoaderTest : public QObject
+/// What a project holds: it comes back as it was saved, and whatever else stands in one is
+/// survived.
+class ProjectFileLoaderTest : public QObject, private ProjectFixture
 {
     Q_OBJECT
 
-private:
-    QScopedPointer<QTemporaryDir> m_folder;
-    ProjectFileLoader m_loader;
-
-    QString path(const QString& name) const { return m_folder->filePath(name); }
-
 private slots:
-    void init()
-    {
-        m_folder.reset(new QTemporaryDir);
-        QVERIFY(m_folder->isValid());
-        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7755)));
-    }
+    void init() { makeFolder(); }
 
     void writesTheStatedDocument()
     {
@@ -409,227 +322,6 @@ private slots:
         QCOMPARE(marks.size(), ProjectFileLoader::mostMarks);
         QCOMPARE(marks.first().toMap()["time"].toInt(), 0);
         QVERIFY(log.contains("Too many POIs in file, kept 100000 of 1000000"));
-    }
-
-    void replacesAnExistingProjectAsAWhole()
-    {
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("A", 500)));
-        QVERIFY(QFile::setPermissions(path("p.ecor"), QFile::ReadOwner | QFile::WriteOwner));
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("B", 2)));
-        QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 2);
-        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
-                 QStringList({"p.ecor"}));
-        QCOMPARE(QFile::permissions(path("p.ecor")) & QFile::ReadOther, QFile::Permissions());
-    }
-
-    void aLinkStaysALink()
-    {
-        QVERIFY(QDir().mkpath(path("real")));
-        writeFile(path("real/p.ecor"), "old");
-        QVERIFY(QFile::link(path("real/p.ecor"), path("p.ecor")));
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({mark(1, "A")}));
-        QVERIFY(QFileInfo(path("p.ecor")).isSymLink());
-        QCOMPARE(savedFlight(path("real/p.ecor"))["poi"].toArray().size(), 1);
-    }
-
-    void onAFullDiskTheEarlierProjectIsWhole_data()
-    {
-        QTest::addColumn<int>("marks");
-        QTest::addColumn<int>("room");
-        QTest::newRow("less than a buffer") << 5 << 100;
-        QTest::newRow("no room at all") << 5 << 0;
-        QTest::newRow("the last buffer") << 200 << 16384;
-        QTest::newRow("many marks") << 5000 << 8192;
-    }
-
-    void onAFullDiskTheEarlierProjectIsWhole()
-    {
-        QFETCH(int, marks);
-        QFETCH(int, room);
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("A", 50)));
-        const QByteArray before = readFile(path("p.ecor"));
-        MessageLog log;
-        {
-            const FullDisk disk(static_cast<rlim_t>(room));
-            m_loader.saveProject("/l", "/v", path("p.ecor"),
-                                 flightProperties(marksNamed("B", marks)));
-        }
-        QCOMPARE(readFile(path("p.ecor")), before);
-        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
-                 QStringList({"p.ecor"}));
-        QCOMPARE(log.messages(QtInfoMsg).filter("Unable to save file").size(), 1);
-    }
-
-    void tellsWhatCannotBeWritten()
-    {
-        MessageLog log;
-        m_loader.saveProject("/l", "/v", path("none/p.ecor"), {});
-        QCOMPARE(log.messages(QtInfoMsg).last(),
-                 QString("Unable to save file \"No such file or directory\""));
-    }
-
-    void writesDirectlyWhereTheFolderForbidsASecondFile()
-    {
-        writeFile(path("p.ecor"), "old");
-        QVERIFY(QFile::setPermissions(path("p.ecor"), QFile::Permissions(0x6666)));
-        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x5555)));
-        {
-            const PlainUser user;
-            m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({mark(1, "A")}));
-        }
-        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7755)));
-        QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 1);
-    }
-
-    void killedAtAnyMomentTheEarlierOrTheNewProjectIsThere()
-    {
-        QElapsedTimer timer;
-        timer.start();
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("0", 300)));
-        const auto fewSavesUs = static_cast<unsigned long>(timer.nsecsElapsed() / 1000 * 3 + 2000);
-        std::mt19937 random(20180521);
-        QSet<QString> survivors;
-        for (int round = 0; round < 200; ++round) {
-            const pid_t child = fork();
-            QVERIFY(child >= 0);
-            if (child == 0) {
-                qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-                for (int version = 1;; ++version) {
-                    const QString name = QString::number(version);
-                    m_loader.saveProject("/l", "/v", path("p.ecor"),
-                                         flightProperties(marksNamed(name, 300)));
-                }
-            }
-            // The random moment is what is tested, so this is no wait for a condition.
-            std::this_thread::sleep_for(std::chrono::microseconds(random() % fewSavesUs));
-            kill(child, SIGKILL);
-            QCOMPARE(waitpid(child, nullptr, 0), child);
-
-            const QVariantList marks = m_loader.loadProject(path("p.ecor"))["poi"].toList();
-            QCOMPARE(marks.size(), 300);
-            const QString name = marks.first().toMap()["name"].toString();
-            for (const QVariant& poi : marks)
-                QCOMPARE(poi.toMap()["name"].toString(), name);
-            survivors.insert(name);
-        }
-        QVERIFY2(survivors.size() > 1, "no child ever saved: nothing was tested");
-    }
-
-    void copiesFitOnlyBelowTheFreeSpace_data()
-    {
-        QTest::addColumn<qint64>("freeBytes");
-        QTest::addColumn<bool>("fits");
-        QTest::newRow("one byte more") << qint64(31) << true;
-        QTest::newRow("exactly equal") << qint64(30) << false;
-        QTest::newRow("less") << qint64(29) << false;
-        QTest::newRow("none") << qint64(0) << false;
-        QTest::newRow("unknown") << qint64(-1) << true;
-    }
-
-    void copiesFitOnlyBelowTheFreeSpace()
-    {
-        QFETCH(qint64, freeBytes);
-        QFETCH(bool, fits);
-        QCOMPARE(corv::sourceFilesFit(10, 20, freeBytes), fits);
-    }
-
-    void asksTheVolumeOfTheProject()
-    {
-        writeFile(path("v.log"), "12345");
-        writeFile(path("v.mp4"), "1234567");
-        MessageLog log;
-        QVERIFY(m_loader.canSourceFilesBeCopied(path("v.log"), path("v.mp4"), path("p.ecor")));
-        QVERIFY(log.contains("File size (log): 5 bytes"));
-        QVERIFY(log.contains("File size (video): 7 bytes"));
-        QCOMPARE(log.messages(QtInfoMsg)
-                     .filter(QRegularExpression("^Remaining space on drive \".*\" : [0-9]+ bytes$"))
-                     .size(),
-                 1);
-        QVERIFY(log.contains("Copy possible, enough space free or free space can't be determined "
-                             "but sufficient space is expected"));
-    }
-
-    void refusesWhatTheVolumeCannotHold()
-    {
-        QFile huge(path("v.mp4"));
-        QVERIFY(huge.open(QIODevice::WriteOnly));
-        QVERIFY(huge.resize(qint64(1) << 43));
-        MessageLog log;
-        QVERIFY(!m_loader.canSourceFilesBeCopied(path("v.log"), path("v.mp4"), path("p.ecor")));
-        QVERIFY(log.contains("Not enough space to copy files"));
-    }
-
-    void copiesTheMediaBesideTheProject()
-    {
-        writeFile(path("in/f.1.log"), "log");
-        writeFile(path("in/f.1.MP4"), "video");
-        MessageLog log;
-        QVERIFY(m_loader.copySourceFilesAndSaveProject(path("in/f.1.log"), path("in/f.1.MP4"),
-                                                       path("out.v2.ecor"), flightProperties()));
-        QCOMPARE(readFile(path("out.v2_log.log")), QByteArray("log"));
-        QCOMPARE(readFile(path("out.v2_video.MP4")), QByteArray("video"));
-        QCOMPARE(savedFlight(path("out.v2.ecor"))["files"].toObject(),
-                 QJsonObject({{"video", "out.v2_video.MP4"}, {"log", "out.v2_log.log"}}));
-        const QStringList infos = log.messages(QtInfoMsg).mid(0, 4);
-        QCOMPARE(infos,
-                 QStringList(
-                     {"Copy \"" + path("in/f.1.log") + "\" to \"" + path("out.v2_log.log") + '"',
-                      "Logs copy completed",
-                      "Copy \"" + path("in/f.1.MP4") + "\" to \"" + path("out.v2_video.MP4") + '"',
-                      "Video copy completed"}));
-    }
-
-    void copiedTwiceUnderOneNameTheProjectRefersToTheOriginals()
-    {
-        writeFile(path("in/v.log"), "log");
-        writeFile(path("in/v.mp4"), "video");
-        const auto copy = [this] {
-            return m_loader.copySourceFilesAndSaveProject(path("in/v.log"), path("in/v.mp4"),
-                                                          path("p.ecor"), flightProperties());
-        };
-        QVERIFY(copy());
-        MessageLog log;
-        QVERIFY(!copy());
-        QVERIFY(log.contains("Logs copy failed"));
-        QVERIFY(log.contains("Video copy failed"));
-        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(),
-                 QJsonObject({{"video", "in/v.mp4"}, {"log", "in/v.log"}}));
-    }
-
-    void aCopyThatFindsNoRoomIsNoCopy_data()
-    {
-        QTest::addColumn<int>("videoBytes");
-        QTest::newRow("less than a buffer") << 9'000;
-        QTest::newRow("the last buffer") << 20'000;
-        QTest::newRow("large") << 3'000'000;
-    }
-
-    void aCopyThatFindsNoRoomIsNoCopy()
-    {
-        QFETCH(int, videoBytes);
-        writeFile(path("in/v.log"), "log");
-        writeFile(path("in/v.mp4"), QByteArray(videoBytes, 'v'));
-        MessageLog log;
-        {
-            const FullDisk disk(static_cast<rlim_t>(videoBytes - 500));
-            QVERIFY(!m_loader.copySourceFilesAndSaveProject(path("in/v.log"), path("in/v.mp4"),
-                                                            path("p.ecor"), flightProperties()));
-        }
-        QVERIFY(log.contains("Video copy failed"));
-        QVERIFY(!QFile::exists(path("p_video.mp4")));
-        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(),
-                 QJsonObject({{"video", "in/v.mp4"}, {"log", "p_log.log"}}));
-        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
-                 QStringList({"p.ecor", "p_log.log"}));
-    }
-
-    void theVideoIsCopiedAlsoIfTheLogCannotBe()
-    {
-        writeFile(path("in/v.mp4"), "video");
-        QVERIFY(!m_loader.copySourceFilesAndSaveProject(path("in/none.log"), path("in/v.mp4"),
-                                                        path("p.ecor"), {}));
-        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(),
-                 QJsonObject({{"video", "p_video.mp4"}, {"log", "in/none.log"}}));
     }
 };
 
