@@ -329,14 +329,8 @@ private:
         PacketCounter counter(m_decoder.m_abortFlag);
         const bool whole = PacketScan<PacketCounter>(&window, m_framing, &counter).run();
         m_decoder.m_counters = counter.counters();
-        if (window.hasFailed()) {
-            logUnreadable();
+        if (!hasEnded(window, whole))
             return false;
-        }
-        if (!whole) {
-            logAborted();
-            return false;
-        }
         bool fits = true;
         forEachReachable(log, m_described, [&](LogGroup& group, const DescribedGroup&) {
             const qint64 packets = counter.packets(static_cast<unsigned>(group.getId()));
@@ -346,6 +340,16 @@ private:
         if (!fits)
             qWarning() << "ERROR: log with more packets of one kind than can be numbered";
         return fits;
+    }
+
+    // Whether a scan saw the last packet; why not stands in the diagnostics.
+    static bool hasEnded(const FileWindow& window, bool scannedWhole)
+    {
+        if (window.hasFailed())
+            logUnreadable();
+        else if (!scannedWhole)
+            logAborted();
+        return scannedWhole && !window.hasFailed();
     }
 
     bool summarise()
@@ -369,14 +373,8 @@ private:
                              store.addGroup(&group, element);
                          });
         const bool whole = PacketScan<PacketStore>(&window, m_framing, &store).run();
-        if (window.hasFailed()) {
-            logUnreadable();
+        if (!hasEnded(window, whole))
             return false;
-        }
-        if (!whole) {
-            logAborted();
-            return false;
-        }
         store.finish();
         qInfo() << "Done.";
         logElapsed(m_timer);
