@@ -9,6 +9,30 @@ void DialogSuite::addRowsOfCancelling()
     QTest::newRow("Escape") << true;
 }
 
+void DialogSuite::accept(bool byKey, const QString& button, Qt::KeyboardModifiers modifiers)
+{
+    if (byKey)
+        m_host->press(Qt::Key_Return, modifiers);
+    else
+        m_host->click(button);
+    verifyClosed(true);
+}
+
+void DialogSuite::cancel(bool byKey, const QString& button)
+{
+    if (byKey)
+        m_host->press(Qt::Key_Escape);
+    else
+        m_host->click(button);
+    verifyClosed(false);
+}
+
+void DialogSuite::verifyClosed(bool agreed)
+{
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    QCOMPARE(m_host->get("ok").toBool(), agreed);
+}
+
 void DialogSuite::verifyTabOrder(QStringList fields)
 {
     m_host->click(fields.takeFirst());
@@ -100,8 +124,7 @@ void DialogSuite::closingByTheFrameIsCancelling()
     QFETCH(QString, file);
     QVERIFY(m_host->open(file));
     m_host->window()->close();
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
+    verifyClosed(false);
 }
 
 } // namespace corv::test

@@ -35,6 +35,14 @@ protected:
     /// The rows of a window that is left by its button or by a key: `byKey`.
     static void addRowsOfCancelling();
 
+    /// Leaves the window at hand by Return, or by its button: it is gone, and says whether the user
+    /// agreed.
+    void accept(bool byKey, const QString& button,
+                Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+    /// The same by Escape, or by its other button.
+    void cancel(bool byKey, const QString& button);
+
     /// The Tab key leads from the first of these fields of the window at hand to the last.
     void verifyTabOrder(QStringList fields);
 
@@ -53,6 +61,7 @@ private slots:
 
 private:
     void addRowsOfWindows() const;
+    void verifyClosed(bool agreed);
 
     QList<WindowLook> m_windows;
 };

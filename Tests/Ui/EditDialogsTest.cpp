@@ -94,12 +94,7 @@ void EditDialogsTest::restoreChoice()
     QCOMPARE(m_host->part("cancelButton")->property("caption").toString(), QString("Cancel"));
     if (!choice.isEmpty())
         m_host->click(choice);
-    if (byKey)
-        m_host->press(Qt::Key_Return);
-    else
-        m_host->click("okButton");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
+    accept(byKey, "okButton");
     QTEST(m_host->get("eraseAll").toBool(), "eraseAll");
 }
 
@@ -113,12 +108,7 @@ void EditDialogsTest::restoreCancelled()
     QFETCH(bool, byKey);
     QVERIFY(m_host->open("RestoreLog.qml"));
     m_host->click("actionFillBlanks");
-    if (byKey)
-        m_host->press(Qt::Key_Escape);
-    else
-        m_host->click("cancelButton");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
+    cancel(byKey, "cancelButton");
     QVERIFY(m_host->get("eraseAll").toBool());
 }
 
@@ -149,12 +139,7 @@ void EditDialogsTest::poiIsEdited()
     m_host->press(Qt::Key_Tab);
     QCOMPARE(m_host->get("poiName").toString(), QString("POI1"));
     m_host->type("taDescription", description);
-    if (byKey)
-        m_host->press(Qt::Key_Return, Qt::ControlModifier);
-    else
-        m_host->click("btn_save");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
+    accept(byKey, "btn_save", Qt::ControlModifier);
     QCOMPARE(m_host->get("poiName").toString(), QString("Blade 2"));
     QCOMPARE(m_host->get("poiDescription").toString(), description);
     QCOMPARE(m_host->get("poiTime").toTime(), time);
@@ -194,12 +179,7 @@ void EditDialogsTest::poiCancelled()
     QFETCH(bool, byKey);
     QVERIFY(m_host->open("PoiProperties.qml"));
     m_host->type("tfName", "changed");
-    if (byKey)
-        m_host->press(Qt::Key_Escape);
-    else
-        m_host->click("btn_cancel");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
+    cancel(byKey, "btn_cancel");
     QCOMPARE(m_host->get("poiName").toString(), QString());
 }
 
@@ -233,12 +213,7 @@ void EditDialogsTest::flightNumber()
     m_host->type("tfFlightName", "North");
     m_host->type("tfFlightNumber", typed);
     const int before = m_host->ui().log().messages().size();
-    if (byKey)
-        m_host->press(Qt::Key_Return, Qt::ControlModifier);
-    else
-        m_host->click("btn_save");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
+    accept(byKey, "btn_save", Qt::ControlModifier);
     QCOMPARE(m_host->get("missionName").toString(), QString("Dam"));
     QCOMPARE(m_host->get("flightName").toString(), QString("North"));
     QTEST(m_host->get("flightNumber").toInt(), "number");
@@ -299,12 +274,7 @@ void EditDialogsTest::flightCancelled()
     QFETCH(bool, byKey);
     QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
     m_host->type("tfFlightName", "changed");
-    if (byKey)
-        m_host->press(Qt::Key_Escape);
-    else
-        m_host->click("btn_cancel");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
+    cancel(byKey, "btn_cancel");
     QCOMPARE(m_host->get("flightName").toString(), QString());
 }
 

@@ -105,12 +105,7 @@ void SettingsWindowsTest::settingsAreSaved()
     QVERIFY(m_host->show());
     if (!choice.isEmpty())
         m_host->click(choice);
-    if (byKey)
-        m_host->press(Qt::Key_Return);
-    else
-        m_host->click("okButton");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(m_host->get("ok").toBool());
+    accept(byKey, "okButton");
     QCOMPARE(m_host->get("imperialUnits").toBool(), imperial);
     QTRY_COMPARE(QSettings().value("userPreferences/imperialUnits").toBool(), imperial);
 }
@@ -127,12 +122,7 @@ void SettingsWindowsTest::settingsCancelled()
     QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
     QVERIFY(m_host->show());
     m_host->click("radioUnitImperial");
-    if (byKey)
-        m_host->press(Qt::Key_Escape);
-    else
-        m_host->click("cancelButton");
-    QTRY_VERIFY(!m_host->window()->isVisible());
-    QVERIFY(!m_host->get("ok").toBool());
+    cancel(byKey, "cancelButton");
     QVERIFY(!m_host->get("imperialUnits").toBool());
     // Settings are written when their owner goes, at the latest.
     m_host.reset();
