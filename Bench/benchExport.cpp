@@ -1,7 +1,7 @@
 // Taking frames and videos out of a flight, against the least that it could cost.
 
 #include "Bench.h"
-#include "PlayerHelpers.h"
+#include "Playback.h"
 #include "VideoInputs.h"
 
 #include "Log/LogParser.h"

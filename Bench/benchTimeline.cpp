@@ -1,5 +1,5 @@
 #include "Bench.h"
-#include "PlayerHelpers.h"
+#include "Playback.h"
 
 #include "Log/LogParser.h"
 #include "SampleFlight/FlightLogWriter.h"

@@ -1,7 +1,7 @@
 // The road of a frame from the decoder to the screen, against the decoder alone.
 
 #include "Bench.h"
-#include "PlayerHelpers.h"
+#include "Playback.h"
 #include "VideoInputs.h"
 
 #include "Threads/post.h"
