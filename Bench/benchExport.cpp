@@ -69,7 +69,7 @@ void wholeVideo(Report& report, const QString& name, QSize size, int seconds, in
 
 void withOverlay(Report& report)
 {
-    const QString file = cameraVideo(report, {1920, 1080}, 6, 30, 25);
+    const QString file = cameraVideo(report, {1920, 1080}, 10, 30, 25);
     const QTemporaryDir folder;
     const SampleFlight flight;
     const QString log = folder.filePath(SampleFlight::logFile());
@@ -90,7 +90,7 @@ void withOverlay(Report& report)
     const double ratio = ratioInTurn([&] { exportVideo(*plain, target); },
                                      [&] { exportVideo(*drawn, target); }, rounds);
     report.row(QStringLiteral("export: 1080p with overlay and contrast"), ratio, 0.85,
-               QStringLiteral("180 frames, to the same without"), false);
+               QStringLiteral("300 frames, to the same without"), false);
 }
 
 // 100 frames, every tenth, decoded in order and saved.
@@ -141,7 +141,7 @@ void series(Report& report)
 }
 
 const Benchmark exports("export", [](Report& report) {
-    wholeVideo(report, QStringLiteral("export: whole video 1080p"), {1920, 1080}, 6, 25, 0.8);
+    wholeVideo(report, QStringLiteral("export: whole video 1080p"), {1920, 1080}, 10, 25, 0.8);
     withOverlay(report);
     wholeVideo(report, QStringLiteral("export: whole video 4K"), {3840, 2160}, 3, 100, 0.55);
     series(report);
