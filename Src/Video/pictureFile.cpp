@@ -1,9 +1,9 @@
 #include "Video/pictureFile.h"
 
 #include <QBuffer>
-#include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QSaveFile>
 
 namespace corv {
 
@@ -16,14 +16,12 @@ bool savePictureFile(const QImage& picture, const QString& fileName)
     if (format.isEmpty() || !buffer.open(QIODevice::WriteOnly) ||
         !picture.save(&buffer, format.constData()))
         return false;
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    const bool isWritten = file.write(buffer.data()) == buffer.size() && file.flush();
-    file.close();
-    if (!isWritten)
-        QFile::remove(fileName); // the open file would refuse to go for the same reason
-    return isWritten;
+    // An earlier picture of that name stays until this one is whole. Flushed by hand: a commit
+    // takes what was still in its buffer for written.
+    QSaveFile file(fileName);
+    file.setDirectWriteFallback(true);
+    return file.open(QIODevice::WriteOnly) && file.write(buffer.data()) == buffer.size() &&
+           file.flush() && file.commit();
 }
 
 } // namespace corv

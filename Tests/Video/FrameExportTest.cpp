@@ -90,13 +90,21 @@ void FrameExportTest::aFrameThatCannotBeSavedDestroysNothing()
     QVERIFY(notes.seek(0));
     QCOMPARE(notes.readAll(), QByteArray("earlier"));
 
+    QImage earlier(8, 8, QImage::Format_RGB32);
+    earlier.fill(Qt::red);
+    QVERIFY(earlier.save(path("earlier.jpg")));
+    earlier.load(path("earlier.jpg"));
     log.clear();
     {
         const FullDisk disk(100);
         QVERIFY(m_player->saveFrame(timeAt(0), path("lost.jpg"), false));
         QTRY_VERIFY(log.contains("Failed to save frame to file"));
+        log.clear();
+        QVERIFY(m_player->saveFrame(timeAt(0), path("earlier.jpg"), true));
+        QTRY_VERIFY(log.contains("Failed to save frame to file"));
     }
     QVERIFY(!QFile::exists(path("lost.jpg")));
+    QCOMPARE(QImage(path("earlier.jpg")), earlier);
 
     QVERIFY(QFile::link(path("a.mp4"), path("link.png")));
     const qint64 videoBytes = QFileInfo(path("a.mp4")).size();
