@@ -153,16 +153,14 @@ private slots:
 
     void aWordProcessorPrintsEveryPage()
     {
-        if (!hasWordProcessor())
-            QSKIP("no word processor is installed");
+        QVERIFY(hasWordProcessor());
         writeReport(VISTREL_REPORT_TEMPLATE, path("report.docx"));
         checkPages(path("report.docx"));
     }
 
     void aWordProcessorMayEditTheTemplate()
     {
-        if (!hasWordProcessor())
-            QSKIP("no word processor is installed");
+        QVERIFY(hasWordProcessor());
         QFile::remove(path("edited.docx"));
         QVERIFY(QFile::copy(VISTREL_REPORT_TEMPLATE, path("edited.docx")));
         convert(path("edited.docx"), "docx");
