@@ -6,11 +6,27 @@ if(VISTREL_WARNINGS_AS_ERRORS)
 endif()
 target_compile_definitions(vistrel_options INTERFACE QT_MESSAGELOGCONTEXT)
 
-# vistrel_room(NAME SOURCES ... LINK ...): one static library per folder of Src. Its link line is
-# the architecture: what a room does not link, it may not include.
+# vistrel_room(NAME SOURCES ... LINK ...): one static library per folder of Src, vistrel_NAME. LINK
+# names the rooms and the libraries whose headers the room includes, and no others are found by its
+# compiler: every room has a folder of its own with one link to its sources, which only those see that
+# name the room themselves. What the named rooms need is linked, but not seen. Qt Core is everyone's.
 function(vistrel_room name)
     cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
-    add_library(vistrel_${name} STATIC ${ROOM_SOURCES})
-    target_include_directories(vistrel_${name} PUBLIC "${PROJECT_SOURCE_DIR}/Src")
-    target_link_libraries(vistrel_${name} PUBLIC ${ROOM_LINK} PRIVATE vistrel_options)
+    set(view "${PROJECT_BINARY_DIR}/rooms/${name}")
+    file(MAKE_DIRECTORY "${view}")
+    file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${view}/${name}" SYMBOLIC)
+
+    set(library vistrel_${name})
+    if(ROOM_SOURCES)
+        add_library(${library} STATIC ${ROOM_SOURCES})
+        target_include_directories(${library} PUBLIC "${view}")
+        # PRIVATE: a static library passes on what must be linked, and none of the include folders.
+        target_link_libraries(${library} PUBLIC Qt5::Core PRIVATE ${ROOM_LINK} vistrel_options)
+    else()
+        add_library(${library} INTERFACE)
+        target_include_directories(${library} INTERFACE "${view}")
+        target_link_libraries(${library} INTERFACE Qt5::Core)
+    endif()
+    list(JOIN ROOM_LINK " " line)
+    set_property(GLOBAL APPEND PROPERTY VISTREL_ROOMS "${name}: ${line}")
 endfunction()
