@@ -199,8 +199,8 @@ const Benchmark search("discovery-search", [](Report& report) {
 void quickSearch(const QString& folder, const FlightFilesMatcher::FileFacts& facts)
 {
     const std::atomic<bool> abort{false};
-    const FlightFiles files = gatherFlightFiles(folder + QStringLiteral("/videos"),
-                                                folder + QStringLiteral("/logs"), false);
+    const FlightFiles files = gatherFlightFiles(
+        {folder + QStringLiteral("/videos"), folder + QStringLiteral("/logs"), false, false});
     const QList<FlightMatchData> matches =
         FlightFilesMatcher(&abort, facts).matchFlightFiles(files.videos, files.logs, true, {});
     if (matchingRows(matches).size() != 2000 || !matches.last().matchFound)
@@ -212,7 +212,7 @@ void listAndStat(const QString& folder)
     for (const char* name : {"/videos", "/logs"}) {
         const QDir directory(folder + QLatin1String(name));
         for (const QFileInfo& file : directory.entryInfoList(QDir::Files, QDir::Unsorted))
-            if (!file.metadataChangeTime().isValid())
+            if (!file.lastModified().isValid())
                 qFatal("no time for %s", qPrintable(file.filePath()));
     }
 }
@@ -235,7 +235,7 @@ const Benchmark quick("discovery-quick", [](Report& report) {
     const auto factsOf = [](const QHash<QString, QDateTime>& times) {
         FlightFilesMatcher::FileFacts facts;
         facts.time = [&times](const QFileInfo& file) {
-            return file.metadataChangeTime().isValid() ? times[file.fileName()] : QDateTime();
+            return file.lastModified().isValid() ? times[file.fileName()] : QDateTime();
         };
         return facts;
     };

@@ -34,7 +34,6 @@ DirectoryParser::~DirectoryParser()
 void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirectory,
                                        bool videoFromDrive, bool logFromDrive, bool quickMode)
 {
-    Q_UNUSED(logFromDrive)
     if (m_abortRequested) {
         qWarning() << "Previous parsing didn't finish!";
         return;
@@ -50,20 +49,21 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
                 emit matchingProgress(file, files, step, done, total);
         });
     };
-    m_search = runOnPool([this, abortRequested, reportProgress, videoDirectory, logDirectory,
-                          videoFromDrive, quickMode, facts = m_machine.files] {
-        qInfo() << "Starting the directory parser";
-        const auto result = std::make_shared<Result>();
-        const FlightFiles files = gatherFlightFiles(videoDirectory, logDirectory, videoFromDrive);
-        result->matched = !files.videos.isEmpty() && !files.logs.isEmpty();
-        if (result->matched) {
-            FlightFilesMatcher matcher(abortRequested.get(), facts);
-            result->matches =
-                matcher.matchFlightFiles(files.videos, files.logs, quickMode, reportProgress);
-            result->rows = matchingRows(result->matches);
-        }
-        post(this, [this, result, abortRequested] { endSearch(*result, *abortRequested); });
-    });
+    m_search = runOnPool(
+        [this, abortRequested, reportProgress, quickMode, facts = m_machine.files,
+         locations = SearchLocations{videoDirectory, logDirectory, videoFromDrive, logFromDrive}] {
+            qInfo() << "Starting the directory parser";
+            const auto result = std::make_shared<Result>();
+            const FlightFiles files = gatherFlightFiles(locations);
+            result->matched = !files.videos.isEmpty() && !files.logs.isEmpty();
+            if (result->matched) {
+                FlightFilesMatcher matcher(abortRequested.get(), facts);
+                result->matches =
+                    matcher.matchFlightFiles(files.videos, files.logs, quickMode, reportProgress);
+                result->rows = matchingRows(result->matches);
+            }
+            post(this, [this, result, abortRequested] { endSearch(*result, *abortRequested); });
+        });
 }
 
 void DirectoryParser::endSearch(const Result& result, const std::atomic<bool>& abortRequested)

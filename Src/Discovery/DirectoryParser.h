@@ -40,8 +40,9 @@ public:
     ~DirectoryParser() override;
 
     /// Starts a search; `matchingComplete` ends it. Refused with a warning while one runs. A drive
-    /// is searched in the layout of the cards, a folder by itself; logs always lie in
-    /// `logDirectory` itself, so `logFromDrive` changes nothing. In quick mode no file is opened.
+    /// is searched in the layouts of the cards, a folder by itself (see `gatherFlightFiles`). All
+    /// layouts have their logs in the root, so today `logFromDrive` changes nothing. In quick mode
+    /// no file is opened.
     Q_INVOKABLE void parseDirectories(QString videoDirectory, QString logDirectory,
                                       bool videoFromDrive, bool logFromDrive, bool quickMode);
 

@@ -28,10 +28,9 @@ public:
     /// What the matcher asks of the files themselves.
     struct FileFacts
     {
-        /// When the file was last changed, invalid if it cannot be told. The default takes the time
-        /// that no program can set.
+        /// When the file was last written, which a careful copy keeps; invalid if unknown.
         std::function<QDateTime(const QFileInfo&)> time = [](const QFileInfo& file) {
-            return file.metadataChangeTime();
+            return file.lastModified();
         };
         /// Duration of the video at a path, whole seconds in milliseconds, -1 if it cannot be
         /// opened.

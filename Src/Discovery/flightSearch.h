@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Discovery/FlightMatchData.h"
+#include "Discovery/cardLayouts.h"
 
 #include <QFileInfo>
 #include <QList>
@@ -16,11 +17,20 @@ struct FlightFiles
     QList<QFileInfo> logs;
 };
 
-/// Finds the videos and logs of all models of drone. On a card the videos are sought in the folders
-/// of its layout, else in `videoDirectory` itself; the logs always in `logDirectory` itself. Both
-/// lists go to the diagnostic log. Any thread.
-FlightFiles gatherFlightFiles(const QString& videoDirectory, const QString& logDirectory,
-                              bool videoFromDrive);
+/// Where a search looks. A drive is searched in the layouts of the cards, a folder by itself.
+struct SearchLocations
+{
+    QString videoDirectory;
+    QString logDirectory;
+    bool videoFromDrive = false;
+    bool logFromDrive = false;
+};
+
+/// Finds the videos and logs of all models of drone. A folder that has no video of its own but the
+/// folders of a card below it is searched as a card is. Each file is listed once, however many rows
+/// of `layouts` lead to it. Both lists go to the diagnostic log. Any thread.
+FlightFiles gatherFlightFiles(const SearchLocations& locations,
+                              const QList<CardLayout>& layouts = cardLayouts());
 
 /// One map per video for the interface and for scripts, with the keys "videoFile",
 /// "videoFilename", "logFile", "logFilename", "matchFound", "namingDefined", "missionName",

@@ -1,4 +1,5 @@
 #include "Discovery/cardLayouts.h"
+#include "Discovery/flightSearch.h"
 #include "FakeMachine.h"
 
 #include <QDir>
@@ -6,6 +7,8 @@
 
 using namespace corv;
 using corv::test::FakeMachine;
+
+Q_DECLARE_METATYPE(corv::CardLayout)
 
 namespace {
 
@@ -28,6 +31,8 @@ private slots:
     void findsWhatTheLayoutLeadsTo_data();
     void findsWhatTheLayoutLeadsTo();
     void noDirectoryIsNotTheCurrentOne();
+    void searchFollowsTheTable_data();
+    void searchFollowsTheTable();
 };
 
 void CardLayoutsTest::theTableHasTheModelsInOrder()
@@ -110,6 +115,66 @@ void CardLayoutsTest::noDirectoryIsNotTheCurrentOne()
     const QList<QFileInfo> found = findFiles(QString(), {}, "log");
     QVERIFY(QDir::setCurrent(before));
     QVERIFY(found.isEmpty());
+}
+
+void CardLayoutsTest::searchFollowsTheTable_data()
+{
+    QTest::addColumn<QList<CardLayout>>("added");
+    QTest::addColumn<bool>("fromDrive");
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("videos");
+    QTest::addColumn<QStringList>("logs");
+
+    const QList<CardLayout> none;
+    const QList<CardLayout> sameExtension = {
+        {CardLayout::Video, "mp4", {"DCIM", "200MEDIA"}, "Third"}};
+    const QList<CardLayout> overlapping = {
+        {CardLayout::Video, "mov", {"DCIM", "10?_CORV"}, "Third"}};
+    const QList<CardLayout> logsBelow = {{CardLayout::Log, "log", {"LOGS"}, "Third"}};
+    const QStringList card = {"a.log", "DCIM/100HDDVR/b.mp4", "DCIM/101_CORV/c.mov"};
+    QTest::newRow("card") << none << true << card
+                          << QStringList{"DCIM/100HDDVR/b.mp4", "DCIM/101_CORV/c.mov"}
+                          << QStringList{"a.log"};
+    QTest::newRow("folder") << none << false << QStringList{"a.log", "b.mov", "c.mp4"}
+                            << QStringList{"c.mp4", "b.mov"} << QStringList{"a.log"};
+    QTest::newRow("folder that is a copy of a card")
+        << none << false << card << QStringList{"DCIM/100HDDVR/b.mp4", "DCIM/101_CORV/c.mov"}
+        << QStringList{"a.log"};
+    QTest::newRow("folder with videos of its own beside a card's")
+        << none << false << (card + QStringList{"own.mov"}) << QStringList{"own.mov"}
+        << QStringList{"a.log"};
+    QTest::newRow("second layout of an extension, in a folder")
+        << sameExtension << false << QStringList{"c.mp4"} << QStringList{"c.mp4"} << QStringList{};
+    QTest::newRow("second layout of an extension, on a card")
+        << sameExtension << true << (card + QStringList{"DCIM/200MEDIA/d.mp4"})
+        << QStringList{"DCIM/100HDDVR/b.mp4", "DCIM/101_CORV/c.mov", "DCIM/200MEDIA/d.mp4"}
+        << QStringList{"a.log"};
+    QTest::newRow("layouts that lead to the same files")
+        << overlapping << true << card << QStringList{"DCIM/100HDDVR/b.mp4", "DCIM/101_CORV/c.mov"}
+        << QStringList{"a.log"};
+    QTest::newRow("logs in a folder of their own, on a card")
+        << logsBelow << true << QStringList{"a.log", "LOGS/e.log"} << QStringList{}
+        << QStringList{"a.log", "LOGS/e.log"};
+    QTest::newRow("logs in a folder of their own, in a folder")
+        << logsBelow << false << QStringList{"a.log", "LOGS/e.log"} << QStringList{}
+        << QStringList{"a.log"};
+}
+
+void CardLayoutsTest::searchFollowsTheTable()
+{
+    QFETCH(QList<CardLayout>, added);
+    QFETCH(bool, fromDrive);
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, videos);
+    QFETCH(QStringList, logs);
+    FakeMachine machine;
+    const QString root = machine.path("Card");
+    for (const QString& file : files)
+        machine.addFile(root + "/" + file);
+    const FlightFiles found =
+        gatherFlightFiles({root, root, fromDrive, fromDrive}, cardLayouts() + added);
+    QCOMPARE(below(root, found.videos), videos);
+    QCOMPARE(below(root, found.logs), logs);
 }
 
 QTEST_GUILESS_MAIN(CardLayoutsTest)

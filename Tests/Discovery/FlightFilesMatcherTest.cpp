@@ -117,6 +117,7 @@ private slots:
     void anAbortGivesNothing();
     void anAbortWhileNamingGivesNothingWithoutAWord();
     void takesTimesAndDurationsFromTheFiles();
+    void pairsByTheTimeOfTheLastWrite();
 };
 
 void FlightFilesMatcherTest::namesTheFlightsOfASharedLog()
@@ -370,6 +371,27 @@ void FlightFilesMatcherTest::takesTimesAndDurationsFromTheFiles()
     QCOMPARE(matches[0].videoDuration, -1);
     QVERIFY(matches[0].naming.undefined);
     QVERIFY(messages.contains("Failed to open video file"));
+}
+
+void FlightFilesMatcherTest::pairsByTheTimeOfTheLastWrite()
+{
+    Card card;
+    addThreeFlights(card);
+    const QStringList names = {"l1.log", "l2.log", "l3.log", "v1.mp4", "v2.mp4", "v3.mp4"};
+    for (const QString& name : names) { // as a copy that keeps the times leaves them
+        QFile file(card.folder.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(kStart.addSecs(card.seconds[name]),
+                                 QFileDevice::FileModificationTime));
+    }
+    const QList<FlightMatchData> matches =
+        FlightFilesMatcher(&card.abort).matchFlightFiles(card.videos, card.logs, true, {});
+    QCOMPARE(matches.size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(matches[i].videoFile.fileName(), QStringLiteral("v%1.mp4").arg(i + 1));
+        QVERIFY(matches[i].matchFound);
+        QCOMPARE(matches[i].logFile.fileName(), QStringLiteral("l%1.log").arg(i + 1));
+    }
 }
 
 QTEST_GUILESS_MAIN(FlightFilesMatcherTest)

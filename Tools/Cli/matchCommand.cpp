@@ -64,7 +64,8 @@ ExitStatus match(QStringList arguments)
     for (const QString& folder : qAsConst(arguments))
         if (!isReadableFolder(folder))
             return fail(QStringLiteral("%1: no folder that can be read").arg(folder));
-    const FlightFiles files = gatherFlightFiles(arguments[0], arguments[1], videoFromCard);
+    const FlightFiles files =
+        gatherFlightFiles({arguments[0], arguments[1], videoFromCard, videoFromCard});
     QVariantList rows;
     if (!files.videos.isEmpty() && !files.logs.isEmpty()) {
         const bool onTerminal = isatty(STDERR_FILENO) == 1;
