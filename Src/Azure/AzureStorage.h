@@ -11,11 +11,14 @@ class QNetworkReply;
 
 namespace corv {
 
-/// Fetches one file at a time from the read-only update share with signed requests. Knows nothing
-/// of manifests or versions. Lives wholly on the thread that makes it; its owner is its parent.
+/// Fetches one file at a time from the read-only update share with signed
+/// requests. Knows nothing of manifests or versions. Lives wholly on the thread
+/// that makes it; its owner is its parent.
 ///
-/// One download at a time is the caller's duty. There is no retry and no time limit: an error, or
-/// an abort, ends in `downloadError`.
+/// One download at a time is the caller's duty. There is no retry and no time
+/// limit: an error, an abort, a file that breaks off or one that grows past the
+/// limit ends in `downloadError`. The bytes are asked for as they are, and
+/// through the proxy that the system is configured with.
 class AzureStorage : public QObject
 {
     Q_OBJECT
@@ -25,6 +28,11 @@ public:
 
     /// A download that grows past this many bytes is aborted. Holds from the next download on.
     void setSizeLimit(qint64 sizeLimitBytes) { m_sizeLimitBytes = sizeLimitBytes; }
+
+    /// Whether an answer whose length the server does not give is an error: where
+    /// nothing else shows whether it is whole. Holds from the next download on;
+    /// false at first.
+    void setLengthRequired(bool required) { m_isLengthRequired = required; }
 
 signals:
     /// The whole of a file, and its path relative to the share as it stood in the address.
@@ -49,6 +57,7 @@ private:
     QNetworkReply* m_reply = nullptr;
     CloudShare m_share;
     qint64 m_sizeLimitBytes;
+    bool m_isLengthRequired = false;
 };
 
 } // namespace corv

@@ -90,8 +90,12 @@ bool UpdateManager::shouldCheckForUpdate() const
 
 void UpdateManager::notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes)
 {
-    QSettings().setValue(lastNotificationKey,
-                         updateNames::notificationText(QDateTime::currentDateTimeUtc()));
+    QSettings settings;
+    settings.setValue(lastNotificationKey,
+                      updateNames::notificationText(QDateTime::currentDateTimeUtc()));
+    settings.sync();
+    if (settings.status() != QSettings::NoError)
+        qWarning() << "Failed to remember the time of the notification in" << settings.fileName();
     post(this, [this, version, releaseNotes] {
         emit updateAvailable(QVariant(version), QVariant(releaseNotes));
     });

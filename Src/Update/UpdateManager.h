@@ -53,7 +53,8 @@ public:
     /// the last notification. A stored moment that cannot be read allows no check.
     bool shouldCheckForUpdate() const;
 
-    /// Remembers that the user is told now, and has `updateAvailable` emitted. Update thread.
+    /// Remembers that the user is told now, and has `updateAvailable` emitted; a
+    /// moment that cannot be stored is warned about. Update thread.
     void notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes);
 
 signals:

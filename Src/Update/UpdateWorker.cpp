@@ -5,13 +5,11 @@
 #include "Update/UpdateManager.h"
 #include "Update/updateNames.h"
 
+#include <QCryptographicHash>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonObject>
-#include <QJsonValue>
 #include <QSaveFile>
 #include <utility>
 
@@ -20,7 +18,6 @@ namespace {
 
 // A manifest is a few lines; an installer is held whole in memory until it is written.
 constexpr qint64 manifestLimitBytes = qint64(1) << 20;
-constexpr qint64 installerLimitBytes = qint64(1) << 30;
 
 } // namespace
 
@@ -81,44 +78,71 @@ void UpdateWorker::azureDownloadError(QString errorMessage)
 
 void UpdateWorker::onUpdateJsonDownloaded(const QJsonDocument& document)
 {
-    const QJsonObject manifest = document.object();
-    const QJsonValue version = manifest[QStringLiteral("version")];
-    const QJsonValue path = manifest[QStringLiteral("path")];
-    const QJsonValue notes = manifest[QStringLiteral("notes")];
-    if (version.isUndefined() || path.isUndefined() || notes.isUndefined()) {
+    const std::optional<UpdateManifest> manifest = UpdateManifest::fromJson(document);
+    if (!manifest) {
         qWarning() << "Unrecognized JSON document:" << document.toJson();
         emit finished();
         return;
     }
-    m_newVersion = version.toString();
-    if (!AppInfo().isLowerThan(m_newVersion)) {
+    m_manifest = *manifest;
+    if (!AppInfo().isLowerThan(m_manifest.version)) {
         qInfo() << "Already using the latest version";
         emit finished();
         return;
     }
-    // Both become parts of paths, here and on the share.
-    if (!updateNames::isSafeFileElement(m_newVersion) ||
-        !updateNames::isSafeSharePath(path.toString())) {
-        qWarning() << "Refused the version or path of the manifest:" << m_newVersion
-                   << path.toString();
+    if (!m_manifest.namesAreSafe()) {
+        qWarning() << "Refused the version or path of the manifest:" << m_manifest.version
+                   << m_manifest.path;
         emit finished();
         return;
     }
-    for (const QJsonValue& note : notes.toArray())
-        m_releaseNotes << note.toString();
-
-    const QString fileName = UpdateManager::getInstallerFileName(m_newVersion);
-    const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') + fileName;
-    if (QFile::exists(file)) {
+    if (!m_manifest.installer.isReadable) {
+        qWarning() << "Refused the digest or size of the manifest:" << document.toJson();
+        emit finished();
+        return;
+    }
+    const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') +
+                         UpdateManager::getInstallerFileName(m_manifest.version);
+    if (isInstallerOnDisk(file)) {
         qInfo() << "Installer already downloaded" << file;
-        m_manager->notifyUpdateAvailable(m_newVersion, m_releaseNotes);
+        m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes);
         emit finished();
         return;
     }
+    fetchInstaller();
+}
+
+bool UpdateWorker::isInstallerOnDisk(const QString& file) const
+{
+    const QFileInfo info(file);
+    if (!info.isFile() || info.isSymLink())
+        return false;
+    QByteArray sha256;
+    if (!m_manifest.installer.sha256.isEmpty()) {
+        QFile installer(file);
+        QCryptographicHash hash(QCryptographicHash::Sha256);
+        if (installer.open(QIODevice::ReadOnly) && hash.addData(&installer))
+            sha256 = hash.result();
+    }
+    const QString difference = m_manifest.installer.differenceFrom(info.size(), sha256);
+    if (difference.isEmpty())
+        return true;
+    qWarning() << "The installer on disk is fetched again:" << difference << file;
+    return false;
+}
+
+void UpdateWorker::fetchInstaller()
+{
     deleteOldInstallers();
     m_state = FetchingInstaller;
-    m_azure->setSizeLimit(installerLimitBytes);
-    m_azure->downloadFile(updateNames::installerPath(path.toString(), m_newVersion, fileName));
+    const ExpectedInstaller& expected = m_manifest.installer;
+    m_azure->setSizeLimit(expected.sizeBytes >= 0 ? expected.sizeBytes
+                                                  : ExpectedInstaller::largestBytes);
+    // With nothing to compare it with, only its length shows whether it is whole.
+    m_azure->setLengthRequired(!expected.isGiven());
+    m_azure->downloadFile(
+        updateNames::installerPath(m_manifest.path, m_manifest.version,
+                                   UpdateManager::getInstallerFileName(m_manifest.version)));
 }
 
 void UpdateWorker::deleteOldInstallers()
@@ -142,6 +166,14 @@ void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArra
         qWarning() << "Refused the name of the installer:" << fileName;
         return;
     }
+    QByteArray sha256;
+    if (!m_manifest.installer.sha256.isEmpty())
+        sha256 = QCryptographicHash::hash(content, QCryptographicHash::Sha256);
+    const QString difference = m_manifest.installer.differenceFrom(content.size(), sha256);
+    if (!difference.isEmpty()) {
+        qWarning() << "Refused the installer:" << difference;
+        return;
+    }
     const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') + fileName;
     qInfo() << "Saving new installer as" << file;
     // Written beside and renamed: a partial file would count as downloaded at the next start.
@@ -158,7 +190,7 @@ void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArra
         qWarning() << "Failed to write to the installer file";
         return;
     }
-    m_manager->notifyUpdateAvailable(m_newVersion, m_releaseNotes);
+    m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes);
 }
 
 } // namespace corv

@@ -1,21 +1,26 @@
 #pragma once
 
 #include "Azure/CloudShare.h"
+#include "Update/UpdateManifest.h"
 
 #include <QByteArray>
 #include <QJsonDocument>
 #include <QObject>
 #include <QString>
-#include <QStringList>
 
 namespace corv {
 
 class AzureStorage;
 class UpdateManager;
 
-/// One pass of the update protocol: fetch the channel's manifest, and if it names a newer version
-/// whose installer is not on disk yet, fetch that. Lives on the update thread; everything in it
-/// runs there. Every end of the pass emits `finished`.
+/// One pass of the update protocol: fetch the channel's manifest, and if it
+/// names a newer version whose installer is not on disk yet, fetch that. Lives
+/// on the update thread; everything in it runs there. Every end of the pass
+/// emits `finished`.
+///
+/// The manifest may carry the installer's "size" in bytes and its "sha256" in
+/// hexadecimal digits. What is given is compared before a download gets its
+/// name and may be executed, and again when an installer is found on disk.
 class UpdateWorker : public QObject
 {
     Q_OBJECT
@@ -47,13 +52,14 @@ private:
 
     void onUpdateJsonDownloaded(const QJsonDocument& document);
     void onNewInstallerDownloaded(const QString& path, const QByteArray& content);
+    bool isInstallerOnDisk(const QString& file) const;
+    void fetchInstaller();
     void deleteOldInstallers();
 
     UpdateManager* m_manager;
     int m_state = Idle;
     AzureStorage* m_azure = nullptr;
-    QString m_newVersion;
-    QStringList m_releaseNotes;
+    UpdateManifest m_manifest;
     CloudShare m_share;
 };
 

@@ -56,12 +56,22 @@ bool isSafeFileElement(const QString& text)
     return safe.match(text).hasMatch();
 }
 
+bool isVersion(const QString& text)
+{
+    static const QRegularExpression numbers(QStringLiteral("\\A[0-9]{1,9}(\\.[0-9]{1,9}){3}\\z"));
+    return numbers.match(text).hasMatch();
+}
+
 bool isSafeSharePath(const QString& text)
 {
-    if (text.isEmpty() || text.startsWith(QLatin1Char('/')) || text.contains(QLatin1Char('\\')))
+    static const QRegularExpression special(QStringLiteral("[\\\\%#?\\x00-\\x1f\\x7f]"));
+    if (special.match(text).hasMatch())
         return false;
-    const QStringList elements = text.split(QLatin1Char('/'));
-    return !elements.contains(QStringLiteral(".")) && !elements.contains(QStringLiteral(".."));
+    for (const QString& element : text.split(QLatin1Char('/'))) {
+        if (element.isEmpty() || element == QLatin1String(".") || element == QLatin1String(".."))
+            return false;
+    }
+    return true;
 }
 
 QString notificationText(const QDateTime& moment)

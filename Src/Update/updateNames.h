@@ -23,7 +23,12 @@ QString installerPath(const QString& buildFolder, const QString& version, const 
 /// Whether a text of the manifest may stand as one element of a file name.
 bool isSafeFileElement(const QString& text);
 
-/// Whether a text of the manifest may stand as a folder on the share: no way up, no root.
+/// Whether a text is four numbers joined by ".", each of nine digits at most.
+bool isVersion(const QString& text);
+
+/// Whether a text of the manifest can be a folder on the share: no way up, no
+/// root, and nothing that an address would read as an escape, a query or a
+/// fragment.
 bool isSafeSharePath(const QString& text);
 
 /// A moment as the remembered setting holds it, in UTC with English names whatever the machine's

@@ -40,9 +40,13 @@ void HttpServer::serve()
             return;
         const qint64 length =
             answer.announcedLength < 0 ? answer.body.size() : answer.announcedLength;
-        socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " X\r\nContent-Length: " +
-                      QByteArray::number(length) + "\r\n\r\n" + answer.body);
-        if (answer.announcedLength >= 0)
+        QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) + " X\r\n";
+        if (!answer.withoutLength)
+            head += "Content-Length: " + QByteArray::number(length) + "\r\n";
+        if (!answer.encoding.isEmpty())
+            head += "Content-Encoding: " + answer.encoding + "\r\n";
+        socket->write(head + "\r\n" + answer.body);
+        if (answer.announcedLength >= 0 || answer.withoutLength)
             socket->disconnectFromHost();
     });
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 #include <QTcpServer>
+#include <utility>
 
 namespace corv::test {
 
@@ -19,11 +20,20 @@ class HttpServer : public QObject
 public:
     struct Answer
     {
-        int status = 200;
+        Answer(int statusCode = 200, QByteArray content = {}, bool isSilent = false,
+               qint64 announced = -1)
+            : status(statusCode), body(std::move(content)), silent(isSilent),
+              announcedLength(announced)
+        {
+        }
+
+        int status;
         QByteArray body;
-        bool silent = false;         ///< take the request and never answer
-        qint64 announcedLength = -1; ///< Content-Length to promise instead of the body's; the
-                                     ///< connection closes after the body
+        bool silent;                ///< take the request and never answer
+        qint64 announcedLength;     ///< Content-Length to promise instead of the body's; the
+                                    ///< connection closes after the body
+        QByteArray encoding;        ///< Content-Encoding to name; the body is sent as it is
+        bool withoutLength = false; ///< no Content-Length: the end of the connection ends the body
     };
 
     struct Request

@@ -5,6 +5,7 @@
 #include "Update/UpdateWorker.h"
 #include "Update/updateNames.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QSettings>
@@ -22,10 +23,22 @@ namespace {
 
 const QString newer = QStringLiteral("9.0.0.1");
 
-QByteArray manifest(const QByteArray& version, const QByteArray& path = "r9")
+QByteArray manifest(const QByteArray& version, const QByteArray& path = "r9",
+                    const QByteArray& more = {})
 {
     return R"({"version": ")" + version + R"(", "path": ")" + path +
-           R"(", "notes": ["one", "two"], "more": 1})";
+           R"(", "notes": ["one", "two"], "more": 1)" + more + '}';
+}
+
+QByteArray digestOf(const QByteArray& content)
+{
+    return ", \"sha256\": \"" +
+           QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex() + '"';
+}
+
+QByteArray sizeOf(const QByteArray& content)
+{
+    return ", \"size\": " + QByteArray::number(content.size());
 }
 
 } // namespace
@@ -44,7 +57,14 @@ private slots:
     void fetchesANewerInstaller();
     void endsWithoutNews_data();
     void endsWithoutNews();
+    void anInstallerThatIsWhatTheManifestSays_data();
+    void anInstallerThatIsWhatTheManifestSays();
+    void anInstallerWithoutLength_data();
+    void anInstallerWithoutLength();
     void anInstallerOnDiskIsNotFetchedAgain();
+    void whatIsNoInstallerOnDiskIsFetched_data();
+    void whatIsNoInstallerOnDiskIsFetched();
+    void aNotificationThatCannotBeRemembered();
     void emptyNotesAreNoLines();
     void anInstallerThatFails_data();
     void anInstallerThatFails();
@@ -202,6 +222,21 @@ void UpdateManagerTest::endsWithoutNews_data()
     QTest::newRow("empty") << QByteArray() << unrecognized;
     QTest::newRow("path upward") << manifest("9.0.0.0", "../../x") << refused;
     QTest::newRow("version upward") << manifest("9.0./x.0") << refused;
+    QTest::newRow("version of words") << manifest("9.one.two.three") << refused;
+    QTest::newRow("version with a sign") << manifest("9.-1.0.0") << refused;
+    QTest::newRow("path upward, escaped") << manifest("9.0.0.0", "%2e%2e/%2E%2E/x") << refused;
+    QTest::newRow("path with a fragment") << manifest("9.0.0.0", "r9#x") << refused;
+    QTest::newRow("path with a query") << manifest("9.0.0.0", "r9?x") << refused;
+    const QString unreadable = QStringLiteral("Refused the digest or size of the manifest:");
+    const auto extended = [](const char* more) { return manifest("9.0.0.0", "r9", more); };
+    QTest::newRow("digest too short") << extended(", \"sha256\": \"00ff\"") << unreadable;
+    QTest::newRow("digest no text") << extended(", \"sha256\": 1") << unreadable;
+    QTest::newRow("digest null") << extended(", \"sha256\": null") << unreadable;
+    QTest::newRow("size negative") << extended(", \"size\": -1") << unreadable;
+    QTest::newRow("size nothing") << extended(", \"size\": 0") << unreadable;
+    QTest::newRow("size no number") << extended(", \"size\": \"12\"") << unreadable;
+    QTest::newRow("size broken") << extended(", \"size\": 12.5") << unreadable;
+    QTest::newRow("size beyond all bounds") << extended(", \"size\": 1e300") << unreadable;
     QTest::newRow("huge") << QByteArray(3'000'000, ' ') << QStringLiteral("Download error:");
 }
 
@@ -222,6 +257,73 @@ void UpdateManagerTest::endsWithoutNews()
     QCOMPARE(m_server->requests().size(), 1);
 }
 
+void UpdateManagerTest::anInstallerThatIsWhatTheManifestSays_data()
+{
+    QTest::addColumn<QByteArray>("more");
+    QTest::addColumn<QByteArray>("sent");
+    QTest::addColumn<bool>("kept");
+    const QByteArray right = "the installer";
+    const QByteArray wrong = "the inst4ller";
+    QTest::newRow("both right") << digestOf(right) + sizeOf(right) << right << true;
+    QTest::newRow("digest right") << digestOf(right) << right << true;
+    QTest::newRow("digest in capitals")
+        << digestOf(right).toUpper().replace("SHA256", "sha256") << right << true;
+    QTest::newRow("size right") << sizeOf(right) << right << true;
+    QTest::newRow("one byte differs") << digestOf(right) + sizeOf(right) << wrong << false;
+    QTest::newRow("shorter") << sizeOf(right) << right.left(5) << false;
+    QTest::newRow("longer") << sizeOf(right) << right + '!' << false;
+    QTest::newRow("much longer") << sizeOf(right) << right.repeated(100'000) << false;
+    QTest::newRow("empty") << QByteArray() << QByteArray() << false;
+}
+
+void UpdateManagerTest::anInstallerThatIsWhatTheManifestSays()
+{
+    QFETCH(QByteArray, more);
+    QFETCH(QByteArray, sent);
+    QFETCH(bool, kept);
+    serveManifest(manifest(newer.toUtf8(), "r9", more));
+    m_server->setAnswer(installerPath(), {200, sent, false, -1});
+    UpdateManager manager(share(), QString());
+    UpdateWorker worker(&manager, share());
+    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
+    QSignalSpy finished(&worker, &UpdateWorker::finished);
+    worker.start();
+    QTRY_COMPARE(finished.count(), 1);
+    QCoreApplication::processEvents();
+    QCOMPARE(available.count(), kept ? 1 : 0);
+    const QStringList files =
+        QDir(m_dataFolder + QStringLiteral("/update"))
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    QCOMPARE(files.size(), kept ? 1 : 0);
+}
+
+void UpdateManagerTest::anInstallerWithoutLength_data()
+{
+    QTest::addColumn<QByteArray>("more");
+    QTest::addColumn<bool>("kept");
+    const QByteArray right = "the installer";
+    QTest::newRow("nothing to compare with") << QByteArray() << false;
+    QTest::newRow("size") << sizeOf(right) << true;
+    QTest::newRow("digest") << digestOf(right) << true;
+    QTest::newRow("cut off, digest") << digestOf("the installer and more") << false;
+}
+
+void UpdateManagerTest::anInstallerWithoutLength()
+{
+    QFETCH(QByteArray, more);
+    QFETCH(bool, kept);
+    serveManifest(manifest(newer.toUtf8(), "r9", more));
+    HttpServer::Answer answer(200, "the installer");
+    answer.withoutLength = true;
+    m_server->setAnswer(installerPath(), answer);
+    UpdateManager manager(share(), QString());
+    UpdateWorker worker(&manager, share());
+    QSignalSpy finished(&worker, &UpdateWorker::finished);
+    worker.start();
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(QFile::exists(installerFile()), kept);
+}
+
 void UpdateManagerTest::anInstallerOnDiskIsNotFetchedAgain()
 {
     QVERIFY(QDir().mkpath(m_dataFolder + QStringLiteral("/update")));
@@ -234,6 +336,64 @@ void UpdateManagerTest::anInstallerOnDiskIsNotFetchedAgain()
     QTRY_COMPARE(available.count(), 1);
     QCOMPARE(m_server->requests().size(), 1);
     QVERIFY(log.contains(QStringLiteral("Installer already downloaded")));
+}
+
+void UpdateManagerTest::whatIsNoInstallerOnDiskIsFetched_data()
+{
+    QTest::addColumn<QByteArray>("onDisk");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QByteArray>("more");
+    const QByteArray right = "the installer";
+    QTest::newRow("folder") << QByteArray() << QStringLiteral("folder") << QByteArray();
+    QTest::newRow("link") << right << QStringLiteral("link") << QByteArray();
+    QTest::newRow("empty") << QByteArray() << QStringLiteral("file") << QByteArray();
+    QTest::newRow("cut off") << right.left(4) << QStringLiteral("file") << sizeOf(right);
+    QTest::newRow("other bytes") << QByteArray("the inst4ller") << QStringLiteral("file")
+                                 << digestOf(right) + sizeOf(right);
+}
+
+void UpdateManagerTest::whatIsNoInstallerOnDiskIsFetched()
+{
+    QFETCH(QByteArray, onDisk);
+    QFETCH(QString, kind);
+    QFETCH(QByteArray, more);
+    QTemporaryDir elsewhere;
+    const bool isLink = kind == QLatin1String("link");
+    QVERIFY(QDir().mkpath(m_dataFolder + QStringLiteral("/update")));
+    if (kind == QLatin1String("folder")) {
+        QVERIFY(QDir().mkpath(installerFile()));
+    } else {
+        QFile file(isLink ? elsewhere.filePath(QStringLiteral("x")) : installerFile());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(onDisk);
+        QVERIFY(!isLink || file.link(installerFile()));
+    }
+    serveManifest(manifest(newer.toUtf8(), "r9", more));
+    m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
+    UpdateManager manager(share(), QString());
+    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
+    manager.checkUpdate();
+    QTRY_COMPARE(available.count(), 1);
+    QCOMPARE(m_server->requests().size(), 2);
+    QVERIFY(QFileInfo(installerFile()).isFile());
+    QVERIFY(!QFileInfo(installerFile()).isSymLink());
+    QFile file(installerFile());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("the installer"));
+}
+
+void UpdateManagerTest::aNotificationThatCannotBeRemembered()
+{
+    const MessageLog log;
+    UpdateManager manager(share(), QString());
+    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
+    const QString settings = QSettings().fileName();
+    QFile::remove(settings);
+    QVERIFY(QDir().mkpath(settings + QStringLiteral("/taken")));
+    manager.notifyUpdateAvailable(newer, {});
+    QVERIFY(QDir(settings).removeRecursively());
+    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(log.contains(QStringLiteral("Failed to remember the time of the notification in")));
 }
 
 void UpdateManagerTest::emptyNotesAreNoLines()

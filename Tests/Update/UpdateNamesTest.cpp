@@ -18,6 +18,8 @@ private slots:
     void paths();
     void refusesWhatLeadsAstray_data();
     void refusesWhatLeadsAstray();
+    void versionsAreFourNumbers_data();
+    void versionsAreFourNumbers();
     void momentsSurviveEveryLocale_data();
     void momentsSurviveEveryLocale();
     void brokenMomentsAreInvalid();
@@ -91,8 +93,15 @@ void UpdateNamesTest::refusesWhatLeadsAstray_data()
     row("a/../b", false, false);
     row("/a", false, false);
     row("a\\b", false, false);
+    row("a//b", false, false);
+    row("my build", false, true);
+    row("%2e%2e", false, false);
+    row("a/%2E%2e/b", false, false);
+    row("a%2fb", false, false);
+    row("a#b", false, false);
+    row("a?b", false, false);
     row("9.x/../../y.0.0", false, false);
-    row("9.0.0.0\n", false, true);
+    row("9.0.0.0\n", false, false);
 }
 
 void UpdateNamesTest::refusesWhatLeadsAstray()
@@ -100,6 +109,32 @@ void UpdateNamesTest::refusesWhatLeadsAstray()
     QFETCH(QString, text);
     QTEST(updateNames::isSafeFileElement(text), "asFile");
     QTEST(updateNames::isSafeSharePath(text), "asPath");
+}
+
+void UpdateNamesTest::versionsAreFourNumbers_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isVersion");
+    const auto row = [](const QString& text, bool isVersion) {
+        QTest::addRow("%s", qPrintable(text)) << text << isVersion;
+    };
+    row(QStringLiteral("9.0.0.1"), true);
+    row(QStringLiteral("1.15.0.166"), true);
+    row(QStringLiteral("9.0.0"), false);
+    row(QStringLiteral("9.0.0.0.0"), false);
+    row(QStringLiteral("9.x.0.0"), false);
+    row(QStringLiteral("9..0.0"), false);
+    row(QStringLiteral("9.+1.0.0"), false);
+    row(QStringLiteral("9. 1.0.0"), false);
+    row(QStringLiteral("9.0.0.1\n"), false);
+    row(QStringLiteral("9.0.0.99999999999"), false);
+    row(QString(QChar(0x0669)) + QStringLiteral(".0.0.1"), false); // a digit, but no ASCII one
+}
+
+void UpdateNamesTest::versionsAreFourNumbers()
+{
+    QFETCH(QString, text);
+    QTEST(updateNames::isVersion(text), "isVersion");
 }
 
 void UpdateNamesTest::momentsSurviveEveryLocale_data()
