@@ -30,7 +30,7 @@ void readAll(const QString& file, int frames)
 void produceAll(const QString& file, int frames)
 {
     VideoPlayer player;
-    OpenCvWorker worker(&player, openFrameSource);
+    OpenCvWorker worker(&player, systemVideoBackend());
     QEventLoop loop;
     post(&worker, [&worker, &loop, file, frames] {
         worker.setVideoSources({file}, 0);

@@ -1,58 +1,91 @@
 #pragma once
 
+#include "Base/Failure.h"
+#include "Video/Frame.h"
+
 #include <QSize>
-#include <QString>
-#include <functional>
 #include <memory>
-#include <opencv2/core.hpp>
 
 namespace corv {
 
-/// One open video file, read frame by frame. The one place that knows the decoding library; a test
-/// puts a source of its own here to see a positioning or a read fail.
+/// What a read gave.
+enum class ReadOutcome {
+    frame, ///< a picture
+    end,   ///< none: the source is at the end of the file
+    failed ///< none: the medium gives nothing more
+};
+
+/// One open video file, read frame by frame.
 ///
-/// Frames are numbered from 0 within the file, and the time of frame n is n * 1000 / fps. Used by
-/// one thread at a time. Nothing throws.
+/// Frames are numbered from 0 within the file, in the order of their times. Where the rate is
+/// constant, the time of frame n is n * 1000 / fps; where it is not, it is the true presentation
+/// time less that of the first frame. Used by one thread at a time. Nothing throws.
 class FrameSource
 {
 public:
     virtual ~FrameSource() = default;
 
-    /// Frames per second, above 0 and finite.
+    /// Frames per second as the file states them, above 0 and finite.
     virtual double fps() const = 0;
 
     /// The number of frames that can be read, at least 1. A container may promise others.
     virtual int frameCount() const = 0;
 
-    /// Size of every frame in pixels, both sides even.
+    /// Size of every frame in pixels, as it is shown (turned if the file says so), both sides even.
     virtual QSize size() const = 0;
 
-    /// The number of the frame about to be read; `frameCount` at the end of the file.
+    /// Width and height of one pixel in relation to each other; 1:1 where the file states none.
+    virtual QSize pixelAspectRatio() const { return {1, 1}; }
+
+    /// Whether all frames are 1000 / fps milliseconds apart.
+    virtual bool isConstantRate() const { return true; }
+
+    /// Time of a frame in milliseconds from the first one. For `frameCount` and above, the end of
+    /// the last frame; below 0, 0.
+    virtual double frameTimeMs(int index) const;
+
+    /// The frame that is nearest to `ms` where frames follow each other, and the one that is held
+    /// where they do not: from 0 to frameCount - 1, whatever the time.
+    virtual int frameAtTime(double ms) const;
+
+    /// Length of the video in milliseconds: the time of the last frame and its duration.
+    double durationMs() const { return frameTimeMs(frameCount()); }
+
+    /// The last keyframe at or before `index`: reading it costs the decoding of one frame.
+    virtual int nearestKeyframe(int index) const { return index; }
+
+    /// Some containers must be read through before the number and the times of their frames are
+    /// known. Until then reading on from the start works; frameCount(), times and positioning wait
+    /// for it. Any thread.
+    virtual bool isIndexReady() const { return true; }
+
+    /// The part of the file that has been read through, from 0 to 1. Any thread.
+    virtual double indexProgress() const { return 1.0; }
+
+    /// The number of the frame about to be read; frameCount at the end of the file.
     virtual int nextFrame() const = 0;
 
-    /// Makes `index` the frame about to be read; an index outside the file means its end next to
-    /// it. Costs nothing if the source already stands there. False if it failed.
+    /// Seeks so that read() returns frame `index`, clamped to 0 to frameCount; the latter is the
+    /// end. Costs nothing if the source is there already. False if the medium failed.
     virtual bool seekToFrame(int index) = 0;
 
-    /// Reads the frame about to be read as 8-bit BGR and moves to the next. The buffer of `frame`
-    /// is written again if it fits: hand in one that nobody else looks at. False if no frame came.
-    virtual bool read(cv::Mat& frame) = 0;
+    /// Seeks to the frame at a time, see frameAtTime().
+    bool seekToTime(double ms) { return seekToFrame(frameAtTime(ms)); }
 
-    /// A second source on the same file, standing at its start; null if the file is gone.
+    /// Reads the frame about to be read and moves behind it. Frames lost to damage are skipped:
+    /// the number of the frame that comes is then above nextFrame(). Where a seek was to lost
+    /// frames with no good one behind, the last good one before them comes. `frame` is changed only
+    /// if a picture came.
+    virtual ReadOutcome read(Frame& frame) = 0;
+
+    /// Why the last read() or seekToFrame() failed. Only after a failure.
+    virtual Failure failure() const;
+
+    /// A second source on the same file, at its start; null if the file is gone.
     virtual std::unique_ptr<FrameSource> clone() const = 0;
 
-    /// Time inside the file of the frame about to be read, in milliseconds.
-    double nextFrameMs() const { return nextFrame() * 1000.0 / fps(); }
-
-    /// Makes the frame nearest to `ms` milliseconds from the start of the file the next one; behind
-    /// the last frame that is the last one.
-    bool seekToTime(double ms);
+    /// Time of the frame about to be read, in milliseconds from the first one.
+    double nextFrameMs() const { return frameTimeMs(nextFrame()); }
 };
-
-/// Opens a file, or gives null if it holds no video that can be read. Logs nothing.
-using FrameSourceFactory = std::function<std::unique_ptr<FrameSource>(const QString& file)>;
-
-/// The source on the decoding library.
-std::unique_ptr<FrameSource> openFrameSource(const QString& file);
 
 } // namespace corv

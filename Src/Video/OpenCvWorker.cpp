@@ -24,8 +24,8 @@ int millisecondsOf(QTime time)
 
 } // namespace
 
-OpenCvWorker::OpenCvWorker(VideoPlayer* player, FrameSourceFactory openSource)
-    : m_player(player), m_openSource(std::move(openSource)),
+OpenCvWorker::OpenCvWorker(VideoPlayer* player, std::shared_ptr<const VideoBackend> backend)
+    : m_player(player), m_backend(std::move(backend)),
       m_stills([this](QTime time) { return getFrameAt(time); }, this)
 {
     connect(&m_thread, &QThread::finished, [this] { annotateRelease(&m_thread); });
@@ -57,7 +57,7 @@ void OpenCvWorker::setVideoSources(const QStringList& files, int opening)
     }
     qInfo() << files;
     m_sourceFiles = files;
-    const QStringList failed = m_timeline.open(files, m_openSource);
+    const QStringList failed = m_timeline.open(files, *m_backend);
     post(m_player, [player = m_player, opening, failed, fps = m_timeline.fps(),
                     totalFrames = m_timeline.totalFrames(), size = m_timeline.frameSize()] {
         player->onVideoFilesProcessed(opening, fps, totalFrames, size, failed);
@@ -92,13 +92,14 @@ void OpenCvWorker::produceNextFrame(bool seekResult)
     VideoFileEntry& entry = current();
     const int position = entry.capture->nextFrame();
     const double fileMs = entry.capture->nextFrameMs();
-    if (!entry.capture->read(m_spareFrame)) {
+    Frame frame;
+    if (entry.capture->read(frame) != ReadOutcome::frame) {
         qInfo() << "Read failed in" << entry.file << "for frame " << position << " at ms"
                 << truncateToInt(fileMs);
         tellPlayerToPause();
         return;
     }
-    std::swap(m_lastFrame, m_spareFrame);
+    m_lastFrame = frame;
     m_lastFrameTimeMs = entry.timelineMs(fileMs);
     m_lastFrameIndex = entry.firstFrameIndex + position;
     handOverPicture(m_lastFrame, m_lastFrameIndex, m_lastFrameTimeMs, seekResult);
@@ -134,7 +135,7 @@ void OpenCvWorker::produceFrameBurst()
 void OpenCvWorker::seekAtTime(QTime time)
 {
     const int ms = millisecondsOf(time);
-    if (ms == m_lastFrameTimeMs && !m_lastFrame.empty()) {
+    if (ms == m_lastFrameTimeMs && !m_lastFrame.isNull()) {
         renderLastFrame();
         return;
     }
@@ -153,7 +154,7 @@ void OpenCvWorker::seekAtTime(QTime time)
 
 void OpenCvWorker::seekAtFrameIndex(int index)
 {
-    if (index == m_lastFrameIndex && !m_lastFrame.empty()) {
+    if (index == m_lastFrameIndex && !m_lastFrame.isNull()) {
         renderLastFrame();
         return;
     }
@@ -176,18 +177,18 @@ void OpenCvWorker::renderLastFrame()
 }
 
 // A picture that no effect will change is shown as it is, without a copy.
-void OpenCvWorker::handOverPicture(const cv::Mat& picture, int frameIndex, int timeMs,
+void OpenCvWorker::handOverPicture(const Frame& picture, int frameIndex, int timeMs,
                                    bool seekResult)
 {
     try {
         VideoPlayer::PlayerFrame result{frameIndex, timeMs, {}};
         if (m_overlay.changesPictures(m_settings)) {
-            picture.copyTo(m_effectFrame);
+            toBgr(picture, m_effectFrame);
             m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
             result.frame = cvMatToQVideoFrame(m_effectFrame);
         } else {
             m_overlay.reportRange(m_settings, m_reportRange);
-            result.frame = cvMatToQVideoFrame(picture);
+            result.frame = toVideoFrame(picture);
         }
         post(m_player, [player = m_player, opening = m_opening, result, seekResult] {
             player->onFrameReady(opening, result, seekResult);
@@ -235,11 +236,13 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, double fileMs)
 {
     if (!capture.seekToTime(fileMs))
         return {};
-    if (!capture.read(m_stillFrame)) {
+    Frame frame;
+    if (capture.read(frame) != ReadOutcome::frame) {
         qInfo() << "Read failed for frame " << fileMs;
         return {};
     }
     try {
+        toBgr(frame, m_stillFrame);
         // The time inside the file, not on the timeline: so saved pictures have always been made.
         m_overlay.applyPictureEffects(m_stillFrame, truncateToInt(fileMs), m_settings, false, {});
         return cvMatToQImage(m_stillFrame);
@@ -274,7 +277,7 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
     hooks.isCancelled = [this, &cancelled] {
         return cancelled.load(std::memory_order_relaxed) || isStopping();
     };
-    return VideoExporter(m_timeline, std::move(hooks)).exportTo(file, m_currentSource);
+    return VideoExporter(*m_backend, m_timeline, std::move(hooks)).exportTo(file, m_currentSource);
 }
 
 void OpenCvWorker::setClock(std::shared_ptr<const FlightClock> clock)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Video/FrameSource.h"
 #include "Video/StillFrameQueue.h"
 #include "Video/ThermalOverlay.h"
+#include "Video/VideoBackend.h"
 #include "Video/VideoDisplaySettings.h"
 #include "Video/VideoTimeline.h"
 
@@ -33,8 +33,8 @@ class OpenCvWorker : public QObject
     Q_OBJECT
 
 public:
-    /// Both outlive the worker; `openSource` is called on the worker's thread.
-    OpenCvWorker(VideoPlayer* player, FrameSourceFactory openSource);
+    /// `player` outlives the worker; `backend` is called on the worker's thread.
+    OpenCvWorker(VideoPlayer* player, std::shared_ptr<const VideoBackend> backend);
 
     /// Drops what is queued and waits for the job at hand.
     ~OpenCvWorker() override;
@@ -87,14 +87,14 @@ private:
 
     VideoFileEntry& current() { return m_timeline.entry(m_currentSource); }
     bool moveToNextFile();
-    void handOverPicture(const cv::Mat& picture, int frameIndex, int timeMs, bool seekResult);
+    void handOverPicture(const Frame& picture, int frameIndex, int timeMs, bool seekResult);
     void renderLastFrame();
     FrameSource* stillSource(int file);
     QImage extractFrame(FrameSource& capture, double fileMs);
     void tellPlayerToPause();
 
     VideoPlayer* const m_player;
-    const FrameSourceFactory m_openSource;
+    const std::shared_ptr<const VideoBackend> m_backend;
     QThread m_thread;
     std::atomic<bool> m_stopRequested{false};
 
@@ -103,10 +103,9 @@ private:
     VideoTimeline m_timeline;
     int m_currentSource = noFile;
 
-    cv::Mat m_lastFrame; // as read, so that a later change of settings can rework it
+    Frame m_lastFrame; // as read, so that a later change of settings can rework it
     int m_lastFrameTimeMs = std::numeric_limits<int>::min();
     int m_lastFrameIndex = std::numeric_limits<int>::min();
-    cv::Mat m_spareFrame; // the buffer for the next frame
     cv::Mat m_effectFrame;
 
     VideoDisplaySettings m_settings;

@@ -1,8 +1,7 @@
 #include "Video/VideoExporter.h"
 
-#include "Video/FrameSource.h"
-#include "Video/FrameWriter.h"
-#include "Video/VideoInfoReader.h"
+#include "Video/VideoBackend.h"
+#include "Video/frameConversion.h"
 
 #include <QDebug>
 #include <algorithm>
@@ -12,24 +11,8 @@
 #include <utility>
 
 namespace corv {
-namespace {
-
-/// The encoder says nothing of a full disk. Containers number their frames at their end, which is
-/// not written once something was lost; only where the number falls short is it worth counting.
-void tellOfLostFrames(const QString& target, int written)
-{
-    if (promisedFrameCount(target) >= written)
-        return;
-    const auto result = openFrameSource(target);
-    const int found = result ? result->frameCount() : 0;
-    if (found < written)
-        qWarning() << "Exported video is incomplete: frames" << found << "of" << written;
-}
-
-} // namespace
-
-VideoExporter::VideoExporter(VideoTimeline& timeline, Hooks hooks)
-    : m_timeline(timeline), m_hooks(std::move(hooks))
+VideoExporter::VideoExporter(const VideoBackend& backend, VideoTimeline& timeline, Hooks hooks)
+    : m_backend(backend), m_timeline(timeline), m_hooks(std::move(hooks))
 {
 }
 
@@ -39,11 +22,11 @@ bool VideoExporter::exportTo(const QString& target, int currentFile)
     int written = 0;
     int savedPosition = 0;
     {
-        FrameWriter writer;
-        if (!writer.open(target, current.fps(), current.size()))
+        const auto writer = m_backend.openWriter(target, current.fps(), current.size());
+        if (!writer)
             return false;
         savedPosition = current.nextFrame();
-        written = writeAll(writer, current.size());
+        written = writeAll(**writer, current.size());
     }
     if (!m_hooks.isCancelled())
         tellOfLostFrames(target, written);
@@ -74,30 +57,44 @@ int VideoExporter::exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize 
             return written;
         }
         const int timeMs = entry.timelineMs(capture.nextFrameMs());
-        cv::Mat frame = writer.takeBuffer();
-        if (!capture.read(frame)) {
+        Frame frame;
+        if (capture.read(frame) != ReadOutcome::frame) {
             qInfo() << "Read failed for frame " << i;
             return written;
         }
-        applyEffects(frame, timeMs);
-        if (frame.cols == size.width() && frame.rows == size.height()) {
-            writer.write(std::move(frame));
+        if (frame.size == size) {
+            m_turn = 1 - m_turn;
+            cv::Mat& picture = m_pictures[m_turn];
+            toBgr(frame, picture);
+            applyEffects(picture, timeMs);
+            writer.write(bgrFrame(picture));
             ++written;
-        } else {
-            writer.giveBack(std::move(frame));
         }
         m_hooks.reportProgress(done + i + 1, m_timeline.totalFrames());
     }
     return written;
 }
 
-void VideoExporter::applyEffects(cv::Mat& frame, int timeMs)
+void VideoExporter::applyEffects(cv::Mat& picture, int timeMs)
 {
     try {
-        m_hooks.applyEffects(frame, timeMs);
+        m_hooks.applyEffects(picture, timeMs);
     } catch (const std::exception& error) {
         qWarning() << "Exporting without effects the frame at ms" << timeMs << error.what();
     }
+}
+
+/// The encoder says nothing of a full disk. Containers number their frames at their end, which is
+/// not written once something was lost; only where the number falls short is it worth counting.
+void VideoExporter::tellOfLostFrames(const QString& target, int written) const
+{
+    const auto info = m_backend.info(target);
+    if (info && info->promisedFrames >= written)
+        return;
+    const auto result = m_backend.openSource(target);
+    const int found = result ? (*result)->frameCount() : 0;
+    if (found < written)
+        qWarning() << "Exported video is incomplete: frames" << found << "of" << written;
 }
 
 bool isOneOfFiles(const QString& target, const QStringList& files)

@@ -1,5 +1,6 @@
 #include "Video/VideoInfoReader.h"
 
+#include "Video/VideoBackend.h"
 #include "Video/truncation.h"
 
 #include <QDebug>
@@ -11,23 +12,25 @@
 namespace corv {
 namespace {
 
-struct PromisedLength
-{
-    int fps = 0;
-    int frames = 0;
-};
-
-bool readPromisedLength(const QString& file, PromisedLength& length)
+bool openCapture(cv::VideoCapture& capture, const QString& file)
 {
     const QFileInfo info(file);
     if (!info.isFile())
         return false;
+    return capture.open(info.absoluteFilePath().toStdString(), cv::CAP_FFMPEG);
+}
+
+} // namespace
+
+bool readVideoInfo(const QString& file, VideoInfo& info)
+{
     try {
         cv::VideoCapture capture;
-        if (!capture.open(info.absoluteFilePath().toStdString(), cv::CAP_FFMPEG))
+        if (!openCapture(capture, file))
             return false;
-        length.fps = truncateToInt(capture.get(cv::CAP_PROP_FPS));
-        length.frames = truncateToInt(capture.get(cv::CAP_PROP_FRAME_COUNT));
+        info.fps = capture.get(cv::CAP_PROP_FPS);
+        info.promisedFrames = truncateToInt(capture.get(cv::CAP_PROP_FRAME_COUNT));
+        info.durationMs = info.promisedFrames * 1000.0 / info.fps;
         return true;
     } catch (const std::exception& error) {
         qWarning() << "Video back-end:" << error.what();
@@ -35,29 +38,21 @@ bool readPromisedLength(const QString& file, PromisedLength& length)
     }
 }
 
-} // namespace
-
-int promisedFrameCount(const QString& file)
-{
-    PromisedLength length;
-    readPromisedLength(file, length);
-    return length.frames;
-}
-
 VideoInfoReader::VideoInfoReader(QString file) : m_file(std::move(file)) {}
 
 int VideoInfoReader::getDurationMs() const
 {
-    PromisedLength length;
-    if (!readPromisedLength(m_file, length)) {
+    VideoInfo info;
+    if (!readVideoInfo(m_file, info)) {
         qWarning() << "Failed to open video file" << m_file;
         return -1;
     }
-    if (length.fps <= 0) {
+    const int fps = truncateToInt(info.fps);
+    if (fps <= 0) {
         qWarning() << "No whole frame per second in video file" << m_file;
         return -1;
     }
-    return wrappingProduct(length.frames / length.fps, 1000);
+    return wrappingProduct(info.promisedFrames / fps, 1000);
 }
 
 } // namespace corv

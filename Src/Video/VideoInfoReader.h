@@ -4,6 +4,8 @@
 
 namespace corv {
 
+struct VideoInfo;
+
 /// The duration of one video file, without a worker, for the pairing of videos and logs. Any
 /// thread, one at a time.
 class VideoInfoReader
@@ -20,8 +22,7 @@ private:
     QString m_file;
 };
 
-/// How many frames the container of a video file promises, which is not how many arrive; 0 if the
-/// file cannot be opened. Any thread.
-int promisedFrameCount(const QString& file);
+/// What the file says of itself; false if it cannot be opened. Any thread.
+bool readVideoInfo(const QString& file, VideoInfo& info);
 
 } // namespace corv

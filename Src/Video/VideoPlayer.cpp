@@ -38,10 +38,10 @@ void saveImage(const QImage& image, const QString& fileName)
 
 } // namespace
 
-VideoPlayer::VideoPlayer(QQuickItem* parent) : VideoPlayer(openFrameSource, parent) {}
+VideoPlayer::VideoPlayer(QQuickItem* parent) : VideoPlayer(systemVideoBackend(), parent) {}
 
-VideoPlayer::VideoPlayer(FrameSourceFactory openSource, QQuickItem* parent)
-    : QQuickItem(parent), m_worker(std::make_unique<OpenCvWorker>(this, std::move(openSource)))
+VideoPlayer::VideoPlayer(std::shared_ptr<const VideoBackend> backend, QQuickItem* parent)
+    : QQuickItem(parent), m_worker(std::make_unique<OpenCvWorker>(this, std::move(backend)))
 {
     setFlag(ItemHasContents);
     setAntialiasing(true);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Log/LogParser.h"
-#include "Video/FrameSource.h"
 #include "Video/VideoDisplaySettings.h"
 
 #include <QAbstractVideoSurface>
@@ -20,6 +19,7 @@
 namespace corv {
 
 class OpenCvWorker;
+class VideoBackend;
 
 /// The video of a flight, as the interface sees it: opens the numbered files of a flight as one
 /// timeline, paces playback, and presents decoded frames on a video surface. It paints nothing and
@@ -57,8 +57,8 @@ class VideoPlayer : public QQuickItem
 public:
     explicit VideoPlayer(QQuickItem* parent = nullptr);
 
-    /// With files opened by `openSource`, which is called on the worker's thread.
-    explicit VideoPlayer(FrameSourceFactory openSource, QQuickItem* parent = nullptr);
+    /// With files opened by `backend`, which is called on the worker's thread.
+    explicit VideoPlayer(std::shared_ptr<const VideoBackend> backend, QQuickItem* parent = nullptr);
     ~VideoPlayer() override;
 
     /// The file now playing. Writing opens it, with the files that follow it by number.

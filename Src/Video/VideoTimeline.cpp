@@ -12,18 +12,19 @@ int VideoFileEntry::timelineMs(double fileMs) const
     return truncateToInt(truncateToInt(fileMs) + startMs);
 }
 
-QStringList VideoTimeline::open(const QStringList& files, const FrameSourceFactory& openSource)
+QStringList VideoTimeline::open(const QStringList& files, const VideoBackend& backend)
 {
     close();
     QStringList failed;
     double startMs = 0.0;
     for (const QString& file : files) {
-        std::unique_ptr<FrameSource> capture = openSource(file);
-        if (!capture) {
+        Result<std::unique_ptr<FrameSource>> opened = backend.openSource(file);
+        if (!opened) {
             qWarning() << "Failed to open" << file;
             failed << file;
             continue;
         }
+        std::unique_ptr<FrameSource> capture = std::move(*opened);
         VideoFileEntry entry;
         entry.file = file;
         entry.frameCount = capture->frameCount();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Video/FrameSource.h"
+#include "Video/VideoBackend.h"
 
 #include <QSizeF>
 #include <QString>
@@ -31,7 +31,7 @@ class VideoTimeline
 public:
     /// Opens the files in order; what does not open is told in the log and left out.
     /// Returns the files that were left out.
-    QStringList open(const QStringList& files, const FrameSourceFactory& openSource);
+    QStringList open(const QStringList& files, const VideoBackend& backend);
     void close();
 
     bool isEmpty() const { return m_entries.empty(); }

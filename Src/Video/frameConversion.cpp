@@ -77,4 +77,34 @@ QVideoFrame cvMatToQVideoFrame(const cv::Mat& picture)
                        QVideoFrame::Format_YUV420P);
 }
 
+Frame bgrFrame(const cv::Mat& picture)
+{
+    Frame frame;
+    frame.layout = Frame::Layout::bgr;
+    frame.size = QSize(picture.cols, picture.rows);
+    frame.planes[0] = {picture.data, static_cast<int>(picture.step)};
+    frame.sizeBytes = static_cast<qint64>(picture.step) * picture.rows;
+    frame.pixels = std::make_shared<const cv::Mat>(picture);
+    return frame;
+}
+
+cv::Mat bgrView(const Frame& frame, cv::Mat&)
+{
+    // OpenCV knows no header on constant pixels.
+    return cv::Mat(frame.size.height(), frame.size.width(), CV_8UC3,
+                   const_cast<uchar*>(frame.planes[0].data),
+                   static_cast<size_t>(frame.planes[0].bytesPerLine));
+}
+
+void toBgr(const Frame& frame, cv::Mat& bgr)
+{
+    bgrView(frame, bgr).copyTo(bgr);
+}
+
+QVideoFrame toVideoFrame(const Frame& frame)
+{
+    cv::Mat buffer;
+    return cvMatToQVideoFrame(bgrView(frame, buffer));
+}
+
 } // namespace corv

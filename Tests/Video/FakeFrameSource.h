@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Support/SourceBackend.h"
 #include "Support/TestVideo.h"
-#include "Video/FrameSource.h"
+#include "Video/frameConversion.h"
 
 #include <QHash>
 #include <QThread>
@@ -51,18 +52,22 @@ public:
         return true;
     }
 
-    bool read(cv::Mat& frame) override
+    ReadOutcome read(Frame& frame) override
     {
         while (m_file->blocked)
             QThread::yieldCurrentThread();
-        if (m_next >= m_file->frames || m_file->unreadable.count(m_next))
-            return false;
+        if (m_next >= m_file->frames)
+            return ReadOutcome::end;
+        if (m_file->unreadable.count(m_next))
+            return ReadOutcome::failed;
         ++m_file->reads;
-        testPicture(m_file->firstNumber + m_next, m_file->size).copyTo(frame);
+        frame = bgrFrame(testPicture(m_file->firstNumber + m_next, m_file->size));
         if (m_file->throwsInPlay)
-            frame = cv::Mat(240, 320, CV_64FC3);
+            frame.size = {0, 0};
+        frame.index = m_next;
+        frame.timeMs = frameTimeMs(m_next);
         ++m_next;
-        return true;
+        return ReadOutcome::frame;
     }
 
     std::unique_ptr<FrameSource> clone() const override
@@ -89,12 +94,13 @@ public:
         return file;
     }
 
-    FrameSourceFactory factory() const
+    std::shared_ptr<const VideoBackend> factory() const
     {
-        return [files = m_files](const QString& path) -> std::unique_ptr<FrameSource> {
-            const auto file = files.value(path);
-            return file ? std::make_unique<FakeFrameSource>(file) : nullptr;
-        };
+        return std::make_shared<SourceBackend>(
+            [files = m_files](const QString& path) -> std::unique_ptr<FrameSource> {
+                const auto file = files.value(path);
+                return file ? std::make_unique<FakeFrameSource>(file) : nullptr;
+            });
     }
 
 private:

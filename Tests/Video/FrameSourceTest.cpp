@@ -1,6 +1,5 @@
-#include "Video/FrameSource.h"
-#include "SampleFlight/frameStrip.h"
 #include "Support/TestVideo.h"
+#include "openVideo.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -18,12 +17,6 @@ const QStringList h264{"-c:v", "libx264", "-preset",  "ultrafast",
 QStringList h264With(const QStringList& more)
 {
     return h264 + more;
-}
-
-int readNumber(FrameSource& source)
-{
-    cv::Mat frame;
-    return source.read(frame) ? readFrameNumber(frame) : -1;
 }
 
 } // namespace
@@ -91,7 +84,7 @@ void FrameSourceTest::everyFrameIsTheOneAskedFor()
     QFETCH(QStringList, encoding);
     const QString file = path(QStringLiteral("exact.") + suffix);
     QVERIFY((TestVideo{frames, fps, {320, 240}, 0, encoding}.write(file)));
-    const auto source = openFrameSource(file);
+    const auto source = openVideo(file);
     QVERIFY(source);
     QCOMPARE(source->frameCount(), frames);
     QCOMPARE(source->size(), QSize(320, 240));
@@ -144,7 +137,7 @@ void FrameSourceTest::countIsWhatArrives()
         QFile part(file);
         QVERIFY(part.resize(part.size() * (kind == "cut off" ? 6 : 2) / 10));
     }
-    const auto source = openFrameSource(file);
+    const auto source = openVideo(file);
     QVERIFY(source);
     int arrived = 0;
     const int first = readNumber(*source);
@@ -179,7 +172,7 @@ void FrameSourceTest::aVariableRateIsExact()
     QVERIFY((TestVideo{frames, "30", {320, 240}, 0, h264With({"-g", "30"})}.write(steady)));
     QVERIFY(runFfmpeg(QStringList{"-i", steady, "-vf", filter, "-vsync", "vfr", "-g", "20"} + h264 +
                       QStringList{variable}));
-    const auto source = openFrameSource(variable);
+    const auto source = openVideo(variable);
     QVERIFY(source);
     QList<int> numbers;
     for (int number = readNumber(*source); number >= 0; number = readNumber(*source))
@@ -212,12 +205,11 @@ void FrameSourceTest::sidesAreCroppedToEven()
     QFETCH(QSize, read);
     const QString file = path("odd.mp4");
     QVERIFY((TestVideo{10, "25", made, 0, {"-c:v", "libx264", "-pix_fmt", "yuv444p"}}.write(file)));
-    const auto source = openFrameSource(file);
+    const auto source = openVideo(file);
     QVERIFY(source);
     QCOMPARE(source->size(), read);
     for (int i = 0; i < 10; ++i) {
-        cv::Mat frame;
-        QVERIFY(source->read(frame));
+        const cv::Mat frame = readPicture(*source);
         QCOMPARE(QSize(frame.cols, frame.rows), read);
         QCOMPARE(readFrameNumber(frame), i);
     }
@@ -229,11 +221,10 @@ void FrameSourceTest::aTurnedVideoKeepsItsTurnedSize()
     const QString turned = path("turned.mp4");
     QVERIFY((TestVideo{10, "25", {320, 240}, 0, h264}.write(lying)));
     QVERIFY(runFfmpeg({"-i", lying, "-c", "copy", "-metadata:s:v:0", "rotate=90", turned}));
-    const auto source = openFrameSource(turned);
+    const auto source = openVideo(turned);
     QVERIFY(source);
     QCOMPARE(source->size(), QSize(240, 320));
-    cv::Mat frame;
-    QVERIFY(source->read(frame));
+    const cv::Mat frame = readPicture(*source);
     QCOMPARE(QSize(frame.cols, frame.rows), QSize(240, 320));
 }
 
@@ -241,7 +232,7 @@ void FrameSourceTest::onePictureIsAVideo()
 {
     const QString file = path("one.mp4");
     QVERIFY((TestVideo{1, "25", {320, 240}, 7, h264}.write(file)));
-    const auto source = openFrameSource(file);
+    const auto source = openVideo(file);
     QVERIFY(source);
     QCOMPARE(source->frameCount(), 1);
     for (int round = 0; round < 3; ++round) {
@@ -255,7 +246,7 @@ void FrameSourceTest::stepsAheadAndBackAreExact()
 {
     const QString file = path("steps.mp4");
     QVERIFY((TestVideo{200, "30", {320, 240}, 0, h264With({"-g", "250"})}.write(file)));
-    const auto source = openFrameSource(file);
+    const auto source = openVideo(file);
     QVERIFY(source);
     for (int step : {1, 2, 15, 16, 17, 18, 40, -1, -2, -30}) {
         QVERIFY(source->seekToFrame(100));
@@ -296,17 +287,17 @@ void FrameSourceTest::whatIsNoVideoDoesNotOpen()
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(content), content.size());
     file.close();
-    QVERIFY(!openFrameSource(file.fileName()));
-    QVERIFY(!openFrameSource(m_folder.path()));
-    QVERIFY(!openFrameSource(path("nowhere.mp4")));
-    QVERIFY(!openFrameSource(QString()));
+    QVERIFY(!openVideo(file.fileName()));
+    QVERIFY(!openVideo(m_folder.path()));
+    QVERIFY(!openVideo(path("nowhere.mp4")));
+    QVERIFY(!openVideo(QString()));
 }
 
 void FrameSourceTest::aCloneStandsAtTheStartAndIsIndependent()
 {
     const QString file = path("clone.mp4");
     QVERIFY((TestVideo{60, "30", {320, 240}, 0, h264}.write(file)));
-    const auto source = openFrameSource(file);
+    const auto source = openVideo(file);
     QVERIFY(source);
     QVERIFY(source->seekToFrame(20));
     const auto clone = source->clone();
@@ -322,7 +313,7 @@ void FrameSourceTest::aVanishedFileIsStillReadButNotCloned()
 {
     const QString file = path("vanishing.mp4");
     QVERIFY((TestVideo{60, "30", {320, 240}, 0, h264}.write(file)));
-    const auto source = openFrameSource(file);
+    const auto source = openVideo(file);
     QVERIFY(source);
     QVERIFY(QFile::remove(file));
     QVERIFY(!source->clone());

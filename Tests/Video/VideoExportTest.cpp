@@ -4,6 +4,7 @@
 #include "Support/LogBuilder.h"
 #include "Support/MessageLog.h"
 #include "Threads/pool.h"
+#include "openVideo.h"
 
 #include <QDir>
 #include <QPair>
@@ -113,10 +114,9 @@ private:
 QList<int> VideoExportTest::numbersInVideo(const QString& file)
 {
     QList<int> numbers;
-    const auto source = openFrameSource(file);
-    cv::Mat frame;
-    while (source && source->read(frame))
-        numbers << readFrameNumber(frame);
+    const auto source = openVideo(file);
+    for (cv::Mat picture; source && !(picture = readPicture(*source)).empty();)
+        numbers << readFrameNumber(picture);
     return numbers;
 }
 
@@ -171,10 +171,10 @@ void VideoExportTest::effectsAreInTheVideo()
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
     QTRY_COMPARE(record.results.size(), 1);
-    const auto exported = openFrameSource(path("out.mp4"));
+    const auto exported = openVideo(path("out.mp4"));
     QVERIFY(exported);
-    cv::Mat frame;
-    QVERIFY(exported->read(frame));
+    const cv::Mat frame = readPicture(*exported);
+    QVERIFY(!frame.empty());
     const cv::Vec3b plain = testPicture(0, {320, 240}).at<cv::Vec3b>(230, 310);
     const cv::Vec3b seen = frame.at<cv::Vec3b>(230, 310);
     for (int channel = 0; channel < 3; ++channel)
@@ -211,12 +211,11 @@ void VideoExportTest::theOverlayFollowsTheTimeline()
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
     QTRY_COMPARE(record.results.size(), 1);
-    const auto exported = openFrameSource(path("out.mp4"));
+    const auto exported = openVideo(path("out.mp4"));
     QVERIFY(exported);
     QCOMPARE(exported->frameCount(), 50);
-    cv::Mat frame;
     for (int i = 0; i < 50; ++i) {
-        QVERIFY(exported->read(frame));
+        const cv::Mat frame = readPicture(*exported);
         QCOMPARE(readFrameNumber(frame), i);
         const cv::Vec3b seen = frame.at<cv::Vec3b>(overlayY, overlayX);
         QCOMPARE(isCold(seen), showIR && i < 25);

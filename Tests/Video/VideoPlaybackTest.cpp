@@ -1,5 +1,6 @@
 #include "PlayerBench.h"
 #include "Support/MessageLog.h"
+#include "openVideo.h"
 
 #include <QDir>
 #include <QFile>
@@ -260,7 +261,7 @@ void VideoPlaybackTest::oddSidesAreCropped()
     QSignalSpy complete(&player, &VideoPlayer::videoExportComplete);
     QVERIFY(player.exportVideo(path("out.mp4")));
     QTRY_COMPARE(complete.count(), 1);
-    const auto exported = openFrameSource(path("out.mp4"));
+    const auto exported = openVideo(path("out.mp4"));
     QVERIFY(exported);
     QCOMPARE(exported->frameCount(), 20);
     QCOMPARE(exported->size(), QSize(320, 240));

@@ -1,7 +1,9 @@
 #include "Log/LogParser.h"
 #include "SampleFlight/SampleFlight.h"
 #include "SampleFlight/frameStrip.h"
+#include "Support/SourceBackend.h"
 #include "Video/VideoPlayer.h"
+#include "Video/frameConversion.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -32,12 +34,15 @@ public:
         return true;
     }
 
-    bool read(cv::Mat& frame) override
+    ReadOutcome read(Frame& frame) override
     {
         if (m_next >= frameCount())
-            return false;
-        frame = m_flight->videoFrame(m_next++);
-        return true;
+            return ReadOutcome::end;
+        frame = bgrFrame(m_flight->videoFrame(m_next));
+        frame.index = m_next;
+        frame.timeMs = frameTimeMs(m_next);
+        ++m_next;
+        return ReadOutcome::frame;
     }
 
     std::unique_ptr<FrameSource> clone() const override
@@ -98,8 +103,8 @@ void FlightUnderReviewTest::initTestCase()
     const QString video = m_folder.filePath(QStringLiteral("flight.mov"));
     QVERIFY(QFile(video).open(QIODevice::WriteOnly));
 
-    m_player = std::make_unique<VideoPlayer>(
-        [this](const QString&) { return std::make_unique<FlightSource>(m_flight); });
+    m_player = std::make_unique<VideoPlayer>(std::make_shared<test::SourceBackend>(
+        [this](const QString&) { return std::make_unique<FlightSource>(m_flight); }));
     m_player->setLogParser(&m_parser);
     QSignalSpy opened(m_player.get(), &VideoPlayer::durationChanged);
     m_player->setSource(video);
