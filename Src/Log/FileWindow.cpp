@@ -15,7 +15,8 @@ FileWindow::FileWindow(QFile* file, qint64 beginByte, qint64 endByte)
     : m_file(file), m_nextByte(beginByte), m_endByte(endByte)
 {
     const auto part = static_cast<size_t>(std::max<qint64>(endByte - beginByte, 0));
-    m_failed = !m_file->seek(beginByte) ||
+    m_cutShort = endByte < beginByte;
+    m_failed = m_cutShort || !m_file->seek(beginByte) ||
                !m_buffer.allocate(kLongestKept + std::min(part, kWindowBytes), true);
     m_begin = m_end = m_buffer.data();
 }
@@ -35,6 +36,7 @@ bool FileWindow::advance(const unsigned char* keepFrom)
         const qint64 more = m_file->read(reinterpret_cast<char*>(to) + kept + got, wanted - got);
         if (more <= 0) {
             m_failed = true;
+            m_cutShort = more == 0;
             return false;
         }
         got += more;

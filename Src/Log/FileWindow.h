@@ -22,14 +22,21 @@ public:
     const unsigned char* end() const { return m_end; }
 
     /// Whether the last byte of the part is in the window already.
-    bool atEnd() const { return m_nextByte == m_endByte; }
+    bool atEnd() const { return m_nextByte >= m_endByte; }
+
+    /// Offset in the file of the first byte behind the window.
+    qint64 nextByte() const { return m_nextByte; }
 
     /// Moves on: the bytes from `keepFrom` to `end()` come to the front, new ones follow them. At
     /// most `kLongestKept` bytes can be kept. False when the file could not be read.
     bool advance(const unsigned char* keepFrom);
 
-    /// True once a read failed, or ended before the part did.
+    /// True once a read failed, or ended before the part did; from the start for a part that ends
+    /// before it begins, as that of a file that has become shorter.
     bool hasFailed() const { return m_failed; }
+
+    /// Whether it failed because the file ends before the part does.
+    bool isCutShort() const { return m_cutShort; }
 
     static constexpr size_t kLongestKept = size_t(1) << 17;
 
@@ -41,6 +48,7 @@ private:
     qint64 m_nextByte;
     qint64 m_endByte;
     bool m_failed = false;
+    bool m_cutShort = false;
 };
 
 } // namespace corv

@@ -1,16 +1,15 @@
 #include "Log/LogDecoder.h"
 
-#include "Log/LogDescription.h"
+#include "Log/LogOpening.h"
 #include "Log/PacketScan.h"
 #include "Log/RowWriter.h"
+#include "Log/logFailures.h"
 
 #include <QDebug>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace corv {
@@ -21,21 +20,6 @@ constexpr qint64 kProgressEvery = 1000;
 int clampToInt(qint64 value)
 {
     return static_cast<int>(std::min<qint64>(value, std::numeric_limits<int>::max()));
-}
-
-void logElapsed(const QElapsedTimer& timer)
-{
-    qInfo() << "Elapsed time: " << static_cast<double>(timer.elapsed()) / 1000.0 << "s.";
-}
-
-void logUnreadable()
-{
-    qInfo() << "ERROR: Unable to read file.\n";
-}
-
-void logAborted()
-{
-    qInfo() << "Aborted.";
 }
 
 void logSummary(const LogDecodeCounters& counters)
@@ -63,6 +47,7 @@ public:
     explicit PacketCounter(const std::atomic<bool>* abortFlag) : m_abortFlag(*abortFlag) {}
 
     bool proceed() const { return !m_abortFlag.load(std::memory_order_relaxed); }
+    static bool wants(unsigned) { return true; }
     void windowMoves() {}
     void wrongId() { ++m_wrongId; }
     void begins(unsigned id)
@@ -133,6 +118,7 @@ public:
     }
 
     bool proceed() const { return true; }
+    static bool wants(unsigned) { return true; }
     void windowMoves() { flush(); }
     void wrongId() {}
     void begins(unsigned) {}
@@ -195,47 +181,17 @@ bool holdsAllItsFields(const LogGroup& group, const DescribedGroup& described)
     return bytes == group.getPacketSize();
 }
 
-bool allocateVar(LogGroup* group, const DescribedVar& item, bool dense)
+Status allocateBlocks(LogOpening* opening)
 {
-    LogVar& var = group->getVars()[item.var];
-    if (var.getData() && group->getNbPackets() > 0 &&
-        var.getElementSize() != LogVar::typeSize(item.type)) {
-        qWarning() << "ERROR: log field declared twice with elements of different sizes:"
-                   << group->getName().c_str() << var.getName().c_str();
-        return false;
-    }
-    if (!var.allocate(item.nb, group->getNbPackets(), item.type, dense)) {
-        qWarning() << "ERROR: log field too large, 2 GiB or more or no memory left:"
-                   << group->getName().c_str() << var.getName().c_str() << "with" << item.nb
-                   << "elements in each of" << group->getNbPackets() << "packets";
-        return false;
-    }
-    return true;
-}
-
-bool allocateBlocks(LogFile* log, const std::vector<DescribedGroup>& described)
-{
-    for (const DescribedGroup& element : described) {
-        LogGroup& group = log->getGroups()[element.group];
+    for (const DescribedGroup& element : opening->described) {
+        LogGroup& group = opening->log->getGroups()[element.group];
         const bool dense = holdsAllItsFields(group, element);
         for (const DescribedVar& item : element.vars) {
-            if (!allocateVar(&group, item, dense))
-                return false;
+            if (const Status status = allocateVar(opening->path, &group, item, dense); !status)
+                return status;
         }
     }
-    return true;
-}
-
-// Packets carry one byte of id; of several groups with one id the first gets them.
-template <typename Visit>
-void forEachReachable(LogFile* log, const std::vector<DescribedGroup>& described,
-                      const Visit& visit)
-{
-    for (size_t i = 0; i < described.size(); ++i) {
-        LogGroup& group = log->getGroups()[i];
-        if (described[i].group == i && group.getId() >= 0 && group.getId() <= 0xff)
-            visit(group, described[i]);
-    }
+    return {};
 }
 
 } // namespace
@@ -248,171 +204,102 @@ public:
     {
     }
 
-    std::unique_ptr<LogFile> decode(const QString& path)
+    Result<std::unique_ptr<LogFile>> decode(const QString& path)
     {
-        auto log = std::make_unique<LogFile>();
-        m_file.setFileName(path);
-        // Anything but a plain file, a device for instance, may have no end.
-        if (!QFileInfo(path).isFile() ||
-            !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-            logUnreadable();
-            return nullptr;
+        Result<LogOpening> opened = openLog(path, m_progress, *m_decoder.m_abortFlag);
+        if (!opened)
+            return opened.failure();
+        m_opening = std::move(*opened);
+        m_decoder.m_logVersion = m_opening.version;
+        for (const auto stage : {&Run::countPackets, &Run::allocate, &Run::storePackets}) {
+            if (const Status status = (this->*stage)(); !status)
+                return status.failure();
         }
-        log->setFileName(path.toStdString());
-        const bool whole = readDescription(log.get()) && countPackets(log.get()) &&
-                           allocateBlocks(log.get(), m_described) && summarise() &&
-                           storePackets(log.get());
-        return whole ? std::move(log) : nullptr;
+        return std::move(m_opening.log);
     }
 
 private:
-    bool readDescription(LogFile* log)
-    {
-        qInfo() << "XML parsing...  ";
-        m_timer.start();
-        m_streamBegin = LogDescription::findLength(&m_file, m_decoder.m_abortFlag);
-        if (m_streamBegin < 0) {
-            logUnreadable();
-            return false;
-        }
-        if (isAborted())
-            return false;
-        LogDescription description;
-        bool canRead = false;
-        if (const char* fault = description.parse(&m_file, m_streamBegin, &canRead)) {
-            qInfo() << "ERROR: log parsing: " << fault;
-            return false;
-        }
-        if (!canRead) {
-            logUnreadable();
-            return false;
-        }
-        if (isAborted())
-            return false;
-        qInfo() << "Parsed.";
-        qInfo() << "Retrieving log version...  ";
-        m_progress(0, 0, 0);
-        if (!description.build(log, m_decoder.m_abortFlag)) {
-            logAborted();
-            return false;
-        }
-        m_decoder.m_logVersion = description.version();
-        qInfo() << "Retrieved. Log version is version " << m_decoder.m_logVersion << ".";
-        logElapsed(m_timer);
-        m_described = description.takeGroups();
-        noteDeclaredTypes(*log);
-        return true;
-    }
-
-    void noteDeclaredTypes(const LogFile& log)
-    {
-        auto& types = m_decoder.m_declaredTypes;
-        types.resize(log.getGroups().size());
-        for (size_t i = 0; i < types.size(); ++i)
-            types[i].assign(log.getGroups()[i].getVars().size(), LogVar::Uint8);
-        for (const DescribedGroup& element : m_described) {
-            for (const DescribedVar& item : element.vars)
-                types[element.group][item.var] = item.type;
-        }
-    }
-
-    bool countPackets(LogFile* log)
+    Status countPackets()
     {
         qInfo() << "Packet counting...  ";
         m_progress(1, 0, 0);
-        m_framing.wideSize = m_decoder.m_logVersion >= 1;
-        forEachReachable(log, m_described, [this](LogGroup& group, const DescribedGroup&) {
-            m_framing.types[static_cast<size_t>(group.getId())] = {true, group.getPacketSize()};
-        });
-        m_fileBytes = m_file.size();
-        FileWindow window(&m_file, m_streamBegin, m_fileBytes);
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
         PacketCounter counter(m_decoder.m_abortFlag);
-        const bool whole = PacketScan<PacketCounter>(&window, m_framing, &counter).run();
+        const bool whole = PacketScan<PacketCounter>(&window, m_opening.framing, &counter).run();
         m_decoder.m_counters = counter.counters();
-        if (!hasEnded(window, whole))
-            return false;
+        if (const Status status = scanStatus(m_opening.path, window, whole); !status)
+            return status;
         bool fits = true;
-        forEachReachable(log, m_described, [&](LogGroup& group, const DescribedGroup&) {
+        m_opening.forEachReachable([&](LogGroup& group, const DescribedGroup&) {
             const qint64 packets = counter.packets(static_cast<unsigned>(group.getId()));
             fits = fits && packets <= std::numeric_limits<int>::max();
             group.setNbPackets(clampToInt(packets));
         });
         if (!fits)
-            qWarning() << "ERROR: log with more packets of one kind than can be numbered";
-        return fits;
+            return tooManyPackets(m_opening.path);
+        return {};
     }
 
-    // Whether a scan saw the last packet; why not stands in the diagnostics.
-    static bool hasEnded(const FileWindow& window, bool scannedWhole)
+    Status allocate()
     {
-        if (window.hasFailed())
-            logUnreadable();
-        else if (!scannedWhole)
-            logAborted();
-        return scannedWhole && !window.hasFailed();
-    }
-
-    bool summarise()
-    {
-        if (isAborted())
-            return false;
+        if (const Status status = allocateBlocks(&m_opening); !status)
+            return status;
+        if (m_decoder.m_abortFlag->load(std::memory_order_relaxed))
+            return abortedLog(m_opening.path);
         logSummary(m_decoder.m_counters);
-        logElapsed(m_timer);
-        return true;
+        m_opening.logElapsed();
+        return {};
     }
 
-    bool storePackets(LogFile* log)
+    Status storePackets()
     {
         qInfo() << "Data parsing: ";
         const qint64 total = m_decoder.m_counters.total;
         m_progress(2, 0, clampToInt(total));
-        FileWindow window(&m_file, m_streamBegin, m_fileBytes);
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
         PacketStore store(&window, m_decoder.m_abortFlag, m_progress, total);
-        forEachReachable(log, m_described,
-                         [&store](LogGroup& group, const DescribedGroup& element) {
-                             store.addGroup(&group, element);
-                         });
-        const bool whole = PacketScan<PacketStore>(&window, m_framing, &store).run();
-        if (!hasEnded(window, whole))
-            return false;
+        m_opening.forEachReachable([&store](LogGroup& group, const DescribedGroup& element) {
+            store.addGroup(&group, element);
+        });
+        const bool whole = PacketScan<PacketStore>(&window, m_opening.framing, &store).run();
+        if (const Status status = scanStatus(m_opening.path, window, whole); !status)
+            return status;
         store.finish();
         qInfo() << "Done.";
-        logElapsed(m_timer);
-        return true;
-    }
-
-    // Tells of the abort as well.
-    bool isAborted() const
-    {
-        const bool aborted = m_decoder.m_abortFlag->load(std::memory_order_relaxed);
-        if (aborted)
-            logAborted();
-        return aborted;
+        m_opening.logElapsed();
+        return {};
     }
 
     LogDecoder& m_decoder;
     const Progress& m_progress;
-    QFile m_file;
-    QElapsedTimer m_timer;
-    qint64 m_streamBegin = 0;
-    qint64 m_fileBytes = 0;
-    PacketFraming m_framing;
-    std::vector<DescribedGroup> m_described;
+    LogOpening m_opening;
 };
 
-LogFile* LogDecoder::parseLog(const QString& path, const Progress& progress)
+Result<std::unique_ptr<LogFile>> LogDecoder::read(const QString& path, const Progress& progress)
 {
     m_counters = {};
     m_logVersion = 0;
-    m_declaredTypes.clear();
-    return Run(this, progress).decode(path).release();
+    try {
+        return Run(this, progress).decode(path);
+    } catch (const std::bad_alloc&) {
+        qWarning() << "ERROR: no memory left for the log" << path;
+        return logNoMemory(path);
+    }
 }
 
-int LogDecoder::declaredType(size_t group, size_t var) const
+LogFile* LogDecoder::parseLog(const QString& path, const Progress& progress)
 {
-    if (group >= m_declaredTypes.size() || var >= m_declaredTypes[group].size())
-        return LogVar::Uint8;
-    return m_declaredTypes[group][var];
+    Result<std::unique_ptr<LogFile>> log = read(path, progress);
+    return log ? log->release() : nullptr;
+}
+
+Result<std::shared_ptr<const LogFile>> LogDecoder::decode(const QString& path,
+                                                          const Progress& progress)
+{
+    Result<std::unique_ptr<LogFile>> log = read(path, progress);
+    if (!log)
+        return log.failure();
+    return std::shared_ptr<const LogFile>(std::move(*log));
 }
 
 } // namespace corv

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Result.h"
 #include "Log/FlightNamingEvent.h"
 #include "Log/LogFile.h"
 #include "Log/LogSyncResult.h"
@@ -8,6 +9,7 @@
 #include <QString>
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace corv {
@@ -23,10 +25,18 @@ struct LogDecodeCounters
     bool incompleteLast = false; ///< the file ended inside its last packet
 };
 
+/// What pairing a log with videos and naming its flights needs of the log.
+struct LogDigest
+{
+    std::vector<RecEvent> recordings;
+    QList<FlightNamingEvent> namings;
+    int thermalCameraHwVersion = -1; ///< as `LogDecoder::findThermalCameraHwVersion` gives it
+};
+
 /// Turns flight log files into `LogFile` models, and finds in a model how it belongs to a video and
-/// to a flight. Knows nothing of the rest of the program; used on the thread of whoever made it.
+/// to a flight. Used on the thread that made it.
 ///
-/// The format stands in Docs/log-format.md.
+/// The format is described in Docs/log-format.md.
 class LogDecoder
 {
 public:
@@ -34,22 +44,27 @@ public:
     /// real figures for `done` and `total`.
     using Progress = std::function<void(int stage, int done, int total)>;
 
-    /// `abortFlag` is looked at while decoding and stays the caller's; it outlives every call.
+    /// `abortFlag` is read while decoding. It stays the caller's and outlives every call.
     explicit LogDecoder(const std::atomic<bool>* abortFlag) : m_abortFlag(abortFlag) {}
 
-    /// Decodes a file. Gives a model that the caller owns, or null, with the reason in the
-    /// diagnostics, when the file cannot be read, when its description is no XML or does not fit in
-    /// memory, or when the abort flag was set. Damaged packets cost nothing but themselves.
-    /// `progress` must be callable and is called on this thread.
+    /// Decodes a file. Damaged packets are skipped and counted. Fails when the file cannot be read,
+    /// when its description is no XML or too large, when the values do not fit in memory, and when
+    /// the abort flag was set; the diagnostics say so too. `progress` must be callable and is
+    /// called on this thread.
+    Result<std::shared_ptr<const LogFile>> decode(const QString& path, const Progress& progress);
+
+    /// The same, as a model that the caller owns, or null.
     LogFile* parseLog(const QString& path, const Progress& progress);
+
+    /// Reads of a file only what pairing and naming need, in one pass and in a few megabytes of
+    /// memory: the same recordings, namings and camera version as those of the decoded log. A log
+    /// whose other fields are too large to be decoded can be read. `progress` as for
+    /// `decode`, with kilobytes of the file as the figures of stage 2.
+    Result<LogDigest> readForPairing(const QString& path, const Progress& progress) const;
 
     /// Of the last decode, as far as it came.
     LogDecodeCounters counters() const { return m_counters; }
     int logVersion() const { return m_logVersion; }
-
-    /// The type number that the file declares for a var of the last decode, both by their index in
-    /// the model; `LogVar::Uint8` where there is no such var.
-    int declaredType(size_t group, size_t var) const;
 
     /// Reads the recordings of a log and matches a video of `videoDuration` milliseconds with them.
     /// `found` is false for a duration of 0 or less, or without a log.
@@ -68,17 +83,18 @@ public:
     FlightNamingEvent findNamingForFlight(const QList<FlightNamingEvent>& events,
                                           int referenceStart, int referenceEnd) const;
 
-    /// The type of thermal camera that the log names last; 255 when it names none, -1 when it does
-    /// not tell.
+    /// The type of thermal camera that the log names last; 255 when it names none, -1 when it has
+    /// no such field.
     int findThermalCameraHwVersion(const LogFile* log) const;
 
 private:
     class Run;
 
+    Result<std::unique_ptr<LogFile>> read(const QString& path, const Progress& progress);
+
     const std::atomic<bool>* m_abortFlag;
     LogDecodeCounters m_counters;
     int m_logVersion = 0;
-    std::vector<std::vector<int>> m_declaredTypes;
 };
 
 } // namespace corv

@@ -15,10 +15,6 @@ namespace {
 
 constexpr std::string_view kEndOfDescription = "</main>";
 
-// A document takes up to eighteen times its length in memory. Descriptions of real logs have some
-// hundred kilobytes; a file beyond this limit is something else, a video for instance.
-constexpr qint64 kLongestDescriptionBytes = qint64(128) << 20;
-
 // Finds the group of an id and the var of a name as a search from the front would, the first of
 // several, but without becoming slow when a file declares a million of them. Ordered maps, since no
 // file can be made up that degrades them.
@@ -58,7 +54,8 @@ qint64 LogDescription::findLength(QFile* file, const std::atomic<bool>* abortFla
     const qint64 fileBytes = file->size();
     FileWindow window(file, 0, fileBytes);
     qint64 windowBegin = 0; // offset in the file
-    while (!window.atEnd() && !abortFlag->load(std::memory_order_relaxed)) {
+    while (!window.atEnd() && windowBegin <= kLongestBytes &&
+           !abortFlag->load(std::memory_order_relaxed)) {
         const auto held = static_cast<size_t>(window.end() - window.begin());
         const size_t kept = std::min(held, kEndOfDescription.size() - 1);
         windowBegin += static_cast<qint64>(held - kept);
@@ -76,22 +73,27 @@ qint64 LogDescription::findLength(QFile* file, const std::atomic<bool>* abortFla
     return window.hasFailed() ? -1 : fileBytes;
 }
 
-const char* LogDescription::parse(QFile* file, qint64 lengthBytes, bool* canRead)
+std::optional<LogDescription::Fault> LogDescription::parse(QFile* file, qint64 lengthBytes)
 {
-    *canRead = true;
-    if (lengthBytes > kLongestDescriptionBytes)
-        return "The description is too long";
+    if (lengthBytes > kLongestBytes)
+        return Fault{Fault::Kind::tooLong, "The description is too long"};
     const auto length = static_cast<size_t>(lengthBytes);
     void* const buffer = pugi::get_memory_allocation_function()(length ? length : 1);
     if (!buffer)
-        return "Could not allocate memory";
+        return Fault{Fault::Kind::noMemory, "Could not allocate memory"};
     if (!file->seek(0) || file->read(static_cast<char*>(buffer), lengthBytes) != lengthBytes) {
         pugi::get_memory_deallocation_function()(buffer);
-        *canRead = false;
-        return nullptr;
+        return Fault{};
     }
+    const bool hasEnd =
+        std::string_view(static_cast<const char*>(buffer), length).find(kEndOfDescription) !=
+        std::string_view::npos;
     const pugi::xml_parse_result result = m_document->load_buffer_inplace_own(buffer, length);
-    return result ? nullptr : result.description();
+    if (result)
+        return std::nullopt;
+    const bool noMemory = result.status == pugi::status_out_of_memory;
+    return Fault{noMemory ? Fault::Kind::noMemory : Fault::Kind::malformed, result.description(),
+                 hasEnd};
 }
 
 bool LogDescription::build(LogFile* log, const std::atomic<bool>* abortFlag)

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "Log/LogFile.h"
+
 #include <QtGlobal>
 #include <atomic>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
-class LogFile;
 class QFile;
 
 namespace pugi {
@@ -20,7 +22,7 @@ struct DescribedVar
 {
     size_t var = 0; ///< index in the group; of two vars of one name, the first
     int nb = 0;
-    int type = 0;
+    LogVar::Type type = LogVar::Uint8;
 };
 
 /// A `group` element of the description.
@@ -35,16 +37,30 @@ struct DescribedGroup
 class LogDescription
 {
 public:
+    /// A document takes up to eighteen times its length in memory. Descriptions of real logs have
+    /// some hundred kilobytes.
+    static constexpr qint64 kLongestBytes = qint64(16) << 20;
+
+    /// What is wrong with a document.
+    struct Fault
+    {
+        enum class Kind { unreadable, tooLong, noMemory, malformed };
+
+        Kind kind = Kind::unreadable;
+        const char* text = nullptr; ///< a static text; null for a file that cannot be read
+        bool hasEnd = false;        ///< the document has the end tag of its root
+    };
+
     LogDescription();
     ~LogDescription();
 
     /// Finds the length of the description, separator included; the file's length if it has no
-    /// end. Less than 0 when the file cannot be read. Gives up early when `abortFlag` is set.
+    /// end within `kLongestBytes`. Less than 0 when the file cannot be read. Gives up early when
+    /// `abortFlag` is set.
     static qint64 findLength(QFile* file, const std::atomic<bool>* abortFlag);
 
-    /// Reads and parses the first `lengthBytes` of the file. `canRead` tells a failing file from a
-    /// failing document; the result is null or says what is wrong with the document.
-    const char* parse(QFile* file, qint64 lengthBytes, bool* canRead);
+    /// Reads and parses the first `lengthBytes` of the file. Nothing if that went well.
+    std::optional<Fault> parse(QFile* file, qint64 lengthBytes);
 
     /// Adds the described groups and vars to an empty log. False when `abortFlag` was set, which is
     /// looked at after each group.

@@ -28,6 +28,11 @@ constexpr std::array<TypeRow, 8> kTypes{{{"INT32", 4},
                                          {"FLOAT", 4},
                                          {"DOUBLE", 8}}};
 
+qint64 elementsOf(int nb, int nbPackets)
+{
+    return nb > 0 && nbPackets > 0 ? qint64(nb) * nbPackets : 0;
+}
+
 template <typename Items>
 auto firstNamed(Items& items, const std::string& name)
 {
@@ -90,15 +95,20 @@ size_t LogVar::getDataSize() const
            static_cast<size_t>(m_nbPackets);
 }
 
-bool LogVar::allocate(int nb, int nbPackets, int type, bool dense)
+// Block sizes are 32-bit numbers of the format: what does not fit is refused, not wrapped.
+bool LogVar::fits(int nb, int nbPackets, Type type)
 {
+    return elementsOf(nb, nbPackets) <= std::numeric_limits<int>::max() / typeSize(type);
+}
+
+bool LogVar::allocate(int nb, int nbPackets, Type type, bool dense)
+{
+    m_type = type;
     m_nb = nb;
     m_nbPackets = nbPackets;
     m_elementSize = typeSize(type);
-    // Block sizes are 32-bit numbers of the format: what does not fit is refused, not wrapped.
-    const qint64 elements = nb > 0 && nbPackets > 0 ? qint64(nb) * nbPackets : 0;
-    const bool fits = elements <= std::numeric_limits<int>::max() / m_elementSize;
-    if (!fits ||
+    const qint64 elements = elementsOf(nb, nbPackets);
+    if (!fits(nb, nbPackets, type) ||
         !m_block.allocate(static_cast<size_t>(elements * m_elementSize) + kTrailingBytes, dense)) {
         m_block = {};
         return false;
@@ -140,13 +150,18 @@ void LogVar::setDouble(int column, int row, double value)
     set(column, row, value);
 }
 
-int LogVar::typeFromName(const std::string& name)
+LogVar::Type LogVar::typeFromName(const std::string& name)
 {
     for (size_t type = 0; type < kTypes.size(); ++type) {
         if (name == kTypes[type].word)
-            return static_cast<int>(type);
+            return static_cast<Type>(type);
     }
     return Uint8;
+}
+
+const char* LogVar::typeName(Type type)
+{
+    return kTypes[static_cast<size_t>(type)].word;
 }
 
 int LogVar::typeSize(int type)

@@ -34,10 +34,11 @@ struct LogParser::Parse
     std::atomic<bool> abort{false};
 };
 
-// What a pool task found. `log` is null when the decoding failed, and then the rest says nothing.
+// What a pool task found. Without a log, which has a failure then, the rest has no meaning.
 struct LogParser::Outcome
 {
-    std::shared_ptr<LogFile> log;
+    std::shared_ptr<const LogFile> log;
+    std::optional<Failure> failure;
     LogSyncResult sync;
     FlightNamingEvent naming;
     int thermalCameraVersion = -1;
@@ -88,13 +89,17 @@ LogParser::parseLogConcurrently(const std::shared_ptr<Parse>& parse)
 {
     auto outcome = std::make_shared<Outcome>();
     LogDecoder decoder(&parse->abort);
-    outcome->log.reset(decoder.parseLog(parse->filename, [&parse](int stage, int done, int total) {
+    const LogDecoder::Progress progress = [&parse](int stage, int done, int total) {
         LogParser* const owner = parse->owner;
         post(owner, [owner, parse, stage, done, total] {
             if (owner->isCurrent(parse))
                 emit owner->logParsingProgress(stage, done, total);
         });
-    }));
+    };
+    if (auto decoded = decoder.decode(parse->filename, progress))
+        outcome->log = *decoded;
+    else
+        outcome->failure = decoded.failure();
     const LogFile* const log = outcome->log.get();
     if (!log) {
         qInfo() << "Log decoding returned null";
@@ -129,7 +134,10 @@ void LogParser::begin(const std::shared_ptr<Parse>& parse)
     m_clock->synced = false;
     dropLog();
     m_source = parse->filename;
+    const QPointer<LogParser> self(this);
     emit sourceChanged();
+    if (self && isCurrent(parse))
+        setFailure(std::nullopt);
 }
 
 void LogParser::publish(const std::shared_ptr<Parse>& parse, const Outcome& outcome)
@@ -150,7 +158,11 @@ void LogParser::publish(const std::shared_ptr<Parse>& parse, const Outcome& outc
             return;
     }
     m_parse.reset();
+    const QPointer<LogParser> self(this);
+    m_failure = outcome.failure;
     emit logParsingComplete(decoded);
+    if (self && !decoded)
+        emit failureChanged();
 }
 
 void LogParser::adopt(const Parse& parse, const Outcome& outcome)
@@ -181,12 +193,22 @@ void LogParser::closeLog()
     emit sourceChanged();
     if (self)
         emit flightNamingChanged();
-    // The overtaken parse will never tell that it has ended.
+    // The overtaken parse will not emit its end.
     if (self && wasRunning && !m_parse)
         setIsParsing(false);
+    if (self && !m_parse)
+        setFailure(std::nullopt);
 }
 
-// Giving gigabytes back takes a while: the last reader pays, and that shall not be the interface.
+void LogParser::setFailure(std::optional<Failure> failure)
+{
+    if (!m_failure && !failure)
+        return;
+    m_failure = std::move(failure);
+    emit failureChanged();
+}
+
+// Freeing a large log takes a while: a pool thread does it where no other reader keeps the log.
 void LogParser::dropLog()
 {
     if (m_log)

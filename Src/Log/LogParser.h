@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Failure.h"
 #include "Log/FlightNamingEvent.h"
 #include "Log/LogFile.h"
 #include "Log/clocks.h"
@@ -10,6 +11,7 @@
 #include <QVariantMap>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace corv {
@@ -30,6 +32,7 @@ class LogParser : public QObject
     Q_PROPERTY(int matchedLogDuration READ matchedLogDuration)
     Q_PROPERTY(bool isParsing READ isParsing WRITE setIsParsing NOTIFY isParsingChanged)
     Q_PROPERTY(bool logProbablyNotMatching READ logProbablyNotMatching)
+    Q_PROPERTY(QString failureText READ failureText NOTIFY failureChanged)
 
 public:
     explicit LogParser(QObject* parent = nullptr);
@@ -37,7 +40,7 @@ public:
     /// Ends a running parse and waits for it.
     ~LogParser() override;
 
-    /// Starts to decode a log and returns true at once; `logParsingComplete` tells how it went.
+    /// Starts to decode a log and returns true at once; `logParsingComplete` is emitted at the end.
     /// With `ignoreNaming` the flight keeps the naming that it has. A parse that still runs is
     /// overtaken: it publishes nothing more.
     Q_INVOKABLE bool parseLog(const QString& filename, bool ignoreNaming);
@@ -65,13 +68,19 @@ public:
     int matchedLogDuration() const { return m_matchedLogDuration; }
     bool logProbablyNotMatching() const { return m_logProbablyNotMatching; }
 
+    /// Why the last parse gave no log; nothing while a parse runs, after a success and after
+    /// `closeLog`. Set before `logParsingComplete` is emitted. The text is the sentence of the
+    /// failure, or empty.
+    const std::optional<Failure>& failure() const { return m_failure; }
+    QString failureText() const { return m_failure ? m_failure->sentence : QString(); }
+
     /// Whether the interface regards a parse as running: it sets and clears this itself.
     bool isParsing() const { return m_isParsing; }
     void setIsParsing(bool isParsing);
 
-    /// The decoded log, or null. Whoever keeps a pointer into it keeps `log()` beside it.
-    LogFile* getLogFile() const { return m_log.get(); }
-    std::shared_ptr<LogFile> log() const { return m_log; }
+    /// The decoded log, or null. Who keeps a pointer into it keeps `log()` with it.
+    const LogFile* getLogFile() const { return m_log.get(); }
+    std::shared_ptr<const LogFile> log() const { return m_log; }
 
     /// The two offsets, in milliseconds, and whether the log is tied to the video. The clock holds
     /// the same three, is one object for the parser's whole life and may be read by any thread.
@@ -88,11 +97,12 @@ signals:
     void sourceDataParsed();
     void flightNamingChanged();
     void manualLogTimeOffsetChanged(int offset);
-    /// As `LogDecoder::Progress` tells it.
+    /// As `LogDecoder::Progress` has it.
     void logParsingProgress(int stage, int done, int total);
     /// The last of a parse that was not overtaken; false when the log could not be read.
     void logParsingComplete(bool result);
     void isParsingChanged(bool isParsing);
+    void failureChanged();
 
 private:
     struct Parse;
@@ -107,12 +117,14 @@ private:
     void begin(const std::shared_ptr<Parse>& parse);
     void publish(const std::shared_ptr<Parse>& parse, const Outcome& outcome);
     void dropLog();
+    void setFailure(std::optional<Failure> failure);
 
     std::shared_ptr<FlightClock> m_clock = std::make_shared<FlightClock>();
     std::shared_ptr<std::atomic<int>> m_durationMs = std::make_shared<std::atomic<int>>(0);
-    std::shared_ptr<LogFile> m_log;
+    std::shared_ptr<const LogFile> m_log;
     std::shared_ptr<Parse> m_parse; ///< the parse that may still publish, or null
     std::vector<PoolTask> m_tasks;
+    std::optional<Failure> m_failure;
     QTime m_duration;
     QString m_source;
     FlightNamingEvent m_flightNaming;

@@ -23,19 +23,20 @@ struct PacketFraming
     bool wideSize = false;             ///< the size field has two bytes, else one
 };
 
-/// Walks the packets in a stream of bytes, as fast as it can find them, and tells `visitor` of each
-/// thing that it meets, in file order:
+/// Walks the packets in a stream of bytes and calls `visitor` for what it meets, in file order:
 ///
 ///     bool proceed()                 now and then; false stops the scan
-///     void windowMoves()             payloads told of so far are about to lose their memory
+///     void windowMoves()             pointers passed to payload() become invalid after this call
+///     bool wants(id)                 false skips the payload and its checksum: neither payload()
+///                                    nor checksum() is called for the packet
 ///     void wrongId()
 ///     void begins(id)                a packet with a known id
 ///     void wrongSize(id)
-///     bool payload(id, bytes, size)  a whole payload, or what the end of the file leaves of it;
-///                                    false stops the scan
+///     bool payload(id, bytes, size)  a whole payload, or what is left of it before the end of
+///                                    the file; false stops the scan
 ///     void checksum(id, good)
 ///     void incomplete(id)            the file ended inside the packet
-///     kEmptyTakesByte                whether an empty payload swallows one byte all the same
+///     kEmptyTakesByte                whether an empty payload takes one byte of the stream
 ///
 /// Every failure resumes at the byte behind the rejected field; nothing is looked at twice.
 template <typename Visitor>
@@ -129,13 +130,16 @@ private:
         const auto left = static_cast<int>(std::min<std::ptrdiff_t>(m_end - m_at, wanted));
         if (m_at == m_end)
             return incomplete(id);
-        if (!m_visitor.payload(id, m_at, left))
+        const bool isWanted = m_visitor.wants(id);
+        if (isWanted && !m_visitor.payload(id, m_at, left))
             return false;
-        const unsigned char sum = checksumOf(m_at, static_cast<size_t>(left));
+        const unsigned char* const payload = m_at;
         m_at += left;
         if (left < wanted || m_at == m_end)
             return incomplete(id);
-        m_visitor.checksum(id, *m_at++ == sum);
+        if (isWanted)
+            m_visitor.checksum(id, *m_at == checksumOf(payload, static_cast<size_t>(left)));
+        ++m_at;
         return true;
     }
 

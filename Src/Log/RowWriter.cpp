@@ -24,7 +24,7 @@ RowWriter::RowWriter(LogGroup* group, const DescribedGroup& described)
     size_t offset = 0;
     for (const DescribedVar& item : described.vars) {
         LogVar& var = group->getVars()[item.var];
-        const auto elementSize = static_cast<size_t>(var.getElementSize());
+        const auto elementSize = static_cast<size_t>(LogVar::typeSize(item.type));
         if (item.nb < 1)
             continue;
         // A description can promise more than its packets hold: twice the same id, sizes that
@@ -33,7 +33,9 @@ RowWriter::RowWriter(LogGroup* group, const DescribedGroup& described)
             break;
         const size_t held = (packetSize - offset + elementSize - 1) / elementSize;
         const auto columns = static_cast<size_t>(std::max(std::min(item.nb, var.getNb()), 0));
-        m_fields.push_back({offset, std::min(columns, held), var.getElementSize(), var.block()});
+        if (var.block())
+            m_fields.push_back(
+                {offset, std::min(columns, held), var.getElementSize(), var.block()});
         offset += elementSize * static_cast<size_t>(item.nb);
         m_fieldsFit = m_fieldsFit && offset <= packetSize;
     }

@@ -16,7 +16,8 @@ struct DescribedGroup;
 class RowWriter
 {
 public:
-    /// For a group whose vars have their blocks; both outlive the writer.
+    /// For a group whose vars have their blocks; both outlive the writer. A var without a block is
+    /// passed over.
     RowWriter(LogGroup* group, const DescribedGroup& described);
 
     /// Takes a payload of `size` bytes, which lies `offset` bytes behind `base`, as the group's

@@ -3,6 +3,7 @@
 #include "Threads/pool.h"
 
 #include <QThread>
+#include <QtEndian>
 #include <algorithm>
 #include <atomic>
 #include <cstring>
@@ -36,17 +37,24 @@ void store(unsigned char* to, T value)
     std::memcpy(to, &value, sizeof(T));
 }
 
-template <typename T>
+template <typename T, WordBytes bytes>
+T ordered(T value)
+{
+    return bytes == WordBytes::exchanged ? qbswap(value) : value;
+}
+
+template <typename T, WordBytes bytes>
 void transposeColumn(const RowSource& from, size_t column, unsigned char* to, size_t columnBytes)
 {
     const unsigned char* const base = from.base + column * sizeof(T);
     unsigned char* const out = to + column * columnBytes;
     for (size_t row = 0; row < from.rows; ++row)
-        store(out + row * sizeof(T), load<T>(base + from.offsets[row]));
+        store(out + row * sizeof(T), ordered<T, bytes>(load<T>(base + from.offsets[row])));
 }
 
 // Eight rows of eight 16-bit words to eight columns, in registers: three rounds, each of which
 // interleaves every line of the square with the one four lines below.
+template <WordBytes bytes>
 class WordSquare
 {
 public:
@@ -56,7 +64,7 @@ public:
     {
         const unsigned char* const base = from.base + column * sizeof(std::uint16_t);
         for (size_t i = 0; i < kSide; ++i)
-            m_lines[i] = load<Line>(base + from.offsets[row + i]);
+            m_lines[i] = exchanged(load<Line>(base + from.offsets[row + i]));
     }
 
     void transpose()
@@ -81,6 +89,11 @@ public:
 
 private:
     using Line = std::uint16_t __attribute__((vector_size(16)));
+
+    static Line exchanged(Line line)
+    {
+        return bytes == WordBytes::exchanged ? line << 8 | line >> 8 : line;
+    }
 
     Line m_lines[kSide];
 };
@@ -110,6 +123,7 @@ void copyRun(unsigned char* to, const unsigned char* from, size_t size)
 
 // A tile of 16-bit words on its way from rows to columns. It takes whole cache lines from each row
 // and gives long runs to each column, and stays in the cache in between.
+template <WordBytes bytes>
 class WordTile
 {
 public:
@@ -119,12 +133,12 @@ public:
     // Columns from `column` on of rows from `row` on. Both fit the tile.
     void gather(const RowSource& from, size_t row, size_t rows, size_t column, size_t columns)
     {
-        const size_t squareRows = rows - rows % WordSquare::kSide;
-        const size_t squareColumns = columns - columns % WordSquare::kSide;
-        for (size_t i = 0; i < squareRows; i += WordSquare::kSide) {
+        const size_t squareRows = rows - rows % Square::kSide;
+        const size_t squareColumns = columns - columns % Square::kSide;
+        for (size_t i = 0; i < squareRows; i += Square::kSide) {
             fetchAhead(from, row + i, column + columns);
-            for (size_t k = 0; k < squareColumns; k += WordSquare::kSide) {
-                WordSquare square;
+            for (size_t k = 0; k < squareColumns; k += Square::kSide) {
+                Square square;
                 square.loadRows(from, row + i, column + k);
                 square.transpose();
                 square.storeColumns(at(k, i), kColumnBytes);
@@ -134,7 +148,8 @@ public:
             const unsigned char* const words =
                 from.base + from.offsets[row + i] + column * sizeof(std::uint16_t);
             for (size_t k = i < squareRows ? squareColumns : 0; k < columns; ++k)
-                store(at(k, i), load<std::uint16_t>(words + k * sizeof(std::uint16_t)));
+                store(at(k, i), ordered<std::uint16_t, bytes>(
+                                    load<std::uint16_t>(words + k * sizeof(std::uint16_t))));
         }
     }
 
@@ -145,6 +160,8 @@ public:
     }
 
 private:
+    using Square = WordSquare<bytes>;
+
     // A line more than the rows need: columns a power of two apart would push each other out.
     static constexpr size_t kColumnBytes = kRows * sizeof(std::uint16_t) + kLineBytes;
 
@@ -156,7 +173,7 @@ private:
     // Rows lie too far apart for the processor to guess where the next tile begins.
     static void fetchAhead(const RowSource& from, size_t row, size_t column)
     {
-        for (size_t i = 0; i < WordSquare::kSide; ++i) {
+        for (size_t i = 0; i < Square::kSide; ++i) {
             const unsigned char* const next =
                 from.base + from.offsets[row + i] + column * sizeof(std::uint16_t);
             __builtin_prefetch(next);
@@ -167,25 +184,26 @@ private:
     alignas(kLineBytes) unsigned char m_words[kColumns * kColumnBytes];
 };
 
-// The tiles of one piece of a table, taken one by one by whoever has time: the caller and tasks on
-// the pool. A task that comes late finds nothing left and touches nothing, so nobody waits for one.
+// The tiles of one piece of a table, taken one by one by the caller and by tasks on the pool. A
+// task that comes late finds nothing left and touches nothing, so nobody waits for one.
+template <WordBytes bytes>
 class WordTiles
 {
 public:
     WordTiles(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
         : m_from(from), m_columns(columns), m_to(to), m_columnBytes(columnBytes),
-          m_count((columns + WordTile::kColumns - 1) / WordTile::kColumns)
+          m_count((columns + Tile::kColumns - 1) / Tile::kColumns)
     {
     }
 
     void takeTiles()
     {
-        WordTile tile;
+        Tile tile;
         for (;;) {
             const size_t index = m_next.fetch_add(1, std::memory_order_relaxed);
             if (index >= m_count)
                 return;
-            transposeTile(&tile, index * WordTile::kColumns);
+            transposeTile(&tile, index * Tile::kColumns);
 #ifdef __SSE2__
             _mm_sfence(); // whoever is told that the columns are there finds them there
 #endif
@@ -201,11 +219,13 @@ public:
     }
 
 private:
-    void transposeTile(WordTile* tile, size_t column) const
+    using Tile = WordTile<bytes>;
+
+    void transposeTile(Tile* tile, size_t column) const
     {
-        const size_t width = std::min(WordTile::kColumns, m_columns - column);
-        for (size_t row = 0; row < m_from.rows; row += WordTile::kRows) {
-            const size_t rows = std::min(WordTile::kRows, m_from.rows - row);
+        const size_t width = std::min(Tile::kColumns, m_columns - column);
+        for (size_t row = 0; row < m_from.rows; row += Tile::kRows) {
+            const size_t rows = std::min(Tile::kRows, m_from.rows - row);
             tile->gather(m_from, row, rows, column, width);
             tile->giveColumns(rows, width,
                               m_to + column * m_columnBytes + row * sizeof(std::uint16_t),
@@ -222,9 +242,11 @@ private:
     std::atomic<size_t> m_done{0};
 };
 
-void transposeWords(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
+template <WordBytes bytes>
+void transposeWideWords(const RowSource& from, size_t columns, unsigned char* to,
+                        size_t columnBytes)
 {
-    const auto tiles = std::make_shared<WordTiles>(from, columns, to, columnBytes);
+    const auto tiles = std::make_shared<WordTiles<bytes>>(from, columns, to, columnBytes);
     if (from.rows * columns * sizeof(std::uint16_t) >= kSharedFromBytes) {
         const int helpers = std::min(QThread::idealThreadCount() - 1, kMostHelpers);
         for (int i = 0; i < helpers; ++i)
@@ -234,15 +256,24 @@ void transposeWords(const RowSource& from, size_t columns, unsigned char* to, si
     tiles->waitForAll();
 }
 
-template <typename T>
+template <typename T, WordBytes bytes = WordBytes::kept>
 void transposeTiles(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
 {
     constexpr size_t kTileColumns = kLineBytes / sizeof(T);
     for (size_t column = 0; column < columns; column += kTileColumns) {
         const size_t end = std::min(column + kTileColumns, columns);
         for (size_t i = column; i < end; ++i)
-            transposeColumn<T>(from, i, to, columnBytes);
+            transposeColumn<T, bytes>(from, i, to, columnBytes);
     }
+}
+
+template <WordBytes bytes>
+void transposeWordsAs(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes)
+{
+    if (columns >= WordTile<bytes>::kColumns)
+        transposeWideWords<bytes>(from, columns, to, columnBytes);
+    else
+        transposeTiles<std::uint16_t, bytes>(from, columns, to, columnBytes);
 }
 
 } // namespace
@@ -258,15 +289,21 @@ void transposeRows(const RowSource& from, int elementSize, size_t columns, unsig
         transposeTiles<std::uint32_t>(from, columns, to, columnBytes);
         break;
     case 2:
-        if (columns >= WordTile::kColumns)
-            transposeWords(from, columns, to, columnBytes);
-        else
-            transposeTiles<std::uint16_t>(from, columns, to, columnBytes);
+        transposeWords(from, columns, to, columnBytes, WordBytes::kept);
         break;
     default:
         transposeTiles<std::uint8_t>(from, columns, to, columnBytes);
         break;
     }
+}
+
+void transposeWords(const RowSource& from, size_t columns, unsigned char* to, size_t columnBytes,
+                    WordBytes bytes)
+{
+    if (bytes == WordBytes::exchanged)
+        transposeWordsAs<WordBytes::exchanged>(from, columns, to, columnBytes);
+    else
+        transposeWordsAs<WordBytes::kept>(from, columns, to, columnBytes);
 }
 
 } // namespace corv

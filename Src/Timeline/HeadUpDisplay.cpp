@@ -3,7 +3,6 @@
 #include "Log/LogFile.h"
 #include "Log/clocks.h"
 #include "Timeline/WaitCursor.h"
-#include "Timeline/logColumns.h"
 #include "Timeline/timelineGeometry.h"
 #include "Video/truncation.h"
 
@@ -114,21 +113,21 @@ void HeadUpDisplay::updateLogData()
     update();
 }
 
-void HeadUpDisplay::addStateSeries(LogFile& log)
+void HeadUpDisplay::addStateSeries(const LogFile& log)
 {
-    LogGroup* group = log.getGroup("state_estimation");
+    const LogGroup* group = log.getGroup("state_estimation");
     if (!group)
         return;
-    const LogColumn<qint32> times = logColumn<qint32>(group->getVar("time"), 0);
-    if (!times.rows) {
+    const LogColumn<qint32> times = group->column<qint32>("time");
+    if (times.empty()) {
         qInfo() << "No state estimation time/values";
         return;
     }
-    const auto index = std::make_shared<const SampleTimes>(times.rows, times.count);
+    const auto index = std::make_shared<const SampleTimes>(times.data(), times.size());
     const auto add = [&](HudField field, const char* var, int column) {
-        const LogColumn<float> values = logColumn<float>(group->getVar(var), column);
-        if (values.rows && values.count == times.count)
-            m_series[field] = {values.rows, index};
+        const LogColumn<float> values = group->column<float>(var, column);
+        if (values.size() == times.size())
+            m_series[field] = {values.data(), index};
     };
     add(HudField::pitch, "euler_angles", 1);
     add(HudField::roll, "euler_angles", 0);
@@ -138,19 +137,19 @@ void HeadUpDisplay::addStateSeries(LogFile& log)
     add(HudField::altitudeReference, "altitude_telem_ref", 0);
 }
 
-void HeadUpDisplay::addCameraSeries(LogFile& log)
+void HeadUpDisplay::addCameraSeries(const LogFile& log)
 {
-    LogGroup* group = log.getGroup("camera_cmd");
+    const LogGroup* group = log.getGroup("camera_cmd");
     if (!group)
         return;
-    const LogColumn<qint32> times = logColumn<qint32>(group->getVar("time"), 0);
-    const LogColumn<float> values = logColumn<float>(group->getVar("servo_angle"), 0);
-    if (!times.rows || !values.rows || values.count != times.count) {
+    const LogColumn<qint32> times = group->column<qint32>("time");
+    const LogColumn<float> values = group->column<float>("servo_angle");
+    if (times.empty() || values.size() != times.size()) {
         qInfo() << "No camera pitch time/values";
         return;
     }
     m_series[HudField::cameraPitch] = {
-        values.rows, std::make_shared<const SampleTimes>(times.rows, times.count)};
+        values.data(), std::make_shared<const SampleTimes>(times.data(), times.size())};
 }
 
 // --- Values ----------------------------------------------------------------------------------

@@ -86,8 +86,8 @@ private:
     };
     struct Dial;
 
-    void addStateSeries(LogFile& log);
-    void addCameraSeries(LogFile& log);
+    void addStateSeries(const LogFile& log);
+    void addCameraSeries(const LogFile& log);
     bool hasSeries(HudField field) const;
     float seriesValueAt(int ms, HudField field) const;
     float fieldValue(int ms, HudField field) const;
@@ -102,7 +102,7 @@ private:
     QTime m_videoPosition;
     bool m_imperialUnits = false;
 
-    std::shared_ptr<LogFile> m_log;
+    std::shared_ptr<const LogFile> m_log;
     std::unordered_map<HudField, HudSeries> m_series;
 
     QPen m_separatorPen;

@@ -2,7 +2,6 @@
 
 #include "Log/LogParser.h"
 #include "Log/clocks.h"
-#include "Timeline/logColumns.h"
 
 #include <QDebug>
 #include <algorithm>
@@ -18,19 +17,19 @@ constexpr int logPoisMax = 10000;
 
 std::vector<int> logPoiTimesMs(const LogParser& parser)
 {
-    const std::shared_ptr<LogFile> log = parser.log();
+    const std::shared_ptr<const LogFile> log = parser.log();
     if (!parser.isSynced() || !log)
         return {};
     const LogGroup* group = log->getGroup("point_of_interest");
     if (!group)
         return {};
-    const LogColumn<quint32> entries = logColumn<quint32>(group->getVar("point_of_interest"), 0);
-    if (entries.count > logPoisMax)
+    const LogColumn<quint32> entries = group->column<quint32>("point_of_interest");
+    if (entries.size() > logPoisMax)
         qWarning() << "Too many POIs in the log, taking the first" << logPoisMax;
 
     const std::shared_ptr<const FlightClock> clock = parser.clock();
-    std::vector<int> timesMs(static_cast<size_t>(std::min(entries.count, logPoisMax)));
-    std::transform(entries.rows, entries.rows + timesMs.size(), timesMs.begin(),
+    std::vector<int> timesMs(static_cast<size_t>(std::min(entries.size(), logPoisMax)));
+    std::transform(entries.begin(), entries.begin() + timesMs.size(), timesMs.begin(),
                    [&clock](quint32 logMs) { return videoTimeOfLog(logMs, *clock); });
     return timesMs;
 }

@@ -285,7 +285,7 @@ void OpenCvWorker::setClock(std::shared_ptr<const FlightClock> clock)
     m_overlay.setClock(std::move(clock));
 }
 
-void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log)
+void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<const LogFile>& log)
 {
     m_overlay.updateLogData(hasParser, log);
 }

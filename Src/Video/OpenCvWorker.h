@@ -76,7 +76,7 @@ public:
     void setClock(std::shared_ptr<const FlightClock> clock);
 
     /// Builds the tables of the overlay from the log. Once per log.
-    void updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log);
+    void updateLogData(bool hasParser, const std::shared_ptr<const LogFile>& log);
 
 signals:
     void videoExportProgress(int exportedFrames, int totalFrames);

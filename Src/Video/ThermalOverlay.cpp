@@ -8,27 +8,15 @@
 namespace corv {
 namespace {
 
-// Column 0 of a var whose elements are as wide as T; null for a var of another width, without
-// columns or without rows.
-template <typename T>
-T* columnOf(LogVar* var)
-{
-    void* column = nullptr;
-    if (var->getElementSize() == static_cast<int>(sizeof(T)) && var->getNb() > 0 &&
-        var->getNbPackets() > 0)
-        var->getColumn(0, &column);
-    return static_cast<T*>(column);
-}
-
 // A var that may be read as T: an array of another width would be read past its end.
 template <typename T>
-bool holds(LogVar* var)
+bool holds(const LogVar* var)
 {
-    return var->getElementSize() == static_cast<int>(sizeof(T)) && var->getNb() > 0;
+    return var->holds<T>() && var->getNb() > 0;
 }
 
 // Packets carry equal parts of a frame, and no more than one.
-bool isPartOfFrame(LogVar* image)
+bool isPartOfFrame(const LogVar* image)
 {
     return holds<quint16>(image) && image->getNb() <= thermalPixels &&
            thermalPixels % image->getNb() == 0;
@@ -52,7 +40,7 @@ bool ThermalOverlay::isActive() const
            m_clock->synced.load(std::memory_order_relaxed);
 }
 
-void ThermalOverlay::updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log)
+void ThermalOverlay::updateLogData(bool hasParser, const std::shared_ptr<const LogFile>& log)
 {
     clear();
     if (!hasParser) {
@@ -77,17 +65,17 @@ void ThermalOverlay::updateLogData(bool hasParser, const std::shared_ptr<LogFile
     }
 }
 
-bool ThermalOverlay::readLog(LogFile& log)
+bool ThermalOverlay::readLog(const LogFile& log)
 {
-    LogGroup* video = log.getGroup("lepton_video");
-    LogGroup* status = log.getGroup("lepton_status");
+    const LogGroup* video = log.getGroup("lepton_video");
+    const LogGroup* status = log.getGroup("lepton_status");
     if (!video || !status)
         return true;
-    LogVar* times = status->getVar("time");
-    LogVar* counters = status->getVar("frame_counter");
-    LogVar* image = video->getVar("image");
-    LogVar* part = video->getVar("image_part");
-    LogVar* frame = video->getVar("frame_counter");
+    const LogVar* times = status->getVar("time");
+    const LogVar* counters = status->getVar("frame_counter");
+    const LogVar* image = video->getVar("image");
+    const LogVar* part = video->getVar("image_part");
+    const LogVar* frame = video->getVar("frame_counter");
     if (!times || !counters || !image || !part || !frame)
         return true;
     if (!holds<quint32>(times) || !holds<quint32>(counters) || !holds<quint8>(part) ||
@@ -97,19 +85,22 @@ bool ThermalOverlay::readLog(LogFile& log)
     // Groups with an id in common can leave their vars with different counts: only rows that all
     // of them have are read.
     const int records = std::min(times->getNbPackets(), counters->getNbPackets());
-    if (!m_frameTimes.rebuild(columnOf<quint32>(times), columnOf<quint32>(counters), records))
+    if (!m_frameTimes.rebuild(times->column<quint32>().data(), counters->column<quint32>().data(),
+                              records))
         return false;
 
     const int words = image->getNb();
     const int packets = image->getNbPackets();
     m_irPartsPerFrame = static_cast<quint32>(thermalPixels / words);
     m_parts.rebuild(
-        columnOf<quint32>(frame), columnOf<quint8>(part),
+        frame->column<quint32>().data(), part->column<quint8>().data(),
         static_cast<quint32>(std::min({packets, part->getNbPackets(), frame->getNbPackets()})),
         m_irPartsPerFrame);
-    if (auto* block = columnOf<quint16>(image)) {
+    if (packets > 0) {
+        // Column 0 is the start of the whole block.
         m_irImages.create(packets, words, CV_16UC1);
-        swapBytesAndTranspose(block, words, packets, m_irImages.ptr<quint16>());
+        packetsInMachineOrder(image->column<quint16>().data(), words, packets,
+                              m_irImages.ptr<quint16>());
     }
     return true;
 }

@@ -26,10 +26,9 @@ public:
     /// The clock that ties video and log together; null while there is no log parser.
     void setClock(std::shared_ptr<const FlightClock> clock) { m_clock = std::move(clock); }
 
-    /// Replaces the tables by those of `log`. The bytes of the log's `image` are exchanged in its
-    /// own block, so a second call for the same log exchanges them back and spoils the picture:
-    /// one call per parsed log. Without parser, log or the groups needed there is no overlay.
-    void updateLogData(bool hasParser, const std::shared_ptr<LogFile>& log);
+    /// Replaces the tables by those of `log`, which is not kept. Without parser, log or the groups
+    /// needed there is no overlay.
+    void updateLogData(bool hasParser, const std::shared_ptr<const LogFile>& log);
 
     /// Drops the tables. The frame composed last stays: its bands stand in for parts that the next
     /// log has lost.
@@ -62,7 +61,7 @@ private:
     /// What of the overlay last drawn was left out.
     enum class Refusal { None, Frame, Mapping, Rectangle };
 
-    bool readLog(LogFile& log);
+    bool readLog(const LogFile& log);
     void composeFrame(quint32 frame);
     Refusal layOverFrame(cv::Mat& frame, const VideoDisplaySettings& settings,
                          bool invertColours) const;

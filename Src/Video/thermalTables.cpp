@@ -1,8 +1,9 @@
 #include "Video/thermalTables.h"
 
+#include "Log/transpose.h"
+
 #include <algorithm>
 #include <numeric>
-#include <opencv2/core/hal/intrin.hpp>
 #include <tuple>
 
 namespace corv {
@@ -121,92 +122,17 @@ std::optional<quint32> ThermalPartIndex::firstPacket(quint32 frame, quint8 part)
     return found->packet;
 }
 
-namespace {
-
-constexpr int step = 8; // words of one vector
-
-quint16 swapped(quint16 word)
+void packetsInMachineOrder(const quint16* block, int words, int packets, quint16* rows)
 {
-    return static_cast<quint16>(word << 8 | word >> 8);
-}
-
-void swapAndTransposeWords(quint16* block, int columns, int packets, quint16* rows, int column,
-                           int columnEnd, int packet, int packetEnd)
-{
-    for (int k = column; k < columnEnd; ++k) {
-        for (int p = packet; p < packetEnd; ++p) {
-            quint16& word = block[static_cast<size_t>(k) * static_cast<size_t>(packets) +
-                                  static_cast<size_t>(p)];
-            word = swapped(word);
-            rows[static_cast<size_t>(p) * static_cast<size_t>(columns) + static_cast<size_t>(k)] =
-                word;
-        }
-    }
-}
-
-#if CV_SIMD128
-void swapAndTransposeEight(quint16* block, size_t packets, quint16* rows, size_t columns)
-{
-    cv::v_uint16x8 a[step];
-    cv::v_uint16x8 b[step];
-    for (int i = 0; i < step; ++i) {
-        quint16* words = block + static_cast<size_t>(i) * packets;
-        const cv::v_uint16x8 read = cv::v_load(words);
-        a[i] = cv::v_shl<8>(read) | cv::v_shr<8>(read);
-        cv::v_store(words, a[i]);
-    }
-    // Three rounds of interleaving row i with row i + 4 turn eight columns into eight rows.
-    for (int i = 0; i < 4; ++i)
-        cv::v_zip(a[i], a[i + 4], b[2 * i], b[2 * i + 1]);
-    for (int i = 0; i < 4; ++i)
-        cv::v_zip(b[i], b[i + 4], a[2 * i], a[2 * i + 1]);
-    for (int i = 0; i < 4; ++i)
-        cv::v_zip(a[i], a[i + 4], b[2 * i], b[2 * i + 1]);
-    for (int i = 0; i < step; ++i)
-        cv::v_store(rows + static_cast<size_t>(i) * columns, b[i]);
-}
-#endif
-
-void swapAndTransposeTile(quint16* block, int columns, int packets, quint16* rows, int column,
-                          int columnEnd, int packet, int packetEnd)
-{
-#if CV_SIMD128
-    const int wholeColumns = column + (columnEnd - column) / step * step;
-    const int wholePackets = packet + (packetEnd - packet) / step * step;
-    const auto rowWords = static_cast<size_t>(columns);
-    const auto columnWords = static_cast<size_t>(packets);
-    for (int p = packet; p < wholePackets; p += step) {
-        for (int k = column; k < wholeColumns; k += step) {
-            const auto atColumn = static_cast<size_t>(k);
-            const auto atPacket = static_cast<size_t>(p);
-            swapAndTransposeEight(block + atColumn * columnWords + atPacket, columnWords,
-                                  rows + atPacket * rowWords + atColumn, rowWords);
-        }
-    }
-    swapAndTransposeWords(block, columns, packets, rows, wholeColumns, columnEnd, packet,
-                          wholePackets);
-    swapAndTransposeWords(block, columns, packets, rows, column, columnEnd, wholePackets,
-                          packetEnd);
-#else
-    swapAndTransposeWords(block, columns, packets, rows, column, columnEnd, packet, packetEnd);
-#endif
-}
-
-} // namespace
-
-void swapBytesAndTranspose(quint16* block, int columns, int packets, quint16* rows)
-{
-    // Whole cache lines on both sides, and few enough of them for the innermost cache.
-    constexpr int tilePackets = 64;
-    constexpr int tileColumns = 64;
-    for (int packet = 0; packet < packets; packet += tilePackets) {
-        const int packetEnd = std::min(packets - packet, tilePackets) + packet;
-        for (int column = 0; column < columns; column += tileColumns) {
-            const int columnEnd = std::min(columns - column, tileColumns) + column;
-            swapAndTransposeTile(block, columns, packets, rows, column, columnEnd, packet,
-                                 packetEnd);
-        }
-    }
+    // The block has a row for each word of a packet, so its columns are the packets.
+    const auto wordRows = static_cast<size_t>(words);
+    const auto packetRows = static_cast<size_t>(packets);
+    std::vector<std::uint32_t> offsets(wordRows);
+    for (size_t k = 0; k < wordRows; ++k)
+        offsets[k] = static_cast<std::uint32_t>(k * packetRows * sizeof(quint16));
+    const RowSource from{reinterpret_cast<const unsigned char*>(block), offsets.data(), wordRows};
+    transposeWords(from, packetRows, reinterpret_cast<unsigned char*>(rows),
+                   wordRows * sizeof(quint16), WordBytes::exchanged);
 }
 
 } // namespace corv

@@ -65,9 +65,9 @@ private:
     std::vector<Entry> m_entries; // by frame, part, packet
 };
 
-/// Exchanges the two bytes of every word of a column-major block of `columns` by `packets` words,
-/// in place, and writes each packet's words, so exchanged, one after the other to `rows`: word k of
-/// packet p goes from `block[k * packets + p]` to `rows[p * columns + k]`.
-void swapBytesAndTranspose(quint16* block, int columns, int packets, quint16* rows);
+/// Writes the words of each thermal packet one after the other to `rows`, in the machine's byte
+/// order. `block` is the log's column-major block of big-endian words, below 2 GiB: word k of
+/// packet p goes from `block[k * packets + p]` to `rows[p * words + k]`.
+void packetsInMachineOrder(const quint16* block, int words, int packets, quint16* rows);
 
 } // namespace corv

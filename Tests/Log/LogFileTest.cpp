@@ -27,6 +27,8 @@ private slots:
     void blocksOfTwoGibibytesAreRefused_data();
     void blocksOfTwoGibibytesAreRefused();
     void countsBelowOneGiveNoColumns();
+    void columnsAreTyped_data();
+    void columnsAreTyped();
 };
 
 void LogFileTest::types_data()
@@ -50,7 +52,7 @@ void LogFileTest::types_data()
 void LogFileTest::types()
 {
     QFETCH(std::string, word);
-    QTEST(LogVar::typeFromName(word), "type");
+    QTEST(int(LogVar::typeFromName(word)), "type");
     QTEST(LogVar::typeSize(LogVar::typeFromName(word)), "size");
     QCOMPARE(LogVar::typeSize(8), 1);
     QCOMPARE(LogVar::typeSize(-1), 1);
@@ -248,7 +250,7 @@ void LogFileTest::blocksOfTwoGibibytesAreRefused()
     QFETCH(int, rows);
     QFETCH(int, type);
     LogVar var("v");
-    QTEST(var.allocate(nb, rows, type), "fits");
+    QTEST(var.allocate(nb, rows, static_cast<LogVar::Type>(type)), "fits");
     QTEST(var.getData() != nullptr, "fits");
 }
 
@@ -264,6 +266,52 @@ void LogFileTest::countsBelowOneGiveNoColumns()
         QCOMPARE(word, 5U);
         QCOMPARE(var.getString(0), QString());
     }
+}
+
+void LogFileTest::columnsAreTyped_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QByteArray>("readAs");
+    QTest::newRow("INT32") << int(LogVar::Int32) << QByteArray("i32 u32");
+    QTest::newRow("UINT32") << int(LogVar::Uint32) << QByteArray("i32 u32");
+    QTest::newRow("INT16") << int(LogVar::Int16) << QByteArray("u16");
+    QTest::newRow("UINT16") << int(LogVar::Uint16) << QByteArray("u16");
+    QTest::newRow("INT8") << int(LogVar::Int8) << QByteArray("u8");
+    QTest::newRow("UINT8") << int(LogVar::Uint8) << QByteArray("u8");
+    QTest::newRow("FLOAT") << int(LogVar::Float) << QByteArray("f32");
+    QTest::newRow("DOUBLE") << int(LogVar::Double) << QByteArray("f64");
+}
+
+void LogFileTest::columnsAreTyped()
+{
+    QFETCH(int, type);
+    LogGroup group("g", 1);
+    group.addVar("v");
+    group.addVar("unallotted");
+    LogVar& var = group.getVars()[0];
+    QVERIFY(var.allocate(2, 3, static_cast<LogVar::Type>(type)));
+    QCOMPARE(int(var.getType()), type);
+    QByteArrayList readAs;
+    const auto add = [&](const auto& column, const char* name) {
+        if (column.empty())
+            return;
+        readAs += name;
+        QCOMPARE(column.size(), 3);
+        QCOMPARE(
+            static_cast<const void*>(column.data() + 3),
+            static_cast<const void*>(static_cast<const char*>(var.getData()) + var.getDataSize()));
+    };
+    add(group.column<qint32>("v", 1), "i32");
+    add(group.column<quint32>("v", 1), "u32");
+    add(group.column<quint16>("v", 1), "u16");
+    add(group.column<quint8>("v", 1), "u8");
+    add(group.column<float>("v", 1), "f32");
+    add(group.column<double>("v", 1), "f64");
+    QTEST(readAs.join(' '), "readAs");
+    QVERIFY(group.column<quint8>("unallotted").empty());
+    QVERIFY(group.column<quint8>("another").empty());
+    QVERIFY(group.column<quint32>("v", 2).empty());
+    QVERIFY(group.column<quint32>("v", -1).empty());
 }
 
 QTEST_GUILESS_MAIN(LogFileTest)

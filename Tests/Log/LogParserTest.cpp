@@ -27,6 +27,7 @@ private slots:
     void withoutADurationNothingIsSynced();
     void anUnsyncedLogKeepsTheOffsetOfTheOneBefore();
     void aMissingFileFailsLater();
+    void theReasonOfAFailureIsReadable();
     void thermalCameras_data();
     void thermalCameras();
     void closingForgetsTheLog();
@@ -250,6 +251,28 @@ void LogParserTest::aMissingFileFailsLater()
     QVERIFY(!m_parser->flightNaming()[QStringLiteral("undefined")].toBool());
 }
 
+void LogParserTest::theReasonOfAFailureIsReadable()
+{
+    QVERIFY(!m_parser->failure());
+    QSignalSpy changed(m_parser.get(), &LogParser::failureChanged);
+    QString atCompletion;
+    connect(m_parser.get(), &LogParser::logParsingComplete, m_parser.get(),
+            [&] { atCompletion = m_parser->property("failureText").toString(); });
+    const QString missing = m_folder.filePath(QStringLiteral("missing.log"));
+    parseAndWait(missing);
+    QVERIFY(m_parser->failure());
+    QCOMPARE(m_parser->failure()->kind, Failure::Kind::notFound);
+    QCOMPARE(atCompletion, QStringLiteral("The log \"%1\" does not exist.").arg(missing));
+    QTRY_COMPARE(changed.size(), 1);
+    parseAndWait(flight());
+    QVERIFY(!m_parser->failure());
+    QCOMPARE(atCompletion, QString());
+    QCOMPARE(changed.size(), 2);
+    parseAndWait(missing);
+    m_parser->closeLog();
+    QCOMPARE(m_parser->failureText(), QString());
+}
+
 void LogParserTest::thermalCameras_data()
 {
     QTest::addColumn<int>("type");
@@ -371,7 +394,7 @@ void LogParserTest::theDestructorEndsARunningParse()
 void LogParserTest::readersKeepTheLogAlive()
 {
     parseAndWait(flight());
-    const std::shared_ptr<LogFile> kept = m_parser->log();
+    const std::shared_ptr<const LogFile> kept = m_parser->log();
     void* column = nullptr;
     kept->getGroup("mobius_start_rec")->getVar("mobius_start_rec")->getColumn(0, &column);
     parseAndWait(largeFlight());
@@ -428,7 +451,7 @@ void LogParserTest::anyOrderIsSafe()
     std::mt19937 random(5);
     const QStringList files{flight(), largeFlight(),
                             m_folder.filePath(QStringLiteral("missing.log"))};
-    std::vector<std::shared_ptr<LogFile>> kept;
+    std::vector<std::shared_ptr<const LogFile>> kept;
     for (int i = 0; i < 300; ++i) {
         if (random() % 10 == 0) {
             m_parser = std::make_unique<LogParser>();

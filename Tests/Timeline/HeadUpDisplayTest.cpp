@@ -286,6 +286,7 @@ void HeadUpDisplayTest::varsOfAnotherShapeHaveNoValue_data()
     QTest::newRow("no angles") << QByteArray("FLOAT") << 0 << QList<int>{3, 4};
     QTest::newRow("bytes") << QByteArray("UINT8") << 3 << QList<int>();
     QTest::newRow("words") << QByteArray("INT16") << 3 << QList<int>();
+    QTest::newRow("whole numbers") << QByteArray("INT32") << 3 << QList<int>();
     QTest::newRow("doubles") << QByteArray("DOUBLE") << 3 << QList<int>();
 }
 
@@ -320,7 +321,7 @@ void HeadUpDisplayTest::keepsTheLogAlive()
     state.altitude = 5;
     addState(log, state);
     Panel panel(log);
-    const std::weak_ptr<LogFile> first = panel.parser.log();
+    const std::weak_ptr<const LogFile> first = panel.parser.log();
     // A second parse brings the parser another log; the panel goes on reading the one it knows.
     LogBuilder next = recordingLog(durationMs);
     addStateGroup(next);

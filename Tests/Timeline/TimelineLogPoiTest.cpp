@@ -315,6 +315,8 @@ void TimelineLogPoiTest::logsOfAnotherShape_data()
     QTest::newRow("another var") << name << QByteArray("time") << QByteArray("UINT32") << 1 << 0;
     QTest::newRow("bytes") << name << name << QByteArray("UINT8") << 1 << 0;
     QTest::newRow("words") << name << name << QByteArray("UINT16") << 1 << 0;
+    QTest::newRow("signed") << name << name << QByteArray("INT32") << 1 << 2;
+    QTest::newRow("fractions") << name << name << QByteArray("FLOAT") << 1 << 0;
     QTest::newRow("doubles") << name << name << QByteArray("DOUBLE") << 1 << 0;
 }
 

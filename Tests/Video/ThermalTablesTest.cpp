@@ -66,8 +66,8 @@ private slots:
     void manyMissingFramesCostNoTime();
     void firstPacketIsFound();
     void partsNeverAskedForAreLeftOut();
-    void transposes_data();
-    void transposes();
+    void packetsAreInMachineOrder_data();
+    void packetsAreInMachineOrder();
 };
 
 void ThermalTablesTest::frameOfMoment_data()
@@ -211,17 +211,17 @@ void ThermalTablesTest::partsNeverAskedForAreLeftOut()
     QVERIFY(!index.firstPacket(7, 0));
 }
 
-void ThermalTablesTest::transposes_data()
+void ThermalTablesTest::packetsAreInMachineOrder_data()
 {
     QTest::addColumn<int>("columns");
     QTest::addColumn<int>("packets");
-    const int sizes[][2] = {{1, 1},   {1, 70},   {7, 9},     {8, 8},     {63, 65},
-                            {64, 64}, {4800, 3}, {160, 200}, {4800, 69}, {19200, 2}};
+    const int sizes[][2] = {{1, 1},    {1, 70},    {7, 9},     {8, 8},     {63, 65},  {64, 64},
+                            {4800, 3}, {160, 200}, {4800, 69}, {19200, 2}, {13, 600}, {700, 1100}};
     for (const auto& size : sizes)
         QTest::addRow("%d x %d", size[0], size[1]) << size[0] << size[1];
 }
 
-void ThermalTablesTest::transposes()
+void ThermalTablesTest::packetsAreInMachineOrder()
 {
     QFETCH(int, columns);
     QFETCH(int, packets);
@@ -231,20 +231,16 @@ void ThermalTablesTest::transposes()
     std::vector<quint16> original(perRow * perColumn);
     for (quint16& word : original)
         word = static_cast<quint16>(random());
-    std::vector<quint16> block = original;
     std::vector<quint16> rows(original.size());
-    swapBytesAndTranspose(block.data(), columns, packets, rows.data());
-    bool blockIsRight = true;
+    packetsInMachineOrder(original.data(), columns, packets, rows.data());
     bool rowsAreRight = true;
     for (size_t k = 0; k < perRow; ++k) {
         for (size_t p = 0; p < perColumn; ++p) {
             const quint16 word = original[k * perColumn + p];
             const auto expected = static_cast<quint16>((word & 0xff) * 256 + word / 256);
-            blockIsRight = blockIsRight && block[k * perColumn + p] == expected;
             rowsAreRight = rowsAreRight && rows[p * perRow + k] == expected;
         }
     }
-    QVERIFY(blockIsRight);
     QVERIFY(rowsAreRight);
 }
 

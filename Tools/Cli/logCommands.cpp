@@ -1,5 +1,4 @@
 #include "Cli/Command.h"
-#include "Cli/diagnostics.h"
 #include "Log/LogDecoder.h"
 
 #include <QJsonArray>
@@ -29,15 +28,18 @@ public:
     bool open(const QString& path)
     {
         const bool showProgress = isatty(STDERR_FILENO) == 1;
-        m_log.reset(m_decoder.parseLog(path, [showProgress](int stage, int done, int total) {
+        const auto log = m_decoder.decode(path, [showProgress](int stage, int done, int total) {
             if (showProgress && stage == 2 && total > 0)
                 std::fprintf(stderr, "\rdecoding %3d %%", int(qint64(done) * 100 / total));
-        }));
+        });
         if (showProgress)
             std::fputs("\r              \r", stderr);
-        if (!m_log)
-            fail(path + QStringLiteral(": ") + lastErrorOr(QStringLiteral("cannot be decoded")));
-        return m_log != nullptr;
+        if (!log) {
+            fail(log.failure().sentence);
+            return false;
+        }
+        m_log = *log;
+        return true;
     }
 
     const LogFile& log() const { return *m_log; }
@@ -46,7 +48,7 @@ public:
 private:
     const std::atomic<bool> m_abortFlag{false};
     LogDecoder m_decoder{&m_abortFlag};
-    std::unique_ptr<LogFile> m_log;
+    std::shared_ptr<const LogFile> m_log;
 };
 
 QString text(const std::string& narrow)
@@ -243,8 +245,7 @@ std::vector<CsvColumn> csvColumns(const OpenLog& open, size_t groupIndex)
             const QByteArray title =
                 vars[i].getNb() == 1 ? name : name + '[' + QByteArray::number(column) + ']';
             columns.push_back({quoted(title), static_cast<const unsigned char*>(rows),
-                               vars[i].getElementSize(),
-                               open.decoder().declaredType(groupIndex, i)});
+                               vars[i].getElementSize(), vars[i].getType()});
         }
     }
     return columns;
