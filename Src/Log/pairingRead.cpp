@@ -1,0 +1,305 @@
+#include "Log/LogDecoder.h"
+#include "Log/LogOpening.h"
+#include "Log/RowWriter.h"
+#include "Log/logFailures.h"
+
+#include <QDebug>
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <new>
+
+namespace corv {
+namespace {
+
+struct NeededField
+{
+    const char* group;
+    const char* var;
+};
+
+constexpr std::array<NeededField, 7> kNeeded{{{"mobius_start_rec", "mobius_start_rec"},
+                                              {"mobius_stop_rec", "mobius_stop_rec"},
+                                              {"mission_info", "time"},
+                                              {"mission_info", "mission_name"},
+                                              {"mission_info", "flight_name"},
+                                              {"mission_info", "flight_number"},
+                                              {"lepton_info", "lepton_type"}}};
+
+bool isNeeded(const std::string& group, const std::string& var)
+{
+    return std::any_of(kNeeded.begin(), kNeeded.end(), [&](const NeededField& field) {
+        return group == field.group && var == field.var;
+    });
+}
+
+// Flights are named and recorded a few times each. A log with more of such payloads is read twice
+// and not kept.
+constexpr size_t kMostKeptBytes = size_t(8) << 20;
+
+using Progress = LogDecoder::Progress;
+
+// The one pass over a log without empty packets: keeps the payloads of good packets.
+class PacketPick
+{
+public:
+    static constexpr bool kEmptyTakesByte = true;
+
+    PacketPick(const FileWindow* window, const std::atomic<bool>* abortFlag,
+               std::function<void(qint64)> progress)
+        : m_window(*window), m_abortFlag(*abortFlag), m_progress(std::move(progress))
+    {
+    }
+
+    void want(int id) { m_wanted[static_cast<size_t>(id)] = true; }
+
+    bool proceed() const { return !m_abortFlag.load(std::memory_order_relaxed); }
+    bool wants(unsigned id) const { return m_wanted[id]; }
+    void windowMoves() { m_progress(m_window.nextByte()); }
+    void wrongId() {}
+    void begins(unsigned) {}
+    void wrongSize(unsigned) {}
+    bool payload(unsigned, const unsigned char* bytes, int size)
+    {
+        m_payload = bytes;
+        m_payloadBytes = static_cast<size_t>(size);
+        return true;
+    }
+    void checksum(unsigned id, bool good)
+    {
+        if (!good)
+            return;
+        ++m_packets[id];
+        const bool keptBefore = keptAll();
+        m_keptBytes += m_payloadBytes;
+        if (keptAll())
+            m_kept[id].insert(m_kept[id].end(), m_payload, m_payload + m_payloadBytes);
+        else if (keptBefore)
+            m_kept = {};
+    }
+    void incomplete(unsigned) {}
+
+    bool keptAll() const { return m_keptBytes <= kMostKeptBytes; }
+    qint64 packets(int id) const { return m_packets[static_cast<size_t>(id)]; }
+    const std::vector<unsigned char>& payloads(int id) const
+    {
+        return m_kept[static_cast<size_t>(id)];
+    }
+
+private:
+    const FileWindow& m_window;
+    const std::atomic<bool>& m_abortFlag;
+    std::function<void(qint64)> m_progress;
+    std::array<bool, 256> m_wanted{};
+    std::array<qint64, 256> m_packets{};
+    std::array<std::vector<unsigned char>, 256> m_kept;
+    const unsigned char* m_payload = nullptr;
+    size_t m_payloadBytes = 0;
+    size_t m_keptBytes = 0;
+};
+
+// The second pass over a log that needs one: stores the values as the full decoding does.
+class PacketRefill
+{
+public:
+    static constexpr bool kEmptyTakesByte = false;
+
+    PacketRefill(const FileWindow* window, const std::atomic<bool>* abortFlag)
+        : m_window(*window), m_abortFlag(*abortFlag)
+    {
+    }
+
+    void addGroup(LogGroup* group, const DescribedGroup& described)
+    {
+        m_writers[static_cast<size_t>(group->getId())] =
+            std::make_unique<RowWriter>(group, described);
+    }
+
+    bool proceed() const { return !m_abortFlag.load(std::memory_order_relaxed); }
+    bool wants(unsigned id) const { return m_writers[id] != nullptr; }
+    void windowMoves() { flush(); }
+    void wrongId() {}
+    void begins(unsigned) {}
+    void wrongSize(unsigned) {}
+    bool payload(unsigned id, const unsigned char* bytes, int size)
+    {
+        m_writers[id]->add(m_window.begin(), static_cast<quint32>(bytes - m_window.begin()), size);
+        return true;
+    }
+    void checksum(unsigned id, bool good)
+    {
+        if (!good)
+            m_writers[id]->rejectLast();
+    }
+    void incomplete(unsigned) {}
+
+    void flush()
+    {
+        for (const auto& writer : m_writers) {
+            if (writer)
+                writer->flush(m_window.begin());
+        }
+    }
+
+private:
+    const FileWindow& m_window;
+    const std::atomic<bool>& m_abortFlag;
+    std::array<std::unique_ptr<RowWriter>, 256> m_writers;
+};
+
+// One reduced reading: leaves a log in which only the needed fields have values.
+class PairingRead
+{
+public:
+    PairingRead(const std::atomic<bool>* abortFlag, const Progress& progress)
+        : m_abortFlag(abortFlag), m_progress(progress)
+    {
+    }
+
+    Status read(const QString& path)
+    {
+        Result<LogOpening> opened = openLog(path, m_progress, *m_abortFlag);
+        if (!opened)
+            return opened.failure();
+        m_opening = std::move(*opened);
+        collectNeeded();
+        return readPackets();
+    }
+
+    const LogFile* log() const { return m_opening.log.get(); }
+
+private:
+    void collectNeeded()
+    {
+        const auto& groups = m_opening.log->getGroups();
+        for (const NeededField& field : kNeeded) {
+            const LogGroup* group = m_opening.log->getGroup(std::string(field.group));
+            const auto index = static_cast<size_t>(group - groups.data());
+            if (group && std::find(m_needed.begin(), m_needed.end(), index) == m_needed.end())
+                m_needed.push_back(index);
+        }
+    }
+
+    bool isNeededIndex(size_t index) const
+    {
+        return std::find(m_needed.begin(), m_needed.end(), index) != m_needed.end();
+    }
+
+    template <typename Visit>
+    void forEachNeeded(const Visit& visit)
+    {
+        m_opening.forEachReachable([&](LogGroup& group, const DescribedGroup& described) {
+            if (isNeededIndex(described.group))
+                visit(group, described);
+        });
+    }
+
+    Status readPackets()
+    {
+        m_progress(1, 0, 0);
+        const auto kilobytes = [this](qint64 atByte) {
+            return static_cast<int>(std::min<qint64>((atByte - m_opening.beginByte) >> 10,
+                                                     std::numeric_limits<int>::max()));
+        };
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
+        PacketPick pick(&window, m_abortFlag, [&](qint64 atByte) {
+            m_progress(2, kilobytes(atByte), kilobytes(m_opening.endByte));
+        });
+        forEachNeeded(
+            [&pick](const LogGroup& group, const DescribedGroup&) { pick.want(group.getId()); });
+        const bool whole = PacketScan<PacketPick>(&window, m_opening.framing, &pick).run();
+        if (const Status status = scanStatus(m_opening.path, window, whole); !status)
+            return status;
+        if (const Status status = allocate(pick); !status)
+            return status;
+        if (pick.keptAll() && !hasEmptyPackets())
+            storeKept(pick);
+        else if (const Status status = readAgain(); !status)
+            return status;
+        m_progress(2, kilobytes(m_opening.endByte), kilobytes(m_opening.endByte));
+        return {};
+    }
+
+    // Counting and storing see packets without a payload differently, and so all behind them.
+    bool hasEmptyPackets() const
+    {
+        const auto& types = m_opening.framing.types;
+        return std::any_of(types.begin(), types.end(), [](const PacketType& type) {
+            return type.known && type.sizeBytes == 0;
+        });
+    }
+
+    Status allocate(const PacketPick& pick)
+    {
+        bool fits = true;
+        forEachNeeded([&](LogGroup& group, const DescribedGroup&) {
+            const qint64 packets = pick.packets(group.getId());
+            fits = fits && packets <= std::numeric_limits<int>::max();
+            group.setNbPackets(fits ? static_cast<int>(packets) : 0);
+        });
+        if (!fits)
+            return tooManyPackets(m_opening.path);
+        for (const DescribedGroup& element : m_opening.described) {
+            if (!isNeededIndex(element.group))
+                continue;
+            LogGroup& group = m_opening.log->getGroups()[element.group];
+            for (const DescribedVar& item : element.vars) {
+                if (!isNeeded(group.getName(), group.getVars()[item.var].getName()))
+                    continue;
+                if (const Status status = allocateVar(m_opening.path, &group, item, false); !status)
+                    return status;
+            }
+        }
+        return {};
+    }
+
+    void storeKept(const PacketPick& pick)
+    {
+        forEachNeeded([&pick](LogGroup& group, const DescribedGroup& described) {
+            const std::vector<unsigned char>& payloads = pick.payloads(group.getId());
+            RowWriter writer(&group, described);
+            const auto size = static_cast<quint32>(group.getPacketSize());
+            for (int row = 0; row < group.getNbPackets(); ++row)
+                writer.add(payloads.data(), static_cast<quint32>(row) * size,
+                           group.getPacketSize());
+            writer.flush(payloads.data());
+        });
+    }
+
+    Status readAgain()
+    {
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
+        PacketRefill refill(&window, m_abortFlag);
+        forEachNeeded([&refill](LogGroup& group, const DescribedGroup& described) {
+            refill.addGroup(&group, described);
+        });
+        const bool whole = PacketScan<PacketRefill>(&window, m_opening.framing, &refill).run();
+        if (const Status status = scanStatus(m_opening.path, window, whole); !status)
+            return status;
+        refill.flush();
+        return {};
+    }
+
+    const std::atomic<bool>* m_abortFlag;
+    const Progress& m_progress;
+    LogOpening m_opening;
+    std::vector<size_t> m_needed; ///< indices of groups
+};
+
+} // namespace
+
+Result<LogDigest> LogDecoder::readForPairing(const QString& path, const Progress& progress) const
+{
+    try {
+        PairingRead reading(m_abortFlag, progress);
+        if (const Status status = reading.read(path); !status)
+            return status.failure();
+        return LogDigest{readRecordingEvents(reading.log()), readFlightNamingEvents(reading.log()),
+                         findThermalCameraHwVersion(reading.log())};
+    } catch (const std::bad_alloc&) {
+        qWarning() << "ERROR: no memory left for the log" << path;
+        return logNoMemory(path);
+    }
+}
+
+} // namespace corv
