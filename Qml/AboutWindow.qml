@@ -3,6 +3,7 @@ import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
 import QtQuick.Window 2.2
 import corv.AppInfo 1.0
+import "."
 import "constants.js" as Cst
 import "licenses.js" as Licenses
 
@@ -16,13 +17,13 @@ Window {
     minimumWidth: 400
     minimumHeight: 400
     modality: Qt.WindowModal
-    color: "#494949"
+    color: Theme.editDialog
 
     Rectangle {
         id: rectangle1
         anchors { left: parent.left; right: parent.right; top: parent.top }
         height: 200
-        color: "#333333"
+        color: Theme.strip
 
         Image {
             objectName: "splashLogo"
@@ -39,7 +40,7 @@ Window {
         id: lbl_version
         objectName: "lbl_version"
         anchors { left: parent.left; top: rectangle1.bottom; margins: 12 }
-        color: "white"
+        color: Theme.text
         text: "Version " + AppInfo.versionString
     }
 
@@ -62,7 +63,7 @@ Window {
             width: licensesView.viewport.width - 16
             wrapMode: Text.WordWrap
             textFormat: Text.RichText
-            color: "#eee"
+            color: Theme.menuText
             text: Licenses.text()
             Accessible.role: Accessible.StaticText
             Accessible.name: "Open source licenses"

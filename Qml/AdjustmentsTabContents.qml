@@ -1,8 +1,20 @@
 import QtQuick 2.7
+import QtQml 2.14
 import corv.LogParsing 1.0
+import VideoPlayer 1.0
+import "."
 
 Rectangle {
     id: adjustmentsRect
+
+    property VideoPlayer player: null
+    readonly property bool videoOpen: player !== null && player.hasVideoOpened
+    readonly property bool thermalShown: player !== null && player.showIR
+    readonly property bool automatic: player !== null && player.autoIRMapping
+
+    // Made, and showing what the player has.
+    signal loaded()
+    signal editingFinished()
 
     property bool irSlidersEnabled: false
     property int irRangeMin: 0
@@ -23,15 +35,15 @@ Rectangle {
     property alias imageContrast: contrastSetter.value
     property alias imageBrightness: brightnessSetter.value
 
-    // Set while the sliders follow the player: what they show then is not written back, or their
-    // range would cut the values in use.
+    // Set while the sliders and setters follow the player: what they show then is not written back,
+    // or their range would cut the values in use.
     property bool following: true
 
-    color: "#444444"
+    color: Theme.panel
 
     function giveBackFocusToEditor() {
         console.log("Giving back focus");
-        mainWindow.refocusMainActions();
+        editingFinished();
     }
 
     function showMapping(minimum, maximum) {
@@ -42,15 +54,17 @@ Rectangle {
     }
 
     function showMappingInUse() {
-        if (videoPlayer.autoIRMapping)
-            showMapping(videoPlayer.irDataMin, videoPlayer.irDataMax);
+        if (player === null)
+            return;
+        if (player.autoIRMapping)
+            showMapping(player.irDataMin, player.irDataMax);
         else
-            showMapping(videoPlayer.irMappingMinValue, videoPlayer.irMappingMaxValue);
+            showMapping(player.irMappingMinValue, player.irMappingMaxValue);
     }
 
     // Another camera, another range: values that the earlier one could not show can be shown now.
     onIrRangeMaxChanged: {
-        if (!videoPlayer.autoIRMapping)
+        if (!automatic)
             showMappingInUse();
     }
 
@@ -58,9 +72,73 @@ Rectangle {
     Component.onCompleted: {
         console.log("Loading adjustments tab!");
         showMappingInUse();
-        mainWindow.doAdjustThermalRange();
-        videoPlayer.updateControlsStates();
-        videoPlayer.updatePropertiesStates();
+        loaded();
+        following = false;
+    }
+
+    Connections {
+        target: adjustmentsRect.player
+
+        function onIrDataChanged() {
+            if (adjustmentsRect.automatic)
+                adjustmentsRect.showMappingInUse();
+        }
+
+        function onAutoIRMappingChanged() {
+            adjustmentsRect.showMappingInUse();
+        }
+
+        function onIrMappingMinValueChanged() {
+            adjustmentsRect.showMappingInUse();
+        }
+
+        function onIrMappingMaxValueChanged() {
+            adjustmentsRect.showMappingInUse();
+        }
+    }
+
+    // Objects, because a click on a toggle or a move of a slider would end a plain binding.
+    Binding { target: showIRButton; property: "checked"; value: thermalShown }
+    Binding { target: fullIRButton; property: "enabled"; value: thermalShown }
+    Binding {
+        target: fullIRButton
+        property: "checked"
+        value: player !== null && player.fullScreenIR
+    }
+    Binding { target: irOverlayTransparentButton; property: "enabled"; value: thermalShown }
+    Binding {
+        target: irOverlayTransparentButton
+        property: "checked"
+        value: player !== null && player.irOverlayTransparent
+    }
+    Binding { target: lockIRMappingButton; property: "enabled"; value: thermalShown }
+    Binding { target: autoIRMappingButton; property: "enabled"; value: thermalShown }
+    Binding { target: autoIRMappingButton; property: "checked"; value: automatic }
+    Binding { target: adjustmentsRect; property: "irSlidersEnabled"; value: !automatic }
+    Binding {
+        target: horizontalThermalCorrectionSetter
+        property: "value"
+        value: player !== null ? player.irOffsetX : 0
+    }
+    Binding {
+        target: verticalThermalCorrectionSetter
+        property: "value"
+        value: player !== null ? player.irOffsetY : 0
+    }
+    Binding {
+        target: timeShiftingLogCorrectionSetter
+        property: "value"
+        value: LogParser.manualLogTimeOffset
+    }
+    Binding {
+        target: contrastSetter
+        property: "value"
+        value: player !== null ? player.contrast : 1
+    }
+    Binding {
+        target: brightnessSetter
+        property: "value"
+        value: player !== null ? player.brightness : 0
     }
 
     MouseArea {
@@ -88,10 +166,7 @@ Rectangle {
                 implicitWidth: 128
                 text: "Show thermal"
                 source: "images/button_show_ir.png"
-                onToggle: {
-                    videoPlayer.showIR = checked;
-                    videoPlayer.updateControlsStates();
-                }
+                onToggle: player.showIR = checked
             }
 
             CorvToolbarToggleButton {
@@ -99,11 +174,8 @@ Rectangle {
                 objectName: "fullIRButton"
                 anchors.verticalCenter: parent.verticalCenter
                 source: "images/button_ir_fullscreen.png"
-                Accessible.name: "Thermal picture over the whole frame"
-                onToggle: {
-                    videoPlayer.fullScreenIR = checked;
-                    videoPlayer.updateControlsStates();
-                }
+                tooltiptext: "Thermal picture over the whole frame"
+                onToggle: player.fullScreenIR = checked
             }
 
             CorvToolbarToggleButton {
@@ -111,11 +183,8 @@ Rectangle {
                 objectName: "irOverlayTransparentButton"
                 anchors.verticalCenter: parent.verticalCenter
                 source: "images/button_transparency.png"
-                Accessible.name: "Transparent thermal picture"
-                onToggle: {
-                    videoPlayer.irOverlayTransparent = checked;
-                    videoPlayer.updateControlsStates();
-                }
+                tooltiptext: "Transparent thermal picture"
+                onToggle: player.irOverlayTransparent = checked
             }
         }
 
@@ -139,8 +208,8 @@ Rectangle {
                 enabled: irSlidersEnabled
                 Accessible.name: "Lowest mapped value"
                 onValueChanged: {
-                    if (!videoPlayer.autoIRMapping && !adjustmentsRect.following)
-                        videoPlayer.irMappingMinValue = value;
+                    if (player !== null && !automatic && !following)
+                        player.irMappingMinValue = value;
                 }
             }
 
@@ -152,7 +221,7 @@ Rectangle {
                 anchors.rightMargin: 12
                 anchors.verticalCenter: parent.verticalCenter
                 height: 2
-                color: "#222222"
+                color: Theme.groove
             }
 
             RangeSlider {
@@ -168,8 +237,8 @@ Rectangle {
                 enabled: irSlidersEnabled
                 Accessible.name: "Highest mapped value"
                 onValueChanged: {
-                    if (!videoPlayer.autoIRMapping && !adjustmentsRect.following)
-                        videoPlayer.irMappingMaxValue = value;
+                    if (player !== null && !automatic && !following)
+                        player.irMappingMaxValue = value;
                 }
             }
         }
@@ -183,12 +252,8 @@ Rectangle {
                 id: autoIRMappingButton
                 objectName: "autoIRMappingButton"
                 source: "images/button_auto.png"
-                Accessible.name: "Automatic color mapping"
-                onToggle: {
-                    videoPlayer.autoIRMapping = checked;
-                    adjustmentsRect.showMappingInUse();
-                    videoPlayer.updateControlsStates();
-                }
+                tooltiptext: "Automatic color mapping"
+                onToggle: player.autoIRMapping = checked
             }
 
             CorvToolbarTextButton {
@@ -198,11 +263,9 @@ Rectangle {
                 text: "Lock"
                 source: "images/button_lock_levels.png"
                 onClicked: {
-                    videoPlayer.autoIRMapping = false;
-                    videoPlayer.irMappingMinValue = videoPlayer.irDataMin;
-                    videoPlayer.irMappingMaxValue = videoPlayer.irDataMax;
-                    adjustmentsRect.showMapping(videoPlayer.irDataMin, videoPlayer.irDataMax);
-                    videoPlayer.updateControlsStates();
+                    player.autoIRMapping = false;
+                    player.irMappingMinValue = player.irDataMin;
+                    player.irMappingMaxValue = player.irDataMax;
                 }
             }
         }
@@ -220,10 +283,13 @@ Rectangle {
             stepSize: 0.005
             decimals: 3
             value: 0
-            enabled: videoPlayer.hasVideoOpenedAlias
-            onValueChanged: videoPlayer.irOffsetX = value
+            enabled: adjustmentsRect.videoOpen
+            onValueChanged: {
+                if (!adjustmentsRect.following && player !== null)
+                    player.irOffsetX = value;
+            }
             onResetClicked: {
-                videoPlayer.irOffsetX = 0;
+                player.irOffsetX = 0;
                 value = 0;
             }
             onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
@@ -240,10 +306,13 @@ Rectangle {
             stepSize: 0.005
             decimals: 3
             value: 0
-            enabled: videoPlayer.hasVideoOpenedAlias
-            onValueChanged: videoPlayer.irOffsetY = value
+            enabled: adjustmentsRect.videoOpen
+            onValueChanged: {
+                if (!adjustmentsRect.following && player !== null)
+                    player.irOffsetY = value;
+            }
             onResetClicked: {
-                videoPlayer.irOffsetY = 0;
+                player.irOffsetY = 0;
                 value = 0;
             }
             onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
@@ -262,8 +331,11 @@ Rectangle {
             stepSize: 100
             decimals: 0
             value: 0
-            enabled: videoPlayer.hasVideoOpenedAlias
-            onValueChanged: LogParser.manualLogTimeOffset = value
+            enabled: adjustmentsRect.videoOpen
+            onValueChanged: {
+                if (!adjustmentsRect.following)
+                    LogParser.manualLogTimeOffset = value;
+            }
             onResetClicked: {
                 LogParser.manualLogTimeOffset = 0;
                 value = 0;
@@ -284,10 +356,13 @@ Rectangle {
             stepSize: 0.01
             decimals: 1
             value: 1.0
-            enabled: videoPlayer.hasVideoOpenedAlias
-            onValueChanged: videoPlayer.contrast = value
+            enabled: adjustmentsRect.videoOpen
+            onValueChanged: {
+                if (!adjustmentsRect.following && player !== null)
+                    player.contrast = value;
+            }
             onResetClicked: {
-                videoPlayer.contrast = 1;
+                player.contrast = 1;
                 value = 1;
             }
             onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
@@ -304,10 +379,13 @@ Rectangle {
             stepSize: 1
             decimals: 0
             value: 0
-            enabled: videoPlayer.hasVideoOpenedAlias
-            onValueChanged: videoPlayer.brightness = value
+            enabled: adjustmentsRect.videoOpen
+            onValueChanged: {
+                if (!adjustmentsRect.following && player !== null)
+                    player.brightness = value;
+            }
             onResetClicked: {
-                videoPlayer.brightness = 0;
+                player.brightness = 0;
                 value = 0;
             }
             onEditingFinished: adjustmentsRect.giveBackFocusToEditor()

@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 
 // The grey ground of an input field. Who uses it says what lights it.
 Rectangle {
@@ -8,7 +9,7 @@ Rectangle {
 
     height: 25
     implicitHeight: 25
-    color: !enabled ? "#888" : hovered ? "#CCCCCC" : "#AAAAAA"
+    color: !enabled ? Theme.fieldDisabled : hovered ? Theme.fieldHovered : Theme.field
 
     Behavior on color { ColorAnimation { duration: 100 } }
 }

@@ -1,20 +1,16 @@
 import QtQuick 2.7
+import "."
 import "constants.js" as Cst
 
-Rectangle {
+CorvButtonBase {
     id: corvQuickStartButton
 
     property alias text: label.text
-    signal clicked()
 
-    color: buttonMouseArea.pressed ? Cst.pressedColor
-                                   : buttonMouseArea.containsMouse ? Cst.btnColorHover : "transparent"
+    name: text
+    color: pressed ? Cst.pressedColor : hovered ? Cst.btnColorHover : Theme.clear
     border.width: 1
-    border.color: buttonMouseArea.pressed ? Cst.pressedColor : Cst.btnColorHover
-
-    Accessible.role: Accessible.Button
-    Accessible.name: text
-    Accessible.onPressAction: clicked()
+    border.color: pressed ? Cst.pressedColor : Cst.btnColorHover
 
     Behavior on color { ColorAnimation { duration: 75 } }
     Behavior on border.color { ColorAnimation { duration: 75 } }
@@ -22,16 +18,9 @@ Rectangle {
     Text {
         id: label
         anchors.centerIn: parent
-        color: buttonMouseArea.pressed ? Cst.btnTextPressedColor
-                                       : buttonMouseArea.containsMouse ? Cst.btnTextColor
-                                                                       : Cst.btnColorHover
+        color: corvQuickStartButton.pressed
+               ? Cst.btnTextPressedColor
+               : corvQuickStartButton.hovered ? Cst.btnTextColor : Cst.btnColorHover
         Behavior on color { ColorAnimation { duration: 75 } }
-    }
-
-    MouseArea {
-        id: buttonMouseArea
-        anchors.fill: parent
-        hoverEnabled: true
-        onClicked: corvQuickStartButton.clicked()
     }
 }

@@ -1,6 +1,7 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
+import "."
 
 // A radio button that is read on the dark ground of the dialogs.
 RadioButton {
@@ -14,22 +15,22 @@ RadioButton {
             implicitWidth: 14
             implicitHeight: 14
             radius: 7
-            color: control.enabled ? "#ddd" : "#777"
+            color: control.enabled ? Theme.radio : Theme.radioDisabled
             border.width: control.activeFocus ? 2 : 1
-            border.color: control.activeFocus ? "#12ff54" : "#222"
+            border.color: control.activeFocus ? Theme.accent : Theme.radioBorder
 
             Rectangle {
                 anchors.centerIn: parent
                 width: 6
                 height: 6
                 radius: 3
-                color: "#111"
+                color: Theme.radioMark
                 visible: control.checked
             }
         }
         label: Text {
             text: control.text
-            color: control.enabled ? "white" : "#888"
+            color: control.enabled ? Theme.text : Theme.textDisabled
         }
     }
 }

@@ -2,23 +2,19 @@ import QtQuick 2.7
 import "constants.js" as Cst
 
 // The button of the dialogs that are also answered by keys: those call pressButton().
-Rectangle {
+CorvButtonBase {
     id: corvRichTextButton
 
     property string caption: ""
-    signal clicked()
 
     function pressButton() {
         clicked();
     }
 
+    name: caption
     width: label.contentWidth + 14
     height: 25
-    color: buttonMouseArea.containsMouse ? Cst.btnColorHover : Cst.btnColor
-
-    Accessible.role: Accessible.Button
-    Accessible.name: caption
-    Accessible.onPressAction: pressButton()
+    color: hovered ? Cst.btnColorHover : Cst.btnColor
 
     Behavior on color { ColorAnimation { duration: 100 } }
 
@@ -31,12 +27,5 @@ Rectangle {
         textFormat: TextEdit.RichText
         text: "<div style='color: black; font-size:15px'>" + corvRichTextButton.caption + "</div>"
         Accessible.ignored: true
-    }
-
-    MouseArea {
-        id: buttonMouseArea
-        anchors.fill: parent
-        hoverEnabled: true
-        onClicked: corvRichTextButton.pressButton()
     }
 }

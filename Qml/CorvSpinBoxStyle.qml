@@ -1,20 +1,21 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
+import "."
 
-// The spin box as it stands on the dark panels.
+// The spin box of the panels.
 SpinBoxStyle {
-    textColor: control.enabled ? "#dddddd" : "#888888"
-    selectionColor: "#46af63"
-    selectedTextColor: "#ffffff"
+    textColor: control.enabled ? Theme.boxText : Theme.boxTextDisabled
+    selectionColor: Theme.progress
+    selectedTextColor: Theme.text
     font.pixelSize: 12
     padding { left: 4; right: 16; top: 0; bottom: 0 }
 
     background: Rectangle {
         implicitWidth: 60
         implicitHeight: 22
-        color: "#222222"
-        border.color: control.activeFocus ? "#12ff54" : "#666666"
+        color: Theme.box
+        border.color: control.activeFocus ? Theme.accent : Theme.boxBorder
     }
 
     incrementControl: Item {
@@ -24,7 +25,8 @@ SpinBoxStyle {
         Text {
             anchors.centerIn: parent
             font.pixelSize: 7
-            color: !control.enabled ? "#666666" : styleData.upHovered ? "#ffffff" : "#aaaaaa"
+            color: !control.enabled ? Theme.boxArrowDisabled
+                                    : styleData.upHovered ? Theme.boxArrowHovered : Theme.boxArrow
             text: "\u25b2"
         }
     }
@@ -36,7 +38,8 @@ SpinBoxStyle {
         Text {
             anchors.centerIn: parent
             font.pixelSize: 7
-            color: !control.enabled ? "#666666" : styleData.downHovered ? "#ffffff" : "#aaaaaa"
+            color: !control.enabled ? Theme.boxArrowDisabled
+                                    : styleData.downHovered ? Theme.boxArrowHovered : Theme.boxArrow
             text: "\u25bc"
         }
     }

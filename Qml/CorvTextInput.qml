@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 
 // One line of text on a CorvFieldFrame.
 TextInput {
@@ -11,7 +12,7 @@ TextInput {
     activeFocusOnTab: true
     selectByMouse: true
     clip: true
-    color: enabled ? "black" : "#444"
+    color: enabled ? Theme.fieldText : Theme.fieldTextDisabled
 
     Accessible.role: Accessible.EditableText
     Accessible.readOnly: readOnly

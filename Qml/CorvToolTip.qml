@@ -1,5 +1,6 @@
 import QtQuick 2.7
 import QtQuick.Controls 2.2 as C2
+import "."
 
 C2.ToolTip {
     id: corvToolTip
@@ -10,10 +11,10 @@ C2.ToolTip {
 
     contentItem: Text {
         text: corvToolTip.text
-        color: "#ffffff"
+        color: Theme.toolTipText
     }
     background: Rectangle {
-        color: "#000000"
-        border.color: "#ffffff"
+        color: Theme.toolTip
+        border.color: Theme.toolTipText
     }
 }

@@ -1,52 +1,20 @@
 import QtQuick 2.7
-import QtGraphicalEffects 1.0
+import "."
 import "constants.js" as Cst
 
-Rectangle {
+CorvButtonBase {
     id: corvToolbarTextButton
 
-    property alias source: icon.source
-    property alias text: label.text
-    readonly property color foreground: enabled ? Cst.btnTextPressedColor : Cst.disabledCheckedBtnFg
-    signal clicked()
+    property alias source: face.source
+    property alias text: face.text
 
+    name: text
     width: 100
     height: 25
-    color: enabled && buttonMouseArea.containsMouse ? Cst.btnColorTbHover : "transparent"
+    color: enabled && hovered ? Cst.btnColorTbHover : Theme.clear
 
-    Accessible.role: Accessible.Button
-    Accessible.name: text
-    Accessible.onPressAction: clicked()
-
-    Item {
-        id: iconPlace
-        width: 25
-        height: parent.height
-
-        Image {
-            id: icon
-            anchors.centerIn: parent
-            visible: false
-        }
-
-        ColorOverlay {
-            anchors.fill: icon
-            source: icon
-            color: corvToolbarTextButton.foreground
-        }
-    }
-
-    Text {
-        id: label
-        anchors.left: iconPlace.right
-        anchors.verticalCenter: parent.verticalCenter
-        color: corvToolbarTextButton.foreground
-    }
-
-    MouseArea {
-        id: buttonMouseArea
-        anchors.fill: parent
-        hoverEnabled: true
-        onClicked: corvToolbarTextButton.clicked()
+    IconAndLabel {
+        id: face
+        color: corvToolbarTextButton.enabled ? Cst.btnTextPressedColor : Cst.disabledCheckedBtnFg
     }
 }

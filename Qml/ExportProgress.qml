@@ -1,7 +1,7 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
-import "constants.js" as Cst
+import "."
 
 Rectangle {
     id: export_progress
@@ -15,14 +15,14 @@ Rectangle {
 
     width: 560
     height: 120
-    color: "#00000000"
+    color: Theme.clear
 
     Text {
         id: text1
         objectName: "text1"
         anchors { left: parent.left; right: parent.right; top: parent.top; margins: 20 }
         text: "Video export in progress"
-        color: "white"
+        color: Theme.text
         font.pointSize: 12
         horizontalAlignment: Text.AlignLeft
         elide: Text.ElideRight
@@ -40,10 +40,10 @@ Rectangle {
             background: Rectangle {
                 implicitWidth: 200
                 implicitHeight: 12
-                color: "#222"
+                color: Theme.groove
             }
             progress: Rectangle {
-                color: Cst.accentColor
+                color: Theme.accent
             }
         }
     }

@@ -1,9 +1,24 @@
 import QtQuick 2.7
 import QtQuick.Dialogs 1.3
+import VideoPlayer 1.0
 import "paths.js" as Paths
 
 // Where files are chosen, and what a choice starts.
 Item {
+    id: fileDialogs
+
+    property VideoPlayer player: null
+    // The functions that a choice starts: the main window's.
+    property var verbs: null
+    // Whether a chosen project name is for a copy of the work at hand.
+    property bool savingAsCopy: false
+    // The folders that the dialogs of videos and logs, and that of pictures, start in.
+    property string mediaFolder: ""
+    property string imageFolder: ""
+
+    signal mediaFolderChosen(string folder)
+    signal imageFolderChosen(string folder)
+
     property alias saveProjectDialog: saveProjectDialog
     property alias loadProjectDialog: loadProjectDialog
     property alias createPoiReport: createPoiReport
@@ -22,10 +37,10 @@ Item {
             var path = Paths.withSuffix(Paths.undecodedPath(fileUrl), selectedNameFilter);
             if (path === "")
                 return;
-            if (currentProject.savingAsCopy)
-                mainWindow.doSaveProjectCopy(path);
+            if (fileDialogs.savingAsCopy)
+                fileDialogs.verbs.doSaveProjectCopy(path);
             else
-                mainWindow.doSaveProjectAs(path);
+                fileDialogs.verbs.doSaveProjectAs(path);
         }
     }
 
@@ -38,7 +53,7 @@ Item {
         onAccepted: {
             var path = Paths.decodedPath(fileUrl);
             if (path !== "")
-                mainWindow.loadProject(path);
+                fileDialogs.verbs.loadProject(path);
         }
     }
 
@@ -52,7 +67,7 @@ Item {
         onAccepted: {
             var path = Paths.withSuffix(Paths.undecodedPath(fileUrl), selectedNameFilter);
             if (path !== "")
-                mainWindow.doCreatePoiReport(path);
+                fileDialogs.verbs.doCreatePoiReport(path);
         }
     }
 
@@ -61,10 +76,10 @@ Item {
         objectName: "videoImportDialog"
         title: "Please choose a video"
         nameFilters: ["Video files (*.mov *.avi *.3gp *.mp4)"]
-        folder: loadFileSettings.folder
+        folder: fileDialogs.mediaFolder
         onAccepted: {
-            loadFileSettings.folder = videoImportDialog.folder;
-            mainWindow.afterVideoImportChoice(fileUrl);
+            fileDialogs.mediaFolderChosen(videoImportDialog.folder);
+            fileDialogs.verbs.afterVideoImportChoice(fileUrl);
         }
     }
 
@@ -73,10 +88,10 @@ Item {
         objectName: "logImportDialog"
         title: "Please choose a flight data file"
         nameFilters: ["Flight data files (*.log)"]
-        folder: loadFileSettings.folder
+        folder: fileDialogs.mediaFolder
         onAccepted: {
-            loadFileSettings.folder = logImportDialog.folder;
-            mainWindow.afterFlightDataImportChoice(fileUrl);
+            fileDialogs.mediaFolderChosen(logImportDialog.folder);
+            fileDialogs.verbs.afterFlightDataImportChoice(fileUrl);
         }
     }
 
@@ -86,16 +101,16 @@ Item {
         title: "Save image as..."
         nameFilters: ["JPEG (*.jpg)", "Bitmap (*.bmp)", "PNG (*.png)"]
         selectExisting: false
-        folder: saveImageSettings.folder
+        folder: fileDialogs.imageFolder
         onAccepted: {
             var chosen = Paths.decodedLocalPath(fileUrl);
             if (chosen === "")
                 return;
             // The dialog asked about the name that was typed, not about the completed one.
             var path = Paths.withSuffix(chosen, selectedNameFilter);
-            videoPlayer.saveFrame(videoPlayer.timePosition, path,
-                                  selectExisting == false && path === chosen);
-            saveImageSettings.folder = folder;
+            player.saveFrame(player.timePosition, path,
+                             selectExisting == false && path === chosen);
+            fileDialogs.imageFolderChosen(folder);
         }
     }
 }

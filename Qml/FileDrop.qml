@@ -1,5 +1,6 @@
 import QtQuick 2.7
-import "constants.js" as Cst
+import VideoPlayer 1.0
+import "."
 import "paths.js" as Paths
 
 // Takes files that are dropped on the window and opens them as the menu would: a project, or a
@@ -8,6 +9,11 @@ import "paths.js" as Paths
 DropArea {
     id: fileDrop
     objectName: "fileDrop"
+
+    property VideoPlayer player: null
+    // Opens what was dropped: the main window's loadProject(), afterVideoImportChoice() and
+    // afterFlightDataImportChoice().
+    property var verbs: null
 
     // The files of a drop by kind; of several of one kind the first counts.
     function sorted(urls) {
@@ -30,24 +36,24 @@ DropArea {
 
     function open(files) {
         if (files.project !== undefined) {
-            videoPlayer.pause();
-            mainWindow.loadProject(Paths.decodedPath(files.project));
+            player.pause();
+            verbs.loadProject(Paths.decodedPath(files.project));
         } else if (files.video !== undefined) {
             openVideo(files.video, files.log);
-        } else if (files.log !== undefined && videoPlayer.hasVideoOpened) {
-            videoPlayer.pause();
-            mainWindow.afterFlightDataImportChoice(files.log);
+        } else if (files.log !== undefined && player.hasVideoOpened) {
+            player.pause();
+            verbs.afterFlightDataImportChoice(files.log);
         } else {
             // Says which files can be opened.
-            mainWindow.afterVideoImportChoice(files.other || files.log);
+            verbs.afterVideoImportChoice(files.other || files.log);
         }
     }
 
     function openVideo(video, log) {
-        videoPlayer.onVideoSucessfullyOpened = log === undefined ? undefined : function() {
-            mainWindow.afterFlightDataImportChoice(log);
+        player.onVideoSucessfullyOpened = log === undefined ? undefined : function() {
+            verbs.afterFlightDataImportChoice(log);
         };
-        mainWindow.afterVideoImportChoice(video);
+        verbs.afterVideoImportChoice(video);
     }
 
     onEntered: drag.accepted = drag.hasUrls
@@ -61,8 +67,8 @@ DropArea {
     Rectangle {
         anchors.fill: parent
         visible: fileDrop.containsDrag
-        color: "transparent"
-        border.color: Cst.accentColor
+        color: Theme.clear
+        border.color: Theme.accent
         border.width: 3
     }
 }

@@ -2,6 +2,7 @@ import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Layouts 1.1
 import QtQuick.Window 2.2
+import "."
 
 Window {
     id: propertiesWindow
@@ -43,7 +44,7 @@ Window {
     height: 200
     minimumWidth: 400
     minimumHeight: 200
-    color: "#494949"
+    color: Theme.editDialog
     modality: Qt.WindowModal
     flags: Qt.Dialog
 
@@ -66,7 +67,7 @@ Window {
 
         Text {
             text: "Mission name"
-            color: "white"
+            color: Theme.text
         }
 
         TextField {
@@ -80,7 +81,7 @@ Window {
 
         Text {
             text: "Flight name"
-            color: "white"
+            color: Theme.text
         }
 
         TextField {
@@ -93,7 +94,7 @@ Window {
 
         Text {
             text: "Flight number"
-            color: "white"
+            color: Theme.text
         }
 
         TextField {

@@ -5,7 +5,7 @@ import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
-import "constants.js" as Cst
+import "."
 
 Window {
     id: framesExport
@@ -99,7 +99,7 @@ Window {
     height: 360
     minimumWidth: 480
     minimumHeight: 244
-    color: Cst.bgndColor
+    color: Theme.dialog
 
     onVisibleChanged: {
         if (!visible)
@@ -163,7 +163,7 @@ Window {
             id: modeSelectionRectangle
             width: parent.width
             height: 35
-            color: "#222222"
+            color: Theme.dialogHead
 
             ExclusiveGroup { id: exportChoiceGroup }
 
@@ -194,7 +194,7 @@ Window {
             anchors.top: modeSelectionRectangle.bottom
             width: parent.width
             height: 150
-            color: Cst.headerColor
+            color: Theme.dialogBand
 
             Grid {
                 anchors { left: parent.left; leftMargin: 10; verticalCenter: parent.verticalCenter }
@@ -205,7 +205,7 @@ Window {
 
                 Text {
                     text: "Start time (min:sec.ms):"
-                    color: enabled ? "white" : "#888"
+                    color: enabled ? Theme.text : Theme.textDisabled
                 }
 
                 CorvFieldFrame {
@@ -240,7 +240,7 @@ Window {
 
                 Text {
                     text: "Stop time (min:sec.ms):"
-                    color: enabled ? "white" : "#888"
+                    color: enabled ? Theme.text : Theme.textDisabled
                 }
 
                 CorvFieldFrame {
@@ -275,7 +275,7 @@ Window {
 
                 Text {
                     text: "Save an image every..."
-                    color: enabled ? "white" : "#888"
+                    color: enabled ? Theme.text : Theme.textDisabled
                 }
 
                 CorvFieldFrame {
@@ -303,7 +303,7 @@ Window {
 
                 Text {
                     text: "frames"
-                    color: enabled ? "white" : "#888"
+                    color: enabled ? Theme.text : Theme.textDisabled
                 }
             }
         }
@@ -313,13 +313,13 @@ Window {
             anchors.top: startStopRect.bottom
             width: parent.width
             height: 80
-            color: Cst.bgndColor
+            color: Theme.dialog
 
             Text {
                 id: folderLabel
                 anchors { left: parent.left; leftMargin: 10; top: parent.top; topMargin: 12 }
                 text: "Export images to folder:"
-                color: "white"
+                color: Theme.text
             }
 
             CorvFieldFrame {

@@ -4,7 +4,7 @@ import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
-import "constants.js" as Cst
+import "."
 
 Window {
     id: generalSettings
@@ -31,7 +31,7 @@ Window {
     height: 160
     minimumWidth: 400
     minimumHeight: 244
-    color: Cst.bgndColor
+    color: Theme.dialog
 
     Settings {
         id: settings
@@ -63,7 +63,7 @@ Window {
 
         Text {
             text: "Unit system"
-            color: "white"
+            color: Theme.text
             font.bold: true
         }
 
@@ -87,7 +87,7 @@ Window {
             width: parent.width
             wrapMode: Text.WordWrap
             text: "Changes will be applied after restarting Vistrel"
-            color: "#ddd"
+            color: Theme.textSoft
         }
     }
 

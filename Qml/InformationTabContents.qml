@@ -1,6 +1,7 @@
 import QtQuick 2.7
 import corv.LogParsing 1.0
 import HeadUpDisplay 1.0
+import "."
 
 Rectangle {
     id: infoRect
@@ -9,7 +10,9 @@ Rectangle {
     property alias imperialUnits: headUpDisplay.imperialUnits
     property alias videoPosition: headUpDisplay.videoPosition
 
-    color: "#777777"
+    signal editFlightPropertiesClicked()
+
+    color: Theme.flightPanel
 
     // Names come from the log: they are text, not markup.
     function plain(name) {
@@ -33,7 +36,7 @@ Rectangle {
             anchors.rightMargin: 4
             height: 80
             visible: LogParser.flightNaming.undefined === false
-            color: "white"
+            color: Theme.text
             textFormat: Text.StyledText
             wrapMode: Text.Wrap
             font.pixelSize: 13
@@ -52,7 +55,7 @@ Rectangle {
             anchors.right: parent.right
             height: 80
             visible: !namingText.visible
-            color: "#ccc"
+            color: Theme.namingMissing
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
             text: "Flight name not defined"
@@ -67,7 +70,7 @@ Rectangle {
             height: 16
             source: "images/button_edit_field.png"
             tooltiptext: "Edit flight properties"
-            onClicked: mainWindow.editFlightProperties()
+            onClicked: infoRect.editFlightPropertiesClicked()
         }
     }
 

@@ -1,9 +1,20 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
-import QtQuick.Window 2.2
 import corv.LogParsing 1.0
+import VideoPlayer 1.0
 
 MenuBar {
+    id: menuBar
+
+    property VideoPlayer player: null
+    // Whether the work at hand is bound to a project file.
+    property bool projectOpen: false
+    // The functions that the entries run: the main window's, and its windows on demand.
+    property var verbs: null
+    property var windows: null
+
+    readonly property bool videoOpen: player !== null && player.hasVideoOpened
+
     objectName: "mainMenuBar"
     style: MainMenuBarStyle {}
 
@@ -19,13 +30,13 @@ MenuBar {
                 objectName: "newFromVideoMenuItem"
                 text: "From &video file..."
                 shortcut: "Ctrl+N"
-                onTriggered: mainWindow.goOpenVideo("file_menu")
+                onTriggered: menuBar.verbs.goOpenVideo("file_menu")
             }
             MenuItem {
                 objectName: "newFromDevicesMenuItem"
                 text: "From removable devices / &directories..."
                 shortcut: "Ctrl+Shift+N"
-                onTriggered: mainWindow.goExploreRemovableDevices()
+                onTriggered: menuBar.verbs.goExploreRemovableDevices()
             }
         }
         MenuSeparator {}
@@ -33,42 +44,42 @@ MenuBar {
             objectName: "importLogMenuItem"
             text: "&Import flight log..."
             shortcut: "Ctrl+L"
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: mainWindow.goLoadFlightData()
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.verbs.goLoadFlightData()
         }
         MenuSeparator {}
         MenuItem {
             objectName: "openProjectMenuItem"
             text: "&Open project..."
             shortcut: "Ctrl+O"
-            onTriggered: mainWindow.goOpenProject("file_menu")
+            onTriggered: menuBar.verbs.goOpenProject("file_menu")
         }
         MenuItem {
             objectName: "saveProjectMenuItem"
             text: "&Save project"
             shortcut: "Ctrl+S"
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: mainWindow.goSaveProject()
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.verbs.goSaveProject()
         }
         MenuItem {
             objectName: "saveProjectAsMenuItem"
             text: "&Save project as..."
             shortcut: "Ctrl+Shift+S"
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: mainWindow.goSaveProjectAs()
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.verbs.goSaveProjectAs()
         }
         MenuItem {
             objectName: "saveProjectCopyMenuItem"
             text: "&Save project copy..."
-            enabled: currentProject.fileActive
-            onTriggered: mainWindow.goSaveProjectCopy()
+            enabled: menuBar.projectOpen
+            onTriggered: menuBar.verbs.goSaveProjectCopy()
         }
         MenuItem {
             objectName: "closeProjectMenuItem"
             text: "&Close current project"
             shortcut: "Ctrl+W"
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: mainWindow.goCloseProject()
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.verbs.goCloseProject()
         }
         MenuSeparator {}
         MenuItem {
@@ -87,26 +98,26 @@ MenuBar {
             objectName: "createReportMenuItem"
             text: "Create inspection report..."
             enabled: LogParser.source !== ""
-            onTriggered: mainWindow.goCreatePoiReport()
+            onTriggered: menuBar.verbs.goCreatePoiReport()
         }
         MenuItem {
             objectName: "exportFramesMenuItem"
             text: "Export frames as images..."
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: secondaryWindows.openFramesExport()
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.windows.openFramesExport()
         }
         MenuItem {
             objectName: "exportVideoMenuItem"
             text: "Export video file..."
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: secondaryWindows.openVideoExport()
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.windows.openVideoExport()
         }
         MenuItem {
             objectName: "copyFrameMenuItem"
             text: "&Copy current frame to clipboard"
             shortcut: "Ctrl+C"
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: videoPlayer.copyFrameToClipboard(videoPlayer.timePosition)
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.player.copyFrameToClipboard(menuBar.player.timePosition)
         }
     }
 
@@ -117,22 +128,21 @@ MenuBar {
         MenuItem {
             objectName: "generalSettingsMenuItem"
             text: "General settings"
-            onTriggered: mainWindow.goSettings()
+            onTriggered: menuBar.verbs.goSettings()
         }
         MenuSeparator {}
         MenuItem {
             objectName: "fullScreenMenuItem"
             text: "&Full screen"
             shortcut: "F11"
-            onTriggered: mainWindow.visibility = mainWindow.visibility === Window.FullScreen
-                         ? Window.Windowed : Window.FullScreen
+            onTriggered: menuBar.verbs.toggleFullScreen()
         }
         MenuSeparator {}
         MenuItem {
             objectName: "restorePoisMenuItem"
             text: "Restore POIs from flight data..."
-            enabled: videoPlayer.hasVideoOpened
-            onTriggered: mainWindow.goChooseRestorePOIsAction()
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.verbs.goChooseRestorePOIsAction()
         }
     }
 
@@ -144,17 +154,17 @@ MenuBar {
             objectName: "userGuideMenuItem"
             text: "User guide..."
             shortcut: "F1"
-            onTriggered: mainWindow.goOpenHelp()
+            onTriggered: menuBar.verbs.goOpenHelp()
         }
         MenuItem {
             objectName: "shortcutsMenuItem"
             text: "Shortcuts..."
-            onTriggered: secondaryWindows.openPlain("ShortcutsWindow.qml")
+            onTriggered: menuBar.windows.openPlain("ShortcutsWindow.qml")
         }
         MenuItem {
             objectName: "aboutMenuItem"
             text: "About..."
-            onTriggered: secondaryWindows.openPlain("AboutWindow.qml")
+            onTriggered: menuBar.windows.openPlain("AboutWindow.qml")
         }
     }
 }

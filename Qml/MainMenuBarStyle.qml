@@ -1,19 +1,20 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
+import "."
 
 MenuBarStyle {
-    background: Rectangle { color: "#333333" }
+    background: Rectangle { color: Theme.strip }
 
     itemDelegate: Rectangle {
         implicitWidth: caption.implicitWidth + 18
         implicitHeight: caption.implicitHeight + 8
-        color: styleData.selected || styleData.open ? "#555555" : "transparent"
+        color: styleData.selected || styleData.open ? Theme.menuTitleOpen : Theme.clear
 
         Text {
             id: caption
             anchors.centerIn: parent
-            color: styleData.enabled ? "#eeeeee" : "#888888"
+            color: styleData.enabled ? Theme.menuText : Theme.textDisabled
             textFormat: Text.StyledText
             text: formatMnemonic(styleData.text, styleData.underlineMnemonic)
         }
@@ -21,23 +22,23 @@ MenuBarStyle {
 
     menuStyle: MenuStyle {
         frame: Rectangle {
-            color: "#3a3a3a"
-            border.color: "#777777"
+            color: Theme.menu
+            border.color: Theme.menuBorder
         }
         itemDelegate.background: Rectangle {
-            color: styleData.selected && styleData.enabled ? "#46af63" : "transparent"
+            color: styleData.selected && styleData.enabled ? Theme.menuSelected : Theme.clear
         }
         itemDelegate.label: Text {
-            color: styleData.enabled ? "#eeeeee" : "#888888"
+            color: styleData.enabled ? Theme.menuText : Theme.textDisabled
             textFormat: Text.StyledText
             text: formatMnemonic(styleData.text, styleData.underlineMnemonic)
         }
         itemDelegate.shortcut: Text {
-            color: styleData.enabled ? "#cccccc" : "#777777"
+            color: styleData.enabled ? Theme.menuShortcut : Theme.textMissing
             text: styleData.shortcut
         }
         itemDelegate.submenuIndicator: Text {
-            color: styleData.enabled ? "#eeeeee" : "#888888"
+            color: styleData.enabled ? Theme.menuText : Theme.textDisabled
             font.pixelSize: 8
             text: "\u25b6"
         }
@@ -48,7 +49,7 @@ MenuBarStyle {
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter
                 height: 1
-                color: "#666666"
+                color: Theme.menuSeparator
             }
         }
     }

@@ -1,5 +1,6 @@
 import QtQuick 2.7
 import QtQml 2.14
+import "."
 
 // Scrolls the timeline, and shows how much of it is in view.
 Item {
@@ -36,9 +37,9 @@ Item {
         id: backScrollbar
         anchors.fill: parent
         radius: 2
-        color: Qt.rgba(0.5, 0.5, 0.5, 0.85)
+        color: Theme.scrollGround
         border.width: 1
-        border.color: "darkgray"
+        border.color: Theme.scrollBorder
     }
 
     Item {
@@ -71,7 +72,7 @@ Item {
                 id: backHandle
                 anchors.fill: parent
                 radius: 2
-                color: clicker.pressed ? "red" : "black"
+                color: clicker.pressed ? Theme.scrollHandlePressed : Theme.scrollHandle
                 opacity: clicker.pressed ? 1 : 0.35
             }
         }

@@ -1,6 +1,7 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
+import "."
 
 Window {
     id: newUpdateWindow
@@ -9,19 +10,21 @@ Window {
     property string versionString: "1.0"
     property var releaseNotes: []
 
+    signal installNewVersion(string newVersion)
+
     title: "Update now"
     width: 400
     height: 700
     minimumWidth: 400
     minimumHeight: 600
-    color: "#494949"
+    color: Theme.editDialog
     modality: Qt.ApplicationModal
 
     Rectangle {
         id: rectangle1
         anchors { left: parent.left; right: parent.right; top: parent.top }
         height: 200
-        color: "#333333"
+        color: Theme.strip
 
         Image {
             id: image1
@@ -39,12 +42,12 @@ Window {
         id: rectangle
         anchors { left: parent.left; right: parent.right; top: rectangle1.bottom }
         height: 25
-        color: "#848484"
+        color: Theme.updateBand
 
         Text {
             anchors.centerIn: parent
             text: "UPDATE NOW AVAILABLE"
-            color: "black"
+            color: Theme.textOnLight
             font.bold: true
         }
     }
@@ -69,7 +72,7 @@ Window {
             width: notesView.viewport.width
             wrapMode: Text.WordWrap
             textFormat: Text.PlainText
-            color: "white"
+            color: Theme.text
             text: "New Vistrel version " + newUpdateWindow.versionString
                   + " available!\n\nThe following new features have been implemented or bugs have "
                   + "been fixed:\n\n" + newUpdateWindow.releaseNotes.join("\n")
@@ -86,7 +89,7 @@ Window {
         height: 36
         text: "Install now"
         onClicked: {
-            mainWindow.installNewVersion(newUpdateWindow.versionString);
+            newUpdateWindow.installNewVersion(newUpdateWindow.versionString);
             newUpdateWindow.close();
         }
     }

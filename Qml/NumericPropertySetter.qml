@@ -1,10 +1,11 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
-import QtGraphicalEffects 1.0
+import "."
 
 // One number as a slider, a spin box and a reset button. It only asks for the reset: what the value
-// goes back to is its user's business.
+// goes back to is its user's business. The slider and the box may round what they show, and only what
+// is entered there is written to `value`.
 Rectangle {
     id: propertySetterControl
 
@@ -15,26 +16,33 @@ Rectangle {
     property int decimals: 0
     property alias iconSource: icon.source
     property string accessibleName: ""
+    // Set while the slider and the box are made to show the value.
+    property bool following: true
 
     signal resetClicked()
     signal editingFinished()
 
     height: 36
-    color: "transparent"
+    color: Theme.clear
 
-    onValueChanged: {
+    onValueChanged: follow()
+    Component.onCompleted: follow()
+
+    function follow() {
+        following = true;
         horizontalSlider.value = value;
         valueBox.value = value;
+        following = false;
     }
 
     function sliderChanged() {
-        valueBox.value = horizontalSlider.value;
-        propertySetterControl.value = horizontalSlider.value;
+        if (!following)
+            value = horizontalSlider.value;
     }
 
     function spinBoxChanged() {
-        horizontalSlider.value = valueBox.value;
-        propertySetterControl.value = valueBox.value;
+        if (!following)
+            value = valueBox.value;
     }
 
     Row {
@@ -43,24 +51,13 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 4
 
-        Item {
+        TintedIcon {
+            id: icon
             width: 20
             height: 20
             anchors.verticalCenter: parent.verticalCenter
-
-            Image {
-                id: icon
-                width: 20
-                height: 20
-                fillMode: Image.Pad
-                visible: false
-            }
-
-            ColorOverlay {
-                anchors.fill: icon
-                source: icon
-                color: propertySetterControl.enabled ? "#fff" : "#aaa"
-            }
+            fillMode: Image.Pad
+            color: propertySetterControl.enabled ? Theme.setterIcon : Theme.setterIconDisabled
         }
 
         Slider {
@@ -80,12 +77,13 @@ Rectangle {
                 groove: Rectangle {
                     implicitWidth: 140
                     implicitHeight: 2
-                    color: "#222222"
+                    color: Theme.groove
                 }
                 handle: Rectangle {
                     implicitWidth: 6
                     implicitHeight: 19
-                    color: !control.enabled ? "#555" : control.hovered ? "#cccccc" : "#999999"
+                    color: !control.enabled ? Theme.handleDisabled
+                                            : control.hovered ? Theme.handleHovered : Theme.handle
                 }
             }
         }
@@ -106,36 +104,20 @@ Rectangle {
             style: CorvSpinBoxStyle {}
         }
 
-        Rectangle {
+        CorvButtonBase {
             id: resetButton
             objectName: "resetButton"
+            name: "Reset " + propertySetterControl.accessibleName
             width: 22
             height: 22
             anchors.verticalCenter: parent.verticalCenter
-            color: resetMouseArea.containsMouse ? "#333" : "#444"
+            color: hovered ? Theme.resetButtonHovered : Theme.resetButton
+            onClicked: propertySetterControl.resetClicked()
 
-            Accessible.role: Accessible.Button
-            Accessible.name: "Reset " + propertySetterControl.accessibleName
-            Accessible.onPressAction: propertySetterControl.resetClicked()
-
-            Image {
-                id: resetIcon
+            TintedIcon {
                 anchors.centerIn: parent
                 source: "images/button_icon_reset_defaults.png"
-                visible: false
-            }
-
-            ColorOverlay {
-                anchors.fill: resetIcon
-                source: resetIcon
-                color: propertySetterControl.enabled ? "#ccc" : "#888"
-            }
-
-            MouseArea {
-                id: resetMouseArea
-                anchors.fill: parent
-                hoverEnabled: true
-                onClicked: propertySetterControl.resetClicked()
+                color: propertySetterControl.enabled ? Theme.resetIcon : Theme.resetIconDisabled
             }
         }
     }

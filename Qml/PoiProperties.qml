@@ -4,6 +4,7 @@ import QtQuick.Controls.Styles 1.4
 import QtQuick.Dialogs 1.2
 import QtQuick.Layouts 1.1
 import QtQuick.Window 2.2
+import "."
 
 Window {
     id: propertiesWindow
@@ -14,6 +15,8 @@ Window {
     property string poiDescription: ""
     // The key of the mark, handed through untouched.
     property var poiTime
+    // Owns the message about a missing name.
+    property QtObject messageOwner: propertiesWindow
 
     function populate() {
         tfName.text = poiName;
@@ -22,7 +25,7 @@ Window {
 
     function okPressed() {
         if (tfName.text === "") {
-            var dialog = compDialog.createObject(mainWindow);
+            var dialog = compDialog.createObject(messageOwner);
             dialog.title = "Missing information";
             dialog.text = "This point of interest must have a name.";
             dialog.icon = StandardIcon.Critical;
@@ -44,7 +47,7 @@ Window {
     height: 200
     minimumWidth: 400
     minimumHeight: 200
-    color: "#494949"
+    color: Theme.editDialog
     modality: Qt.WindowModal
     flags: Qt.Dialog
 
@@ -87,7 +90,7 @@ Window {
 
         Text {
             text: "Name"
-            color: "white"
+            color: Theme.text
         }
 
         TextField {
@@ -103,7 +106,7 @@ Window {
             Layout.alignment: Qt.AlignTop
             Layout.topMargin: 4
             text: "Description"
-            color: "white"
+            color: Theme.text
         }
 
         TextArea {
@@ -114,10 +117,11 @@ Window {
             tabChangesFocus: true
             Accessible.name: "Description"
             style: TextAreaStyle {
-                textColor: "black"
-                selectionColor: "#333"
-                selectedTextColor: "white"
-                backgroundColor: control.activeFocus ? Qt.lighter("#888", 1.15) : "#888"
+                textColor: Theme.fieldText
+                selectionColor: Theme.fieldSelection
+                selectedTextColor: Theme.fieldSelectedText
+                backgroundColor: control.activeFocus ? Theme.editFieldFocused
+                                                     : Theme.editField
             }
         }
     }

@@ -1,7 +1,7 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
-import QtGraphicalEffects 1.0
+import "."
 
 // One end of the thermal range: a pointer that hangs above or stands below the bar.
 Slider {
@@ -21,17 +21,12 @@ Slider {
             implicitWidth: 11
             implicitHeight: 10
 
-            Image {
-                id: picture
+            TintedIcon {
                 anchors.centerIn: parent
                 source: rangeSlider.pointer
-                visible: false
-            }
-
-            ColorOverlay {
-                anchors.fill: picture
-                source: picture
-                color: !control.enabled ? "#777" : control.hovered ? "#fff" : "#ccc"
+                color: !control.enabled ? Theme.rangePointerDisabled
+                                        : control.hovered ? Theme.rangePointerHovered
+                                                          : Theme.rangePointer
             }
         }
     }

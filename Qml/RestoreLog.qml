@@ -3,7 +3,7 @@ import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
-import "constants.js" as Cst
+import "."
 
 Window {
     id: restorePoiChoice
@@ -21,7 +21,7 @@ Window {
     height: 120
     minimumWidth: 400
     minimumHeight: 120
-    color: Cst.bgndColor
+    color: Theme.dialog
 
     Shortcut {
         key: "Return"

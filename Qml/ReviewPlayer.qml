@@ -8,6 +8,8 @@ VideoPlayer {
     property var onVideoSucessfullyOpened: undefined
     // The file that the video was opened by; `source` moves on from file to file.
     property string openedSource: ""
+    // Returns the adjustments panel, undefined before its tab was first shown.
+    property var adjustmentsPanel: function() { return undefined; }
 
     source: ""
     showIR: false
@@ -29,22 +31,10 @@ VideoPlayer {
         onVideoSucessfullyOpened = undefined;
         continuation();
     }
-    onSourceOpenError: mainWindow.displayErrorDialog("Error", "Video file " + file
-                                                     + " could not be read.")
     onDurationChanged: {
         if (duration > 0)
             LogParser.duration = duration;
     }
-    onIrDataChanged: {
-        var panel = mainWindow.adjustmentsPanel();
-        if (panel === undefined || !autoIRMapping)
-            return;
-        panel.irMinValue = irDataMin;
-        panel.irMaxValue = irDataMax;
-    }
-    onPlayingChanged: controlsTab.setPlaying(playing)
-    onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
-    onVideoExportComplete: mainWindow.videoExportComplete(result)
 
     // Opens a file and then runs the continuation, for that file alone: left behind by a video that
     // could not be opened, it must not take the next one for its own. A file that is open already
@@ -68,8 +58,9 @@ VideoPlayer {
             play();
     }
 
+    // The panel follows the player by itself; these two write everything into it once more.
     function updateControlsStates() {
-        var panel = mainWindow.adjustmentsPanel();
+        var panel = adjustmentsPanel();
         if (panel === undefined)
             return;
         panel.irShowButtonChecked = showIR;
@@ -84,7 +75,7 @@ VideoPlayer {
     }
 
     function updatePropertiesStates() {
-        var panel = mainWindow.adjustmentsPanel();
+        var panel = adjustmentsPanel();
         if (panel === undefined)
             return;
         panel.imageContrast = contrast;

@@ -1,6 +1,7 @@
 import QtQuick 2.7
 import corv.LogParsing 1.0
-import "constants.js" as Cst
+import Timeline 1.0
+import VideoPlayer 1.0
 import "paths.js" as Paths
 
 // Makes the windows that are opened on demand and reads them back when they close. None is ever
@@ -8,9 +9,20 @@ import "paths.js" as Paths
 Item {
     id: windows
 
+    property VideoPlayer player: null
+    property TimelineContent timeline: null
+    // The window that these belong to; its functions carry out what was chosen in them.
+    property var verbs: null
+    // Remembers the importer's fast search between openings.
+    property bool fastLoadingChecked: false
+    signal fastLoadingChosen(bool checked)
+
+    // The units chosen in the settings.
+    signal unitsChosen(bool imperialUnits)
+
     function make(file, connection) {
         var component = Qt.createComponent(file);
-        var window = component.createObject(mainWindow);
+        var window = component.createObject(verbs);
         if (!window)
             console.warn("Cannot open " + file + ": " + component.errorString());
         else if (connection)
@@ -31,49 +43,50 @@ Item {
     }
 
     function openImporter() {
-        videoPlayer.pause();
+        player.pause();
         var window = make("AutoImporter.qml", autoImporterConnection);
-        window.fastLoadingChecked = currentProject.fastLoadingChecked;
+        window.fastLoadingChecked = windows.fastLoadingChecked;
         window.init();
         window.show();
     }
 
     function openFramesExport() {
-        videoPlayer.pause();
+        player.pause();
         var window = make("FramesExport.qml", framesExportConnection);
-        videoPlayer.timePositionChanged.connect(window.setPosition);
-        videoPlayer.durationChanged.connect(window.setDuration);
-        window.position = videoPlayer.timePosition;
-        window.duration = videoPlayer.duration;
-        window.poiCount = timelineContent.getPOIs().length;
+        player.timePositionChanged.connect(window.setPosition);
+        player.durationChanged.connect(window.setDuration);
+        window.position = player.timePosition;
+        window.duration = player.duration;
+        window.poiCount = timeline.getPOIs().length;
         window.show();
     }
 
     function openVideoExport() {
-        videoPlayer.pause();
+        player.pause();
         make("VideoExport.qml", videoExportConnection).show();
     }
 
     function openSettings() {
-        videoPlayer.pause();
+        player.pause();
         var window = make("GeneralSettings.qml", settingsConnection);
         window.init();
         window.show();
     }
 
     function openRestoreLog() {
-        videoPlayer.pause();
+        player.pause();
         var window = make("RestoreLog.qml", restoreLogConnection);
         window.init();
         window.show();
     }
 
     function openPoiProperties() {
-        var poi = timelineContent.getSelectedPOI();
+        var poi = timeline.getSelectedPOI();
         var window = make("PoiProperties.qml", poiPropertiesConnection);
+        window.messageOwner = verbs;
         window.poiName = poi.name || "";
         window.poiDescription = poi.comment || "";
-        window.poiTime = timelineContent.selectedPoiTime;
+        window.poiTime = timeline.selectedPoiTime;
         window.populate();
         window.show();
     }
@@ -90,38 +103,29 @@ Item {
     }
 
     function openUpdate(newVersion, releaseNotes) {
-        videoPlayer.pause();
+        player.pause();
         var window = make("NewUpdateWindow.qml");
         window.versionString = newVersion;
+        window.installNewVersion.connect(verbs.installNewVersion);
         window.releaseNotes = releaseNotes;
         window.show();
-    }
-
-    function openFlight(videoFile, logFile) {
-        mainWindow.resetStatusAsNewProject();
-        videoPlayer.open(videoFile, function() {
-            mainWindow.resetCorrectionParameters();
-            mainWindow.updateCorrectionParameters();
-            LogParser.isParsing = true;
-            LogParser.parseLog(logFile, false);
-        });
     }
 
     function exportFrames(choice) {
         var path = Paths.decodedPath(choice.framesUrl);
         if (!choice.exportPOI) {
-            videoPlayer.exportFrames(choice.startTime, choice.stopTime, choice.frameSpacing, path,
+            player.exportFrames(choice.startTime, choice.stopTime, choice.frameSpacing, path,
                                      "Frame");
             return;
         }
-        var times = timelineContent.getPOIs().map(function(poi) { return poi.time; });
-        videoPlayer.exportSpecificFrames(times, path, "Frame");
+        var times = timeline.getPOIs().map(function(poi) { return poi.time; });
+        player.exportSpecificFrames(times, path, "Frame");
     }
 
     function exportVideo(url) {
         console.log("Will export video");
-        videoPlayer.exportVideo(Paths.decodedPath(url));
-        mainWindow.showExportProgress(Cst.activeExportVideo, "Exporting video file...");
+        player.exportVideo(Paths.decodedPath(url));
+        verbs.showVideoExport();
     }
 
     function writeFlightNaming(choice) {
@@ -146,9 +150,9 @@ Item {
             var window = autoImporterConnection.target;
             if (window.visible)
                 return;
-            currentProject.fastLoadingChecked = window.fastLoadingChecked;
+            windows.fastLoadingChosen(window.fastLoadingChecked);
             if (window.ok && window.chosenVideoFile.toString() !== "")
-                windows.openFlight(Paths.chosenPath(window.chosenVideoFile),
+                windows.verbs.openFlight(Paths.chosenPath(window.chosenVideoFile),
                                    Paths.chosenPath(window.chosenLogFile));
         }
     }
@@ -179,14 +183,12 @@ Item {
         id: settingsConnection
         target: null
 
-        // The last line fails: a tab has no such member. The display keeps its units until the
-        // next start, as the settings window announces.
         function onVisibleChanged() {
             var window = settingsConnection.target;
             if (window.visible || !window.ok)
                 return;
             console.log("Settings have changed : " + window.imperialUnits);
-            tabsContainer.getTab(0).informationTabContents.imperialUnits = window.imperialUnits;
+            windows.unitsChosen(window.imperialUnits);
         }
     }
 
@@ -199,9 +201,9 @@ Item {
             if (window.visible || !window.ok)
                 return;
             if (window.eraseAll)
-                mainWindow.goResetPOIsFromFlightData();
+                windows.verbs.goResetPOIsFromFlightData();
             else
-                mainWindow.goOverwritePOIsFromFlightData();
+                windows.verbs.goOverwritePOIsFromFlightData();
         }
     }
 
@@ -214,7 +216,7 @@ Item {
             if (window.visible || !window.ok)
                 return;
             console.log("Save POI changes");
-            timelineContent.updatePoi(window.poiTime, {
+            timeline.updatePoi(window.poiTime, {
                 name: window.poiName,
                 comment: window.poiDescription
             });

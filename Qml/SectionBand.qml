@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 
 // The heading of one section of the adjustments.
 Rectangle {
@@ -6,13 +7,13 @@ Rectangle {
 
     width: parent.width
     height: 30
-    color: "#333"
+    color: Theme.strip
 
     Text {
         id: label
         anchors.left: parent.left
         anchors.leftMargin: 8
         anchors.verticalCenter: parent.verticalCenter
-        color: "#ccc"
+        color: Theme.textBand
     }
 }

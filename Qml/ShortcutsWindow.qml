@@ -2,7 +2,7 @@ import QtQuick 2.7
 import QtQuick.Window 2.2
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
-import "constants.js" as Cst
+import "."
 
 Window {
     id: shortcutsWindow
@@ -13,7 +13,7 @@ Window {
     height: 420
     minimumWidth: 300
     minimumHeight: 420
-    color: Cst.bgndColor
+    color: Theme.dialog
 
     Shortcut {
         key: "Return"
@@ -41,7 +41,7 @@ Window {
             bottom: okButton.top
             margins: 10
         }
-        color: "white"
+        color: Theme.text
         // The longest line fits whatever the font.
         font.pixelSize: 13
         fontSizeMode: Text.Fit

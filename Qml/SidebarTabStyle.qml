@@ -1,21 +1,23 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
+import "."
 
 TabViewStyle {
     property int tabWidth
 
     frameOverlap: 0
-    frame: Rectangle { color: "#444444" }
-    tabBar: Rectangle { color: "#222222" }
+    frame: Rectangle { color: Theme.panel }
+    tabBar: Rectangle { color: Theme.window }
     tab: Rectangle {
         implicitWidth: tabWidth
         implicitHeight: 25
-        color: styleData.selected ? "#444444" : styleData.hovered ? "#3a3a3a" : "#2a2a2a"
+        color: styleData.selected ? Theme.tabSelected
+                                  : styleData.hovered ? Theme.tabHovered : Theme.tab
 
         Text {
             anchors.centerIn: parent
-            color: styleData.selected ? "#ffffff" : "#aaaaaa"
+            color: styleData.selected ? Theme.text : Theme.textDim
             font.pointSize: 8
             font.bold: styleData.selected
             font.capitalization: Font.AllUppercase
@@ -27,7 +29,7 @@ TabViewStyle {
             anchors.right: parent.right
             anchors.top: parent.top
             height: 2
-            color: "#12ff54"
+            color: Theme.accent
             visible: styleData.selected
         }
     }

@@ -3,14 +3,18 @@ import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
 import QtQuick.Layouts 1.1
 import corv.LogParsing 1.0
-import "constants.js" as Cst
+import VideoPlayer 1.0
+import "."
 
 // The bottom line: how far a log has been read, or what is open and where the video stands.
 Rectangle {
     id: statusLine
 
+    property VideoPlayer player: null
+    readonly property bool videoOpen: player !== null && player.hasVideoOpened
+
     height: 26
-    color: "#333333"
+    color: Theme.strip
 
     function showLogProgress(stage, done, total) {
         var labels = ["Reading logs version", "Counting logs", "Parsing logs"];
@@ -33,7 +37,7 @@ Rectangle {
             Accessible.name: "Progress of the flight log"
             style: ProgressBarStyle {
                 background: Item {}
-                progress: Rectangle { color: Cst.progressBarBg }
+                progress: Rectangle { color: Theme.progress }
             }
         }
 
@@ -61,7 +65,7 @@ Rectangle {
             anchors.left: loadingSpinner.right
             anchors.leftMargin: 8
             anchors.verticalCenter: parent.verticalCenter
-            color: "#ffffff"
+            color: Theme.text
             text: "Loading logs..."
         }
     }
@@ -77,39 +81,41 @@ Rectangle {
         Text {
             id: videoDuration
             objectName: "videoDuration"
-            visible: videoPlayer.hasVideoOpened
-            color: "#ffffff"
+            visible: statusLine.videoOpen
+            color: Theme.text
             font.family: Qt.fontFamilies().indexOf("Lucida Console") >= 0 ? "Lucida Console"
                                                                           : "monospace"
             font.pixelSize: 14
-            text: Qt.formatTime(videoPlayer.timePosition, "mm:ss.zzz") + " / "
-                  + Qt.formatTime(videoPlayer.duration, "mm:ss.zzz") + ", f "
-                  + videoPlayer.currentFrameIndex
+            text: statusLine.player === null
+                  ? "" : Qt.formatTime(statusLine.player.timePosition, "mm:ss.zzz") + " / "
+                         + Qt.formatTime(statusLine.player.duration, "mm:ss.zzz") + ", f "
+                         + statusLine.player.currentFrameIndex
         }
         Text {
-            color: "#999999"
+            color: Theme.textLabel
             text: "Video file"
         }
         Text {
             objectName: "videoFileText"
             Layout.fillWidth: true
             Layout.preferredWidth: 1
-            color: "#dddddd"
+            color: Theme.textSoft
             elide: Text.ElideMiddle
             textFormat: Text.PlainText
-            text: videoPlayer.source !== "" ? videoPlayer.source : "No video file opened"
+            text: statusLine.player !== null && statusLine.player.source !== ""
+                  ? statusLine.player.source : "No video file opened"
         }
         Text {
             objectName: "logFileLabel"
             visible: LogParser.source !== ""
-            color: "#999999"
+            color: Theme.textLabel
             text: "Log file"
         }
         Text {
             objectName: "logFileText"
             Layout.fillWidth: true
             Layout.preferredWidth: 1
-            color: "#dddddd"
+            color: Theme.textSoft
             elide: Text.ElideMiddle
             textFormat: Text.PlainText
             text: LogParser.source !== "" ? LogParser.source : "No log file opened"

@@ -1,6 +1,7 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
+import "."
 
 // A progress bar that shows a moving stripe while there is no figure to show.
 ProgressBar {
@@ -17,14 +18,14 @@ ProgressBar {
     style: ProgressBarStyle {
         background: Rectangle {
             implicitHeight: 16
-            color: "#222"
+            color: Theme.groove
             clip: true
 
             Rectangle {
                 visible: !bar.indeterminate
                 width: bar.ratio * parent.width
                 height: parent.height
-                color: "#12ff54"
+                color: Theme.accent
             }
 
             Row {
@@ -37,7 +38,7 @@ ProgressBar {
                     Rectangle {
                         width: bar.stripeWidth
                         height: bar.height
-                        color: index % 2 ? "#111" : "#222"
+                        color: index % 2 ? Theme.stripe : Theme.groove
                     }
                 }
 

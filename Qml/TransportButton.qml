@@ -1,41 +1,25 @@
 import QtQuick 2.7
-import QtGraphicalEffects 1.0
+import "."
 
 // A button of the transport, also pressed by its key.
-Rectangle {
+CorvButtonBase {
     id: transportButton
 
     property alias source: icon.source
-    property string name: ""
     signal pressButton()
 
     width: 25
     height: 25
-    color: buttonMouseArea.pressed ? "#151515" : buttonMouseArea.containsMouse ? "#555555" : "#333333"
+    color: pressed ? Theme.transportPressed : hovered ? Theme.transportHovered : Theme.strip
 
-    Accessible.role: Accessible.Button
-    Accessible.name: name
-    Accessible.onPressAction: pressButton()
+    onClicked: pressButton()
 
     Behavior on color { ColorAnimation { duration: 100 } }
 
-    Image {
+    TintedIcon {
         id: icon
         anchors.centerIn: parent
-        visible: false
-    }
-
-    ColorOverlay {
-        anchors.fill: icon
-        source: icon
-        color: buttonMouseArea.containsMouse ? "#ffffff" : "#aaa"
+        color: transportButton.hovered ? Theme.text : Theme.transportIcon
         Behavior on color { ColorAnimation { duration: 100 } }
-    }
-
-    MouseArea {
-        id: buttonMouseArea
-        anchors.fill: parent
-        hoverEnabled: true
-        onClicked: transportButton.pressButton()
     }
 }

@@ -1,21 +1,36 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
+import Timeline 1.0
+import VideoPlayer 1.0
+import "."
 
 // The transport, the speed and the tools between the video and the timeline, and their keys.
 Rectangle {
     id: transportStrip
 
-    readonly property bool poiSelected: !isNaN(timelineContent.selectedPoiTime)
-    readonly property bool hasFocusItem: mainWindow.activeFocusItem !== null
+    property VideoPlayer player: null
+    property TimelineContent timeline: null
+    // The functions that the tools run: the main window's.
+    property var verbs: null
+    // Whether the window has an item with the keyboard: the transport keys need one.
+    property bool hasFocusItem: false
+
+    readonly property bool videoOpen: player !== null && player.hasVideoOpened
+    readonly property bool poiSelected: timeline !== null && !isNaN(timeline.selectedPoiTime)
+    readonly property bool moveMode: timeline !== null && timeline.movePOIMode
 
     height: 25
-    color: "#333333"
+    color: Theme.strip
 
-    function setPlaying(playing) {
-        if (playing)
-            playButton.setPause();
-        else
-            playButton.setPlay();
+    Connections {
+        target: transportStrip.player
+
+        function onPlayingChanged() {
+            if (transportStrip.player.playing)
+                playButton.setPause();
+            else
+                playButton.setPlay();
+        }
     }
 
     Row {
@@ -27,21 +42,21 @@ Rectangle {
             objectName: "beginButton"
             name: "First frame"
             source: "images/begin.png"
-            onPressButton: videoPlayer.seekAtFrame(0)
+            onPressButton: player.seekAtFrame(0)
         }
         TransportButton {
             id: prevFrameButton
             objectName: "prevFrameButton"
             name: "Previous frame"
             source: "images/prev.png"
-            onPressButton: videoPlayer.seekAtFrame(videoPlayer.currentFrameIndex - 1)
+            onPressButton: player.seekAtFrame(player.currentFrameIndex - 1)
         }
         TransportButton {
             id: playButton
             objectName: "playButton"
             name: "Play"
             source: "images/play.png"
-            onPressButton: videoPlayer.togglePlayPause()
+            onPressButton: player.togglePlayPause()
 
             function setPause() {
                 source = "images/pause.png";
@@ -58,14 +73,14 @@ Rectangle {
             objectName: "nextFrameButton"
             name: "Next frame"
             source: "images/next.png"
-            onPressButton: videoPlayer.seekAtFrame(videoPlayer.currentFrameIndex + 1)
+            onPressButton: player.seekAtFrame(player.currentFrameIndex + 1)
         }
         TransportButton {
             id: endButton
             objectName: "endButton"
             name: "Last frame"
             source: "images/end.png"
-            onPressButton: videoPlayer.seekAtTime(videoPlayer.duration)
+            onPressButton: player.seekAtTime(player.duration)
         }
     }
 
@@ -74,7 +89,7 @@ Rectangle {
         anchors.left: transportButtons.right
         anchors.leftMargin: 12
         anchors.verticalCenter: parent.verticalCenter
-        color: "#cccccc"
+        color: Theme.textBand
         text: "Speed"
     }
 
@@ -90,7 +105,10 @@ Rectangle {
         stepSize: 1
         decimals: 0
         suffix: "x"
-        onValueChanged: videoPlayer.playSpeed = value
+        onValueChanged: {
+            if (transportStrip.player !== null)
+                transportStrip.player.playSpeed = value;
+        }
         Accessible.name: "Playback speed"
         style: CorvSpinBoxStyle {}
     }
@@ -101,11 +119,11 @@ Rectangle {
         anchors.left: playSpeedBox.right
         anchors.leftMargin: 24
         spacing: 6
-        visible: timelineContent.movePOIMode
+        visible: transportStrip.moveMode
 
         Text {
             anchors.verticalCenter: parent.verticalCenter
-            color: "#12ff54"
+            color: Theme.accent
             font.bold: true
             text: "POI MOVE MODE"
         }
@@ -114,16 +132,16 @@ Rectangle {
             objectName: "confirmPOIMoveButton"
             text: "Move here"
             source: "images/icon_check_ok.png"
-            enabled: videoPlayer.hasVideoOpened
-            onClicked: mainWindow.confirmMovingPoi()
+            enabled: transportStrip.videoOpen
+            onClicked: transportStrip.verbs.confirmMovingPoi()
         }
         CorvToolbarTextButton {
             id: exitMoveModeButton
             objectName: "exitMoveModeButton"
             text: "Cancel"
             source: "images/icon_cross_cancel.png"
-            enabled: videoPlayer.hasVideoOpened
-            onClicked: mainWindow.stopMovingPoi()
+            enabled: transportStrip.videoOpen
+            onClicked: transportStrip.verbs.stopMovingPoi()
         }
     }
 
@@ -132,58 +150,55 @@ Rectangle {
         objectName: "toolbarSaveButtons"
         anchors.left: playSpeedBox.right
         anchors.leftMargin: 24
-        visible: !timelineContent.movePOIMode
+        visible: !transportStrip.moveMode
 
         CorvToolbarButton {
             id: saveImageButton
             objectName: "saveImageButton"
             source: "images/button_camera.png"
             tooltiptext: "Save current frame as image"
-            enabled: videoPlayer.hasVideoOpened
-            onClicked: {
-                videoPlayer.pause();
-                fileDialogs.saveImageDialog.open();
-            }
+            enabled: transportStrip.videoOpen
+            onClicked: transportStrip.verbs.saveCurrentFrame()
         }
         CorvToolbarButton {
             id: copyImageButton
             objectName: "copyImageButton"
             source: "images/button_copy.png"
             tooltiptext: "Copy current frame to clipboard"
-            enabled: videoPlayer.hasVideoOpened
-            onClicked: videoPlayer.copyFrameToClipboard(videoPlayer.timePosition)
+            enabled: transportStrip.videoOpen
+            onClicked: player.copyFrameToClipboard(player.timePosition)
         }
         CorvToolbarButton {
             id: addPoiButton
             objectName: "addPoiButton"
             source: "images/button_poi_add.png"
             tooltiptext: "Create POI at playhead position"
-            enabled: videoPlayer.hasVideoOpened
-            onClicked: mainWindow.addNewPoiAtPosition()
+            enabled: transportStrip.videoOpen
+            onClicked: transportStrip.verbs.addNewPoiAtPosition()
         }
         CorvToolbarButton {
             id: removePoiButton
             objectName: "removePoiButton"
             source: "images/button_poi_remove.png"
             tooltiptext: "Delete selected POI"
-            enabled: videoPlayer.hasVideoOpened && transportStrip.poiSelected
-            onClicked: mainWindow.deleteSelectedPoi()
+            enabled: transportStrip.videoOpen && transportStrip.poiSelected
+            onClicked: transportStrip.verbs.deleteSelectedPoi()
         }
         CorvToolbarButton {
             id: editPoiButton
             objectName: "editPoiButton"
             source: "images/button_poi_edit.png"
             tooltiptext: "Edit selected POI"
-            enabled: videoPlayer.hasVideoOpened && transportStrip.poiSelected
-            onClicked: mainWindow.editSelectedPoi()
+            enabled: transportStrip.videoOpen && transportStrip.poiSelected
+            onClicked: transportStrip.verbs.editSelectedPoi()
         }
         CorvToolbarButton {
             id: enterMoveModeButton
             objectName: "enterMoveModeButton"
             source: "images/button_poi_move.png"
             tooltiptext: "Move selected POI"
-            enabled: videoPlayer.hasVideoOpened && transportStrip.poiSelected
-            onClicked: mainWindow.startMovingPoi()
+            enabled: transportStrip.videoOpen && transportStrip.poiSelected
+            onClicked: transportStrip.verbs.startMovingPoi()
         }
     }
 
@@ -215,33 +230,33 @@ Rectangle {
     Shortcut {
         sequence: "N"
         context: Qt.WindowShortcut
-        onActivated: mainWindow.addNewPoiAtPosition()
+        onActivated: transportStrip.verbs.addNewPoiAtPosition()
     }
     Shortcut {
         sequence: "X"
         context: Qt.WindowShortcut
-        enabled: editPoiButton.enabled && !timelineContent.movePOIMode
-        onActivated: mainWindow.deleteSelectedPoi()
+        enabled: editPoiButton.enabled && !transportStrip.moveMode
+        onActivated: transportStrip.verbs.deleteSelectedPoi()
     }
     Shortcut {
         sequence: "E"
         context: Qt.WindowShortcut
-        enabled: editPoiButton.enabled && !timelineContent.movePOIMode
-        onActivated: mainWindow.editSelectedPoi()
+        enabled: editPoiButton.enabled && !transportStrip.moveMode
+        onActivated: transportStrip.verbs.editSelectedPoi()
     }
     Shortcut {
         sequence: "M"
-        enabled: enterMoveModeButton.enabled && !timelineContent.movePOIMode
-        onActivated: mainWindow.startMovingPoi()
+        enabled: enterMoveModeButton.enabled && !transportStrip.moveMode
+        onActivated: transportStrip.verbs.startMovingPoi()
     }
     Shortcut {
         sequence: "Return"
-        enabled: timelineContent.movePOIMode
-        onActivated: mainWindow.confirmMovingPoi()
+        enabled: transportStrip.moveMode
+        onActivated: transportStrip.verbs.confirmMovingPoi()
     }
     Shortcut {
         sequence: "Esc"
-        enabled: timelineContent.movePOIMode
-        onActivated: mainWindow.stopMovingPoi()
+        enabled: transportStrip.moveMode
+        onActivated: transportStrip.verbs.stopMovingPoi()
     }
 }

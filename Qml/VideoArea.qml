@@ -1,36 +1,46 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtMultimedia 5.5
+import VideoPlayer 1.0
+import "."
 
 // The place of the video: the quick start panel while none is open, then the player's pictures.
 // What is declared inside lies on top.
 Rectangle {
-    default property alias content: top.data
+    id: videoArea
 
-    color: "#1a1a1a"
+    default property alias content: top.data
+    property VideoPlayer player: null
+    readonly property bool videoOpen: player !== null && player.hasVideoOpened
+
+    signal openProjectClicked()
+    signal openVideoClicked()
+    signal browseRemovableDevicesClicked()
+
+    color: Theme.videoGround
 
     WelcomeMessage {
         objectName: "welcomeMessage"
         anchors.centerIn: parent
         // This place is narrower than the panel in the narrowest window.
         width: Math.min(560, parent.width - 8)
-        visible: !videoPlayer.hasVideoOpened
-        onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
-        onOpenSingleClicked: mainWindow.goOpenVideo("welcome_screen")
-        onBrowseRemovableDevicesClicked: mainWindow.goExploreRemovableDevices()
+        visible: !videoArea.videoOpen
+        onOpenProjectClicked: videoArea.openProjectClicked()
+        onOpenSingleClicked: videoArea.openVideoClicked()
+        onBrowseRemovableDevicesClicked: videoArea.browseRemovableDevicesClicked()
     }
 
     VideoOutput {
         id: videoOutput
         objectName: "videoOutput"
         anchors.fill: parent
-        source: videoPlayer
+        source: videoArea.player
     }
 
     BusyIndicator {
         objectName: "busyIndicator"
         anchors.centerIn: parent
-        running: videoPlayer.isBusy
+        running: videoArea.player !== null && videoArea.player.isBusy
     }
 
     Item {

@@ -4,7 +4,7 @@ import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
-import "constants.js" as Cst
+import "."
 import "paths.js" as Paths
 
 Window {
@@ -20,7 +20,7 @@ Window {
     minimumWidth: 400
     minimumHeight: 113
     modality: Qt.WindowModal
-    color: Cst.bgndColor
+    color: Theme.dialog
 
     onVisibleChanged: {
         if (!visible)
@@ -78,13 +78,13 @@ Window {
         id: folderRect
         anchors { left: parent.left; right: parent.right; top: parent.top }
         height: note.y + note.height
-        color: Cst.headerColor
+        color: Theme.dialogBand
 
         Text {
             id: folderLabel
             anchors { left: parent.left; leftMargin: 10; top: parent.top; topMargin: 12 }
             text: "Video file to export:"
-            color: "white"
+            color: Theme.text
         }
 
         CorvFieldFrame {
@@ -130,7 +130,7 @@ Window {
                 topMargin: 12
             }
             wrapMode: Text.WordWrap
-            color: "#ddd"
+            color: Theme.textSoft
             text: "Video will be rendered with the same apparance as on the player. This includes "
                   + "thermal camera overlay visibility and adjustments, image brightness and "
                   + "contrast.\n"

@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 
 // The quick start panel, shown while no video is open.
 Rectangle {
@@ -10,7 +11,7 @@ Rectangle {
 
     width: 560
     height: 260
-    color: "#00000000"
+    color: Theme.clear
 
     Image {
         id: logo
@@ -24,7 +25,7 @@ Rectangle {
         objectName: "quickStartTitle"
         anchors { top: logo.bottom; topMargin: 14; horizontalCenter: parent.horizontalCenter }
         text: "QUICK START MENU"
-        color: "#949494"
+        color: Theme.welcomeTitle
     }
 
     Grid {
@@ -81,7 +82,7 @@ Rectangle {
                 width: actions.cellWidth
                 height: 70
                 text: modelData
-                color: "#a4a4a4"
+                color: Theme.welcomeText
                 font.pixelSize: 11
                 wrapMode: Text.Wrap
                 horizontalAlignment: Text.AlignHCenter

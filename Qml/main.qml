@@ -10,6 +10,7 @@ import corv.LogParsing 1.0
 import PoiReportExporter 1.0
 import ProjectFileLoader 1.0
 import Timeline 1.0
+import "."
 import "constants.js" as Cst
 import "paths.js" as Paths
 import "projects.js" as Projects
@@ -25,13 +26,18 @@ ApplicationWindow {
     height: 900
     minimumWidth: 800
     minimumHeight: 700
-    color: "#222222"
+    color: Theme.window
     visible: true
     title: "Vistrel " + AppInfo.versionString
            + (currentProject.fileActive
               ? " - " + currentProject.filePath + (currentProject.modified ? "*" : "") : "")
 
-    menuBar: MainMenuBar {}
+    menuBar: MainMenuBar {
+        player: videoPlayer
+        projectOpen: currentProject.fileActive
+        verbs: mainWindow
+        windows: secondaryWindows
+    }
 
     Component.onCompleted: {
         LogParser.duration = Qt.binding(function() { return videoPlayer.duration; });
@@ -143,6 +149,17 @@ ApplicationWindow {
         LogParser.parseLog(Paths.decodedPath(logUrl), false);
     }
 
+    // Opens a flight found by the importer; its log is read once its video is open.
+    function openFlight(videoFile, logFile) {
+        resetStatusAsNewProject();
+        videoPlayer.open(videoFile, function() {
+            resetCorrectionParameters();
+            updateCorrectionParameters();
+            LogParser.isParsing = true;
+            LogParser.parseLog(logFile, false);
+        });
+    }
+
     function goResetPOIsFromFlightData() {
         videoPlayer.pause();
         timelineContent.updateLogData();
@@ -170,6 +187,15 @@ ApplicationWindow {
             return;
         videoPlayer.pause();
         fileDialogs.createPoiReport.open();
+    }
+
+    function saveCurrentFrame() {
+        videoPlayer.pause();
+        fileDialogs.saveImageDialog.open();
+    }
+
+    function toggleFullScreen() {
+        visibility = visibility === Window.FullScreen ? Window.Windowed : Window.FullScreen;
     }
 
     function goOpenHelp() {
@@ -338,17 +364,17 @@ ApplicationWindow {
         dialog.visible = true;
     }
 
+    function showVideoExport() {
+        showExportProgress(Cst.activeExportVideo, "Exporting video file...");
+    }
+
     function setExportProgress(done, total) {
-        exportProgressContent.minimumValue = 0;
-        exportProgressContent.maximumValue = total;
-        exportProgressContent.value = done;
+        exportProgressWindow.showProgress(done, total);
     }
 
     function showExportProgress(operation, text) {
         currentProject.activeExportOperation = operation;
-        exportProgressWindow.visible = true;
-        exportProgressContent.value = 0;
-        exportProgressContent.text = text;
+        exportProgressWindow.showOperation(text);
     }
 
     Settings {
@@ -395,6 +421,10 @@ ApplicationWindow {
 
     ProjectStore {
         id: projectStore
+        player: videoPlayer
+        timeline: timelineContent
+        loader: projectFileLoader
+        verbs: mainWindow
     }
 
     PoiReportExporter {
@@ -406,10 +436,25 @@ ApplicationWindow {
 
     FileDialogs {
         id: fileDialogs
+        player: videoPlayer
+        verbs: mainWindow
+        savingAsCopy: currentProject.savingAsCopy
+        mediaFolder: loadFileSettings.folder
+        onMediaFolderChosen: loadFileSettings.folder = folder
+        imageFolder: saveImageSettings.folder
+        onImageFolderChosen: saveImageSettings.folder = folder
     }
 
     SecondaryWindows {
         id: secondaryWindows
+        player: videoPlayer
+        timeline: timelineContent
+        verbs: mainWindow
+        fastLoadingChecked: currentProject.fastLoadingChecked
+        onFastLoadingChosen: currentProject.fastLoadingChecked = checked
+        // Fails: a tab has no such member. The display keeps its units until the next start, as the
+        // settings window announces.
+        onUnitsChosen: tabsContainer.getTab(0).informationTabContents.imperialUnits = imperialUnits
     }
 
     Connections {
@@ -440,26 +485,15 @@ ApplicationWindow {
         }
     }
 
-    Window {
+    ExportProgressWindow {
         id: exportProgressWindow
-        objectName: "exportProgressWindow"
-        title: "Export operation"
-        minimumWidth: 560
-        minimumHeight: 120
-        color: Cst.bgndColor
-        flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint
-        modality: Qt.ApplicationModal
-
-        ExportProgress {
-            id: exportProgressContent
-            text: "Exporting video"
-            onAbortClicked: mainWindow.activeExportOperationAbortByUser()
-        }
+        onAbortClicked: mainWindow.activeExportOperationAbortByUser()
     }
 
     StatusLine {
         id: infoTab
         objectName: "infoTab"
+        player: videoPlayer
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
@@ -472,7 +506,7 @@ ApplicationWindow {
         anchors.right: parent.right
         anchors.bottom: infoTab.top
         height: 120
-        color: "#222222"
+        color: Theme.window
 
         Rectangle {
             id: timeline
@@ -481,7 +515,7 @@ ApplicationWindow {
             anchors.right: parent.right
             anchors.top: parent.top
             anchors.bottom: timelineScrollBar.top
-            color: "#2b2b2b"
+            color: Theme.timelineGround
             clip: true
 
             readonly property real contentWidth: timelineContent.contentWidth
@@ -538,6 +572,10 @@ ApplicationWindow {
     TransportStrip {
         id: controlsTab
         objectName: "controlsTab"
+        player: videoPlayer
+        timeline: timelineContent
+        verbs: mainWindow
+        hasFocusItem: mainWindow.activeFocusItem !== null
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: timelineTab.top
@@ -557,11 +595,20 @@ ApplicationWindow {
             objectName: "videoRect"
             anchors.fill: parent
             anchors.rightMargin: 3 + mainWindow.sidebarWidth
+            player: videoPlayer
+            onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
+            onOpenVideoClicked: mainWindow.goOpenVideo("welcome_screen")
+            onBrowseRemovableDevicesClicked: mainWindow.goExploreRemovableDevices()
 
             ReviewPlayer {
                 id: videoPlayer
                 objectName: "videoPlayer"
                 anchors.fill: parent
+                adjustmentsPanel: mainWindow.adjustmentsPanel
+                onSourceOpenError: mainWindow.displayErrorDialog("Error", "Video file " + file
+                                                                 + " could not be read.")
+                onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
+                onVideoExportComplete: mainWindow.videoExportComplete(result)
             }
 
             MouseArea {
@@ -583,17 +630,25 @@ ApplicationWindow {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             width: mainWindow.sidebarWidth
-            color: "#444444"
+            color: Theme.panel
 
             Sidebar {
                 id: tabsContainer
                 objectName: "tabsContainer"
                 anchors.fill: parent
+                player: videoPlayer
+                imperialUnits: generalSettings.imperialUnits
+                tabWidth: mainWindow.sidebarWidth / 2
+                onEditFlightPropertiesClicked: mainWindow.editFlightProperties()
+                onAdjustmentsLoaded: mainWindow.doAdjustThermalRange()
+                onEditingFinished: mainWindow.refocusMainActions()
             }
         }
     }
 
     FileDrop {
         anchors.fill: parent
+        player: videoPlayer
+        verbs: mainWindow
     }
 }

@@ -242,9 +242,9 @@ void WorkflowTest::progressOfAnExport()
     m_ui->evaluate("showExportProgress(Cst.activeExportVideo, 'Exporting video file...')");
     QVERIFY(UiFixture::visibleWindow("Export operation"));
     m_ui->call("videoExportProgress", {30, 120});
-    QCOMPARE(m_ui->evaluate("exportProgressContent.value").toInt(), 30);
-    QCOMPARE(m_ui->evaluate("exportProgressContent.maximumValue").toInt(), 120);
-    QCOMPARE(m_ui->evaluate("exportProgressContent.text").toString(),
+    QCOMPARE(m_ui->evaluate("exportProgressWindow.content.value").toInt(), 30);
+    QCOMPARE(m_ui->evaluate("exportProgressWindow.content.maximumValue").toInt(), 120);
+    QCOMPARE(m_ui->evaluate("exportProgressWindow.content.text").toString(),
              QString("Exporting video file..."));
     m_ui->call("videoExportComplete", {false});
     QVERIFY(!UiFixture::visibleWindow("Export operation"));
@@ -256,9 +256,9 @@ void WorkflowTest::aRefusedReportEnds()
 {
     m_ui->call("doCreatePoiReport", {"/nowhere/report.docx"});
     QVERIFY(UiFixture::visibleWindow("Export operation"));
-    QCOMPARE(m_ui->evaluate("exportProgressContent.text").toString(),
+    QCOMPARE(m_ui->evaluate("exportProgressWindow.content.text").toString(),
              QString("Generating document..."));
-    QCOMPARE(m_ui->evaluate("exportProgressContent.value").toInt(), 0);
+    QCOMPARE(m_ui->evaluate("exportProgressWindow.content.value").toInt(), 0);
     QCOMPARE(m_ui->get("currentProject", "activeExportOperation").toInt(), 2);
     QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
 }
@@ -268,7 +268,7 @@ void WorkflowTest::aRefusedVideoEnds()
     m_ui->evaluate("secondaryWindows.exportVideo('file:///nowhere/video.mp4')");
     QVERIFY(m_ui->log().contains("Will export video"));
     QVERIFY(UiFixture::visibleWindow("Export operation"));
-    QCOMPARE(m_ui->evaluate("exportProgressContent.text").toString(),
+    QCOMPARE(m_ui->evaluate("exportProgressWindow.content.text").toString(),
              QString("Exporting video file..."));
     QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
 }

@@ -1,0 +1,53 @@
+import QtQuick 2.15
+
+// What all buttons share: pointer, keyboard, focus frame, tool tip and the name for a screen
+// reader. Space activates the button that has the keyboard; Return and Escape are left to the
+// window. A click leaves the keyboard where it is.
+Rectangle {
+    id: corvButtonBase
+
+    default property alias content: contents.data
+    property string tooltiptext: ""
+    // For a screen reader; the tool tip if it is empty.
+    property string name: ""
+    readonly property alias hovered: buttonMouseArea.containsMouse
+    readonly property alias pressed: buttonMouseArea.pressed
+    signal clicked()
+
+    activeFocusOnTab: true
+
+    Accessible.role: Accessible.Button
+    Accessible.name: name !== "" ? name : tooltiptext
+    Accessible.description: tooltiptext
+    Accessible.focusable: true
+    Accessible.onPressAction: clicked()
+
+    // Before the window's own shortcut of this key.
+    Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Space
+    Keys.onSpacePressed: {
+        if (!event.isAutoRepeat)
+            clicked();
+    }
+
+    Item {
+        id: contents
+        anchors.fill: parent
+    }
+
+    FocusFrame {
+        visible: corvButtonBase.activeFocus
+    }
+
+    ToolTipLoader {
+        target: corvButtonBase
+        text: corvButtonBase.tooltiptext
+        hovered: buttonMouseArea.containsMouse
+    }
+
+    MouseArea {
+        id: buttonMouseArea
+        anchors.fill: parent
+        hoverEnabled: true
+        onClicked: corvButtonBase.clicked()
+    }
+}

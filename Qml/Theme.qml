@@ -1,0 +1,92 @@
+pragma Singleton
+import QtQuick 2.7
+import "constants.js" as Cst
+
+// Every colour of the windows, by its role. Those of the buttons are in constants.js.
+QtObject {
+    // Surfaces.
+    readonly property color window: "#222222"
+    readonly property color videoGround: "#1a1a1a"
+    readonly property color timelineGround: "#2b2b2b"
+    readonly property color strip: "#333333"
+    readonly property color panel: "#444444"
+    readonly property color flightPanel: "#777777"
+    readonly property color dialog: Cst.bgndColor
+    readonly property color dialogBand: Cst.headerColor
+    readonly property color dialogHead: "#222222"
+    readonly property color editDialog: "#494949"
+    readonly property color updateBand: "#848484"
+    readonly property color tab: "#2a2a2a"
+    readonly property color tabHovered: "#3a3a3a"
+    readonly property color tabSelected: panel
+    readonly property color menu: "#3a3a3a"
+    readonly property color menuBorder: "#777777"
+    readonly property color menuTitleOpen: "#555555"
+    readonly property color menuSelected: Cst.progressBarBg
+    readonly property color menuSeparator: "#666666"
+
+    // Text and icons on those surfaces.
+    readonly property color text: "#ffffff"
+    readonly property color textSoft: "#dddddd"
+    readonly property color textBand: "#cccccc"
+    readonly property color textDim: "#aaaaaa"
+    readonly property color textLabel: "#999999"
+    readonly property color textDisabled: "#888888"
+    readonly property color textMissing: "#777777"
+    readonly property color textOnLight: "#000000"
+    readonly property color menuText: "#eeeeee"
+    readonly property color menuShortcut: "#cccccc"
+    readonly property color welcomeTitle: "#949494"
+    readonly property color welcomeText: "#a4a4a4"
+    readonly property color namingMissing: "#cccccc"
+
+    // Controls.
+    readonly property color transportPressed: Cst.btnColorTbChecked
+    readonly property color transportHovered: Cst.btnColorTbHover
+    readonly property color transportIcon: "#aaaaaa"
+    readonly property color groove: "#222222"
+    readonly property color stripe: "#111111"
+    readonly property color handle: "#999999"
+    readonly property color handleHovered: "#cccccc"
+    readonly property color handleDisabled: "#555555"
+    readonly property color rangePointer: "#cccccc"
+    readonly property color rangePointerHovered: "#ffffff"
+    readonly property color rangePointerDisabled: "#777777"
+    readonly property color setterIcon: "#ffffff"
+    readonly property color setterIconDisabled: "#aaaaaa"
+    readonly property color resetButton: "#444444"
+    readonly property color resetButtonHovered: "#333333"
+    readonly property color resetIcon: "#cccccc"
+    readonly property color resetIconDisabled: "#888888"
+    readonly property color field: "#aaaaaa"
+    readonly property color fieldHovered: "#cccccc"
+    readonly property color fieldDisabled: "#888888"
+    readonly property color fieldText: "#000000"
+    readonly property color fieldTextDisabled: "#444444"
+    readonly property color editField: "#888888"
+    readonly property color editFieldFocused: Qt.lighter(editField, 1.15)
+    readonly property color editFieldBorder: "#666666"
+    readonly property color editFieldBorderFocused: "#cccccc"
+    readonly property color fieldSelection: "#333333"
+    readonly property color fieldSelectedText: "#ffffff"
+    readonly property color box: "#222222"
+    readonly property color boxBorder: "#666666"
+    readonly property color boxText: "#dddddd"
+    readonly property color boxTextDisabled: "#888888"
+    readonly property color boxArrow: "#aaaaaa"
+    readonly property color boxArrowHovered: "#ffffff"
+    readonly property color boxArrowDisabled: "#666666"
+    readonly property color radio: "#dddddd"
+    readonly property color radioDisabled: "#777777"
+    readonly property color radioBorder: "#222222"
+    readonly property color radioMark: "#111111"
+    readonly property color scrollGround: Qt.rgba(0.5, 0.5, 0.5, 0.85)
+    readonly property color scrollBorder: "#a9a9a9"
+    readonly property color scrollHandle: "#000000"
+    readonly property color scrollHandlePressed: Cst.pressedColor
+    readonly property color toolTip: "#000000"
+    readonly property color toolTipText: "#ffffff"
+    readonly property color accent: Cst.accentColor
+    readonly property color progress: Cst.progressBarBg
+    readonly property color clear: "transparent"
+}

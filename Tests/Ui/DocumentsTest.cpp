@@ -1,0 +1,89 @@
+#include "UiFixture.h"
+
+#include <QDir>
+#include <QQmlComponent>
+#include <QRegularExpression>
+
+using namespace corv::test;
+
+/// Each document of the interface for itself: it declares what it needs, and shows itself with none
+/// of it there.
+class DocumentsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { UiFixture::prepare(); }
+    void loadsAlone_data();
+    void loadsAlone();
+    void takesItsColoursFromThePalette_data() { loadsAlone_data(); }
+    void takesItsColoursFromThePalette();
+};
+
+void DocumentsTest::loadsAlone_data()
+{
+    QTest::addColumn<QString>("path");
+    const QFileInfoList documents =
+        QDir(QStringLiteral(VISTREL_QML_FOLDER)).entryInfoList({"*.qml"});
+    QVERIFY(documents.size() > 40);
+    for (const QFileInfo& document : documents)
+        QTest::newRow(qPrintable(document.fileName())) << document.filePath();
+}
+
+void DocumentsTest::loadsAlone()
+{
+    QFETCH(QString, path);
+    const QString name = QFileInfo(path).fileName();
+    if (name == QLatin1String("main.qml"))
+        QSKIP("the whole window has suites of its own");
+    UiFixture ui;
+    QVERIFY(ui.loadText("import QtQuick 2.7\nimport QtQuick.Window 2.2\n"
+                        "Window { visible: true; width: 400; height: 300 }"));
+    QVERIFY2(QFile::exists(":/" + name), "not compiled in");
+    QObject* parent = ui.window()->contentItem();
+    std::unique_ptr<QObject> object;
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    if (file.readAll().startsWith("pragma Singleton")) {
+        QQmlComponent user(&ui.engine());
+        user.setData("import QtQuick 2.7\nimport \".\"\nItem { property var it: " +
+                         name.section('.', 0, 0).toLatin1() + " }",
+                     QUrl("qrc:/User.qml"));
+        object.reset(user.create());
+        QVERIFY2(object && object->property("it").value<QObject*>(),
+                 qPrintable(user.errorString()));
+    } else {
+        QQmlComponent component(&ui.engine(), QUrl("qrc:/" + name));
+        object.reset(component.create());
+        QVERIFY2(object, qPrintable(component.errorString()));
+        if (auto* item = qobject_cast<QQuickItem*>(object.get()))
+            item->setParentItem(ui.window()->contentItem());
+        QVERIFY(QMetaObject::invokeMethod(parent, "update"));
+    }
+    // A style complains once a control uses it; alone it has none.
+    QStringList errors = ui.scriptErrors();
+    if (name.endsWith(QLatin1String("Style.qml")))
+        errors = errors.filter(QRegularExpression("not defined"));
+    QCOMPARE(errors, QStringList());
+}
+
+void DocumentsTest::takesItsColoursFromThePalette()
+{
+    QFETCH(QString, path);
+    const QString name = QFileInfo(path).fileName();
+    if (name == QLatin1String("Theme.qml"))
+        QSKIP("the palette itself");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QRegularExpression literal(
+        R"re("#[0-9A-Fa-f]{3,8}"|[cC]olor: *"[a-z]+"|[cC]olor:.*\? *"[a-z]+"|Qt\.rgba\()re");
+    int number = 0;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        ++number;
+        QVERIFY2(!literal.match(QString::fromUtf8(line)).hasMatch(),
+                 qPrintable(QString("line %1: %2").arg(number).arg(QString::fromUtf8(line))));
+    }
+}
+
+QTEST_MAIN(DocumentsTest)
+#include "DocumentsTest.moc"
