@@ -267,6 +267,7 @@ void VideoPlayer::setContrast(double contrast)
     m_settings.contrast = contrast;
     sendSettings();
     redraw();
+    emit contrastChanged();
 }
 
 void VideoPlayer::setBrightness(double brightness)
@@ -276,6 +277,7 @@ void VideoPlayer::setBrightness(double brightness)
     m_settings.brightness = brightness;
     sendSettings();
     redraw();
+    emit brightnessChanged();
 }
 
 void VideoPlayer::setAutoIRMapping(bool autoIRMapping)
@@ -284,39 +286,41 @@ void VideoPlayer::setAutoIRMapping(bool autoIRMapping)
         return;
     m_settings.autoIRMapping = autoIRMapping;
     sendSettings();
+    emit autoIRMappingChanged();
 }
 
 void VideoPlayer::setIrMappingMinValue(double value)
 {
-    setOverlayValue(m_settings.irMappingMinValue, value);
+    setOverlayValue(m_settings.irMappingMinValue, value, &VideoPlayer::irMappingMinValueChanged);
 }
 
 void VideoPlayer::setIrMappingMaxValue(double value)
 {
-    setOverlayValue(m_settings.irMappingMaxValue, value);
+    setOverlayValue(m_settings.irMappingMaxValue, value, &VideoPlayer::irMappingMaxValueChanged);
 }
 
 void VideoPlayer::setIrOffsetX(double offset)
 {
-    setOverlayValue(m_settings.irOffsetX, offset);
+    setOverlayValue(m_settings.irOffsetX, offset, &VideoPlayer::irOffsetXChanged);
 }
 
 void VideoPlayer::setIrOffsetY(double offset)
 {
-    setOverlayValue(m_settings.irOffsetY, offset);
+    setOverlayValue(m_settings.irOffsetY, offset, &VideoPlayer::irOffsetYChanged);
 }
 
 void VideoPlayer::setFullScreenIR(bool fullScreenIR)
 {
-    setOverlayFlag(m_settings.fullScreenIR, fullScreenIR);
+    setOverlayFlag(m_settings.fullScreenIR, fullScreenIR, &VideoPlayer::fullScreenIRChanged);
 }
 
 void VideoPlayer::setIrOverlayTransparent(bool transparent)
 {
-    setOverlayFlag(m_settings.irOverlayTransparent, transparent);
+    setOverlayFlag(m_settings.irOverlayTransparent, transparent,
+                   &VideoPlayer::irOverlayTransparentChanged);
 }
 
-void VideoPlayer::setOverlayValue(double& field, double value)
+void VideoPlayer::setOverlayValue(double& field, double value, Notify changed)
 {
     if (!(std::abs(field - value) > doubleTolerance))
         return;
@@ -324,9 +328,10 @@ void VideoPlayer::setOverlayValue(double& field, double value)
     sendSettings();
     if (showIR())
         redraw();
+    emit(this->*changed)();
 }
 
-void VideoPlayer::setOverlayFlag(bool& field, bool value)
+void VideoPlayer::setOverlayFlag(bool& field, bool value, Notify changed)
 {
     if (field == value)
         return;
@@ -334,6 +339,7 @@ void VideoPlayer::setOverlayFlag(bool& field, bool value)
     sendSettings();
     if (showIR())
         redraw();
+    emit(this->*changed)();
 }
 
 void VideoPlayer::sendSettings()
@@ -355,18 +361,25 @@ void VideoPlayer::setPlaySpeed(double playSpeed)
 {
     if (!(playSpeed >= 1.0) || !(std::abs(playSpeed - m_playSpeed) > doubleTolerance))
         return;
-    m_playSpeed = truncateToInt(playSpeed);
+    const int wholeSpeed = truncateToInt(playSpeed);
+    if (wholeSpeed == m_playSpeed)
+        return;
+    m_playSpeed = wholeSpeed;
+    emit playSpeedChanged();
 }
 
 void VideoPlayer::setVideoSurface(QAbstractVideoSurface* surface)
 {
     if (m_surface && m_surface != surface && m_surface->isActive())
         m_surface->stop();
+    const bool differs = m_surface != surface;
     m_surface = surface;
-    if (!m_surface || !m_surfaceFormat.isValid())
-        return;
-    m_surfaceFormat = m_surface->nearestFormat(m_surfaceFormat);
-    m_surface->start(m_surfaceFormat);
+    if (m_surface && m_surfaceFormat.isValid()) {
+        m_surfaceFormat = m_surface->nearestFormat(m_surfaceFormat);
+        m_surface->start(m_surfaceFormat);
+    }
+    if (differs)
+        emit videoSurfaceChanged();
 }
 
 void VideoPlayer::setLogParser(LogParser* logParser)
@@ -377,6 +390,7 @@ void VideoPlayer::setLogParser(LogParser* logParser)
     toWorker([clock = logParser ? logParser->clock() : nullptr](OpenCvWorker& worker) {
         worker.setClock(clock);
     });
+    emit logParserChanged();
 }
 
 // The log crosses with the job: a newer parse, or closing, frees nothing that the worker still
@@ -392,9 +406,15 @@ void VideoPlayer::updateLogData()
 // On the worker's thread.
 void VideoPlayer::storeIrData(double min, double max)
 {
-    m_irDataMin.store(min, std::memory_order_relaxed);
-    m_irDataMax.store(max, std::memory_order_relaxed);
+    const bool minDiffers = m_irDataMin.exchange(min, std::memory_order_relaxed) != min;
+    const bool maxDiffers = m_irDataMax.exchange(max, std::memory_order_relaxed) != max;
     emit irDataChanged();
+    post(this, [this, minDiffers, maxDiffers] {
+        if (minDiffers)
+            emit irDataMinChanged();
+        if (maxDiffers)
+            emit irDataMaxChanged();
+    });
 }
 
 void VideoPlayer::markBusy(int ms)

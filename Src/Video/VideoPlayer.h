@@ -38,21 +38,26 @@ class VideoPlayer : public QQuickItem
     Q_PROPERTY(QTime duration READ duration NOTIFY durationChanged)
     Q_PROPERTY(bool playing READ playing NOTIFY playingChanged)
     Q_PROPERTY(bool showIR READ showIR WRITE setShowIR NOTIFY showIRChanged)
-    Q_PROPERTY(double contrast READ contrast WRITE setContrast)
-    Q_PROPERTY(double brightness READ brightness WRITE setBrightness)
-    Q_PROPERTY(bool autoIRMapping READ autoIRMapping WRITE setAutoIRMapping)
-    Q_PROPERTY(double irMappingMinValue READ irMappingMinValue WRITE setIrMappingMinValue)
-    Q_PROPERTY(double irMappingMaxValue READ irMappingMaxValue WRITE setIrMappingMaxValue)
-    Q_PROPERTY(double irOffsetX READ irOffsetX WRITE setIrOffsetX)
-    Q_PROPERTY(double irOffsetY READ irOffsetY WRITE setIrOffsetY)
-    Q_PROPERTY(bool fullScreenIR READ fullScreenIR WRITE setFullScreenIR)
-    Q_PROPERTY(bool irOverlayTransparent READ irOverlayTransparent WRITE setIrOverlayTransparent)
-    Q_PROPERTY(double playSpeed READ playSpeed WRITE setPlaySpeed)
-    Q_PROPERTY(double irDataMin READ irDataMin)
-    Q_PROPERTY(double irDataMax READ irDataMax)
+    Q_PROPERTY(double contrast READ contrast WRITE setContrast NOTIFY contrastChanged)
+    Q_PROPERTY(double brightness READ brightness WRITE setBrightness NOTIFY brightnessChanged)
+    Q_PROPERTY(
+        bool autoIRMapping READ autoIRMapping WRITE setAutoIRMapping NOTIFY autoIRMappingChanged)
+    Q_PROPERTY(double irMappingMinValue READ irMappingMinValue WRITE setIrMappingMinValue NOTIFY
+                   irMappingMinValueChanged)
+    Q_PROPERTY(double irMappingMaxValue READ irMappingMaxValue WRITE setIrMappingMaxValue NOTIFY
+                   irMappingMaxValueChanged)
+    Q_PROPERTY(double irOffsetX READ irOffsetX WRITE setIrOffsetX NOTIFY irOffsetXChanged)
+    Q_PROPERTY(double irOffsetY READ irOffsetY WRITE setIrOffsetY NOTIFY irOffsetYChanged)
+    Q_PROPERTY(bool fullScreenIR READ fullScreenIR WRITE setFullScreenIR NOTIFY fullScreenIRChanged)
+    Q_PROPERTY(bool irOverlayTransparent READ irOverlayTransparent WRITE setIrOverlayTransparent
+                   NOTIFY irOverlayTransparentChanged)
+    Q_PROPERTY(double playSpeed READ playSpeed WRITE setPlaySpeed NOTIFY playSpeedChanged)
+    Q_PROPERTY(double irDataMin READ irDataMin NOTIFY irDataMinChanged)
+    Q_PROPERTY(double irDataMax READ irDataMax NOTIFY irDataMaxChanged)
     Q_PROPERTY(bool isBusy READ isBusy NOTIFY isBusyChanged)
-    Q_PROPERTY(corv::LogParser* logParser READ logParser WRITE setLogParser)
-    Q_PROPERTY(QAbstractVideoSurface* videoSurface READ videoSurface WRITE setVideoSurface)
+    Q_PROPERTY(corv::LogParser* logParser READ logParser WRITE setLogParser NOTIFY logParserChanged)
+    Q_PROPERTY(QAbstractVideoSurface* videoSurface READ videoSurface WRITE setVideoSurface NOTIFY
+                   videoSurfaceChanged)
 
 public:
     explicit VideoPlayer(QQuickItem* parent = nullptr);
@@ -181,6 +186,23 @@ signals:
     /// Whether the video was begun and playback could be put back in its place.
     void videoExportComplete(bool result);
 
+    // One per property that has none above. All come from the interface thread, the two of the
+    // thermal range too, which `irDataChanged` announces from the worker's.
+    void contrastChanged();
+    void brightnessChanged();
+    void autoIRMappingChanged();
+    void irMappingMinValueChanged();
+    void irMappingMaxValueChanged();
+    void irOffsetXChanged();
+    void irOffsetYChanged();
+    void fullScreenIRChanged();
+    void irOverlayTransparentChanged();
+    void playSpeedChanged();
+    void irDataMinChanged();
+    void irDataMaxChanged();
+    void logParserChanged();
+    void videoSurfaceChanged();
+
 private slots:
     void paintNextFrame();
 
@@ -208,8 +230,9 @@ private:
     void startSeek(std::function<void(OpenCvWorker&)> job);
     void startSurface();
     void sendSettings();
-    void setOverlayValue(double& field, double value);
-    void setOverlayFlag(bool& field, bool value);
+    using Notify = void (VideoPlayer::*)();
+    void setOverlayValue(double& field, double value, Notify changed);
+    void setOverlayFlag(bool& field, bool value, Notify changed);
     void redraw();
     void markBusy(int ms);
     void storeIrData(double min, double max);
