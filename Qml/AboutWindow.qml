@@ -19,6 +19,11 @@ Window {
     modality: Qt.WindowModal
     color: Theme.editDialog
 
+    Shortcut {
+        sequence: "Esc"
+        onActivated: videoImport.close()
+    }
+
     Rectangle {
         id: rectangle1
         anchors { left: parent.left; right: parent.right; top: parent.top }

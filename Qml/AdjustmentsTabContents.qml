@@ -165,6 +165,7 @@ Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
                 implicitWidth: 128
                 text: "Show thermal"
+                tooltiptext: "Show the thermal picture over the video"
                 source: "images/button_show_ir.png"
                 onToggle: player.showIR = checked
             }
@@ -206,7 +207,7 @@ Rectangle {
                 maximumValue: irRangeMax
                 value: 0
                 enabled: irSlidersEnabled
-                Accessible.name: "Lowest mapped value"
+                name: "Lowest mapped value"
                 onValueChanged: {
                     if (player !== null && !automatic && !following)
                         player.irMappingMinValue = value;
@@ -235,7 +236,7 @@ Rectangle {
                 maximumValue: irRangeMax
                 value: 16383
                 enabled: irSlidersEnabled
-                Accessible.name: "Highest mapped value"
+                name: "Highest mapped value"
                 onValueChanged: {
                     if (player !== null && !automatic && !following)
                         player.irMappingMaxValue = value;
@@ -252,7 +253,7 @@ Rectangle {
                 id: autoIRMappingButton
                 objectName: "autoIRMappingButton"
                 source: "images/button_auto.png"
-                tooltiptext: "Automatic color mapping"
+                tooltiptext: "Automatic color mapping: the range of each thermal frame"
                 onToggle: player.autoIRMapping = checked
             }
 
@@ -261,6 +262,7 @@ Rectangle {
                 objectName: "lockIRMappingButton"
                 width: 60
                 text: "Lock"
+                tooltiptext: "Keep the color range of the frame on screen"
                 source: "images/button_lock_levels.png"
                 onClicked: {
                     player.autoIRMapping = false;
@@ -278,6 +280,7 @@ Rectangle {
             width: parent.width
             iconSource: "images/icon_horizontal_pos.png"
             accessibleName: "Horizontal thermal position"
+            unit: "of the picture's width"
             minimumValue: -0.2
             maximumValue: 0.2
             stepSize: 0.005
@@ -301,6 +304,7 @@ Rectangle {
             width: parent.width
             iconSource: "images/icon_vertical_pos.png"
             accessibleName: "Vertical thermal position"
+            unit: "of the picture's height"
             minimumValue: -0.16
             maximumValue: 0.16
             stepSize: 0.005
@@ -351,6 +355,7 @@ Rectangle {
             width: parent.width
             iconSource: "images/icon_contrast.png"
             accessibleName: "Contrast"
+            unit: "times"
             minimumValue: 0.5
             maximumValue: 2.0
             stepSize: 0.01
@@ -374,6 +379,7 @@ Rectangle {
             width: parent.width
             iconSource: "images/icon_brightness.png"
             accessibleName: "Brightness"
+            unit: "levels of 255"
             minimumValue: -50
             maximumValue: 50
             stepSize: 1

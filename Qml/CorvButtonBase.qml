@@ -8,6 +8,8 @@ Rectangle {
 
     default property alias content: contents.data
     property string tooltiptext: ""
+    // The key that does the same, named in the tool tip.
+    property string keyName: ""
     // For a screen reader; the tool tip if it is empty.
     property string name: ""
     readonly property alias hovered: buttonMouseArea.containsMouse
@@ -18,7 +20,7 @@ Rectangle {
 
     Accessible.role: Accessible.Button
     Accessible.name: name !== "" ? name : tooltiptext
-    Accessible.description: tooltiptext
+    Accessible.description: toolTip.text
     Accessible.focusable: true
     Accessible.onPressAction: clicked()
 
@@ -39,8 +41,11 @@ Rectangle {
     }
 
     ToolTipLoader {
+        id: toolTip
         target: corvButtonBase
-        text: corvButtonBase.tooltiptext
+        text: corvButtonBase.tooltiptext === "" || corvButtonBase.keyName === ""
+              ? corvButtonBase.tooltiptext
+              : corvButtonBase.tooltiptext + " (" + corvButtonBase.keyName + ")"
         hovered: buttonMouseArea.containsMouse
     }
 

@@ -1,15 +1,18 @@
 import QtQuick 2.7
 import "."
 
-// The grey ground of an input field. Who uses it says what lights it.
+// The grey ground of an input field. Its user says what lights it. A field that only shows something
+// is dark, like the window.
 Rectangle {
     id: corvFieldFrame
 
     property bool hovered: false
+    property bool readOnly: false
 
     height: 25
     implicitHeight: 25
-    color: !enabled ? Theme.fieldDisabled : hovered ? Theme.fieldHovered : Theme.field
+    color: readOnly ? Theme.fieldReadOnly
+                    : !enabled ? Theme.fieldDisabled : hovered ? Theme.fieldHovered : Theme.field
 
     Behavior on color { ColorAnimation { duration: 100 } }
 }

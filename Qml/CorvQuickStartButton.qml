@@ -15,6 +15,14 @@ CorvButtonBase {
     Behavior on color { ColorAnimation { duration: 75 } }
     Behavior on border.color { ColorAnimation { duration: 75 } }
 
+    // The text is too faint on the dialogs.
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 1
+        visible: !corvQuickStartButton.hovered && !corvQuickStartButton.pressed
+        color: Theme.plate
+    }
+
     Text {
         id: label
         anchors.centerIn: parent

@@ -12,7 +12,32 @@ TextInput {
     activeFocusOnTab: true
     selectByMouse: true
     clip: true
-    color: enabled ? Theme.fieldText : Theme.fieldTextDisabled
+    color: readOnly ? Theme.textSoft : enabled ? Theme.fieldText : Theme.fieldTextDisabled
+
+    // What is typed replaces what a field holds when it gets the keyboard.
+    onActiveFocusChanged: {
+        if (activeFocus && !readOnly)
+            selectAll();
+    }
+
+    MouseArea {
+        id: hoverArea
+        anchors.fill: parent
+        acceptedButtons: Qt.NoButton
+        hoverEnabled: corvTextInput.readOnly
+    }
+
+    ToolTipLoader {
+        target: corvTextInput
+        text: corvTextInput.contentWidth > corvTextInput.width ? corvTextInput.text : ""
+        hovered: hoverArea.containsMouse
+    }
+
+    FocusFrame {
+        anchors.leftMargin: -5
+        anchors.rightMargin: -5
+        visible: corvTextInput.activeFocus
+    }
 
     Accessible.role: Accessible.EditableText
     Accessible.readOnly: readOnly

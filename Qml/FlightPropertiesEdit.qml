@@ -102,6 +102,11 @@ Window {
             objectName: "tfFlightNumber"
             Layout.preferredWidth: 80
             inputMethodHints: Qt.ImhDigitsOnly
+            // What is typed replaces the number.
+            onActiveFocusChanged: {
+                if (activeFocus)
+                    selectAll();
+            }
             validator: IntValidator { bottom: 1; top: 999 }
             style: CorvTextFieldStyle {}
             Accessible.name: "Flight number"

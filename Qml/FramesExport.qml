@@ -6,6 +6,7 @@ import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
 import "."
+import "times.js" as Times
 
 Window {
     id: framesExport
@@ -29,6 +30,21 @@ Window {
         duration = newDuration;
     }
 
+    // What stands in the fields, for the next opening.
+    function entered() {
+        return {start: startTextInput.text, stop: stopTextInput.text,
+            spacing: spacingTextInput.text, folder: framesUrl, pois: radioExportPOIs.checked};
+    }
+
+    function enter(fields) {
+        startTextInput.text = fields.start;
+        stopTextInput.text = fields.stop;
+        spacingTextInput.text = fields.spacing;
+        framesUrl = fields.folder;
+        folderTextInput.text = fields.folder;
+        radioExportPOIs.checked = fields.pois && poiCount > 0;
+    }
+
     function padded(text, size) {
         while (text.length < size)
             text = "0" + text;
@@ -43,7 +59,7 @@ Window {
 
     // Milliseconds of "min:sec.ms"; NaN when it is no time.
     function parseTime(text) {
-        var parts = text.split(/[:.]/);
+        var parts = Times.plainDigits(text).split(/[:.]/);
         if (parts.length !== 3)
             return NaN;
         var seconds = parseNumber(parts[1], 2);
@@ -62,7 +78,7 @@ Window {
         if (isNaN(stop))
             return "Invalid stop time";
         stopTime = stop;
-        var spacing = parseNumber(spacingTextInput.text, 2);
+        var spacing = parseNumber(Times.plainDigits(spacingTextInput.text), 2);
         if (isNaN(spacing))
             return "Invalid frame spacing";
         frameSpacing = spacing;
@@ -235,7 +251,7 @@ Window {
                     height: 25
                     text: "Current position"
                     Accessible.name: "Current position as start time"
-                    onClicked: startTextInput.text = Qt.formatTime(framesExport.position, "mm:ss.zzz")
+                    onClicked: startTextInput.text = Times.minutesAndSeconds(framesExport.position)
                 }
 
                 Text {
@@ -257,7 +273,7 @@ Window {
                     CorvTextInput {
                         id: stopTextInput
                         objectName: "stopTextInput"
-                        text: Qt.formatTime(framesExport.duration, "mm:ss.zzz")
+                        text: Times.minutesAndSeconds(framesExport.duration)
                         inputMask: "99:99.999;_"
                         Accessible.name: "Stop time (min:sec.ms)"
                     }
@@ -270,7 +286,7 @@ Window {
                     height: 25
                     text: "Current position"
                     Accessible.name: "Current position as stop time"
-                    onClicked: stopTextInput.text = Qt.formatTime(framesExport.position, "mm:ss.zzz")
+                    onClicked: stopTextInput.text = Times.minutesAndSeconds(framesExport.position)
                 }
 
                 Text {
@@ -330,6 +346,8 @@ Window {
                     top: folderLabel.bottom
                     topMargin: 8
                 }
+
+                readOnly: true
 
                 CorvTextInput {
                     id: folderTextInput

@@ -19,6 +19,14 @@ Rectangle {
         return String(name).replace(/&/g, "&amp;").replace(/</g, "&lt;");
     }
 
+    // The names are too faint on the panel.
+    Rectangle {
+        anchors.fill: namingRect
+        anchors.margins: -4
+        anchors.leftMargin: -6
+        color: Theme.flightPlate
+    }
+
     Item {
         id: namingRect
         anchors.top: parent.top

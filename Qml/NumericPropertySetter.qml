@@ -1,4 +1,4 @@
-import QtQuick 2.7
+import QtQuick 2.15
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
 import "."
@@ -16,6 +16,9 @@ Rectangle {
     property int decimals: 0
     property alias iconSource: icon.source
     property string accessibleName: ""
+    // What the number counts, for the tool tip.
+    property string unit: ""
+    readonly property string description: accessibleName + (unit === "" ? "" : ", " + unit)
     // Set while the slider and the box are made to show the value.
     property bool following: true
 
@@ -45,6 +48,20 @@ Rectangle {
             value = valueBox.value;
     }
 
+    MouseArea {
+        id: iconArea
+        width: 32
+        height: parent.height
+        acceptedButtons: Qt.NoButton
+        hoverEnabled: true
+    }
+
+    ToolTipLoader {
+        target: propertySetterControl
+        text: propertySetterControl.description
+        hovered: iconArea.containsMouse || horizontalSlider.hovered || valueBox.hovered
+    }
+
     Row {
         anchors.left: parent.left
         anchors.leftMargin: 8
@@ -72,6 +89,10 @@ Rectangle {
             stepSize: propertySetterControl.stepSize
             onValueChanged: propertySetterControl.sliderChanged()
             Accessible.name: propertySetterControl.accessibleName
+            Accessible.description: propertySetterControl.description
+            // Before the window's own shortcuts of these keys.
+            Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Left
+                                     || event.key === Qt.Key_Right
 
             style: SliderStyle {
                 groove: Rectangle {
@@ -80,6 +101,8 @@ Rectangle {
                     color: Theme.groove
                 }
                 handle: Rectangle {
+                    border.width: control.activeFocus ? 1 : 0
+                    border.color: Theme.accent
                     implicitWidth: 6
                     implicitHeight: 19
                     color: !control.enabled ? Theme.handleDisabled
@@ -101,6 +124,7 @@ Rectangle {
             onValueChanged: propertySetterControl.spinBoxChanged()
             Keys.onEnterPressed: propertySetterControl.editingFinished()
             Accessible.name: propertySetterControl.accessibleName
+            Accessible.description: propertySetterControl.description
             style: CorvSpinBoxStyle {}
         }
 
@@ -108,6 +132,7 @@ Rectangle {
             id: resetButton
             objectName: "resetButton"
             name: "Reset " + propertySetterControl.accessibleName
+            tooltiptext: "Reset " + propertySetterControl.accessibleName.toLowerCase()
             width: 22
             height: 22
             anchors.verticalCenter: parent.verticalCenter

@@ -21,6 +21,8 @@ Window {
     function populate() {
         tfName.text = poiName;
         taDescription.text = poiDescription;
+        // What is typed replaces the name.
+        tfName.selectAll();
     }
 
     function okPressed() {

@@ -1,4 +1,4 @@
-import QtQuick 2.7
+import QtQuick 2.15
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
 import "."
@@ -8,9 +8,20 @@ Slider {
     id: rangeSlider
 
     property string pointer
+    property string name: ""
 
     height: 10
     stepSize: 1
+
+    Accessible.name: name
+    // Before the window's own shortcuts of these keys.
+    Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Left || event.key === Qt.Key_Right
+
+    ToolTipLoader {
+        target: rangeSlider
+        text: rangeSlider.name + ": " + Math.round(rangeSlider.value)
+        hovered: rangeSlider.hovered
+    }
 
     style: SliderStyle {
         groove: Item {
@@ -20,6 +31,10 @@ Slider {
         handle: Item {
             implicitWidth: 11
             implicitHeight: 10
+
+            FocusFrame {
+                visible: control.activeFocus
+            }
 
             TintedIcon {
                 anchors.centerIn: parent

@@ -17,6 +17,9 @@ Item {
     property bool fastLoadingChecked: false
     signal fastLoadingChosen(bool checked)
 
+    // What the frames export held when it was last closed, and for which video.
+    property var framesEntered: null
+
     // The units chosen in the settings.
     signal unitsChosen(bool imperialUnits)
 
@@ -27,15 +30,21 @@ Item {
             console.warn("Cannot open " + file + ": " + component.errorString());
         else if (connection)
             connection.target = window;
-        keepAboveMainWindow(window);
+        if (window)
+            place(window);
         return window;
     }
 
-    // A click on the main window would raise it over the modal window that blocks it, were that not
-    // a dialog to the window system.
-    function keepAboveMainWindow(window) {
-        if (window && window.modality !== Qt.NonModal)
-            window.flags |= Qt.Dialog;
+    // In front of the window that it belongs to, also after a click there, and beside the picture
+    // rather than on it: to the right of that window, or at its right edge where the screen ends.
+    function place(window) {
+        window.flags |= Qt.Dialog;
+        if (window.modality !== Qt.NonModal)
+            return;
+        var rightEdge = verbs.x + verbs.width;
+        var screenEdge = verbs.screen.virtualX + verbs.screen.width;
+        window.x = Math.max(verbs.x, Math.min(rightEdge + 8, screenEdge - window.width - 8));
+        window.y = verbs.y + 40;
     }
 
     function openPlain(file) {
@@ -58,6 +67,8 @@ Item {
         window.position = player.timePosition;
         window.duration = player.duration;
         window.poiCount = timeline.getPOIs().length;
+        if (framesEntered !== null && framesEntered.video === player.source)
+            window.enter(framesEntered);
         window.show();
     }
 
@@ -163,7 +174,11 @@ Item {
 
         function onVisibleChanged() {
             var window = framesExportConnection.target;
-            if (!window.visible && window.ok)
+            if (window.visible)
+                return;
+            windows.framesEntered = window.entered();
+            windows.framesEntered.video = windows.player.source;
+            if (window.ok)
                 windows.exportFrames(window);
         }
     }

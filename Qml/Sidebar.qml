@@ -1,4 +1,4 @@
-import QtQuick 2.7
+import QtQuick 2.15
 import QtQuick.Controls 1.4
 import QtQml 2.14
 import VideoPlayer 1.0
@@ -16,6 +16,18 @@ TabView {
     signal adjustmentsLoaded()
     // A click beside the controls, or the end of an edit: the keyboard goes back to the video.
     signal editingFinished()
+
+    // A click on a tab would give the keyboard to the first control in it.
+    onCurrentIndexChanged: {
+        if (!activeFocus)
+            Qt.callLater(editingFinished);
+    }
+    // Left and right change the tab while the tabs have the keyboard: before the window's own
+    // shortcuts of these keys.
+    Keys.onShortcutOverride: {
+        var onTabs = activeFocus && !getTab(0).activeFocus && !getTab(1).activeFocus;
+        event.accepted = onTabs && (event.key === Qt.Key_Left || event.key === Qt.Key_Right);
+    }
 
     style: SidebarTabStyle { tabWidth: sidebar.tabWidth }
 

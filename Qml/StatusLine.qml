@@ -5,6 +5,7 @@ import QtQuick.Layouts 1.1
 import corv.LogParsing 1.0
 import VideoPlayer 1.0
 import "."
+import "times.js" as Times
 
 // The bottom line: how far a log has been read, or what is open and where the video stands.
 Rectangle {
@@ -70,6 +71,12 @@ Rectangle {
         }
     }
 
+    TextMetrics {
+        id: widestTime
+        font: videoDuration.font
+        text: "00:00.000 / 00:00.000, f 0000000"
+    }
+
     RowLayout {
         objectName: "filesRow"
         anchors.fill: parent
@@ -82,27 +89,28 @@ Rectangle {
             id: videoDuration
             objectName: "videoDuration"
             visible: statusLine.videoOpen
+            // As wide as any time and frame number, or the names beside it would move as it counts.
+            Layout.minimumWidth: widestTime.advanceWidth
+            Layout.maximumWidth: Layout.minimumWidth
             color: Theme.text
             font.family: Qt.fontFamilies().indexOf("Lucida Console") >= 0 ? "Lucida Console"
                                                                           : "monospace"
             font.pixelSize: 14
             text: statusLine.player === null
-                  ? "" : Qt.formatTime(statusLine.player.timePosition, "mm:ss.zzz") + " / "
-                         + Qt.formatTime(statusLine.player.duration, "mm:ss.zzz") + ", f "
+                  ? "" : Times.minutesAndSeconds(statusLine.player.timePosition) + " / "
+                         + Times.minutesAndSeconds(statusLine.player.duration) + ", f "
                          + statusLine.player.currentFrameIndex
         }
         Text {
             color: Theme.textLabel
             text: "Video file"
         }
-        Text {
+        ElidedText {
             objectName: "videoFileText"
             Layout.fillWidth: true
             Layout.preferredWidth: 1
             color: Theme.textSoft
-            elide: Text.ElideMiddle
-            textFormat: Text.PlainText
-            text: statusLine.player !== null && statusLine.player.source !== ""
+            text: statusLine.videoOpen
                   ? statusLine.player.source : "No video file opened"
         }
         Text {
@@ -111,13 +119,11 @@ Rectangle {
             color: Theme.textLabel
             text: "Log file"
         }
-        Text {
+        ElidedText {
             objectName: "logFileText"
             Layout.fillWidth: true
             Layout.preferredWidth: 1
             color: Theme.textSoft
-            elide: Text.ElideMiddle
-            textFormat: Text.PlainText
             text: LogParser.source !== "" ? LogParser.source : "No log file opened"
         }
     }

@@ -15,6 +15,9 @@ QtObject {
     readonly property color dialogBand: Cst.headerColor
     readonly property color dialogHead: "#222222"
     readonly property color editDialog: "#494949"
+    // Behind a stated text that would be too faint on its surface.
+    readonly property color plate: "#1f1f1f"
+    readonly property color flightPlate: "#444444"
     readonly property color updateBand: "#848484"
     readonly property color tab: "#2a2a2a"
     readonly property color tabHovered: "#3a3a3a"
@@ -22,7 +25,7 @@ QtObject {
     readonly property color menu: "#3a3a3a"
     readonly property color menuBorder: "#777777"
     readonly property color menuTitleOpen: "#555555"
-    readonly property color menuSelected: Cst.progressBarBg
+    readonly property color menuSelected: "#2c7440"
     readonly property color menuSeparator: "#666666"
 
     // Text and icons on those surfaces.
@@ -30,7 +33,7 @@ QtObject {
     readonly property color textSoft: "#dddddd"
     readonly property color textBand: "#cccccc"
     readonly property color textDim: "#aaaaaa"
-    readonly property color textLabel: "#999999"
+    readonly property color textLabel: "#a8a8a8"
     readonly property color textDisabled: "#888888"
     readonly property color textMissing: "#777777"
     readonly property color textOnLight: "#000000"
@@ -60,6 +63,7 @@ QtObject {
     readonly property color resetIconDisabled: "#888888"
     readonly property color field: "#aaaaaa"
     readonly property color fieldHovered: "#cccccc"
+    readonly property color fieldReadOnly: "#3a3a3a"
     readonly property color fieldDisabled: "#888888"
     readonly property color fieldText: "#000000"
     readonly property color fieldTextDisabled: "#444444"
@@ -76,10 +80,10 @@ QtObject {
     readonly property color boxArrow: "#aaaaaa"
     readonly property color boxArrowHovered: "#ffffff"
     readonly property color boxArrowDisabled: "#666666"
-    readonly property color radio: "#dddddd"
-    readonly property color radioDisabled: "#777777"
-    readonly property color radioBorder: "#222222"
-    readonly property color radioMark: "#111111"
+    readonly property color radio: "#222222"
+    readonly property color radioDisabled: "#444444"
+    readonly property color radioBorder: "#dddddd"
+    readonly property color radioMark: "#ffffff"
     readonly property color scrollGround: Qt.rgba(0.5, 0.5, 0.5, 0.85)
     readonly property color scrollBorder: "#a9a9a9"
     readonly property color scrollHandle: "#000000"

@@ -12,6 +12,7 @@ CorvButtonBase {
     height: 25
     color: pressed ? Theme.transportPressed : hovered ? Theme.transportHovered : Theme.strip
 
+    tooltiptext: name
     onClicked: pressButton()
 
     Behavior on color { ColorAnimation { duration: 100 } }

@@ -41,6 +41,7 @@ Rectangle {
             id: beginButton
             objectName: "beginButton"
             name: "First frame"
+            keyName: "Home"
             source: "images/begin.png"
             onPressButton: player.seekAtFrame(0)
         }
@@ -48,6 +49,7 @@ Rectangle {
             id: prevFrameButton
             objectName: "prevFrameButton"
             name: "Previous frame"
+            keyName: "Left"
             source: "images/prev.png"
             onPressButton: player.seekAtFrame(player.currentFrameIndex - 1)
         }
@@ -55,6 +57,7 @@ Rectangle {
             id: playButton
             objectName: "playButton"
             name: "Play"
+            keyName: "Space"
             source: "images/play.png"
             onPressButton: player.togglePlayPause()
 
@@ -72,6 +75,7 @@ Rectangle {
             id: nextFrameButton
             objectName: "nextFrameButton"
             name: "Next frame"
+            keyName: "Right"
             source: "images/next.png"
             onPressButton: player.seekAtFrame(player.currentFrameIndex + 1)
         }
@@ -79,6 +83,7 @@ Rectangle {
             id: endButton
             objectName: "endButton"
             name: "Last frame"
+            keyName: "End"
             source: "images/end.png"
             onPressButton: player.seekAtTime(player.duration)
         }
@@ -113,6 +118,12 @@ Rectangle {
         style: CorvSpinBoxStyle {}
     }
 
+    ToolTipLoader {
+        target: playSpeedBox
+        text: "Playback speed, 1 to 5 times"
+        hovered: playSpeedBox.hovered
+    }
+
     Row {
         id: toolbarSpecialModeButtons
         objectName: "toolbarSpecialModeButtons"
@@ -131,6 +142,8 @@ Rectangle {
             id: confirmPOIMoveButton
             objectName: "confirmPOIMoveButton"
             text: "Move here"
+            tooltiptext: "Move the selected POI to the playhead"
+            keyName: "Return"
             source: "images/icon_check_ok.png"
             enabled: transportStrip.videoOpen
             onClicked: transportStrip.verbs.confirmMovingPoi()
@@ -139,6 +152,8 @@ Rectangle {
             id: exitMoveModeButton
             objectName: "exitMoveModeButton"
             text: "Cancel"
+            tooltiptext: "Leave the POI where it is"
+            keyName: "Esc"
             source: "images/icon_cross_cancel.png"
             enabled: transportStrip.videoOpen
             onClicked: transportStrip.verbs.stopMovingPoi()
@@ -165,6 +180,7 @@ Rectangle {
             objectName: "copyImageButton"
             source: "images/button_copy.png"
             tooltiptext: "Copy current frame to clipboard"
+            keyName: "Ctrl+C"
             enabled: transportStrip.videoOpen
             onClicked: player.copyFrameToClipboard(player.timePosition)
         }
@@ -173,6 +189,7 @@ Rectangle {
             objectName: "addPoiButton"
             source: "images/button_poi_add.png"
             tooltiptext: "Create POI at playhead position"
+            keyName: "N"
             enabled: transportStrip.videoOpen
             onClicked: transportStrip.verbs.addNewPoiAtPosition()
         }
@@ -181,6 +198,7 @@ Rectangle {
             objectName: "removePoiButton"
             source: "images/button_poi_remove.png"
             tooltiptext: "Delete selected POI"
+            keyName: "X"
             enabled: transportStrip.videoOpen && transportStrip.poiSelected
             onClicked: transportStrip.verbs.deleteSelectedPoi()
         }
@@ -189,6 +207,7 @@ Rectangle {
             objectName: "editPoiButton"
             source: "images/button_poi_edit.png"
             tooltiptext: "Edit selected POI"
+            keyName: "E"
             enabled: transportStrip.videoOpen && transportStrip.poiSelected
             onClicked: transportStrip.verbs.editSelectedPoi()
         }
@@ -197,6 +216,7 @@ Rectangle {
             objectName: "enterMoveModeButton"
             source: "images/button_poi_move.png"
             tooltiptext: "Move selected POI"
+            keyName: "M"
             enabled: transportStrip.videoOpen && transportStrip.poiSelected
             onClicked: transportStrip.verbs.startMovingPoi()
         }
@@ -204,6 +224,7 @@ Rectangle {
 
     Shortcut {
         sequence: "Home"
+        autoRepeat: false
         enabled: transportStrip.hasFocusItem
         onActivated: beginButton.pressButton()
     }
@@ -214,6 +235,7 @@ Rectangle {
     }
     Shortcut {
         sequence: " "
+        autoRepeat: false
         enabled: transportStrip.hasFocusItem
         onActivated: playButton.pressButton()
     }
@@ -224,38 +246,45 @@ Rectangle {
     }
     Shortcut {
         sequence: "End"
+        autoRepeat: false
         enabled: transportStrip.hasFocusItem
         onActivated: endButton.pressButton()
     }
     Shortcut {
         sequence: "N"
+        autoRepeat: false
         context: Qt.WindowShortcut
         onActivated: transportStrip.verbs.addNewPoiAtPosition()
     }
     Shortcut {
         sequence: "X"
+        autoRepeat: false
         context: Qt.WindowShortcut
         enabled: editPoiButton.enabled && !transportStrip.moveMode
         onActivated: transportStrip.verbs.deleteSelectedPoi()
     }
     Shortcut {
         sequence: "E"
+        autoRepeat: false
         context: Qt.WindowShortcut
         enabled: editPoiButton.enabled && !transportStrip.moveMode
         onActivated: transportStrip.verbs.editSelectedPoi()
     }
     Shortcut {
         sequence: "M"
+        autoRepeat: false
         enabled: enterMoveModeButton.enabled && !transportStrip.moveMode
         onActivated: transportStrip.verbs.startMovingPoi()
     }
     Shortcut {
         sequence: "Return"
+        autoRepeat: false
         enabled: transportStrip.moveMode
         onActivated: transportStrip.verbs.confirmMovingPoi()
     }
     Shortcut {
         sequence: "Esc"
+        autoRepeat: false
         enabled: transportStrip.moveMode
         onActivated: transportStrip.verbs.stopMovingPoi()
     }

@@ -96,6 +96,8 @@ Window {
                 verticalCenter: browseButton.verticalCenter
             }
 
+            readOnly: true
+
             CorvTextInput {
                 id: folderTextInput
                 objectName: "folderTextInput"

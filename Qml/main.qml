@@ -199,7 +199,10 @@ ApplicationWindow {
     }
 
     function goOpenHelp() {
-        Qt.openUrlExternally(Qt.resolvedUrl(Paths.urlInFolder(applicationDirPath, "manual.pdf")));
+        var manual = Paths.urlInFolder(applicationDirPath, "manual.pdf");
+        if (!Qt.openUrlExternally(Qt.resolvedUrl(manual)))
+            displayWarningDialog("User guide", "No program opens the user guide here. It is in the file\n\n"
+                                               + Paths.decodedPath(manual));
     }
 
     function resetCorrectionParameters() {

@@ -1,3 +1,4 @@
+#include "App/look.h"
 #include "App/qmlTypes.h"
 #include "App/saveDialogSuffix.h"
 #include "Platform/Platform.h"
@@ -52,7 +53,8 @@ void connectUpdater(corv::UpdateManager& updater, QObject* root)
 
 int main(int argc, char** argv)
 {
-    // First of all, so that it covers the start of the scene graph too.
+    corv::followScreenScale();
+    // First of all messages, so that it covers the start of the scene graph too.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.scenegraph.general=true"));
     QApplication application(argc, argv);
     corv::setApplicationNames();
@@ -69,6 +71,8 @@ int main(int argc, char** argv)
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::registerQmlTypes();
     corv::completeNamesInSaveDialogs(application);
+    corv::dressDialogs(application);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));
 
     QQmlApplicationEngine engine;
     engine.rootContext()->setContextProperty(QStringLiteral("applicationDirPath"),

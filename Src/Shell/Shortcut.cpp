@@ -28,7 +28,9 @@ bool Shortcut::eventFilter(QObject* watched, QEvent* event)
 {
     // Every event of the application passes here: the type is looked at first.
     if (event->type() == QEvent::KeyRelease) {
-        m_pressed = false;
+        // A held key is released again and again in between its repeats; that is no release.
+        if (!static_cast<QKeyEvent*>(event)->isAutoRepeat())
+            m_pressed = false;
     } else if (event->type() == QEvent::KeyPress && !m_key.isEmpty()) {
         const auto* keyEvent = static_cast<QKeyEvent*>(event);
         const int code = keyEvent->key();

@@ -178,6 +178,8 @@ void TimelineContent::select(QTime poiTime)
     if (poiTime == m_selectedPoiTime)
         return;
     m_selectedPoiTime = poiTime;
+    // A flag at the playhead is selected without any move of the cursor.
+    update();
     emit selectedPoiTimeChanged();
 }
 

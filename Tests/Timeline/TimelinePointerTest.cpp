@@ -23,6 +23,7 @@ private slots:
     void dragPastTheStartWraps();
     void dragDoesNotScrollBeforeTheRelease();
     void pressOnAMarkSelectsAndSeeks();
+    void selectingTheFlagAtThePlayheadIsSeen();
     void pressOnBareStripClearsTheSelection();
     void pressInMoveModeOnlyMovesTheCursor();
     void doubleClickOnAMark();
@@ -157,6 +158,25 @@ void TimelinePointerTest::pressOnAMarkSelectsAndSeeks()
     strip.release(300, 100);
     strip.press(230, 100);
     QCOMPARE(strip.taken(), (QStringList{"clicked", "seek 20000"}));
+}
+
+void TimelinePointerTest::selectingTheFlagAtThePlayheadIsSeen()
+{
+    Strip strip;
+    strip.addMarks({20000});
+    QQuickWindow window;
+    window.resize(720, 160);
+    strip.timeline.setParentItem(window.contentItem());
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    strip.timeline.setCursorPosition(timeAt(20000));
+    QTest::mouseMove(&window, QPoint(300, 100));
+    QTest::mouseMove(&window, QPoint(230, 100));
+    const QImage before = window.grabWindow();
+    QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, QPoint(230, 100));
+    QTRY_COMPARE(strip.timeline.selectedPoiTime(), timeAt(20000));
+    QVERIFY(window.grabWindow() != before);
+    strip.timeline.setParentItem(nullptr);
 }
 
 void TimelinePointerTest::pressOnBareStripClearsTheSelection()

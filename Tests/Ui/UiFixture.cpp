@@ -1,5 +1,6 @@
 #include "UiFixture.h"
 
+#include "App/look.h"
 #include "App/qmlTypes.h"
 #include "App/saveDialogSuffix.h"
 
@@ -15,6 +16,15 @@
 #include <cstdio>
 
 namespace corv::test {
+namespace {
+
+// Before main() makes the application, as the program does it.
+const bool scaled = [] {
+    followScreenScale();
+    return true;
+}();
+
+} // namespace
 
 void UiFixture::prepare()
 {
@@ -25,6 +35,7 @@ void UiFixture::prepare()
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     registerQmlTypes();
     completeNamesInSaveDialogs(*qGuiApp);
+    dressDialogs(*qApp);
 }
 
 UiFixture::UiFixture()

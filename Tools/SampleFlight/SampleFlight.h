@@ -12,7 +12,8 @@ namespace corv {
 
 class FlightLogWriter;
 
-/// What kind of flight to make. The defaults are the flight that a newcomer sees first.
+/// What kind of flight to make. The defaults are the flight that a newcomer sees first, with a
+/// number on each frame.
 struct SampleFlightOptions
 {
     double videoSeconds = 42.0; ///< of the whole flight, over all its files

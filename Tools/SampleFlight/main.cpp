@@ -36,8 +36,8 @@ void addOptions(QCommandLineParser& parser)
     add("cut-tail", "Leave out the last bytes of the log.", "BYTES", "0");
     add("log-bytes", "Let the log run on until it is that long.", "BYTES", "0");
     add("seed", "Another park and other noise (default 1).", "N", "1");
-    parser.addOption({QStringLiteral("plain"),
-                      QStringLiteral("Frames without their number along the top edge.")});
+    parser.addOption({QStringLiteral("numbers"),
+                      QStringLiteral("Write its number along the top edge of each frame.")});
     parser.addOption({QStringLiteral("log-only"), QStringLiteral("Write the log alone.")});
     parser.addPositionalArgument(QStringLiteral("OUT_DIR"),
                                  QStringLiteral("Folder that becomes the card."));
@@ -69,7 +69,7 @@ std::optional<SampleFlightOptions> readOptions(const QCommandLineParser& parser,
     options.spoilPacketEvery = static_cast<int>(number("spoil-packets", 0, most));
     options.cutTailBytes = static_cast<int>(number("cut-tail", 0, most));
     options.leastLogBytes = static_cast<qint64>(number("log-bytes", 0, 1e12));
-    options.numberFrames = !parser.isSet(QStringLiteral("plain"));
+    options.numberFrames = parser.isSet(QStringLiteral("numbers"));
     options.seed = static_cast<unsigned>(number("seed", 0, most));
     if (options.thermalCamera != 0 && options.thermalCamera != 30 && options.thermalCamera != 35) {
         allOk = false;

@@ -1,3 +1,4 @@
+#include "App/look.h"
 #include "App/qmlTypes.h"
 #include "ManualPictures.h"
 #include "Shell/applicationNames.h"
@@ -43,6 +44,7 @@ void photograph(const QString& file, const QString& picture, const QString& size
 /// card.
 int main(int argc, char** argv)
 {
+    corv::followScreenScale();
     QApplication application(argc, argv);
     // On the terminal of who asks for a picture: what went wrong, not how the program came along.
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.info=false"));
@@ -57,6 +59,7 @@ int main(int argc, char** argv)
         return showUsage();
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::registerQmlTypes();
+    corv::dressDialogs(application);
     try {
         if (forManual)
             corv::ManualPictures(arguments[2], arguments[3], arguments[4]).takeAll();

@@ -1,0 +1,16 @@
+#pragma once
+
+class QApplication;
+
+namespace corv {
+
+/// Draws everything at the scale of the screen, in steps as fine as the screen asks for. Before the
+/// application object is made.
+void followScreenScale();
+
+/// Gives what Qt draws by itself (message boxes, file dialogs, lists, scroll bars) the colours of
+/// the windows. A message box shows its text as it is, never as markup, and the newest one lies on
+/// top of the others. Interface thread, once; for as long as the application lives.
+void dressDialogs(QApplication& application);
+
+} // namespace corv
