@@ -1,7 +1,9 @@
 #include "ReviewFixture.h"
 
 #include <QAccessible>
+#include <QHash>
 #include <QScreen>
+#include <cmath>
 #include <memory>
 
 using namespace corv::test;
@@ -24,6 +26,7 @@ private:
     void bringInto(const QString& state);
     void checkTexts(QQuickItem* from);
     void checkPictures(QQuickItem* from);
+    void checkContrast(QQuickItem* from, const QImage& picture);
     QRectF area(QQuickItem* item) const
     {
         return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
@@ -115,6 +118,61 @@ void LookTest::checkPictures(QQuickItem* from)
         checkPictures(child);
 }
 
+namespace {
+
+double luminance(const QColor& colour)
+{
+    const auto linear = [](double value) {
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+double contrast(const QColor& one, const QColor& other)
+{
+    const double a = luminance(one) + 0.05;
+    const double b = luminance(other) + 0.05;
+    return a > b ? a / b : b / a;
+}
+
+QColor mostFrequentColour(const QImage& picture)
+{
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            ++counts[picture.pixel(x, y)];
+    QRgb most = 0;
+    for (auto it = counts.cbegin(); it != counts.cend(); ++it)
+        if (it.value() > counts.value(most))
+            most = it.key();
+    return QColor(most);
+}
+
+} // namespace
+
+// Each text that can be used against what is really behind it.
+void LookTest::checkContrast(QQuickItem* from, const QImage& picture)
+{
+    if (!from->isVisible() || qFuzzyIsNull(from->opacity()) || !from->isEnabled())
+        return;
+    if (from->inherits("QQuickText") && !from->property("text").toString().isEmpty()) {
+        const double density = m_ui->window()->devicePixelRatio();
+        const QRectF place = area(from);
+        const QRect pixels(qRound(place.x() * density), qRound(place.y() * density),
+                           qRound(place.width() * density), qRound(place.height() * density));
+        const QColor ground = mostFrequentColour(picture.copy(pixels & picture.rect()));
+        const double ratio = contrast(from->property("color").value<QColor>(), ground);
+        QVERIFY2(ratio >= 4.5,
+                 qPrintable(QString("%1 on %2: %3, \"%4\"")
+                                .arg(from->property("color").toString(), ground.name())
+                                .arg(ratio)
+                                .arg(from->property("text").toString())));
+    }
+    for (QQuickItem* child : from->childItems())
+        checkContrast(child, picture);
+}
+
 void LookTest::mainWindow()
 {
     QFETCH(QSize, size);
@@ -132,6 +190,7 @@ void LookTest::mainWindow()
     m_texts.clear();
     checkTexts(m_ui->window()->contentItem());
     checkPictures(m_ui->window()->contentItem());
+    checkContrast(m_ui->window()->contentItem(), m_ui->window()->grabWindow());
     m_ui->screenshot(QString("%1 @%2")
                          .arg(QString::fromLatin1(QTest::currentDataTag()))
                          .arg(m_ui->window()->devicePixelRatio()));
@@ -148,7 +207,7 @@ void LookTest::pointersAndIconsAreDrawnSharp()
     for (const char* name : {"playButton", "saveImageButton", "namingEditButton"}) {
         QQuickItem* button = m_ui->item(name);
         QQuickItem* picture = nullptr;
-        for (QQuickItem* child : button->childItems()) {
+        for (QQuickItem* child : button->findChildren<QQuickItem*>()) {
             if (child->inherits("QQuickImage"))
                 picture = child;
         }

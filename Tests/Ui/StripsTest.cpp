@@ -1,0 +1,173 @@
+#include "ReviewSuite.h"
+
+using namespace corv::test;
+
+/// The transport, the sidebar and the status line: what they say, and to whom the keys go.
+class StripsTest : public ReviewSuite
+{
+    Q_OBJECT
+
+private slots:
+    void toolTipsNameKeysAndUnits();
+    void aShortenedNameIsInItsToolTip();
+    void onlyAnOpenFileIsNamed();
+    void namesStayWhereTheyAreWhileTheTimeCounts();
+    void aHeldKeyActsOnce();
+    void aRoundedFieldKeepsTheExactValue();
+    void controlsFollowThePlayer();
+    void tabReachesControlsAndSpaceActivatesThem();
+    void aClickLeavesTheKeysWithTheVideo();
+
+private:
+    // The text of the tool tip of a control; nothing before it was first wanted.
+    QString toolTipOf(QQuickItem* control) const
+    {
+        QObject* toolTip = m_ui->find("toolTip", control);
+        return toolTip ? toolTip->property("text").toString() : QString();
+    }
+};
+
+void StripsTest::toolTipsNameKeysAndUnits()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->showAdjustments());
+    const QVector<QPair<const char*, const char*>> expected{
+        {"beginButton", "First frame (Home)"},
+        {"prevFrameButton", "Previous frame (Left)"},
+        {"playButton", "Play (Space)"},
+        {"nextFrameButton", "Next frame (Right)"},
+        {"endButton", "Last frame (End)"},
+        {"addPoiButton", "Create POI at playhead position (N)"},
+        {"removePoiButton", "Delete selected POI (X)"},
+        {"showIRButton", "Show the thermal picture over the video"},
+        {"lockIRMappingButton", "Keep the color range of the frame on screen"},
+    };
+    for (const auto& row : expected) {
+        QQuickItem* button = m_ui->item(row.first);
+        QVERIFY2(button, row.first);
+        UiFixture::hover(button);
+        QTRY_COMPARE(toolTipOf(button), QString(row.second));
+    }
+    QVERIFY(m_ui->get("timeShiftingLogCorrectionSetter", "description")
+                .toString()
+                .contains("milliseconds"));
+    QVERIFY(m_ui->get("horizontalThermalCorrectionSetter", "description")
+                .toString()
+                .contains("of the picture's width"));
+}
+
+void StripsTest::aShortenedNameIsInItsToolTip()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->window()->resize(800, 700);
+    QQuickItem* name = m_ui->item("videoFileText");
+    QTRY_VERIFY(name->property("truncated").toBool());
+    UiFixture::hover(name);
+    QTRY_COMPARE(toolTipOf(name), FlightMedia::instance().video());
+}
+
+void StripsTest::onlyAnOpenFileIsNamed()
+{
+    m_ui->call("loadVideo", {"/nowhere/gone.mp4"});
+    expectBox("Error", "Video file /nowhere/gone.mp4 could not be read.", QMessageBox::Critical);
+    QCOMPARE(m_ui->get("videoFileText", "text").toString(), QString("No video file opened"));
+    QVERIFY(m_ui->openVideo());
+    QCOMPARE(m_ui->get("videoFileText", "text").toString(), FlightMedia::instance().video());
+}
+
+void StripsTest::namesStayWhereTheyAreWhileTheTimeCounts()
+{
+    QVERIFY(m_ui->openVideo());
+    const double before = m_ui->item("videoFileText")->x();
+    m_ui->evaluate("videoPlayer.seekAtFrame(111)");
+    QTRY_COMPARE(m_ui->evaluate("videoPlayer.currentFrameIndex").toInt(), 111);
+    QTRY_VERIFY(m_ui->get("videoDuration", "text").toString().endsWith("f 111"));
+    QCOMPARE(m_ui->item("videoFileText")->x(), before);
+    QVERIFY(m_ui->get("videoDuration", "contentWidth").toDouble() <=
+            m_ui->item("videoDuration")->width());
+}
+
+void StripsTest::aHeldKeyActsOnce()
+{
+    QVERIFY(m_ui->openVideo());
+    const auto press = [this](bool repeat) {
+        QTest::simulateEvent(m_ui->window(), true, Qt::Key_Space, Qt::NoModifier,
+                             QStringLiteral(" "), repeat);
+    };
+    press(false);
+    QVERIFY(player("playing").toBool());
+    press(true);
+    QVERIFY(player("playing").toBool());
+}
+
+void StripsTest::aRoundedFieldKeepsTheExactValue()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->evaluate("videoPlayer.contrast = 1.234");
+    QVERIFY(m_ui->showAdjustments());
+    QCOMPARE(player("contrast").toDouble(), 1.234);
+    m_ui->evaluate("videoPlayer.contrast = 1.567");
+    QTRY_COMPARE(m_ui->get("contrastSetter", "value").toDouble(), 1.567);
+    QCOMPARE(player("contrast").toDouble(), 1.567);
+    // Beyond the setter's range, as a project of another program may have it.
+    m_ui->evaluate("videoPlayer.contrast = 2.5");
+    QCOMPARE(player("contrast").toDouble(), 2.5);
+}
+
+void StripsTest::controlsFollowThePlayer()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->showAdjustments());
+    m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.autoIRMapping = false;"
+                   "videoPlayer.irMappingMinValue = 100.25; videoPlayer.fullScreenIR = true");
+    QTRY_COMPARE(m_ui->get("showIRButton", "checked").toBool(), true);
+    QTRY_COMPARE(m_ui->get("fullIRButton", "checked").toBool(), true);
+    QCOMPARE(m_ui->get("lockIRMappingButton", "enabled").toBool(), true);
+    QCOMPARE(m_ui->get("iRMinValueSlider", "enabled").toBool(), true);
+    QCOMPARE(m_ui->get("iRMinValueSlider", "value").toInt(), 100);
+    QCOMPARE(player("irMappingMinValue").toDouble(), 100.25);
+    QVERIFY(m_ui->click("showIRButton"));
+    QCOMPARE(player("showIR").toBool(), false);
+    m_ui->evaluate("videoPlayer.showIR = true");
+    QTRY_COMPARE(m_ui->get("showIRButton", "checked").toBool(), true);
+    // The stated calls stay, and end no binding.
+    m_ui->evaluate("videoPlayer.updateControlsStates(); videoPlayer.updatePropertiesStates()");
+    m_ui->evaluate("videoPlayer.showIR = false");
+    QTRY_COMPARE(m_ui->get("lockIRMappingButton", "enabled").toBool(), false);
+}
+
+void StripsTest::tabReachesControlsAndSpaceActivatesThem()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->showAdjustments());
+    QStringList reached;
+    for (int i = 0; i < 60 && !reached.contains("showIRButton"); ++i) {
+        QTest::keyClick(m_ui->window(), Qt::Key_Tab);
+        reached << m_ui->window()->activeFocusItem()->objectName();
+    }
+    QVERIFY2(reached.contains("showIRButton"), qPrintable(reached.join(' ')));
+    QVERIFY2(reached.contains("playButton"), qPrintable(reached.join(' ')));
+    QTest::keyClick(m_ui->window(), Qt::Key_Space);
+    QCOMPARE(player("showIR").toBool(), true);
+    QCOMPARE(player("playing").toBool(), false);
+    // Return and Escape are nobody's here.
+    QTest::keyClick(m_ui->window(), Qt::Key_Return);
+    QCOMPARE(player("showIR").toBool(), true);
+}
+
+void StripsTest::aClickLeavesTheKeysWithTheVideo()
+{
+    QVERIFY(m_ui->openVideo());
+    QQuickItem* tabs = m_ui->item("tabsContainer");
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier,
+                      tabs->mapToScene(QPointF(tabs->width() * 0.75, 12)).toPoint());
+    QTRY_VERIFY(m_ui->item("adjustmentsTabContents"));
+    QTRY_VERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    QVERIFY(m_ui->click("copyImageButton"));
+    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    QTest::keyClick(m_ui->window(), Qt::Key_Space);
+    QVERIFY(player("playing").toBool());
+}
+
+QTEST_MAIN(StripsTest)
+#include "StripsTest.moc"
