@@ -52,6 +52,8 @@ Window {
     ScrollView {
         id: licensesView
         objectName: "licensesView"
+        // Without an item that has the keyboard, no shortcut of the window works.
+        focus: true
         anchors {
             left: parent.left
             right: parent.right

@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
 import QtQuick.Dialogs 1.2
@@ -368,7 +369,7 @@ Window {
             id: chooserTitle
             anchors { left: parent.left; leftMargin: 20; verticalCenter: autodetectButton.verticalCenter }
             text: "Flight files search locations"
-            color: "white"
+            color: Theme.text
             font.bold: true
         }
 
@@ -394,7 +395,7 @@ Window {
 
             Text {
                 text: "Log files location"
-                color: "white"
+                color: Theme.text
             }
 
             ComboBox {
@@ -419,7 +420,7 @@ Window {
 
             Text {
                 text: "Video files location"
-                color: "white"
+                color: Theme.text
             }
 
             ComboBox {
@@ -469,7 +470,7 @@ Window {
         style: CheckBoxStyle {
             label: Text {
                 text: control.text
-                color: "white"
+                color: Theme.text
             }
         }
     }
@@ -502,7 +503,7 @@ Window {
             objectName: "txtMatchingBusyIndicator"
             anchors.horizontalCenter: parent.horizontalCenter
             text: "Matching in progress..."
-            color: "white"
+            color: Theme.text
         }
 
         StripedProgressBar {

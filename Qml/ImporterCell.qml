@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 
 // One place in the importer's list: a text on one line, however it was written and however long it
 // is, or a dash where the flight has none.
@@ -7,7 +8,7 @@ Item {
 
     property string text
     property bool isDefined: true
-    property color definedColor: "white"
+    property color definedColor: Theme.text
     property alias font: label.font
     readonly property alias truncated: label.truncated
     readonly property alias shownText: label.text
@@ -19,7 +20,7 @@ Item {
         id: label
         anchors.fill: parent
         text: importerCell.isDefined ? importerCell.text : "-"
-        color: importerCell.isDefined ? importerCell.definedColor : "#777"
+        color: importerCell.isDefined ? importerCell.definedColor : Theme.textMissing
         textFormat: Text.PlainText
         maximumLineCount: 1
         elide: Text.ElideRight

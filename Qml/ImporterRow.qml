@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 import "constants.js" as Cst
 
 // One flight of the importer's list. It takes its place in the columns from the width of the list,
@@ -23,8 +24,8 @@ Item {
         width: parent.height - 4
         height: width
         radius: width / 2
-        color: importerRow.flight.matchFound ? Cst.accentColor : "#999999"
-        border { width: 1; color: "#222222" }
+        color: importerRow.flight.matchFound ? Cst.accentColor : Theme.textMissingMark
+        border { width: 1; color: Theme.window }
     }
 
     ImporterColumns {
@@ -49,7 +50,7 @@ Item {
             width: parent.missionWidth
             isDefined: importerRow.flight.namingDefined
             text: importerRow.flight.missionName
-            definedColor: "#ccc"
+            definedColor: Theme.textBand
         }
 
         ImporterCell {
@@ -71,7 +72,7 @@ Item {
     Rectangle {
         objectName: "overlay"
         anchors.fill: parent
-        color: "white"
+        color: Theme.text
         opacity: rowMouseArea.pressed ? 0.2 : rowMouseArea.containsMouse ? 0.1 : 0
     }
 

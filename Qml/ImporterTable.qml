@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import "."
 import QtQuick.Controls 1.4
 import "constants.js" as Cst
 
@@ -18,7 +19,7 @@ Item {
         objectName: "matchingsListHeader"
         anchors { left: parent.left; right: parent.right; top: parent.top }
         height: 25
-        color: "#444444"
+        color: Theme.panel
 
         ImporterColumns {
             // Above the columns of the rows, which a scroll bar makes narrower.
@@ -65,7 +66,7 @@ Item {
             left: parent.left; right: parent.right
             top: matchingsListHeader.bottom; bottom: parent.bottom
         }
-        color: "#333333"
+        color: Theme.strip
         border { width: matchingsListView.activeFocus ? 1 : 0; color: Cst.btnColorHover }
 
         ScrollView {

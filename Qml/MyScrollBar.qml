@@ -10,10 +10,10 @@ Item {
     property int handleSize: 8
 
     // Pixels of the strip that are out of view.
-    readonly property real span: timeline.contentWidth - timeline.width
+    readonly property real span: timeline !== null ? timeline.contentWidth - timeline.width : 0
 
     height: handleSize + 2 * (backScrollbar.border.width + 1)
-    visible: timeline.widthRatio < 1
+    visible: timeline !== null && timeline.widthRatio < 1
 
     Accessible.role: Accessible.ScrollBar
     Accessible.name: "Timeline position"
@@ -59,7 +59,7 @@ Item {
         Item {
             id: handle
             objectName: "timelineScrollBarHandle"
-            width: Math.max(20, timeline.widthRatio * groove.width)
+            width: timeline !== null ? Math.max(20, timeline.widthRatio * groove.width) : 20
             height: parent.height
 
             onXChanged: {
@@ -93,6 +93,6 @@ Item {
         property: "x"
         restoreMode: Binding.RestoreNone
         when: scrollbar.visible && !clicker.drag.active && !clicker.pressed
-        value: timeline.getContentX() * clicker.drag.maximumX / scrollbar.span
+        value: timeline !== null ? timeline.getContentX() * clicker.drag.maximumX / scrollbar.span : 0
     }
 }

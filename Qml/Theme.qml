@@ -36,6 +36,7 @@ QtObject {
     readonly property color textLabel: "#a8a8a8"
     readonly property color textDisabled: "#888888"
     readonly property color textMissing: "#777777"
+    readonly property color textMissingMark: "#999999"
     readonly property color textOnLight: "#000000"
     readonly property color menuText: "#eeeeee"
     readonly property color menuShortcut: "#cccccc"
