@@ -1,0 +1,98 @@
+#pragma once
+
+#include "Log/LogFile.h"
+#include "Log/clocks.h"
+#include "Timeline/SampleTimes.h"
+#include "Timeline/instruments.h"
+
+#include <QBrush>
+#include <QImage>
+#include <QPen>
+#include <QRectF>
+#include <QString>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QPainter;
+
+namespace corv {
+
+/// Paints the flight instruments of a moment: numbers and two dials, from the flight log. A value
+/// is held from its sample to the next one.
+///
+/// Needs no window: it paints on any `QPainter`, for the panel and for exported pictures. Its log
+/// and clock are kept alive. One thread at a time; a copy is cheap and may go to another thread.
+class HeadUpPainter
+{
+public:
+    explicit HeadUpPainter(std::vector<HudRow> rows = hudInstruments());
+
+    /// Looks the instruments up in a log, or forgets the one before if null. An instrument whose
+    /// column is missing, or is not of 32-bit floats, has no value.
+    void setLog(std::shared_ptr<const LogFile> log);
+
+    /// The clock that ties video and log. Without one, and while it is not synchronised, there are
+    /// labels and dials but no values.
+    void setClock(std::shared_ptr<const FlightClock> clock) { m_clock = std::move(clock); }
+
+    /// Lengths in feet; in the texts only.
+    void setImperialUnits(bool imperialUnits) { m_imperialUnits = imperialUnits; }
+    bool imperialUnits() const { return m_imperialUnits; }
+
+    /// The width in pixels that the panel is designed for.
+    static constexpr double naturalWidth = 170.0;
+
+    /// Height in pixels of all rows in a panel of that width.
+    double heightAt(double width) const;
+
+    /// Paints the panel of `width` pixels at the painter's origin, for the moment `videoMs`
+    /// milliseconds after the start of the video. The rows are as high at every width; the dials
+    /// are right for widths near the natural one.
+    void paint(QPainter& painter, double width, int videoMs) const;
+
+    /// Paints the panel scaled as a whole, as large as `target` holds it, in its top left corner,
+    /// over a plate of that colour if one is given. Returns the rectangle that it covers.
+    QRectF paintInto(QPainter& painter, const QRectF& target, int videoMs,
+                     const std::optional<QColor>& plate = std::nullopt) const;
+
+    /// The number and unit of an instrument at a moment, as painted; empty without a value.
+    QString textAt(size_t row, int videoMs) const;
+
+    const std::vector<HudRow>& rows() const { return m_rows; }
+
+private:
+    struct HudSeries
+    {
+        const float* values = nullptr;
+        std::shared_ptr<const SampleTimes> times;
+    };
+    struct Dial;
+
+    void addSeriesOf(const LogGroup& group);
+    bool hasValue(size_t row) const;
+    float valueAt(size_t row, int videoMs) const;
+    QString textOf(const HudRow& row, float value) const;
+    static int behindRow(const HudRow& row, int y, double width);
+    void paintTexts(QPainter& painter, size_t row, int y, double width, int videoMs) const;
+    void paintDial(QPainter& painter, size_t row, const Dial& dial, int videoMs) const;
+    void paintTicks(QPainter& painter, const HudRow& row, const Dial& dial) const;
+    void paintNeedle(QPainter& painter, const HudRow& row, const Dial& dial, float value) const;
+
+    std::vector<HudRow> m_rows;
+    std::vector<HudSeries> m_values;     ///< by row
+    std::vector<HudSeries> m_references; ///< by row
+    std::shared_ptr<const LogFile> m_log;
+    std::shared_ptr<const FlightClock> m_clock;
+    bool m_imperialUnits = false;
+
+    QPen m_separatorPen;
+    QPen m_labelPen;
+    QBrush m_dialBrush;
+    QBrush m_needleBrush;
+    QPen m_tickPen;
+    QPen m_arcPen;
+    QImage m_camPitchImage;
+};
+
+} // namespace corv
