@@ -26,11 +26,26 @@ void readAll(const QString& file, int frames)
         capture.read(frame);
 }
 
-// The worker alone, with a player that drops what it gets: no timer holds it back.
+/// Drops what the worker hands over.
+class NoClient : public WorkerClient
+{
+public:
+    void onVideoFilesProcessed(int, const OpenedTimeline&) override {}
+    void onCurrentFile(int, const QString&) override {}
+    void onFrameReady(int, const PlayerFrame&, FrameUse) override {}
+    void onSeekFailed(int) override {}
+    void onWishServed(int, WishOutcome) override {}
+    void onRedrawFinished(int) override {}
+    void onPlaybackEnded(int) override {}
+    void onBurstFinished() override {}
+};
+
+// The worker alone: no timer holds it back.
 void produceAll(const QString& file, int frames)
 {
-    VideoPlayer player;
-    OpenCvWorker worker(&player, systemVideoBackend());
+    NoClient client;
+    QObject context;
+    OpenCvWorker worker(&client, &context, systemVideoBackend());
     QEventLoop loop;
     post(&worker, [&worker, &loop, file, frames] {
         worker.setVideoSources({file}, 0);

@@ -1,13 +1,14 @@
 #include "Video/OpenCvWorker.h"
 
+#include "Base/videoTime.h"
 #include "Threads/annotate.h"
 #include "Threads/post.h"
 #include "Video/VideoExporter.h"
-#include "Video/VideoPlayer.h"
 #include "Video/frameConversion.h"
 #include "Video/truncation.h"
 
 #include <QDebug>
+#include <QElapsedTimer>
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -17,15 +18,20 @@ namespace {
 
 constexpr int burstFrames = 5;
 
-int millisecondsOf(QTime time)
-{
-    return QTime(0, 0, 0, 0).msecsTo(time);
-}
+// A picture that takes longer than this is not worth waiting for without a preview.
+constexpr double patienceMs = 80.0;
+
+// How long a newer wish may have to wait for an older one to give way.
+constexpr double strideMs = 40.0;
+
+// What decoding costs until it has been measured.
+constexpr double assumedNsPerPixel = 2.0;
 
 } // namespace
 
-OpenCvWorker::OpenCvWorker(VideoPlayer* player, std::shared_ptr<const VideoBackend> backend)
-    : m_player(player), m_backend(std::move(backend)),
+OpenCvWorker::OpenCvWorker(WorkerClient* client, QObject* context,
+                           std::shared_ptr<const VideoBackend> backend)
+    : m_client(client), m_context(context), m_backend(std::move(backend)),
       m_stills([this](QTime time) { return getFrameAt(time); }, this)
 {
     connect(&m_thread, &QThread::finished, [this] { annotateRelease(&m_thread); });
@@ -47,6 +53,12 @@ OpenCvWorker::~OpenCvWorker()
     annotateAcquire(&m_thread);
 }
 
+template <typename Call>
+void OpenCvWorker::tellClient(Call call)
+{
+    post(m_context, [client = m_client, call = std::move(call)] { call(*client); });
+}
+
 void OpenCvWorker::setVideoSources(const QStringList& files, int opening)
 {
     closeSources();
@@ -57,16 +69,20 @@ void OpenCvWorker::setVideoSources(const QStringList& files, int opening)
     }
     qInfo() << files;
     m_sourceFiles = files;
-    const QStringList failed = m_timeline.open(files, *m_backend);
-    post(m_player, [player = m_player, opening, failed, fps = m_timeline.fps(),
-                    totalFrames = m_timeline.totalFrames(), size = m_timeline.frameSize()] {
-        player->onVideoFilesProcessed(opening, fps, totalFrames, size, failed);
-    });
+    OpenedTimeline opened;
+    opened.failedFiles = m_timeline.open(files, *m_backend);
+    opened.fps = m_timeline.fps();
+    opened.totalFrames = m_timeline.totalFrames();
+    opened.durationMs = m_timeline.durationMs();
+    opened.size = m_timeline.frameSize();
+    tellClient(
+        [opening, opened](WorkerClient& client) { client.onVideoFilesProcessed(opening, opened); });
     if (m_timeline.isEmpty())
         return;
+    m_frameCostMs = opened.size.width() * opened.size.height() * assumedNsPerPixel / 1e6;
     m_currentSource = 0;
-    post(m_player, [player = m_player, opening, file = current().file] {
-        player->onCurrentFile(opening, file);
+    tellClient([opening, file = current().file](WorkerClient& client) {
+        client.onCurrentFile(opening, file);
     });
 }
 
@@ -83,26 +99,36 @@ void OpenCvWorker::closeSources()
 
 void OpenCvWorker::produceNextFrame(bool seekResult)
 {
+    produceFrame(seekResult ? FrameUse::seekResult : FrameUse::playback);
+}
+
+OpenCvWorker::Produced OpenCvWorker::produceFrame(FrameUse use)
+{
     if (m_currentSource == noFile) {
         qWarning() << "Invalid video capture";
-        return;
+        return Produced::end;
     }
     if (current().capture->nextFrame() == current().frameCount && !moveToNextFile())
-        return;
+        return Produced::end;
     VideoFileEntry& entry = current();
     const int position = entry.capture->nextFrame();
     const double fileMs = entry.capture->nextFrameMs();
+    QElapsedTimer reading;
+    reading.start();
     Frame frame;
     if (entry.capture->read(frame) != ReadOutcome::frame) {
         qInfo() << "Read failed in" << entry.file << "for frame " << position << " at ms"
                 << truncateToInt(fileMs);
-        tellPlayerToPause();
-        return;
+        endPlayback();
+        return Produced::failure;
     }
-    m_lastFrame = frame;
-    m_lastFrameTimeMs = entry.timelineMs(fileMs);
-    m_lastFrameIndex = entry.firstFrameIndex + position;
-    handOverPicture(m_lastFrame, m_lastFrameIndex, m_lastFrameTimeMs, seekResult);
+    if (use == FrameUse::playback)
+        m_frameCostMs += (static_cast<double>(reading.nsecsElapsed()) / 1e6 - m_frameCostMs) / 8.0;
+    m_lastFrame = std::move(frame);
+    m_lastFrameTimeMs = entry.timelineMs(m_lastFrame.timeMs);
+    m_lastFrameIndex = entry.firstFrameIndex + m_lastFrame.index;
+    m_lastFrameWasSought = false;
+    return renderLastFrame(use);
 }
 
 bool OpenCvWorker::moveToNextFile()
@@ -110,17 +136,17 @@ bool OpenCvWorker::moveToNextFile()
     if (m_currentSource + 1 >= m_timeline.size()) {
         m_currentSource = noFile;
         qInfo() << "Reached the end of stream";
-        tellPlayerToPause();
+        endPlayback();
         return false;
     }
     ++m_currentSource;
     if (!current().capture->seekToFrame(0)) {
         qInfo() << "Failed to seek in the beginning for" << current().file;
-        tellPlayerToPause();
+        endPlayback();
         return false;
     }
-    post(m_player, [player = m_player, opening = m_opening, file = current().file] {
-        player->onCurrentFile(opening, file);
+    tellClient([opening = m_opening, file = current().file](WorkerClient& client) {
+        client.onCurrentFile(opening, file);
     });
     return true;
 }
@@ -129,14 +155,14 @@ void OpenCvWorker::produceFrameBurst()
 {
     for (int i = 0; i < burstFrames && !isStopping(); ++i)
         produceNextFrame(false);
-    post(m_player, [player = m_player] { player->onBurstFinished(); });
+    tellClient([](WorkerClient& client) { client.onBurstFinished(); });
 }
 
 void OpenCvWorker::seekAtTime(QTime time)
 {
-    const int ms = millisecondsOf(time);
+    const int ms = msOfTime(time);
     if (ms == m_lastFrameTimeMs && !m_lastFrame.isNull()) {
-        renderLastFrame();
+        answerSeek(renderLastFrame(FrameUse::seekResult));
         return;
     }
     const int file = m_timeline.fileForSeek(ms);
@@ -149,13 +175,13 @@ void OpenCvWorker::seekAtTime(QTime time)
     const double lastStart = entry.durationMs - truncateToInt(1000.0 / entry.fps);
     const double fileMs = std::max(std::min(ms - entry.startMs, lastStart), 0.0);
     entry.capture->seekToTime(fileMs);
-    produceNextFrame(true);
+    answerSeek(produceFrame(FrameUse::seekResult));
 }
 
 void OpenCvWorker::seekAtFrameIndex(int index)
 {
     if (index == m_lastFrameIndex && !m_lastFrame.isNull()) {
-        renderLastFrame();
+        answerSeek(renderLastFrame(FrameUse::seekResult));
         return;
     }
     const int file = m_timeline.fileForFrame(index);
@@ -168,20 +194,144 @@ void OpenCvWorker::seekAtFrameIndex(int index)
     // Below 0 first: the distance of two ints can be more than an int holds.
     const int local = std::max(index, entry.firstFrameIndex) - entry.firstFrameIndex;
     entry.capture->seekToFrame(std::min(local, entry.frameCount - 1));
-    produceNextFrame(true);
+    answerSeek(produceFrame(FrameUse::seekResult));
 }
 
-void OpenCvWorker::renderLastFrame()
+// A seek on the timeline is never left without an answer, or no other would be taken.
+void OpenCvWorker::answerSeek(Produced produced)
 {
-    handOverPicture(m_lastFrame, m_lastFrameIndex, m_lastFrameTimeMs, true);
+    if (produced != Produced::frame)
+        tellClient([opening = m_opening](WorkerClient& client) { client.onSeekFailed(opening); });
+}
+
+void OpenCvWorker::serveWish(const SeekWish& wish)
+{
+    WishOutcome outcome = WishOutcome::failed;
+    if (!m_timeline.isEmpty()) {
+        m_wishedFrame = placeOf(wish);
+        if (wish.mayPreview && showPreview(m_wishedFrame))
+            outcome = WishOutcome::previewed;
+        else if (!approach(m_wishedFrame))
+            outcome = WishOutcome::overtaken;
+        else if (goToFrame(m_wishedFrame, FrameUse::seekResult) == Produced::frame)
+            outcome = WishOutcome::shown;
+    }
+    tellClient([opening = m_opening, outcome](WorkerClient& client) {
+        client.onWishServed(opening, outcome);
+    });
+}
+
+int OpenCvWorker::placeOf(const SeekWish& wish) const
+{
+    qint64 frame = wish.value;
+    if (wish.from == SeekWish::From::time)
+        frame = m_timeline.frameAtTime(wish.value);
+    else if (wish.from == SeekWish::From::lastWish)
+        frame = m_wishedFrame;
+    return static_cast<int>(
+        std::clamp<qint64>(frame + wish.steps, 0, std::max(m_timeline.totalFrames() - 1, 0)));
+}
+
+OpenCvWorker::Produced OpenCvWorker::goToFrame(int index, FrameUse use)
+{
+    const int file = m_timeline.fileOfFrame(index);
+    const bool isOtherFile = m_currentSource != file;
+    m_currentSource = file;
+    VideoFileEntry& entry = current();
+    if (isOtherFile) {
+        tellClient([opening = m_opening, path = entry.file](WorkerClient& client) {
+            client.onCurrentFile(opening, path);
+        });
+    }
+    if (index == m_lastFrameIndex && !m_lastFrame.isNull())
+        return renderLastFrame(use);
+    if (!entry.capture->seekToFrame(index - entry.firstFrameIndex)) {
+        qInfo() << "Failed to seek in" << entry.file << "to frame" << index - entry.firstFrameIndex;
+        return Produced::failure;
+    }
+    return produceFrame(use);
+}
+
+// From where the file's source is, or from the keyframe before if that is nearer.
+int OpenCvWorker::framesOnTheWay(FrameSource& source, int local)
+{
+    const int keyframe = source.nearestKeyframe(local);
+    const int next = source.nextFrame();
+    return local - (next > keyframe && next <= local ? next : keyframe);
+}
+
+// Most of a long way, in strides, so that a newer wish need not wait for the whole of it. False if
+// there is one.
+bool OpenCvWorker::approach(int index)
+{
+    VideoFileEntry& entry = m_timeline.entry(m_timeline.fileOfFrame(index));
+    FrameSource& source = *entry.capture;
+    const int local = index - entry.firstFrameIndex;
+    const int stride = std::max(truncateToInt(strideMs / std::max(m_frameCostMs, 0.1)), 2);
+    Frame passed;
+    int left = index == m_lastFrameIndex ? 0 : framesOnTheWay(source, local);
+    while (left > stride) {
+        if (m_wishOvertaken.load(std::memory_order_relaxed) || isStopping())
+            return false;
+        const bool isRead =
+            source.seekToFrame(local - left + stride) && source.read(passed) == ReadOutcome::frame;
+        const int next = source.nextFrame();
+        if (!isRead || next > local) // the rest of the way says what is wrong
+            return true;
+        left = std::min(local - next, left - 1);
+    }
+    return true;
+}
+
+// The picture of the nearest keyframe under the number and the time of the wish, so that a position
+// that follows the pointer stays there.
+bool OpenCvWorker::showPreview(int index)
+{
+    const int file = m_timeline.fileOfFrame(index);
+    VideoFileEntry& entry = m_timeline.entry(file);
+    FrameSource& source = *entry.capture;
+    const int local = index - entry.firstFrameIndex;
+    if (index == m_lastFrameIndex || framesOnTheWay(source, local) * m_frameCostMs <= patienceMs)
+        return false;
+    Frame frame;
+    if (!source.seekToFrame(source.nearestKeyframe(local)) ||
+        source.read(frame) != ReadOutcome::frame)
+        return false;
+    m_currentSource = file;
+    m_lastFrameWasSought = false;
+    return handOverPicture(frame, index, entry.timelineMs(source.frameTimeMs(local)),
+                           FrameUse::preview) == Produced::frame;
+}
+
+void OpenCvWorker::redraw(int shownFrame)
+{
+    if (m_lastFrameWasSought && !m_lastFrame.isNull())
+        renderLastFrame(FrameUse::redraw);
+    else if (!m_timeline.isEmpty())
+        goToFrame(std::clamp(shownFrame, 0, std::max(m_timeline.totalFrames() - 1, 0)),
+                  FrameUse::redraw);
+    tellClient([opening = m_opening](WorkerClient& client) { client.onRedrawFinished(opening); });
+}
+
+void OpenCvWorker::forgetLastFrame()
+{
+    m_lastFrame = Frame();
+    m_lastFrameTimeMs = std::numeric_limits<int>::min();
+    m_lastFrameIndex = std::numeric_limits<int>::min();
+}
+
+OpenCvWorker::Produced OpenCvWorker::renderLastFrame(FrameUse use)
+{
+    m_lastFrameWasSought = m_lastFrameWasSought || use != FrameUse::playback;
+    return handOverPicture(m_lastFrame, m_lastFrameIndex, m_lastFrameTimeMs, use);
 }
 
 // A picture that no effect will change is shown as it is, without a copy.
-void OpenCvWorker::handOverPicture(const Frame& picture, int frameIndex, int timeMs,
-                                   bool seekResult)
+OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int frameIndex,
+                                                     int timeMs, FrameUse use)
 {
     try {
-        VideoPlayer::PlayerFrame result{frameIndex, timeMs, {}};
+        PlayerFrame result{frameIndex, timeMs, {}};
         if (m_overlay.changesPictures(m_settings)) {
             toBgr(picture, m_effectFrame);
             m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
@@ -190,11 +340,13 @@ void OpenCvWorker::handOverPicture(const Frame& picture, int frameIndex, int tim
             m_overlay.reportRange(m_settings, m_reportRange);
             result.frame = toVideoFrame(picture);
         }
-        post(m_player, [player = m_player, opening = m_opening, result, seekResult] {
-            player->onFrameReady(opening, result, seekResult);
+        tellClient([opening = m_opening, result, use](WorkerClient& client) {
+            client.onFrameReady(opening, result, use);
         });
+        return Produced::frame;
     } catch (const std::exception& error) {
         qWarning() << "Giving up frame" << frameIndex << error.what();
+        return Produced::failure;
     }
 }
 
@@ -204,19 +356,20 @@ QImage OpenCvWorker::getFrameAt(QTime time)
         qWarning() << "Invalid video capture";
         return {};
     }
-    const int ms = millisecondsOf(time);
+    const int ms = msOfTime(time);
     const int file = m_timeline.fileForPicture(ms);
     if (file < 0) {
         qWarning() << "Out of bounds:" << ms;
         return {};
     }
-    const double fileMs = ms - m_timeline.entry(file).startMs;
+    VideoFileEntry& entry = m_timeline.entry(file);
+    const double fileMs = ms - entry.startMs;
     if (FrameSource* still = stillSource(file))
-        return extractFrame(*still, fileMs);
+        return extractFrame(*still, entry, fileMs);
     // The file cannot be opened a second time: borrow the capture of playback.
     FrameSource& playing = *current().capture;
     const int savedPosition = playing.nextFrame();
-    QImage image = extractFrame(*m_timeline.entry(file).capture, fileMs);
+    QImage image = extractFrame(*entry.capture, entry, fileMs);
     if (!playing.seekToFrame(savedPosition))
         qWarning() << "Failed to set back to original pos"
                    << savedPosition * 1000.0 / playing.fps();
@@ -232,7 +385,7 @@ FrameSource* OpenCvWorker::stillSource(int file)
     return m_stillSource.get();
 }
 
-QImage OpenCvWorker::extractFrame(FrameSource& capture, double fileMs)
+QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs)
 {
     if (!capture.seekToTime(fileMs))
         return {};
@@ -243,8 +396,10 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, double fileMs)
     }
     try {
         toBgr(frame, m_stillFrame);
-        // The time inside the file, not on the timeline: so saved pictures have always been made.
-        m_overlay.applyPictureEffects(m_stillFrame, truncateToInt(fileMs), m_settings, false, {});
+        // The time inside the file is how saved pictures have always been made.
+        const int overlayMs =
+            m_settings.thermalAsOnScreen ? entry.timelineMs(frame.timeMs) : truncateToInt(fileMs);
+        m_overlay.applyPictureEffects(m_stillFrame, overlayMs, m_settings, false, {});
         return cvMatToQImage(m_stillFrame);
     } catch (const std::exception& error) {
         qWarning() << "Giving up frame at" << fileMs << error.what();
@@ -252,22 +407,29 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, double fileMs)
     }
 }
 
-void OpenCvWorker::requestFrame(QTime time, StillFrameQueue::Callback callback)
+void OpenCvWorker::requestFrame(QTime time, StillFrameQueue::Callback callback,
+                                StillFrameQueue::Cancelled cancelled)
 {
-    m_stills.add(time, std::move(callback));
+    m_stills.add(time, std::move(callback), std::move(cancelled));
 }
 
-bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& cancelled)
+bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& cancelled,
+                               Status* status)
 {
     if (m_currentSource == noFile) {
         qWarning() << "Invalid video capture";
+        *status = Failure{Failure::Kind::notPossible,
+                          tr("No video is open, or it has been played to its end.")};
         return false;
     }
     if (isOneOfFiles(file, m_sourceFiles)) {
         qWarning() << "Refused to export over a file of the flight:" << file;
+        *status = Failure{Failure::Kind::notPossible,
+                          tr("%1 is a file of the flight itself. Choose another name.").arg(file)};
         return false;
     }
     VideoExporter::Hooks hooks;
+    hooks.changesPictures = [this] { return m_overlay.changesPictures(m_settings); };
     hooks.applyEffects = [this](cv::Mat& frame, int timeMs) {
         m_overlay.applyPictureEffects(frame, timeMs, m_settings, false, {});
     };
@@ -277,7 +439,10 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
     hooks.isCancelled = [this, &cancelled] {
         return cancelled.load(std::memory_order_relaxed) || isStopping();
     };
-    return VideoExporter(*m_backend, m_timeline, std::move(hooks)).exportTo(file, m_currentSource);
+    const VideoExporter::Outcome outcome =
+        VideoExporter(*m_backend, m_timeline, std::move(hooks)).exportTo(file, m_currentSource);
+    *status = outcome.status;
+    return outcome.isPositionBack;
 }
 
 void OpenCvWorker::setClock(std::shared_ptr<const FlightClock> clock)
@@ -290,9 +455,9 @@ void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<const Log
     m_overlay.updateLogData(hasParser, log);
 }
 
-void OpenCvWorker::tellPlayerToPause()
+void OpenCvWorker::endPlayback()
 {
-    post(m_player, [player = m_player, opening = m_opening] { player->onPlaybackEnded(opening); });
+    tellClient([opening = m_opening](WorkerClient& client) { client.onPlaybackEnded(opening); });
 }
 
 } // namespace corv

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Video/SeekWish.h"
 #include "Video/StillFrameQueue.h"
 #include "Video/ThermalOverlay.h"
 #include "Video/VideoBackend.h"
 #include "Video/VideoDisplaySettings.h"
 #include "Video/VideoTimeline.h"
+#include "Video/WorkerClient.h"
 
 #include <QImage>
 #include <QObject>
@@ -20,21 +22,21 @@
 
 namespace corv {
 
-class VideoPlayer;
-
 /// Everything that touches a video file: opens the files of a flight as one timeline, reads frames,
-/// finds positions, and turns frames into what the screen and the files need. Owned by its player,
-/// which is its only client; lives on a thread of its own, from its making to its death.
+/// finds positions, and turns frames into what the screen and the files need. Lives on a thread of
+/// its own, from its making to its death.
 ///
-/// All functions but the constructor, the destructor and `isStopping` run on that thread: the
-/// player posts to it, and is posted to in return.
+/// All functions but the constructor, the destructor, `isStopping` and `overtakeWish` run on that
+/// thread: the owner posts to it, and is posted to in return.
 class OpenCvWorker : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `player` outlives the worker; `backend` is called on the worker's thread.
-    OpenCvWorker(VideoPlayer* player, std::shared_ptr<const VideoBackend> backend);
+    /// `client` is called on the thread of `context`. Both outlive the worker. `backend` is called
+    /// on the worker's thread.
+    OpenCvWorker(WorkerClient* client, QObject* context,
+                 std::shared_ptr<const VideoBackend> backend);
 
     /// Drops what is queued and waits for the job at hand.
     ~OpenCvWorker() override;
@@ -60,15 +62,36 @@ public:
     void seekAtTime(QTime time);
     void seekAtFrameIndex(int index);
 
+    /// Finds the place of a wish, which is moved onto the timeline if it is not on it, and hands
+    /// over its frame as a seek's result. Always ends in `onWishServed`.
+    void serveWish(const SeekWish& wish);
+
+    /// Asks the wish being served to end without its picture, as a newer one waits. Any thread.
+    void overtakeWish() { m_wishOvertaken.store(true, std::memory_order_relaxed); }
+
+    /// Before the next wish is posted. Any thread.
+    void allowWish() { m_wishOvertaken.store(false, std::memory_order_relaxed); }
+
+    /// Draws the picture on screen anew. `shownFrame` is its number; the worker may have read on
+    /// since. Always ends in `onRedrawFinished`.
+    void redraw(int shownFrame);
+
+    /// Forgets the picture last read: without it, a flight opened next begins with the picture of
+    /// the flight before if both are at the same frame.
+    void forgetLastFrame();
+
     /// The picture at a time, null if there is none. Playback goes on as if nothing had happened.
     QImage getFrameAt(QTime time);
 
-    /// Puts a request for the picture at a time behind those that wait.
-    void requestFrame(QTime time, StillFrameQueue::Callback callback);
+    /// Puts a request for the picture at a time behind those that wait. Where `cancelled` is given
+    /// and set, the answer is null.
+    void requestFrame(QTime time, StillFrameQueue::Callback callback,
+                      StillFrameQueue::Cancelled cancelled = {});
 
     /// Writes the whole timeline as a new video. False if there is none, if the target is one of
     /// the flight's own files or cannot be written, or if playback could not be put back in place.
-    bool exportVideo(const QString& file, const std::atomic<bool>& cancelled);
+    /// `status` says what the video lacks, or why there is none.
+    bool exportVideo(const QString& file, const std::atomic<bool>& cancelled, Status* status);
 
     void setSettings(const VideoDisplaySettings& settings) { m_settings = settings; }
 
@@ -85,18 +108,33 @@ signals:
 private:
     static constexpr int noFile = -1;
 
-    VideoFileEntry& current() { return m_timeline.entry(m_currentSource); }
-    bool moveToNextFile();
-    void handOverPicture(const Frame& picture, int frameIndex, int timeMs, bool seekResult);
-    void renderLastFrame();
-    FrameSource* stillSource(int file);
-    QImage extractFrame(FrameSource& capture, double fileMs);
-    void tellPlayerToPause();
+    /// How reading a frame ended.
+    enum class Produced { frame, end, failure };
 
-    VideoPlayer* const m_player;
+    VideoFileEntry& current() { return m_timeline.entry(m_currentSource); }
+    Produced produceFrame(FrameUse use);
+    bool moveToNextFile();
+    Produced goToFrame(int index, FrameUse use);
+    int placeOf(const SeekWish& wish) const;
+    static int framesOnTheWay(FrameSource& source, int local);
+    bool approach(int index);
+    bool showPreview(int index);
+    void answerSeek(Produced produced);
+    Produced handOverPicture(const Frame& picture, int frameIndex, int timeMs, FrameUse use);
+    Produced renderLastFrame(FrameUse use);
+    FrameSource* stillSource(int file);
+    QImage extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs);
+    void endPlayback();
+
+    template <typename Call>
+    void tellClient(Call call);
+
+    WorkerClient* const m_client;
+    QObject* const m_context;
     const std::shared_ptr<const VideoBackend> m_backend;
     QThread m_thread;
     std::atomic<bool> m_stopRequested{false};
+    std::atomic<bool> m_wishOvertaken{false};
 
     int m_opening = 0;
     QStringList m_sourceFiles;
@@ -106,6 +144,9 @@ private:
     Frame m_lastFrame; // as read, so that a later change of settings can rework it
     int m_lastFrameTimeMs = std::numeric_limits<int>::min();
     int m_lastFrameIndex = std::numeric_limits<int>::min();
+    bool m_lastFrameWasSought = false; // so that it is, or will be, the one on screen
+    int m_wishedFrame = 0;             // where the last wish led
+    double m_frameCostMs = 0.0;        // of decoding one frame after the other, in the mean
     cv::Mat m_effectFrame;
 
     VideoDisplaySettings m_settings;

@@ -17,9 +17,10 @@ StillFrameQueue::StillFrameQueue(std::function<QImage(QTime)> fetch, QObject* pa
     connect(&m_turn, &QTimer::timeout, this, &StillFrameQueue::serveOne);
 }
 
-void StillFrameQueue::add(QTime time, Callback callback)
+void StillFrameQueue::add(QTime time, Callback callback, Cancelled cancelled)
 {
-    m_requests.push_back({QDeadlineTimer(delayMs, Qt::PreciseTimer), time, std::move(callback)});
+    m_requests.push_back({QDeadlineTimer(delayMs, Qt::PreciseTimer), time, std::move(callback),
+                          std::move(cancelled)});
     if (!m_turn.isActive())
         waitForNext();
 }
@@ -43,7 +44,9 @@ void StillFrameQueue::serveOne()
     if (m_requests.front().notBefore.hasExpired()) {
         const Request request = std::move(m_requests.front());
         m_requests.pop_front();
-        request.callback(m_fetch(request.time));
+        const bool isWanted =
+            !request.cancelled || !request.cancelled->load(std::memory_order_relaxed);
+        request.callback(isWanted ? m_fetch(request.time) : QImage());
     }
     waitForNext();
 }

@@ -5,8 +5,10 @@
 #include <QObject>
 #include <QTime>
 #include <QTimer>
+#include <atomic>
 #include <deque>
 #include <functional>
+#include <memory>
 
 namespace corv {
 
@@ -20,10 +22,14 @@ class StillFrameQueue : public QObject
 public:
     using Callback = std::function<void(const QImage&)>;
 
+    /// Set, by any thread, when the picture is no longer wanted; null if that cannot be.
+    using Cancelled = std::shared_ptr<const std::atomic<bool>>;
+
     /// `fetch` gives the picture at a time, or a null one.
     explicit StillFrameQueue(std::function<QImage(QTime)> fetch, QObject* parent = nullptr);
 
-    void add(QTime time, Callback callback);
+    /// Answers with null, without fetching, if `cancelled` is set when the turn comes.
+    void add(QTime time, Callback callback, Cancelled cancelled = {});
 
     /// Answers all that wait with a null image, in order.
     void answerNull();
@@ -37,6 +43,7 @@ private:
         QDeadlineTimer notBefore;
         QTime time;
         Callback callback;
+        Cancelled cancelled;
     };
 
     void serveOne();

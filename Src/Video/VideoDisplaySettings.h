@@ -18,6 +18,8 @@ struct VideoDisplaySettings
     double irDataMin = 0.0;             ///< lowest raw value last reported
     double irDataMax = 65535.0;         ///< highest raw value last reported
     bool irOverlayTransparent = false;  ///< half overlay, half picture
+    bool thermalAsOnScreen = false; ///< saved pictures get the overlay that the screen shows, not
+                                    ///< that of the time inside their file
 };
 
 } // namespace corv

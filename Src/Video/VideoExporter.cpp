@@ -1,100 +1,177 @@
 #include "Video/VideoExporter.h"
 
-#include "Video/VideoBackend.h"
+#include "Video/ExportTarget.h"
 #include "Video/frameConversion.h"
+#include "Video/truncation.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
 namespace corv {
+namespace {
+
+// How many frames are written between two looks at the room on the disk.
+constexpr int framesPerLook = 64;
+
+// Times are sums of fractions, and half a place is not always exactly that.
+constexpr double placeTolerance = 1e-6;
+
+// So many places are named; of more the number is given.
+constexpr int namedLosses = 5;
+
+QString text(const char* source)
+{
+    return QCoreApplication::translate("VideoExporter", source);
+}
+
+} // namespace
+
 VideoExporter::VideoExporter(const VideoBackend& backend, VideoTimeline& timeline, Hooks hooks)
     : m_backend(backend), m_timeline(timeline), m_hooks(std::move(hooks))
 {
 }
 
-bool VideoExporter::exportTo(const QString& target, int currentFile)
+VideoExporter::Outcome VideoExporter::exportTo(const QString& target, int currentFile)
 {
     FrameSource& current = *m_timeline.entry(currentFile).capture;
-    int written = 0;
-    int savedPosition = 0;
-    {
-        const auto writer = m_backend.openWriter(target, current.fps(), current.size());
-        if (!writer)
-            return false;
-        savedPosition = current.nextFrame();
-        written = writeAll(**writer, current.size());
-    }
-    if (!m_hooks.isCancelled())
-        tellOfLostFrames(target, written);
-    return current.seekToFrame(savedPosition);
+    ExportTarget output(m_backend, target);
+    const Status opened = output.open(current.fps(), current.size());
+    if (!opened)
+        return {false, opened};
+    const int savedPosition = current.nextFrame();
+    m_fps = current.fps();
+    writeAll(output, current.size());
+    const Status status = statusOf(output, output.finish());
+    return {current.seekToFrame(savedPosition), status};
 }
 
-int VideoExporter::writeAll(FrameWriter& writer, QSize size)
+void VideoExporter::writeAll(ExportTarget& target, QSize size)
 {
     int done = 0;
-    int written = 0;
-    for (int file = 0; file < m_timeline.size() && !m_hooks.isCancelled(); ++file) {
+    for (int file = 0; file < m_timeline.size() && !m_hooks.isCancelled() && !m_isDiskFull;
+         ++file) {
         VideoFileEntry& entry = m_timeline.entry(file);
         qInfo() << "Starting to export video" << entry.file;
-        written += exportFile(entry, writer, size, done);
+        exportFile(entry, target, size, done);
         done += entry.frameCount;
     }
-    return written;
 }
 
-/// The number of frames that were handed to the writer.
-int VideoExporter::exportFile(VideoFileEntry& entry, FrameWriter& writer, QSize size, int done)
+void VideoExporter::exportFile(VideoFileEntry& entry, ExportTarget& target, QSize size, int done)
 {
     FrameSource& capture = *entry.capture;
-    int written = 0;
-    for (int i = 0; i < entry.frameCount && !m_hooks.isCancelled(); ++i) {
-        if (!capture.seekToFrame(i)) {
-            qInfo() << "Forcefully stopping at frame " << i;
-            return written;
-        }
-        const int timeMs = entry.timelineMs(capture.nextFrameMs());
+    for (int i = 0; i < entry.frameCount && !m_hooks.isCancelled() && !m_isDiskFull;) {
         Frame frame;
-        if (capture.read(frame) != ReadOutcome::frame) {
-            qInfo() << "Read failed for frame " << i;
-            return written;
+        const bool isThere = capture.seekToFrame(i);
+        if (!isThere || capture.read(frame) != ReadOutcome::frame) {
+            if (isThere)
+                qInfo() << "Read failed for frame " << i;
+            else
+                qInfo() << "Forcefully stopping at frame " << i;
+            noteLoss(entry, i, entry.frameCount - 1);
+            m_leftOutMs += entry.lengthMs - capture.frameTimeMs(i);
+            return;
         }
-        if (frame.size == size) {
-            m_turn = 1 - m_turn;
-            cv::Mat& picture = m_pictures[m_turn];
-            toBgr(frame, picture);
-            applyEffects(picture, timeMs);
-            writer.write(bgrFrame(picture));
-            ++written;
-        }
-        m_hooks.reportProgress(done + i + 1, m_timeline.totalFrames());
+        // Damage is read over: the good frame that comes may be a later one, or, where none
+        // follows, an earlier one.
+        if (frame.index != i)
+            noteLoss(entry, i, frame.index > i ? frame.index - 1 : entry.frameCount - 1);
+        i = frame.index >= i ? frame.index + 1 : entry.frameCount;
+        if (frame.size == size)
+            place(entry, frame, target);
+        m_hooks.reportProgress(done + i, m_timeline.totalFrames());
     }
-    return written;
+    if (capture.size() != size)
+        m_leftOutMs += entry.lengthMs;
+    else if (!m_hooks.isCancelled() && !m_isDiskFull)
+        holdUntil(entry.startMs + entry.lengthMs, target);
 }
 
-void VideoExporter::applyEffects(cv::Mat& picture, int timeMs)
+void VideoExporter::place(const VideoFileEntry& entry, const Frame& frame, ExportTarget& target)
 {
+    const double timelineMs = entry.startMs + frame.timeMs;
+    const int overlayMs = entry.timelineMs(frame.timeMs);
+    if (m_held.isNull()) // what comes before the first frame shows that frame
+        m_late = {frame, overlayMs};
+    holdUntil(timelineMs, target);
+    if (target.writtenFrames() > placeOf(timelineMs)) {
+        m_late = {frame, overlayMs};
+        return;
+    }
+    m_late = {};
+    m_held = withEffects(frame, overlayMs);
+    target.write(m_held);
+    if (target.writtenFrames() % framesPerLook == 0)
+        m_isDiskFull = target.isDiskFull();
+}
+
+// Fills the places before a time with the picture that is on screen there.
+void VideoExporter::holdUntil(double timelineMs, ExportTarget& target)
+{
+    while (target.writtenFrames() < placeOf(timelineMs) && !m_hooks.isCancelled()) {
+        if (!m_late.frame.isNull()) {
+            m_held = withEffects(m_late.frame, m_late.overlayMs);
+            m_late = {};
+        }
+        if (m_held.isNull())
+            return;
+        target.write(m_held);
+    }
+}
+
+// The nearest place; of two the earlier, so that at twice the rate every second frame is exact.
+int VideoExporter::placeOf(double timelineMs) const
+{
+    const double place = (timelineMs - m_leftOutMs) * m_fps / 1000.0;
+    return truncateToInt(std::ceil(place - 0.5 - placeTolerance));
+}
+
+// A picture that no effect changes is written as it was decoded.
+Frame VideoExporter::withEffects(const Frame& frame, int timeMs)
+{
+    if (!m_hooks.changesPictures())
+        return frame;
     try {
+        m_turn = 1 - m_turn;
+        cv::Mat& picture = m_pictures.at(m_turn);
+        toBgr(frame, picture);
         m_hooks.applyEffects(picture, timeMs);
+        return bgrFrame(picture);
     } catch (const std::exception& error) {
         qWarning() << "Exporting without effects the frame at ms" << timeMs << error.what();
+        return frame;
     }
 }
 
-/// The encoder says nothing of a full disk. Containers number their frames at their end, which is
-/// not written once something was lost; only where the number falls short is it worth counting.
-void VideoExporter::tellOfLostFrames(const QString& target, int written) const
+void VideoExporter::noteLoss(const VideoFileEntry& entry, int firstFrame, int lastFrame)
 {
-    const auto info = m_backend.info(target);
-    if (info && info->promisedFrames >= written)
-        return;
-    const auto result = m_backend.openSource(target);
-    const int found = result ? (*result)->frameCount() : 0;
-    if (found < written)
-        qWarning() << "Exported video is incomplete: frames" << found << "of" << written;
+    m_losses << text("frames %1 to %2 of %3").arg(firstFrame).arg(lastFrame).arg(entry.file);
+}
+
+Status VideoExporter::statusOf(const ExportTarget& target, const Status& finished) const
+{
+    if (!finished)
+        return finished;
+    if (m_isDiskFull)
+        return Failure{
+            Failure::Kind::noRoom,
+            text("The disk is full. The video ends after %1 frames.").arg(target.writtenFrames())};
+    if (m_hooks.isCancelled())
+        return Failure{Failure::Kind::cancelled,
+                       text("The export was stopped after %1 frames.").arg(target.writtenFrames())};
+    if (m_losses.isEmpty())
+        return {};
+    QString places = QStringList(m_losses.mid(0, namedLosses)).join(QStringLiteral(", "));
+    if (m_losses.size() > namedLosses)
+        places += text(" and %1 more places").arg(m_losses.size() - namedLosses);
+    return Failure{Failure::Kind::incomplete,
+                   text("The video is written, but these could not be read: %1.").arg(places)};
 }
 
 bool isOneOfFiles(const QString& target, const QStringList& files)

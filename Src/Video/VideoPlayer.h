@@ -1,9 +1,14 @@
 #pragma once
 
+#include "Base/Result.h"
 #include "Log/LogParser.h"
+#include "Video/PlaybackClock.h"
+#include "Video/SeekWish.h"
 #include "Video/VideoDisplaySettings.h"
+#include "Video/WorkerClient.h"
 
 #include <QAbstractVideoSurface>
+#include <QElapsedTimer>
 #include <QList>
 #include <QPointer>
 #include <QQuickItem>
@@ -15,6 +20,8 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace corv {
 
@@ -28,7 +35,11 @@ class VideoBackend;
 /// Lives on the interface thread. A `QTime` as a position means milliseconds from the start of the
 /// timeline. From the worker's thread come the callbacks of `getFrameAsync` and the signals
 /// `irDataChanged`, `videoExportProgress` and `videoExportComplete`.
-class VideoPlayer : public QQuickItem
+///
+/// The stated verbs (`seekAtTime`, `seekAtFrame`, the setters) keep their letter, refusals
+/// included. What a pilot does goes through `goToTime`, `goToFrame`, `step` and `redraw`, which are
+/// never refused while a video is open: the newest wish wins and none is lost.
+class VideoPlayer : public QQuickItem, private WorkerClient
 {
     Q_OBJECT
     Q_PROPERTY(QString source READ source WRITE setSource NOTIFY sourceChanged)
@@ -58,6 +69,10 @@ class VideoPlayer : public QQuickItem
     Q_PROPERTY(corv::LogParser* logParser READ logParser WRITE setLogParser NOTIFY logParserChanged)
     Q_PROPERTY(QAbstractVideoSurface* videoSurface READ videoSurface WRITE setVideoSurface NOTIFY
                    videoSurfaceChanged)
+    Q_PROPERTY(QTime exactTimePosition READ timePosition NOTIFY exactTimePositionChanged)
+    Q_PROPERTY(int frameCount READ frameCount NOTIFY frameCountChanged)
+    Q_PROPERTY(bool thermalAsOnScreen READ thermalAsOnScreen WRITE setThermalAsOnScreen NOTIFY
+                   thermalAsOnScreenChanged)
 
 public:
     explicit VideoPlayer(QQuickItem* parent = nullptr);
@@ -73,12 +88,17 @@ public:
     /// Callable from any thread.
     bool hasVideoOpened() const { return m_hasVideoOpened.load(std::memory_order_relaxed); }
 
-    /// Time and number of the frame on screen. The time's signal comes only after a move of 100 ms.
+    /// Time and number of the frame on screen. The signal of `timePosition` comes only after a move
+    /// of 100 ms; `exactTimePosition` is the same time with a signal for each change. While a
+    /// preview stands in for a picture that takes long, they are those of the picture to come.
     QTime timePosition() const { return m_timePosition; }
     int currentFrameIndex() const { return m_currentFrameIndex; }
 
     /// Length of the timeline; invalid until a video has opened, 00:00:00.000 after `close`.
     QTime duration() const { return m_duration; }
+
+    /// Frames of the timeline; 0 while no video is open.
+    int frameCount() const { return m_frameCount; }
 
     /// Time from one frame to the next, in whole milliseconds; 0 until a video has opened.
     int frameDurationMs() const { return m_frameDurationMs; }
@@ -108,6 +128,11 @@ public:
     /// Frames advanced per tick, at least 1; a fraction is cut off.
     double playSpeed() const { return m_playSpeed; }
     void setPlaySpeed(double playSpeed);
+
+    /// Whether saved pictures of a flight's later files get the thermal picture that the screen
+    /// shows, and not the one of the time inside their file, as they always have.
+    bool thermalAsOnScreen() const { return m_settings.thermalAsOnScreen; }
+    void setThermalAsOnScreen(bool asOnScreen);
 
     /// Range of the raw values of the thermal frame last drawn.
     double irDataMin() const { return m_irDataMin.load(std::memory_order_relaxed); }
@@ -142,16 +167,39 @@ public:
     /// False if no video is open. Goes ahead during another seek.
     Q_INVOKABLE bool seekAtFrame(int frameOrdinal);
 
+    /// Goes to the frame of a time; of the first or the last frame for a time outside the video. A
+    /// picture that takes long is preceded by that of a keyframe before it, and then shown once no
+    /// newer wish has come for a moment. False if the time is invalid or no video is open.
+    Q_INVOKABLE bool goToTime(QTime time);
+
+    /// Goes to the frame of this number, or the first or last one. False if no video is open.
+    Q_INVOKABLE bool goToFrame(int frameIndex);
+
+    /// Goes `frames` on, or back if negative, from the frame on screen or from the one on its way
+    /// there; across joins, and to the first or last frame at most. False if no video is open.
+    Q_INVOKABLE bool step(int frames);
+
+    /// Draws the frame on screen anew with the newest settings and log; nothing if no video is
+    /// open. Playing, the next frames show them.
+    Q_INVOKABLE void redraw();
+
+    /// Forgets the frame decoded last, so that a flight opened next begins with its own first
+    /// picture: without it, the one of the flight before is shown if it was at its first frame.
+    Q_INVOKABLE void forgetLastFrame();
+
     /// Saves the picture at a time in the format of the name's suffix, under the next free name if
     /// the file exists and is not to be overwritten. True if the request was made: the file appears
-    /// later, and what goes wrong then stands in the log.
+    /// later, and `frameSaveComplete` follows.
     Q_INVOKABLE bool saveFrame(QTime timePosition, QString fileName, bool overwriteIfExists);
 
-    /// Puts the picture at a time on the clipboard, later.
+    /// Puts the picture at a time on the clipboard, later. Ends in `frameCopyComplete`.
     Q_INVOKABLE void copyFrameToClipboard(QTime timePosition);
 
     /// Saves the pictures at the given times as JPEG files in `folder`, named by the prefix and
-    /// their place in the list. False if the folder's parent does not exist.
+    /// their place in the list. False if the folder's parent does not exist. Otherwise
+    /// `framesExportStarted` comes at once, then `framesExportProgress` for each picture, and
+    /// `framesExportComplete` at the end in any case. One series at a time: a second one that is
+    /// asked for meanwhile counts as more pictures of the first.
     Q_INVOKABLE bool exportSpecificFrames(QList<int> positionsMs, QString folder,
                                           QString fileNamePreffix);
 
@@ -160,10 +208,20 @@ public:
     Q_INVOKABLE bool exportFrames(int startPositionMs, int stopPositionMs, int frameSpacingMs,
                                   QString folder, QString fileNamePreffix);
 
-    /// Writes the whole timeline as a new video, told of by `videoExportProgress`. Ends in
+    /// Pictures of the series that are not saved yet will not be.
+    Q_INVOKABLE void cancelExportFrames();
+
+    /// Writes the whole timeline as a new video, with `videoExportProgress`. Ends in
     /// `videoExportComplete` in any case, also when it returns false because no video is open or
     /// the name is empty.
     Q_INVOKABLE bool exportVideo(QString file);
+
+    /// Why the last such work failed or what it lacks; ok if it lacks nothing. To be read on the
+    /// interface thread, when its end is signalled or when it was refused.
+    const Status& frameSaveResult() const { return m_frameSaveResult; }
+    const Status& frameCopyResult() const { return m_frameCopyResult; }
+    const Status& framesExportResult() const { return m_framesExportResult; }
+    const Status& videoExportResult() const { return m_videoExportResult; }
 
     /// Takes the log of the parser into the overlay, and redraws a paused picture. Once per log.
     Q_INVOKABLE void updateLogData();
@@ -202,38 +260,71 @@ signals:
     void irDataMaxChanged();
     void logParserChanged();
     void videoSurfaceChanged();
+    void exactTimePositionChanged(QTime position);
+    void frameCountChanged();
+    void thermalAsOnScreenChanged();
+
+    // The ends of work that takes time; the reason of a failure is in the result of that name.
+    void frameSaveComplete(QString fileName, bool saved);
+    void frameCopyComplete(bool copied);
+    void framesExportStarted(int total);
+    void framesExportProgress(int done, int total);
+    void framesExportComplete(int saved, int failed);
 
 private slots:
     void paintNextFrame();
 
 private:
-    friend class OpenCvWorker;
+    // The worker's answers.
+    void onVideoFilesProcessed(int opening, const OpenedTimeline& timeline) override;
+    void onCurrentFile(int opening, const QString& file) override;
+    void onFrameReady(int opening, const PlayerFrame& frame, FrameUse use) override;
+    void onSeekFailed(int opening) override;
+    void onWishServed(int opening, WishOutcome outcome) override;
+    void onRedrawFinished(int opening) override;
+    void onPlaybackEnded(int opening) override;
+    void onBurstFinished() override;
 
-    struct PlayerFrame
+    /// A series of pictures that is being saved.
+    struct FramesExport
     {
-        int frameIndex = 0;
-        int timeMs = 0;
-        QVideoFrame frame;
+        int total = 0;
+        int done = 0;
+        int saved = 0;
+        int stopped = 0;
+        std::optional<Failure> firstFailure;
+        std::vector<std::shared_ptr<std::atomic<bool>>> cancelled; // one per call
     };
-
-    // The worker's answers. Each comes with the number of the opening it belongs to: what was
-    // overtaken by `close` or by another source is dropped.
-    void onVideoFilesProcessed(int opening, double fps, int totalFrames, const QSizeF& size,
-                               const QStringList& failedFiles);
-    void onCurrentFile(int opening, const QString& file);
-    void onFrameReady(int opening, PlayerFrame frame, bool seekResult);
-    void onPlaybackEnded(int opening);
-    void onBurstFinished();
+    using SavedCallback = std::function<void(const QString& fileName, const Status& saved)>;
 
     void toWorker(std::function<void(OpenCvWorker&)> job);
+    bool requestFrame(QTime time, std::function<void(const QImage&)> callback,
+                      std::shared_ptr<const std::atomic<bool>> cancelled);
+    Status requestSaving(QTime time, QString fileName, bool overwriteIfExists,
+                         const std::shared_ptr<const std::atomic<bool>>& cancelled,
+                         const SavedCallback& saved);
+    void finishCopying(const Status& copied);
+    std::shared_ptr<const std::atomic<bool>> beginFramesExport(int frames);
+    void countExportedFrame(const Status& saved);
+    void finishFramesExport();
+    void setFrameCount(int frameCount);
+    bool goTo(const SeekWish& place);
+    void serveWish();
+    void dropWishes();
+    void clearQueue();
+    void presentNextFrame(bool atOnce);
+    bool show(const PlayerFrame& frame);
+    const PlayerFrame& nextFrame() const;
+    void waitForNextFrame();
+    double nowMs() const;
     void requestBurst();
+    void requestBurstIfStarved();
     void startSeek(std::function<void(OpenCvWorker&)> job);
     void startSurface();
     void sendSettings();
     using Notify = void (VideoPlayer::*)();
     void setOverlayValue(double& field, double value, Notify changed);
     void setOverlayFlag(bool& field, bool value, Notify changed);
-    void redraw();
     void markBusy(int ms);
     void storeIrData(double min, double max);
 
@@ -248,10 +339,24 @@ private:
     bool m_playing = false;
     int m_playSpeed = 1;
     int m_frameDurationMs = 0;
+    int m_frameCount = 0;
     QTimer m_timer;
     QList<PlayerFrame> m_frames;
     std::atomic<bool> m_exportCancelled{false};
+    FramesExport m_framesExport;
+    Status m_frameSaveResult;
+    Status m_frameCopyResult;
+    Status m_framesExportResult;
+    Status m_videoExportResult;
     bool m_seeking = false;
+    PendingWish m_wish;
+    bool m_wishUnderWay = false;
+    QTimer m_restTimer; // until the picture that a preview stands in for is fetched
+    bool m_redrawUnderWay = false;
+    bool m_redrawWanted = false;
+    bool m_endReached = false; // the frames in the queue are the last
+    PlaybackClock m_clock;
+    QElapsedTimer m_steadyClock;
     bool m_isBusy = false;
     int m_busyCount = 0;
     QPointer<LogParser> m_logParser;

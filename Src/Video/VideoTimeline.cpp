@@ -3,6 +3,7 @@
 #include "Video/truncation.h"
 
 #include <QDebug>
+#include <algorithm>
 #include <utility>
 
 namespace corv {
@@ -29,7 +30,13 @@ QStringList VideoTimeline::open(const QStringList& files, const VideoBackend& ba
         entry.file = file;
         entry.frameCount = capture->frameCount();
         entry.fps = capture->fps();
-        entry.durationMs = truncateToInt(wrappingProduct(entry.frameCount, 1000) / entry.fps);
+        if (capture->isConstantRate()) {
+            entry.durationMs = truncateToInt(wrappingProduct(entry.frameCount, 1000) / entry.fps);
+            entry.lengthMs = entry.frameCount * 1000.0 / entry.fps;
+        } else {
+            entry.lengthMs = capture->durationMs();
+            entry.durationMs = truncateToInt(entry.lengthMs);
+        }
         entry.firstFrameIndex = m_totalFrames;
         entry.startMs = startMs;
         const QSize entrySize = capture->size();
@@ -39,7 +46,7 @@ QStringList VideoTimeline::open(const QStringList& files, const VideoBackend& ba
                 << "; Duration ms: " << truncateToInt(entry.frameCount / entry.fps * 1000.0)
                 << "; Size:" << entrySize.width() << entrySize.height();
         m_totalFrames += entry.frameCount;
-        startMs += entry.frameCount * 1000.0 / entry.fps;
+        startMs += entry.lengthMs;
         entry.capture = std::move(capture);
         m_entries.push_back(std::move(entry));
     }
@@ -65,11 +72,8 @@ int VideoTimeline::fileForSeek(int timeMs) const
         if (truncateToInt(entry.startMs) + entry.durationMs >= timeMs)
             return static_cast<int>(i);
     }
-    // The two roundings of each join add up, and files may differ in their rate; the end that the
-    // pilot sees is still the last frame.
-    if (!m_entries.empty() && timeMs <= truncateToInt(m_totalFrames * 1000.0 / fps()))
-        return size() - 1;
-    return -1;
+    // The two roundings of each join add up; the end that the pilot sees is still the last frame.
+    return !m_entries.empty() && timeMs <= durationMs() ? size() - 1 : -1;
 }
 
 int VideoTimeline::fileForFrame(int frameIndex) const
@@ -83,11 +87,48 @@ int VideoTimeline::fileForFrame(int frameIndex) const
 
 int VideoTimeline::fileForPicture(int timeMs) const
 {
-    for (size_t i = 0; i < m_entries.size(); ++i) {
-        if (timeMs < m_entries[i].durationMs + m_entries[i].startMs)
-            return static_cast<int>(i);
-    }
-    return -1;
+    if (m_entries.empty() || timeMs >= m_entries.back().durationMs + m_entries.back().startMs)
+        return -1;
+    return fileOfTime(timeMs);
+}
+
+// The time of a file's first frame is its start, rounded down.
+int VideoTimeline::fileOfTime(int timeMs) const
+{
+    size_t file = m_entries.size() - 1;
+    while (file > 0 && truncateToInt(m_entries[file].startMs) > timeMs)
+        --file;
+    return static_cast<int>(file);
+}
+
+int VideoTimeline::fileOfFrame(int frameIndex) const
+{
+    size_t file = m_entries.size() - 1;
+    while (file > 0 && m_entries[file].firstFrameIndex > frameIndex)
+        --file;
+    return static_cast<int>(file);
+}
+
+int VideoTimeline::frameAtTime(int timeMs) const
+{
+    const VideoFileEntry& entry = m_entries[static_cast<size_t>(fileOfTime(timeMs))];
+    return entry.firstFrameIndex + entry.capture->frameAtTime(timeMs - entry.startMs);
+}
+
+bool VideoTimeline::keepsOneRate() const
+{
+    return std::all_of(m_entries.begin(), m_entries.end(), [this](const VideoFileEntry& entry) {
+        return entry.capture->isConstantRate() && entry.fps == fps();
+    });
+}
+
+int VideoTimeline::durationMs() const
+{
+    if (m_entries.empty())
+        return 0;
+    if (keepsOneRate())
+        return truncateToInt(m_totalFrames * 1000.0 / fps());
+    return truncateToInt(m_entries.back().startMs + m_entries.back().lengthMs);
 }
 
 } // namespace corv

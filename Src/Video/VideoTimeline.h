@@ -20,6 +20,7 @@ struct VideoFileEntry
     int durationMs = 0;      ///< rounded down
     int firstFrameIndex = 0; ///< frames of all earlier entries
     double startMs = 0.0;    ///< exact duration of all earlier entries
+    double lengthMs = 0.0;   ///< exact
 
     /// Time on the timeline of the frame that is `fileMs` into the file.
     int timelineMs(double fileMs) const;
@@ -42,6 +43,18 @@ public:
     double fps() const;                         ///< of the first file; 0 without one
     QSizeF frameSize() const { return m_size; } ///< of the first file
 
+    /// Length of the whole, rounded down: the number of frames at the first file's rate where all
+    /// files keep that rate, else the sum of the files' true lengths.
+    int durationMs() const;
+
+    /// The number of the frame that belongs to a time; the first or the last frame for a time
+    /// outside. A time on a join belongs to the later file.
+    int frameAtTime(int timeMs) const;
+
+    /// The position of the file that holds a frame; of the first or the last file for a frame
+    /// outside. Only if there is a file.
+    int fileOfFrame(int frameIndex) const;
+
     /// The position of the file that a seek to a time goes to, or -1: the first whose end is not
     /// before it, so that a time on a join belongs to the earlier file. The last file also takes
     /// what lies between its end and the end of the timeline as the player announces it.
@@ -51,11 +64,14 @@ public:
     /// last frame still belongs to it.
     int fileForFrame(int frameIndex) const;
 
-    /// The position of the file that holds the picture of a time, or -1. A time on a join belongs
-    /// to the later file.
+    /// The position of the file that holds the picture of a time, or -1 behind the end. A time on a
+    /// join belongs to the later file.
     int fileForPicture(int timeMs) const;
 
 private:
+    int fileOfTime(int timeMs) const;
+    bool keepsOneRate() const;
+
     std::vector<VideoFileEntry> m_entries;
     int m_totalFrames = 0;
     QSizeF m_size;

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "Base/Result.h"
+
 class QImage;
 class QString;
 
 namespace corv {
 
-/// Saves a picture in the format that the name's suffix tells. False if it could not be written,
-/// for want of room or because the suffix is that of no format; a file of that name is then as it
-/// was. Any thread.
-bool savePictureFile(const QImage& picture, const QString& fileName);
+/// Saves a picture in the format of the name's suffix. If it fails, for want of room or because the
+/// suffix is that of no format, a file of that name is as it was before. Any thread.
+Status savePictureFile(const QImage& picture, const QString& fileName);
 
 } // namespace corv

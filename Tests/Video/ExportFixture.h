@@ -2,7 +2,26 @@
 
 #include "PlayerFixture.h"
 
+#include <QPair>
+
 namespace corv::test {
+
+/// What an export signals. It does so on the worker's thread, where a QSignalSpy would write beside
+/// its reader: this one receives them on the test's thread.
+class ExportRecord : public QObject
+{
+public:
+    explicit ExportRecord(VideoPlayer& player)
+    {
+        connect(&player, &VideoPlayer::videoExportProgress, this,
+                [this](int done, int total) { progress << qMakePair(done, total); });
+        connect(&player, &VideoPlayer::videoExportComplete, this,
+                [this](bool result) { results << result; });
+    }
+
+    QList<QPair<int, int>> progress;
+    QList<bool> results;
+};
 
 /// One player after the other on videos in memory at 25 frames a second, for suites of what is
 /// taken out of a video to derive from.

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace corv::test {
 
@@ -22,6 +23,9 @@ struct FakeFile
     QSize size{320, 240};
     int firstNumber = 0;
     bool canBeCloned = true;
+    std::vector<double> timesMs;           ///< of the frames and of the end; empty: constant rate
+    int keyframeSpacing = 1;               ///< frames from one keyframe to the next
+    std::set<int> damaged;                 ///< frames that reading passes over
     std::set<int> unreadable;              ///< frames whose reading fails
     std::set<int> unreachable;             ///< frames that positioning to fails
     std::atomic<int> reads{0};             ///< frames decoded, clones included
@@ -40,6 +44,29 @@ public:
     int frameCount() const override { return m_file->frames; }
     QSize size() const override { return m_file->size; }
     int nextFrame() const override { return m_next; }
+    bool isConstantRate() const override { return m_file->timesMs.empty(); }
+    int nearestKeyframe(int index) const override
+    {
+        return index - index % m_file->keyframeSpacing;
+    }
+
+    double frameTimeMs(int index) const override
+    {
+        if (isConstantRate())
+            return FrameSource::frameTimeMs(index);
+        return m_file->timesMs.at(static_cast<size_t>(std::clamp(index, 0, m_file->frames)));
+    }
+
+    /// The frame held at that time.
+    int frameAtTime(double ms) const override
+    {
+        if (isConstantRate())
+            return FrameSource::frameAtTime(ms);
+        int index = m_file->frames - 1;
+        while (index > 0 && frameTimeMs(index) >= ms + 1.0)
+            --index;
+        return index;
+    }
 
     bool seekToFrame(int index) override
     {
@@ -56,6 +83,8 @@ public:
     {
         while (m_file->blocked)
             QThread::yieldCurrentThread();
+        while (m_file->damaged.count(m_next))
+            ++m_next;
         if (m_next >= m_file->frames)
             return ReadOutcome::end;
         if (m_file->unreadable.count(m_next))

@@ -7,8 +7,8 @@
 #include "openVideo.h"
 
 #include <QDir>
-#include <QPair>
 #include <QSemaphore>
+#include <QThread>
 #include <QThreadPool>
 #include <filesystem>
 
@@ -16,23 +16,6 @@ using namespace corv;
 using namespace corv::test;
 
 namespace {
-
-/// What an export tells of itself. It does so on the worker's thread, where a QSignalSpy would
-/// write beside its reader: this one is told on the test's thread.
-class ExportRecord : public QObject
-{
-public:
-    explicit ExportRecord(VideoPlayer& player)
-    {
-        connect(&player, &VideoPlayer::videoExportProgress, this,
-                [this](int done, int total) { progress << qMakePair(done, total); });
-        connect(&player, &VideoPlayer::videoExportComplete, this,
-                [this](bool result) { results << result; });
-    }
-
-    QList<QPair<int, int>> progress;
-    QList<bool> results;
-};
 
 /// A cold thermal frame that ends where the second file begins, a second into the video, and a hot
 /// one from there on.
@@ -93,7 +76,9 @@ private slots:
     void effectsAreInTheVideo();
     void theOverlayFollowsTheTimeline_data();
     void theOverlayFollowsTheTimeline();
+    void theOverlayOfASavedFrameFollowsItsFile_data();
     void theOverlayOfASavedFrameFollowsItsFile();
+    void theRangeIsSignalledOnTheInterfaceThread();
     void cancelledInTheSecondFile();
     void aFileOfAnotherSizeAddsNothing();
     void aFileThatFailsEndsAlone();
@@ -156,11 +141,16 @@ void VideoExportTest::aVideoThatFillsTheDiskIsToldOf()
         QTRY_COMPARE(record.results.size(), 1);
     }
     QVERIFY(log.contains("Exported video is incomplete: frames"));
-    QVERIFY(record.results.first()); // it tells of the position alone
+    QVERIFY(record.results.first()); // it is about the position alone
+    QVERIFY(!m_player->videoExportResult());
+    QVERIFY(m_player->videoExportResult().failure().sentence.contains("out.mp4"));
+    QCOMPARE(QDir(m_folder->path()).entryList({"out*"}), QStringList{}); // it cannot be read
     log.clear();
     QVERIFY(m_player->exportVideo(path("out.mp4")));
     QTRY_COMPARE(record.results.size(), 2);
     QVERIFY(!log.contains("Exported video is incomplete: frames"));
+    QVERIFY(m_player->videoExportResult().ok());
+    QCOMPARE(QDir(m_folder->path()).entryList({"out*"}), QStringList{"out.mp4"});
 }
 
 void VideoExportTest::effectsAreInTheVideo()
@@ -223,17 +213,48 @@ void VideoExportTest::theOverlayFollowsTheTimeline()
     }
 }
 
-// On screen the second file is in the hot half; the saved picture takes the time inside the file.
+void VideoExportTest::theOverlayOfASavedFrameFollowsItsFile_data()
+{
+    QTest::addColumn<bool>("asOnScreen");
+    QTest::newRow("the time inside its file") << false;
+    QTest::newRow("the moment on screen") << true;
+}
+
+// On screen the second file is in the hot half; the time inside the file is in the cold one.
 void VideoExportTest::theOverlayOfASavedFrameFollowsItsFile()
 {
+    QFETCH(bool, asOnScreen);
     openTwoFilesWithALog();
     m_player->setShowIR(true);
+    m_player->setThermalAsOnScreen(asOnScreen);
     QVERIFY(m_player->saveFrame(timeAt(1400), path("shot.png"), false));
     QTRY_VERIFY(!QImage(path("shot.png")).isNull());
     const QImage shot(path("shot.png"));
     QCOMPARE(numberIn(shot), 35);
     const QColor seen = shot.pixelColor(overlayX, overlayY);
-    QVERIFY(isCold({uchar(seen.blue()), uchar(seen.green()), uchar(seen.red())}));
+    const cv::Vec3b bgr{uchar(seen.blue()), uchar(seen.green()), uchar(seen.red())};
+    QCOMPARE(isHot(bgr), asOnScreen);
+    QCOMPARE(isCold(bgr), !asOnScreen);
+}
+
+void VideoExportTest::theRangeIsSignalledOnTheInterfaceThread()
+{
+    openTwoFilesWithALog();
+    QThread* maxThread = nullptr;
+    double seenMax = -1.0;
+    connect(
+        m_player.get(), &VideoPlayer::irDataMaxChanged, this,
+        [&] {
+            maxThread = QThread::currentThread();
+            seenMax = m_player->irDataMax();
+        },
+        Qt::DirectConnection);
+    m_player->setShowIR(true);
+    QVERIFY(m_player->goToFrame(40)); // its range is reported with the frame after
+    QTRY_COMPARE(m_surface.lastNumber(), 40);
+    QVERIFY(m_player->step(1));
+    QTRY_COMPARE(seenMax, 16383.0);
+    QCOMPARE(maxThread, QThread::currentThread());
 }
 
 void VideoExportTest::cancelledInTheSecondFile()

@@ -55,7 +55,7 @@ void VideoThreadsTest::doSomething(VideoPlayer& player, std::mt19937& random)
     const auto number = [&random](int below) {
         return static_cast<int>(random() % static_cast<unsigned>(below));
     };
-    switch (number(16)) {
+    switch (number(21)) {
     case 0:
         player.setSource(path("CORV0001.MP4"));
         break;
@@ -100,6 +100,22 @@ void VideoThreadsTest::doSomething(VideoPlayer& player, std::mt19937& random)
             player.exportVideo(path("out.mp4"));
         else
             player.cancelExportVideo();
+        break;
+    case 15:
+        player.goToTime(timeAt(number(900)));
+        break;
+    case 16:
+        player.step(number(40) - 20);
+        break;
+    case 17:
+        player.redraw();
+        break;
+    case 18:
+        player.exportFrames(number(300), number(600), 5, m_folder.path(), "Frame");
+        player.cancelExportFrames();
+        break;
+    case 19:
+        player.forgetLastFrame();
         break;
     default:
         QCoreApplication::processEvents();

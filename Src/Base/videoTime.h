@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QTime>
+
+namespace corv {
+
+/// Milliseconds of a position from the start of the video; 0 for an invalid time.
+inline int msOfTime(QTime time)
+{
+    return QTime(0, 0, 0, 0).msecsTo(time);
+}
+
+/// The position `ms` milliseconds from the start of the video, modulo a day: -1 is the last
+/// millisecond before midnight.
+inline QTime timeOfMs(int ms)
+{
+    constexpr int msPerDay = 24 * 60 * 60 * 1000;
+    const int rest = ms % msPerDay;
+    return QTime::fromMSecsSinceStartOfDay(rest < 0 ? rest + msPerDay : rest);
+}
+
+} // namespace corv

@@ -1,0 +1,136 @@
+#include "Video/VideoPlayer.h"
+
+#include "Video/OpenCvWorker.h"
+#include "Video/truncation.h"
+
+#include <cmath>
+
+// The settings of the picture, and the redrawing that follows from them.
+namespace corv {
+namespace {
+
+constexpr double doubleTolerance = 2.220446049250313e-16;
+
+} // namespace
+
+void VideoPlayer::setShowIR(bool showIR)
+{
+    if (m_settings.showIR == showIR)
+        return;
+    m_settings.showIR = showIR;
+    sendSettings();
+    emit showIRChanged();
+    redraw();
+}
+
+void VideoPlayer::setContrast(double contrast)
+{
+    if (!(std::abs(m_settings.contrast - contrast) > doubleTolerance))
+        return;
+    m_settings.contrast = contrast;
+    sendSettings();
+    redraw();
+    emit contrastChanged();
+}
+
+void VideoPlayer::setBrightness(double brightness)
+{
+    if (!(std::abs(m_settings.brightness - brightness) > doubleTolerance))
+        return;
+    m_settings.brightness = brightness;
+    sendSettings();
+    redraw();
+    emit brightnessChanged();
+}
+
+void VideoPlayer::setAutoIRMapping(bool autoIRMapping)
+{
+    if (m_settings.autoIRMapping == autoIRMapping)
+        return;
+    m_settings.autoIRMapping = autoIRMapping;
+    sendSettings();
+    emit autoIRMappingChanged();
+}
+
+void VideoPlayer::setIrMappingMinValue(double value)
+{
+    setOverlayValue(m_settings.irMappingMinValue, value, &VideoPlayer::irMappingMinValueChanged);
+}
+
+void VideoPlayer::setIrMappingMaxValue(double value)
+{
+    setOverlayValue(m_settings.irMappingMaxValue, value, &VideoPlayer::irMappingMaxValueChanged);
+}
+
+void VideoPlayer::setIrOffsetX(double offset)
+{
+    setOverlayValue(m_settings.irOffsetX, offset, &VideoPlayer::irOffsetXChanged);
+}
+
+void VideoPlayer::setIrOffsetY(double offset)
+{
+    setOverlayValue(m_settings.irOffsetY, offset, &VideoPlayer::irOffsetYChanged);
+}
+
+void VideoPlayer::setFullScreenIR(bool fullScreenIR)
+{
+    setOverlayFlag(m_settings.fullScreenIR, fullScreenIR, &VideoPlayer::fullScreenIRChanged);
+}
+
+void VideoPlayer::setIrOverlayTransparent(bool transparent)
+{
+    setOverlayFlag(m_settings.irOverlayTransparent, transparent,
+                   &VideoPlayer::irOverlayTransparentChanged);
+}
+
+void VideoPlayer::setOverlayValue(double& field, double value, Notify changed)
+{
+    if (!(std::abs(field - value) > doubleTolerance))
+        return;
+    field = value;
+    sendSettings();
+    if (showIR())
+        redraw();
+    emit(this->*changed)();
+}
+
+void VideoPlayer::setOverlayFlag(bool& field, bool value, Notify changed)
+{
+    if (field == value)
+        return;
+    field = value;
+    sendSettings();
+    if (showIR())
+        redraw();
+    emit(this->*changed)();
+}
+
+void VideoPlayer::setThermalAsOnScreen(bool asOnScreen)
+{
+    if (m_settings.thermalAsOnScreen == asOnScreen)
+        return;
+    m_settings.thermalAsOnScreen = asOnScreen;
+    sendSettings();
+    emit thermalAsOnScreenChanged();
+}
+
+void VideoPlayer::sendSettings()
+{
+    m_settings.irDataMin = irDataMin();
+    m_settings.irDataMax = irDataMax();
+    toWorker([settings = m_settings](OpenCvWorker& worker) { worker.setSettings(settings); });
+}
+
+void VideoPlayer::setPlaySpeed(double playSpeed)
+{
+    if (!(playSpeed >= 1.0) || !(std::abs(playSpeed - m_playSpeed) > doubleTolerance))
+        return;
+    const int wholeSpeed = truncateToInt(playSpeed);
+    if (wholeSpeed == m_playSpeed)
+        return;
+    m_playSpeed = wholeSpeed;
+    m_clock.reset();
+    emit playSpeedChanged();
+}
+
+} // namespace corv

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QSizeF>
+#include <QString>
+#include <QStringList>
+#include <QVideoFrame>
+
+namespace corv {
+
+/// A decoded frame on its way to the screen.
+struct PlayerFrame
+{
+    int frameIndex = 0; ///< on the timeline
+    int timeMs = 0;     ///< on the timeline
+    QVideoFrame frame;
+};
+
+/// What a frame is handed over for.
+enum class FrameUse {
+    playback,   ///< to be shown when its time has come
+    seekResult, ///< the picture that a seek led to
+    preview,    ///< stands in for the picture of a seek that takes long; number and time are the
+                ///< seek's own
+    redraw      ///< the picture on screen, drawn anew
+};
+
+/// How a wish for a place on the timeline ended.
+enum class WishOutcome {
+    shown,     ///< with the picture of that place
+    previewed, ///< with a preview; the wish is to be repeated once nothing newer is wished for
+    overtaken, ///< without a picture, because a newer wish waits
+    failed     ///< without a picture, because there is none to be had
+};
+
+/// The files that were opened as one timeline.
+struct OpenedTimeline
+{
+    double fps = 0.0; ///< of the first file; 0 if none opened
+    int totalFrames = 0;
+    int durationMs = 0;
+    QSizeF size; ///< of the first file's frames
+    QStringList failedFiles;
+};
+
+/// Receives what a worker has done. All functions are called on the thread of the object that the
+/// worker was given beside the client. Each carries the number of the opening that it belongs to,
+/// so that the client can drop what was overtaken by closing or by another opening.
+class WorkerClient
+{
+public:
+    virtual void onVideoFilesProcessed(int opening, const OpenedTimeline& timeline) = 0;
+
+    /// The worker now reads `file`.
+    virtual void onCurrentFile(int opening, const QString& file) = 0;
+
+    virtual void onFrameReady(int opening, const PlayerFrame& frame, FrameUse use) = 0;
+
+    /// A seek to a place on the timeline gave no frame.
+    virtual void onSeekFailed(int opening) = 0;
+
+    /// A wish is over, after its frame if it gave one.
+    virtual void onWishServed(int opening, WishOutcome outcome) = 0;
+
+    /// A redraw is over, after its frame if it gave one.
+    virtual void onRedrawFinished(int opening) = 0;
+
+    /// No frames follow for playback: the end, or a medium that gives nothing more.
+    virtual void onPlaybackEnded(int opening) = 0;
+
+    /// A burst is over, after its frames.
+    virtual void onBurstFinished() = 0;
+
+protected:
+    ~WorkerClient() = default;
+};
+
+} // namespace corv
