@@ -331,10 +331,11 @@ OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int f
                                                      int timeMs, FrameUse use)
 {
     try {
-        PlayerFrame result{frameIndex, timeMs, {}};
+        PlayerFrame result{frameIndex, timeMs, {}, nullptr};
         if (m_overlay.changesPictures(m_settings)) {
             toBgr(picture, m_effectFrame);
             m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
+            result.thermal = m_overlay.reading(m_effectFrame.size(), m_settings);
             result.frame = cvMatToQVideoFrame(m_effectFrame);
         } else {
             m_overlay.reportRange(m_settings, m_reportRange);

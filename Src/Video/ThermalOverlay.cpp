@@ -132,6 +132,17 @@ void ThermalOverlay::drawThermalOverlay(cv::Mat& frame, int timeMs,
     }
 }
 
+std::shared_ptr<const ThermalReading>
+ThermalOverlay::reading(cv::Size frame, const VideoDisplaySettings& settings) const
+{
+    const cv::Rect place = thermalRectangle(frame, settings);
+    const bool isDrawn = settings.showIR && isActive() &&
+                         (m_lastRefusal == Refusal::None || m_lastRefusal == Refusal::Rectangle);
+    if (!isDrawn || (place & cv::Rect({0, 0}, frame)).empty())
+        return nullptr;
+    return std::make_shared<const ThermalReading>(m_irFrame, place, frame);
+}
+
 ThermalOverlay::Refusal ThermalOverlay::layOverFrame(cv::Mat& frame,
                                                      const VideoDisplaySettings& settings,
                                                      bool invertColours) const

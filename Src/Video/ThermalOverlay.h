@@ -2,6 +2,7 @@
 
 #include "Log/LogFile.h"
 #include "Log/clocks.h"
+#include "Video/ThermalReading.h"
 #include "Video/VideoDisplaySettings.h"
 #include "Video/thermalTables.h"
 
@@ -53,6 +54,11 @@ public:
     /// The overlay alone, on a frame of type `CV_8UC3`; nothing unless `isActive()`.
     void drawThermalOverlay(cv::Mat& frame, int timeMs, const VideoDisplaySettings& settings,
                             bool invertColours);
+
+    /// What the overlay of a frame of this size, drawn last, says of its places; null unless it was
+    /// drawn and lies in the frame.
+    std::shared_ptr<const ThermalReading> reading(cv::Size frame,
+                                                  const VideoDisplaySettings& settings) const;
 
     /// The thermal frame composed last, in raw values; zeros before the first.
     const cv::Mat& thermalFrame() const { return m_irFrame; }

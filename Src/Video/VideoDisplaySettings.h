@@ -2,6 +2,13 @@
 
 namespace corv {
 
+/// The colours of the thermal overlay.
+enum class ThermalPalette {
+    rainbow, ///< blue over green and yellow to red
+    even,    ///< blue to yellow: equal differences look equal, also to the colour-blind
+    grey     ///< black to white
+};
+
 /// How a picture is shown: effects and thermal overlay. The player keeps one and sends the worker
 /// a copy of the whole whenever a field changes.
 struct VideoDisplaySettings
@@ -20,6 +27,7 @@ struct VideoDisplaySettings
     bool irOverlayTransparent = false;  ///< half overlay, half picture
     bool thermalAsOnScreen = false; ///< saved pictures get the overlay that the screen shows, not
                                     ///< that of the time inside their file
+    ThermalPalette irPalette = ThermalPalette::rainbow;
 };
 
 } // namespace corv

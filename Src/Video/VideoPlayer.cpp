@@ -215,6 +215,8 @@ void VideoPlayer::close()
         dropWishes();
         clearQueue();
         m_seeking = false;
+        if (std::exchange(m_thermal, nullptr))
+            emit thermalReadingChanged();
     }
     setFrameCount(0);
     if (workerHasFiles)

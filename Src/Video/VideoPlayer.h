@@ -15,6 +15,7 @@
 #include <QStringList>
 #include <QTime>
 #include <QTimer>
+#include <QVariantMap>
 #include <QVideoFrame>
 #include <QVideoSurfaceFormat>
 #include <atomic>
@@ -73,6 +74,7 @@ class VideoPlayer : public QQuickItem, private WorkerClient
     Q_PROPERTY(int frameCount READ frameCount NOTIFY frameCountChanged)
     Q_PROPERTY(bool thermalAsOnScreen READ thermalAsOnScreen WRITE setThermalAsOnScreen NOTIFY
                    thermalAsOnScreenChanged)
+    Q_PROPERTY(int irPalette READ irPalette WRITE setIrPalette NOTIFY irPaletteChanged)
 
 public:
     explicit VideoPlayer(QQuickItem* parent = nullptr);
@@ -134,6 +136,11 @@ public:
     bool thermalAsOnScreen() const { return m_settings.thermalAsOnScreen; }
     void setThermalAsOnScreen(bool asOnScreen);
 
+    /// The colours of the overlay, as the number of a `ThermalPalette`: 0 rainbow, 1 even to all
+    /// eyes, 2 grey. Another number is not taken.
+    int irPalette() const { return static_cast<int>(m_settings.irPalette); }
+    void setIrPalette(int palette);
+
     /// Range of the raw values of the thermal frame last drawn.
     double irDataMin() const { return m_irDataMin.load(std::memory_order_relaxed); }
     double irDataMax() const { return m_irDataMax.load(std::memory_order_relaxed); }
@@ -186,6 +193,14 @@ public:
     /// Forgets the frame decoded last, so that a flight opened next begins with its own first
     /// picture: without it, the one of the flight before is shown if it was at its first frame.
     Q_INVOKABLE void forgetLastFrame();
+
+    /// The raw thermal value at a point of the frame on screen, given as parts of its width and
+    /// height from the upper left corner. Not a number where the overlay is not.
+    Q_INVOKABLE double thermalValueAt(double x, double y) const;
+
+    /// "coldest" and "hottest" of the overlay on screen, each with "value", "x" and "y" (parts of
+    /// the frame's width and height). An empty map without an overlay.
+    Q_INVOKABLE QVariantMap thermalExtremes() const;
 
     /// Saves the picture at a time in the format of the name's suffix, under the next free name if
     /// the file exists and is not to be overwritten. True if the request was made: the file appears
@@ -263,6 +278,8 @@ signals:
     void exactTimePositionChanged(QTime position);
     void frameCountChanged();
     void thermalAsOnScreenChanged();
+    void irPaletteChanged();
+    void thermalReadingChanged();
 
     // The ends of work that takes time; the reason of a failure is in the result of that name.
     void frameSaveComplete(QString fileName, bool saved);
@@ -342,6 +359,7 @@ private:
     int m_frameCount = 0;
     QTimer m_timer;
     QList<PlayerFrame> m_frames;
+    std::shared_ptr<const ThermalReading> m_thermal; // of the frame on screen
     std::atomic<bool> m_exportCancelled{false};
     FramesExport m_framesExport;
     Status m_frameSaveResult;

@@ -1,9 +1,12 @@
 #include "Video/VideoPlayer.h"
 
 #include "Video/OpenCvWorker.h"
+#include "Video/ThermalReading.h"
 #include "Video/truncation.h"
 
+#include <QtNumeric>
 #include <cmath>
+#include <optional>
 
 // The settings of the picture, and the redrawing that follows from them.
 namespace corv {
@@ -112,6 +115,36 @@ void VideoPlayer::setThermalAsOnScreen(bool asOnScreen)
     m_settings.thermalAsOnScreen = asOnScreen;
     sendSettings();
     emit thermalAsOnScreenChanged();
+}
+
+void VideoPlayer::setIrPalette(int palette)
+{
+    if (palette == irPalette() || palette < 0 || palette > static_cast<int>(ThermalPalette::grey))
+        return;
+    m_settings.irPalette = static_cast<ThermalPalette>(palette);
+    sendSettings();
+    if (showIR())
+        redraw();
+    emit irPaletteChanged();
+}
+
+double VideoPlayer::thermalValueAt(double x, double y) const
+{
+    const auto value = m_thermal ? m_thermal->valueAt({x, y}) : std::nullopt;
+    return value ? *value : qQNaN();
+}
+
+QVariantMap VideoPlayer::thermalExtremes() const
+{
+    if (!m_thermal)
+        return {};
+    const auto map = [](const ThermalReading::Point& point) {
+        return QVariantMap{{QStringLiteral("value"), point.value},
+                           {QStringLiteral("x"), point.place.x()},
+                           {QStringLiteral("y"), point.place.y()}};
+    };
+    return {{QStringLiteral("coldest"), map(m_thermal->coldest())},
+            {QStringLiteral("hottest"), map(m_thermal->hottest())}};
 }
 
 void VideoPlayer::sendSettings()

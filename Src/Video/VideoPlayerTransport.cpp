@@ -277,6 +277,10 @@ bool VideoPlayer::show(const PlayerFrame& frame)
 {
     if (!m_surface || !m_surface->present(frame.frame))
         return false;
+    if (m_thermal != frame.thermal) {
+        m_thermal = frame.thermal;
+        emit thermalReadingChanged();
+    }
     const QTime before = m_timePosition;
     m_timePosition = timeOfMs(frame.timeMs);
     static QTime lastReportedPosition(0, 0, 0, 0);

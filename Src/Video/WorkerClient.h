@@ -4,8 +4,11 @@
 #include <QString>
 #include <QStringList>
 #include <QVideoFrame>
+#include <memory>
 
 namespace corv {
+
+class ThermalReading;
 
 /// A decoded frame on its way to the screen.
 struct PlayerFrame
@@ -13,6 +16,7 @@ struct PlayerFrame
     int frameIndex = 0; ///< on the timeline
     int timeMs = 0;     ///< on the timeline
     QVideoFrame frame;
+    std::shared_ptr<const ThermalReading> thermal; ///< of the overlay in it, null if it has none
 };
 
 /// What a frame is handed over for.

@@ -65,7 +65,17 @@ bool colourThermalFrame(const cv::Mat& thermal, const VideoDisplaySettings& sett
         mapped.convertTo(reduced, CV_8U, -0.00390625, 256.0);
     else
         mapped.convertTo(reduced, CV_8U, 0.00390625, 0.0);
-    cv::applyColorMap(reduced, colours, cv::COLORMAP_JET);
+    switch (settings.irPalette) {
+    case ThermalPalette::rainbow:
+        cv::applyColorMap(reduced, colours, cv::COLORMAP_JET);
+        break;
+    case ThermalPalette::even:
+        cv::applyColorMap(reduced, colours, cv::COLORMAP_CIVIDIS);
+        break;
+    case ThermalPalette::grey:
+        cv::cvtColor(reduced, colours, cv::COLOR_GRAY2BGR);
+        break;
+    }
     return true;
 }
 

@@ -17,6 +17,7 @@ private slots:
     void aChangeNotifiesOnce_data();
     void aChangeNotifiesOnce();
     void aFractionOfASpeedIsNoChange();
+    void anUnknownPaletteIsNotTaken();
     void anotherSurfaceNotifies();
     void anotherLogParserNotifies();
 };
@@ -57,11 +58,13 @@ void PlayerPropertiesTest::aChangeNotifiesOnce_data()
 {
     QTest::addColumn<QByteArray>("property");
     QTest::addColumn<QVariant>("value");
-    for (const char* flag : {"showIR", "autoIRMapping", "fullScreenIR", "irOverlayTransparent"})
+    for (const char* flag :
+         {"showIR", "autoIRMapping", "fullScreenIR", "irOverlayTransparent", "thermalAsOnScreen"})
         QTest::newRow(flag) << QByteArray(flag) << QVariant(true);
     for (const char* number : {"contrast", "brightness", "irMappingMinValue", "irMappingMaxValue",
                                "irOffsetX", "irOffsetY", "playSpeed"})
         QTest::newRow(number) << QByteArray(number) << QVariant(7.0);
+    QTest::newRow("irPalette") << QByteArray("irPalette") << QVariant(2);
 }
 
 void PlayerPropertiesTest::aChangeNotifiesOnce()
@@ -92,6 +95,14 @@ void PlayerPropertiesTest::aFractionOfASpeedIsNoChange()
     player.setPlaySpeed(0.5);
     QCOMPARE(player.playSpeed(), 4.0);
     QCOMPARE(changes.count(), 0);
+}
+
+void PlayerPropertiesTest::anUnknownPaletteIsNotTaken()
+{
+    VideoPlayer player;
+    for (const int palette : {-1, 3, 1000000})
+        player.setIrPalette(palette);
+    QCOMPARE(player.irPalette(), 0);
 }
 
 void PlayerPropertiesTest::anotherSurfaceNotifies()

@@ -79,6 +79,8 @@ private slots:
     void theOverlayOfASavedFrameFollowsItsFile_data();
     void theOverlayOfASavedFrameFollowsItsFile();
     void theRangeIsSignalledOnTheInterfaceThread();
+    void theOverlayOnScreenSaysItsValues();
+    void theGreyPaletteHasNoColours();
     void cancelledInTheSecondFile();
     void aFileOfAnotherSizeAddsNothing();
     void aFileThatFailsEndsAlone();
@@ -255,6 +257,44 @@ void VideoExportTest::theRangeIsSignalledOnTheInterfaceThread()
     QVERIFY(m_player->step(1));
     QTRY_COMPARE(seenMax, 16383.0);
     QCOMPARE(maxThread, QThread::currentThread());
+}
+
+void VideoExportTest::theOverlayOnScreenSaysItsValues()
+{
+    openTwoFilesWithALog();
+    QVERIFY(m_player->thermalExtremes().isEmpty());
+    QVERIFY(qIsNaN(m_player->thermalValueAt(0.5, 0.5)));
+    m_player->setShowIR(true);
+    for (const auto& [frame, value] : {std::pair{10, 0}, std::pair{40, 16383}}) {
+        QVERIFY(m_player->goToFrame(frame));
+        QTRY_COMPARE(m_surface.lastNumber(), frame);
+        QCOMPARE(m_player->thermalValueAt(0.5, 0.5), double(value));
+        QVERIFY(qIsNaN(m_player->thermalValueAt(0.05, 0.5)));
+        for (const char* extreme : {"coldest", "hottest"}) {
+            const QVariantMap point = m_player->thermalExtremes()[extreme].toMap();
+            QCOMPARE(point["value"].toInt(), value);
+            QCOMPARE(m_player->thermalValueAt(point["x"].toDouble(), point["y"].toDouble()),
+                     double(value));
+        }
+    }
+    m_player->setShowIR(false);
+    QTRY_VERIFY(m_player->thermalExtremes().isEmpty());
+}
+
+void VideoExportTest::theGreyPaletteHasNoColours()
+{
+    openTwoFilesWithALog();
+    m_player->setShowIR(true);
+    m_player->setIrPalette(static_cast<int>(ThermalPalette::grey));
+    StillFrame still(*m_player, timeAt(0));
+    QTRY_VERIFY(still.came());
+    const QColor cold = still.image().pixelColor(overlayX, overlayY);
+    QCOMPARE(cold, QColor(0, 0, 0));
+    m_player->setIrPalette(static_cast<int>(ThermalPalette::even));
+    StillFrame even(*m_player, timeAt(0));
+    QTRY_VERIFY(even.came());
+    const QColor blue = even.image().pixelColor(overlayX, overlayY);
+    QVERIFY(blue.blue() > blue.red() + 30 && blue.blue() > blue.green());
 }
 
 void VideoExportTest::cancelledInTheSecondFile()
