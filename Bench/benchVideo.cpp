@@ -37,6 +37,7 @@ public:
     void onWishServed(int, WishOutcome) override {}
     void onRedrawFinished(int) override {}
     void onPlaybackEnded(int) override {}
+    void onThermalFrames(const Status&) override {}
     void onBurstFinished() override {}
 };
 

@@ -454,6 +454,8 @@ void OpenCvWorker::setClock(std::shared_ptr<const FlightClock> clock)
 void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<const LogFile>& log)
 {
     m_overlay.updateLogData(hasParser, log);
+    tellClient(
+        [status = m_overlay.status()](WorkerClient& client) { client.onThermalFrames(status); });
 }
 
 void OpenCvWorker::endPlayback()

@@ -2,11 +2,17 @@
 
 #include "Video/thermalPicture.h"
 
+#include <QCoreApplication>
 #include <QtDebug>
 #include <algorithm>
 
 namespace corv {
 namespace {
+
+QString text(const char* source)
+{
+    return QCoreApplication::translate("ThermalOverlay", source);
+}
 
 // A var that may be read as T: an array of another width would be read past its end.
 template <typename T>
@@ -24,7 +30,10 @@ bool isPartOfFrame(const LogVar* image)
 
 } // namespace
 
-ThermalOverlay::ThermalOverlay() : m_irFrame(cv::Mat::zeros(thermalRows, thermalCols, CV_16UC1)) {}
+ThermalOverlay::ThermalOverlay() : m_irFrame(cv::Mat::zeros(thermalRows, thermalCols, CV_16UC1))
+{
+    clear();
+}
 
 void ThermalOverlay::clear()
 {
@@ -32,6 +41,7 @@ void ThermalOverlay::clear()
     m_parts.clear();
     m_irImages.release();
     m_lastRefusal = Refusal::None;
+    m_status = Failure{Failure::Kind::notPossible, text("No log is open.")};
 }
 
 bool ThermalOverlay::isActive() const
@@ -57,11 +67,19 @@ void ThermalOverlay::updateLogData(bool hasParser, const std::shared_ptr<const L
     } catch (const std::exception& error) {
         qWarning() << "No memory for the thermal frames:" << error.what();
         clear();
+        m_status = Failure{Failure::Kind::noMemory,
+                           text("There is too little memory for the thermal pictures of the log.")};
         return;
     }
     if (!usable) {
         qWarning() << "Thermal frames of the log cannot be used";
         clear();
+        m_status = Failure{Failure::Kind::damaged,
+                           text("The thermal pictures of the log cannot be used.")};
+    } else if (m_frameTimes.frameCount() == 0) {
+        m_status = Failure{Failure::Kind::notFound, text("The log holds no thermal pictures.")};
+    } else {
+        m_status = {};
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Result.h"
 #include "Log/LogFile.h"
 #include "Log/clocks.h"
 #include "Video/ThermalReading.h"
@@ -34,6 +35,9 @@ public:
     /// Drops the tables. The frame composed last stays: its bands stand in for parts that the next
     /// log has lost.
     void clear();
+
+    /// Whether the log has thermal frames, or why there are none.
+    const Status& status() const { return m_status; }
 
     /// Whether there are thermal frames and the log is synchronised with the video.
     bool isActive() const;
@@ -80,6 +84,7 @@ private:
     quint32 m_irPartsPerFrame = 0;
     cv::Mat m_irFrame;
     Refusal m_lastRefusal = Refusal::None;
+    Status m_status;
 };
 
 } // namespace corv

@@ -14,6 +14,11 @@ namespace {
 
 constexpr int busyMs = 1000;
 
+Failure noLog()
+{
+    return {Failure::Kind::notPossible, VideoPlayer::tr("No log is open.")};
+}
+
 } // namespace
 
 VideoPlayer::VideoPlayer(QQuickItem* parent) : VideoPlayer(systemVideoBackend(), parent) {}
@@ -27,6 +32,7 @@ VideoPlayer::VideoPlayer(std::shared_ptr<const VideoBackend> backend, QQuickItem
     m_timer.setTimerType(Qt::PreciseTimer);
     m_restTimer.setSingleShot(true);
     m_steadyClock.start();
+    m_thermalStatus = noLog();
     connect(&m_restTimer, &QTimer::timeout, this, [this] { goTo({SeekWish::From::lastWish}); });
     connect(&m_timer, SIGNAL(timeout()), this, SLOT(paintNextFrame()));
     connect(m_worker.get(), &OpenCvWorker::videoExportProgress, this,
@@ -168,6 +174,12 @@ void VideoPlayer::updateLogData()
         redraw();
 }
 
+void VideoPlayer::onThermalFrames(const Status& status)
+{
+    m_thermalStatus = status;
+    emit thermalStatusChanged();
+}
+
 // On the worker's thread.
 void VideoPlayer::storeIrData(double min, double max)
 {
@@ -221,6 +233,7 @@ void VideoPlayer::close()
     setFrameCount(0);
     if (workerHasFiles)
         toWorker([](OpenCvWorker& worker) { worker.closeSources(); });
+    onThermalFrames(noLog());
     const QTime zero(0, 0, 0, 0);
     if (m_duration > zero) {
         m_duration = zero;

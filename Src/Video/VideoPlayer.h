@@ -148,6 +148,9 @@ public:
     /// Up for a second after each change that takes the worker time; not a measure of its work.
     bool isBusy() const { return m_isBusy; }
 
+    /// Whether the log has thermal frames for the overlay, or why there are none.
+    const Status& thermalStatus() const { return m_thermalStatus; }
+
     /// Not owned; gives the overlay its log and its clock.
     LogParser* logParser() const { return m_logParser; }
     void setLogParser(LogParser* logParser);
@@ -238,7 +241,8 @@ public:
     const Status& framesExportResult() const { return m_framesExportResult; }
     const Status& videoExportResult() const { return m_videoExportResult; }
 
-    /// Takes the log of the parser into the overlay, and redraws a paused picture. Once per log.
+    /// Takes the log of the parser into the overlay, and redraws a paused picture. Once per log;
+    /// `thermalStatusChanged` follows each time.
     Q_INVOKABLE void updateLogData();
     Q_INVOKABLE void cancelExportVideo();
     Q_INVOKABLE void close();
@@ -280,6 +284,7 @@ signals:
     void thermalAsOnScreenChanged();
     void irPaletteChanged();
     void thermalReadingChanged();
+    void thermalStatusChanged();
 
     // The ends of work that takes time; the reason of a failure is in the result of that name.
     void frameSaveComplete(QString fileName, bool saved);
@@ -300,6 +305,7 @@ private:
     void onWishServed(int opening, WishOutcome outcome) override;
     void onRedrawFinished(int opening) override;
     void onPlaybackEnded(int opening) override;
+    void onThermalFrames(const Status& status) override;
     void onBurstFinished() override;
 
     /// A series of pictures that is being saved.
@@ -362,6 +368,7 @@ private:
     std::shared_ptr<const ThermalReading> m_thermal; // of the frame on screen
     std::atomic<bool> m_exportCancelled{false};
     FramesExport m_framesExport;
+    Status m_thermalStatus;
     Status m_frameSaveResult;
     Status m_frameCopyResult;
     Status m_framesExportResult;

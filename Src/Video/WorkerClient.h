@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/Result.h"
+
 #include <QSizeF>
 #include <QString>
 #include <QStringList>
@@ -70,6 +72,9 @@ public:
 
     /// No frames follow for playback: the end, or a medium that gives nothing more.
     virtual void onPlaybackEnded(int opening) = 0;
+
+    /// The thermal frames of a log have been taken over, or why there are none.
+    virtual void onThermalFrames(const Status& status) = 0;
 
     /// A burst is over, after its frames.
     virtual void onBurstFinished() = 0;

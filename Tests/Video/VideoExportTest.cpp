@@ -262,6 +262,7 @@ void VideoExportTest::theRangeIsSignalledOnTheInterfaceThread()
 void VideoExportTest::theOverlayOnScreenSaysItsValues()
 {
     openTwoFilesWithALog();
+    QTRY_VERIFY(m_player->thermalStatus().ok());
     QVERIFY(m_player->thermalExtremes().isEmpty());
     QVERIFY(qIsNaN(m_player->thermalValueAt(0.5, 0.5)));
     m_player->setShowIR(true);

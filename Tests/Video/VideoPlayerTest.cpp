@@ -371,6 +371,7 @@ void VideoPlayerTest::logDataNeedsALog()
     player.updateLogData();
     QTRY_COMPARE(surface.numbers.size(), 3);
     QCOMPARE(log.count("No log file"), 1);
+    QVERIFY(!player.thermalStatus());
 }
 
 QTEST_MAIN(VideoPlayerTest)
