@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QSysInfo>
 #include <QVariantMap>
@@ -35,7 +37,7 @@ void SystemInfo::writeToFile() const
 {
     QJsonObject root;
     root[QStringLiteral("timestamp")] =
-        QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+        QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("yyyy-MM-dd hh:mm:ss"));
 
     // The empty ones keep their place in the file; nothing is gathered for them.
     const QVariantMap properties = {
@@ -50,9 +52,15 @@ void SystemInfo::writeToFile() const
         propertiesObject[property.key()] = QJsonValue::fromVariant(property.value());
     root[QStringLiteral("properties")] = propertiesObject;
 
-    QFile file(m_filePath);
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        file.write(QJsonDocument(root).toJson());
+    // Written beside and renamed: an empty file would count as written at every later start.
+    QSaveFile file(m_filePath);
+    const QByteArray text = QJsonDocument(root).toJson();
+    // Flushed by hand: a commit takes what was still in its buffer for written.
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush() ||
+        !file.commit()) {
+        qWarning() << "System info not written:" << file.errorString() << m_filePath;
+        return;
+    }
     qInfo() << "System info written in the json " << m_filePath;
 }
 

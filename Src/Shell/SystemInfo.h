@@ -14,8 +14,8 @@ public:
 
     bool fileExists() const;
 
-    /// Writes the file anew. A file that cannot be opened goes unnoticed: the next start tries
-    /// again. Runs on a pool thread and shares nothing.
+    /// Writes the file anew, whole or not at all. Where it cannot be written the log says so, and
+    /// the next start tries again. Runs on a pool thread and shares nothing.
     void writeToFile() const;
 
     /// Installed memory in kilobytes, 0 where the system does not tell.

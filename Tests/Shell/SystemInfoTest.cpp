@@ -1,5 +1,7 @@
 #include "Shell/SystemInfo.h"
+#include "Support/FullDisk.h"
 #include "Support/MessageLog.h"
+#include "Support/ProgramRun.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,6 +18,8 @@ private slots:
     void init();
     void writesTheFactsItNames();
     void aFolderThatIsMissingGoesUnnoticed();
+    void aFullDiskLeavesNoFile();
+    void theDigitsAreThoseOfEveryLocale();
 };
 
 void SystemInfoTest::initTestCase()
@@ -49,6 +53,9 @@ void SystemInfoTest::writesTheFactsItNames()
     QCOMPARE(text, document.toJson(QJsonDocument::Indented));
     const QJsonObject root = document.object();
     QCOMPARE(root.keys(), QStringList({QStringLiteral("properties"), QStringLiteral("timestamp")}));
+    QVERIFY(QRegularExpression(QStringLiteral("\\A[-: 0-9]{19}\\z"))
+                .match(root[QStringLiteral("timestamp")].toString())
+                .hasMatch());
     QVERIFY(QDateTime::fromString(root[QStringLiteral("timestamp")].toString(),
                                   QStringLiteral("yyyy-MM-dd hh:mm:ss"))
                 .isValid());
@@ -70,6 +77,29 @@ void SystemInfoTest::aFolderThatIsMissingGoesUnnoticed()
     const corv::SystemInfo info;
     info.writeToFile();
     QVERIFY(!info.fileExists());
+}
+
+void SystemInfoTest::aFullDiskLeavesNoFile()
+{
+    const corv::SystemInfo info;
+    QVERIFY(QFileInfo(info.filePath()).dir().mkpath(QStringLiteral(".")));
+    {
+        const corv::test::FullDisk disk(0);
+        info.writeToFile();
+    }
+    QVERIFY(!info.fileExists());
+    info.writeToFile();
+    QVERIFY(info.fileExists());
+}
+
+void SystemInfoTest::theDigitsAreThoseOfEveryLocale()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("ar_EG.UTF-8"));
+    const corv::test::ProgramRun run =
+        corv::test::runProgram(QCoreApplication::applicationFilePath(),
+                               {QStringLiteral("writesTheFactsItNames")}, environment);
+    QVERIFY2(run.status == 0, run.out);
 }
 
 QTEST_GUILESS_MAIN(SystemInfoTest)
