@@ -1,5 +1,7 @@
 #include "Docx/zipParts.h"
 
+#include <QRegularExpression>
+#include <QSet>
 #include <quazip/quazip.h>
 #include <quazip/quazipfile.h>
 #include <quazip/quazipfileinfo.h>
@@ -16,6 +18,21 @@ constexpr qint64 chunkBytes = 64 * 1024;
 {
     throw std::runtime_error(
         QStringLiteral("%1: %2").arg(fileName, QLatin1String(reason)).toStdString());
+}
+
+// The names of a template's parts become those of the report's. One that leads out of the folder in
+// which somebody unpacks the report, or that only some programs can read, does not get there.
+bool isPartName(const QString& name)
+{
+    constexpr int longestName = 255;
+    static const QRegularExpression forbidden(QStringLiteral("[\\\\:*?\"<>|\\x00-\\x1f\\x7f]"));
+    if (name.size() > longestName || forbidden.match(name).hasMatch())
+        return false;
+    for (const QString& element : name.split(QLatin1Char('/'))) {
+        if (element.isEmpty() || element.endsWith(QLatin1Char('.')))
+            return false;
+    }
+    return true;
 }
 
 QByteArray readPart(QuaZip& zip, const QString& fileName, qint64& bytesLeft)
@@ -51,13 +68,20 @@ std::vector<ZipPart> readZipParts(const QString& fileName)
     if (!zip.open(QuaZip::mdUnzip))
         fail(fileName, "this is no template, it cannot be unpacked");
     std::vector<ZipPart> parts;
+    QSet<QString> names;
     qint64 bytesLeft = mostBytes;
     for (bool more = zip.goToFirstFile(); more; more = zip.goToNextFile()) {
         if (parts.size() == mostParts)
             fail(fileName, "the template has too many parts");
         const QString name = zip.getCurrentFileName();
-        if (!name.endsWith(QLatin1Char('/')))
-            parts.push_back({name, readPart(zip, fileName, bytesLeft)});
+        if (name.endsWith(QLatin1Char('/')))
+            continue;
+        if (!isPartName(name))
+            fail(fileName, "a part of the template has a name that no document may have");
+        if (names.contains(name.toCaseFolded()))
+            fail(fileName, "two parts of the template have one name");
+        names.insert(name.toCaseFolded());
+        parts.push_back({name, readPart(zip, fileName, bytesLeft)});
     }
     if (zip.getZipError() != UNZ_OK)
         fail(fileName, "the template is damaged");

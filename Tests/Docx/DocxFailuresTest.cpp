@@ -118,6 +118,14 @@ private slots:
         Parts many = templateParts(page());
         for (int i = 0; i < 3000; ++i)
             many[QString("part%1").arg(i)] = "x";
+        const QString badName = "has a name that no document may have";
+        for (const char* name :
+             {"../above.xml", "word/../../above.xml", "/etc/passwd", "C:/x.xml", "word\\x.xml",
+              "word//x.xml", "word/./x.xml", "word/a\nb.xml", "word/what?.xml"})
+            QTest::addRow("part %s", name) << with(name, "x") << badName;
+        QTest::newRow("part of a long name") << with(QString(300, 'n'), "x") << badName;
+        QTest::newRow("two parts of one name")
+            << with("WORD/Document.xml", "x") << "two parts of the template have one name";
         QTest::newRow("thousands of parts") << zipped(many) << "too many parts";
     }
 
