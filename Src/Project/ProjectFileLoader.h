@@ -19,7 +19,7 @@ public:
 
     /// A project that is larger than this is not read at all: no flight has marks and settings for
     /// it, and parsing takes several times its size in memory.
-    static constexpr qint64 largestProjectBytes = 128 * 1024 * 1024;
+    static constexpr qint64 largestProjectBytes = 16 * 1024 * 1024;
 
     /// More marks than a two-hour flight has frames worth telling apart are cut off on loading.
     static constexpr int mostMarks = 100000;

@@ -311,6 +311,19 @@ private slots:
         QVERIFY(log.contains("Unable to find video path"));
     }
 
+    // A second of the window, however the file is made; more would hold it for a minute.
+    void aProjectOfTheLimitIsReadAndALargerOneNot()
+    {
+        QByteArray text = project(R"({"files":{"video":"v","log":"l"}})");
+        text += QByteArray(static_cast<int>((16 << 20) - text.size()), ' ');
+        writeFile(path("p.ecor"), text);
+        QVERIFY(m_loader.loadProject(path("p.ecor"))["videoFile"].toString().endsWith("/v"));
+        writeFile(path("p.ecor"), text + ' ');
+        MessageLog log;
+        QVERIFY(!m_loader.loadProject(path("p.ecor"))["videoFile"].toString().endsWith("/v"));
+        QVERIFY(log.contains("Project file is too large"));
+    }
+
     void aMillionMarksAreCutOff()
     {
         QByteArray poi = R"({"time":0})";
