@@ -1,6 +1,7 @@
 #include "Project/ReportWriter.h"
 
 #include "Docx/DocxMerger.h"
+#include "Project/ReportFolder.h"
 #include "Video/VideoPlayer.h"
 #include "Video/pictureFile.h"
 
@@ -10,7 +11,6 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QSemaphore>
-#include <QTemporaryDir>
 #include <QTime>
 #include <algorithm>
 #include <exception>
@@ -29,7 +29,7 @@ const QString page = QStringLiteral("Page");
 /// the report was given up, so it keeps the folder that it is saved in.
 struct FrameRequest
 {
-    std::shared_ptr<QTemporaryDir> folder;
+    std::shared_ptr<ReportFolder> folder;
     std::atomic<bool> done{false};
     QSemaphore wakeUp;
 };
@@ -81,7 +81,8 @@ bool ReportWriter::writeWordReport(QString path, VideoPlayer* player, QVariantLi
                                    QVariantMap flightNaming, Progress progress)
 {
     qInfo() << "Vistrel will create a POI report at path:" << path;
-    m_frameFolder = std::make_shared<QTemporaryDir>();
+    ReportFolder::sweep();
+    m_frameFolder = std::make_shared<ReportFolder>();
     if (!QFileInfo::exists(m_templatePath)) {
         qWarning() << "DFW export template not found at:" << m_templatePath;
         return false;

@@ -7,11 +7,10 @@
 #include <functional>
 #include <memory>
 
-class QTemporaryDir;
-
 namespace corv {
 
 class DocxMerger;
+class ReportFolder;
 class VideoPlayer;
 
 /// Writes the report of a flight's marks: a Word document with a cover and one page per mark. Made
@@ -47,7 +46,7 @@ private:
 
     const std::atomic<bool>* m_abortFlag;
     QString m_templatePath;
-    std::shared_ptr<QTemporaryDir> m_frameFolder;
+    std::shared_ptr<ReportFolder> m_frameFolder;
 };
 
 /// Minutes, seconds and milliseconds of a mark as the report shows them: 65,007 ms reads 01:05.7.
