@@ -1,0 +1,247 @@
+#include "Shell/crashReport.h"
+
+#include "Shell/AppInfo.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+#include <execinfo.h>
+#include <fcntl.h>
+#include <unistd.h>
+#include <vector>
+
+namespace corv::crashReport {
+namespace {
+
+const QString fileName = QStringLiteral("Vistrel-crash.txt");
+constexpr int keptReports = 5;
+constexpr int keptLines = 200;
+constexpr size_t tailBytes = 256 * 1024;
+constexpr int deepestStack = 128;
+constexpr size_t alternateStackBytes = 128 * 1024;
+
+struct Signal
+{
+    int number;
+    const char* name;
+};
+constexpr std::array<Signal, 5> signalsOfACrash = {{{SIGSEGV, "SIGSEGV"},
+                                                    {SIGBUS, "SIGBUS"},
+                                                    {SIGFPE, "SIGFPE"},
+                                                    {SIGILL, "SIGILL"},
+                                                    {SIGABRT, "SIGABRT"}}};
+
+// All that the handler needs, made before: in a crash no memory can be had and no lock taken.
+struct Prepared
+{
+    std::array<char, 4096> reportPath{};
+    std::array<char, 4096> logPath{};
+    std::array<char, 64> version{};
+    std::array<char, tailBytes> tail{};
+    std::array<void*, deepestStack> stack{};
+};
+Prepared prepared;
+volatile std::sig_atomic_t isWriting = 0;
+
+template <size_t size>
+bool keep(std::array<char, size>& target, const QByteArray& text)
+{
+    if (static_cast<size_t>(text.size()) >= size)
+        return false;
+    std::memcpy(target.data(), text.constData(), static_cast<size_t>(text.size()) + 1);
+    return true;
+}
+
+// ---- what follows runs in the handler and calls only what a handler may call ----
+
+void put(int file, const char* text, size_t sizeBytes)
+{
+    while (sizeBytes > 0) {
+        const ssize_t written = ::write(file, text, sizeBytes);
+        if (written <= 0)
+            return;
+        text += written;
+        sizeBytes -= static_cast<size_t>(written);
+    }
+}
+
+void put(int file, const char* text)
+{
+    put(file, text, std::strlen(text));
+}
+
+void putNumber(int file, long long number)
+{
+    std::array<char, 24> digits{};
+    size_t begin = digits.size();
+    do {
+        digits[--begin] = static_cast<char>('0' + number % 10);
+        number /= 10;
+    } while (number > 0);
+    put(file, digits.data() + begin, digits.size() - begin);
+}
+
+// The last lines of the log. What the log had written is in its file: it does not buffer.
+void putLastLines(int file)
+{
+    const int log = ::open(prepared.logPath.data(), O_RDONLY | O_CLOEXEC);
+    if (log < 0)
+        return;
+    const off_t end = ::lseek(log, 0, SEEK_END);
+    ::lseek(log, std::max<off_t>(0, end - static_cast<off_t>(tailBytes)), SEEK_SET);
+    size_t size = 0;
+    while (size < tailBytes) {
+        const ssize_t read = ::read(log, prepared.tail.data() + size, tailBytes - size);
+        if (read <= 0)
+            break;
+        size += static_cast<size_t>(read);
+    }
+    ::close(log);
+    size_t begin = size;
+    for (int lines = 0; begin > 0; --begin) {
+        if (prepared.tail[begin - 1] == '\n' && ++lines > keptLines)
+            break;
+    }
+    put(file, prepared.tail.data() + begin, size - begin);
+}
+
+const char* nameOf(int number)
+{
+    for (const Signal& signal : signalsOfACrash) {
+        if (signal.number == number)
+            return signal.name;
+    }
+    return "?";
+}
+
+void writeReport(int number)
+{
+    const int file = ::open(prepared.reportPath.data(),
+                            O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (file < 0)
+        return;
+    put(file, "signal: ");
+    put(file, nameOf(number));
+    put(file, "\nmoment: ");
+    putNumber(file, static_cast<long long>(std::time(nullptr)));
+    put(file, "\nversion: ");
+    put(file, prepared.version.data());
+    put(file, "\n\nstack of the thread that crashed:\n");
+    const int depth = ::backtrace(prepared.stack.data(), deepestStack);
+    ::backtrace_symbols_fd(prepared.stack.data(), depth, file);
+    put(file, "\nlast lines of the log:\n");
+    putLastLines(file);
+    ::close(file);
+}
+
+void handle(int number)
+{
+    // One report: not one of a crash in here, nor of a second thread that crashes meanwhile.
+    if (isWriting == 0) {
+        isWriting = 1;
+        writeReport(number);
+    }
+    // The handler is gone by now: the system does with the signal what it would have done.
+    ::raise(number);
+}
+
+// ---- end of what runs in the handler ----
+
+QString reportPathBeside(const QString& logFilePath)
+{
+    return QFileInfo(logFilePath).dir().filePath(fileName);
+}
+
+QString valueOf(const QByteArray& report, const char* key)
+{
+    const QByteArray start = QByteArray(key) + ": ";
+    for (const QByteArray& line : report.left(1024).split('\n')) {
+        if (line.startsWith(start))
+            return QString::fromLatin1(line.mid(start.size()));
+    }
+    return {};
+}
+
+void removeOldReports(const QDir& folder)
+{
+    QStringList reports =
+        folder.entryList({QStringLiteral("Vistrel-crash-*.txt")}, QDir::Files, QDir::Name);
+    while (reports.size() > keptReports)
+        QFile::remove(folder.filePath(reports.takeFirst()));
+}
+
+} // namespace
+
+void install(const QString& logFilePath)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    Q_UNUSED(logFilePath)
+#else
+    if (!keep(prepared.reportPath, QFile::encodeName(reportPathBeside(logFilePath))) ||
+        !keep(prepared.logPath, QFile::encodeName(logFilePath)) ||
+        !keep(prepared.version, AppInfo().versionString().toLatin1())) {
+        qWarning() << "No crash reports: the path is too long:" << logFilePath;
+        return;
+    }
+    // The first call loads a library, which a handler must not do.
+    ::backtrace(prepared.stack.data(), 1);
+    // A stack of its own: the usual one may be what has run out.
+    static std::vector<char> alternateStack(alternateStackBytes);
+    stack_t stack{};
+    stack.ss_sp = alternateStack.data();
+    stack.ss_size = alternateStack.size();
+    ::sigaltstack(&stack, nullptr);
+    struct sigaction action = {};
+    action.sa_handler = handle;
+    action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND | SA_NODEFER);
+    sigemptyset(&action.sa_mask);
+    for (const Signal& signal : signalsOfACrash)
+        ::sigaction(signal.number, &action, nullptr);
+#endif
+}
+
+std::optional<Summary> take(const QString& logFilePath)
+{
+    QFile report(reportPathBeside(logFilePath));
+    const QFileInfo info(report.fileName());
+    if (!info.isFile() || !report.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray text = report.read(1024);
+    report.close();
+    Summary summary;
+    summary.reason = valueOf(text, "signal");
+    if (summary.reason.isEmpty())
+        summary.reason = QStringLiteral("the cause is not known");
+    bool isNumber = false;
+    const qint64 seconds = valueOf(text, "moment").toLongLong(&isNumber);
+    summary.moment = isNumber ? QDateTime::fromSecsSinceEpoch(seconds) : info.lastModified();
+    const QDir folder = info.dir();
+    summary.filePath = folder.filePath(
+        QStringLiteral("Vistrel-crash-%1.txt")
+            .arg(QLocale::c().toString(summary.moment, QStringLiteral("yyyyMMdd-HHmmss"))));
+    QFile::remove(summary.filePath);
+    if (!QFile::rename(report.fileName(), summary.filePath)) {
+        qWarning() << "The report of a crash cannot be moved:" << report.fileName();
+        return std::nullopt; // or it would be shown at every start
+    }
+    removeOldReports(folder);
+    qInfo() << "The last run crashed with" << summary.reason << "; report:" << summary.filePath;
+    return summary;
+}
+
+QString notice(const Summary& summary)
+{
+    return QStringLiteral("Vistrel crashed on %1 (%2). What is known of it is in the file %3. It "
+                          "was not sent anywhere.")
+        .arg(QLocale(QLocale::English).toString(summary.moment, QStringLiteral("d MMMM, HH:mm")),
+             summary.reason, QDir::toNativeSeparators(summary.filePath));
+}
+
+} // namespace corv::crashReport

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <optional>
+
+/// What is kept of a crash: one text file beside the diagnostic log, with the signal, the stack of
+/// the thread that crashed and the last lines of the log. It stays on this machine.
+namespace corv::crashReport {
+
+/// What the file of an earlier run says in short.
+struct Summary
+{
+    QString filePath; ///< the whole report
+    QDateTime moment; ///< when the program crashed
+    QString reason;   ///< the name of the signal, such as "SIGSEGV"
+};
+
+/// Writes "Vistrel-crash.txt" into the folder of `logFilePath` when the program crashes, and lets
+/// it crash then as it would have. Once, at the start, after the log is open. Does nothing in a
+/// build with sanitizers, which have reports of their own.
+void install(const QString& logFilePath);
+
+/// The report that a crashed run left beside `logFilePath`. It is moved aside, so that each crash
+/// is returned once; the five latest are kept. Nothing where the last run did not crash. Interface
+/// thread.
+std::optional<Summary> take(const QString& logFilePath);
+
+/// The sentences for the pilot: what happened, where it is written down, that nothing was sent.
+QString notice(const Summary& summary);
+
+} // namespace corv::crashReport
