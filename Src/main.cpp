@@ -2,10 +2,12 @@
 #include "App/qmlTypes.h"
 #include "App/saveDialogSuffix.h"
 #include "Platform/Platform.h"
+#include "Project/ReportFolder.h"
 #include "Shell/AppInfo.h"
 #include "Shell/SystemInfo.h"
 #include "Shell/applicationLogging.h"
 #include "Shell/applicationNames.h"
+#include "Shell/crashReport.h"
 #include "Threads/pool.h"
 #include "Update/UpdateManager.h"
 
@@ -14,11 +16,14 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QLoggingCategory>
+#include <QMessageBox>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQuickWindow>
 #include <QTimer>
 #include <QWindow>
+#include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -36,6 +41,20 @@ void openFirstArgument(QObject* root, const QString& argument)
     // Absolute: what is saved later must not depend on the folder that the program was started in.
     QMetaObject::invokeMethod(root, isVideo ? "loadVideo" : "loadProject", Qt::QueuedConnection,
                               Q_ARG(QVariant, QVariant(file.absoluteFilePath())));
+}
+
+// Without its documents the program has no window of its own to say so in. Gives the exit code.
+int reportMissingInterface(const QStringList& reasons)
+{
+    constexpr int mostReasons = 5;
+    qCritical() << "The interface could not be loaded" << reasons;
+    const QString text =
+        QStringLiteral("The window of Vistrel could not be loaded. Part of the installation is "
+                       "missing or damaged: install the package again. What is missing:\n\n") +
+        QStringList(reasons.mid(0, mostReasons)).join(QLatin1Char('\n'));
+    std::fprintf(stderr, "vistrel: %s\n", qPrintable(text));
+    QMessageBox::critical(nullptr, QStringLiteral("Vistrel"), text);
+    return 1;
 }
 
 void connectUpdater(corv::UpdateManager& updater, QObject* root)
@@ -59,6 +78,9 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     corv::setApplicationNames();
     corv::ApplicationLogging::instance().init();
+    const QString logFilePath = corv::ApplicationLogging::instance().filePath();
+    const std::optional<corv::crashReport::Summary> crash = corv::crashReport::take(logFilePath);
+    corv::crashReport::install(logFilePath);
 
     const corv::AppInfo appInfo;
     qInfo("Vistrel version %s started; process id: %d", qPrintable(appInfo.versionString()),
@@ -68,6 +90,8 @@ int main(int argc, char** argv)
     if (!systemInfo.fileExists())
         corv::runOnPool([systemInfo] { systemInfo.writeToFile(); });
 
+    corv::runOnPool([] { corv::ReportFolder::sweep(); });
+
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::registerQmlTypes();
     corv::completeNamesInSaveDialogs(application);
@@ -75,13 +99,20 @@ int main(int argc, char** argv)
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));
 
     QQmlApplicationEngine engine;
+    QStringList reasons;
+    QObject::connect(&engine, &QQmlEngine::warnings, &engine,
+                     [&reasons](const QList<QQmlError>& errors) {
+                         for (const QQmlError& error : errors)
+                             reasons << error.toString();
+                     });
     engine.rootContext()->setContextProperty(QStringLiteral("applicationDirPath"),
                                              QApplication::applicationDirPath());
+    // For the interface: what to say of a crash of the last run, empty where there was none.
+    engine.rootContext()->setContextProperty(QStringLiteral("crashNotice"),
+                                             crash ? corv::crashReport::notice(*crash) : QString());
     engine.load(QUrl(QStringLiteral("qrc:/main.qml")));
-    if (engine.rootObjects().isEmpty()) {
-        qCritical() << "The interface could not be loaded";
-        return 1;
-    }
+    if (engine.rootObjects().isEmpty())
+        return reportMissingInterface(reasons);
     QObject* root = engine.rootObjects().constFirst();
     if (auto* window = qobject_cast<QWindow*>(root))
         window->setIcon(QIcon(QStringLiteral(":/logo.ico")));

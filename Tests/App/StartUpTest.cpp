@@ -17,6 +17,8 @@ private slots:
     void opensTheFirstArgument_data();
     void opensTheFirstArgument();
     void recordsTheSystemOnce();
+    void sweepsWhatAKilledReportLeft();
+    void saysThatTheInterfaceIsMissing();
     // Last: the display keeps a key down whose release finds no window any more.
     void startsWithoutArgumentsAndQuits();
 
@@ -28,6 +30,7 @@ private:
         return m_home->filePath(QStringLiteral("data/Corvenity/Vistrel/") + name);
     }
 
+    QString m_modules; ///< a folder of modules that comes before that of the system
     std::unique_ptr<QTemporaryDir> m_home;
     std::unique_ptr<QProcess> m_program;
 };
@@ -41,6 +44,7 @@ const QString updateCheck = QStringLiteral("update check");
 
 void StartUpTest::init()
 {
+    m_modules.clear();
     m_home = std::make_unique<QTemporaryDir>();
     m_program = std::make_unique<QProcess>();
 }
@@ -59,6 +63,9 @@ void StartUpTest::start(const QStringList& arguments)
     environment.insert(QStringLiteral("XDG_DATA_HOME"), m_home->filePath(QStringLiteral("data")));
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
                        m_home->filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("TMPDIR"), m_home->path());
+    if (!m_modules.isEmpty())
+        environment.insert(QStringLiteral("QML2_IMPORT_PATH"), m_modules);
     m_program->setProcessEnvironment(environment);
     m_program->setWorkingDirectory(m_home->path());
     m_program->start(QStringLiteral(VISTREL_PROGRAM), arguments);
@@ -135,6 +142,45 @@ void StartUpTest::startsWithoutArgumentsAndQuits()
     QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_program->exitCode(), 0);
     QVERIFY(log().contains(QStringLiteral("Bye! Exit code:  0")));
+}
+
+void StartUpTest::sweepsWhatAKilledReportLeft()
+{
+    // Above the highest number of a process that the system gives.
+    const QString folder = m_home->filePath(QStringLiteral("vistrel-report-2147483000-aBcDeF"));
+    QVERIFY(QDir().mkpath(folder));
+    QFile picture(folder + QStringLiteral("/generated_image_0.png"));
+    QVERIFY(picture.open(QIODevice::WriteOnly) && picture.write("x") == 1);
+    picture.close();
+    start({});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    QTRY_VERIFY(!QFile::exists(folder));
+}
+
+// A module of the installation that is damaged.
+void StartUpTest::saysThatTheInterfaceIsMissing()
+{
+    const QString module = m_home->filePath(QStringLiteral("modules/QtQuick/Controls.1"));
+    QVERIFY(QDir().mkpath(module));
+    QFile description(module + QStringLiteral("/qmldir"));
+    QVERIFY(description.open(QIODevice::WriteOnly));
+    description.write("module QtQuick.Controls\nplugin thatisnotthere\n");
+    description.close();
+    m_modules = m_home->filePath(QStringLiteral("modules"));
+    start({});
+    QProcess keyboard;
+    keyboard.start(QStringLiteral("xdotool"),
+                   {QStringLiteral("search"), QStringLiteral("--sync"),
+                    QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+                    QStringLiteral("^Vistrel$"), QStringLiteral("windowactivate"),
+                    QStringLiteral("--sync"), QStringLiteral("key"), QStringLiteral("Return")});
+    QVERIFY(keyboard.waitForFinished());
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->state(), QProcess::NotRunning, 30'000);
+    QCOMPARE(m_program->exitCode(), 1);
+    const QByteArray said = m_program->readAllStandardError();
+    QVERIFY2(said.contains("install the package again"), said);
+    QVERIFY2(said.contains("thatisnotthere"), said);
+    QVERIFY(log().contains(QStringLiteral("The interface could not be loaded")));
 }
 
 void StartUpTest::recordsTheSystemOnce()
