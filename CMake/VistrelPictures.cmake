@@ -68,9 +68,10 @@ function(vistrel_make_pictures)
     set(qrc "${directory}/pictures.qrc")
     file(CONFIGURE OUTPUT "${qrc}"
          CONTENT "<RCC>\n  <qresource prefix=\"/\">\n${entries}  </qresource>\n</RCC>\n" @ONLY)
+    # The first format of resources holds no times of files.
     set(cpp "${directory}/qrc_pictures.cpp")
     add_custom_command(OUTPUT "${cpp}"
-        COMMAND Qt5::rcc --name vistrel_pictures --output "${cpp}" "${qrc}"
+        COMMAND Qt5::rcc --format-version 1 --name vistrel_pictures --output "${cpp}" "${qrc}"
         DEPENDS "${qrc}" ${paths}
         COMMENT "Compiling the pictures" VERBATIM)
     add_library(vistrel_pictures OBJECT "${cpp}")

@@ -6,6 +6,19 @@ if(VISTREL_WARNINGS_AS_ERRORS)
 endif()
 target_compile_definitions(vistrel_options INTERFACE QT_MESSAGELOGCONTEXT)
 
+# What the programs that are delivered have besides: defences against attacks through memory, and no
+# trace of the folders they were built in, so that two builds have the same bytes.
+add_library(vistrel_delivered INTERFACE)
+if(VISTREL_DELIVERY)
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES CXX)
+    target_compile_options(vistrel_delivered INTERFACE
+        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" "-ffile-prefix-map=${PROJECT_BINARY_DIR}/="
+        -fstack-protector-strong
+        "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>") # needs an optimiser
+    target_link_options(vistrel_delivered INTERFACE -Wl,-z,relro -Wl,-z,now)
+endif()
+
 # vistrel_room(NAME SOURCES ... LINK ...): one static library per folder of Src, vistrel_NAME. LINK
 # names the rooms and the libraries whose headers the room includes, and no others are found by its
 # compiler: every room has a folder of its own with one link to its sources, which only those see that
@@ -21,7 +34,8 @@ function(vistrel_room name)
         add_library(${library} STATIC ${ROOM_SOURCES})
         target_include_directories(${library} PUBLIC "${view}")
         # PRIVATE: a static library passes on what must be linked, and none of the include folders.
-        target_link_libraries(${library} PUBLIC Qt5::Core PRIVATE ${ROOM_LINK} vistrel_options)
+        target_link_libraries(${library} PUBLIC Qt5::Core PRIVATE ${ROOM_LINK} vistrel_options
+                                                            vistrel_delivered)
     else()
         add_library(${library} INTERFACE)
         target_include_directories(${library} INTERFACE "${view}")

@@ -5,6 +5,9 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
@@ -44,6 +47,13 @@ private slots:
     void fileTypesAreKnown_data();
     void fileTypesAreKnown();
     void desktopEntryStartsTheCommand();
+    void desktopEntryFindsTheCommandUnderAnotherPrefix();
+    void programsAreHardened_data();
+    void programsAreHardened();
+    void billOfMaterialsNamesEveryDependency();
+    void releaseNotesAreThere();
+    void anotherMaskClockAndLanguageGiveTheSamePackage();
+    void everybodyMayReadWhatIsInstalled();
     void packagePassesLintian();
     void packageDependsOnEveryModule_data();
     void packageDependsOnEveryModule();
@@ -99,9 +109,12 @@ void InstallTest::installsTheseFilesAndNoOthers()
         "lib/vistrel/manual.pdf",
         "lib/vistrel/vistrel",
         "lib/vistrel/vistrel-cli",
+        "lib/vistrel/vistrel-sample-flight",
         "share/applications/example.corvenity.vistrel.desktop",
+        "share/doc/vistrel/LICENSE",
         "share/doc/vistrel/changelog.gz",
         "share/doc/vistrel/copyright",
+        "share/doc/vistrel/vistrel.spdx.json",
         "share/icons/hicolor/128x128/apps/vistrel.png",
         "share/icons/hicolor/256x256/apps/vistrel.png",
         "share/icons/hicolor/48x48/apps/vistrel.png",
@@ -253,6 +266,132 @@ void InstallTest::desktopEntryStartsTheCommand()
     // A local path, blanks and all, as one argument; scaled to the screen.
     QVERIFY(entry.contains("\nExec=env QT_AUTO_SCREEN_SCALE_FACTOR=1 vistrel %f\n"));
     QVERIFY(entry.contains("\nIcon=vistrel\n"));
+}
+
+// A prefix that nothing looks for commands in, with every letter that an entry has to quote.
+void InstallTest::desktopEntryFindsTheCommandUnderAnotherPrefix()
+{
+    const QString prefix = m_folder.filePath("opt/100% ours \"$HOME\" `x`");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("DESTDIR");
+    const ProgramRun install =
+        runProgram(CMAKE_PROGRAM, {"--install", BUILD_FOLDER, "--prefix", prefix}, environment, {});
+    QVERIFY2(install.status == 0, install.error);
+    const QString entry = prefix + "/share/applications/example.corvenity.vistrel.desktop";
+    const ProgramRun check = run("desktop-file-validate", {entry});
+    QVERIFY2(check.status == 0, check.out + check.error);
+    const QRegularExpression exec("^Exec=env QT_AUTO_SCREEN_SCALE_FACTOR=1 \"(.*)\" %f$",
+                                  QRegularExpression::MultilineOption);
+    const QRegularExpressionMatch match = exec.match(textOf(entry));
+    QVERIFY2(match.hasMatch(), qPrintable(textOf(entry)));
+    // Read as a desktop reads it: the text's escapes, then those of the command, then the codes.
+    QString command = match.captured(1);
+    command.replace("\\\\", "\\");
+    command.replace(QRegularExpression("\\\\([\"`$\\\\])"), "\\1");
+    command.replace("%%", "%");
+    QCOMPARE(command, prefix + "/bin/vistrel");
+    QVERIFY(QFileInfo(command).isExecutable());
+    QVERIFY(textOf(entry).contains("\nTryExec=" + command + '\n'));
+}
+
+void InstallTest::programsAreHardened_data()
+{
+    QTest::addColumn<QString>("program");
+    for (const char* program : {"vistrel", "vistrel-cli", "vistrel-sample-flight"})
+        QTest::newRow(program) << staged(QString("lib/vistrel/") + program);
+}
+
+void InstallTest::programsAreHardened()
+{
+    QFETCH(QString, program);
+    if (!QString(VISTREL_DELIVERY).contains("ON"))
+        QSKIP("this is no build for delivery");
+    const ProgramRun facts = run("readelf", {"--wide", "--file-header", "--program-headers",
+                                             "--dynamic", "--dyn-syms", program});
+    QVERIFY2(facts.status == 0, facts.error);
+    QVERIFY(facts.out.contains("DYN (Position-Independent Executable file)"));
+    QVERIFY(facts.out.contains("GNU_RELRO"));
+    QVERIFY(QRegularExpression("FLAGS_1.*NOW").match(QString::fromUtf8(facts.out)).hasMatch());
+    QVERIFY(facts.out.contains("__stack_chk_fail"));
+    const QRegularExpression stack("GNU_STACK .* RW +0x");
+    QVERIFY(stack.match(QString::fromUtf8(facts.out)).hasMatch());
+    const ProgramRun flags = run("grep", {"-c", "_FORTIFY_SOURCE=2", BUILD_FOLDER "/build.ninja"});
+    QVERIFY(flags.out.trimmed().toInt() > 50);
+}
+
+void InstallTest::billOfMaterialsNamesEveryDependency()
+{
+    const QJsonObject bill =
+        QJsonDocument::fromJson(textOf(staged("share/doc/vistrel/vistrel.spdx.json")).toUtf8())
+            .object();
+    QCOMPARE(bill["spdxVersion"].toString(), QString("SPDX-2.3"));
+    QCOMPARE(bill["SPDXID"].toString(), QString("SPDXRef-DOCUMENT"));
+    QVERIFY(!bill["creationInfo"].toObject()["created"].toString().isEmpty());
+    QSet<QString> names;
+    QSet<QString> ids;
+    for (const QJsonValue& package : bill["packages"].toArray()) {
+        const QString id = package["SPDXID"].toString();
+        QVERIFY2(!ids.contains(id), qPrintable(id));
+        ids.insert(id);
+        names.insert(package["name"].toString());
+        QVERIFY(!package["versionInfo"].toString().isEmpty());
+        QVERIFY(!package["downloadLocation"].toString().isEmpty());
+    }
+    for (const QJsonValue& relationship : bill["relationships"].toArray())
+        QVERIFY(ids.contains(relationship["relatedSpdxElement"].toString()));
+    QCOMPARE(bill["relationships"].toArray().size(), ids.size());
+
+    const ProgramRun fields = run("dpkg-deb", {"--field", package(), "Depends"});
+    QVERIFY2(fields.status == 0, fields.error);
+    for (const QByteArray& dependency : fields.out.split(',')) {
+        const QByteArray name = dependency.trimmed().split(' ').first();
+        QVERIFY2(names.contains(QString::fromUtf8(name)), name);
+    }
+}
+
+void InstallTest::releaseNotesAreThere()
+{
+    const QString text = textOf(staged("share/metainfo/example.corvenity.vistrel.metainfo.xml"));
+    const QRegularExpression release("<release version=\"" VISTREL_VERSION
+                                     "\" date=\"\\d{4}-\\d\\d-\\d\\d\"[^>]*>\\s*<description>");
+    QVERIFY(release.match(text).hasMatch());
+}
+
+// Made again by somebody whose files nobody else may read, at the other end of the world.
+void InstallTest::anotherMaskClockAndLanguageGiveTheSamePackage()
+{
+    const QString folder = m_folder.filePath("again");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TZ", "Pacific/Kiritimati");
+    environment.insert("LC_ALL", "tr_TR.UTF-8");
+    const QString script = QString("umask 077; exec \"$0\" -G DEB --config \"$1\" -B \"$2\"");
+    const ProgramRun pack =
+        runProgram("sh", {"-c", script, CPACK_PROGRAM, BUILD_FOLDER "/CPackConfig.cmake", folder},
+                   environment, m_folder.path());
+    QVERIFY2(pack.status == 0, pack.out + pack.error);
+    const QString again = QDir(folder).filePath(QFileInfo(package()).fileName());
+    QFile first(package());
+    QFile second(again);
+    QVERIFY(first.open(QIODevice::ReadOnly) && second.open(QIODevice::ReadOnly));
+    QVERIFY(first.readAll() == second.readAll());
+}
+
+void InstallTest::everybodyMayReadWhatIsInstalled()
+{
+    const QString folder = m_folder.filePath("again");
+    const ProgramRun list =
+        run("dpkg-deb", {"--contents", QDir(folder).filePath(QFileInfo(package()).fileName())});
+    QVERIFY2(list.status == 0, list.error);
+    int entries = 0;
+    for (const QByteArray& line : list.out.trimmed().split('\n')) {
+        const QByteArray mode = line.left(10);
+        QVERIFY2(mode == "drwxr-xr-x" || mode == "-rw-r--r--" || mode == "-rwxr-xr-x" ||
+                     mode == "lrwxrwxrwx",
+                 line);
+        QVERIFY2(line.contains("root/root"), line);
+        ++entries;
+    }
+    QVERIFY(entries > 30);
 }
 
 void InstallTest::packagePassesLintian()

@@ -1,12 +1,14 @@
 #include "ManualDocument.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QSaveFile>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextFrame>
@@ -132,6 +134,19 @@ QTextBlock lastOfTable(QTextTable* table)
 bool isCode(const QTextBlock& block)
 {
     return block.blockFormat().hasProperty(QTextFormat::BlockCodeFence);
+}
+
+// The same manual has the same bytes whenever it is made. The time takes no other place in the
+// file, whose parts are found by their positions.
+QByteArray withoutTime(QByteArray pdf)
+{
+    const QByteArray key = "/CreationDate (";
+    const int begin = pdf.indexOf(key) + key.size();
+    const int end = pdf.indexOf(')', begin);
+    if (begin < key.size() || end < 0)
+        throw std::runtime_error("the manual has no time of its making");
+    const QByteArray fixed = "D:19800101000000Z";
+    return pdf.replace(begin, end - begin, fixed.leftJustified(end - begin));
 }
 
 } // namespace
@@ -414,7 +429,19 @@ void ManualDocument::paintText(QPainter* painter, int page)
 
 void ManualDocument::savePdf(const QString& file)
 {
-    QPdfWriter writer(file);
+    QBuffer pdf;
+    pdf.open(QIODevice::WriteOnly);
+    paintPages(&pdf);
+    QSaveFile target(file);
+    const QByteArray bytes = withoutTime(pdf.data());
+    if (!target.open(QIODevice::WriteOnly) || target.write(bytes) != bytes.size() ||
+        !target.commit())
+        throw std::runtime_error("cannot write " + file.toStdString());
+}
+
+void ManualDocument::paintPages(QIODevice* target)
+{
+    QPdfWriter writer(target);
     writer.setTitle(m_name + QStringLiteral(": ") + m_title);
     writer.setCreator(m_name);
     writer.setPageSize(QPageSize(QPageSize::A4));
@@ -422,7 +449,7 @@ void ManualDocument::savePdf(const QString& file)
     writer.setResolution(pdfDotsPerInch);
     QPainter painter;
     if (!painter.begin(&writer))
-        throw std::runtime_error("cannot write " + file.toStdString());
+        throw std::runtime_error("cannot paint the manual");
     const double scale = pdfDotsPerInch / 72.0;
     for (int page = 0; page < m_document.pageCount() + pagesBeforeText; ++page) {
         if (page > 0)
@@ -441,7 +468,7 @@ void ManualDocument::savePdf(const QString& file)
         painter.restore();
     }
     if (!painter.end())
-        throw std::runtime_error("cannot write " + file.toStdString());
+        throw std::runtime_error("cannot paint the manual");
 }
 
 } // namespace corv

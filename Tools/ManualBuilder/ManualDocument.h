@@ -23,6 +23,7 @@ public:
     void savePdf(const QString& file);
 
 private:
+    void paintPages(QIODevice* target);
     void takeTitle();
     void takeCoverPicture(const QString& folder);
     void styleCode();
