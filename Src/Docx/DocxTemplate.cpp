@@ -1,5 +1,7 @@
 #include "Docx/DocxTemplate.h"
 
+#include "Base/limits.h"
+
 #include <QHash>
 #include <cstring>
 #include <sstream>
@@ -9,7 +11,6 @@ namespace corv {
 namespace {
 
 constexpr int deepestNesting = 200;
-constexpr int largestDocumentBytes = 16 * 1024 * 1024;
 constexpr Emu emuPerTwip = 635;
 
 [[noreturn]] void fail(const QString& text)
@@ -82,7 +83,7 @@ QString controlName(const pugi::xml_node& control)
 
 void parsePart(pugi::xml_document& document, const QByteArray& text, const QString& name)
 {
-    if (text.size() > largestDocumentBytes)
+    if (text.size() > limits::templateDocumentBytes)
         fail(QStringLiteral("%1 in the template is too large").arg(name));
     const pugi::xml_parse_result result =
         document.load_buffer(text.constData(), static_cast<size_t>(text.size()),

@@ -1,7 +1,9 @@
 #include "Docx/DocxWriter.h"
 
+#include "Base/FileReplacement.h"
+#include "Base/limits.h"
+
 #include <QDir>
-#include <QSaveFile>
 #include <QSet>
 #include <algorithm>
 #include <quazip/quazip.h>
@@ -12,8 +14,6 @@
 
 namespace corv {
 namespace {
-
-constexpr size_t largestDocumentBytes = 256 * 1024 * 1024;
 
 const char declaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
 const char documentType[] =
@@ -64,7 +64,7 @@ QString partOf(const pugi::xml_node& relationship, const QString& documentName)
 class ZipWriter
 {
 public:
-    explicit ZipWriter(QSaveFile& file) : m_file(file), m_zip(&file)
+    explicit ZipWriter(FileReplacement& file) : m_file(file), m_zip(&file.device())
     {
         m_zip.setAutoClose(false);
         m_zip.setFileNameCodec("UTF-8");
@@ -122,7 +122,7 @@ private:
             failUnfinished();
     }
 
-    QSaveFile& m_file;
+    FileReplacement& m_file;
     QuaZip m_zip;
 };
 
@@ -153,7 +153,7 @@ std::string DocxWriter::addPicture(const QString& fileName, const PictureHeader&
 
 void DocxWriter::appendBlocks(const std::string& blocks)
 {
-    if (m_blocks.size() + blocks.size() > largestDocumentBytes)
+    if (m_blocks.size() + blocks.size() > size_t(limits::reportDocumentBytes))
         throw std::runtime_error("the document becomes too large");
     m_blocks += blocks;
 }
@@ -259,9 +259,8 @@ QByteArray DocxWriter::contentTypesText(const QSet<QString>& unused) const
 
 void DocxWriter::save(const QString& fileName)
 {
-    QSaveFile file(fileName);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly))
+    FileReplacement file(fileName);
+    if (!file.open())
         fail(fileName, file.errorString());
     const std::string document = documentText();
     QSet<QString> unused;
@@ -279,8 +278,7 @@ void DocxWriter::save(const QString& fileName)
     for (int i = 0; i < m_pictures.count(); ++i)
         zip.addPicture(m_pictures.partName(i), m_pictures, i);
     zip.finish();
-    // Flushed by hand: a commit takes what was still in its buffer for written.
-    if (!file.flush() || !file.commit())
+    if (!file.commit())
         fail(fileName, file.errorString());
 }
 

@@ -1,5 +1,7 @@
 #include "Docx/zipParts.h"
 
+#include "Base/limits.h"
+
 #include <QRegularExpression>
 #include <QSet>
 #include <quazip/quazip.h>
@@ -10,8 +12,6 @@
 namespace corv {
 namespace {
 
-constexpr int mostParts = 2000;
-constexpr qint64 mostBytes = 64 * 1024 * 1024;
 constexpr qint64 chunkBytes = 64 * 1024;
 
 [[noreturn]] void fail(const QString& fileName, const char* reason)
@@ -69,9 +69,9 @@ std::vector<ZipPart> readZipParts(const QString& fileName)
         fail(fileName, "this is no template, it cannot be unpacked");
     std::vector<ZipPart> parts;
     QSet<QString> names;
-    qint64 bytesLeft = mostBytes;
+    qint64 bytesLeft = limits::templateUnpackedBytes;
     for (bool more = zip.goToFirstFile(); more; more = zip.goToNextFile()) {
-        if (parts.size() == mostParts)
+        if (parts.size() == limits::templateParts)
             fail(fileName, "the template has too many parts");
         const QString name = zip.getCurrentFileName();
         if (name.endsWith(QLatin1Char('/')))

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/limits.h"
+
 #include "Log/LogFile.h"
 
 #include <QtGlobal>
@@ -39,7 +41,7 @@ class LogDescription
 public:
     /// A document takes up to eighteen times its length in memory. Descriptions of real logs have
     /// some hundred kilobytes.
-    static constexpr qint64 kLongestBytes = qint64(16) << 20;
+    static constexpr qint64 kLongestBytes = limits::logDescriptionBytes;
 
     /// What is wrong with a document.
     struct Fault

@@ -1,5 +1,6 @@
 #include "Log/transpose.h"
 
+#include "Platform/streamingCopy.h"
 #include "Threads/pool.h"
 
 #include <QThread>
@@ -9,14 +10,11 @@
 #include <cstring>
 #include <memory>
 #include <thread>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace corv {
 namespace {
 
-constexpr size_t kLineBytes = 64; // of the cache
+constexpr size_t kLineBytes = platform::cacheLineBytes;
 
 // Most of the time goes into memory that is touched for the first time, which two cores do nearly
 // twice as fast. Below this much it would not pay to wake another one.
@@ -98,29 +96,6 @@ private:
     Line m_lines[kSide];
 };
 
-// Copies a finished run of a column. The block behind it is far larger than any cache and is not
-// looked at again soon: past the cache the memory need not be fetched before it is written.
-void copyRun(unsigned char* to, const unsigned char* from, size_t size)
-{
-#ifdef __SSE2__
-    const size_t misaligned = reinterpret_cast<std::uintptr_t>(to) % kLineBytes;
-    const size_t head = std::min(size, misaligned ? kLineBytes - misaligned : 0);
-    std::memcpy(to, from, head);
-    to += head;
-    from += head;
-    size -= head;
-    for (; size >= kLineBytes; size -= kLineBytes) {
-        for (size_t i = 0; i < kLineBytes; i += sizeof(__m128i)) {
-            _mm_stream_si128(reinterpret_cast<__m128i*>(to + i),
-                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i)));
-        }
-        to += kLineBytes;
-        from += kLineBytes;
-    }
-#endif
-    std::memcpy(to, from, size);
-}
-
 // A tile of 16-bit words on its way from rows to columns. It takes whole cache lines from each row
 // and gives long runs to each column, and stays in the cache in between.
 template <WordBytes bytes>
@@ -156,7 +131,7 @@ public:
     void giveColumns(size_t rows, size_t columns, unsigned char* to, size_t columnBytes)
     {
         for (size_t k = 0; k < columns; ++k)
-            copyRun(to + k * columnBytes, at(k, 0), rows * sizeof(std::uint16_t));
+            platform::streamingCopy(to + k * columnBytes, at(k, 0), rows * sizeof(std::uint16_t));
     }
 
 private:
@@ -204,9 +179,7 @@ public:
             if (index >= m_count)
                 return;
             transposeTile(&tile, index * Tile::kColumns);
-#ifdef __SSE2__
-            _mm_sfence(); // whoever is told that the columns are there finds them there
-#endif
+            platform::finishStreaming();
             m_done.fetch_add(1, std::memory_order_release);
         }
     }

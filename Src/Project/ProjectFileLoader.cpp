@@ -1,5 +1,7 @@
 #include "Project/ProjectFileLoader.h"
 
+#include "Base/FileReplacement.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QFile>
@@ -7,7 +9,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QStorageInfo>
 
 namespace corv {
@@ -44,13 +45,14 @@ QJsonObject projectDocument(const QString& videoPath, const QString& logPath,
 
 /// The text is UTF-8, the encoding that the reader expects, also where a bare environment names no
 /// encoding at all and the local one would turn letters into question marks.
-void replaceFile(const QString& path, const QByteArray& text)
+void writeProject(const QString& path, const QByteArray& text)
 {
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    // Flushed by hand: a commit takes what was still in its buffer for written.
-    const bool saved = file.open(QIODevice::WriteOnly) && file.write(text) == text.size() &&
-                       file.flush() && file.commit();
+    FileReplacement file(path);
+    Status saved = file.open();
+    if (saved) {
+        file.write(text);
+        saved = file.commit();
+    }
     if (!saved)
         qInfo() << "Unable to save file" << file.errorString();
 }
@@ -136,7 +138,7 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
     const QJsonDocument document(projectDocument(relativeVideo, relativeLog, flightProperties));
     const QString path = withoutFilePrefix(fileProjectPath);
     qInfo() << "Project file path:" << path;
-    replaceFile(path, document.toJson(QJsonDocument::Indented));
+    writeProject(path, document.toJson(QJsonDocument::Indented));
 }
 
 QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)

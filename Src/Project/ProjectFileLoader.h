@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/limits.h"
+
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
@@ -19,10 +21,10 @@ public:
 
     /// A project that is larger than this is not read at all: no flight has marks and settings for
     /// it, and parsing takes several times its size in memory.
-    static constexpr qint64 largestProjectBytes = 16 * 1024 * 1024;
+    static constexpr qint64 largestProjectBytes = limits::projectBytes;
 
     /// More marks than a two-hour flight has frames worth telling apart are cut off on loading.
-    static constexpr int mostMarks = 100000;
+    static constexpr int mostMarks = limits::poisInProject;
 
     /// Writes the project, replacing an existing one as a whole: whatever happens on the way, the
     /// earlier project or the new one is there afterwards. Only where the folder forbids a second

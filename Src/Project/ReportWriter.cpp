@@ -1,5 +1,6 @@
 #include "Project/ReportWriter.h"
 
+#include "Base/videoTime.h"
 #include "Docx/DocxMerger.h"
 #include "Project/ReportFolder.h"
 #include "Video/VideoPlayer.h"
@@ -11,7 +12,6 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QSemaphore>
-#include <QTime>
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -166,12 +166,12 @@ void ReportWriter::saveFrame(VideoPlayer* player, int timeMs, const QString& fra
     const auto request = std::make_shared<FrameRequest>();
     request->folder = m_frameFolder;
     const bool accepted =
-        player && player->getFrameAsync(QTime(0, 0).addMSecs(timeMs),
-                                        [request, timeMs, framePath](const QImage& image) {
-                                            receiveFrame(image, timeMs, framePath);
-                                            request->done.store(true, std::memory_order_release);
-                                            request->wakeUp.release();
-                                        });
+        player &&
+        player->getFrameAsync(timeOfMs(timeMs), [request, timeMs, framePath](const QImage& image) {
+            receiveFrame(image, timeMs, framePath);
+            request->done.store(true, std::memory_order_release);
+            request->wakeUp.release();
+        });
     if (!accepted) { // then no one will ever call back
         receiveFrame(QImage(), timeMs, framePath);
         return;

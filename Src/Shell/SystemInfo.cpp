@@ -1,5 +1,6 @@
 #include "Shell/SystemInfo.h"
 
+#include "Base/FileReplacement.h"
 #include "Platform/Platform.h"
 
 #include <QDateTime>
@@ -9,7 +10,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QSysInfo>
 #include <QVariantMap>
@@ -52,13 +52,9 @@ void SystemInfo::writeToFile() const
         propertiesObject[property.key()] = QJsonValue::fromVariant(property.value());
     root[QStringLiteral("properties")] = propertiesObject;
 
-    // Written beside and renamed: an empty file would count as written at every later start.
-    QSaveFile file(m_filePath);
-    const QByteArray text = QJsonDocument(root).toJson();
-    // Flushed by hand: a commit takes what was still in its buffer for written.
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush() ||
-        !file.commit()) {
-        qWarning() << "System info not written:" << file.errorString() << m_filePath;
+    // An empty file would count as written at every later start.
+    if (const Status written = replaceFile(m_filePath, QJsonDocument(root).toJson()); !written) {
+        qWarning() << "System info not written:" << written.failure().sentence;
         return;
     }
     qInfo() << "System info written in the json " << m_filePath;

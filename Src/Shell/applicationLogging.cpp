@@ -1,10 +1,11 @@
 #include "Shell/applicationLogging.h"
 
+#include "Platform/wholeWrite.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <unistd.h>
 
 namespace corv {
 namespace {
@@ -66,15 +67,7 @@ void ApplicationLogging::messageHandler(QtMsgType type, const QMessageLogContext
     const int descriptor = instance().m_file.handle();
     if (descriptor < 0)
         return;
-    const char* rest = line.constData();
-    qint64 left = line.size();
-    while (left > 0) {
-        const ssize_t written = ::write(descriptor, rest, static_cast<size_t>(left));
-        if (written <= 0)
-            return; // a full disk costs the line, not the program
-        rest += written;
-        left -= written;
-    }
+    platform::wholeWrite(descriptor, line.constData(), line.size());
 }
 
 } // namespace corv

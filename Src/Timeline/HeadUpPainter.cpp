@@ -1,6 +1,6 @@
 #include "Timeline/HeadUpPainter.h"
 
-#include "Video/truncation.h"
+#include "Base/arithmetic.h"
 
 #include <QDebug>
 #include <QPainter>

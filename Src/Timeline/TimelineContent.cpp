@@ -1,9 +1,9 @@
 #include "Timeline/TimelineContent.h"
 
+#include "Base/arithmetic.h"
 #include "Timeline/WaitCursor.h"
 #include "Timeline/logPois.h"
 #include "Timeline/timelinePainting.h"
-#include "Video/truncation.h"
 
 #include <QCursor>
 #include <QDebug>

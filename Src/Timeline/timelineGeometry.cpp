@@ -1,6 +1,6 @@
 #include "Timeline/timelineGeometry.h"
 
-#include "Video/truncation.h"
+#include "Base/arithmetic.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,6 @@
 namespace corv {
 namespace {
 
-constexpr int msPerDay = 24 * 60 * 60 * 1000;
 constexpr double pxPerMsMax = 200.0;
 constexpr double zoomStep = 1.2;
 constexpr int cursorMargin = 100;
@@ -28,17 +27,6 @@ float asFloat(long long value)
 }
 
 } // namespace
-
-int msOfTime(QTime time)
-{
-    return QTime(0, 0, 0, 0).msecsTo(time);
-}
-
-QTime timeOfMs(int ms)
-{
-    const int rest = ms % msPerDay;
-    return QTime::fromMSecsSinceStartOfDay(rest < 0 ? rest + msPerDay : rest);
-}
 
 float scaleOfStrip(int durationMs, int contentWidth, int endMargin)
 {

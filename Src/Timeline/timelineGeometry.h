@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QTime>
+#include "Base/videoTime.h"
 
 namespace corv {
 
@@ -8,12 +8,6 @@ namespace corv {
 /// video. Strip pixels count from the strip's start, item pixels from the item's left edge; between
 /// them stands the scroll offset `contentX`. No scale, however odd, leads to more than an odd
 /// picture: results that an int cannot hold are cut to the nearest int.
-
-/// Milliseconds of `time` from 00:00:00.000; 0 for an invalid time.
-int msOfTime(QTime time);
-
-/// The time `ms` after 00:00:00.000, round the clock in both directions.
-QTime timeOfMs(int ms);
 
 /// Milliseconds per pixel of a strip of `contentWidth` pixels, of which `endMargin` lie past the
 /// end. Infinite where the two are equal and negative where the strip is narrower.

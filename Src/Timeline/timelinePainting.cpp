@@ -1,6 +1,6 @@
 #include "Timeline/timelinePainting.h"
 
-#include "Video/truncation.h"
+#include "Base/arithmetic.h"
 
 #include <QPainter>
 #include <algorithm>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/limits.h"
+
 #include <QByteArray>
 #include <QJsonDocument>
 #include <QString>
@@ -12,7 +14,7 @@ namespace corv {
 struct ExpectedInstaller
 {
     /// An installer is held whole in memory until it is written: none may be larger.
-    static constexpr qint64 largestBytes = qint64(1) << 30;
+    static constexpr qint64 largestBytes = limits::updateInstallerBytes;
 
     qint64 sizeBytes = -1;  ///< -1: not given
     QByteArray sha256;      ///< 32 bytes; empty: not given

@@ -1,6 +1,8 @@
 #include "Update/UpdateWorker.h"
 
 #include "Azure/AzureStorage.h"
+#include "Base/FileReplacement.h"
+#include "Base/limits.h"
 #include "Shell/AppInfo.h"
 #include "Update/UpdateManager.h"
 #include "Update/updateNames.h"
@@ -10,16 +12,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <utility>
 
 namespace corv {
-namespace {
-
-// A manifest is a few lines; an installer is held whole in memory until it is written.
-constexpr qint64 manifestLimitBytes = qint64(1) << 20;
-
-} // namespace
 
 UpdateWorker::UpdateWorker(UpdateManager* manager, CloudShare share)
     : m_manager(manager), m_share(std::move(share))
@@ -39,7 +34,7 @@ void UpdateWorker::start()
             Qt::DirectConnection);
     connect(m_azure, &AzureStorage::downloadError, this, &UpdateWorker::azureDownloadError,
             Qt::DirectConnection);
-    m_azure->setSizeLimit(manifestLimitBytes);
+    m_azure->setSizeLimit(limits::updateManifestBytes);
     m_azure->downloadFile(updateNames::manifestPath(UpdateManager::getUpdateChannel()));
 }
 
@@ -177,17 +172,17 @@ void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArra
     const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') + fileName;
     qInfo() << "Saving new installer as" << file;
     // Written beside and renamed: a partial file would count as downloaded at the next start.
-    QSaveFile installer(file);
-    if (!installer.open(QIODevice::WriteOnly)) {
+    FileReplacement installer(file, FileReplacement::InLockedFolder::refuse);
+    if (const Status opened = installer.open(); !opened) {
         qWarning() << "Failed to open to the installer file for writing";
+        qWarning() << opened.failure().sentence;
         return;
     }
-    // Flushed by hand: a commit takes what was still in its buffer for written.
-    const bool written = installer.write(content) == content.size() && installer.flush() &&
-                         installer.setPermissions(installer.permissions() | QFile::ExeOwner |
-                                                  QFile::ExeGroup | QFile::ExeOther);
-    if (!written || !installer.commit()) {
+    installer.write(content);
+    const Status written = installer.commit(QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
+    if (!written) {
         qWarning() << "Failed to write to the installer file";
+        qWarning() << written.failure().sentence;
         return;
     }
     m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes);

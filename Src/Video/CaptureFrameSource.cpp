@@ -1,7 +1,7 @@
 #include "Video/CaptureFrameSource.h"
 
+#include "Base/arithmetic.h"
 #include "Video/frameConversion.h"
-#include "Video/truncation.h"
 
 #include <QDebug>
 #include <QFileInfo>

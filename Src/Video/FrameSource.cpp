@@ -1,6 +1,6 @@
 #include "Video/FrameSource.h"
 
-#include "Video/truncation.h"
+#include "Base/arithmetic.h"
 
 #include <QCoreApplication>
 #include <algorithm>

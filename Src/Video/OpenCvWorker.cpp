@@ -1,11 +1,12 @@
 #include "Video/OpenCvWorker.h"
 
+#include "Base/arithmetic.h"
+#include "Base/sameFile.h"
 #include "Base/videoTime.h"
 #include "Threads/annotate.h"
 #include "Threads/post.h"
 #include "Video/VideoExporter.h"
 #include "Video/frameConversion.h"
-#include "Video/truncation.h"
 
 #include <QDebug>
 #include <QElapsedTimer>

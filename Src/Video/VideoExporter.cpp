@@ -1,16 +1,14 @@
 #include "Video/VideoExporter.h"
 
+#include "Base/arithmetic.h"
 #include "Video/ExportTarget.h"
 #include "Video/frameConversion.h"
-#include "Video/truncation.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <algorithm>
 #include <cmath>
 #include <exception>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace corv {
@@ -172,15 +170,6 @@ Status VideoExporter::statusOf(const ExportTarget& target, const Status& finishe
         places += text(" and %1 more places").arg(m_losses.size() - namedLosses);
     return Failure{Failure::Kind::incomplete,
                    text("The video is written, but these could not be read: %1.").arg(places)};
-}
-
-bool isOneOfFiles(const QString& target, const QStringList& files)
-{
-    const std::filesystem::path path = target.toStdString();
-    return std::any_of(files.begin(), files.end(), [&path](const QString& file) {
-        std::error_code notThere;
-        return std::filesystem::equivalent(path, file.toStdString(), notThere);
-    });
 }
 
 } // namespace corv

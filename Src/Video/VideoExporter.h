@@ -76,7 +76,4 @@ private:
     size_t m_turn = 0;
 };
 
-/// Whether `target` is one of `files` under any name: relative, or through a link of either kind.
-bool isOneOfFiles(const QString& target, const QStringList& files);
-
 } // namespace corv

@@ -1,7 +1,7 @@
 #include "Video/VideoInfoReader.h"
 
+#include "Base/arithmetic.h"
 #include "Video/VideoBackend.h"
-#include "Video/truncation.h"
 
 #include <QDebug>
 #include <QFileInfo>

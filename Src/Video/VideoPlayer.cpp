@@ -1,10 +1,10 @@
 #include "Video/VideoPlayer.h"
 
+#include "Base/arithmetic.h"
 #include "Base/videoTime.h"
 #include "Threads/post.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/fileNames.h"
-#include "Video/truncation.h"
 
 #include <QDebug>
 #include <utility>

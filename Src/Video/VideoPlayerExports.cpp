@@ -1,5 +1,6 @@
 #include "Video/VideoPlayer.h"
 
+#include "Base/sameFile.h"
 #include "Base/videoTime.h"
 #include "Threads/post.h"
 #include "Video/OpenCvWorker.h"

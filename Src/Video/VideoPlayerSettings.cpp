@@ -1,8 +1,8 @@
 #include "Video/VideoPlayer.h"
 
+#include "Base/arithmetic.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/ThermalReading.h"
-#include "Video/truncation.h"
 
 #include <QtNumeric>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "Video/VideoTimeline.h"
 
-#include "Video/truncation.h"
+#include "Base/arithmetic.h"
 
 #include <QDebug>
 #include <algorithm>

@@ -1,15 +1,15 @@
 #include "Cli/FlightSession.h"
 
+#include "Base/sameFile.h"
+#include "Base/videoTime.h"
 #include "Cli/diagnostics.h"
 #include "Project/ProjectFileLoader.h"
 #include "Timeline/logPois.h"
-#include "Video/VideoExporter.h"
 #include "Video/fileNames.h"
 
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QMap>
-#include <QTime>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -97,12 +97,12 @@ QString FlightSession::openFiles(const QStringList& files)
 QVariantList FlightSession::marks() const
 {
     const QString timeKey = QStringLiteral("time");
-    const int durationMs = QTime(0, 0).msecsTo(m_player.duration());
+    const int durationMs = msOfTime(m_player.duration());
     QMap<int, QVariantMap> marksByTime;
     for (const QVariant& entry : m_projectMarks) {
         const QVariantMap mark = entry.toMap();
         if (mark.contains(timeKey)) {
-            const int timeMs = QTime(0, 0).msecsTo(QTime(0, 0).addMSecs(mark[timeKey].toInt()));
+            const int timeMs = msOfTime(timeOfMs(mark[timeKey].toInt()));
             marksByTime[timeMs] = {{timeKey, timeMs},
                                    {QStringLiteral("name"), mark[QStringLiteral("name")]},
                                    {QStringLiteral("comment"), mark[QStringLiteral("comment")]}};

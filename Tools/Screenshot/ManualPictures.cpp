@@ -1,5 +1,7 @@
 #include "ManualPictures.h"
 
+#include "Base/videoTime.h"
+
 #include <QDir>
 #include <QQmlContext>
 #include <QQmlExpression>
@@ -138,7 +140,7 @@ void ManualPictures::selectMark(int timeMs)
         timeMs / m_review.evaluate(QStringLiteral("timelineContent.msPerPx")).toDouble() -
         m_review.evaluate(QStringLiteral("timelineContent.contentX")).toDouble();
     m_review.click(strip.topLeft() + QPointF(x + insideFlagPx, flagMiddlePx));
-    const QTime moment = QTime(0, 0).addMSecs(timeMs);
+    const QTime moment = timeOfMs(timeMs);
     m_review.waitFor(QStringLiteral("the selected mark"), [&] {
         return m_review.evaluate(QStringLiteral("timelineContent.selectedPoiTime")).toTime() ==
                moment;

@@ -1,5 +1,6 @@
 #include "WindowUnderReview.h"
 
+#include "Base/videoTime.h"
 #include "Video/VideoPlayer.h"
 
 #include <QApplication>
@@ -19,11 +20,6 @@ namespace {
 
 constexpr qint64 patienceMs = 120'000;
 constexpr int leadMs = 1000;
-
-int millisecondsOf(const QTime& time)
-{
-    return QTime(0, 0).msecsTo(time);
-}
 
 } // namespace
 
@@ -60,9 +56,9 @@ void WindowUnderReview::open(const QString& file)
 
 void WindowUnderReview::playUpTo(const QTime& moment)
 {
-    const int start = qMax(0, millisecondsOf(moment) - leadMs);
+    const int start = qMax(0, msOfTime(moment) - leadMs);
     waitFor(QStringLiteral("the seek"),
-            [this, start] { return m_player->seekAtTime(QTime(0, 0).addMSecs(start)); });
+            [this, start] { return m_player->seekAtTime(timeOfMs(start)); });
     m_player->play();
     waitFor(QStringLiteral("the playing video"),
             [this, &moment] { return m_player->timePosition() >= moment; });
@@ -106,9 +102,9 @@ void WindowUnderReview::click(const QPointF& position) const
 QTime WindowUnderReview::mostInterestingMoment() const
 {
     const QVariantList marks = evaluate(QStringLiteral("timelineContent.getPOIs()")).toList();
-    const int timeMs = marks.isEmpty() ? millisecondsOf(m_player->duration()) / 2
+    const int timeMs = marks.isEmpty() ? msOfTime(m_player->duration()) / 2
                                        : marks.constFirst().toMap()[QStringLiteral("time")].toInt();
-    return QTime(0, 0).addMSecs(timeMs);
+    return timeOfMs(timeMs);
 }
 
 QVariant WindowUnderReview::evaluate(const QString& expression) const

@@ -5,8 +5,8 @@
 
 namespace corv {
 
-/// The whole part of `value`, within the range of an int; 0 for what is not a number. Files can
-/// announce any value, and a plain conversion of one outside the range is undefined.
+/// The whole part of `value`, clamped to the range of an int; 0 for NaN. Numbers from files can
+/// have any value, and a plain conversion of one outside the range is undefined behaviour.
 inline int truncateToInt(double value)
 {
     if (std::isnan(value))
@@ -18,7 +18,7 @@ inline int truncateToInt(double value)
     return static_cast<int>(value);
 }
 
-/// `a` times `b` in 32 bits, with wrap-around.
+/// `a` times `b` modulo 2^32, as a signed number.
 inline int wrappingProduct(int a, int b)
 {
     return static_cast<int>(static_cast<unsigned>(a) * static_cast<unsigned>(b));
