@@ -1,6 +1,7 @@
 # Our pictures are drawn as SVG in Qml/images. The program reads PNG: every drawing is rendered once
 # at its own size and once, as name@2x.png, for screens of twice the density.
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
+find_program(ICOTOOL icotool REQUIRED)
 
 set(VISTREL_PICTURES
     begin prev play pause next end
@@ -47,8 +48,8 @@ function(vistrel_render_pictures directory out_files)
         list(APPEND steps "${step}")
     endforeach()
     add_custom_command(OUTPUT "${directory}/logo.ico"
-        COMMAND vistrel-pack-icon "${directory}/logo.ico" ${steps}
-        DEPENDS vistrel-pack-icon ${steps}
+        COMMAND "${ICOTOOL}" --create --output "${directory}/logo.ico" ${steps}
+        DEPENDS ${steps}
         COMMENT "Packing logo.ico" VERBATIM)
     list(APPEND files "logo.ico")
     set(${out_files} "${files}" PARENT_SCOPE)

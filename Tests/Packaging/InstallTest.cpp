@@ -42,6 +42,7 @@ private slots:
     void manualIsComplete();
     void manualHasEachChapterOnItsPage_data();
     void manualHasEachChapterOnItsPage();
+    void manualHasBookmarksAndLinks();
     void checkersAccept_data();
     void checkersAccept();
     void fileTypesAreKnown_data();
@@ -209,6 +210,17 @@ void InstallTest::manualHasEachChapterOnItsPage()
     const QString page = m_manualPages.value(entry.captured(1).toInt() - 1);
     QVERIFY2(page.contains(QRegularExpression(line + "$", QRegularExpression::MultilineOption)),
              qPrintable(page));
+}
+
+void InstallTest::manualHasBookmarksAndLinks()
+{
+    const ProgramRun xml =
+        run("pdftohtml", {"-xml", "-i", "-stdout", staged("lib/vistrel/manual.pdf")});
+    QCOMPARE(xml.status, 0);
+    const QRegularExpression heading("^##+ ", QRegularExpression::MultilineOption);
+    const int chapters = textOf(MANUAL_TEXT).count(heading);
+    QCOMPARE(xml.out.count("<item page="), chapters);
+    QVERIFY(xml.out.count("<a href=") >= chapters);
 }
 
 void InstallTest::checkersAccept_data()
