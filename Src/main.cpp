@@ -7,6 +7,7 @@
 #include "Shell/SystemInfo.h"
 #include "Shell/applicationLogging.h"
 #include "Shell/applicationNames.h"
+#include "Shell/commandLine.h"
 #include "Shell/crashReport.h"
 #include "Threads/pool.h"
 #include "Update/UpdateManager.h"
@@ -28,6 +29,22 @@
 namespace {
 
 constexpr int updateCheckDelayMs = 1000;
+
+QStringList wordsOf(int argc, char** argv)
+{
+    QStringList words;
+    for (int i = 0; i < argc; ++i)
+        words << QString::fromLocal8Bit(argv[i]);
+    return words;
+}
+
+// Prints the text of a command line that opens no window, and returns the exit status.
+int answer(const corv::CommandLine& line)
+{
+    const bool refused = line.wish == corv::CommandLine::Wish::refuse;
+    std::fputs(qPrintable(line.text), refused ? stderr : stdout);
+    return refused ? 2 : 0;
+}
 
 // Hands a file named on the command line to the root, which has finished loading by the time that
 // the event loop starts.
@@ -72,10 +89,19 @@ void connectUpdater(corv::UpdateManager& updater, QObject* root)
 
 int main(int argc, char** argv)
 {
+    // Before the application, which needs a display.
+    const corv::CommandLine early = corv::readCommandLine(wordsOf(argc, argv));
+    if (early.wish == corv::CommandLine::Wish::showText)
+        return answer(early);
+
     corv::followScreenScale();
     // First of all messages, so that it covers the start of the scene graph too.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.scenegraph.general=true"));
     QApplication application(argc, argv);
+    // Read again: the application has taken out Qt's own options, such as -platform.
+    const corv::CommandLine line = corv::readCommandLine(QApplication::arguments());
+    if (line.wish != corv::CommandLine::Wish::openWindow)
+        return answer(line);
     corv::setApplicationNames();
     corv::ApplicationLogging::instance().init();
     const QString logFilePath = corv::ApplicationLogging::instance().filePath();
@@ -116,9 +142,8 @@ int main(int argc, char** argv)
     QObject* root = engine.rootObjects().constFirst();
     if (auto* window = qobject_cast<QWindow*>(root))
         window->setIcon(QIcon(QStringLiteral(":/logo.ico")));
-    const QStringList arguments = QApplication::arguments();
-    if (arguments.size() > 1)
-        openFirstArgument(root, arguments[1]);
+    if (!line.file.isEmpty())
+        openFirstArgument(root, line.file);
 
     corv::UpdateManager updater;
     connectUpdater(updater, root);

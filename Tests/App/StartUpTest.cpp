@@ -16,6 +16,8 @@ private slots:
     void cleanup();
     void opensTheFirstArgument_data();
     void opensTheFirstArgument();
+    void answersWithoutAWindow_data();
+    void answersWithoutAWindow();
     void recordsTheSystemOnce();
     void sweepsWhatAKilledReportLeft();
     void saysThatTheInterfaceIsMissing();
@@ -84,17 +86,13 @@ void StartUpTest::opensTheFirstArgument_data()
     QTest::addColumn<QString>("message");
     const QString video = QStringLiteral("could not be read");
     const QString project = QStringLiteral("Trying to open project ");
-    const auto row = [](const char* name, const QString& message, const char* extra = nullptr) {
-        QStringList arguments{QString::fromLatin1(name)};
-        if (extra)
-            arguments << QString::fromLatin1(extra);
-        QTest::newRow(name) << arguments << message;
+    const auto row = [](const char* name, const QString& message) {
+        QTest::newRow(name) << QStringList{QString::fromLatin1(name)} << message;
     };
     row("/nowhere/a.MP4", video);
     row("/nowhere/a.mov", video);
     row("/nowhere/noSuffix", project);
     row("relative.ecor", project);
-    row("/nowhere/first.ecor", project, "/nowhere/second.mp4");
 }
 
 void StartUpTest::opensTheFirstArgument()
@@ -108,10 +106,37 @@ void StartUpTest::opensTheFirstArgument()
     QVERIFY2(text.contains(message), qPrintable(text));
     QCOMPARE(text.contains(QStringLiteral("Trying to open project ")),
              message.startsWith(QLatin1String("Trying")));
-    QVERIFY(!text.contains(QStringLiteral("second.mp4")));
     // A path that depends on the folder of the start would be of no use in a saved project.
     if (QDir::isRelativePath(arguments[0]))
         QVERIFY(text.contains(message + QDir(m_home->path()).canonicalPath()));
+}
+
+void StartUpTest::answersWithoutAWindow_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("out");
+    const QByteArray none;
+    QTest::newRow("version, without a display")
+        << QStringList{"--version"} << 0 << QByteArray("vistrel " VISTREL_VERSION "\n");
+    QTest::newRow("unknown option") << QStringList{"-platform", "offscreen", "--fly"} << 2 << none;
+    QTest::newRow("two files") << QStringList{"-platform", "offscreen", "a.ecor", "b.mp4"} << 2
+                               << none;
+}
+
+void StartUpTest::answersWithoutAWindow()
+{
+    QFETCH(QStringList, arguments);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("DISPLAY");
+    m_program->setProcessEnvironment(environment);
+    m_program->start(QStringLiteral(VISTREL_PROGRAM), arguments);
+    QVERIFY(m_program->waitForFinished());
+    QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+    QTEST(m_program->exitCode(), "status");
+    QTEST(m_program->readAllStandardOutput(), "out");
+    QCOMPARE(m_program->readAllStandardError().startsWith("usage: vistrel"),
+             m_program->exitCode() == 2);
 }
 
 void StartUpTest::startsWithoutArgumentsAndQuits()
@@ -119,8 +144,9 @@ void StartUpTest::startsWithoutArgumentsAndQuits()
     start({});
     QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
     const QString text = log();
-    QVERIFY(text.contains(QStringLiteral("Vistrel version 1.5.0.166 started; process id: %1")
-                              .arg(m_program->processId())));
+    QVERIFY(
+        text.contains(QStringLiteral("Vistrel version " VISTREL_VERSION " started; process id: %1")
+                          .arg(m_program->processId())));
     QVERIFY(!text.contains(QStringLiteral("First argument:")));
     QVERIFY(!text.contains(QStringLiteral("Trying to open project ")));
     QVERIFY(!text.contains(QStringLiteral("could not be read")));

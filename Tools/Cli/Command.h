@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QStringList>
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
 #include <functional>
 #include <vector>
 
@@ -10,15 +13,30 @@ namespace corv::cli {
 /// What a command ends with, and so the program.
 enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2 };
 
-/// One command of `vistrel-cli`. `run` is given what stands behind the command's name. It reports a
-/// failure by `fail`; for `WrongUsage` it says nothing, since the program shows `arguments` then.
+/// One command of `vistrel-cli`: what it accepts and what it does.
 struct Command
 {
     QString name;
     QString arguments; ///< as the help shows them: "FILE [--json]"
-    QString summary;
-    std::function<ExitStatus(const QStringList& arguments)> run;
+    QString summary;   ///< half a line
+    QList<QCommandLineOption> options;
+
+    /// Called with the parsed line: every option on it is one of `options`, every value is there.
+    /// Reports a failure by `fail`. For `WrongUsage` it prints nothing: the program shows
+    /// `arguments` then.
+    std::function<ExitStatus(const QCommandLineParser& line)> run;
 };
+
+/// An option that is set or not.
+QCommandLineOption flag(const QString& name, const QString& description);
+
+/// An option with a value, which the help calls `valueName`.
+QCommandLineOption valued(const QString& name, const QString& valueName,
+                          const QString& description);
+
+/// The whole number given for option `name`; `standard` if the option is not set. False if the
+/// value is no such number.
+bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int* number);
 
 // The commands, one set per file.
 std::vector<Command> logCommands();
@@ -29,14 +47,7 @@ std::vector<Command> reportCommands();
 /// Writes to standard output; `Failed` with a message when nobody takes it.
 ExitStatus writeOut(const QByteArray& bytes);
 
-/// Tells what went wrong in one line on standard error, and gives `Failed`.
+/// Prints what went wrong as one line on standard error, and returns `Failed`.
 ExitStatus fail(const QString& message);
-
-/// Takes `option` out of `arguments`; whether it was there.
-bool takeOption(QStringList* arguments, const QString& option);
-
-/// Takes `option` and the word behind it out of `arguments`. Null if it is not there, empty if
-/// nothing is behind it.
-QString takeValue(QStringList* arguments, const QString& option);
 
 } // namespace corv::cli

@@ -1,3 +1,4 @@
+#include "Base/videoTime.h"
 #include "Cli/Command.h"
 #include "Cli/FlightSession.h"
 #include "Cli/diagnostics.h"
@@ -7,7 +8,6 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QImage>
-#include <QTime>
 #include <algorithm>
 #include <cstdio>
 #include <limits>
@@ -18,7 +18,14 @@ namespace {
 
 constexpr int standardSpacing = 10;
 constexpr int msPerDay = 24 * 60 * 60 * 1000;
-const QString standardPrefix = QStringLiteral("Frame");
+const QString thermalOption = QStringLiteral("thermal");
+const QString timeOption = QStringLiteral("at-ms");
+const QString outOption = QStringLiteral("out");
+const QString prefixOption = QStringLiteral("prefix");
+const QString poiOption = QStringLiteral("poi");
+const QString fromOption = QStringLiteral("from-ms");
+const QString toOption = QStringLiteral("to-ms");
+const QString spacingOption = QStringLiteral("spacing");
 
 // How far a long job is, in a line on standard error if that is a terminal.
 class ProgressLine
@@ -49,17 +56,17 @@ private:
     int m_shownPercent = -1;
 };
 
-// Opens the one flight that is left of the arguments, if `out` is none of its files; a bare video
-// shows the overlay on request.
-ExitStatus open(FlightSession& flight, QStringList arguments, const QString& out)
+// Opens the one flight that the line names, if `out` is none of its files; a bare video shows the
+// overlay on request.
+ExitStatus open(FlightSession& flight, const QCommandLineParser& line, const QString& out)
 {
-    const bool withOverlay = takeOption(&arguments, QStringLiteral("--thermal"));
+    const QStringList arguments = line.positionalArguments();
     if (!FlightSession::isFlight(arguments))
         return WrongUsage;
     const QString error = flight.open(arguments, out);
     if (!error.isEmpty())
         return fail(error);
-    if (withOverlay)
+    if (line.isSet(thermalOption))
         flight.player().setShowIR(true);
     return Done;
 }
@@ -74,15 +81,6 @@ struct Picture
     int timeMs;
     QString file;
 };
-
-// Takes an option's number; `standard` if it is not there. False for anything but a number.
-bool takeNumber(QStringList* arguments, const QString& option, int standard, int* number)
-{
-    const QString text = takeValue(arguments, option);
-    bool ok = true;
-    *number = text.isNull() ? standard : text.toInt(&ok);
-    return ok;
-}
 
 // Fetches all pictures at once, as the window does, and saves each on the thread that makes it.
 ExitStatus savePictures(FlightSession& flight, const QList<Picture>& pictures)
@@ -108,7 +106,7 @@ ExitStatus savePictures(FlightSession& flight, const QList<Picture>& pictures)
                 failure = picture.file + QStringLiteral(": cannot be written");
             post(&loop, [answer, failure] { answer(failure); });
         };
-        flight.player().getFrameAsync(QTime(0, 0, 0, 0).addMSecs(picture.timeMs), save);
+        flight.player().getFrameAsync(timeOfMs(picture.timeMs), save);
     }
     loop.exec();
     if (failures.isEmpty())
@@ -120,16 +118,15 @@ ExitStatus savePictures(FlightSession& flight, const QList<Picture>& pictures)
                                            .arg(failures.first()));
 }
 
-ExitStatus frame(QStringList arguments)
+ExitStatus frame(const QCommandLineParser& line)
 {
     int timeMs = 0;
-    const bool hasTime = arguments.contains(QStringLiteral("--at-ms"));
-    const QString out = takeValue(&arguments, QStringLiteral("--out"));
-    if (!takeNumber(&arguments, QStringLiteral("--at-ms"), 0, &timeMs) || !hasTime || timeMs < 0 ||
+    const QString out = line.value(outOption);
+    if (!line.isSet(timeOption) || !readNumber(line, timeOption, 0, &timeMs) || timeMs < 0 ||
         out.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, arguments, out);
+    const ExitStatus status = open(flight, line, out);
     if (status != Done)
         return status;
     if (timeMs >= msPerDay) // the times of the player begin anew there
@@ -147,7 +144,7 @@ QList<int> positionsOfMarks(const FlightSession& flight)
 
 QList<int> positionsOfRange(const VideoPlayer& player, int fromMs, int toMs, int spacing)
 {
-    const int endMs = QTime(0, 0, 0, 0).msecsTo(player.duration()) - 1;
+    const int endMs = msOfTime(player.duration()) - 1;
     const qint64 stepMs = qint64(spacing) * player.frameDurationMs();
     QList<int> positions;
     for (qint64 ms = fromMs; ms <= std::min(toMs, endMs) && stepMs > 0; ms += stepMs)
@@ -155,28 +152,23 @@ QList<int> positionsOfRange(const VideoPlayer& player, int fromMs, int toMs, int
     return positions;
 }
 
-ExitStatus frames(QStringList arguments)
+ExitStatus frames(const QCommandLineParser& line)
 {
-    const QString out = takeValue(&arguments, QStringLiteral("--out"));
-    QString prefix = takeValue(&arguments, QStringLiteral("--prefix"));
-    if (prefix.isNull())
-        prefix = standardPrefix;
-    const bool ofMarks = takeOption(&arguments, QStringLiteral("--poi"));
-    const bool ofRange = arguments.contains(QStringLiteral("--from-ms")) ||
-                         arguments.contains(QStringLiteral("--to-ms")) ||
-                         arguments.contains(QStringLiteral("--spacing"));
+    const QString out = line.value(outOption);
+    const QString prefix = line.value(prefixOption);
+    const bool ofMarks = line.isSet(poiOption);
+    const bool ofRange =
+        line.isSet(fromOption) || line.isSet(toOption) || line.isSet(spacingOption);
     int fromMs = 0;
     int toMs = 0;
     int spacing = 0;
-    if (!takeNumber(&arguments, QStringLiteral("--from-ms"), 0, &fromMs) ||
-        !takeNumber(&arguments, QStringLiteral("--to-ms"), std::numeric_limits<int>::max(),
-                    &toMs) ||
-        !takeNumber(&arguments, QStringLiteral("--spacing"), standardSpacing, &spacing) ||
-        (ofMarks && ofRange) || fromMs < 0 || toMs < fromMs || spacing < 1 || out.isEmpty() ||
-        prefix.isEmpty())
+    if (!readNumber(line, fromOption, 0, &fromMs) ||
+        !readNumber(line, toOption, std::numeric_limits<int>::max(), &toMs) ||
+        !readNumber(line, spacingOption, standardSpacing, &spacing) || (ofMarks && ofRange) ||
+        fromMs < 0 || toMs < fromMs || spacing < 1 || out.isEmpty() || prefix.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, arguments, out);
+    const ExitStatus status = open(flight, line, out);
     if (status != Done)
         return status;
     if (!QDir().mkpath(out))
@@ -184,7 +176,7 @@ ExitStatus frames(QStringList arguments)
     const QList<int> positions = ofMarks ? positionsOfMarks(flight)
                                          : positionsOfRange(flight.player(), fromMs, toMs, spacing);
     if (positions.isEmpty())
-        return fail(ofMarks ? QStringLiteral("the flight has no marks")
+        return fail(ofMarks ? QStringLiteral("the flight has no points of interest")
                             : QStringLiteral("no frame lies in the range"));
     QList<Picture> pictures;
     for (const int timeMs : positions) {
@@ -194,13 +186,13 @@ ExitStatus frames(QStringList arguments)
     return savePictures(flight, pictures);
 }
 
-ExitStatus video(QStringList arguments)
+ExitStatus video(const QCommandLineParser& line)
 {
-    const QString out = takeValue(&arguments, QStringLiteral("--out"));
+    const QString out = line.value(outOption);
     if (out.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, arguments, out);
+    const ExitStatus status = open(flight, line, out);
     if (status != Done)
         return status;
     ProgressLine progress("video");
@@ -245,14 +237,38 @@ ExitStatus video(QStringList arguments)
 std::vector<Command> frameCommands()
 {
     const QString flight = QStringLiteral("(PROJECT | VIDEO [LOG]) [--thermal]");
-    return {{QStringLiteral("frame"), flight + QStringLiteral(" --at-ms N --out IMAGE"),
-             QStringLiteral("one picture, in the format of its suffix"), frame},
+    const QCommandLineOption thermal =
+        flag(thermalOption, QStringLiteral("draws the thermal overlay in any case"));
+    const auto out = [](const char* valueName, const char* description) {
+        return valued(outOption, QString::fromLatin1(valueName), QString::fromLatin1(description));
+    };
+    const auto number = [](const QString& name, const char* description) {
+        return valued(name, QStringLiteral("N"), QString::fromLatin1(description));
+    };
+    QCommandLineOption prefix = valued(prefixOption, QStringLiteral("P"),
+                                       QStringLiteral("beginning of the file names: Frame"));
+    prefix.setDefaultValue(QStringLiteral("Frame"));
+    return {{QStringLiteral("frame"),
+             flight + QStringLiteral(" --at-ms N --out IMAGE"),
+             QStringLiteral("one picture, in the format of its suffix"),
+             {thermal, number(timeOption, "time in the flight, in milliseconds"),
+              out("IMAGE", "the picture to write")},
+             frame},
             {QStringLiteral("frames"),
              flight + QStringLiteral(" --out FOLDER [--prefix P] "
                                      "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
-             QStringLiteral("a series of pictures, or one of each mark"), frames},
-            {QStringLiteral("video"), flight + QStringLiteral(" --out VIDEO"),
-             QStringLiteral("the whole flight as a new video"), video}};
+             QStringLiteral("a series of pictures, or one of each point of interest"),
+             {thermal, out("FOLDER", "where to write the pictures"), prefix,
+              flag(poiOption, QStringLiteral("one picture of each point of interest")),
+              number(fromOption, "start of the range, in milliseconds: 0"),
+              number(toOption, "end of the range, in milliseconds: that of the flight"),
+              number(spacingOption, "a picture every N frames: 10")},
+             frames},
+            {QStringLiteral("video"),
+             flight + QStringLiteral(" --out VIDEO"),
+             QStringLiteral("the whole flight as a new video"),
+             {thermal, out("VIDEO", "the video to write")},
+             video}};
 }
 
 } // namespace corv::cli

@@ -15,6 +15,8 @@
 namespace corv::cli {
 namespace {
 
+const QString jsonOption = QStringLiteral("json");
+const QString durationOption = QStringLiteral("duration-ms");
 constexpr int kFlushAtBytes = 1 << 20;
 
 // No packet holds more elements than bytes; a description that promises more describes no table.
@@ -174,15 +176,15 @@ QByteArray infoTable(const OpenLog& open)
     return table.toUtf8();
 }
 
-ExitStatus logInfo(QStringList arguments)
+ExitStatus logInfo(const QCommandLineParser& line)
 {
-    const bool json = takeOption(&arguments, QStringLiteral("--json"));
+    const QStringList arguments = line.positionalArguments();
     if (arguments.size() != 1)
         return WrongUsage;
     OpenLog open;
     if (!open.open(arguments[0]))
         return Failed;
-    return writeOut(json ? infoJson(open) : infoTable(open));
+    return writeOut(line.isSet(jsonOption) ? infoJson(open) : infoTable(open));
 }
 
 template <typename T>
@@ -279,8 +281,9 @@ ExitStatus writeCsv(const std::vector<CsvColumn>& columns, int rows)
     return Done;
 }
 
-ExitStatus logCsv(QStringList arguments)
+ExitStatus logCsv(const QCommandLineParser& line)
 {
+    const QStringList arguments = line.positionalArguments();
     if (arguments.size() != 2)
         return WrongUsage;
     OpenLog open;
@@ -298,8 +301,9 @@ ExitStatus logCsv(QStringList arguments)
     return writeCsv(csvColumns(open, index), group->getNbPackets());
 }
 
-ExitStatus logRaw(QStringList arguments)
+ExitStatus logRaw(const QCommandLineParser& line)
 {
+    const QStringList arguments = line.positionalArguments();
     if (arguments.size() != 3)
         return WrongUsage;
     OpenLog open;
@@ -353,12 +357,12 @@ QByteArray syncText(const Synced& synced)
         .toUtf8();
 }
 
-ExitStatus sync(QStringList arguments)
+ExitStatus sync(const QCommandLineParser& line)
 {
-    const bool json = takeOption(&arguments, QStringLiteral("--json"));
-    bool isNumber = false;
-    const int durationMs = takeValue(&arguments, QStringLiteral("--duration-ms")).toInt(&isNumber);
-    if (arguments.size() != 1 || !isNumber)
+    const QStringList arguments = line.positionalArguments();
+    int durationMs = 0;
+    if (arguments.size() != 1 || !line.isSet(durationOption) ||
+        !readNumber(line, durationOption, 0, &durationMs))
         return WrongUsage;
     OpenLog open;
     if (!open.open(arguments[0]))
@@ -370,21 +374,35 @@ ExitStatus sync(QStringList arguments)
         static_cast<int>(static_cast<quint32>(begin) + static_cast<quint32>(durationMs));
     synced.naming = open.decoder().findNamingForFlight(
         open.decoder().readFlightNamingEvents(&open.log()), begin, end);
-    return writeOut(json ? syncJson(synced) : syncText(synced));
+    return writeOut(line.isSet(jsonOption) ? syncJson(synced) : syncText(synced));
 }
 
 } // namespace
 
 std::vector<Command> logCommands()
 {
-    return {{QStringLiteral("log-info"), QStringLiteral("FILE [--json]"),
-             QStringLiteral("what a flight log holds"), logInfo},
-            {QStringLiteral("log-csv"), QStringLiteral("FILE GROUP"),
-             QStringLiteral("the packets of a group as a table"), logCsv},
-            {QStringLiteral("log-raw"), QStringLiteral("FILE GROUP VAR"),
-             QStringLiteral("the values of a field as they stand in memory"), logRaw},
-            {QStringLiteral("sync"), QStringLiteral("FILE --duration-ms N [--json]"),
-             QStringLiteral("where a video of N ms sits on a log"), sync}};
+    const QCommandLineOption json = flag(jsonOption, QStringLiteral("writes JSON"));
+    return {
+        {QStringLiteral("log-info"),
+         QStringLiteral("FILE [--json]"),
+         QStringLiteral("what a flight log holds"),
+         {json},
+         logInfo},
+        {QStringLiteral("log-csv"),
+         QStringLiteral("FILE GROUP"),
+         QStringLiteral("the packets of a group as a table"),
+         {},
+         logCsv},
+        {QStringLiteral("log-raw"),
+         QStringLiteral("FILE GROUP VAR"),
+         QStringLiteral("the values of a field as they are in memory"),
+         {},
+         logRaw},
+        {QStringLiteral("sync"),
+         QStringLiteral("FILE --duration-ms N [--json]"),
+         QStringLiteral("where a video of N ms sits on a log"),
+         {valued(durationOption, QStringLiteral("N"), QStringLiteral("length of the video")), json},
+         sync}};
 }
 
 } // namespace corv::cli

@@ -17,6 +17,12 @@ std::vector<Command> allCommands()
     return commands;
 }
 
+QList<QCommandLineOption> commonOptions()
+{
+    return {flag(QStringLiteral("help"), QStringLiteral("shows this")),
+            flag(QStringLiteral("verbose"), QStringLiteral("shows diagnostics on standard error"))};
+}
+
 QByteArray help(const std::vector<Command>& commands)
 {
     QString text = QStringLiteral("usage: vistrel-cli [--verbose] COMMAND ...\n\n");
@@ -24,11 +30,31 @@ QByteArray help(const std::vector<Command>& commands)
         const QString usage = command.name + QLatin1Char(' ') + command.arguments;
         text += QStringLiteral("  %1  %2\n").arg(usage, -34).arg(command.summary);
     }
-    text += QStringLiteral("\n  --help     shows this\n"
-                           "  --version  shows the version\n"
-                           "  --verbose  shows diagnostics on standard error\n\n"
-                           "Exit status: 0 done, 1 failed, 2 wrong usage.\n");
+    text +=
+        QStringLiteral("\n  --help     shows this; COMMAND --help shows the options of a command\n"
+                       "  --version  shows the version\n"
+                       "  --verbose  shows diagnostics on standard error\n\n"
+                       "Exit status: 0 done, 1 failed, 2 wrong usage.\n");
     return text.toUtf8();
+}
+
+QByteArray helpOf(const Command& command)
+{
+    QString text = QStringLiteral("usage: vistrel-cli %1 %2\n\n%3\n\n")
+                       .arg(command.name, command.arguments, command.summary);
+    for (const QCommandLineOption& option : command.options + commonOptions()) {
+        QString usage = QStringLiteral("--") + option.names().constFirst();
+        if (!option.valueName().isEmpty())
+            usage += QLatin1Char(' ') + option.valueName();
+        text += QStringLiteral("  %1  %2\n").arg(usage, -18).arg(option.description());
+    }
+    return text.toUtf8();
+}
+
+/// What is wrong with a line that was not understood; empty if the parser found nothing.
+QString reasonOf(const QCommandLineParser& line)
+{
+    return line.errorText().isEmpty() ? QString() : QStringLiteral("; ") + line.errorText();
 }
 
 ExitStatus showUsage(const QString& usage)
@@ -37,25 +63,45 @@ ExitStatus showUsage(const QString& usage)
     return WrongUsage;
 }
 
-ExitStatus runCommand(QStringList arguments)
+ExitStatus runCommand(const Command& command, const QStringList& arguments, bool verbose)
 {
-    installDiagnostics(takeOption(&arguments, QStringLiteral("--verbose")));
+    QCommandLineParser line;
+    line.addOptions(command.options + commonOptions());
+    const bool understood = line.parse(arguments);
+    if (line.isSet(QStringLiteral("help")))
+        return writeOut(helpOf(command));
+    installDiagnostics(verbose || line.isSet(QStringLiteral("verbose")));
+    const ExitStatus status = understood ? command.run(line) : WrongUsage;
+    if (status != WrongUsage)
+        return status;
+    return showUsage(command.name + QLatin1Char(' ') + command.arguments + reasonOf(line));
+}
+
+ExitStatus runLine(const QStringList& arguments)
+{
+    QCommandLineParser line; // up to the command's name; what follows is the command's own
+    line.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    line.addOptions(commonOptions());
+    line.addOption(flag(QStringLiteral("version"), QStringLiteral("shows the version")));
+    const bool understood = line.parse(arguments);
     const std::vector<Command> commands = allCommands();
-    if (arguments.isEmpty())
-        return showUsage(QStringLiteral("COMMAND ..., see --help"));
-    const QString name = arguments.takeFirst();
-    if (name == QLatin1String("--help"))
+    const QString wanted = QStringLiteral("COMMAND ..., see --help");
+    if (!understood)
+        return showUsage(wanted + reasonOf(line));
+    if (line.isSet(QStringLiteral("help")))
         return writeOut(help(commands));
-    if (name == QLatin1String("--version"))
+    if (line.isSet(QStringLiteral("version")))
         return writeOut("vistrel-cli " + AppInfo().versionString().toUtf8() + '\n');
+    const QStringList rest = line.positionalArguments();
+    if (rest.isEmpty())
+        return showUsage(wanted);
     const auto command =
-        std::find_if(commands.begin(), commands.end(),
-                     [&name](const Command& candidate) { return candidate.name == name; });
+        std::find_if(commands.begin(), commands.end(), [&rest](const Command& candidate) {
+            return candidate.name == rest.constFirst();
+        });
     if (command == commands.end())
-        return showUsage(QStringLiteral("COMMAND ..., see --help; no command \"%1\"").arg(name));
-    const ExitStatus status = command->run(arguments);
-    return status == WrongUsage ? showUsage(command->name + QLatin1Char(' ') + command->arguments)
-                                : status;
+        return showUsage(wanted + QStringLiteral("; no command \"%1\"").arg(rest.constFirst()));
+    return runCommand(*command, rest, line.isSet(QStringLiteral("verbose")));
 }
 
 } // namespace
@@ -74,18 +120,21 @@ ExitStatus fail(const QString& message)
     return Failed;
 }
 
-bool takeOption(QStringList* arguments, const QString& option)
+QCommandLineOption flag(const QString& name, const QString& description)
 {
-    return arguments->removeAll(option) > 0;
+    return {name, description};
 }
 
-QString takeValue(QStringList* arguments, const QString& option)
+QCommandLineOption valued(const QString& name, const QString& valueName, const QString& description)
 {
-    const int at = arguments->indexOf(option);
-    if (at < 0)
-        return {};
-    arguments->removeAt(at);
-    return at < arguments->size() ? arguments->takeAt(at) : QString(QLatin1String(""));
+    return {name, description, valueName};
+}
+
+bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int* number)
+{
+    bool ok = true;
+    *number = line.isSet(name) ? line.value(name).toInt(&ok) : standard;
+    return ok;
 }
 
 } // namespace corv::cli
@@ -93,5 +142,5 @@ QString takeValue(QStringList* arguments, const QString& option)
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    return corv::cli::runCommand(QCoreApplication::arguments().mid(1));
+    return corv::cli::runLine(QCoreApplication::arguments());
 }

@@ -12,6 +12,10 @@
 namespace corv::cli {
 namespace {
 
+const QString cardOption = QStringLiteral("card");
+const QString quickOption = QStringLiteral("quick");
+const QString jsonOption = QStringLiteral("json");
+
 // In the order of the search result.
 const char* const kKeys[] = {"videoFile",    "videoFilename", "logFile",     "logFilename",
                              "matchFound",   "namingDefined", "missionName", "flightName",
@@ -53,15 +57,15 @@ void showProgress(int file, int files, int, int, int)
     std::fprintf(stderr, "\rreading log %d/%d", file, files);
 }
 
-ExitStatus match(QStringList arguments)
+ExitStatus match(const QCommandLineParser& line)
 {
-    const bool json = takeOption(&arguments, QStringLiteral("--json"));
-    const bool quickMode = takeOption(&arguments, QStringLiteral("--quick"));
-    const bool videoFromCard = takeOption(&arguments, QStringLiteral("--card"));
-    if (arguments.size() != 2 || arguments[0].startsWith(QLatin1String("--")) ||
-        arguments[1].startsWith(QLatin1String("--")))
+    const bool json = line.isSet(jsonOption);
+    const bool quickMode = line.isSet(quickOption);
+    const bool videoFromCard = line.isSet(cardOption);
+    const QStringList arguments = line.positionalArguments();
+    if (arguments.size() != 2)
         return WrongUsage;
-    for (const QString& folder : qAsConst(arguments))
+    for (const QString& folder : arguments)
         if (!isReadableFolder(folder))
             return fail(QStringLiteral("%1: no folder that can be read").arg(folder));
     const FlightFiles files =
@@ -86,7 +90,11 @@ std::vector<Command> matchCommands()
 {
     return {{QStringLiteral("match"),
              QStringLiteral("VIDEO_DIR LOG_DIR [--card] [--quick] [--json]"),
-             QStringLiteral("which log belongs to which video"), match}};
+             QStringLiteral("which log belongs to which video"),
+             {flag(cardOption, QStringLiteral("VIDEO_DIR is the root of a drone's card")),
+              flag(quickOption, QStringLiteral("pairs by time alone, without reading the logs")),
+              flag(jsonOption, QStringLiteral("writes JSON"))},
+             match}};
 }
 
 } // namespace corv::cli

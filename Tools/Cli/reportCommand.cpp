@@ -43,10 +43,10 @@ bool writeReport(FlightSession& flight, const QString& path)
     return isWritten;
 }
 
-ExitStatus report(const QStringList& given)
+ExitStatus report(const QCommandLineParser& line)
 {
-    QStringList arguments = given;
-    const QString path = takeValue(&arguments, QStringLiteral("--out"));
+    const QStringList arguments = line.positionalArguments();
+    const QString path = line.value(QStringLiteral("out"));
     if (path.isEmpty() || !FlightSession::isFlight(arguments))
         return WrongUsage;
     FlightSession flight;
@@ -64,8 +64,12 @@ ExitStatus report(const QStringList& given)
 
 std::vector<Command> reportCommands()
 {
-    return {{QStringLiteral("report"), QStringLiteral("PROJECT|VIDEO [LOG] --out FILE.docx"),
-             QStringLiteral("a Word document with a page for each mark"), report}};
+    return {{QStringLiteral("report"),
+             QStringLiteral("PROJECT|VIDEO [LOG] --out FILE.docx"),
+             QStringLiteral("a Word document with a page for each point of interest"),
+             {valued(QStringLiteral("out"), QStringLiteral("FILE.docx"),
+                     QStringLiteral("the document to write"))},
+             report}};
 }
 
 } // namespace corv::cli

@@ -122,6 +122,10 @@ void LogCommandsTest::helpAndVersion()
     for (const char* command : {"log-info FILE [--json]", "log-csv FILE GROUP",
                                 "log-raw FILE GROUP VAR", "sync FILE --duration-ms N [--json]"})
         QVERIFY2(help.out.contains(command), command);
+    const ProgramRun ofCommand = vistrel({"sync", "--help"});
+    QCOMPARE(ofCommand.status, 0);
+    QVERIFY(ofCommand.out.startsWith("usage: vistrel-cli sync FILE --duration-ms N [--json]\n"));
+    QVERIFY(ofCommand.out.contains("  --duration-ms N "));
     const ProgramRun version = vistrel({"--version"});
     QCOMPARE(version.status, 0);
     QCOMPARE(version.out, QByteArray("vistrel-cli " VISTREL_VERSION "\n"));
@@ -188,8 +192,7 @@ void LogCommandsTest::csvShowsTheDeclaredTypes()
 
 void LogCommandsTest::syncFindsTheVideo()
 {
-    const ProgramRun run =
-        vistrel({"sync", path("flight.log"), "--duration-ms", "60000", "--json"});
+    const ProgramRun run = vistrel({"sync", path("flight.log"), "--duration-ms=60000", "--json"});
     QCOMPARE(run.status, 0);
     const QJsonObject expected{
         {"found", true},          {"probablyNotMatching", false},
@@ -242,6 +245,10 @@ void LogCommandsTest::wrongUsageIsTold_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("nothing") << QStringList{};
     QTest::newRow("unknown command") << QStringList{"fly"};
+    QTest::newRow("unknown option") << QStringList{"--fly"};
+    QTest::newRow("unknown option of a command") << QStringList{"log-info", "a", "--fly"};
+    QTest::newRow("option of another command") << QStringList{"log-csv", "a", "b", "--json"};
+    QTest::newRow("value for a flag") << QStringList{"log-info", "a", "--json=yes"};
     QTest::newRow("no file") << QStringList{"log-info"};
     QTest::newRow("two files") << QStringList{"log-info", "a", "b"};
     QTest::newRow("no group") << QStringList{"log-csv", "a"};
