@@ -11,11 +11,14 @@ Window {
     objectName: "generalSettings"
 
     property bool imperialUnits: false
+    property bool thermalAsOnScreen: false
     property bool ok: false
 
     function init() {
         radioUnitMetric.checked = !settings.imperialUnits;
         radioUnitImperial.checked = settings.imperialUnits;
+        radioThermalOfFile.checked = !settings.thermalAsOnScreen;
+        radioThermalOnScreen.checked = settings.thermalAsOnScreen;
     }
 
     // A number with leading "0" up to a length.
@@ -37,6 +40,7 @@ Window {
         id: settings
         category: "userPreferences"
         property bool imperialUnits: false
+        property bool thermalAsOnScreen: false
     }
 
     Shortcut {
@@ -56,6 +60,7 @@ Window {
     }
 
     ExclusiveGroup { id: unitTypeGroup }
+    ExclusiveGroup { id: thermalPictureGroup }
 
     Column {
         anchors { left: parent.left; right: parent.right; top: parent.top; margins: 14 }
@@ -89,6 +94,31 @@ Window {
             text: "Changes will be applied after restarting Vistrel"
             color: Theme.textSoft
         }
+
+        Text {
+            text: "Thermal picture of saved frames"
+            color: Theme.text
+            font.bold: true
+        }
+
+        Row {
+            spacing: 24
+
+            CorvRadioButton {
+                id: radioThermalOfFile
+                objectName: "radioThermalOfFile"
+                text: "As in earlier versions"
+                checked: true
+                exclusiveGroup: thermalPictureGroup
+            }
+
+            CorvRadioButton {
+                id: radioThermalOnScreen
+                objectName: "radioThermalOnScreen"
+                text: "As on screen"
+                exclusiveGroup: thermalPictureGroup
+            }
+        }
     }
 
     CorvRichTextButton {
@@ -110,6 +140,8 @@ Window {
         onClicked: {
             settings.imperialUnits = radioUnitImperial.checked;
             generalSettings.imperialUnits = settings.imperialUnits;
+            settings.thermalAsOnScreen = radioThermalOnScreen.checked;
+            generalSettings.thermalAsOnScreen = settings.thermalAsOnScreen;
             generalSettings.ok = true;
             generalSettings.close();
         }

@@ -4,6 +4,8 @@ import VideoPlayer 1.0
 
 // The player as the main window uses it: what it starts with, and what follows from its signals.
 VideoPlayer {
+    id: reviewPlayer
+
     property bool hasVideoOpenedAlias: hasVideoOpened
     property var onVideoSucessfullyOpened: undefined
     // The file that the video was opened by; `source` moves on from file to file.
@@ -25,6 +27,9 @@ VideoPlayer {
 
     onHasVideoOpenedChanged: {
         openedSource = hasVideoOpened ? source : "";
+        // Or the next flight would begin with the picture of this one.
+        if (!hasVideoOpened)
+            forgetLastFrame();
         if (!hasVideoOpened || onVideoSucessfullyOpened === undefined)
             return;
         var continuation = onVideoSucessfullyOpened;
@@ -34,6 +39,25 @@ VideoPlayer {
     onDurationChanged: {
         if (duration > 0)
             LogParser.duration = duration;
+    }
+
+    onAutoIRMappingChanged: {
+        if (showIR)
+            redraw();
+    }
+    // At the end the worker has closed its place; redrawing it, pictures can be saved again.
+    onPlayingChanged: {
+        if (!playing && currentFrameIndex >= frameCount - 1)
+            redraw();
+    }
+
+    Connections {
+        target: LogParser
+
+        function onManualLogTimeOffsetChanged() {
+            if (reviewPlayer.showIR)
+                reviewPlayer.redraw();
+        }
     }
 
     // Opens a file and then runs the continuation, for that file alone: left behind by a video that
@@ -48,6 +72,7 @@ VideoPlayer {
             if (source === file)
                 continuation();
         };
+        forgetLastFrame();
         source = file;
     }
 

@@ -203,6 +203,7 @@ Item {
             if (window.visible || !window.ok)
                 return;
             console.log("Settings have changed : " + window.imperialUnits);
+            player.thermalAsOnScreen = window.thermalAsOnScreen;
             windows.unitsChosen(window.imperialUnits);
         }
     }

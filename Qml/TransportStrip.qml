@@ -43,7 +43,7 @@ Rectangle {
             name: "First frame"
             keyName: "Home"
             source: "images/begin.png"
-            onPressButton: player.seekAtFrame(0)
+            onPressButton: player.goToFrame(0)
         }
         TransportButton {
             id: prevFrameButton
@@ -51,7 +51,7 @@ Rectangle {
             name: "Previous frame"
             keyName: "Left"
             source: "images/prev.png"
-            onPressButton: player.seekAtFrame(player.currentFrameIndex - 1)
+            onPressButton: player.step(-1)
         }
         TransportButton {
             id: playButton
@@ -77,7 +77,7 @@ Rectangle {
             name: "Next frame"
             keyName: "Right"
             source: "images/next.png"
-            onPressButton: player.seekAtFrame(player.currentFrameIndex + 1)
+            onPressButton: player.step(1)
         }
         TransportButton {
             id: endButton
@@ -85,7 +85,7 @@ Rectangle {
             name: "Last frame"
             keyName: "End"
             source: "images/end.png"
-            onPressButton: player.seekAtTime(player.duration)
+            onPressButton: player.goToFrame(player.frameCount - 1)
         }
     }
 

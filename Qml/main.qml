@@ -392,6 +392,7 @@ ApplicationWindow {
         id: generalSettings
         category: "userPreferences"
         property bool imperialUnits: false
+        property bool thermalAsOnScreen: false
     }
 
     Settings {
@@ -554,7 +555,7 @@ ApplicationWindow {
                     Accessible.name: "Timeline"
 
                     onDurationChanged: updateLogData()
-                    onSeekRequest: videoPlayer.seekAtTime(time)
+                    onSeekRequest: videoPlayer.goToTime(time)
                     onPoiDoubleClicked: mainWindow.editSelectedPoi()
                     onClicked: mainWindow.refocusMainActions()
                     onContentXChanged: timeline.contentXChanged()
@@ -608,6 +609,7 @@ ApplicationWindow {
                 objectName: "videoPlayer"
                 anchors.fill: parent
                 adjustmentsPanel: mainWindow.adjustmentsPanel
+                thermalAsOnScreen: generalSettings.thermalAsOnScreen
                 onSourceOpenError: mainWindow.displayErrorDialog("Error", "Video file " + file
                                                                  + " could not be read.")
                 onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)

@@ -35,6 +35,7 @@ private slots:
     void settingsShowWhatIsStored();
     void settingsAreSaved_data();
     void settingsAreSaved();
+    void thermalClockIsShownAndSaved();
     void settingsCancelled_data();
     void settingsCancelled();
     void settingsPad_data();
@@ -108,6 +109,20 @@ void SettingsWindowsTest::settingsAreSaved()
     accept(byKey, "okButton");
     QCOMPARE(m_host->get("imperialUnits").toBool(), imperial);
     QTRY_COMPARE(QSettings().value("userPreferences/imperialUnits").toBool(), imperial);
+}
+
+void SettingsWindowsTest::thermalClockIsShownAndSaved()
+{
+    QVERIFY(m_host->make("GeneralSettings.qml"));
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
+    QVERIFY(m_host->show());
+    QVERIFY(m_host->part("radioThermalOfFile")->property("checked").toBool());
+    m_host->click("radioThermalOnScreen");
+    accept(false, "okButton");
+    QVERIFY(m_host->get("thermalAsOnScreen").toBool());
+    QTRY_VERIFY(QSettings().value("userPreferences/thermalAsOnScreen").toBool());
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
+    QVERIFY(m_host->part("radioThermalOnScreen")->property("checked").toBool());
 }
 
 void SettingsWindowsTest::settingsCancelled_data()
