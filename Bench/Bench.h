@@ -48,4 +48,8 @@ double timeRatio(const std::function<void()>& work, const std::function<void()>&
 /// Median of the seconds that `work` takes, warmed up once.
 double medianSeconds(const std::function<void()>& work, int rounds = 5);
 
+/// The most memory that `work` needs in a process of its own, in bytes, beyond what that has
+/// before. Ends the program if the work fails there.
+double peakBytesOf(const std::function<void()>& work);
+
 } // namespace corv::bench

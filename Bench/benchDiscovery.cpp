@@ -1,6 +1,7 @@
 #include "Bench.h"
 
 #include "Discovery/FlightFilesMatcher.h"
+#include "Discovery/flightPairing.h"
 #include "Discovery/flightSearch.h"
 #include "Log/LogDecoder.h"
 #include "Log/LogFile.h"
@@ -15,13 +16,14 @@
 #include <memory>
 #include <opencv2/core.hpp>
 #include <opencv2/videoio.hpp>
+#include <sys/resource.h>
 #include <vector>
 
 namespace corv::bench {
 namespace {
 
 constexpr int kVideos = 20;
-constexpr int kLogs = 5;
+constexpr int kLogs = 6;
 constexpr qint64 kLogBytes = 200'000'000;
 
 const QDateTime kStart(QDate(2018, 6, 1), QTime(12, 0));
@@ -159,13 +161,29 @@ void fullSearch(const Flights& flights)
             qFatal("the search has not named %s", qPrintable(match.videoFile.filePath()));
 }
 
-void decodeAndOpen(const Flights& flights)
+// Reads every log as far as its packets are counted.
+void countPackets(const Flights& flights)
 {
-    const std::atomic<bool> abort{false};
-    for (const QFileInfo& video : flights.videos)
-        VideoInfoReader(video.filePath()).getDurationMs();
-    for (const QFileInfo& log : flights.logs)
-        delete LogDecoder(&abort).parseLog(log.filePath(), [](int, int, int) {});
+    for (const QFileInfo& log : flights.logs) {
+        std::atomic<bool> abort{false};
+        delete LogDecoder(&abort).parseLog(log.filePath(),
+                                           [&abort](int stage, int, int) { abort = stage == 2; });
+    }
+}
+
+double processorSecondsOf(const std::function<void()>& work)
+{
+    const auto used = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        const auto seconds = [](const timeval& time) {
+            return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+        };
+        return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    };
+    const double before = used();
+    work();
+    return used() - before;
 }
 
 // From setting the flag at that moment of the reading until the matcher has returned.
@@ -186,9 +204,18 @@ double secondsToAbort(const Flights& flights, int atStage, double atShare)
 
 const Benchmark search("discovery-search", [](Report& report) {
     const Flights flights = makeFlights(report.inputFolder() + QStringLiteral("/discovery"));
-    report.row(QStringLiteral("full search / decoding and opening"),
-               timeRatio([&] { fullSearch(flights); }, [&] { decodeAndOpen(flights); }, 3), 1.15,
-               QStringLiteral("20 videos sharing 5 logs of 200 MB"));
+    const QString input = QStringLiteral("20 videos sharing 6 logs of 200 MB");
+    report.row(QStringLiteral("full search, peak memory / 100 MB"),
+               peakBytesOf([&flights] { fullSearch(flights); }) / 1e8, 1, input);
+    report.row(QStringLiteral("full search / counting the packets"),
+               timeRatio([&] { fullSearch(flights); }, [&] { countPackets(flights); }, 3), 0.7,
+               input);
+    std::vector<double> ratios;
+    for (int round = 0; round < 3; ++round)
+        ratios.push_back(processorSecondsOf([&] { fullSearch(flights); }) /
+                         processorSecondsOf([&] { countPackets(flights); }));
+    report.row(QStringLiteral("full search, processor time / counting the packets"), median(ratios),
+               1.3, input);
     const double slowest =
         std::max({secondsToAbort(flights, 0, 0), secondsToAbort(flights, 1, 0),
                   secondsToAbort(flights, 2, 0.01), secondsToAbort(flights, 2, 0.9)});
@@ -242,11 +269,30 @@ const Benchmark quick("discovery-quick", [](Report& report) {
     report.row(
         QStringLiteral("quick search / listing and stat"),
         timeRatio([&] { quickSearch(folder, factsOf(apart)); }, [&] { listAndStat(folder); }, 15),
-        3, QStringLiteral("2,000 videos and 2,000 logs"));
+        2.5, QStringLiteral("2,000 videos and 2,000 logs"));
     report.row(QStringLiteral("quick search, one half hour / listing and stat"),
                timeRatio([&] { quickSearch(folder, factsOf(together)); },
                          [&] { listAndStat(folder); }, 15),
-               3, QStringLiteral("as before, every log pairs with every video"));
+               2.5, QStringLiteral("as before, every log pairs with every video"));
+});
+
+const Benchmark alignment("discovery-alignment", [](Report& report) {
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+    for (int i = 0; i < 500; ++i) { // times lost: every video has the same log by time
+        const qint64 lengthMs = 120'000 + (i * 7919) % 1'080'000;
+        videos.push_back(
+            {QStringLiteral("/videos/CORV%1.MOV").arg(i, 4, 10, QLatin1Char('0')), 0, lengthMs, 0});
+        logs.push_back({QStringLiteral("/logs/%1.log").arg(i),
+                        1000,
+                        {{10'000, static_cast<quint32>(11'000 + lengthMs)}}});
+    }
+    const double seconds = medianSeconds([&] {
+        if (pairFlights(videos, logs).back().log != 499)
+            qFatal("the alignment has lost a flight");
+    });
+    report.row(QStringLiteral("alignment / 50 ms"), seconds / 0.05, 1,
+               QStringLiteral("500 videos with 500 recordings"));
 });
 
 } // namespace

@@ -7,14 +7,8 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <functional>
-#include <malloc.h>
 #include <memory>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace corv::bench {
@@ -180,52 +174,6 @@ void addUpAndCopy(const QString& path)
     }
 }
 
-// A figure of this process's memory, such as VmRSS, by the kernel's own count.
-double memoryBytes(const char* figure)
-{
-    double kilobytes = 0;
-    char line[256];
-    FILE* status = std::fopen("/proc/self/status", "r");
-    const size_t length = std::strlen(figure);
-    while (status && std::fgets(line, sizeof(line), status))
-        if (std::strncmp(line, figure, length) == 0 && line[length] == ':')
-            kilobytes = std::strtod(line + length + 1, nullptr);
-    if (status)
-        std::fclose(status);
-    return kilobytes * 1024;
-}
-
-// The most memory that a process of its own needs to decode a log, beyond what it has anyway.
-double peakBytesOfDecode(const QString& path)
-{
-    int ends[2];
-    if (pipe(ends) != 0)
-        qFatal("no pipe");
-    malloc_trim(0); // what earlier measurements freed must not serve this one for nothing
-    const pid_t child = fork();
-    if (child == 0) {
-        // A forked child shows its parent's peak until it is told to count anew, and what it shares
-        // with its parent counts as its own.
-        if (FILE* reset = std::fopen("/proc/self/clear_refs", "w")) {
-            std::fputs("5", reset);
-            std::fclose(reset);
-        }
-        const double before = memoryBytes("VmRSS");
-        decode(path);
-        const double needed = memoryBytes("VmHWM") - before;
-        const ssize_t written = write(ends[1], &needed, sizeof(needed));
-        _exit(written == sizeof(needed) ? 0 : 1);
-    }
-    double needed = 0;
-    int status = 0;
-    if (child < 0 || read(ends[0], &needed, sizeof(needed)) != sizeof(needed) ||
-        waitpid(child, &status, 0) != child || status != 0)
-        qFatal("the measured decode failed");
-    close(ends[0]);
-    close(ends[1]);
-    return needed;
-}
-
 void speedRow(Report& report, const QString& name, const QString& path, double limit,
               const QString& input)
 {
@@ -241,7 +189,7 @@ const Benchmark decodeThermal("decode", [](Report& report) {
     const double sizeBytes = static_cast<double>(QFileInfo(thermal).size());
     constexpr double kAllowance = 80.0 * 1024 * 1024;
     report.row(QStringLiteral("decode, peak memory"),
-               (peakBytesOfDecode(thermal) - kAllowance) / sizeBytes, 1.2,
+               (peakBytesOf([&thermal] { decode(thermal); }) - kAllowance) / sizeBytes, 1.2,
                QStringLiteral("less 80 MB, over the log's size"));
     speedRow(report, QStringLiteral("decode, tiny packets"),
              madeLog(report, QStringLiteral("tiny.log"), kHostileLogBytes, tinySlice), 6,

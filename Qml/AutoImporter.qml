@@ -31,6 +31,18 @@ Window {
     property url chosenVideoFile
     property bool isBusy: false
 
+    // The files of the chosen flight in order, where the search knows them, and the place of the
+    // chosen video among them, from 1.
+    property var chosenFlightFiles: []
+    property int chosenPart: 1
+
+    // The rows of the list as the parser gave them.
+    property var matchings: []
+    // What the last search could not read, in sentences.
+    property string remarks: ""
+    // A search that waits for the end of an aborted one.
+    property bool searchWaits: false
+
     // In place of a drive's path: the row that stands for a chosen folder.
     readonly property string folderMarker: "DIR"
 
@@ -41,6 +53,11 @@ Window {
     minimumHeight: 620
     modality: Qt.WindowModal
     color: Cst.bgndColor
+    // By whatever way it closes, no search goes on behind it.
+    onClosing: {
+        if (isBusy)
+            abortRunningProcess();
+    }
 
     function init() {
         checkBoxFastSearch.checked = autoImporter.fastLoadingChecked;
@@ -154,13 +171,31 @@ Window {
         }
     }
 
+    // A choice still on its way through its timer counts at once.
+    function finishSelections() {
+        if (timerForDirOne.running) {
+            timerForDirOne.stop();
+            useLogDrive(driveListModelOne.get(timerForDirOne.selectindex));
+        }
+        if (timerForDirTwo.running) {
+            timerForDirTwo.stop();
+            useVideoDrive(driveListModelTwo.get(timerForDirTwo.selectindex));
+        }
+    }
+
     function selectDirOne() {
         isSelectingDirectoryForVideo = false;
-        directoryChooserDialog.open();
+        chooseDirectory();
     }
 
     function selectDirTwo() {
         isSelectingDirectoryForVideo = true;
+        chooseDirectory();
+    }
+
+    function chooseDirectory() {
+        if (settings.lastFolder.toString() !== "")
+            directoryChooserDialog.folder = settings.lastFolder;
         directoryChooserDialog.open();
     }
 
@@ -183,6 +218,7 @@ Window {
 
     function parseChosenDirs() {
         matchingsListModel.clear();
+        finishSelections();
         var quickMode = checkBoxFastSearch.checked;
         var log = usePathForLog ? Paths.chosenPath(logUrl)
                                 : selectedPath(driveListModelOne, cardOneDriveDropdown);
@@ -192,7 +228,32 @@ Window {
         txtMatchingBusyIndicator.text = "Reading log files...";
         isBusy = true;
         progressBar.indeterminate = true;
-        directoryParser.parseDirectories(video, log, !usePathForVideo, !usePathForLog, quickMode);
+        remarks = "";
+        searchWaits = directoryParser.searching;
+        if (!searchWaits)
+            directoryParser.parseDirectories(video, log, !usePathForVideo, !usePathForLog,
+                                             quickMode);
+    }
+
+    function onSearchingChanged() {
+        if (searchWaits && !directoryParser.searching)
+            parseChosenDirs();
+    }
+
+    // A card that came or went: the lists follow, the choice stays where its drive is still there.
+    function onDrivesChanged() {
+        if (!visible)
+            return;
+        finishSelections();
+        refreshListsAndKeepUserSelection();
+    }
+
+    function onVideoProgress(currentVideo, totalVideos) {
+        progressBar.indeterminate = false;
+        progressBar.minimumValue = 0;
+        progressBar.maximumValue = totalVideos;
+        progressBar.value = currentVideo - 1;
+        txtMatchingBusyIndicator.text = "Reading video file " + currentVideo + "/" + totalVideos;
     }
 
     // Only the decoder's last step counts packets; before it, whole files are all there is.
@@ -209,28 +270,45 @@ Window {
                 + " - " + percent + "% completed";
     }
 
-    function afterDirsParsed(matchings, isRecalling) {
+    function afterDirsParsed(found, isRecalling) {
         isBusy = false;
-        if (matchings.length === 0 && !isRecalling)
+        if (remarks !== "")
+            showMessage("Flight search", remarks);
+        else if (found.length === 0 && !isRecalling)
             showMessage("Flight search",
                         "No matches found. Please check your drive or directory selection.");
+        matchings = found;
         matchingsListModel.clear();
-        for (var i = 0; i < matchings.length; ++i) {
-            var matching = matchings[i];
-            matchingsListModel.append({
-                name: matching.videoFilename + " : " + matching.logFilename,
-                videoPath: matching.videoFile,
-                logPath: matching.logFile,
-                matchFound: matching.matchFound,
-                duration: matching.videoDuration,
-                missionName: matching.missionName,
-                flightName: matching.flightName,
-                flightNumber: matching.flightNumber,
-                namingDefined: matching.namingDefined
-            });
-        }
-        if (matchings.length > 0)
+        for (var i = 0; i < found.length; ++i)
+            matchingsListModel.append(rowOf(found[i]));
+        if (found.length > 0)
             matchingsTable.currentIndex = 0;
+    }
+
+    function rowOf(matching) {
+        return {
+            name: matching.videoFilename + " : " + matching.logFilename,
+            videoPath: matching.videoFile,
+            logPath: matching.logFile,
+            matchFound: matching.matchFound,
+            duration: matching.videoDuration,
+            missionName: matching.missionName,
+            flightName: matching.flightName,
+            flightNumber: matching.flightNumber,
+            namingDefined: matching.namingDefined,
+            evidence: matching.evidence,
+            doubtful: matching.doubtful,
+            evidenceText: matching.evidenceText,
+            partText: matching.partText,
+            fileText: fileText(matching)
+        };
+    }
+
+    function fileText(matching) {
+        var folder = matching.videoFile.substring(0, matching.videoFile.lastIndexOf("/"));
+        var time = matching.videoTime === "" ? "" : "Written " + matching.videoTime.replace("T", " ")
+                                                    + ", ";
+        return time + (matching.videoSize / 1000000).toFixed(1) + " MB, in " + folder;
     }
 
     function autodetectRemovableDevices() {
@@ -266,6 +344,7 @@ Window {
     function abortRunningProcess() {
         directoryParser.abortParsing();
         matchingsListModel.clear();
+        searchWaits = false;
         isBusy = false;
     }
 
@@ -283,6 +362,8 @@ Window {
         console.log(matchingsTable.currentIndex + " " + JSON.stringify(row));
         chosenLogFile = Paths.toUrl(row.logPath);
         chosenVideoFile = Paths.toUrl(row.videoPath);
+        chosenFlightFiles = matchings[matchingsTable.currentIndex].flightFiles;
+        chosenPart = matchings[matchingsTable.currentIndex].part;
         ok = true;
         storeUserSettings();
         fastLoadingChecked = checkBoxFastSearch.checked;
@@ -321,6 +402,7 @@ Window {
         folder: settings.lastFolder
         onAccepted: {
             console.log("Directory choice accept");
+            settings.lastFolder = fileUrl;
             var folder = Paths.decodedLocalPath(fileUrl);
             console.log(folder);
             autoImporter.handleDirectoryChosen(folder);
@@ -339,6 +421,15 @@ Window {
         onMatchingProgress: autoImporter.onParsingProgress(currentFile, totalFiles, currentFileStep,
                                                            currentFileProgress, currentFileTotal)
         onMatchingComplete: autoImporter.afterDirsParsed(matchings, false)
+        onVideoProgress: autoImporter.onVideoProgress(currentVideo, totalVideos)
+        onSearchRemarks: autoImporter.remarks = remarks.join("\n")
+        onSearchingChanged: autoImporter.onSearchingChanged()
+        onDrivesChanged: autoImporter.onDrivesChanged()
+    }
+
+    Shortcut {
+        sequence: "Escape"
+        onActivated: autoImporter.cancelAndClose()
     }
 
     ListModel { id: driveListModelOne }

@@ -1,31 +1,34 @@
 import QtQuick 2.7
 import "."
-import "constants.js" as Cst
 
 // One flight of the importer's list. It takes its place in the columns from the width of the list,
 // as the header does, and a text too long for its column ends in an ellipsis.
 Item {
     id: importerRow
 
-    // Keys: name, matchFound, duration (ms), namingDefined, missionName, flightName, flightNumber.
+    // Keys: name, matchFound, duration (ms), namingDefined, missionName, flightName, flightNumber,
+    // evidence, doubtful, evidenceText, partText, fileText.
     property var flight
     readonly property bool hovered: rowMouseArea.containsMouse
+    // What a row says beyond its columns.
+    readonly property string details: (flight.partText !== "" ? flight.partText + "\n" : "")
+                                      + flight.evidenceText + "\n" + flight.fileText
     signal clicked()
+    signal doubleClicked()
 
     Accessible.role: Accessible.ListItem
     Accessible.name: flight.name
-    Accessible.description: flight.matchFound ? "With log" : "Without log"
+    Accessible.description: details
     Accessible.onPressAction: clicked()
 
-    Rectangle {
-        id: mark
-        objectName: "mark"
+    ImporterMark {
+        objectName: "evidenceMark"
         anchors { left: parent.left; leftMargin: 2; verticalCenter: parent.verticalCenter }
         width: parent.height - 4
         height: width
-        radius: width / 2
-        color: importerRow.flight.matchFound ? Cst.accentColor : Theme.textMissingMark
-        border { width: 1; color: Theme.window }
+        matchFound: importerRow.flight.matchFound
+        evidence: importerRow.flight.evidence
+        doubtful: importerRow.flight.doubtful
     }
 
     ImporterColumns {
@@ -35,7 +38,8 @@ Item {
         ImporterCell {
             objectName: "name"
             width: parent.nameWidth
-            text: importerRow.flight.name
+            text: importerRow.flight.partText === "" ? importerRow.flight.name
+                : importerRow.flight.name + "  (" + importerRow.flight.partText + ")"
         }
 
         ImporterCell {
@@ -81,5 +85,13 @@ Item {
         anchors.fill: parent
         hoverEnabled: true
         onClicked: importerRow.clicked()
+        onDoubleClicked: importerRow.doubleClicked()
+    }
+
+    CorvToolTip {
+        objectName: "rowToolTip"
+        text: importerRow.details
+        visible: importerRow.hovered
+        timeout: 20000
     }
 }

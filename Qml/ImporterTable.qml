@@ -4,7 +4,7 @@ import QtQuick.Controls 1.4
 import "constants.js" as Cst
 
 // The flights that the importer found, under the headings of their columns. One of them is chosen
-// by a click or by the arrow keys, and Return accepts it.
+// by a click or by the arrow keys, and Return or a double click accepts it.
 Item {
     id: importerTable
 
@@ -97,6 +97,10 @@ Item {
                     onClicked: {
                         matchingsListView.currentIndex = index;
                         matchingsListView.forceActiveFocus();
+                    }
+                    onDoubleClicked: {
+                        matchingsListView.currentIndex = index;
+                        importerTable.accepted();
                     }
                 }
             }

@@ -44,6 +44,13 @@ QtObject {
     readonly property color welcomeText: "#a4a4a4"
     readonly property color namingMissing: "#cccccc"
 
+    // What the pairing of a video with its log rests on.
+    readonly property color evidenceCheck: "#0a2e12"
+    readonly property color evidenceLength: "#004d66"
+    readonly property color evidenceDoubt: "#ff9d00"
+    readonly property color evidenceTime: "#ffe08a"
+    readonly property color evidenceNone: "#444444"
+
     // Controls.
     readonly property color transportPressed: Cst.btnColorTbChecked
     readonly property color transportHovered: Cst.btnColorTbHover

@@ -15,6 +15,7 @@ struct DirectoryParser::Result
     bool matched = false; ///< there were videos and logs, so the matcher ran
     QList<FlightMatchData> matches;
     QVariantList rows;
+    QStringList remarks;
 };
 
 DirectoryParser::DirectoryParser(QObject* parent) : DirectoryParser(Machine(), parent) {}
@@ -22,6 +23,11 @@ DirectoryParser::DirectoryParser(QObject* parent) : DirectoryParser(Machine(), p
 DirectoryParser::DirectoryParser(Machine machine, QObject* parent)
     : QObject(parent), m_machine(std::move(machine))
 {
+    if (!m_machine.hasDriveService)
+        return;
+    m_driveService = std::make_unique<platform::DriveService>();
+    connect(m_driveService.get(), &platform::DriveService::changed, this,
+            &DirectoryParser::drivesChanged);
 }
 
 DirectoryParser::~DirectoryParser()
@@ -49,8 +55,14 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
                 emit matchingProgress(file, files, step, done, total);
         });
     };
+    const auto reportVideo = [this, abortRequested](int video, int videos) {
+        post(this, [this, abortRequested, video, videos] {
+            if (!abortRequested->load(std::memory_order_relaxed))
+                emit videoProgress(video, videos);
+        });
+    };
     m_search = runOnPool(
-        [this, abortRequested, reportProgress, quickMode, facts = m_machine.files,
+        [this, abortRequested, reportProgress, reportVideo, quickMode, facts = m_machine.files,
          locations = SearchLocations{videoDirectory, logDirectory, videoFromDrive, logFromDrive}] {
             qInfo() << "Starting the directory parser";
             const auto result = std::make_shared<Result>();
@@ -58,12 +70,14 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
             result->matched = !files.videos.isEmpty() && !files.logs.isEmpty();
             if (result->matched) {
                 FlightFilesMatcher matcher(abortRequested.get(), facts);
-                result->matches =
-                    matcher.matchFlightFiles(files.videos, files.logs, quickMode, reportProgress);
+                result->matches = matcher.matchFlightFiles(files.videos, files.logs, quickMode,
+                                                           reportProgress, reportVideo);
                 result->rows = matchingRows(result->matches);
             }
+            result->remarks = corv::searchRemarks(locations, files);
             post(this, [this, result, abortRequested] { endSearch(*result, *abortRequested); });
         });
+    emit searchingChanged();
 }
 
 void DirectoryParser::endSearch(const Result& result, const std::atomic<bool>& abortRequested)
@@ -75,6 +89,8 @@ void DirectoryParser::endSearch(const Result& result, const std::atomic<bool>& a
     if (result.matched)
         PersistentData::instance()->setDirectoryList(result.matches);
     afterDirectoriesParsed(result, abortRequested);
+    if (!isSearching())
+        emit searchingChanged();
 }
 
 void DirectoryParser::afterDirectoriesParsed(const Result& result,
@@ -84,6 +100,8 @@ void DirectoryParser::afterDirectoriesParsed(const Result& result,
         qInfo() << "Aborted (directoryParser)";
         return;
     }
+    if (!result.remarks.isEmpty())
+        emit searchRemarks(result.remarks);
     emit matchingComplete(result.rows);
 }
 
@@ -96,11 +114,18 @@ QVariantList DirectoryParser::getDrives()
 {
     QVariantList drives;
     const QList<platform::Volume> volumes = m_machine.volumes();
-    for (const platform::Volume& volume : volumes)
-        drives.append(QVariantMap{
-            {QStringLiteral("name"), volume.name},
-            {QStringLiteral("path"), volume.rootPath},
-            {QStringLiteral("type"), platform::driveType(volume.device, m_machine.sysfsRoot)}});
+    const QHash<QByteArray, bool> removable =
+        m_driveService ? m_driveService->removableDevices() : QHash<QByteArray, bool>();
+    for (const platform::Volume& volume : volumes) {
+        const auto known = removable.constFind(volume.device);
+        const int type = known == removable.constEnd()
+                             ? platform::driveType(volume.device, m_machine.sysfsRoot)
+                         : *known ? platform::driveRemovable
+                                  : platform::driveFixed;
+        drives.append(QVariantMap{{QStringLiteral("name"), volume.name},
+                                  {QStringLiteral("path"), volume.rootPath},
+                                  {QStringLiteral("type"), type}});
+    }
     return drives;
 }
 

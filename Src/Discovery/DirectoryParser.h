@@ -1,12 +1,14 @@
 #pragma once
 
 #include "Discovery/FlightFilesMatcher.h"
+#include "Platform/DriveService.h"
 #include "Platform/Platform.h"
 #include "Threads/pool.h"
 
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
 #include <atomic>
@@ -23,6 +25,8 @@ namespace corv {
 class DirectoryParser : public QObject
 {
     Q_OBJECT
+    /// True from the start of a search until another one can start, also while an aborted one ends.
+    Q_PROPERTY(bool searching READ isSearching NOTIFY searchingChanged)
 
 public:
     /// What a search asks of the machine it runs on.
@@ -30,6 +34,7 @@ public:
     {
         std::function<QList<platform::Volume>()> volumes = platform::mountedVolumes;
         QString sysfsRoot = QStringLiteral("/sys");
+        bool hasDriveService = true; ///< the system's service is asked before `sysfsRoot`
         FlightFilesMatcher::FileFacts files;
     };
 
@@ -38,6 +43,8 @@ public:
 
     /// Aborts a running search and waits for its worker.
     ~DirectoryParser() override;
+
+    bool isSearching() const { return m_abortRequested != nullptr; }
 
     /// Starts a search; `matchingComplete` ends it. Refused with a warning while one runs. A drive
     /// is searched in the layouts of the cards, a folder by itself (see `gatherFlightFiles`). All
@@ -68,6 +75,18 @@ signals:
     void matchingProgress(int currentFile, int totalFiles, int currentFileStep,
                           int currentFileProgress, int currentFileTotal);
 
+    /// Which video's length is being read, of how many.
+    void videoProgress(int currentVideo, int totalVideos);
+
+    /// Comes before `matchingComplete` with sentences for the pilot on what the search could not
+    /// read.
+    void searchRemarks(QStringList remarks);
+
+    void searchingChanged();
+
+    /// Drives have come or gone; only where the system has a service that reports it.
+    void drivesChanged();
+
 private:
     struct Result;
 
@@ -75,6 +94,7 @@ private:
     void afterDirectoriesParsed(const Result& result, const std::atomic<bool>& abortRequested);
 
     Machine m_machine;
+    std::unique_ptr<platform::DriveService> m_driveService; ///< null if the machine has none
     std::shared_ptr<std::atomic<bool>> m_abortRequested; ///< of the running search, null when idle
     PoolTask m_search;
 };

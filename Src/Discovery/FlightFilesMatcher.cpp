@@ -3,35 +3,33 @@
 #include "Discovery/filePairing.h"
 #include "Log/LogDecoder.h"
 #include "Log/LogFile.h"
+#include "Threads/pool.h"
+#include "Video/VideoBackend.h"
 #include "Video/VideoInfoReader.h"
 
 #include <QDebug>
 #include <QHash>
+#include <QThread>
+#include <algorithm>
 #include <memory>
 #include <utility>
-#include <vector>
 
 namespace corv {
 
-namespace {
-
-// What naming the flights needs of a decoded log. The log itself may be a gigabyte: it is let go
-// before the next one is read.
-struct PairedLog
-{
-    QFileInfo file;
-    bool decoded = false;
-    std::vector<RecEvent> recordings;
-    QList<FlightNamingEvent> namings;
-};
-
-} // namespace
-
 struct FlightFilesMatcher::Search
 {
+    // One log file, by whatever names it was found.
+    struct Log
+    {
+        TimedFile file;
+        LogFacts facts;
+    };
+
     QList<FlightMatchData> matches;
-    std::vector<PairedLog> logs; ///< each once, in the order of first use
-    std::vector<int> logOfMatch; ///< position in `logs` by position in `matches`, -1 for none
+    std::vector<PairingVideo> videos; ///< by position in `matches`
+    std::vector<Log> logs;       ///< those that the times pair first, in the order of first use
+    std::vector<int> logOfMatch; ///< position in `logs` by position in `matches`, or -1
+    size_t logsByTime = 0;
 };
 
 namespace {
@@ -49,11 +47,85 @@ QString identity(const QFileInfo& file)
     return canonical.isEmpty() ? file.absoluteFilePath() : canonical;
 }
 
+qint64 timeOf(const TimedFile& file)
+{
+    return file.time.isValid() ? file.timeMs : -1;
+}
+
+// Jobs by number, taken by several threads until none is left.
+class SharedJobs
+{
+public:
+    SharedJobs(size_t first, size_t end) : m_next(first), m_end(end) {}
+
+    bool take(size_t* job)
+    {
+        *job = m_next.fetch_add(1, std::memory_order_relaxed);
+        return *job < m_end;
+    }
+
+private:
+    std::atomic<size_t> m_next;
+    const size_t m_end;
+};
+
+// A second thread for the jobs, if the pool has one to spare before they are done.
+class Helper
+{
+public:
+    explicit Helper(std::function<void()> work)
+        : m_state(std::make_shared<std::atomic<int>>(Waiting)),
+          m_task(runOnPool([state = m_state, work = std::move(work)] {
+              int expected = Waiting;
+              if (state->compare_exchange_strong(expected, Working))
+                  work();
+          }))
+    {
+    }
+
+    // Waiting for a pool that others keep busy could be for ever.
+    void finish()
+    {
+        int expected = Waiting;
+        if (!m_state->compare_exchange_strong(expected, Dismissed))
+            m_task.waitForDone();
+    }
+
+private:
+    enum State { Waiting, Working, Dismissed };
+
+    std::shared_ptr<std::atomic<int>> m_state;
+    PoolTask m_task;
+};
+
 } // namespace
 
-int FlightFilesMatcher::defaultVideoDurationMs(const QString& path)
+VideoLength FlightFilesMatcher::readVideoLength(const QString& path)
 {
-    return VideoInfoReader(path).getDurationMs();
+    VideoLength length;
+    length.coarseMs = VideoInfoReader(path).getDurationMs();
+    VideoInfo info;
+    if (length.coarseMs >= 0 && readVideoInfo(path, info) && info.durationMs > 0)
+        length.exactMs = qRound64(info.durationMs);
+    return length;
+}
+
+LogFacts FlightFilesMatcher::readLogFacts(const QString& path, const std::atomic<bool>* abortFlag,
+                                          const LogStages& stages)
+{
+    LogFacts facts;
+    Result<LogDigest> digest = LogDecoder(abortFlag).readForPairing(path, stages);
+    if (!digest)
+        return facts;
+    facts.read = true;
+    facts.recordings = std::move(digest->recordings);
+    facts.namings = std::move(digest->namings);
+    return facts;
+}
+
+int FlightFilesMatcher::coresOfMachine()
+{
+    return QThread::idealThreadCount();
 }
 
 FlightFilesMatcher::FlightFilesMatcher(const std::atomic<bool>* abortFlag)
@@ -69,16 +141,16 @@ FlightFilesMatcher::FlightFilesMatcher(const std::atomic<bool>* abortFlag, FileF
 QList<FlightMatchData> FlightFilesMatcher::matchFlightFiles(const QList<QFileInfo>& videos,
                                                             const QList<QFileInfo>& logs,
                                                             bool quickMode,
-                                                            const Progress& progress)
+                                                            const Progress& progress,
+                                                            const VideoProgress& videoProgress)
 {
     Search search = pair(videos, logs);
     if (hasAborted())
         return {};
     if (quickMode)
         return search.matches;
-    collectLogs(search);
-    readDurations(search);
-    if (hasAborted() || !readLogs(search, progress) || !nameFlights(search) || hasAborted())
+    readLengths(search, videoProgress);
+    if (hasAborted() || !weigh(search, progress) || !nameFlights(search) || hasAborted())
         return {};
     return search.matches;
 }
@@ -106,69 +178,129 @@ FlightFilesMatcher::Search FlightFilesMatcher::pair(const QList<QFileInfo>& vide
     const std::vector<int> paired = pairVideosWithLogs(timedVideos, timedLogs);
     Search search;
     search.matches.reserve(videos.size());
+    QHash<QString, int> positions;
+    const auto positionOf = [&](const TimedFile& log) {
+        const QString key = identity(log.file);
+        if (!positions.contains(key)) {
+            positions.insert(key, static_cast<int>(search.logs.size()));
+            search.logs.push_back({log, {}});
+        }
+        return positions.value(key);
+    };
     for (size_t i = 0; i < timedVideos.size(); ++i) {
+        const TimedFile& video = timedVideos[i];
         FlightMatchData match;
-        match.videoFile = timedVideos[i].file;
+        match.videoFile = video.file;
+        match.videoTime = video.time;
         match.matchFound = paired[i] >= 0;
-        if (match.matchFound)
-            match.logFile = timedLogs[static_cast<size_t>(paired[i])].file;
+        int log = -1;
+        if (match.matchFound) {
+            const TimedFile& pairedFile = timedLogs[static_cast<size_t>(paired[i])];
+            match.logFile = pairedFile.file;
+            match.evidence = PairingEvidence::Time;
+            log = positionOf(pairedFile);
+        }
         search.matches.append(match);
+        search.logOfMatch.push_back(log);
+        search.videos.push_back({video.file.absoluteFilePath(), timeOf(video), -1, log});
     }
+    search.logsByTime = search.logs.size();
+    for (const TimedFile& log : timedLogs)
+        positionOf(log);
     return search;
 }
 
-void FlightFilesMatcher::collectLogs(Search& search)
-{
-    QHash<QString, int> positions;
-    for (const FlightMatchData& match : qAsConst(search.matches)) {
-        if (!match.matchFound) {
-            search.logOfMatch.push_back(-1);
-            continue;
-        }
-        const QString key = identity(match.logFile);
-        const auto known = positions.constFind(key);
-        if (known != positions.constEnd()) {
-            search.logOfMatch.push_back(*known);
-            continue;
-        }
-        const int position = static_cast<int>(search.logs.size());
-        positions.insert(key, position);
-        search.logOfMatch.push_back(position);
-        search.logs.push_back({match.logFile, false, {}, {}});
-    }
-}
-
-void FlightFilesMatcher::readDurations(Search& search) const
+void FlightFilesMatcher::readLengths(Search& search, const VideoProgress& progress) const
 {
     for (int i = 0; i < search.matches.size(); ++i) {
-        FlightMatchData& match = search.matches[i];
+        if (isAbortRequested())
+            break; // a card may hold hundreds
+        if (progress)
+            progress(i + 1, search.matches.size());
         qInfo() << "Getting time for video" << i;
-        match.videoDuration = m_facts.videoDurationMs(match.videoFile.absoluteFilePath());
-        qInfo() << "Duration:" << match.videoDuration << "msecs";
+        const QString path = search.matches[i].videoFile.absoluteFilePath();
+        const VideoLength length = m_facts.videoLength(path);
+        search.matches[i].videoDuration = length.coarseMs;
+        search.matches[i].flightLengthMs = length.exactMs;
+        search.videos[static_cast<size_t>(i)].lengthMs = length.exactMs;
+        qInfo() << "Duration:" << length.coarseMs << "msecs";
     }
 }
 
-bool FlightFilesMatcher::readLogs(Search& search, const Progress& progress) const
+bool FlightFilesMatcher::readLogs(Search& search, size_t from, size_t end,
+                                  const Progress& progress) const
 {
-    const int total = static_cast<int>(search.logs.size());
-    for (int k = 1; k <= total; ++k) {
-        PairedLog& log = search.logs[static_cast<size_t>(k - 1)];
-        qInfo() << "Start analyzing...";
-        LogDecoder decoder(m_abortFlag);
-        const std::unique_ptr<LogFile> decoded(decoder.parseLog(
-            log.file.absoluteFilePath(), [&progress, k, total](int stage, int done, int ofTotal) {
-                if (progress)
-                    progress(k, total, stage, done, ofTotal);
-            }));
-        if (decoded) {
-            log.decoded = true;
-            log.namings = decoder.readFlightNamingEvents(decoded.get());
-            log.recordings = LogDecoder::readRecordingEvents(decoded.get());
+    const int total = static_cast<int>(end);
+    const auto jobs = std::make_shared<SharedJobs>(from, end);
+    const auto work = [this, &search, jobs, total](const Progress& report) {
+        size_t job = 0;
+        while (!isAbortRequested() && jobs->take(&job)) {
+            qInfo() << "Start analyzing...";
+            const int number = static_cast<int>(job) + 1;
+            Search::Log& log = search.logs[job];
+            log.facts = m_facts.log(log.file.file.absoluteFilePath(), m_abortFlag,
+                                    [&report, number, total](int stage, int done, int ofTotal) {
+                                        if (report)
+                                            report(number, total, stage, done, ofTotal);
+                                    });
         }
-        if (hasAborted())
-            return false;
-    }
+    };
+    std::vector<Helper> helpers;
+    const int others = std::min(m_facts.readers, static_cast<int>(end - from)) - 1;
+    for (int i = 0; i < others; ++i)
+        helpers.emplace_back([work] { work({}); });
+    work(progress);
+    for (Helper& helper : helpers)
+        helper.finish();
+    return !hasAborted();
+}
+
+// The logs that no video has by time can only be needed where those that have one leave a question
+// open.
+bool FlightFilesMatcher::weigh(Search& search, const Progress& progress) const
+{
+    if (!readLogs(search, 0, search.logsByTime, progress))
+        return false;
+    decide(search);
+    const bool settled =
+        std::all_of(search.matches.begin(), search.matches.end(),
+                    [](const auto& match) { return match.matchFound && !match.doubtful; });
+    if (settled || search.logsByTime == search.logs.size())
+        return true;
+    if (!readLogs(search, search.logsByTime, search.logs.size(), progress))
+        return false;
+    decide(search);
     return true;
+}
+
+void FlightFilesMatcher::decide(Search& search)
+{
+    std::vector<PairingLog> logs;
+    for (const Search::Log& log : search.logs)
+        logs.push_back({log.file.file.absoluteFilePath(), timeOf(log.file), log.facts.recordings});
+    const std::vector<Pairing> pairings = pairFlights(search.videos, logs);
+    for (size_t i = 0; i < pairings.size(); ++i) {
+        const Pairing& pairing = pairings[i];
+        FlightMatchData& match = search.matches[static_cast<int>(i)];
+        const bool replaced = pairing.log != search.videos[i].logByTime;
+        search.logOfMatch[i] = pairing.log;
+        match.matchFound = pairing.log >= 0;
+        if (replaced)
+            match.logFile = match.matchFound
+                                ? search.logs[static_cast<size_t>(pairing.log)].file.file
+                                : QFileInfo();
+        match.evidence = pairing.evidence;
+        match.doubtful = pairing.doubtful;
+        match.flightLengthMs = pairing.videoMs;
+        match.recordingMs = pairing.recordingMs;
+        match.flightFiles.clear();
+        match.part = 1;
+        for (const size_t part : pairing.files) {
+            match.flightFiles.append(search.videos[part].path);
+            if (part == i)
+                match.part = match.flightFiles.size();
+        }
+    }
 }
 
 bool FlightFilesMatcher::nameFlights(Search& search) const
@@ -179,16 +311,18 @@ bool FlightFilesMatcher::nameFlights(Search& search) const
             continue;
         if (isAbortRequested())
             return false;
-        const PairedLog& log = search.logs[static_cast<size_t>(position)];
+        const LogFacts& log = search.logs[static_cast<size_t>(position)].facts;
         FlightMatchData& match = search.matches[i];
-        if (!log.decoded || match.videoDuration <= 0)
+        // The parts of a flight are one recording; the length of one of them fits to none.
+        const int durationMs = match.flightFiles.size() > 1 ? static_cast<int>(match.flightLengthMs)
+                                                            : match.videoDuration;
+        if (!log.read || durationMs <= 0)
             continue;
         LogDecoder decoder(m_abortFlag);
-        const LogSyncResult sync = decoder.findLogTimeOffset(log.recordings, match.videoDuration);
+        const LogSyncResult sync = decoder.findLogTimeOffset(log.recordings, durationMs);
         if (sync.found)
-            match.naming =
-                decoder.findNamingForFlight(log.namings, sync.logTimeOffset,
-                                            wrappingSum(sync.logTimeOffset, match.videoDuration));
+            match.naming = decoder.findNamingForFlight(log.namings, sync.logTimeOffset,
+                                                       wrappingSum(sync.logTimeOffset, durationMs));
     }
     return true;
 }

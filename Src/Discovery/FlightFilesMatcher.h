@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Discovery/FlightMatchData.h"
+#include "Log/LogSyncResult.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -8,11 +9,27 @@
 #include <QString>
 #include <atomic>
 #include <functional>
+#include <vector>
 
 namespace corv {
 
-/// Decides which log belongs to which video, by file times alone: it is the next log after the
-/// video, within half an hour. Then reads those logs for the names of the flights.
+/// Length of one video file.
+struct VideoLength
+{
+    int coarseMs = -1;   ///< whole seconds as `VideoInfoReader` counts them; -1 if it does not open
+    qint64 exactMs = -1; ///< -1 if unknown
+};
+
+/// What pairing and naming need of one log.
+struct LogFacts
+{
+    bool read = false;
+    std::vector<RecEvent> recordings;
+    QList<FlightNamingEvent> namings;
+};
+
+/// Decides which log belongs to which video: by file times, and where the logs are read also by the
+/// lengths of their recordings. Names the flights from those logs.
 ///
 /// Made for one call, on the worker thread of a search.
 class FlightFilesMatcher
@@ -24,17 +41,22 @@ public:
     /// is being read, of how many, and the decoder's stage, done and total. Called on the worker
     /// thread.
     using Progress = std::function<void(int, int, int, int, int)>;
+    /// Which video's length is being read, of how many. Called on the worker thread.
+    using VideoProgress = std::function<void(int, int)>;
+    using LogStages = std::function<void(int stage, int done, int total)>;
 
-    /// What the matcher asks of the files themselves.
+    /// What the matcher asks of the files themselves. Lengths and logs are asked for on any thread.
     struct FileFacts
     {
         /// When the file was last written, which a careful copy keeps; invalid if unknown.
         std::function<QDateTime(const QFileInfo&)> time = [](const QFileInfo& file) {
             return file.lastModified();
         };
-        /// Duration of the video at a path, whole seconds in milliseconds, -1 if it cannot be
-        /// opened.
-        std::function<int(const QString&)> videoDurationMs = defaultVideoDurationMs;
+        std::function<VideoLength(const QString&)> videoLength = readVideoLength;
+        /// Reads a log; ends early once the flag is set.
+        std::function<LogFacts(const QString&, const std::atomic<bool>*, const LogStages&)> log =
+            readLogFacts;
+        int readers = coresOfMachine(); ///< logs that are read at the same time
     };
 
     /// Another thread may set `abortFlag` at any time; it must outlive the call.
@@ -43,21 +65,27 @@ public:
 
     /// One entry per video, by ascending file time; an empty list after an abort, never a part.
     /// In quick mode no file is opened: durations stay 0 and namings undefined. A log or a video
-    /// that cannot be read leaves its flights in the list, without a naming.
+    /// that cannot be read leaves its flights in the list, without a naming. Logs that the times
+    /// give to no video are read only where the others leave a question open.
     QList<FlightMatchData> matchFlightFiles(const QList<QFileInfo>& videos,
                                             const QList<QFileInfo>& logs, bool quickMode,
-                                            const Progress& progress);
+                                            const Progress& progress,
+                                            const VideoProgress& videoProgress = {});
 
 private:
     struct Search;
 
-    static int defaultVideoDurationMs(const QString& path);
+    static VideoLength readVideoLength(const QString& path);
+    static LogFacts readLogFacts(const QString& path, const std::atomic<bool>* abortFlag,
+                                 const LogStages& stages);
+    static int coresOfMachine();
     bool isAbortRequested() const;
     bool hasAborted() const;
     Search pair(const QList<QFileInfo>& videos, const QList<QFileInfo>& logs) const;
-    static void collectLogs(Search& search);
-    void readDurations(Search& search) const;
-    bool readLogs(Search& search, const Progress& progress) const;
+    void readLengths(Search& search, const VideoProgress& progress) const;
+    bool readLogs(Search& search, size_t from, size_t end, const Progress& progress) const;
+    bool weigh(Search& search, const Progress& progress) const;
+    static void decide(Search& search);
     bool nameFlights(Search& search) const;
 
     const std::atomic<bool>* m_abortFlag;

@@ -20,19 +20,27 @@ const QList<CardLayout>& cardLayouts()
     return layouts;
 }
 
-QList<QFileInfo> findFiles(const QString& directory, QStringList subPath, const QString& extension)
+QStringList foldersBelow(const QString& directory, QStringList subPath)
 {
     if (directory.isEmpty())
         return {}; // and not the folder that the program was started from
-    const QDir folder(directory);
     if (subPath.isEmpty())
-        return folder.entryInfoList({QStringLiteral("*.") + extension}, QDir::AllEntries,
-                                    QDir::Name | QDir::IgnoreCase);
+        return {directory};
     const QString pattern = subPath.takeFirst();
-    QList<QFileInfo> files;
-    const QStringList names = folder.entryList({pattern}, QDir::Dirs, QDir::Unsorted);
+    QStringList folders;
+    const QStringList names = QDir(directory).entryList({pattern}, QDir::Dirs, QDir::Unsorted);
     for (const QString& name : names)
-        files += findFiles(directory + QLatin1Char('/') + name, subPath, extension);
+        folders += foldersBelow(directory + QLatin1Char('/') + name, subPath);
+    return folders;
+}
+
+QList<QFileInfo> findFiles(const QString& directory, QStringList subPath, const QString& extension)
+{
+    QList<QFileInfo> files;
+    const QStringList folders = foldersBelow(directory, subPath);
+    for (const QString& folder : folders)
+        files += QDir(folder).entryInfoList({QStringLiteral("*.") + extension}, QDir::AllEntries,
+                                            QDir::Name | QDir::IgnoreCase);
     return files;
 }
 

@@ -21,6 +21,10 @@ struct CardLayout
 /// The layouts of all models. Every walk over them is in this order.
 const QList<CardLayout>& cardLayouts();
 
+/// The folders that the name filters of `subPath` lead to from `directory` on, in listing order;
+/// the directory itself for none. Any thread.
+QStringList foldersBelow(const QString& directory, QStringList subPath);
+
 /// The entries of `directory` that have the extension, sorted by name ignoring case; with a
 /// `subPath`, those of every folder that its filters lead to, folder by folder. Folders whose names
 /// have the extension are among them. What is missing or cannot be read gives nothing. Any thread.

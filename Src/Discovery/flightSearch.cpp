@@ -1,11 +1,44 @@
 #include "Discovery/flightSearch.h"
 
+#include "Platform/Platform.h"
+
 #include <QDebug>
 #include <QSet>
 #include <QVariantMap>
 
 namespace corv {
 namespace {
+
+QString evidenceKey(PairingEvidence evidence)
+{
+    switch (evidence) {
+    case PairingEvidence::Time:
+        return QStringLiteral("time");
+    case PairingEvidence::LengthDiffers:
+        return QStringLiteral("lengthDiffers");
+    case PairingEvidence::Length:
+        return QStringLiteral("length");
+    case PairingEvidence::TimeAndLength:
+        return QStringLiteral("timeAndLength");
+    case PairingEvidence::None:
+        break;
+    }
+    return QStringLiteral("none");
+}
+
+QString inSeconds(qint64 ms)
+{
+    return QStringLiteral("%1 s").arg((ms + 500) / 1000);
+}
+
+QString partText(const FlightMatchData& match)
+{
+    if (match.part < 2)
+        return {};
+    return QStringLiteral("part %1 of %2")
+        .arg(match.part)
+        .arg(QFileInfo(match.flightFiles.first()).baseName());
+}
 
 QVariantMap matchingRow(const FlightMatchData& match)
 {
@@ -23,60 +56,132 @@ QVariantMap matchingRow(const FlightMatchData& match)
         {QStringLiteral("flightName"), match.naming.flightName},
         {QStringLiteral("flightNumber"), match.naming.flightNumber},
         {QStringLiteral("videoDuration"), match.videoDuration},
+        {QStringLiteral("evidence"), evidenceKey(match.evidence)},
+        {QStringLiteral("doubtful"), match.doubtful},
+        {QStringLiteral("evidenceText"), evidenceText(match)},
+        {QStringLiteral("flightLength"), match.flightLengthMs},
+        {QStringLiteral("recordingLength"), match.recordingMs},
+        {QStringLiteral("flightFiles"), match.flightFiles},
+        {QStringLiteral("part"), match.part},
+        {QStringLiteral("partText"), partText(match)},
+        {QStringLiteral("videoTime"), match.videoTime.toString(Qt::ISODate)},
+        {QStringLiteral("videoSize"), match.videoFile.size()},
     };
 }
 
 // The files of one kind that the layouts lead to, each once and in the order of the table.
-QList<QFileInfo> filesOfKind(const QList<CardLayout>& layouts, CardLayout::Kind kind,
-                             const QString& directory, bool fromDrive)
+class KindSearch
 {
+public:
+    KindSearch(const QList<CardLayout>& layouts, CardLayout::Kind kind)
+        : m_layouts(layouts), m_kind(kind)
+    {
+    }
+
+    // A copy of a card is a folder with the card's own folders below it.
+    void look(const QString& directory, bool fromDrive)
+    {
+        lookIn(directory, fromDrive);
+        if (files.isEmpty() && skippedNames == 0 && !fromDrive)
+            lookIn(directory, true);
+    }
+
     QList<QFileInfo> files;
-    QSet<QString> listed;
-    QSet<QStringList> searched;
-    for (const CardLayout& layout : layouts) {
-        const QStringList subPath = fromDrive ? layout.subPath : QStringList();
-        const QStringList search = subPath + QStringList(layout.extension);
-        if (layout.kind != kind || searched.contains(search))
-            continue;
-        searched.insert(search);
-        const QList<QFileInfo> found = findFiles(directory, subPath, layout.extension);
-        for (const QFileInfo& file : found) {
-            const QString path = file.absoluteFilePath();
-            if (listed.contains(path))
+    int skippedNames = 0;
+
+private:
+    void lookIn(const QString& directory, bool fromDrive)
+    {
+        QSet<QStringList> searched;
+        for (const CardLayout& layout : m_layouts) {
+            const QStringList subPath = fromDrive ? layout.subPath : QStringList();
+            const QStringList search = subPath + QStringList(layout.extension);
+            if (layout.kind != m_kind || searched.contains(search))
                 continue;
-            listed.insert(path);
-            files.append(file);
+            searched.insert(search);
+            const QList<QFileInfo> found = findFiles(directory, subPath, layout.extension);
+            for (const QFileInfo& file : found)
+                addOnce(file);
+            const QStringList folders = foldersBelow(directory, subPath);
+            for (const QString& folder : folders)
+                skippedNames += platform::undecodableNames(folder, {layout.extension});
         }
     }
-    return files;
-}
 
-// A copy of a card is a folder with the card's own folders below it.
-QList<QFileInfo> filesOfKindInFolder(const QList<CardLayout>& layouts, CardLayout::Kind kind,
-                                     const QString& directory)
-{
-    const QList<QFileInfo> files = filesOfKind(layouts, kind, directory, false);
-    return files.isEmpty() ? filesOfKind(layouts, kind, directory, true) : files;
-}
+    void addOnce(const QFileInfo& file)
+    {
+        const QString path = file.absoluteFilePath();
+        if (m_listed.contains(path))
+            return;
+        m_listed.insert(path);
+        files.append(file);
+    }
 
-QList<QFileInfo> gather(const QList<CardLayout>& layouts, CardLayout::Kind kind,
-                        const QString& directory, bool fromDrive)
+    const QList<CardLayout>& m_layouts;
+    CardLayout::Kind m_kind;
+    QSet<QString> m_listed;
+};
+
+// A card goes with all its files: one of them shows it.
+bool isGone(const QString& directory, const QList<QFileInfo>& files)
 {
-    return fromDrive ? filesOfKind(layouts, kind, directory, true)
-                     : filesOfKindInFolder(layouts, kind, directory);
+    return !QFileInfo(directory).isReadable() ||
+           (!files.isEmpty() && !QFileInfo::exists(files.last().filePath()));
 }
 
 } // namespace
 
 FlightFiles gatherFlightFiles(const SearchLocations& locations, const QList<CardLayout>& layouts)
 {
-    FlightFiles files;
-    files.videos =
-        gather(layouts, CardLayout::Video, locations.videoDirectory, locations.videoFromDrive);
-    files.logs = gather(layouts, CardLayout::Log, locations.logDirectory, locations.logFromDrive);
+    KindSearch videos(layouts, CardLayout::Video);
+    videos.look(locations.videoDirectory, locations.videoFromDrive);
+    KindSearch logs(layouts, CardLayout::Log);
+    logs.look(locations.logDirectory, locations.logFromDrive);
+    const FlightFiles files{videos.files, logs.files, videos.skippedNames + logs.skippedNames};
     qInfo() << "Videos files list:" << files.videos;
     qInfo() << "Log files list:" << files.logs;
     return files;
+}
+
+QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& files)
+{
+    QStringList remarks;
+    const auto addIfGone = [&remarks](const QString& directory, const QList<QFileInfo>& listed) {
+        const QString remark =
+            QStringLiteral("%1 can no longer be read. If it is a card, put it in again and repeat "
+                           "the search.")
+                .arg(directory);
+        if (!directory.isEmpty() && isGone(directory, listed) && !remarks.contains(remark))
+            remarks.append(remark);
+    };
+    addIfGone(locations.logDirectory, files.logs);
+    addIfGone(locations.videoDirectory, files.videos);
+    if (files.skippedNames > 0)
+        remarks.append(
+            QStringLiteral("%1 left out: the name is not valid text (UTF-8). Rename to include.")
+                .arg(files.skippedNames == 1
+                         ? QStringLiteral("1 file is")
+                         : QStringLiteral("%1 files are").arg(files.skippedNames)));
+    return remarks;
+}
+
+QString evidenceText(const FlightMatchData& match)
+{
+    const QString notCertain = match.doubtful ? QStringLiteral(", but not for certain") : QString();
+    switch (match.evidence) {
+    case PairingEvidence::TimeAndLength:
+        return QStringLiteral("Time and length agree") + notCertain;
+    case PairingEvidence::Length:
+        return QStringLiteral("Length agrees") + notCertain;
+    case PairingEvidence::LengthDiffers:
+        return QStringLiteral("Paired by time alone, length differs: %1 against %2")
+            .arg(inSeconds(match.flightLengthMs), inSeconds(match.recordingMs));
+    case PairingEvidence::Time:
+        return QStringLiteral("Paired by time alone, lengths not compared");
+    case PairingEvidence::None:
+        break;
+    }
+    return QStringLiteral("No log found");
 }
 
 QVariantList matchingRows(const QList<FlightMatchData>& matches)

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 
 namespace corv {
@@ -15,6 +16,8 @@ struct FlightFiles
 {
     QList<QFileInfo> videos;
     QList<QFileInfo> logs;
+    int skippedNames =
+        0; ///< videos and logs whose names are no text, so that they cannot be listed
 };
 
 /// Where a search looks. A drive is searched in the layouts of the cards, a folder by itself.
@@ -32,9 +35,25 @@ struct SearchLocations
 FlightFiles gatherFlightFiles(const SearchLocations& locations,
                               const QList<CardLayout>& layouts = cardLayouts());
 
+/// Sentences for the pilot on what a search could not do: a location that cannot be read or whose
+/// files have gone since they were listed, names that cannot be listed. Empty if all is well. Any
+/// thread.
+QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& files);
+
+/// What the pairing of one video rests on, in words.
+QString evidenceText(const FlightMatchData& match);
+
 /// One map per video for the interface and for scripts, with the keys "videoFile",
 /// "videoFilename", "logFile", "logFilename", "matchFound", "namingDefined", "missionName",
-/// "flightName", "flightNumber" and "videoDuration" (milliseconds). Any thread.
+/// "flightName", "flightNumber" and "videoDuration" (milliseconds), and
+/// - "evidence": "none", "time", "lengthDiffers", "length" or "timeAndLength", "doubtful", and
+///   both in words as "evidenceText";
+/// - "flightLength", "recordingLength": the two lengths that were compared, milliseconds, -1 if
+///   unknown;
+/// - "flightFiles": all files of the flight where the lengths show them, "part": the place of the
+///   video among them, "partText": that in words for all but the first;
+/// - "videoTime" (of the last write, in ISO form) and "videoSize" (bytes).
+/// Any thread.
 QVariantList matchingRows(const QList<FlightMatchData>& matches);
 
 } // namespace corv

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 #include <functional>
 
@@ -40,6 +41,10 @@ QList<Volume> mountedVolumes();
 /// volume that stands on several disks is removable if any of them is. `sysfsRoot` is where the
 /// system shows its devices. Any thread.
 int driveType(const QByteArray& device, const QString& sysfsRoot = QStringLiteral("/sys"));
+
+/// How many entries of a folder end in one of the extensions, case ignored, but have a name that is
+/// no text in the system's encoding: no other function lists them. Any thread.
+int undecodableNames(const QString& folder, const QStringList& extensions);
 
 /// The program that starts its first argument with raised privileges, after asking the user.
 QString elevationProgram();

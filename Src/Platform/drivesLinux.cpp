@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 #include <algorithm>
+#include <dirent.h>
+#include <memory>
 
 namespace corv::platform {
 namespace {
@@ -79,6 +81,22 @@ int driveType(const QByteArray& device, const QString& sysfsRoot)
     if (folder.isEmpty())
         return driveUnknown;
     return isRemovable(folder, 0) ? driveRemovable : driveFixed;
+}
+
+int undecodableNames(const QString& folder, const QStringList& extensions)
+{
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(QFile::encodeName(folder)), closedir);
+    int count = 0;
+    while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
+        const QByteArray name(entry->d_name);
+        if (QFile::encodeName(QFile::decodeName(name)) == name)
+            continue;
+        const QByteArray lower = name.toLower();
+        count += std::any_of(extensions.begin(), extensions.end(), [&](const QString& extension) {
+            return lower.endsWith('.' + extension.toLatin1());
+        });
+    }
+    return count;
 }
 
 } // namespace corv::platform

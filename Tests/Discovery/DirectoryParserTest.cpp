@@ -1,4 +1,5 @@
 #include "Discovery/PersistentData.h"
+#include "Discovery/flightSearch.h"
 #include "Support/MessageLog.h"
 #include "Support/PlainUser.h"
 #include "searchSetup.h"
@@ -6,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QtTest>
+#include <cstdio>
 
 using namespace corv;
 using namespace corv::test;
@@ -25,6 +27,11 @@ private slots:
     void nothingToMatchIsAnEmptyResult();
     void unreadableFoldersCountAsEmpty();
     void aFolderWithTheExtensionIsAVideoThatWillNotOpen();
+    void evidenceIsPutInWords_data();
+    void evidenceIsPutInWords();
+    void laterPartsNameTheFirst();
+    void namesThatAreNoTextAreCounted();
+    void aLocationThatIsGoneIsRemarked();
     void theResultIsRemembered();
     void allDrivesAreListed();
     void theMachinesOwnDrivesAreListed();
@@ -58,6 +65,16 @@ void DirectoryParserTest::aRowTellsAllOfAFlight()
         {"flightName", "Nördlich 1"},
         {"flightNumber", 7},
         {"videoDuration", 60'000},
+        {"evidence", "timeAndLength"},
+        {"doubtful", false},
+        {"evidenceText", "Time and length agree"},
+        {"flightLength", qint64(60'000)},
+        {"recordingLength", qint64(61'000)},
+        {"flightFiles", QStringList(s.path("videos/a.b.mp4"))},
+        {"part", 1},
+        {"partText", QString()},
+        {"videoTime", "2018-06-01T12:00:00"},
+        {"videoSize", qint64(0)},
     };
     QCOMPARE(rowsOf(complete).size(), 1);
     QCOMPARE(rowsOf(complete)[0].toMap(), expected);
@@ -70,7 +87,7 @@ void DirectoryParserTest::aVideoWithoutALogIsARow()
 {
     Setup s;
     s.addVideo(s.path("videos/v.mp4"), 0);
-    s.addLog(s.path("logs/l.log"), 1800);
+    s.addLog(s.path("logs/l.log"), 1800, "Flight", 35'000);
     QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
     s.searchFolders();
     QVERIFY(complete.wait());
@@ -85,6 +102,16 @@ void DirectoryParserTest::aVideoWithoutALogIsARow()
         {"flightName", QString()},
         {"flightNumber", 0},
         {"videoDuration", 60'000},
+        {"evidence", "none"},
+        {"doubtful", false},
+        {"evidenceText", "No log found"},
+        {"flightLength", qint64(60'000)},
+        {"recordingLength", qint64(-1)},
+        {"flightFiles", QStringList()},
+        {"part", 1},
+        {"partText", QString()},
+        {"videoTime", "2018-06-01T12:00:00"},
+        {"videoSize", qint64(0)},
     };
     QCOMPARE(rowsOf(complete).size(), 1);
     QCOMPARE(rowsOf(complete)[0].toMap(), expected);
@@ -197,6 +224,87 @@ void DirectoryParserTest::aFolderWithTheExtensionIsAVideoThatWillNotOpen()
     QCOMPARE(row["videoDuration"].toInt(), -1);
     QVERIFY(row["matchFound"].toBool());
     QVERIFY(!row["namingDefined"].toBool());
+}
+
+void DirectoryParserTest::evidenceIsPutInWords_data()
+{
+    QTest::addColumn<int>("evidence");
+    QTest::addColumn<bool>("doubtful");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("text");
+    const auto row = [](PairingEvidence evidence, bool doubtful, const char* key,
+                        const char* text) {
+        QTest::newRow(text) << static_cast<int>(evidence) << doubtful << key << text;
+    };
+    row(PairingEvidence::None, false, "none", "No log found");
+    row(PairingEvidence::Time, false, "time", "Paired by time alone, lengths not compared");
+    row(PairingEvidence::LengthDiffers, true, "lengthDiffers",
+        "Paired by time alone, length differs: 21 s against 35 s");
+    row(PairingEvidence::Length, false, "length", "Length agrees");
+    row(PairingEvidence::Length, true, "length", "Length agrees, but not for certain");
+    row(PairingEvidence::TimeAndLength, false, "timeAndLength", "Time and length agree");
+}
+
+void DirectoryParserTest::evidenceIsPutInWords()
+{
+    QFETCH(int, evidence);
+    FlightMatchData match;
+    match.evidence = static_cast<PairingEvidence>(evidence);
+    QFETCH(bool, doubtful);
+    match.doubtful = doubtful;
+    match.flightLengthMs = 20'600;
+    match.recordingMs = 35'400;
+    const QVariantMap row = matchingRows({match}).first().toMap();
+    QTEST(row["evidence"].toString(), "key");
+    QTEST(row["evidenceText"].toString(), "text");
+    QCOMPARE(row["doubtful"].toBool(), match.doubtful);
+}
+
+void DirectoryParserTest::laterPartsNameTheFirst()
+{
+    FlightMatchData match;
+    match.videoFile = QFileInfo("/card/CORV0002.MOV");
+    match.flightFiles = QStringList({"/card/CORV0001.MOV", "/card/CORV0002.MOV"});
+    match.part = 2;
+    QCOMPARE(matchingRows({match}).first().toMap()["partText"].toString(),
+             QString("part 2 of CORV0001"));
+}
+
+void DirectoryParserTest::namesThatAreNoTextAreCounted()
+{
+    Setup s;
+    s.addVideo(s.path("videos/v.mp4"), 0);
+    s.addLog(s.path("logs/l.log"), 10);
+    for (const char* name : {"videos/\xff\xfe.mp4", "videos/\xe4.MOV", "logs/\xe4.txt"}) {
+        const QByteArray path = QFile::encodeName(s.path(".")) + '/' + name;
+        FILE* file = std::fopen(path.constData(), "w");
+        QVERIFY(file);
+        std::fclose(file);
+    }
+    QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
+    QSignalSpy remarked(s.parser.get(), &DirectoryParser::searchRemarks);
+    s.searchFolders(true);
+    QVERIFY(complete.wait());
+    QCOMPARE(rowsOf(complete).size(), 1);
+    QCOMPARE(remarked.size(), 1);
+    const QStringList remarks = remarked[0][0].toStringList();
+    QCOMPARE(remarks.size(), 1);
+    QVERIFY2(remarks[0].startsWith("2 files are left out"), qPrintable(remarks[0]));
+}
+
+void DirectoryParserTest::aLocationThatIsGoneIsRemarked()
+{
+    Setup s;
+    s.addLog(s.path("logs/l.log"), 10);
+    QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
+    QSignalSpy remarked(s.parser.get(), &DirectoryParser::searchRemarks);
+    s.parser->parseDirectories(s.path("gone"), s.path("logs"), true, false, true);
+    QVERIFY(complete.wait());
+    QVERIFY(rowsOf(complete).isEmpty());
+    QCOMPARE(remarked.size(), 1);
+    const QStringList remarks = remarked[0][0].toStringList();
+    QCOMPARE(remarks.size(), 1);
+    QVERIFY2(remarks[0].contains(s.path("gone")), qPrintable(remarks[0]));
 }
 
 void DirectoryParserTest::theResultIsRemembered()

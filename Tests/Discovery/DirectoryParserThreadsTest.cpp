@@ -23,6 +23,8 @@ private slots:
     void theNextSearchMayStartFromTheResult();
     void anAbortedSearchEndsInSilence();
     void nothingOfAnAbortedSearchReachesTheNext();
+    void searchingLastsUntilAnotherSearchCanStart();
+    void countsVideosWhileTheirLengthsAreRead();
     void anAbortWithoutASearchOnlyTells();
     void theEndOfTheParserWaitsForTheSearch_data();
     void theEndOfTheParserWaitsForTheSearch();
@@ -43,6 +45,7 @@ void DirectoryParserThreadsTest::aCardMayVanishDuringTheSearch()
     s.addLog(card + "/l.log", 200);
     s.held = true;
     QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
+    QSignalSpy remarked(s.parser.get(), &DirectoryParser::searchRemarks);
     const MessageLog messages;
     s.parser->parseDirectories(card, card, true, true, false);
     s.reached.acquire(); // the files have been listed
@@ -54,6 +57,8 @@ void DirectoryParserThreadsTest::aCardMayVanishDuringTheSearch()
     QCOMPARE(column(rowsOf(complete), "logFile"), QStringList({"no_match", "no_match"}));
     QCOMPARE(messages.count("No time for file"), 3);
     QVERIFY(s.parser->getDrives().isEmpty());
+    QCOMPARE(remarked.size(), 1);
+    QVERIFY(remarked[0][0].toStringList().first().contains(card));
 }
 
 void DirectoryParserThreadsTest::signalsComeOnTheThreadOfTheParser()
@@ -172,6 +177,49 @@ void DirectoryParserThreadsTest::nothingOfAnAbortedSearchReachesTheNext()
     QVERIFY(complete.wait());
     QCOMPARE(complete.size(), 1);
     QCOMPARE(rowsOf(complete).size(), 1);
+}
+
+void DirectoryParserThreadsTest::searchingLastsUntilAnotherSearchCanStart()
+{
+    Setup s;
+    s.addVideo(s.path("videos/v.mp4"), 0);
+    s.addLog(s.path("logs/l.log"), 10);
+    QSignalSpy changed(s.parser.get(), &DirectoryParser::searchingChanged);
+    QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
+    QVERIFY(!s.parser->isSearching());
+    s.held = true;
+    s.searchFolders();
+    QVERIFY(s.parser->isSearching());
+    QCOMPARE(changed.size(), 1);
+    s.reached.acquire();
+    s.parser->abortParsing();
+    QVERIFY(s.parser->isSearching());
+    // What a window does that was asked for the next search too early.
+    connect(s.parser.get(), &DirectoryParser::searchingChanged, s.parser.get(), [&s, &changed] {
+        if (!s.parser->isSearching() && changed.size() == 2)
+            s.searchFolders();
+    });
+    s.release();
+    QVERIFY(complete.wait());
+    QCOMPARE(complete.size(), 1);
+    QCOMPARE(rowsOf(complete).size(), 1);
+    QTRY_COMPARE(changed.size(), 4);
+    QVERIFY(!s.parser->isSearching());
+}
+
+void DirectoryParserThreadsTest::countsVideosWhileTheirLengthsAreRead()
+{
+    Setup s;
+    s.addVideo(s.path("videos/a.mp4"), 0);
+    s.addVideo(s.path("videos/b.mp4"), 1);
+    s.addLog(s.path("logs/l.log"), 10);
+    QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
+    QSignalSpy counted(s.parser.get(), &DirectoryParser::videoProgress);
+    s.searchFolders();
+    QVERIFY(complete.wait());
+    QCOMPARE(counted.size(), 2);
+    QCOMPARE(counted[0], QVariantList({1, 2}));
+    QCOMPARE(counted[1], QVariantList({2, 2}));
 }
 
 void DirectoryParserThreadsTest::anAbortWithoutASearchOnlyTells()

@@ -12,6 +12,7 @@ DirectoryParser::Machine FlightCards::parserMachine()
     DirectoryParser::Machine made;
     made.volumes = [this] { return machine.volumes(); };
     made.sysfsRoot = machine.sysfsRoot();
+    made.hasDriveService = false;
     made.files.time = [this](const QFileInfo& file) {
         if (held) {
             reached.release();
@@ -21,8 +22,8 @@ DirectoryParser::Machine FlightCards::parserMachine()
         return QFile::exists(file.filePath()) ? start.addSecs(seconds.value(file.fileName()))
                                               : QDateTime();
     };
-    made.files.videoDurationMs = [](const QString& path) {
-        return QFileInfo(path).isFile() ? 60'000 : -1;
+    made.files.videoLength = [](const QString& path) {
+        return QFileInfo(path).isFile() ? VideoLength{60'000, 60'000} : VideoLength();
     };
     return made;
 }

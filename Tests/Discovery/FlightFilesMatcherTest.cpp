@@ -45,9 +45,11 @@ struct Card
         facts.time = [this](const QFileInfo& file) {
             return kStart.addSecs(seconds[file.fileName()]);
         };
-        facts.videoDurationMs = [this](const QString& path) {
-            return durations[QFileInfo(path).fileName()];
+        facts.videoLength = [this](const QString& path) {
+            const int durationMs = durations[QFileInfo(path).fileName()];
+            return VideoLength{durationMs, durationMs};
         };
+        facts.readers = 1;
         return facts;
     }
 
@@ -118,6 +120,11 @@ private slots:
     void anAbortWhileNamingGivesNothingWithoutAWord();
     void takesTimesAndDurationsFromTheFiles();
     void pairsByTheTimeOfTheLastWrite();
+    void lengthsReplaceLostTimes();
+    void logsOfOtherVideosAreReadOnlyWhereNeeded_data();
+    void logsOfOtherVideosAreReadOnlyWhereNeeded();
+    void partsOfOneFlightAreNamedAsOne();
+    void severalReadersGiveTheSameResult();
 };
 
 void FlightFilesMatcherTest::namesTheFlightsOfASharedLog()
@@ -233,9 +240,10 @@ void FlightFilesMatcherTest::aLogThatVanishesLeavesItsFlightPaired()
     Card card;
     addThreeFlights(card);
     FlightFilesMatcher::FileFacts facts = card.facts();
-    facts.videoDurationMs = [&card](const QString& path) {
+    facts.videoLength = [&card](const QString& path) {
         QFile::remove(card.folder.filePath("l1.log"));
-        return card.durations[QFileInfo(path).fileName()];
+        const int durationMs = card.durations[QFileInfo(path).fileName()];
+        return VideoLength{durationMs, durationMs};
     };
     const MessageLog messages;
     const QList<FlightMatchData> matches =
@@ -279,7 +287,7 @@ void FlightFilesMatcherTest::progressCountsLogs()
 {
     Card card;
     addThreeFlights(card);
-    card.addVideo("v0.mp4", 1999, 60'000);
+    card.addVideo("v0.mp4", 1999, -1);
     card.addLog("unused.log", 50'000, oneFlight("Nobody"));
     QList<int> files;
     QList<int> stages;
@@ -323,9 +331,9 @@ void FlightFilesMatcherTest::anAbortGivesNothing()
         abortAt("time");
         return kStart.addSecs(card.seconds[file.fileName()]);
     };
-    facts.videoDurationMs = [&](const QString&) {
+    facts.videoLength = [&](const QString&) {
         abortAt("duration");
-        return 60'000;
+        return VideoLength{60'000, 60'000};
     };
     const MessageLog messages;
     const QList<FlightMatchData> matches =
@@ -335,8 +343,8 @@ void FlightFilesMatcherTest::anAbortGivesNothing()
                 [&](int, int, int stage, int, int) { abortAt(QString::number(stage)); });
     QVERIFY(matches.isEmpty());
     QCOMPARE(messages.count("Aborted. (flightFilesMatcher)"), 1);
-    // An abort does not cut the durations short, and no second log is opened after it.
-    QCOMPARE(messages.count("Getting time"), when == "time" ? 0 : 3);
+    // No other file is opened after it.
+    QCOMPARE(messages.count("Getting time"), when == "time" ? 0 : when == "duration" ? 1 : 3);
     QVERIFY(messages.count("Start analyzing...") <= 1);
 }
 
@@ -392,6 +400,75 @@ void FlightFilesMatcherTest::pairsByTheTimeOfTheLastWrite()
         QVERIFY(matches[i].matchFound);
         QCOMPARE(matches[i].logFile.fileName(), QStringLiteral("l%1.log").arg(i + 1));
     }
+}
+
+void FlightFilesMatcherTest::lengthsReplaceLostTimes()
+{
+    Card card; // copied logs first, then videos: no log is written after its video
+    card.addLog("a.log", 0, flightLog({{10'000, 311'000}}, {{5000, "Line", "North", 1}}));
+    card.addLog("b.log", 1, flightLog({{10'000, 511'000}}, {{5000, "Line", "South", 2}}));
+    card.addVideo("CORV0001.MOV", 10, 300'000);
+    card.addVideo("CORV0002.MOV", 20, 500'000);
+    const QList<FlightMatchData> matches = card.match();
+    QCOMPARE(flightNames(matches), QStringList({"North", "South"}));
+    QCOMPARE(matches[0].logFile.fileName(), QString("a.log"));
+    QCOMPARE(matches[0].evidence, PairingEvidence::Length);
+    QCOMPARE(matches[1].logFile.fileName(), QString("b.log"));
+    QCOMPARE(matches[1].recordingMs, qint64(501'000));
+    QCOMPARE(card.match(true)[0].matchFound, false);
+}
+
+void FlightFilesMatcherTest::logsOfOtherVideosAreReadOnlyWhereNeeded_data()
+{
+    QTest::addColumn<int>("videoMs");
+    QTest::addColumn<int>("logsRead");
+    QTest::newRow("settled by time and length") << 60'000 << 1;
+    QTest::newRow("length contradicts") << 90'000 << 2;
+}
+
+void FlightFilesMatcherTest::logsOfOtherVideosAreReadOnlyWhereNeeded()
+{
+    QFETCH(int, videoMs);
+    QFETCH(int, logsRead);
+    Card card;
+    card.addVideo("v.mp4", 0, videoMs);
+    card.addLog("l.log", 10, oneFlight("Flight"));
+    card.addLog("other.log", 50'000, flightLog({{10'000, 101'000}}, {}));
+    const MessageLog messages;
+    const QList<FlightMatchData> matches = card.match();
+    QCOMPARE(messages.count("Start analyzing..."), logsRead);
+    QCOMPARE(matches[0].logFile.fileName(), QString(logsRead == 1 ? "l.log" : "other.log"));
+}
+
+void FlightFilesMatcherTest::partsOfOneFlightAreNamedAsOne()
+{
+    Card card;
+    card.addVideo("CORV0001.MOV", 0, 300'000);
+    card.addVideo("CORV0002.MOV", 200, 200'000);
+    card.addLog("day.log", 300,
+                flightLog({{10'000, 61'000}, {100'000, 601'000}},
+                          {{5000, "Line", "Short", 1}, {90'000, "Line", "Long", 2}}));
+    const QList<FlightMatchData> matches = card.match();
+    QCOMPARE(flightNames(matches), QStringList({"Long", "Long"}));
+    for (const FlightMatchData& match : matches) {
+        QCOMPARE(match.evidence, PairingEvidence::TimeAndLength);
+        QCOMPARE(match.flightLengthMs, qint64(500'000));
+        QCOMPARE(match.flightFiles.size(), 2);
+    }
+    QCOMPARE(matches[0].part, 1);
+    QCOMPARE(matches[1].part, 2);
+    QCOMPARE(matches[1].videoDuration, 200'000);
+}
+
+void FlightFilesMatcherTest::severalReadersGiveTheSameResult()
+{
+    Card card;
+    addThreeFlights(card);
+    FlightFilesMatcher::FileFacts facts = card.facts();
+    facts.readers = 3;
+    const QList<FlightMatchData> matches =
+        FlightFilesMatcher(&card.abort, facts).matchFlightFiles(card.videos, card.logs, false, {});
+    QCOMPARE(flightNames(matches), flightNames(card.match()));
 }
 
 QTEST_GUILESS_MAIN(FlightFilesMatcherTest)

@@ -31,6 +31,7 @@ const QMap<QString, Library>& libraries()
     static const QMap<QString, Library> all{
         {"OpenCV", {"opencv2/core.hpp", {}}},
         {"QuaZip", {"quazip/quazip.h", {}}},
+        {"Qt DBus", {"QDBusConnection", {}}},
         {"Qt Gui", {"QImage", {}}},
         {"Qt Network", {"QNetworkRequest", {}}},
         {"Qt Qml", {"QQmlEngine", {"Qt Network"}}},

@@ -1,7 +1,5 @@
 #include "CardWorld.h"
 
-#include "Video/VideoInfoReader.h"
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -16,8 +14,10 @@ CardWorld* g_world = nullptr;
 DirectoryParser::Machine machineOfWorld()
 {
     DirectoryParser::Machine machine = g_world->parserMachine();
-    machine.files.videoDurationMs = [counted = machine.files.videoDurationMs](const QString& path) {
-        return QFileInfo(path).size() == 0 ? counted(path) : VideoInfoReader(path).getDurationMs();
+    const FlightFilesMatcher::FileFacts real;
+    machine.files.videoLength = [counted = machine.files.videoLength,
+                                 read = real.videoLength](const QString& path) {
+        return QFileInfo(path).size() == 0 ? counted(path) : read(path);
     };
     return machine;
 }

@@ -18,6 +18,9 @@ private slots:
     void autodetectReplacesAChosenFolder();
     void aChosenFolderGivesWayToADrive();
     void theLastOfQuickChoicesCounts();
+    void cardsThatComeAndGoAreListed();
+    void aChoiceStillOnItsWayIsSearched();
+    void browseStartsAtTheLastFolder();
     void locationsAreSearchedAsChosen_data();
     void locationsAreSearchedAsChosen();
     void choicesAreRememberedByLoading();
@@ -163,6 +166,60 @@ void ImporterLocationsTest::theLastOfQuickChoicesCounts()
     QTRY_COMPARE(changes.size(), 1);
     QCOMPARE(m_importer->property("videoDrive").toUrl(), QUrl::fromLocalFile(last));
     QVERIFY(!m_importer->property("logDrive").toUrl().isValid());
+}
+
+void ImporterLocationsTest::cardsThatComeAndGoAreListed()
+{
+    const QString disk = m_world->machine.addDrive("disk", "", false);
+    openImporter();
+    auto* parser = m_importer->findChild<DirectoryParser*>("directoryParser");
+    QVERIFY(parser);
+    const QString card = m_world->machine.addDrive("CARD", "", true);
+    emit parser->drivesChanged();
+    QCOMPARE(evaluate("driveListModelOne.count").toInt(), 2);
+    evaluate("useLogDrive({path: '" + card + "'})");
+    emit parser->drivesChanged();
+    QCOMPARE(selectedText("cardOneDriveDropdown"), "Drive " + card + " ");
+    QCOMPARE(selectedText("cardTwoDriveDropdown"), "Drive " + disk + " ");
+    m_world->machine.pullDrive(card);
+    emit parser->drivesChanged();
+    QCOMPARE(evaluate("driveListModelTwo.count").toInt(), 1);
+    QCOMPARE(selectedText("cardOneDriveDropdown"), "Drive " + disk + " ");
+}
+
+void ImporterLocationsTest::aChoiceStillOnItsWayIsSearched()
+{
+    m_world->machine.addDrive("a", "", false);
+    const QString card = m_world->machine.addDrive("b", "", false);
+    openImporter();
+    QMetaObject::invokeMethod(m_importer, "handleDirectoryChosen",
+                              Q_ARG(QVariant, m_world->path("logs")));
+    QQuickItem* dropdown = item("cardOneDriveDropdown");
+    focus(dropdown);
+    QTest::keyClick(m_importer, Qt::Key_Up); // from the folder to the drive above it
+    QVERIFY(m_importer->property("usePathForLog").toBool());
+    click("parseButton");
+    dismissMessage();
+    QCOMPARE(m_world->lastSearch.value(1).toString(), card);
+    QVERIFY(m_world->lastSearch.value(3).toBool());
+}
+
+void ImporterLocationsTest::browseStartsAtTheLastFolder()
+{
+    m_world->machine.addDrive("disk", "", false);
+    const QString folder = m_world->path("Flüge %20");
+    QVERIFY(QDir().mkpath(folder + "/below"));
+    openImporter();
+    click("browseLogsButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(UiFixture::acceptFile(folder));
+    QTRY_VERIFY(m_importer->property("usePathForLog").toBool());
+    QTRY_VERIFY(!UiFixture::fileDialog());
+    click("browseVideosButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(UiFixture::fileDialog()->directory().absolutePath(), folder);
+    QVERIFY(UiFixture::acceptFile(folder));
+    QTRY_VERIFY(!UiFixture::fileDialog());
 }
 
 void ImporterLocationsTest::locationsAreSearchedAsChosen_data()

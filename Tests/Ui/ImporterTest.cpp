@@ -1,6 +1,8 @@
 #include "Discovery/PersistentData.h"
 #include "ImporterSuite.h"
 
+#include <QAccessible>
+
 using namespace corv;
 using namespace corv::test;
 
@@ -21,6 +23,14 @@ private slots:
     void loadingWithoutAClickTakesTheFirstRow();
     void loadingAFlightWithoutALog();
     void theKeyboardChoosesAndLoads();
+    void aDoubleClickLoads();
+    void escapeCloses();
+    void searchAfterAbortStartsWhenTheOldHasEnded();
+    void closingTheWindowAborts();
+    void videosAreCountedWhileTheirLengthsAreRead();
+    void theMarkShowsTheEvidence_data();
+    void theMarkShowsTheEvidence();
+    void remarksAreShown();
     void theFastSearchBoxIsHandedOn();
     void longNamesStayInTheirColumns();
     void theWelcomePanelReportsItsButtons_data();
@@ -81,7 +91,9 @@ void ImporterTest::aSearchShowsItsRows()
              QString(R"({"name":"morning : l1","videoPath":"%1/DCIM/100HDDVR/morning.mp4",)"
                      R"("logPath":"%1/l1.log","matchFound":true,"duration":60000,)"
                      R"("missionName":"Line 12","flightName":"Tower 1","flightNumber":7,)"
-                     R"("namingDefined":true})")
+                     R"("namingDefined":true,"evidence":"timeAndLength","doubtful":false,)"
+                     R"("evidenceText":"Time and length agree","partText":"",)"
+                     R"("fileText":"Written 2018-06-01 12:00:00, 0.0 MB, in %1/DCIM/100HDDVR"})")
                  .arg(card));
     const auto cell = [this](int row, const QString& name, const char* property) {
         return m_ui->item(name, item("matchingRow" + QString::number(row)))->property(property);
@@ -240,6 +252,140 @@ void ImporterTest::theKeyboardChoosesAndLoads()
     QTRY_VERIFY(!m_importer->isVisible());
     QCOMPARE(m_importer->property("chosenVideoFile").toUrl(),
              QUrl::fromLocalFile(card + "/DCIM/100HDDVR/evening.mp4"));
+}
+
+void ImporterTest::aDoubleClickLoads()
+{
+    const QString card = m_world->machine.addDrive("CARD", "", true);
+    addDay(card + "/DCIM/100HDDVR", card);
+    openImporter();
+    search();
+    QTRY_VERIFY(item("matchingRow2") && item("matchingRow2")->y() > 0); // laid out
+    QQuickItem* row = item("matchingRow2");
+    const QPoint middle = row->mapToScene({row->width() / 2, row->height() / 2}).toPoint();
+    QTest::mouseClick(m_importer, Qt::LeftButton, Qt::NoModifier, middle);
+    QTest::mouseDClick(m_importer, Qt::LeftButton, Qt::NoModifier, middle);
+    QTRY_VERIFY(!m_importer->isVisible());
+    QVERIFY(m_importer->property("ok").toBool());
+    QCOMPARE(m_importer->property("chosenVideoFile").toUrl(),
+             QUrl::fromLocalFile(card + "/DCIM/100HDDVR/evening.mp4"));
+    QCOMPARE(m_importer->property("chosenFlightFiles").toStringList(),
+             QStringList(card + "/DCIM/100HDDVR/evening.mp4"));
+}
+
+void ImporterTest::escapeCloses()
+{
+    openImporter();
+    QTest::keyClick(m_importer, Qt::Key_Escape);
+    QTRY_VERIFY(!m_importer->isVisible());
+    QVERIFY(!m_importer->property("ok").toBool());
+}
+
+void ImporterTest::searchAfterAbortStartsWhenTheOldHasEnded()
+{
+    const QString card = m_world->machine.addDrive("CARD", "", true);
+    addDay(card + "/DCIM/100HDDVR", card);
+    openImporter();
+    m_world->held = true;
+    click("parseButton");
+    m_world->reached.acquire();
+    click("abortProcessingButton");
+    click("parseButton");
+    QVERIFY(m_importer->property("isBusy").toBool());
+    m_world->release();
+    QTRY_VERIFY(!m_importer->property("isBusy").toBool());
+    QCOMPARE(rowCount(), 3);
+    QVERIFY(!m_ui->log().contains("Previous parsing didn't finish!"));
+}
+
+void ImporterTest::closingTheWindowAborts()
+{
+    const QString card = m_world->machine.addDrive("CARD", "", true);
+    addDay(card + "/DCIM/100HDDVR", card);
+    openImporter();
+    m_world->held = true;
+    click("parseButton");
+    m_world->reached.acquire();
+    m_importer->close();
+    QTRY_VERIFY(!m_importer->isVisible());
+    m_world->release();
+    QTRY_VERIFY(m_ui->log().contains("Aborted (directoryParser)"));
+}
+
+void ImporterTest::videosAreCountedWhileTheirLengthsAreRead()
+{
+    openImporter();
+    m_importer->setProperty("isBusy", true);
+    QMetaObject::invokeMethod(m_importer, "onVideoProgress", Q_ARG(QVariant, 3),
+                              Q_ARG(QVariant, 20));
+    QCOMPARE(item("txtMatchingBusyIndicator")->property("text").toString(),
+             QString("Reading video file 3/20"));
+    QCOMPARE(item("progressBar")->property("value").toDouble(), 2.0);
+    QCOMPARE(item("progressBar")->property("maximumValue").toDouble(), 20.0);
+    QVERIFY(!item("progressBar")->property("indeterminate").toBool());
+}
+
+void ImporterTest::theMarkShowsTheEvidence_data()
+{
+    QTest::addColumn<int>("evidence");
+    QTest::addColumn<bool>("doubtful");
+    QTest::addColumn<QString>("shape");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char* name, PairingEvidence evidence, bool doubtful,
+                        const char* shape, const char* text) {
+        QTest::newRow(name) << static_cast<int>(evidence) << doubtful << shape << text;
+    };
+    row("both", PairingEvidence::TimeAndLength, false, "check", "Time and length agree");
+    row("length", PairingEvidence::Length, false, "arrow", "Length agrees");
+    row("length, not certain", PairingEvidence::Length, true, "triangle", "not for certain");
+    row("time alone", PairingEvidence::LengthDiffers, true, "triangle", "21 s against 35 s");
+    row("quick search", PairingEvidence::Time, false, "triangle", "lengths not compared");
+    row("none", PairingEvidence::None, false, "dash", "No log found");
+}
+
+void ImporterTest::theMarkShowsTheEvidence()
+{
+    QFETCH(int, evidence);
+    QFETCH(bool, doubtful);
+    QFETCH(QString, shape);
+    QFETCH(QString, text);
+    FlightMatchData match;
+    match.videoFile = QFileInfo("/card/DCIM/100HDDVR/CORV0002.mp4");
+    match.matchFound = static_cast<PairingEvidence>(evidence) != PairingEvidence::None;
+    match.evidence = static_cast<PairingEvidence>(evidence);
+    match.doubtful = doubtful;
+    match.flightLengthMs = 21'000;
+    match.recordingMs = 35'000;
+    match.flightFiles =
+        QStringList({"/card/DCIM/100HDDVR/CORV0001.mp4", "/card/DCIM/100HDDVR/CORV0002.mp4"});
+    match.part = 2;
+    PersistentData::instance()->setDirectoryList({match});
+    openImporter();
+    QTRY_VERIFY(item("matchingRow0"));
+    QQuickItem* row = item("matchingRow0");
+    QQuickItem* mark = m_ui->item("evidenceMark", row);
+    QCOMPARE(mark->property("shape").toString(), shape);
+    const QString details = row->property("details").toString();
+    QVERIFY2(details.contains(text), qPrintable(details));
+    QVERIFY(details.contains("/card/DCIM/100HDDVR"));
+    QCOMPARE(QAccessible::queryAccessibleInterface(row)->text(QAccessible::Description), details);
+    QVERIFY(
+        m_ui->item("name", row)->property("shownText").toString().endsWith("(part 2 of CORV0001)"));
+}
+
+void ImporterTest::remarksAreShown()
+{
+    const QString card = m_world->machine.addDrive("CARD", "", true);
+    addDay(card + "/DCIM/100HDDVR", card);
+    openImporter();
+    m_world->held = true;
+    click("parseButton");
+    m_world->reached.acquire();
+    m_world->machine.pullDrive(card);
+    m_world->release();
+    QTRY_VERIFY(UiFixture::messageBox());
+    QVERIFY2(dialogText().contains(card + " can no longer be read"), qPrintable(dialogText()));
+    dismissMessage();
 }
 
 void ImporterTest::theFastSearchBoxIsHandedOn()

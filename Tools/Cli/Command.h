@@ -11,7 +11,7 @@
 namespace corv::cli {
 
 /// What a command ends with, and so the program.
-enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2 };
+enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2, PartlyDone = 3 };
 
 /// One command of `vistrel-cli`: what it accepts and what it does.
 struct Command

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <unistd.h>
@@ -17,9 +18,10 @@ const QString quickOption = QStringLiteral("quick");
 const QString jsonOption = QStringLiteral("json");
 
 // In the order of the search result.
-const char* const kKeys[] = {"videoFile",    "videoFilename", "logFile",     "logFilename",
-                             "matchFound",   "namingDefined", "missionName", "flightName",
-                             "flightNumber", "videoDuration"};
+const char* const kKeys[] = {"videoFile",    "videoFilename",  "logFile",     "logFilename",
+                             "matchFound",   "namingDefined",  "missionName", "flightName",
+                             "flightNumber", "videoDuration",  "evidence",    "doubtful",
+                             "flightLength", "recordingLength"};
 
 // A name may hold anything; a field of the table ends at a tab, a row at a line feed.
 QString field(QString text)
@@ -57,6 +59,11 @@ void showProgress(int file, int files, int, int, int)
     std::fprintf(stderr, "\rreading log %d/%d", file, files);
 }
 
+bool isSettled(const FlightMatchData& match)
+{
+    return match.matchFound && !match.doubtful;
+}
+
 ExitStatus match(const QCommandLineParser& line)
 {
     const bool json = line.isSet(jsonOption);
@@ -68,20 +75,30 @@ ExitStatus match(const QCommandLineParser& line)
     for (const QString& folder : arguments)
         if (!isReadableFolder(folder))
             return fail(QStringLiteral("%1: no folder that can be read").arg(folder));
-    const FlightFiles files =
-        gatherFlightFiles({arguments[0], arguments[1], videoFromCard, videoFromCard});
-    QVariantList rows;
+    const SearchLocations locations{arguments[0], arguments[1], videoFromCard, videoFromCard};
+    const FlightFiles files = gatherFlightFiles(locations);
+    QList<FlightMatchData> matches;
     if (!files.videos.isEmpty() && !files.logs.isEmpty()) {
         const bool onTerminal = isatty(STDERR_FILENO) == 1;
         const std::atomic<bool> abortFlag{false};
         FlightFilesMatcher matcher(&abortFlag);
-        rows = matchingRows(matcher.matchFlightFiles(
-            files.videos, files.logs, quickMode,
-            onTerminal ? FlightFilesMatcher::Progress(showProgress) : nullptr));
+        matches = matcher.matchFlightFiles(files.videos, files.logs, quickMode,
+                                           onTerminal ? FlightFilesMatcher::Progress(showProgress)
+                                                      : nullptr);
         if (onTerminal)
             std::fputs("\r                              \r", stderr);
     }
-    return writeOut(json ? QJsonDocument(QJsonArray::fromVariantList(rows)).toJson() : table(rows));
+    const QStringList remarks = searchRemarks(locations, files);
+    for (const QString& remark : remarks)
+        fail(remark);
+    const QVariantList rows = matchingRows(matches);
+    const ExitStatus written =
+        writeOut(json ? QJsonDocument(QJsonArray::fromVariantList(rows)).toJson() : table(rows));
+    if (written != Done)
+        return written;
+    const bool allSettled = matches.size() == files.videos.size() && remarks.isEmpty() &&
+                            std::all_of(matches.begin(), matches.end(), isSettled);
+    return allSettled ? Done : PartlyDone;
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -31,6 +32,8 @@ private slots:
     void theTableHasOneRowPerVideo();
     void aCardIsSearchedInItsLayout();
     void nothingFoundIsAnEmptyResult();
+    void theStatusSaysWhetherAllIsPaired_data();
+    void theStatusSaysWhetherAllIsPaired();
     void wrongUseIsTold_data();
     void wrongUseIsTold();
     void aMissingFolderIsTold();
@@ -63,6 +66,7 @@ void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
     QCOMPARE(run.status, 0);
     QCOMPARE(run.error, QByteArray());
     const QJsonArray rows = QJsonDocument::fromJson(run.out).array();
+    const QFileInfo video(path("videos/Flug 1.mp4"));
     const QJsonObject expected{{"videoFile", path("videos/Flug 1.mp4")},
                                {"videoFilename", "Flug 1"},
                                {"logFile", path("logs/l.log")},
@@ -72,7 +76,17 @@ void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
                                {"missionName", ""},
                                {"flightName", ""},
                                {"flightNumber", 0},
-                               {"videoDuration", 0}};
+                               {"videoDuration", 0},
+                               {"evidence", "time"},
+                               {"doubtful", false},
+                               {"evidenceText", "Paired by time alone, lengths not compared"},
+                               {"flightLength", -1},
+                               {"recordingLength", -1},
+                               {"flightFiles", QJsonArray()},
+                               {"part", 1},
+                               {"partText", ""},
+                               {"videoTime", video.lastModified().toString(Qt::ISODate)},
+                               {"videoSize", 0}};
     QCOMPARE(rows.size(), 1);
     QCOMPARE(rows[0].toObject(), expected);
 }
@@ -86,9 +100,9 @@ void MatchCommandTest::theTableHasOneRowPerVideo()
     QCOMPARE(lines.size(), 4); // the last one is what follows the last line feed
     QVERIFY(lines[0].startsWith("videoFile\tvideoFilename\tlogFile\t"));
     for (int i = 0; i < 3; ++i)
-        QCOMPARE(lines[i].count('\t'), 9);
+        QCOMPARE(lines[i].count('\t'), 13);
     QVERIFY(run.out.contains("\ttrue\t"));
-    QVERIFY(run.out.contains("\t-1\n")); // an empty file is no video
+    QVERIFY(run.out.contains("\t-1\ttime\tfalse\t-1\t-1\n")); // an empty file is no video
 }
 
 void MatchCommandTest::aCardIsSearchedInItsLayout()
@@ -108,6 +122,40 @@ void MatchCommandTest::nothingFoundIsAnEmptyResult()
     QCOMPARE(run.status, 0);
     QVERIFY(QJsonDocument::fromJson(run.out).isArray());
     QVERIFY(QJsonDocument::fromJson(run.out).array().isEmpty());
+}
+
+void MatchCommandTest::theStatusSaysWhetherAllIsPaired_data()
+{
+    QTest::addColumn<int>("logSecond");
+    QTest::addColumn<bool>("realVideo");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("evidence");
+    QTest::newRow("by time") << 10 << false << 0 << "time";
+    QTest::newRow("unpaired") << -10 << false << 3 << "none";
+    QTest::newRow("doubtful") << 10 << true << 3 << "lengthDiffers";
+}
+
+void MatchCommandTest::theStatusSaysWhetherAllIsPaired()
+{
+    QFETCH(int, logSecond);
+    QFETCH(bool, realVideo);
+    if (realVideo) // two seconds, against a minute in the log
+        QCOMPARE(QProcess::execute("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i",
+                                              "color=size=64x48:duration=2", "-c:v", "mpeg4",
+                                              path("videos/Flug 1.mp4")}),
+                 0);
+    const QDateTime noon(QDate(2018, 6, 1), QTime(12, 0));
+    const auto setTime = [](const QString& file, const QDateTime& time) {
+        QFile opened(file);
+        return opened.open(QIODevice::ReadWrite) &&
+               opened.setFileTime(time, QFileDevice::FileModificationTime);
+    };
+    QVERIFY(setTime(path("videos/Flug 1.mp4"), noon));
+    QVERIFY(setTime(path("logs/l.log"), noon.addSecs(logSecond)));
+    const ProgramRun run = match({path("videos"), path("logs"), "--json"});
+    QTEST(run.status, "status");
+    QTEST(QJsonDocument::fromJson(run.out).array()[0].toObject()["evidence"].toString(),
+          "evidence");
 }
 
 void MatchCommandTest::wrongUseIsTold_data()

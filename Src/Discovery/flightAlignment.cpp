@@ -1,0 +1,531 @@
+#include "Discovery/flightAlignment.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+namespace corv {
+namespace {
+
+constexpr qint64 recorderOverheadMs = 1000; // by which a logged recording exceeds its video
+constexpr qint64 agreementMs = 3000;
+
+// Odds of a card: how often a file is missing, a name out of order, a flight in several files.
+constexpr double videoHasNoLog = 0.2;
+constexpr double jumpsInOrder = 0.02;
+constexpr double strayInOrder = 0.03;
+constexpr double severalParts = 0.1;
+constexpr double timesAreKept = 0.7;
+constexpr double namesAreInOrder = 0.97;
+constexpr size_t mostParts = 40;
+
+// Lengths of gaps: none, a few recordings without their video, those of other cards between.
+struct Gap
+{
+    double share;
+    double skip;
+};
+constexpr std::array<Gap, 3> gaps = {{{0.6, 0.02}, {0.25, 0.25}, {0.15, 0.8}}};
+
+// Above this the table of the order would not be worth its memory.
+constexpr size_t mostCells = 4'000'000;
+
+constexpr double minusInfinity = -std::numeric_limits<double>::infinity();
+
+// Numbers far outside the range of a double: each row keeps the logarithm of its own scale.
+struct ScaledRow
+{
+    std::vector<double> values;
+    double logScale = minusInfinity;
+};
+
+struct Candidate
+{
+    int recording;
+    double lengthFit;
+    double fit; // with the times, if they are believed
+};
+
+// Videos that may be one flight, with the recordings of its length.
+struct Segment
+{
+    int first;
+    int count;
+    std::vector<Candidate> candidates;
+};
+
+class Alignment
+{
+public:
+    explicit Alignment(const AlignmentInput& input)
+        : m_videos(input.videos.size()), m_recordings(input.recordingsMs.size())
+    {
+        findSegments(input);
+    }
+
+    void run(const AlignmentInput& input);
+    std::vector<std::vector<AlignmentClaim>> claims() const;
+
+private:
+    struct Belief
+    {
+        double prior = 0;
+        double inOrder = 0; // shares of the videos with a log
+        double jump = 0;
+        double stray = 0;
+        bool times = false;
+    };
+    struct Outcome
+    {
+        double logWeight = minusInfinity;
+        std::vector<double> probabilities; // per candidate, segment by segment
+    };
+
+    void findSegments(const AlignmentInput& input);
+    void addSegment(const AlignmentInput& input, size_t first, size_t count, qint64 lengthMs,
+                    const std::vector<int>& byLength);
+    double chanceOf(qint64 lengthMs, qint64 lastPartMs) const;
+    void weigh(const AlignmentInput& input, bool withTimes);
+    Outcome passBothWays(const Belief& belief);
+    Outcome passInNoOrder(const Belief& belief) const;
+    std::vector<double> arrivals(const std::vector<double>& row, const Belief& belief) const;
+    std::vector<double> departures(const std::vector<double>& row, const Belief& belief) const;
+    double strayFit(const Segment& segment, const Belief& belief) const;
+    // What follows a segment: the ways on from its end, those to come to its recordings, and the
+    // number of all ways through the whole card.
+    struct Rest
+    {
+        const ScaledRow& row;
+        const std::vector<double>& arriving;
+        double logAllWays;
+    };
+
+    void forwards(const Belief& belief);
+    Outcome backwards(const Belief& belief) const;
+    void addWaysOn(size_t segmentNumber, const Belief& belief, const Rest& rest,
+                   std::vector<double>& worth, ScaledRow& row, Outcome& outcome) const;
+
+    size_t m_videos;
+    size_t m_recordings;
+    std::vector<qint64> m_sortedRecordingsMs;
+    std::vector<qint64> m_sortedVideosMs;
+    std::vector<Segment> m_segments;               // by their first video
+    std::vector<std::vector<size_t>> m_startingAt; // segments by their first video
+    std::vector<std::vector<size_t>> m_endingAt;   // segments by the video after their last one
+    std::vector<size_t> m_firstCandidate;          // of each segment, counted through all
+    size_t m_candidates = 0;
+    std::vector<ScaledRow> m_forward; // per video: ways to have come to each place before it
+    std::vector<double> m_probabilities;
+};
+
+double fitOfLengths(qint64 videoMs, qint64 recordingMs)
+{
+    constexpr double spreadMs = 600;
+    constexpr double outlierShare = 0.1;
+    const double apart = static_cast<double>(recordingMs - recorderOverheadMs - videoMs) / spreadMs;
+    const double near = std::exp(-apart * apart / 2) / (spreadMs * 2.5066);
+    return (1 - outlierShare) * near + outlierShare / (2.0 * static_cast<double>(agreementMs));
+}
+
+// How likely so many files are one flight. A recorder splits at a fixed size: only the last part is
+// shorter, and the flight neither begins after a full part nor ends with one.
+double fitOfParts(const AlignmentInput& input, size_t first, size_t count)
+{
+    if (count == 1)
+        return 1 - severalParts;
+    const size_t last = first + count - 1;
+    const auto length = [&](size_t i) { return static_cast<double>(input.videos[i].lengthMs); };
+    const double full = length(first);
+    const double slack = std::max(3000.0, 0.1 * full);
+    const auto isFull = [&](size_t i) { return std::abs(length(i) - full) <= slack; };
+    double fit = severalParts;
+    for (size_t i = first + 1; i < last; ++i)
+        if (!isFull(i))
+            fit *= 0.1;
+    if (length(last) > full + slack)
+        fit *= 0.02;
+    if (input.videos[first].continuesFlight && first > 0 && isFull(first - 1))
+        fit *= 0.1;
+    const bool goesOn = last + 1 < input.videos.size() && input.videos[last + 1].continuesFlight;
+    if (goesOn && isFull(last))
+        fit *= 0.1;
+    return fit;
+}
+
+void Alignment::findSegments(const AlignmentInput& input)
+{
+    m_startingAt.resize(m_videos);
+    m_endingAt.resize(m_videos + 1);
+    std::vector<int> byLength(m_recordings);
+    for (size_t r = 0; r < m_recordings; ++r)
+        byLength[r] = static_cast<int>(r);
+    std::sort(byLength.begin(), byLength.end(), [&input](int a, int b) {
+        return input.recordingsMs[static_cast<size_t>(a)] <
+               input.recordingsMs[static_cast<size_t>(b)];
+    });
+    if (byLength.empty())
+        return;
+    m_sortedRecordingsMs = input.recordingsMs;
+    std::sort(m_sortedRecordingsMs.begin(), m_sortedRecordingsMs.end());
+    for (const AlignmentInput::Video& video : input.videos)
+        if (video.lengthMs > 0)
+            m_sortedVideosMs.push_back(video.lengthMs);
+    std::sort(m_sortedVideosMs.begin(), m_sortedVideosMs.end());
+    const qint64 longest = input.recordingsMs[static_cast<size_t>(byLength.back())] + agreementMs;
+    for (size_t first = 0; first < m_videos; ++first) {
+        qint64 lengthMs = 0;
+        for (size_t count = 1; first + count <= m_videos && count <= mostParts; ++count) {
+            const AlignmentInput::Video& part = input.videos[first + count - 1];
+            if (part.lengthMs <= 0 || (count > 1 && !part.continuesFlight))
+                break;
+            lengthMs += part.lengthMs;
+            if (lengthMs > longest)
+                break;
+            addSegment(input, first, count, lengthMs, byLength);
+        }
+    }
+}
+
+void Alignment::addSegment(const AlignmentInput& input, size_t first, size_t count, qint64 lengthMs,
+                           const std::vector<int>& byLength)
+{
+    const auto begin = std::partition_point(byLength.begin(), byLength.end(), [&](int r) {
+        return input.recordingsMs[static_cast<size_t>(r)] <= lengthMs - agreementMs;
+    });
+    Segment segment{static_cast<int>(first), static_cast<int>(count), {}};
+    double chance = 0;
+    for (auto it = begin; it != byLength.end(); ++it) {
+        const qint64 recordingMs = input.recordingsMs[static_cast<size_t>(*it)];
+        if (!lengthsAgree(lengthMs, recordingMs))
+            break;
+        if (segment.candidates.empty())
+            chance = chanceOf(lengthMs, input.videos[first + count - 1].lengthMs);
+        const double fit =
+            fitOfLengths(lengthMs, recordingMs) / chance * fitOfParts(input, first, count);
+        segment.candidates.push_back({*it, fit, fit});
+    }
+    if (segment.candidates.empty())
+        return;
+    std::sort(segment.candidates.begin(), segment.candidates.end(),
+              [](const Candidate& a, const Candidate& b) { return a.recording < b.recording; });
+    m_firstCandidate.push_back(m_candidates);
+    m_candidates += segment.candidates.size();
+    m_startingAt[first].push_back(m_segments.size());
+    m_endingAt[first + count].push_back(m_segments.size());
+    m_segments.push_back(std::move(segment));
+}
+
+// The density, per millisecond, of flights of about this length: where all flights are alike, or
+// all parts of them, an agreeing length says little.
+double Alignment::chanceOf(qint64 lengthMs, qint64 lastPartMs) const
+{
+    constexpr double anyLength = 1.0 / 1'200'000;
+    const auto density = [](const std::vector<qint64>& sorted, qint64 ms) {
+        constexpr qint64 aroundMs = 30'000;
+        const auto begin = std::lower_bound(sorted.begin(), sorted.end(), ms - aroundMs);
+        const auto end = std::upper_bound(begin, sorted.end(), ms + aroundMs);
+        const auto others = static_cast<double>(std::distance(begin, end) - 1);
+        return std::max(0.0, others) /
+               (static_cast<double>(sorted.size()) * 2.0 * static_cast<double>(aroundMs));
+    };
+    return 0.6 * anyLength +
+           0.7 * std::max(density(m_sortedRecordingsMs, lengthMs + recorderOverheadMs),
+                          density(m_sortedVideosMs, lastPartMs));
+}
+
+void Alignment::weigh(const AlignmentInput& input, bool withTimes)
+{
+    for (Segment& segment : m_segments)
+        for (Candidate& candidate : segment.candidates)
+            candidate.fit =
+                withTimes ? candidate.lengthFit * input.timeFit(segment.first + segment.count - 1,
+                                                                candidate.recording)
+                          : candidate.lengthFit;
+}
+
+// From the ways to be at each place to those to come to each recording next.
+std::vector<double> Alignment::arrivals(const std::vector<double>& row, const Belief& belief) const
+{
+    double all = 0;
+    for (const double value : row)
+        all += value;
+    const double jumped = belief.jump * all / static_cast<double>(m_recordings);
+    std::vector<double> in(m_recordings, jumped);
+    for (const Gap& gap : gaps) {
+        double passing = 0;
+        for (size_t r = 0; r < m_recordings; ++r) {
+            passing = row[r] + gap.skip * passing;
+            in[r] += belief.inOrder * gap.share * (1 - gap.skip) * passing;
+        }
+    }
+    return in;
+}
+
+// The way back: from the worth of each recording to that of each place before it.
+std::vector<double> Alignment::departures(const std::vector<double>& worth,
+                                          const Belief& belief) const
+{
+    double all = 0;
+    for (const double value : worth)
+        all += value;
+    const double jumped = belief.jump * all / static_cast<double>(m_recordings);
+    std::vector<double> out(m_recordings + 1, jumped);
+    for (const Gap& gap : gaps) {
+        double passing = 0;
+        for (size_t r = m_recordings; r-- > 0;) {
+            passing = worth[r] + gap.skip * passing;
+            out[r] += belief.inOrder * gap.share * (1 - gap.skip) * passing;
+        }
+    }
+    return out;
+}
+
+double Alignment::strayFit(const Segment& segment, const Belief& belief) const
+{
+    double fit = 0;
+    for (const Candidate& candidate : segment.candidates)
+        fit += candidate.fit;
+    return fit * belief.stray / static_cast<double>(m_recordings);
+}
+
+void scaleToOne(ScaledRow& row)
+{
+    const double largest = *std::max_element(row.values.begin(), row.values.end());
+    if (!(largest > 0))
+        return;
+    for (double& value : row.values)
+        value /= largest;
+    row.logScale += std::log(largest);
+}
+
+// A row is a place per recording: 0 before the first one, r + 1 after recording r.
+void Alignment::forwards(const Belief& belief)
+{
+    m_forward.assign(m_videos + 1, {});
+    m_forward[0] = {std::vector<double>(m_recordings + 1, 0.0), 0.0};
+    m_forward[0].values[0] = 1;
+    std::vector<std::vector<double>> arriving(m_videos); // for the segments still to end
+    for (size_t after = 1; after <= m_videos; ++after) {
+        const ScaledRow& before = m_forward[after - 1];
+        if (!m_startingAt[after - 1].empty())
+            arriving[after - 1] = arrivals(before.values, belief);
+        ScaledRow& row = m_forward[after];
+        row.logScale = before.logScale;
+        for (const size_t s : m_endingAt[after])
+            row.logScale = std::max(row.logScale,
+                                    m_forward[static_cast<size_t>(m_segments[s].first)].logScale);
+        const auto factor = [&row](const ScaledRow& from) {
+            return std::exp(from.logScale - row.logScale);
+        };
+        row.values = before.values;
+        for (double& value : row.values)
+            value *= videoHasNoLog * factor(before);
+        for (const size_t s : m_endingAt[after]) {
+            const Segment& segment = m_segments[s];
+            const auto first = static_cast<size_t>(segment.first);
+            const double paired = (1 - videoHasNoLog) * factor(m_forward[first]);
+            for (const Candidate& candidate : segment.candidates) {
+                const auto r = static_cast<size_t>(candidate.recording);
+                row.values[r + 1] += paired * arriving[first][r] * candidate.fit;
+            }
+            const double stray = paired * strayFit(segment, belief);
+            for (size_t place = 0; place <= m_recordings; ++place)
+                row.values[place] += stray * m_forward[first].values[place];
+        }
+        scaleToOne(row);
+        if (after >= mostParts)
+            arriving[after - mostParts].clear();
+    }
+}
+
+// Adds the ways on from a segment to `worth` (by its recordings) and `row` (out of order), and
+// takes the share of all ways that lead through each of its candidates.
+void Alignment::addWaysOn(size_t segmentNumber, const Belief& belief, const Rest& rest,
+                          std::vector<double>& worth, ScaledRow& row, Outcome& outcome) const
+{
+    const Segment& segment = m_segments[segmentNumber];
+    const ScaledRow& before = m_forward[static_cast<size_t>(segment.first)];
+    const double paired = (1 - videoHasNoLog) * std::exp(rest.row.logScale - row.logScale);
+    const double share =
+        (1 - videoHasNoLog) * std::exp(before.logScale + rest.row.logScale - rest.logAllWays);
+    double passing = 0;
+    for (size_t place = 0; place <= m_recordings; ++place)
+        passing += before.values[place] * rest.row.values[place];
+    passing *= belief.stray / static_cast<double>(m_recordings);
+    size_t number = m_firstCandidate[segmentNumber];
+    for (const Candidate& candidate : segment.candidates) {
+        const auto r = static_cast<size_t>(candidate.recording);
+        worth[r] += paired * candidate.fit * rest.row.values[r + 1];
+        outcome.probabilities[number++] =
+            share * candidate.fit * (rest.arriving[r] * rest.row.values[r + 1] + passing);
+    }
+    const double stray = paired * strayFit(segment, belief);
+    for (size_t place = 0; place <= m_recordings; ++place)
+        row.values[place] += stray * rest.row.values[place];
+}
+
+Alignment::Outcome Alignment::backwards(const Belief& belief) const
+{
+    const ScaledRow& end = m_forward[m_videos];
+    const double logAllWays =
+        std::log(std::accumulate(end.values.begin(), end.values.end(), 0.0)) + end.logScale;
+    Outcome outcome;
+    outcome.logWeight = logAllWays + std::log(belief.prior);
+    outcome.probabilities.resize(m_candidates);
+    std::vector<ScaledRow> backward(m_videos + 1);
+    backward[m_videos] = {std::vector<double>(m_recordings + 1, 1.0), 0.0};
+    for (size_t video = m_videos; video-- > 0;) {
+        const ScaledRow& next = backward[video + 1];
+        const auto restAfter = [&](size_t s) -> const ScaledRow& {
+            return backward[video + static_cast<size_t>(m_segments[s].count)];
+        };
+        ScaledRow& row = backward[video];
+        row.logScale = next.logScale;
+        for (const size_t s : m_startingAt[video])
+            row.logScale = std::max(row.logScale, restAfter(s).logScale);
+        const double unpaired = videoHasNoLog * std::exp(next.logScale - row.logScale);
+        row.values = next.values;
+        for (double& value : row.values)
+            value *= unpaired;
+        if (!m_startingAt[video].empty()) {
+            const std::vector<double> arriving = arrivals(m_forward[video].values, belief);
+            std::vector<double> worth(m_recordings, 0.0);
+            for (const size_t s : m_startingAt[video])
+                addWaysOn(s, belief, {restAfter(s), arriving, logAllWays}, worth, row, outcome);
+            const std::vector<double> out = departures(worth, belief);
+            for (size_t place = 0; place <= m_recordings; ++place)
+                row.values[place] += out[place];
+        }
+        scaleToOne(row);
+        if (video + mostParts + 1 <= m_videos)
+            backward[video + mostParts + 1] = {}; // no segment reaches that far
+    }
+    return outcome;
+}
+
+Alignment::Outcome Alignment::passBothWays(const Belief& belief)
+{
+    forwards(belief);
+    return backwards(belief);
+}
+
+void Alignment::run(const AlignmentInput& input)
+{
+    if (m_segments.empty())
+        return;
+    std::vector<Belief> beliefs;
+    for (const bool times : {true, false}) {
+        if (times && !input.timeFit)
+            continue;
+        const double prior = !input.timeFit ? 1 : times ? timesAreKept : 1 - timesAreKept;
+        beliefs.push_back({prior * namesAreInOrder, 1 - jumpsInOrder - strayInOrder, jumpsInOrder,
+                           strayInOrder, times});
+        beliefs.push_back({prior * (1 - namesAreInOrder), 0, 0, 1, times});
+    }
+    if (m_videos * m_recordings > mostCells)
+        beliefs.erase(std::remove_if(beliefs.begin(), beliefs.end(),
+                                     [](const Belief& belief) { return belief.inOrder > 0; }),
+                      beliefs.end());
+    std::vector<Outcome> outcomes;
+    double best = minusInfinity;
+    for (const Belief& belief : beliefs) {
+        weigh(input, belief.times);
+        outcomes.push_back(belief.inOrder > 0 ? passBothWays(belief) : passInNoOrder(belief));
+        best = std::max(best, outcomes.back().logWeight);
+    }
+    m_forward.clear();
+    double all = 0;
+    for (const Outcome& outcome : outcomes)
+        all += std::exp(outcome.logWeight - best);
+    m_probabilities.assign(outcomes.front().probabilities.size(), 0.0);
+    for (const Outcome& outcome : outcomes) {
+        const double share = std::exp(outcome.logWeight - best) / all;
+        for (size_t c = 0; c < m_probabilities.size(); ++c)
+            m_probabilities[c] += share * outcome.probabilities[c];
+    }
+}
+
+// Without an order the places do not matter: one number in place of a row.
+Alignment::Outcome Alignment::passInNoOrder(const Belief& belief) const
+{
+    Outcome outcome;
+    std::vector<double> forward(m_videos + 1, minusInfinity); // logarithms
+    std::vector<double> backward(m_videos + 1, minusInfinity);
+    const auto add = [](double& sum, double what) {
+        const double larger = std::max(sum, what);
+        if (larger > minusInfinity)
+            sum = larger + std::log1p(std::exp(std::min(sum, what) - larger));
+    };
+    const double unpaired = std::log(videoHasNoLog);
+    const auto pairedLog = [&](const Segment& segment) {
+        return std::log((1 - videoHasNoLog) * strayFit(segment, belief));
+    };
+    forward[0] = 0;
+    for (size_t after = 1; after <= m_videos; ++after) {
+        add(forward[after], forward[after - 1] + unpaired);
+        for (const size_t s : m_endingAt[after])
+            add(forward[after],
+                forward[static_cast<size_t>(m_segments[s].first)] + pairedLog(m_segments[s]));
+    }
+    backward[m_videos] = 0;
+    for (size_t video = m_videos; video-- > 0;) {
+        add(backward[video], backward[video + 1] + unpaired);
+        for (const size_t s : m_startingAt[video])
+            add(backward[video], backward[video + static_cast<size_t>(m_segments[s].count)] +
+                                     pairedLog(m_segments[s]));
+    }
+    outcome.logWeight = forward[m_videos] + std::log(belief.prior);
+    for (const Segment& segment : m_segments) {
+        const auto first = static_cast<size_t>(segment.first);
+        const double around =
+            std::exp(forward[first] + backward[first + static_cast<size_t>(segment.count)] -
+                     forward[m_videos]) *
+            (1 - videoHasNoLog) * belief.stray / static_cast<double>(m_recordings);
+        for (const Candidate& candidate : segment.candidates)
+            outcome.probabilities.push_back(around * candidate.fit);
+    }
+    return outcome;
+}
+
+std::vector<std::vector<AlignmentClaim>> Alignment::claims() const
+{
+    std::vector<std::vector<AlignmentClaim>> claims(m_videos);
+    if (m_segments.empty())
+        return claims;
+    std::vector<double> claimed(m_recordings, 0.0);
+    size_t c = 0;
+    for (const Segment& segment : m_segments)
+        for (const Candidate& candidate : segment.candidates)
+            claimed[static_cast<size_t>(candidate.recording)] += m_probabilities[c++];
+    c = 0;
+    for (const Segment& segment : m_segments) {
+        for (const Candidate& candidate : segment.candidates) {
+            const double share = std::max(1.0, claimed[static_cast<size_t>(candidate.recording)]);
+            const AlignmentClaim claim{candidate.recording, segment.first, segment.count,
+                                       m_probabilities[c++] / share};
+            for (int part = 0; part < segment.count; ++part)
+                claims[static_cast<size_t>(segment.first + part)].push_back(claim);
+        }
+    }
+    return claims;
+}
+
+} // namespace
+
+bool lengthsAgree(qint64 videoMs, qint64 recordingMs)
+{
+    return std::abs(videoMs - recordingMs) < agreementMs;
+}
+
+std::vector<std::vector<AlignmentClaim>> alignFlights(const AlignmentInput& input)
+{
+    Alignment alignment(input);
+    alignment.run(input);
+    return alignment.claims();
+}
+
+} // namespace corv

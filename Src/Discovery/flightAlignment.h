@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QtGlobal>
+#include <functional>
+#include <vector>
+
+namespace corv {
+
+/// Videos and recordings as the alignment sees them, both in the order of their names. Lengths are
+/// in milliseconds.
+struct AlignmentInput
+{
+    struct Video
+    {
+        qint64 lengthMs = -1;         ///< exact; 0 or less if unknown
+        bool continuesFlight = false; ///< its name makes it a possible next part of the one before
+    };
+
+    std::vector<Video> videos;
+    std::vector<qint64> recordingsMs; ///< from the logged start to the logged stop
+
+    /// How much better the file times fit if the flight whose last part is `video` is `recording`
+    /// than if it is not: above 1 speaks for it. Only asked while times are believed.
+    std::function<double(int video, int recording)> timeFit;
+};
+
+/// The belief that videos `first` to `first + count - 1`, as the parts of one flight, are one
+/// recording.
+struct AlignmentClaim
+{
+    int recording = -1;
+    int first = -1;
+    int count = 1;
+    double probability = 0;
+};
+
+/// True if a video of that length can be that recording: they differ by less than three seconds.
+bool lengthsAgree(qint64 videoMs, qint64 recordingMs);
+
+/// For each video, all claims that it is part of. Sequence alignment by dynamic programming over
+/// all ways to pair the videos with recordings of agreeing length, either in the order of names,
+/// with gaps on both sides and few jumps, or in no order; either with believed times or without.
+/// A claim's probability is the share of those ways that contain it, weighed by how well they fit.
+/// No recording is shared out by more than its whole. Pure; any thread.
+std::vector<std::vector<AlignmentClaim>> alignFlights(const AlignmentInput& input);
+
+} // namespace corv

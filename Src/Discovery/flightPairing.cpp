@@ -1,0 +1,341 @@
+#include "Discovery/flightPairing.h"
+
+#include "Discovery/flightAlignment.h"
+
+#include <QFileInfo>
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <numeric>
+
+namespace corv {
+namespace {
+
+// Below these a person should look at the pair. Times and lengths that agree by accident are rare;
+// lengths alone agree more often.
+constexpr double certainByTimeAndLength = 0.95;
+constexpr double certainByLength = 0.998;
+constexpr double likely = 0.5;
+
+struct Recording
+{
+    int log;
+    int index; // among those of the log
+    qint64 lengthMs;
+    qint64 untilLastStopMs;
+};
+
+bool isWhole(const RecEvent& event)
+{
+    return event.startTime != 0 && event.stopTime > event.startTime;
+}
+
+qint64 lengthOf(const RecEvent& event)
+{
+    return static_cast<qint64>(event.stopTime) - static_cast<qint64>(event.startTime);
+}
+
+// Positions of the files in the order of their names.
+template <typename File>
+std::vector<size_t> orderOfNames(const std::vector<File>& files)
+{
+    std::vector<size_t> order(files.size());
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&files](size_t a, size_t b) {
+        return namesInOrder(files[a].path, files[b].path);
+    });
+    return order;
+}
+
+std::vector<Recording> recordingsInOrder(const std::vector<PairingLog>& logs)
+{
+    std::vector<Recording> recordings;
+    for (const size_t log : orderOfNames(logs)) {
+        quint32 lastStop = 0;
+        for (const RecEvent& event : logs[log].recordings)
+            lastStop = std::max(lastStop, event.stopTime);
+        for (size_t i = 0; i < logs[log].recordings.size(); ++i) {
+            const RecEvent& event = logs[log].recordings[i];
+            if (isWhole(event))
+                recordings.push_back(
+                    {static_cast<int>(log), static_cast<int>(i), lengthOf(event),
+                     static_cast<qint64>(lastStop) - static_cast<qint64>(event.stopTime)});
+        }
+    }
+    return recordings;
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+// How long after a video its log is written: typical of a card, and learnt from the pairs whose
+// times and lengths agree.
+class LogDelay
+{
+public:
+    LogDelay(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs,
+             const std::vector<Recording>& recordings)
+        : m_videos(videos), m_logs(logs)
+    {
+        std::vector<double> delays;
+        for (const PairingVideo& video : videos) {
+            double nearest = -1;
+            for (const Recording& recording : recordings)
+                if (recording.log == video.logByTime &&
+                    lengthsAgree(video.lengthMs, recording.lengthMs))
+                    nearest = delaySecs(video, recording);
+            if (nearest >= 0)
+                delays.push_back(nearest);
+        }
+        if (delays.size() < 3)
+            return;
+        m_typicalSecs = median(delays);
+        for (double& delay : delays)
+            delay = std::abs(delay - m_typicalSecs);
+        m_spreadSecs = std::max(20.0, 1.5 * median(delays));
+    }
+
+    double fit(const PairingVideo& video, const Recording& recording) const
+    {
+        constexpr double longestSecs = 1800;
+        constexpr double anyOrder = 0.02;
+        const PairingLog& log = m_logs[static_cast<size_t>(recording.log)];
+        if (video.timeMs < 0 || log.timeMs < 0)
+            return 1;
+        const double wholeSecs = static_cast<double>(log.timeMs - video.timeMs) / 1000;
+        if (wholeSecs < -3 || wholeSecs >= longestSecs + 3)
+            return anyOrder;
+        const double apart = std::abs(delaySecs(video, recording) - m_typicalSecs);
+        const double near = std::exp(-apart / m_spreadSecs) / (2 * m_spreadSecs);
+        return std::min(20.0, 0.95 * near * longestSecs + 0.05);
+    }
+
+private:
+    // From the end of the video to the writing of the log, less what the log itself says lies
+    // between; where the two clocks disagree, the file times alone.
+    double delaySecs(const PairingVideo& video, const Recording& recording) const
+    {
+        const qint64 wholeMs = m_logs[static_cast<size_t>(recording.log)].timeMs - video.timeMs;
+        const qint64 restMs = wholeMs - recording.untilLastStopMs;
+        return static_cast<double>(restMs >= -3000 ? std::max(qint64(0), restMs) : wholeMs) / 1000;
+    }
+
+    const std::vector<PairingVideo>& m_videos;
+    const std::vector<PairingLog>& m_logs;
+    double m_typicalSecs = 60;
+    double m_spreadSecs = 300;
+};
+
+// What the alignment believes of one video and one log: all its recordings together, the most
+// likely one by name.
+struct LogBelief
+{
+    double probability = 0;
+    AlignmentClaim best;
+};
+
+class Decision
+{
+public:
+    Decision(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs);
+    std::vector<Pairing> take();
+
+private:
+    Pairing decide(size_t place) const;
+    LogBelief beliefIn(size_t place, int log) const;
+    LogBelief mostLikely(size_t place) const;
+    void addClaim(const AlignmentClaim& claim, Pairing& pairing) const;
+    void addNearestLength(Pairing& pairing) const;
+    bool canCompare(int log) const;
+
+    const std::vector<PairingVideo>& m_videos;
+    std::vector<size_t> m_order; // positions of the videos by name
+    std::vector<Recording> m_recordings;
+    std::vector<std::vector<AlignmentClaim>> m_claims; // by place in m_order
+};
+
+Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs)
+    : m_videos(videos), m_order(orderOfNames(videos)), m_recordings(recordingsInOrder(logs))
+{
+    AlignmentInput input;
+    for (size_t place = 0; place < m_order.size(); ++place) {
+        const PairingVideo& video = videos[m_order[place]];
+        const bool continues = place > 0 && isNextPart(videos[m_order[place - 1]].path, video.path);
+        input.videos.push_back({video.lengthMs, continues});
+    }
+    for (const Recording& recording : m_recordings)
+        input.recordingsMs.push_back(recording.lengthMs);
+    const LogDelay delay(videos, logs, m_recordings);
+    input.timeFit = [&](int place, int recording) {
+        return delay.fit(videos[m_order[static_cast<size_t>(place)]],
+                         m_recordings[static_cast<size_t>(recording)]);
+    };
+    m_claims = alignFlights(input);
+}
+
+LogBelief Decision::beliefIn(size_t place, int log) const
+{
+    LogBelief belief;
+    for (const AlignmentClaim& claim : m_claims[place]) {
+        if (m_recordings[static_cast<size_t>(claim.recording)].log != log)
+            continue;
+        belief.probability += claim.probability;
+        if (claim.probability >= belief.best.probability)
+            belief.best = claim;
+    }
+    return belief;
+}
+
+LogBelief Decision::mostLikely(size_t place) const
+{
+    LogBelief best;
+    for (const AlignmentClaim& claim : m_claims[place]) {
+        const LogBelief belief =
+            beliefIn(place, m_recordings[static_cast<size_t>(claim.recording)].log);
+        if (belief.probability > best.probability)
+            best = belief;
+    }
+    return best;
+}
+
+void Decision::addClaim(const AlignmentClaim& claim, Pairing& pairing) const
+{
+    const Recording& recording = m_recordings[static_cast<size_t>(claim.recording)];
+    pairing.log = recording.log;
+    pairing.recording = recording.index;
+    pairing.recordingMs = recording.lengthMs;
+    pairing.videoMs = 0;
+    for (int part = 0; part < claim.count; ++part) {
+        const size_t video = m_order[static_cast<size_t>(claim.first + part)];
+        pairing.files.push_back(video);
+        pairing.videoMs += m_videos[video].lengthMs;
+    }
+}
+
+void Decision::addNearestLength(Pairing& pairing) const
+{
+    for (const Recording& recording : m_recordings) {
+        if (recording.log == pairing.log &&
+            (pairing.recordingMs < 0 || std::abs(recording.lengthMs - pairing.videoMs) <
+                                            std::abs(pairing.recordingMs - pairing.videoMs)))
+            pairing.recordingMs = recording.lengthMs;
+    }
+}
+
+bool Decision::canCompare(int log) const
+{
+    return std::any_of(m_recordings.begin(), m_recordings.end(),
+                       [log](const Recording& recording) { return recording.log == log; });
+}
+
+Pairing Decision::decide(size_t place) const
+{
+    const PairingVideo& video = m_videos[m_order[place]];
+    Pairing pairing;
+    pairing.videoMs = video.lengthMs > 0 ? video.lengthMs : -1;
+    const LogBelief byTime = beliefIn(place, video.logByTime);
+    const LogBelief best = mostLikely(place);
+    // Neighbours that only together are as long as a recording are hardly one flight.
+    const bool lengthAgrees = video.logByTime >= 0 && byTime.best.recording >= 0 &&
+                              (byTime.best.count == 1 || byTime.probability >= likely);
+    // Times that lengths do not contradict stand, unless another log is all but certain.
+    const bool contradicted =
+        video.logByTime < 0 || (video.lengthMs > 0 && canCompare(video.logByTime));
+    const bool replaced = contradicted && !lengthAgrees
+                              ? best.probability >= likely
+                              : byTime.probability < 0.05 && best.probability > 0.9;
+    if (replaced) {
+        addClaim(best.best, pairing);
+        pairing.evidence = PairingEvidence::Length;
+        pairing.doubtful = best.probability < certainByLength;
+    } else if (lengthAgrees) {
+        addClaim(byTime.best, pairing);
+        pairing.evidence = PairingEvidence::TimeAndLength;
+        pairing.doubtful = byTime.probability < certainByTimeAndLength;
+    } else if (video.logByTime >= 0) {
+        pairing.log = video.logByTime;
+        if (contradicted)
+            addNearestLength(pairing);
+        pairing.evidence = contradicted ? PairingEvidence::LengthDiffers : PairingEvidence::Time;
+        pairing.doubtful = contradicted || best.probability >= likely;
+    }
+    return pairing;
+}
+
+std::vector<Pairing> Decision::take()
+{
+    std::vector<Pairing> pairings(m_videos.size());
+    for (size_t place = 0; place < m_order.size(); ++place)
+        pairings[m_order[place]] = decide(place);
+    return pairings;
+}
+
+} // namespace
+
+std::vector<Pairing> pairFlights(const std::vector<PairingVideo>& videos,
+                                 const std::vector<PairingLog>& logs)
+{
+    return Decision(videos, logs).take();
+}
+
+bool namesInOrder(const QString& a, const QString& b)
+{
+    int i = 0;
+    int j = 0;
+    const auto numberEnd = [](const QString& text, int from) {
+        while (from < text.size() && text[from].isDigit())
+            ++from;
+        return from;
+    };
+    while (i < a.size() && j < b.size()) {
+        if (a[i].isDigit() && b[j].isDigit()) {
+            const int iEnd = numberEnd(a, i);
+            const int jEnd = numberEnd(b, j);
+            while (i < iEnd - 1 && a[i] == QLatin1Char('0'))
+                ++i;
+            while (j < jEnd - 1 && b[j] == QLatin1Char('0'))
+                ++j;
+            if (iEnd - i != jEnd - j)
+                return iEnd - i < jEnd - j;
+            const int order = a.midRef(i, iEnd - i).compare(b.midRef(j, jEnd - j));
+            if (order != 0)
+                return order < 0;
+            i = iEnd;
+            j = jEnd;
+            continue;
+        }
+        // A separator comes before all letters, so that a folder's files stay together.
+        const ushort x = a[i] == QLatin1Char('/') ? 0 : a[i].toCaseFolded().unicode();
+        const ushort y = b[j] == QLatin1Char('/') ? 0 : b[j].toCaseFolded().unicode();
+        if (x != y)
+            return x < y;
+        ++i;
+        ++j;
+    }
+    return a.size() - i < b.size() - j;
+}
+
+bool isNextPart(const QString& path, const QString& next)
+{
+    const QFileInfo before(path);
+    const QFileInfo after(next);
+    const QString base = before.completeBaseName();
+    const QString nextBase = after.completeBaseName();
+    constexpr int digits = 4;
+    if (!base.startsWith(QLatin1String("CORV")) || base.size() < 2 * digits ||
+        base.size() != nextBase.size() || before.path() != after.path() ||
+        before.suffix() != after.suffix() ||
+        base.leftRef(base.size() - digits) != nextBase.leftRef(base.size() - digits))
+        return false;
+    bool isNumber = false;
+    bool isNextNumber = false;
+    const int number = base.rightRef(digits).toInt(&isNumber);
+    const int nextNumber = nextBase.rightRef(digits).toInt(&isNextNumber);
+    return isNumber && isNextNumber && nextNumber == number + 1;
+}
+
+} // namespace corv

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Log/LogSyncResult.h"
+
+#include <QString>
+#include <QtGlobal>
+#include <vector>
+
+namespace corv {
+
+/// What a pairing of a video with a log rests on.
+enum class PairingEvidence {
+    None,          ///< no log
+    Time,          ///< the file times; no lengths to compare
+    LengthDiffers, ///< the file times alone: no recording of the log is as long as the video
+    Length,        ///< the lengths and the order of names
+    TimeAndLength
+};
+
+/// A video as the pairing sees it.
+struct PairingVideo
+{
+    QString path;
+    qint64 timeMs = -1;   ///< of the last write, since the epoch; negative if unknown
+    qint64 lengthMs = -1; ///< exact; 0 or less if unknown
+    int logByTime = -1;   ///< position of the log that the file times give it, -1 for none
+};
+
+/// A log as the pairing sees it. One that could not be read has no recordings.
+struct PairingLog
+{
+    QString path;
+    qint64 timeMs = -1;
+    std::vector<RecEvent> recordings;
+};
+
+/// The log of one video and how sure that is.
+struct Pairing
+{
+    int log = -1;       ///< -1 for none
+    int recording = -1; ///< position in the log's recordings; -1 if no length agrees
+    PairingEvidence evidence = PairingEvidence::None;
+    bool doubtful = false; ///< another answer is likely enough that a person should look
+    qint64 videoMs = -1;   ///< exact length of the flight, all its parts; -1 if unknown
+    qint64 recordingMs =
+        -1; ///< logged length of `recording`, else the log's nearest one; -1 if none
+    std::vector<size_t> files; ///< positions of the videos that are the recording, in order; empty
+                               ///< if no length agrees
+};
+
+/// Decides which log belongs to each video. The file times come first; their evidence is a
+/// recording of about the length of the video. All videos are aligned with all recordings by length
+/// and by the order of names, the parts of one flight together. That replaces a pair whose lengths
+/// differ, fills gaps, and shows which pairs are not certain. A pair by time with nothing better
+/// stays, doubtful; where nothing decides there is no log. Pure; any thread.
+std::vector<Pairing> pairFlights(const std::vector<PairingVideo>& videos,
+                                 const std::vector<PairingLog>& logs);
+
+/// The order of file names as a person reads them: numbers by their value, letters without case.
+bool namesInOrder(const QString& a, const QString& b);
+
+/// True if `next` can be the part of a flight that follows `path`: the same folder, the same name
+/// but for the number at its end, which is one higher.
+bool isNextPart(const QString& path, const QString& next);
+
+} // namespace corv

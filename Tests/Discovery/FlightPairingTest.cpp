@@ -1,0 +1,390 @@
+#include "Discovery/flightPairing.h"
+#include "Discovery/flightAlignment.h"
+#include "GeneratedCards.h"
+
+#include <QHash>
+#include <QtTest>
+#include <cmath>
+
+using namespace corv;
+using namespace corv::test;
+
+Q_DECLARE_METATYPE(corv::PairingEvidence)
+
+namespace {
+
+constexpr qint64 kMorningMs = 1'527'840'000'000;
+
+PairingVideo video(const QString& name, qint64 lengthMs, int logByTime, qint64 second = 0)
+{
+    return {"/card/" + name, kMorningMs + second * 1000, lengthMs, logByTime};
+}
+
+// A log with recordings of these lengths, a minute apart.
+PairingLog logOf(const QString& name, const std::vector<qint64>& lengthsMs, qint64 second = 60)
+{
+    PairingLog log{"/card/" + name, kMorningMs + second * 1000, {}};
+    qint64 nowMs = 10'000;
+    for (const qint64 lengthMs : lengthsMs) {
+        log.recordings.push_back(
+            {static_cast<quint32>(nowMs), static_cast<quint32>(nowMs + lengthMs)});
+        nowMs += lengthMs + 60'000;
+    }
+    return log;
+}
+
+QList<int> logsOf(const std::vector<Pairing>& pairings)
+{
+    QList<int> logs;
+    for (const Pairing& pairing : pairings)
+        logs.append(pairing.log);
+    return logs;
+}
+
+} // namespace
+
+class FlightPairingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void oneVideoAndOneLog_data();
+    void oneVideoAndOneLog();
+    void lengthsAgreeBelowThreeSeconds_data();
+    void lengthsAgreeBelowThreeSeconds();
+    void lostTimesAreReplacedByLengths();
+    void orderOfNamesDecidesBetweenEqualLengths();
+    void gapInTimesIsFilledByLength();
+    void contradictedPairGetsTheBetterLog();
+    void sharedLogKeepsOnlyTheVideosItHolds();
+    void partsOfOneFlightAreOneRecording();
+    void consecutiveNumbersCanBeSeparateFlights();
+    void nothingIsGuessedWhereNothingFits();
+    void cardsInSeveralBlocksAreAligned();
+    void namesAreOrderedAsPeopleReadThem_data();
+    void namesAreOrderedAsPeopleReadThem();
+    void nextPartHasTheNextNumber_data();
+    void nextPartHasTheNextNumber();
+    void claimsAreShares();
+    void manyFlightsStayInTheRangeOfNumbers();
+    void generatedCardsArePairedRight();
+};
+
+void FlightPairingTest::oneVideoAndOneLog_data()
+{
+    QTest::addColumn<qint64>("videoMs");
+    QTest::addColumn<int>("logByTime");
+    QTest::addColumn<QList<qint64>>("recordingsMs");
+    QTest::addColumn<PairingEvidence>("evidence");
+    QTest::addColumn<bool>("doubtful");
+    QTest::addColumn<qint64>("recordingMs");
+
+    using Evidence = PairingEvidence;
+    const QList<qint64> fitting = {35'000, 61'000};
+    QTest::newRow("time and length")
+        << qint64(60'000) << 0 << fitting << Evidence::TimeAndLength << false << qint64(61'000);
+    QTest::newRow("length differs")
+        << qint64(21'000) << 0 << fitting << Evidence::LengthDiffers << true << qint64(35'000);
+    QTest::newRow("length alone") << qint64(60'000) << -1 << fitting << Evidence::Length << true
+                                  << qint64(61'000);
+    QTest::newRow("unknown length")
+        << qint64(-1) << 0 << fitting << Evidence::Time << false << qint64(-1);
+    QTest::newRow("no whole recording")
+        << qint64(60'000) << 0 << QList<qint64>{} << Evidence::Time << false << qint64(-1);
+    QTest::newRow("recording without a stop")
+        << qint64(60'000) << 0 << QList<qint64>{0} << Evidence::Time << false << qint64(-1);
+    QTest::newRow("nothing") << qint64(21'000) << -1 << fitting << Evidence::None << false
+                             << qint64(-1);
+    QTest::newRow("nothing of an unknown length")
+        << qint64(0) << -1 << fitting << Evidence::None << false << qint64(-1);
+}
+
+void FlightPairingTest::oneVideoAndOneLog()
+{
+    QFETCH(qint64, videoMs);
+    QFETCH(int, logByTime);
+    QFETCH(QList<qint64>, recordingsMs);
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", videoMs, logByTime)},
+                    {logOf("1.log", {recordingsMs.begin(), recordingsMs.end()})});
+    QCOMPARE(pairings.size(), size_t(1));
+    QTEST(pairings[0].evidence, "evidence");
+    QTEST(pairings[0].doubtful, "doubtful");
+    QTEST(pairings[0].recordingMs, "recordingMs");
+    QCOMPARE(pairings[0].log, pairings[0].evidence == PairingEvidence::None ? -1 : 0);
+    QCOMPARE(pairings[0].videoMs, videoMs > 0 ? videoMs : -1);
+}
+
+void FlightPairingTest::lengthsAgreeBelowThreeSeconds_data()
+{
+    QTest::addColumn<qint64>("recordingMs");
+    QTest::addColumn<bool>("agree");
+    QTest::newRow("equal") << qint64(60'000) << true;
+    QTest::newRow("2999 ms longer") << qint64(62'999) << true;
+    QTest::newRow("3000 ms longer") << qint64(63'000) << false;
+    QTest::newRow("2999 ms shorter") << qint64(57'001) << true;
+    QTest::newRow("3000 ms shorter") << qint64(57'000) << false;
+}
+
+void FlightPairingTest::lengthsAgreeBelowThreeSeconds()
+{
+    QFETCH(qint64, recordingMs);
+    QTEST(lengthsAgree(60'000, recordingMs), "agree");
+}
+
+void FlightPairingTest::lostTimesAreReplacedByLengths()
+{
+    // Logs copied after the videos: the first of them is the next one after every video.
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", 300'000, 0, 0), video("CORV0002.MOV", 500'000, 0, 2),
+                     video("CORV0003.MOV", 700'000, 0, 4)},
+                    {logOf("a.log", {301'000}, 10), logOf("b.log", {501'000}, 11),
+                     logOf("c.log", {701'000}, 12)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 1, 2}));
+    QCOMPARE(pairings[0].evidence, PairingEvidence::TimeAndLength);
+    QCOMPARE(pairings[1].evidence, PairingEvidence::Length);
+    QCOMPARE(pairings[2].evidence, PairingEvidence::Length);
+    QCOMPARE(pairings[2].videoMs, qint64(700'000));
+    QCOMPARE(pairings[2].recordingMs, qint64(701'000));
+}
+
+void FlightPairingTest::orderOfNamesDecidesBetweenEqualLengths()
+{
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+    for (int i = 0; i < 6; ++i) {
+        // In reverse, so that the order given is not the order of names.
+        videos.push_back(video(QStringLiteral("CORV000%1.MOV").arg(6 - i), 600'000, -1));
+        logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(i + 8), {601'000}));
+    }
+    QCOMPARE(logsOf(pairFlights(videos, logs)), QList<int>({5, 4, 3, 2, 1, 0}));
+}
+
+void FlightPairingTest::gapInTimesIsFilledByLength()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", 300'000, 0, 0), video("CORV0002.MOV", 500'000, -1, 3000),
+                     video("CORV0003.MOV", 700'000, 2, 10'000)},
+                    {logOf("a.log", {301'000}, 60), logOf("b.log", {501'000}, 6000),
+                     logOf("c.log", {701'000}, 10'060)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 1, 2}));
+    QCOMPARE(pairings[0].evidence, PairingEvidence::TimeAndLength);
+    QCOMPARE(pairings[1].evidence, PairingEvidence::Length);
+}
+
+void FlightPairingTest::contradictedPairGetsTheBetterLog()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", 300'000, 1, 0), video("CORV0003.MOV", 900'000, 1, 20)},
+                    {logOf("a.log", {301'000}, 4000), logOf("b.log", {701'000}, 60)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 1}));
+    QCOMPARE(pairings[0].evidence, PairingEvidence::Length);
+    // Nothing better for this one: it stays, to be looked at.
+    QCOMPARE(pairings[1].evidence, PairingEvidence::LengthDiffers);
+    QVERIFY(pairings[1].doubtful);
+    QCOMPARE(pairings[1].videoMs, qint64(900'000));
+    QCOMPARE(pairings[1].recordingMs, qint64(701'000));
+}
+
+void FlightPairingTest::sharedLogKeepsOnlyTheVideosItHolds()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", 300'000, 0, 0), video("CORV0002.MOV", 500'000, 0, 600),
+                     video("CORV0005.MOV", 200'000, 0, 900)},
+                    {logOf("day.log", {301'000, 501'000}, 1200)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 0, 0}));
+    QCOMPARE(pairings[0].evidence, PairingEvidence::TimeAndLength);
+    QCOMPARE(pairings[0].recording, 0);
+    QCOMPARE(pairings[1].recording, 1);
+    QCOMPARE(pairings[2].evidence, PairingEvidence::LengthDiffers);
+    QVERIFY(pairings[2].doubtful);
+}
+
+void FlightPairingTest::partsOfOneFlightAreOneRecording()
+{
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0007.MOV", 300'000, 0, 0), video("CORV0008.MOV", 300'000, 0, 300),
+         video("CORV0009.MOV", 120'000, 0, 420), video("CORV0010.MOV", 90'000, 1, 2000)},
+        {logOf("a.log", {721'000}, 480), logOf("b.log", {91'000}, 2060)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 0, 0, 1}));
+    for (size_t part = 0; part < 3; ++part) {
+        QCOMPARE(pairings[part].evidence, PairingEvidence::TimeAndLength);
+        QVERIFY(!pairings[part].doubtful);
+        QCOMPARE(pairings[part].files, std::vector<size_t>({0, 1, 2}));
+        QCOMPARE(pairings[part].videoMs, qint64(720'000));
+        QCOMPARE(pairings[part].recordingMs, qint64(721'000));
+    }
+    QCOMPARE(pairings[3].files, std::vector<size_t>({3}));
+}
+
+void FlightPairingTest::consecutiveNumbersCanBeSeparateFlights()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", 300'000, 0, 0), video("CORV0002.MOV", 500'000, 1, 2000)},
+                    {logOf("a.log", {301'000}, 60), logOf("b.log", {501'000}, 2060)});
+    QCOMPARE(pairings[0].files, std::vector<size_t>({0}));
+    QCOMPARE(pairings[1].files, std::vector<size_t>({1}));
+}
+
+void FlightPairingTest::nothingIsGuessedWhereNothingFits()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", 300'000, -1), video("CORV0003.MOV", 400'000, -1)},
+                    {logOf("a.log", {350'000}), logOf("b.log", {})});
+    QCOMPARE(logsOf(pairings), QList<int>({-1, -1}));
+    QCOMPARE(pairings[0].evidence, PairingEvidence::None);
+    QVERIFY(pairings[0].files.empty());
+}
+
+void FlightPairingTest::cardsInSeveralBlocksAreAligned()
+{
+    // Two cards in one folder, the logs of the second first by name.
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+    QList<int> truth;
+    for (int i = 0; i < 12; ++i) {
+        const qint64 lengthMs = 600'000 + (i * 7919) % 120'000;
+        videos.push_back(
+            video(QStringLiteral("CORV%1.MOV").arg(i * 2, 4, 10, QLatin1Char('0')), lengthMs, -1));
+        const int log = (i + 6) % 12;
+        logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(log, 2, 10, QLatin1Char('0')),
+                             {lengthMs + 1000}));
+        truth.append(i);
+    }
+    QCOMPARE(logsOf(pairFlights(videos, logs)), truth);
+}
+
+void FlightPairingTest::namesAreOrderedAsPeopleReadThem_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::newRow("numbers by value") << "LOG9.log"
+                                      << "LOG10.log";
+    QTest::newRow("leading zeros") << "LOG009.log"
+                                   << "LOG10.log";
+    QTest::newRow("letters without case") << "a.log"
+                                          << "B.log";
+    QTest::newRow("shorter first") << "flight"
+                                   << "flight 2";
+    QTest::newRow("folder by folder") << "/a/z.mov"
+                                      << "/a b/c.mov";
+    QTest::newRow("long numbers") << "20180601120000123456789"
+                                  << "20180601120000123456790";
+}
+
+void FlightPairingTest::namesAreOrderedAsPeopleReadThem()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QVERIFY(namesInOrder(first, second));
+    QVERIFY(!namesInOrder(second, first));
+    QVERIFY(!namesInOrder(first, first));
+}
+
+void FlightPairingTest::nextPartHasTheNextNumber_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("next");
+    QTest::addColumn<bool>("continues");
+    QTest::newRow("next") << "/a/CORV0001.MOV"
+                          << "/a/CORV0002.MOV" << true;
+    QTest::newRow("next with a longer name") << "/a/CORVB_0099.MOV"
+                                             << "/a/CORVB_0100.MOV" << true;
+    QTest::newRow("one is missing") << "/a/CORV0001.MOV"
+                                    << "/a/CORV0003.MOV" << false;
+    QTest::newRow("the same") << "/a/CORV0001.MOV"
+                              << "/a/CORV0001.MOV" << false;
+    QTest::newRow("other folder") << "/a/CORV0001.MOV"
+                                  << "/b/CORV0002.MOV" << false;
+    QTest::newRow("other suffix") << "/a/CORV0001.MOV"
+                                  << "/a/CORV0002.mp4" << false;
+    QTest::newRow("other name") << "/a/VID_0001.MOV"
+                                << "/a/VID_0002.MOV" << false;
+    QTest::newRow("no number") << "/a/CORVxxxx.MOV"
+                               << "/a/CORVxxxy.MOV" << false;
+}
+
+void FlightPairingTest::nextPartHasTheNextNumber()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, next);
+    QTEST(isNextPart(path, next), "continues");
+}
+
+void FlightPairingTest::claimsAreShares()
+{
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        const GeneratedCard card = generateCard(seed, drawHistory(seed));
+        AlignmentInput input;
+        for (const PairingVideo& file : card.videos)
+            input.videos.push_back({file.lengthMs, false});
+        for (const PairingLog& log : card.logs)
+            for (const RecEvent& event : log.recordings)
+                input.recordingsMs.push_back(qint64(event.stopTime) - qint64(event.startTime));
+        std::vector<double> shared(input.recordingsMs.size(), 0.0);
+        for (const std::vector<AlignmentClaim>& claims : alignFlights(input)) {
+            double all = 0;
+            for (const AlignmentClaim& claim : claims) {
+                QVERIFY(claim.probability >= 0 && std::isfinite(claim.probability));
+                all += claim.probability;
+                shared[static_cast<size_t>(claim.recording)] += claim.probability;
+            }
+            QVERIFY(all <= 1 + 1e-9);
+        }
+        for (const double share : shared)
+            QVERIFY(share <= 1 + 1e-9);
+    }
+}
+
+void FlightPairingTest::manyFlightsStayInTheRangeOfNumbers()
+{
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+    for (int i = 0; i < 700; ++i) {
+        const qint64 lengthMs = 120'000 + (i * 7919) % 1'080'000;
+        videos.push_back(
+            video(QStringLiteral("CORV%1.MOV").arg(i * 2, 4, 10, QLatin1Char('0')), lengthMs, -1));
+        logs.push_back(logOf(QStringLiteral("%1.log").arg(i), {lengthMs + 1000}));
+    }
+    const std::vector<Pairing> pairings = pairFlights(videos, logs);
+    for (int i = 0; i < 700; ++i)
+        QCOMPARE(pairings[static_cast<size_t>(i)].log, i);
+}
+
+// Other seeds by hand: VISTREL_SEED=7 ./FlightPairingTest generatedCardsArePairedRight
+void FlightPairingTest::generatedCardsArePairedRight()
+{
+    const unsigned base = qEnvironmentVariableIntValue("VISTREL_SEED") * 100'000U;
+    int videos = 0;
+    int right = 0;
+    int wrongWithoutDoubt = 0;
+    int wrongOfTimeAndLength = 0;
+    for (unsigned number = 0; number < 400; ++number) {
+        CardHistory history = drawHistory(base + number);
+        // A flight with a part gone or renamed is as long as no recording.
+        if (history.inParts)
+            history.filesMissing = history.renamed = false;
+        const GeneratedCard card = generateCard(base + number, history);
+        const std::vector<Pairing> pairings = pairFlights(card.videos, card.logs);
+        for (size_t i = 0; i < pairings.size(); ++i) {
+            const bool isRight = pairings[i].log == card.truth[i];
+            if (card.truth[i] >= 0) {
+                ++videos;
+                right += isRight;
+            }
+            if (isRight || pairings[i].log < 0 || pairings[i].doubtful)
+                continue;
+            ++wrongWithoutDoubt;
+            wrongOfTimeAndLength += pairings[i].evidence == PairingEvidence::TimeAndLength;
+        }
+    }
+    qInfo("%d videos, %d right, %d wrong without a doubt", videos, right, wrongWithoutDoubt);
+    QVERIFY(videos > 5000);
+    QVERIFY(right >= 0.99 * videos);
+    // A missing log beside a missing video of the same length is beyond any evidence.
+    QVERIFY(wrongWithoutDoubt <= 0.0005 * videos);
+    QCOMPARE(wrongOfTimeAndLength, 0);
+}
+
+QTEST_GUILESS_MAIN(FlightPairingTest)
+#include "FlightPairingTest.moc"
