@@ -18,7 +18,8 @@ constexpr int usualSteps = 2500;
 } // namespace
 
 /// Thousands of clicks, keys and wheel steps at random, with a flight open: nothing may crash, and
-/// no script may fail but where it is known to. VISTREL_MONKEY_STEPS makes it longer.
+/// no script may fail but where it is known to. VISTREL_MONKEY_STEPS makes it longer, and
+/// VISTREL_MONKEY_SEED adds a row with another seed.
 class MonkeyTest : public QObject
 {
     Q_OBJECT
@@ -56,6 +57,8 @@ void MonkeyTest::survivesAnything_data()
     QTest::addColumn<quint32>("seed");
     QTest::newRow("first") << 1u;
     QTest::newRow("second") << 20260601u;
+    if (qEnvironmentVariableIsSet("VISTREL_MONKEY_SEED"))
+        QTest::newRow("chosen") << qgetenv("VISTREL_MONKEY_SEED").toUInt();
 }
 
 QQuickWindow* MonkeyTest::anyWindow()
