@@ -1,0 +1,118 @@
+#include "Support/ProgramRun.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace corv::test;
+
+/// The scripts at the root of the tree, in a tree of their own where all that they call is a
+/// stand-in that writes down its arguments.
+class ScriptsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void runOpensAFileFromAnotherFolder_data();
+    void runOpensAFileFromAnotherFolder();
+    void soakIsAskedForProperly_data();
+    void soakIsAskedForProperly();
+
+private:
+    void makeStandIn(const QString& path, const QByteArray& text) const;
+    ProgramRun call(const QString& script, const QStringList& arguments, const QString& from) const;
+    QByteArray calls() const
+    {
+        QFile file(m_tree->filePath(QStringLiteral("calls")));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_tree;
+};
+
+void ScriptsTest::makeStandIn(const QString& path, const QByteArray& text) const
+{
+    const QString whole = m_tree->filePath(path);
+    QVERIFY(QDir().mkpath(QFileInfo(whole).path()));
+    QFile file(whole);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("#!/bin/sh\n" + text + '\n');
+    file.setPermissions(file.permissions() | QFile::ExeOwner);
+}
+
+void ScriptsTest::init()
+{
+    m_tree = std::make_unique<QTemporaryDir>();
+    for (const char* script : {"run", "test"})
+        QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/") + QString::fromLatin1(script),
+                            m_tree->filePath(QString::fromLatin1(script))));
+    const QByteArray note = "echo \"$0 $*\" >> '" + QFile::encodeName(m_tree->path()) + "/calls'";
+    makeStandIn(QStringLiteral("Packaging/install-packages.sh"), "true");
+    makeStandIn(QStringLiteral("bin/cmake"), "true");
+    makeStandIn(QStringLiteral("build/release/vistrel"), note);
+    makeStandIn(QStringLiteral("Tests/Soak/soak"), note);
+}
+
+ProgramRun ScriptsTest::call(const QString& script, const QStringList& arguments,
+                             const QString& from) const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"), m_tree->filePath(QStringLiteral("bin")) +
+                                                   QLatin1Char(':') +
+                                                   environment.value(QStringLiteral("PATH")));
+    environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":99"));
+    return runProgram(m_tree->filePath(script), arguments, environment, from);
+}
+
+void ScriptsTest::runOpensAFileFromAnotherFolder_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::newRow("beside the caller") << QStringLiteral("a flight.ecor");
+    QTest::newRow("above the caller") << QStringLiteral("../other.ecor");
+}
+
+void ScriptsTest::runOpensAFileFromAnotherFolder()
+{
+    QFETCH(QString, argument);
+    const QString folder = m_tree->filePath(QStringLiteral("elsewhere/deep"));
+    QVERIFY(QDir().mkpath(folder));
+    QFile file(folder + QLatin1Char('/') + argument);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const ProgramRun run = call(QStringLiteral("run"), {argument}, folder);
+    QVERIFY2(run.status == 0, run.error);
+    const QByteArray whole = QFile::encodeName(QFileInfo(file).canonicalFilePath());
+    QVERIFY2(calls().endsWith("build/release/vistrel " + whole + '\n'), calls());
+}
+
+void ScriptsTest::soakIsAskedForProperly_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("passedOn");
+    const auto row = [](const char* arguments, int status, const char* passedOn) {
+        QTest::newRow(arguments) << QString::fromLatin1(arguments).split(QLatin1Char(' ')) << status
+                                 << QByteArray(passedOn);
+    };
+    row("--soak 2 --seed 17", 0, "2 17\n");
+    row("--soak 0.5 --seed 4294967295", 0, "0.5 4294967295\n");
+    row("--soak", 2, "");
+    row("--soak long", 2, "");
+    row("--soak 2 --seed x", 2, "");
+    row("--soak 2 --seed", 2, "");
+}
+
+void ScriptsTest::soakIsAskedForProperly()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, status);
+    QFETCH(QByteArray, passedOn);
+    const ProgramRun run = call(QStringLiteral("test"), arguments, m_tree->path());
+    QCOMPARE(run.status, status);
+    QVERIFY2(calls().endsWith(passedOn), calls());
+    QCOMPARE(calls().isEmpty(), passedOn.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(ScriptsTest)
+#include "ScriptsTest.moc"
