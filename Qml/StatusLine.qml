@@ -42,6 +42,14 @@ Rectangle {
             }
         }
 
+        // The text is too faint on the bar.
+        Rectangle {
+            anchors.verticalCenter: parent.verticalCenter
+            width: logLoadingIndicator.x + logLoadingIndicator.width + 8
+            height: parent.height - 4
+            color: Theme.plate
+        }
+
         Image {
             id: loadingSpinner
             anchors.left: parent.left
