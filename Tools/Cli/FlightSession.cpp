@@ -2,6 +2,7 @@
 
 #include "Base/sameFile.h"
 #include "Base/videoTime.h"
+#include "Cli/Command.h"
 #include "Cli/diagnostics.h"
 #include "Project/ProjectFileLoader.h"
 #include "Timeline/logPois.h"
@@ -180,7 +181,9 @@ QString FlightSession::openLog(const QString& logFile, bool ignoreNaming)
     loop.exec();
     if (!isParsed)
         return logFile + QStringLiteral(": ") + lastErrorOr(QStringLiteral("cannot be decoded"));
+    QObject::connect(&m_player, &VideoPlayer::thermalStatusChanged, &loop, &QEventLoop::quit);
     m_player.updateLogData();
+    loop.exec();
     return {};
 }
 
@@ -207,6 +210,23 @@ void FlightSession::restoreSettings(const QVariantMap& properties)
         if (std::fabs(offsetMs) <= std::numeric_limits<int>::max())
             m_logParser.setManualLogTimeOffset(static_cast<int>(offsetMs));
     });
+}
+
+QCommandLineOption thermalClockOption()
+{
+    QCommandLineOption option =
+        valued(QStringLiteral("thermal-clock"), QStringLiteral("file|screen"),
+               QStringLiteral("the moment of a picture's thermal picture: the time in its file, or "
+                              "the one on screen"));
+    option.setDefaultValue(QStringLiteral("file"));
+    return option;
+}
+
+bool takeThermalClock(const QCommandLineParser& line, VideoPlayer& player)
+{
+    const QString clock = line.value(QStringLiteral("thermal-clock"));
+    player.setThermalAsOnScreen(clock == QLatin1String("screen"));
+    return clock == QLatin1String("screen") || clock == QLatin1String("file");
 }
 
 } // namespace corv::cli

@@ -3,6 +3,7 @@
 #include "Log/LogParser.h"
 #include "Video/VideoPlayer.h"
 
+#include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -45,5 +46,11 @@ private:
     QVariantList m_projectMarks;
     QStringList m_files; ///< all that the flight was read from
 };
+
+/// "--thermal-clock", for commands that save pictures: which moment their thermal picture is of.
+QCommandLineOption thermalClockOption();
+
+/// Sets the player to the thermal clock that the line asks for. False for a word that is none.
+bool takeThermalClock(const QCommandLineParser& line, VideoPlayer& player);
 
 } // namespace corv::cli

@@ -1,7 +1,6 @@
 #include "Base/videoTime.h"
 #include "Cli/Command.h"
 #include "Cli/FlightSession.h"
-#include "Cli/diagnostics.h"
 #include "Threads/post.h"
 #include "Video/pictureFile.h"
 
@@ -56,6 +55,18 @@ private:
     int m_shownPercent = -1;
 };
 
+// Why the pictures of the flight cannot have a thermal overlay; empty if they can.
+QString whyNoOverlay(FlightSession& flight)
+{
+    if (!flight.logParser().log())
+        return QStringLiteral("--thermal needs a log with thermal pictures");
+    if (!flight.player().thermalStatus())
+        return flight.player().thermalStatus().failure().sentence;
+    if (!flight.logParser().isSynced())
+        return QStringLiteral("no thermal pictures: the log holds no recording of the video");
+    return {};
+}
+
 // Opens the one flight that the line names, if `out` is none of its files; a bare video shows the
 // overlay on request.
 ExitStatus open(FlightSession& flight, const QCommandLineParser& line, const QString& out)
@@ -66,9 +77,18 @@ ExitStatus open(FlightSession& flight, const QCommandLineParser& line, const QSt
     const QString error = flight.open(arguments, out);
     if (!error.isEmpty())
         return fail(error);
-    if (line.isSet(thermalOption))
-        flight.player().setShowIR(true);
-    return Done;
+    if (!line.isSet(thermalOption))
+        return Done;
+    flight.player().setShowIR(true);
+    const QString reason = whyNoOverlay(flight);
+    return reason.isEmpty() ? Done : fail(reason);
+}
+
+// The same for commands that save pictures.
+ExitStatus openForPictures(FlightSession& flight, const QCommandLineParser& line,
+                           const QString& out)
+{
+    return takeThermalClock(line, flight.player()) ? open(flight, line, out) : WrongUsage;
 }
 
 QString noPictureAt(int timeMs)
@@ -126,7 +146,7 @@ ExitStatus frame(const QCommandLineParser& line)
         out.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, line, out);
+    const ExitStatus status = openForPictures(flight, line, out);
     if (status != Done)
         return status;
     if (timeMs >= msPerDay) // the times of the player begin anew there
@@ -168,7 +188,7 @@ ExitStatus frames(const QCommandLineParser& line)
         fromMs < 0 || toMs < fromMs || spacing < 1 || out.isEmpty() || prefix.isEmpty())
         return WrongUsage;
     FlightSession flight;
-    const ExitStatus status = open(flight, line, out);
+    const ExitStatus status = openForPictures(flight, line, out);
     if (status != Done)
         return status;
     if (!QDir().mkpath(out))
@@ -216,14 +236,13 @@ ExitStatus video(const QCommandLineParser& line)
             loop.quit();
         },
         Qt::QueuedConnection);
-    lastError(); // of a log that could be read all the same
     flight.player().exportVideo(out);
     loop.exec();
+    const Status& exported = flight.player().videoExportResult();
+    if (!exported)
+        return fail(out + QStringLiteral(": ") + exported.failure().sentence);
     if (!isWritten)
         return fail(out + QStringLiteral(": cannot be written"));
-    const QString error = lastError();
-    if (!error.isEmpty())
-        return fail(out + QStringLiteral(": ") + error);
     if (written < total)
         return fail(QStringLiteral("%1: only %2 of %3 frames could be read")
                         .arg(out)
@@ -248,27 +267,29 @@ std::vector<Command> frameCommands()
     QCommandLineOption prefix = valued(prefixOption, QStringLiteral("P"),
                                        QStringLiteral("beginning of the file names: Frame"));
     prefix.setDefaultValue(QStringLiteral("Frame"));
-    return {{QStringLiteral("frame"),
-             flight + QStringLiteral(" --at-ms N --out IMAGE"),
-             QStringLiteral("one picture, in the format of its suffix"),
-             {thermal, number(timeOption, "time in the flight, in milliseconds"),
-              out("IMAGE", "the picture to write")},
-             frame},
-            {QStringLiteral("frames"),
-             flight + QStringLiteral(" --out FOLDER [--prefix P] "
-                                     "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
-             QStringLiteral("a series of pictures, or one of each point of interest"),
-             {thermal, out("FOLDER", "where to write the pictures"), prefix,
-              flag(poiOption, QStringLiteral("one picture of each point of interest")),
-              number(fromOption, "start of the range, in milliseconds: 0"),
-              number(toOption, "end of the range, in milliseconds: that of the flight"),
-              number(spacingOption, "a picture every N frames: 10")},
-             frames},
-            {QStringLiteral("video"),
-             flight + QStringLiteral(" --out VIDEO"),
-             QStringLiteral("the whole flight as a new video"),
-             {thermal, out("VIDEO", "the video to write")},
-             video}};
+    const QString pictures = flight + QStringLiteral(" [--thermal-clock file|screen]");
+    return {
+        {QStringLiteral("frame"),
+         pictures + QStringLiteral(" --at-ms N --out IMAGE"),
+         QStringLiteral("one picture, in the format of its suffix"),
+         {thermal, thermalClockOption(), number(timeOption, "time in the flight, in milliseconds"),
+          out("IMAGE", "the picture to write")},
+         frame},
+        {QStringLiteral("frames"),
+         pictures + QStringLiteral(" --out FOLDER [--prefix P] "
+                                   "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
+         QStringLiteral("a series of pictures, or one of each point of interest"),
+         {thermal, thermalClockOption(), out("FOLDER", "where to write the pictures"), prefix,
+          flag(poiOption, QStringLiteral("one picture of each point of interest")),
+          number(fromOption, "start of the range, in milliseconds: 0"),
+          number(toOption, "end of the range, in milliseconds: that of the flight"),
+          number(spacingOption, "a picture every N frames: 10")},
+         frames},
+        {QStringLiteral("video"),
+         flight + QStringLiteral(" --out VIDEO"),
+         QStringLiteral("the whole flight as a new video"),
+         {thermal, out("VIDEO", "the video to write")},
+         video}};
 }
 
 } // namespace corv::cli

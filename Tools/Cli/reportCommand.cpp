@@ -50,6 +50,8 @@ ExitStatus report(const QCommandLineParser& line)
     if (path.isEmpty() || !FlightSession::isFlight(arguments))
         return WrongUsage;
     FlightSession flight;
+    if (!takeThermalClock(line, flight.player()))
+        return WrongUsage;
     const QString error = flight.open(arguments, path);
     if (!error.isEmpty())
         return fail(error);
@@ -65,10 +67,10 @@ ExitStatus report(const QCommandLineParser& line)
 std::vector<Command> reportCommands()
 {
     return {{QStringLiteral("report"),
-             QStringLiteral("PROJECT|VIDEO [LOG] --out FILE.docx"),
+             QStringLiteral("PROJECT|VIDEO [LOG] [--thermal-clock file|screen] --out FILE.docx"),
              QStringLiteral("a Word document with a page for each point of interest"),
-             {valued(QStringLiteral("out"), QStringLiteral("FILE.docx"),
-                     QStringLiteral("the document to write"))},
+             {thermalClockOption(), valued(QStringLiteral("out"), QStringLiteral("FILE.docx"),
+                                           QStringLiteral("the document to write"))},
              report}};
 }
 

@@ -63,6 +63,8 @@ private slots:
     void frameOfAVideo();
     void framesOfARange();
     void framesOfTheMarks();
+    void thermalClockOfTheScreen();
+    void anOverlayThatCannotBeSaysWhy();
     void wholeVideo();
     void sourcesAreNeverWrittenOver_data();
     void sourcesAreNeverWrittenOver();
@@ -251,6 +253,38 @@ void FrameCommandsTest::framesOfTheMarks()
              (QStringList{QStringLiteral("Frame000.jpg"), QStringLiteral("Frame001.jpg")}));
     QCOMPARE(numberIn(QDir(out).filePath(QStringLiteral("Frame000.jpg"))), 3);
     QCOMPARE(numberIn(QDir(out).filePath(QStringLiteral("Frame001.jpg"))), 36);
+}
+
+void FrameCommandsTest::thermalClockOfTheScreen()
+{
+    const QStringList frame{QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
+                            QStringLiteral("1500"), QStringLiteral("--out")};
+    const auto picture = [&](const QStringList& options) {
+        const QString out = path("clock.png");
+        QFile::remove(out);
+        const ProgramRun outcome = run(frame + QStringList{out} + options);
+        return outcome.status == 0 ? QImage(out) : QImage();
+    };
+    const QImage ofFile = picture({});
+    const QImage ofScreen = picture({QStringLiteral("--thermal-clock"), QStringLiteral("screen")});
+    QVERIFY(!ofFile.isNull() && !ofScreen.isNull());
+    QVERIFY(ofFile != ofScreen);
+    QCOMPARE(picture({QStringLiteral("--thermal-clock"), QStringLiteral("file")}), ofFile);
+    QCOMPARE(run(frame + QStringList{path("clock.png"), QStringLiteral("--thermal-clock"),
+                                     QStringLiteral("wall")})
+                 .status,
+             2);
+}
+
+void FrameCommandsTest::anOverlayThatCannotBeSaysWhy()
+{
+    const QString out = path("none.png");
+    const ProgramRun outcome =
+        run({QStringLiteral("frame"), m_video, QStringLiteral("--thermal"),
+             QStringLiteral("--at-ms"), QStringLiteral("500"), QStringLiteral("--out"), out});
+    QCOMPARE(outcome.status, 1);
+    QVERIFY(outcome.error.contains("needs a log"));
+    QVERIFY(!QFile::exists(out));
 }
 
 void FrameCommandsTest::wholeVideo()
