@@ -76,6 +76,8 @@ void OpenCvWorker::setVideoSources(const QStringList& files, int opening)
     opened.totalFrames = m_timeline.totalFrames();
     opened.durationMs = m_timeline.durationMs();
     opened.size = m_timeline.frameSize();
+    if (m_timeline.size() > 1)
+        opened.secondFileMs = truncateToInt(m_timeline.entry(1).startMs);
     tellClient(
         [opening, opened](WorkerClient& client) { client.onVideoFilesProcessed(opening, opened); });
     if (m_timeline.isEmpty())

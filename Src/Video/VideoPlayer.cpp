@@ -99,6 +99,7 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
         QVideoFrame::Format_YUV420P);
     startSurface();
     setFrameCount(timeline.totalFrames);
+    m_secondFileMs = timeline.secondFileMs;
     m_duration = timeOfMs(timeline.durationMs);
     emit durationChanged(m_duration);
     m_frameDurationMs = truncateToInt(1000.0 / timeline.fps);

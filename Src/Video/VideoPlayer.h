@@ -141,6 +141,10 @@ public:
     int irPalette() const { return static_cast<int>(m_settings.irPalette); }
     void setIrPalette(int palette);
 
+    /// Whether the saved picture of a time has another thermal picture than the screen: the flight
+    /// has several files, the time is not in the first, and `thermalAsOnScreen` is off.
+    Q_INVOKABLE bool savesOtherThermal(QTime time) const;
+
     /// Range of the raw values of the thermal frame last drawn.
     double irDataMin() const { return m_irDataMin.load(std::memory_order_relaxed); }
     double irDataMax() const { return m_irDataMax.load(std::memory_order_relaxed); }
@@ -239,6 +243,10 @@ public:
     const Status& frameSaveResult() const { return m_frameSaveResult; }
     const Status& frameCopyResult() const { return m_frameCopyResult; }
     const Status& framesExportResult() const { return m_framesExportResult; }
+
+    /// What else is to be known of the last series: its pictures whose thermal picture is not that
+    /// of the screen. Empty if there are none.
+    QString framesExportNote() const { return m_framesExportNote; }
     const Status& videoExportResult() const { return m_videoExportResult; }
 
     /// Takes the log of the parser into the overlay, and redraws a paused picture. Once per log;
@@ -315,6 +323,7 @@ private:
         int done = 0;
         int saved = 0;
         int stopped = 0;
+        QStringList otherThermal; // file names
         std::optional<Failure> firstFailure;
         std::vector<std::shared_ptr<std::atomic<bool>>> cancelled; // one per call
     };
@@ -363,6 +372,7 @@ private:
     int m_playSpeed = 1;
     int m_frameDurationMs = 0;
     int m_frameCount = 0;
+    int m_secondFileMs = -1;
     QTimer m_timer;
     QList<PlayerFrame> m_frames;
     std::shared_ptr<const ThermalReading> m_thermal; // of the frame on screen
@@ -372,6 +382,7 @@ private:
     Status m_frameSaveResult;
     Status m_frameCopyResult;
     Status m_framesExportResult;
+    QString m_framesExportNote;
     Status m_videoExportResult;
     bool m_seeking = false;
     PendingWish m_wish;

@@ -50,6 +50,16 @@ Status saveImage(const QImage& image, const QString& fileName, QTime time)
     return saved;
 }
 
+QString noteOn(const QStringList& otherThermal)
+{
+    if (otherThermal.isEmpty())
+        return {};
+    return VideoPlayer::tr(
+               "%1 to %2 have the thermal picture of the time inside their file, not that "
+               "of the screen. The general settings can change that.")
+        .arg(otherThermal.first(), otherThermal.last());
+}
+
 } // namespace
 
 bool VideoPlayer::getFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback)
@@ -145,10 +155,12 @@ bool VideoPlayer::exportSpecificFrames(QList<int> positionsMs, QString folder,
     const auto count = [this](const QString&, const Status& saved) { countExportedFrame(saved); };
     for (int i = 0; i < positionsMs.size(); ++i) {
         const QString number = QString::number(i).rightJustified(3, QLatin1Char('0'));
-        const Status requested = requestSaving(timeOfMs(positionsMs.at(i)),
-                                               folder + QLatin1Char('/') + fileNamePreffix +
-                                                   number + QStringLiteral(".jpg"),
-                                               false, cancelled, count);
+        const QString name = fileNamePreffix + number + QStringLiteral(".jpg");
+        const QTime time = timeOfMs(positionsMs.at(i));
+        if (savesOtherThermal(time))
+            m_framesExport.otherThermal << name;
+        const Status requested =
+            requestSaving(time, folder + QLatin1Char('/') + name, false, cancelled, count);
         if (!requested)
             post(this, [this, requested] { countExportedFrame(requested); });
     }
@@ -206,6 +218,7 @@ void VideoPlayer::finishFramesExport()
     const FramesExport series = std::exchange(m_framesExport, {});
     const int failed = series.total - series.saved - series.stopped;
     m_framesExportResult = {};
+    m_framesExportNote = noteOn(series.otherThermal);
     if (series.firstFailure)
         m_framesExportResult =
             Failure{series.saved > 0 ? Failure::Kind::incomplete : series.firstFailure->kind,

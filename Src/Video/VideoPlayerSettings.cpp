@@ -1,6 +1,7 @@
 #include "Video/VideoPlayer.h"
 
 #include "Base/arithmetic.h"
+#include "Base/videoTime.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/ThermalReading.h"
 
@@ -115,6 +116,14 @@ void VideoPlayer::setThermalAsOnScreen(bool asOnScreen)
     m_settings.thermalAsOnScreen = asOnScreen;
     sendSettings();
     emit thermalAsOnScreenChanged();
+}
+
+bool VideoPlayer::savesOtherThermal(QTime time) const
+{
+    const bool hasOverlay =
+        showIR() && m_thermalStatus.ok() && m_logParser && m_logParser->isSynced();
+    return hasOverlay && !thermalAsOnScreen() && m_secondFileMs >= 0 &&
+           msOfTime(time) >= m_secondFileMs;
 }
 
 void VideoPlayer::setIrPalette(int palette)

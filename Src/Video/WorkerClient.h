@@ -46,6 +46,7 @@ struct OpenedTimeline
     int durationMs = 0;
     QSizeF size; ///< of the first file's frames
     QStringList failedFiles;
+    int secondFileMs = -1; ///< where the second file begins; below 0 if there is none
 };
 
 /// Receives what a worker has done. All functions are called on the thread of the object that the

@@ -81,6 +81,7 @@ private slots:
     void theRangeIsSignalledOnTheInterfaceThread();
     void theOverlayOnScreenSaysItsValues();
     void theGreyPaletteHasNoColours();
+    void aSeriesNamesPicturesWithAnotherThermalPicture();
     void cancelledInTheSecondFile();
     void aFileOfAnotherSizeAddsNothing();
     void aFileThatFailsEndsAlone();
@@ -296,6 +297,25 @@ void VideoExportTest::theGreyPaletteHasNoColours()
     QTRY_VERIFY(even.came());
     const QColor blue = even.image().pixelColor(overlayX, overlayY);
     QVERIFY(blue.blue() > blue.red() + 30 && blue.blue() > blue.green());
+}
+
+void VideoExportTest::aSeriesNamesPicturesWithAnotherThermalPicture()
+{
+    openTwoFilesWithALog();
+    QTRY_VERIFY(m_player->thermalStatus().ok());
+    m_player->setShowIR(true);
+    QVERIFY(!m_player->savesOtherThermal(timeAt(999)));
+    QVERIFY(m_player->savesOtherThermal(timeAt(1000)));
+    QVERIFY(QDir().mkpath(path("out")));
+    QSignalSpy complete(m_player.get(), &VideoPlayer::framesExportComplete);
+    QVERIFY(m_player->exportSpecificFrames({0, 1000, 1400}, path("out"), "Frame"));
+    QTRY_COMPARE(complete.count(), 1);
+    QVERIFY(m_player->framesExportNote().startsWith("Frame001.jpg to Frame002.jpg"));
+    m_player->setThermalAsOnScreen(true);
+    QVERIFY(!m_player->savesOtherThermal(timeAt(1400)));
+    QVERIFY(m_player->exportSpecificFrames({0, 1000}, path("out"), "Other"));
+    QTRY_COMPARE(complete.count(), 2);
+    QVERIFY(m_player->framesExportNote().isEmpty());
 }
 
 void VideoExportTest::cancelledInTheSecondFile()
