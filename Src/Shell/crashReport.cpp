@@ -1,5 +1,6 @@
 #include "Shell/crashReport.h"
 
+#include "Platform/wholeWrite.h"
 #include "Shell/AppInfo.h"
 
 #include <QDebug>
@@ -63,13 +64,7 @@ bool keep(std::array<char, size>& target, const QByteArray& text)
 
 void put(int file, const char* text, size_t sizeBytes)
 {
-    while (sizeBytes > 0) {
-        const ssize_t written = ::write(file, text, sizeBytes);
-        if (written <= 0)
-            return;
-        text += written;
-        sizeBytes -= static_cast<size_t>(written);
-    }
+    platform::wholeWrite(file, text, static_cast<qint64>(sizeBytes));
 }
 
 void put(int file, const char* text)

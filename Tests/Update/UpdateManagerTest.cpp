@@ -210,8 +210,8 @@ void UpdateManagerTest::endsWithoutNews_data()
     const QString latest = QStringLiteral("Already using the latest version");
     const QString unrecognized = QStringLiteral("Unrecognized JSON document:");
     const QString refused = QStringLiteral("Refused the version or path of the manifest:");
-    QTest::newRow("equal") << manifest("1.5.0.166") << latest;
-    QTest::newRow("lower") << manifest("1.4.0.166") << latest;
+    QTest::newRow("equal") << manifest(VISTREL_VERSION) << latest;
+    QTest::newRow("lower") << manifest("0.0.0.0") << latest;
     QTest::newRow("no version text") << manifest("soon") << QStringLiteral("Invalid version:");
     QTest::newRow("without notes")
         << QByteArray(R"({"version":"9.0.0.0","path":"x"})") << unrecognized;

@@ -7,6 +7,7 @@ PDF come from the other headings. manual.css has the look.
 """
 
 import html
+import os
 import pathlib
 import sys
 
@@ -75,6 +76,8 @@ def build(manual, logo, version, pdf):
 <p class="heading">Contents</p>{contents(chapters)}</nav>
 <main>{text}</main>
 </body></html>"""
+    # Equal texts give equal bytes: the fonts inside would carry the time of the build.
+    os.environ.setdefault("SOURCE_DATE_EPOCH", "315532800")
     style = pathlib.Path(__file__).with_name("manual.css")
     weasyprint.HTML(string=page, base_url=manual.parent.resolve().as_uri() + "/").write_pdf(
         pdf, stylesheets=[weasyprint.CSS(filename=str(style))]
