@@ -7,14 +7,21 @@ PDF come from the other headings. manual.css has the look.
 """
 
 import html
+import mimetypes
 import os
 import pathlib
 import sys
+import urllib.parse
 
 import markdown
 import weasyprint
 from markdown.treeprocessors import Treeprocessor
 from xml.etree import ElementTree
+
+
+# The addresses of the pictures get into the PDF: these are the same in whatever folder it is made.
+BASE = "file:///vistrel/"
+LOGO = "logo"
 
 
 class Layout(Treeprocessor):
@@ -52,6 +59,17 @@ def contents(entries):
     return f"<ul>{''.join(lines)}</ul>" if entries else ""
 
 
+def fetcher(folder, logo):
+    """Reads what is below BASE: pictures from `folder`, and the logo."""
+
+    def fetch(url):
+        name = urllib.parse.unquote(url.removeprefix(BASE))
+        file = logo if name == LOGO else folder / name
+        return {"string": file.read_bytes(), "mime_type": mimetypes.guess_type(file.name)[0]}
+
+    return fetch
+
+
 def build(manual, logo, version, pdf):
     converter = markdown.Markdown(extensions=["tables", "fenced_code", "sane_lists", "toc"])
     layout = Layout(converter, manual.parent)
@@ -67,7 +85,7 @@ def build(manual, logo, version, pdf):
     page = f"""<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8"><title>{html.escape(name)}</title></head><body>
 <section id="cover">
-<div class="band"><img class="logo" src="{logo.resolve().as_uri()}" alt="Vistrel">
+<div class="band"><img class="logo" src="{LOGO}" alt="Vistrel">
 <p class="title">{html.escape(layout.title)}</p></div>
 <img class="picture" src="{layout.cover}" alt="">
 <p class="version">Version {html.escape(version)}</p>
@@ -79,9 +97,8 @@ def build(manual, logo, version, pdf):
     # Equal texts give equal bytes: the fonts inside would carry the time of the build.
     os.environ.setdefault("SOURCE_DATE_EPOCH", "315532800")
     style = pathlib.Path(__file__).with_name("manual.css")
-    weasyprint.HTML(string=page, base_url=manual.parent.resolve().as_uri() + "/").write_pdf(
-        pdf, stylesheets=[weasyprint.CSS(filename=str(style))]
-    )
+    source = weasyprint.HTML(string=page, base_url=BASE, url_fetcher=fetcher(manual.parent, logo))
+    source.write_pdf(pdf, stylesheets=[weasyprint.CSS(filename=str(style))])
 
 
 def main():
