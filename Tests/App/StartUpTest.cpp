@@ -20,6 +20,7 @@ private slots:
     void answersWithoutAWindow();
     void recordsTheSystemOnce();
     void sweepsWhatAKilledReportLeft();
+    void saysThatTheLastRunCrashed();
     void saysThatTheInterfaceIsMissing();
     // Last: the display keeps a key down whose release finds no window any more.
     void startsWithoutArgumentsAndQuits();
@@ -181,6 +182,25 @@ void StartUpTest::sweepsWhatAKilledReportLeft()
     start({});
     QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
     QTRY_VERIFY(!QFile::exists(folder));
+}
+
+void StartUpTest::saysThatTheLastRunCrashed()
+{
+    const QString path = dataFile(QStringLiteral("Vistrel-crash.txt"));
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    QFile report(path);
+    QVERIFY(report.open(QIODevice::WriteOnly));
+    report.write("signal: SIGSEGV\nmoment: 1000000000\n");
+    report.close();
+    start({});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+    QVERIFY(log().contains(QStringLiteral("The last run crashed with \"SIGSEGV\"")));
+    QVERIFY2(!log().contains(QStringLiteral("crashNotice")), qPrintable(log()));
+    QVERIFY(!QFile::exists(path));
+    QCOMPARE(QDir(QFileInfo(path).path())
+                 .entryList({QStringLiteral("Vistrel-crash-20010909-*.txt")})
+                 .size(),
+             1);
 }
 
 // A module of the installation that is damaged.
