@@ -6,17 +6,18 @@ if(VISTREL_WARNINGS_AS_ERRORS)
 endif()
 target_compile_definitions(vistrel_options INTERFACE QT_MESSAGELOGCONTEXT)
 
-# What the programs that are delivered have besides: defences against attacks through memory, and no
-# trace of the folders they were built in, so that two builds have the same bytes.
+# What the programs have besides that are delivered: defences against attacks through memory, and no
+# trace of the folders they were built in, so that two builds have the same bytes. What takes a
+# compilation of its own is for builds that are delivered.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
 add_library(vistrel_delivered INTERFACE)
+target_link_options(vistrel_delivered INTERFACE -Wl,-z,relro -Wl,-z,now)
 if(VISTREL_DELIVERY)
-    include(CheckPIESupported)
-    check_pie_supported(LANGUAGES CXX)
     target_compile_options(vistrel_delivered INTERFACE
         "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" "-ffile-prefix-map=${PROJECT_BINARY_DIR}/="
         -fstack-protector-strong
         "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>") # needs an optimiser
-    target_link_options(vistrel_delivered INTERFACE -Wl,-z,relro -Wl,-z,now)
 endif()
 
 # vistrel_room(NAME SOURCES ... LINK ...): one static library per folder of Src, vistrel_NAME. LINK
