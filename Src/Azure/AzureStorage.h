@@ -35,7 +35,7 @@ public:
     void setLengthRequired(bool required) { m_isLengthRequired = required; }
 
 signals:
-    /// The whole of a file, and its path relative to the share as it stood in the address.
+    /// The whole of a file, and its path relative to the share as it is in the address.
     void fileDownloaded(QString relativefilePath, QByteArray fileContent);
 
     void downloadError(QString errorMessage);

@@ -61,7 +61,7 @@ public:
     Q_INVOKABLE QVariantList getDrives();
 
     /// The removable drives that hold files in the layout of a card, as lists "logs" and "videos"
-    /// of the maps of `getDrives` with "droneModel" added. A drive stands once for each layout.
+    /// of the maps of `getDrives` with "droneModel" added. A drive is listed once for each layout.
     Q_INVOKABLE QVariantMap autodetectDrivesWithData();
 
     /// Asks a running search to stop. It ends without a signal; until then no other can start.

@@ -27,7 +27,7 @@ std::vector<TimedFile> sortedByTime(const QList<QFileInfo>& files,
 /// none. Differences are taken in their low 32 bits. Takes logarithmic time.
 int pairedLog(const TimedFile& video, const std::vector<TimedFile>& logs);
 
-/// Pairs every video with its log, in order, and tells the diagnostic log what was weighed. Gives
+/// Pairs every video with its log, in order, and logs what was weighed. Gives
 /// the position of the log for each video, or -1.
 ///
 /// Each video is listed with every log as long as that stays readable; in a search of thousands of

@@ -43,7 +43,7 @@ public:
     /// left empty. Files named by values are no longer needed afterwards.
     void paste(const QString& itemName);
 
-    /// Writes the document, replacing an existing file as a whole: a failure leaves it as it was.
+    /// Writes the document, replacing an existing file atomically: a failure leaves it as it was.
     void save(const QString& fileName);
 
     /// Gives up the template and the document; nothing happens if there are none.

@@ -55,7 +55,7 @@ bool hasContentBefore(const pugi::xml_node& mark)
 }
 
 /// The block behind the last one of a bookmark. An end mark at the very start of a paragraph
-/// belongs to what stands before it.
+/// belongs to what is before it.
 pugi::xml_node blockBehind(const pugi::xml_node& end, const pugi::xml_node& first,
                            const pugi::xml_node& body)
 {

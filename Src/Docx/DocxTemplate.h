@@ -25,8 +25,8 @@ struct DocxItem
 ///
 /// An item is a block content control, named by its tag, or by its title if it has none. A word
 /// processor that does not keep block content controls drops them when it saves; a bookmark of the
-/// item's name that spans the same blocks then still tells where the item begins and ends. What
-/// stands outside of all items is no part of the documents made.
+/// item's name that spans the same blocks then still shows where the item begins and ends. What
+/// is outside of all items is no part of the documents made.
 class DocxTemplate
 {
 public:

@@ -180,7 +180,7 @@ bool DocxWriter::isShownElsewhere(const QString& partName) const
     });
 }
 
-/// Adds the pictures, and drops what only stood in for one in the template: `unused` gets the parts
+/// Adds the pictures, and drops the placeholders of the template: `unused` gets the parts
 /// that nothing shows any more.
 QByteArray DocxWriter::relationshipsText(const std::string& document, QSet<QString>& unused) const
 {

@@ -12,7 +12,7 @@
 namespace corv {
 
 /// One copy of a template's item on its way into a document: its content controls are replaced by
-/// the values of their fields, and what may stand only once in a document (bookmarks, comments,
+/// the values of their fields, and what a document may contain only once (bookmarks, comments,
 /// paragraph marks) is taken out.
 class ItemCopy
 {
@@ -48,7 +48,7 @@ private:
     pugi::xml_document m_copy;
 };
 
-/// The value as it may stand in a document: line ends are "\n", and what XML forbids is dropped
+/// The value as a document may contain it: line ends are "\n", and what XML forbids is dropped
 /// (control characters but the tab, halves of a surrogate pair).
 QString documentText(const QString& value);
 

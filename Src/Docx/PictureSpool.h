@@ -8,7 +8,7 @@
 namespace corv {
 
 /// The pictures of a document in the making, copied one behind the other into one temporary file:
-/// three hundred frames need no memory, and whoever gave one may overwrite its file at once.
+/// three hundred frames need no memory, and the caller may overwrite the file of one at once.
 class PictureSpool
 {
 public:

@@ -65,7 +65,7 @@ bool LogParser::parseLog(const QString& filename, bool ignoreNaming)
     m_tasks.erase(std::remove_if(m_tasks.begin(), m_tasks.end(),
                                  [](const PoolTask& task) { return !task.isRunning(); }),
                   m_tasks.end());
-    // Whoever parses at the opening of a video is told its duration only after this call: even the
+    // A caller that parses when a video opens sets the duration only after this call: even the
     // shortest log must not be read before that.
     post(this, [this, parse = m_parse] {
         if (isCurrent(parse))
@@ -147,7 +147,7 @@ void LogParser::publish(const std::shared_ptr<Parse>& parse, const Outcome& outc
     const bool decoded = outcome.log != nullptr;
     if (decoded) {
         adopt(*parse, outcome);
-        // Whoever hears of one thing may close the log or the parser before the next is told.
+        // A receiver of one signal may close the log or the parser before the next is emitted.
         const QPointer<LogParser> self(this);
         if (!parse->ignoreNaming)
             emit flightNamingChanged();

@@ -57,7 +57,7 @@ public:
     QString source() const { return m_source; }
 
     /// "undefined", "missionName", "flightName" and "flightNumber". Writing a map without
-    /// "undefined" counts as defined, and always tells.
+    /// "undefined" counts as defined, and always emits.
     QVariantMap flightNaming() const;
     void setFlightNaming(const QVariantMap& naming);
 

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// One recording of the video recorder as the log tells it, in log-clock milliseconds.
+/// One recording of the video recorder as the log has it, in log-clock milliseconds.
 struct RecEvent
 {
     quint32 startTime = 0; ///< 0 means unknown

@@ -12,7 +12,7 @@ class QObject;
 /// What differs by operating system: one header, and one file per system and subject behind it.
 namespace corv::platform {
 
-/// Installed memory in kilobytes, 0 where the system does not tell. Any thread.
+/// Installed memory in kilobytes, 0 where the system does not say. Any thread.
 quint64 installedMemoryKb();
 
 /// The long form of a path given on the command line; the path itself where there are no others.
@@ -26,9 +26,9 @@ struct Volume
     QByteArray device; ///< the block device, or whatever else the system names as its source
 };
 
-/// Kinds of drives. Only `driveRemovable` is ever tested; the others tell a reader of the log why a
+/// Kinds of drives. Only `driveRemovable` is ever tested; the others show a reader of the log why a
 /// drive was skipped.
-constexpr int driveUnknown = 0; ///< nothing that stands on a block device
+constexpr int driveUnknown = 0; ///< not on a block device
 constexpr int driveRemovable = 2;
 constexpr int driveFixed = 3;
 
@@ -38,7 +38,7 @@ QList<Volume> mountedVolumes();
 
 /// The kind of the drive that `device` is on. The disk decides, not the partition: the way to it
 /// leads through symbolic links, partitions and mapped devices (encryption, volume groups), and a
-/// volume that stands on several disks is removable if any of them is. `sysfsRoot` is where the
+/// volume that is on several disks is removable if any of them is. `sysfsRoot` is where the
 /// system shows its devices. Any thread.
 int driveType(const QByteArray& device, const QString& sysfsRoot = QStringLiteral("/sys"));
 

@@ -11,7 +11,7 @@
 namespace corv::platform {
 namespace {
 
-// Mapped devices can stand on mapped devices, but not in circles: deeper than this is damage.
+// Mapped devices can be on mapped devices, but not in circles: deeper than this is damage.
 constexpr int deepestMapping = 16;
 
 QByteArray attribute(const QString& folder, const QString& name)

@@ -38,8 +38,8 @@ bool hasBeenReplaced(qint64 processId, const QString& program)
     return false;
 }
 
-// Watches one launch and tells its outcome once. The process must outlive this program: the object
-// that holds it is never deleted, as deleting it would end the process.
+// Watches one launch and reports its outcome once. The process must outlive this program: the
+// object that holds it is never deleted, as deleting it would end the process.
 class Launch : public QObject
 {
 public:

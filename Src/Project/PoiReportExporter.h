@@ -30,7 +30,7 @@ public:
     void setVideoPlayer(VideoPlayer* videoPlayer);
 
     /// Starts a report of the marks `poiList`, in list form, to the document `path`; the naming is
-    /// in its map form. Does nothing while one is being written. `exportComplete` tells the end.
+    /// in its map form. Does nothing while one is being written. `exportComplete` marks the end.
     Q_INVOKABLE void createPoiReport(QVariantList poiList, QString path,
                                      QVariantMap flightNamingMap);
 
@@ -38,7 +38,7 @@ public:
     Q_INVOKABLE void abortExportOperation();
 
 signals:
-    /// The report has ended; `result` tells whether the document was written. Another one may be
+    /// The report has ended; `result` is true if the document was written. Another one may be
     /// started at once.
     void exportComplete(bool result);
 

@@ -16,7 +16,7 @@ namespace {
 
 const QLatin1String filePrefix("file:/");
 
-/// A path as it stands in a file URL keeps its leading slash.
+/// A path taken from a file URL keeps its leading slash.
 QString withoutFilePrefix(const QString& path)
 {
     return path.startsWith(filePrefix) ? path.mid(5) : path;

@@ -23,10 +23,10 @@ public:
     /// it, and parsing takes several times its size in memory.
     static constexpr qint64 largestProjectBytes = limits::projectBytes;
 
-    /// More marks than a two-hour flight has frames worth telling apart are cut off on loading.
+    /// More marks than a two-hour flight has distinct frames are cut off on loading.
     static constexpr int mostMarks = limits::poisInProject;
 
-    /// Writes the project, replacing an existing one as a whole: whatever happens on the way, the
+    /// Writes the project, replacing an existing one atomically: whatever happens on the way, the
     /// earlier project or the new one is there afterwards. Only where the folder forbids a second
     /// file is the old one written directly.
     ///

@@ -19,7 +19,7 @@ class VideoPlayer;
 class ReportWriter
 {
 public:
-    /// Told what has been done and how much there is, in marks.
+    /// Called with the number of pages done and of all pages.
     using Progress = std::function<void(int done, int total)>;
 
     /// `abortFlag` outlives the writer; the report is given up soon after it is set, whichever

@@ -6,7 +6,7 @@
 namespace corv {
 
 /// The version of the program, fixed when it is built, and its comparison with another. Interface
-/// singleton; may also stand on any stack. Any thread.
+/// singleton; may also be a local variable. Any thread.
 class AppInfo : public QObject
 {
     Q_OBJECT

@@ -18,7 +18,7 @@ public:
     /// the next start tries again. Runs on a pool thread and shares nothing.
     void writeToFile() const;
 
-    /// Installed memory in kilobytes, 0 where the system does not tell.
+    /// Installed memory in kilobytes, 0 where the system does not say.
     quint64 ramInstalledKb() const;
 
     const QString& filePath() const { return m_filePath; }

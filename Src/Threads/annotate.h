@@ -1,6 +1,6 @@
 #pragma once
 
-// Tells ThreadSanitizer of a hand-over that happens inside a library that is not instrumented.
+// Makes ThreadSanitizer see a hand-over that happens inside a library that is not instrumented.
 // Outside a ThreadSanitizer build these are nothing.
 
 #if defined(__SANITIZE_THREAD__)
@@ -18,7 +18,7 @@ extern "C" void __tsan_release(void* address);
 
 namespace corv {
 
-/// What this thread has done so far is visible to whoever acquires `token` later.
+/// What this thread has done so far is visible to the thread that acquires `token` later.
 inline void annotateRelease([[maybe_unused]] const void* token)
 {
 #ifdef CORV_THREAD_SANITIZER

@@ -5,8 +5,9 @@
 
 namespace corv {
 
-/// A task on the global thread pool, held by whoever started it. A copy stands for the same task; a
-/// default-made one stands for none and is not running. It may be dropped while the task runs.
+/// A task on the global thread pool, held by the code that started it. A copy refers to the same
+/// task; a default-made one refers to none and is not running. It may be dropped while the task
+/// runs.
 class PoolTask
 {
 public:

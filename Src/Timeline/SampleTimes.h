@@ -6,7 +6,7 @@
 namespace corv {
 
 /// The time column of a series of samples, searchable for the sample that holds at a moment. The
-/// column itself is not copied: whoever keeps this keeps the log alive.
+/// column itself is not copied: this object keeps the log alive.
 class SampleTimes
 {
 public:

@@ -6,7 +6,7 @@ namespace corv {
 
 /// Arithmetic of the timeline strip, free of any item. Times are milliseconds from the start of the
 /// video. Strip pixels count from the strip's start, item pixels from the item's left edge; between
-/// them stands the scroll offset `contentX`. No scale, however odd, leads to more than an odd
+/// them is the scroll offset `contentX`. No scale, however odd, leads to more than an odd
 /// picture: results that an int cannot hold are cut to the nearest int.
 
 /// Milliseconds per pixel of a strip of `contentWidth` pixels, of which `endMargin` lie past the
@@ -35,7 +35,7 @@ int widthZoomedIn(int contentWidth, int durationMs);
 /// Width of the strip one step farther, never below that of the item.
 int widthZoomedOut(int contentWidth, double itemWidth);
 
-/// Scroll offset at which strip pixel time `ms` stands at item x.
+/// Scroll offset at which time `ms` is at item x.
 int contentXWithMsAt(int ms, int x, float msPerPx);
 
 /// Scroll offset that brings a cursor at strip pixel `cursorPx` at least 100 pixels into the item,

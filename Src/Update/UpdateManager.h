@@ -16,9 +16,9 @@ class UpdateWorker;
 
 /// The face of the updater towards the interface: runs at most one check in a run of the program,
 /// on a thread of its own, and launches the installer that the check has fetched. Interface thread;
-/// stands on the stack of the entry point.
+/// is a local variable of the entry point.
 ///
-/// Whatever goes wrong with a check stands in the log and nowhere else; the next start tries again.
+/// Whatever goes wrong with a check is logged and not shown; the next start tries again.
 class UpdateManager : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ public:
     /// the last notification. A stored moment that cannot be read allows no check.
     bool shouldCheckForUpdate() const;
 
-    /// Remembers that the user is told now, and has `updateAvailable` emitted; a
+    /// Remembers the time of the notification, and has `updateAvailable` emitted; a
     /// moment that cannot be stored is warned about. Update thread.
     void notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes);
 

@@ -143,7 +143,7 @@ void UpdateWorker::fetchInstaller()
 void UpdateWorker::deleteOldInstallers()
 {
     qInfo() << "Deleting old installers...";
-    // Where the folder could not be made, its parent stands in for it, which holds the user's data.
+    // Where the folder could not be made, its parent is used instead, which holds the user's data.
     const QString folder = UpdateManager::getDownloadDir();
     if (!UpdateManager::isDownloadDir(folder))
         return;

@@ -6,11 +6,12 @@
 /// The names and texts of the update protocol. No state; any thread.
 namespace corv::updateNames {
 
-/// The channel that a value of the environment variable stands for: "official", "preview" and "dev"
-/// stand for themselves; an unset one for "official"; anything else is warned about and "official".
+/// The channel that a value of the environment variable names: "official", "preview" and "dev"
+/// name themselves; an unset one means "official"; anything else is warned about and "official".
 QString channelOf(const QString& value);
 
-/// "x64" or "x86" for a processor architecture; an unknown one stands for itself, with a warning.
+/// "x64" or "x86" for a processor architecture; an unknown one is returned as it is, with a
+/// warning.
 QString flavourOf(const QString& architecture);
 
 /// Name of the installer of a version for a flavour.
@@ -20,7 +21,7 @@ QString installerFileName(const QString& version, const QString& flavour);
 QString manifestPath(const QString& channel);
 QString installerPath(const QString& buildFolder, const QString& version, const QString& fileName);
 
-/// Whether a text of the manifest may stand as one element of a file name.
+/// Whether a text of the manifest may be one element of a file name.
 bool isSafeFileElement(const QString& text);
 
 /// Whether a text is four numbers joined by ".", each of nine digits at most.

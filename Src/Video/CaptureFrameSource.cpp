@@ -214,7 +214,7 @@ bool CaptureFrameSource::grabTo(int index)
 }
 
 // Containers promise a frame or two more than arrive, or many more after a cut by edit list. The
-// positioning behind the promised end runs on to the last frame there is, and so tells the number.
+// positioning behind the promised end runs on to the last frame there is, and so finds the number.
 int CaptureFrameSource::countFrames()
 {
     if (!m_capture.grab())
@@ -228,7 +228,7 @@ int CaptureFrameSource::countFrames()
     const int reached = m_nextFrame;
     if (reached == m_promisedCount)
         return reached + grabAll();
-    // Not the very last frame, of which the back-end tells no time.
+    // Not the very last frame, of which the back-end gives no time.
     const int nearEnd = std::max(reached - 1 - longestDrain, 0);
     if (arrives(nearEnd)) {
         if (canBeReadThrough() && !isOnTime(nearEnd))

@@ -16,7 +16,7 @@ namespace corv {
 /// Rebuilds the pictures of the thermal camera from the flight log and lays the one that belongs to
 /// a video frame over it. Owned by `OpenCvWorker` and used on its thread alone.
 ///
-/// Nothing that a log or a setting holds makes it throw: what cannot be drawn is told once in the
+/// Nothing that a log or a setting holds makes it throw: what cannot be drawn is logged once in the
 /// diagnostics and left out.
 class ThermalOverlay
 {
@@ -32,7 +32,7 @@ public:
     /// needed there is no overlay.
     void updateLogData(bool hasParser, const std::shared_ptr<const LogFile>& log);
 
-    /// Drops the tables. The frame composed last stays: its bands stand in for parts that the next
+    /// Drops the tables. The frame composed last stays: its bands replace parts that the next
     /// log has lost.
     void clear();
 

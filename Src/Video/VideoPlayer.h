@@ -92,7 +92,7 @@ public:
 
     /// Time and number of the frame on screen. The signal of `timePosition` comes only after a move
     /// of 100 ms; `exactTimePosition` is the same time with a signal for each change. While a
-    /// preview stands in for a picture that takes long, they are those of the picture to come.
+    /// preview replaces a picture that takes long, they are those of the picture to come.
     QTime timePosition() const { return m_timePosition; }
     int currentFrameIndex() const { return m_currentFrameIndex; }
 
@@ -387,7 +387,7 @@ private:
     bool m_seeking = false;
     PendingWish m_wish;
     bool m_wishUnderWay = false;
-    QTimer m_restTimer; // until the picture that a preview stands in for is fetched
+    QTimer m_restTimer; // until the picture that a preview replaces is fetched
     bool m_redrawUnderWay = false;
     bool m_redrawWanted = false;
     bool m_endReached = false; // the frames in the queue are the last

@@ -30,7 +30,7 @@ struct VideoFileEntry
 class VideoTimeline
 {
 public:
-    /// Opens the files in order; what does not open is told in the log and left out.
+    /// Opens the files in order; what does not open is logged and left out.
     /// Returns the files that were left out.
     QStringList open(const QStringList& files, const VideoBackend& backend);
     void close();

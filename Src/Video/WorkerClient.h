@@ -25,7 +25,7 @@ struct PlayerFrame
 enum class FrameUse {
     playback,   ///< to be shown when its time has come
     seekResult, ///< the picture that a seek led to
-    preview,    ///< stands in for the picture of a seek that takes long; number and time are the
+    preview,    ///< replaces the picture of a seek that takes long; number and time are the
                 ///< seek's own
     redraw      ///< the picture on screen, drawn anew
 };

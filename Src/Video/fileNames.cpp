@@ -8,7 +8,7 @@ namespace {
 
 constexpr int numberDigits = 4;
 
-// What stands in the name's last pair of brackets counts on; with no such pair it begins at 1.
+// What is in the name's last pair of brackets counts on; with no such pair it begins at 1.
 int numberInBrackets(const QString& base, int open)
 {
     if (base.size() < 3)

@@ -27,7 +27,7 @@ quint32 countFrames(const quint32* counters, int count)
 struct Start
 {
     quint32 frame = 0; // the first counter that the next one follows
-    int record = 0;    // and where it stands
+    int record = 0;    // and where it is
 };
 
 Start findStart(const quint32* counters, int count)

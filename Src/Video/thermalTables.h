@@ -34,7 +34,7 @@ public:
 
 private:
     // The latest time up to each frame, not the time itself: it ascends whatever the log holds, and
-    // the first time above a moment stands where the first latest time above it does.
+    // the first time above a moment is where the first latest time above it is.
     std::vector<qint32> m_latestTimesMs;
 };
 

@@ -19,7 +19,7 @@ class DirectoryParserTest : public QObject
 
 private slots:
     void init();
-    void aRowTellsAllOfAFlight();
+    void rowShowsAllOfAFlight();
     void aVideoWithoutALogIsARow();
     void searchesWhereTheLayoutSays_data();
     void searchesWhereTheLayoutSays();
@@ -37,7 +37,7 @@ private slots:
     void theMachinesOwnDrivesAreListed();
     void autodetectFindsCards_data();
     void autodetectFindsCards();
-    void autodetectTellsWhatItDoes();
+    void autodetectShowsWhatItDoes();
 };
 
 void DirectoryParserTest::init()
@@ -45,7 +45,7 @@ void DirectoryParserTest::init()
     PersistentData::instance()->setDirectoryList({});
 }
 
-void DirectoryParserTest::aRowTellsAllOfAFlight()
+void DirectoryParserTest::rowShowsAllOfAFlight()
 {
     Setup s;
     s.addVideo(s.path("videos/a.b.mp4"), 0);
@@ -401,7 +401,7 @@ void DirectoryParserTest::autodetectFindsCards()
     QCOMPARE(described(result["videos"].toList()), videos);
 }
 
-void DirectoryParserTest::autodetectTellsWhatItDoes()
+void DirectoryParserTest::autodetectShowsWhatItDoes()
 {
     Setup s;
     s.machine.addDrive("disk", "", false);
@@ -409,13 +409,13 @@ void DirectoryParserTest::autodetectTellsWhatItDoes()
     s.machine.addFile(card + "/a.log");
     const MessageLog messages;
     s.parser->autodetectDrivesWithData();
-    const QStringList told = messages.messages(QtInfoMsg);
-    QCOMPARE(told.size(), 3);
-    QVERIFY(told[0].startsWith("Skipping non-removable drive: QMap(("));
-    QVERIFY(told[0].contains("/disk"));
-    QVERIFY(told[1].startsWith("Analyzing QMap(("));
-    QVERIFY(told[1].contains("/card"));
-    QVERIFY(told[2].startsWith("\"Aviro/Aviro2\" eligible; files: (QFileInfo("));
+    const QStringList logged = messages.messages(QtInfoMsg);
+    QCOMPARE(logged.size(), 3);
+    QVERIFY(logged[0].startsWith("Skipping non-removable drive: QMap(("));
+    QVERIFY(logged[0].contains("/disk"));
+    QVERIFY(logged[1].startsWith("Analyzing QMap(("));
+    QVERIFY(logged[1].contains("/card"));
+    QVERIFY(logged[2].startsWith("\"Aviro/Aviro2\" eligible; files: (QFileInfo("));
 }
 
 QTEST_GUILESS_MAIN(DirectoryParserTest)

@@ -25,7 +25,7 @@ private slots:
     void nothingOfAnAbortedSearchReachesTheNext();
     void searchingLastsUntilAnotherSearchCanStart();
     void countsVideosWhileTheirLengthsAreRead();
-    void anAbortWithoutASearchOnlyTells();
+    void abortWithoutASearchOnlyEmits();
     void theEndOfTheParserWaitsForTheSearch_data();
     void theEndOfTheParserWaitsForTheSearch();
     void searchAbortSearchRecallClose();
@@ -166,7 +166,7 @@ void DirectoryParserThreadsTest::nothingOfAnAbortedSearchReachesTheNext()
     QSignalSpy progress(s.parser.get(), &DirectoryParser::matchingProgress);
     const MessageLog messages;
     s.searchFolders();
-    // All that the search has to tell is on its way, and nothing of it has arrived.
+    // All signals of the search are on their way, and nothing of it has arrived.
     QThreadPool::globalInstance()->waitForDone();
     s.parser->abortParsing();
     s.searchFolders();
@@ -222,7 +222,7 @@ void DirectoryParserThreadsTest::countsVideosWhileTheirLengthsAreRead()
     QCOMPARE(counted[1], QVariantList({2, 2}));
 }
 
-void DirectoryParserThreadsTest::anAbortWithoutASearchOnlyTells()
+void DirectoryParserThreadsTest::abortWithoutASearchOnlyEmits()
 {
     Setup s;
     s.addVideo(s.path("videos/v.mp4"), 0);

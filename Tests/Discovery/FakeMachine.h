@@ -35,7 +35,7 @@ public:
     /// Adds a device to the tree: `place` is its folder below "devices", the last part its name.
     void addDevice(const QString& place, const QHash<QString, QByteArray>& attributes);
 
-    /// Says that one mapped device stands on another device, both by their places.
+    /// Says that one mapped device is on another device, both by their places.
     void addSlave(const QString& place, const QString& slavePlace);
 
 private:

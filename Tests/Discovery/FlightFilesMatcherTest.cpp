@@ -150,13 +150,13 @@ void FlightFilesMatcherTest::namesTheFlightsOfASharedLog()
     QCOMPARE(matches[1].naming.flightName, QString("South"));
     QCOMPARE(matches[1].naming.flightNumber, 4);
     QCOMPARE(messages.count("Start analyzing..."), 1);
-    const QStringList told = messages.messages(QtInfoMsg);
-    QCOMPARE(told[0], QString("Logs:  1  entries"));
-    QCOMPARE(told[1], QString("Videos:  2  entries"));
-    QVERIFY(told.contains("Getting time for video 0"));
-    QVERIFY(told.contains("Duration: 60000 msecs"));
-    QVERIFY(told.contains("Getting time for video 1"));
-    QVERIFY(told.contains("Duration: 120000 msecs"));
+    const QStringList logged = messages.messages(QtInfoMsg);
+    QCOMPARE(logged[0], QString("Logs:  1  entries"));
+    QCOMPARE(logged[1], QString("Videos:  2  entries"));
+    QVERIFY(logged.contains("Getting time for video 0"));
+    QVERIFY(logged.contains("Duration: 60000 msecs"));
+    QVERIFY(logged.contains("Getting time for video 1"));
+    QVERIFY(logged.contains("Duration: 120000 msecs"));
     QVERIFY(messages.contains("Reference start 10690 end 70690"));
     QVERIFY(messages.contains("Reference start 101279 end 221279"));
 }

@@ -42,7 +42,8 @@ void forgetPeak()
 
 } // namespace
 
-/// What cannot be read, written or held in memory: it is told, and what was there before is whole.
+/// What cannot be read, written or held in memory: it is reported, and what was there before is
+/// whole.
 class DocxFailuresTest : public QObject, private DocxFixture
 {
     Q_OBJECT
@@ -50,7 +51,7 @@ class DocxFailuresTest : public QObject, private DocxFixture
 private slots:
     void init() { makeFolder(); }
 
-    void tellsWhatIsNotThere()
+    void namesWhatIsMissing()
     {
         DocxMerger merger;
         const QString closed = "no template is open";
@@ -139,13 +140,13 @@ private slots:
         DocxMerger merger;
         forgetPeak();
         const qint64 before = peakBytes();
-        const QString told = errorOf([&] { merger.load(path("t.dfw")); });
-        QVERIFY2(!told.isEmpty() && told.contains(error), qPrintable(told));
+        const QString reported = errorOf([&] { merger.load(path("t.dfw")); });
+        QVERIFY2(!reported.isEmpty() && reported.contains(error), qPrintable(reported));
         QVERIFY(peakBytes() - before < (qint64(400) << 20));
         QCOMPARE(errorOf([&] { merger.paste("Page"); }), QString("no template is open"));
     }
 
-    void aMissingTemplateIsTold()
+    void missingTemplateIsReported()
     {
         DocxMerger merger;
         QVERIFY(errorOf([&] { merger.load(path("none.dfw")); }).contains("none.dfw"));
@@ -203,7 +204,7 @@ private slots:
         QCOMPARE(brokenRules(readZip(path("out.docx"))), QStringList());
     }
 
-    void aPictureThatFindsNoRoomIsTold()
+    void pictureWithoutRoomIsReported()
     {
         DocxMerger merger;
         merger.load(templateOf(page()));
@@ -229,7 +230,7 @@ private slots:
         QCOMPARE(QImage::fromData(parts[media.first()]), noise);
     }
 
-    void tellsWhereItCannotWrite()
+    void namesTheFileItCannotWrite()
     {
         DocxMerger merger;
         merger.load(templateOf(page()));

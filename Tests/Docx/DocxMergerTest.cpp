@@ -6,7 +6,7 @@
 using corv::DocxMerger;
 using namespace corv::test;
 
-/// What becomes of a template and the values that are pasted.
+/// The document made of a template and the values that are pasted.
 class DocxMergerTest : public QObject, private DocxFixture
 {
     Q_OBJECT
@@ -149,7 +149,7 @@ private slots:
         QVERIFY2(document.contains(expected), document.constData());
     }
 
-    void textFromTheRightIsMarkedSo()
+    void rightToLeftTextHasItsDirection()
     {
         const QString hebrew = QString::fromUtf8("שלום");
         const QByteArray alone = filled(
@@ -163,7 +163,7 @@ private slots:
         QVERIFY2(!latin.contains("<w:rtl/>") && !latin.contains("<w:bidi/>"), latin.constData());
     }
 
-    void whatMayStandOnlyOnceIsTakenOut()
+    void removesWhatMayExistOnlyOnce()
     {
         const QByteArray marks = "<w:bookmarkStart w:id=\"7\" w:name=\"n\"/><w:commentRangeStart "
                                  "w:id=\"1\"/><w:commentRangeEnd w:id=\"1\"/><w:bookmarkEnd "
@@ -307,7 +307,7 @@ private slots:
         QCOMPARE(documentText(parts), QString("Name: n\n\n\n"));
     }
 
-    void bookmarksStandInForLostControls_data()
+    void bookmarksReplaceLostControls_data()
     {
         QTest::addColumn<QByteArray>("blocks");
         const QByteArray start = "<w:bookmarkStart w:id=\"1\" w:name=\"I\"/>";
@@ -333,7 +333,7 @@ private slots:
                    paragraph(field + end);
     }
 
-    void bookmarksStandInForLostControls()
+    void bookmarksReplaceLostControls()
     {
         QFETCH(QByteArray, blocks);
         const Parts parts = made(blocks, [](DocxMerger& merger) {

@@ -126,7 +126,7 @@ private slots:
         QCOMPARE(parts.keys().filter("word/media/").size(), 1 + marks().size());
     }
 
-    void theTextStandsInOrder()
+    void textIsInOrder()
     {
         writeReport(VISTREL_REPORT_TEMPLATE, path("report.docx"));
         const QString text = documentText(readZip(path("report.docx")));

@@ -16,7 +16,7 @@ void add(QuaZip& zip, const char* name, const QByteArray& content)
     part.write(content);
 }
 
-/// A checksum stands between a fuzzer and what is inside a zip: the document is packed here.
+/// A checksum keeps a fuzzer from what is inside a zip: the document is packed here.
 void packDocument(const QString& path, const QByteArray& document)
 {
     QuaZip zip(path);
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         }
         merger.save(output.path());
     } catch (const std::runtime_error&) {
-        // told, and so fine
+        // reported, and so fine
     }
     return 0;
 }

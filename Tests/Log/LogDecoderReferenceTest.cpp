@@ -11,7 +11,7 @@
 using namespace corv;
 using namespace corv::test;
 
-/// The decoder against a slow and independent one: callers cannot tell them apart.
+/// The decoder against a slow and independent one: both give callers the same.
 class LogDecoderReferenceTest : public QObject
 {
     Q_OBJECT

@@ -37,7 +37,7 @@ private slots:
     void hostileDescriptions();
     void moreGroupsThanAnyDrone();
     void deepDescriptionsEnd();
-    void progressIsTold();
+    void progressIsEmitted();
     void anAbortIsNoticed_data();
     void anAbortIsNoticed();
     void anAbortAfterTheLastLookIsNot();
@@ -498,20 +498,20 @@ void LogDecoderTest::deepDescriptionsEnd()
     QVERIFY(!decode("<main>" + opened + "</main>\n"));
 }
 
-void LogDecoderTest::progressIsTold()
+void LogDecoderTest::progressIsEmitted()
 {
     LogBuilder builder = pairLog();
     for (int i = 0; i < 1999; ++i)
         builder.addPacket(3, "ab");
     builder.addPacketWithBadChecksum(3, "ab").addPacketWithSize(3, 9, "");
-    QStringList told;
-    m_progress = [&told](int stage, int done, int total) {
-        told += QStringLiteral("%1 %2 %3").arg(stage).arg(done).arg(total);
+    QStringList reported;
+    m_progress = [&reported](int stage, int done, int total) {
+        reported += QStringLiteral("%1 %2 %3").arg(stage).arg(done).arg(total);
     };
     QVERIFY(decode(builder));
-    QCOMPARE(told, QStringList({QStringLiteral("0 0 0"), QStringLiteral("1 0 0"),
-                                QStringLiteral("2 0 2001"), QStringLiteral("2 1000 2001"),
-                                QStringLiteral("2 2000 2001"), QStringLiteral("2 2000 2001")}));
+    QCOMPARE(reported, QStringList({QStringLiteral("0 0 0"), QStringLiteral("1 0 0"),
+                                    QStringLiteral("2 0 2001"), QStringLiteral("2 1000 2001"),
+                                    QStringLiteral("2 2000 2001"), QStringLiteral("2 2000 2001")}));
 }
 
 void LogDecoderTest::anAbortIsNoticed_data()

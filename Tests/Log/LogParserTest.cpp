@@ -39,7 +39,7 @@ private slots:
     void readersKeepTheLogAlive();
     void naming_data();
     void naming();
-    void settersTellOfChangesOnly();
+    void settersEmitOnChangeOnly();
     void anyOrderIsSafe();
 
 private:
@@ -72,7 +72,7 @@ LogBuilder flightLog(unsigned camera = 35)
     return log;
 }
 
-// Everything that a parser tells, by name and value, in order.
+// Everything that a parser emits, by name and value, in order.
 class Record : public QObject
 {
 public:
@@ -429,7 +429,7 @@ void LogParserTest::naming()
     QCOMPARE(m_parser->property("flightNaming").toMap(), m_parser->flightNaming());
 }
 
-void LogParserTest::settersTellOfChangesOnly()
+void LogParserTest::settersEmitOnChangeOnly()
 {
     QSignalSpy offset(m_parser.get(), &LogParser::manualLogTimeOffsetChanged);
     QSignalSpy parsing(m_parser.get(), &LogParser::isParsingChanged);

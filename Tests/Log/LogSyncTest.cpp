@@ -20,9 +20,9 @@ class LogSyncTest : public QObject
 private slots:
     void matches_data();
     void matches();
-    void aMatchIsTold();
-    void theFallbackIsTold();
-    void noRecordingIsTold();
+    void matchIsLogged();
+    void fallbackIsLogged();
+    void missingRecordingIsLogged();
     void recordingsArePairedByPosition();
     void nothingToMatch();
     void namingsAreRead();
@@ -30,7 +30,7 @@ private slots:
     void namingsThatAreNotAllThere();
     void theLatestNamingBeforeTheEndCounts_data();
     void theLatestNamingBeforeTheEndCounts();
-    void theChoiceOfANamingIsTold();
+    void choiceOfANamingIsLogged();
     void thermalCameras_data();
     void thermalCameras();
 
@@ -123,7 +123,7 @@ void LogSyncTest::matches()
     QCOMPARE(result.videoDuration, found ? videoMs : 0);
 }
 
-void LogSyncTest::aMatchIsTold()
+void LogSyncTest::matchIsLogged()
 {
     const MessageLog messages;
     m_decoder.findLogTimeOffset({{5000, 66000}}, 60000);
@@ -133,7 +133,7 @@ void LogSyncTest::aMatchIsTold()
                           QStringLiteral("Difference: -1000 ms")}));
 }
 
-void LogSyncTest::theFallbackIsTold()
+void LogSyncTest::fallbackIsLogged()
 {
     const MessageLog messages;
     m_decoder.findLogTimeOffset({{1000, 0}}, 60000);
@@ -144,7 +144,7 @@ void LogSyncTest::theFallbackIsTold()
                           QStringLiteral("Difference: 61000 ms")}));
 }
 
-void LogSyncTest::noRecordingIsTold()
+void LogSyncTest::missingRecordingIsLogged()
 {
     const MessageLog messages;
     m_decoder.findLogTimeOffset({}, 60000);
@@ -276,7 +276,7 @@ void LogSyncTest::theLatestNamingBeforeTheEndCounts()
     QVERIFY(m_decoder.findNamingForFlight(events, 0, 1000).undefined);
 }
 
-void LogSyncTest::theChoiceOfANamingIsTold()
+void LogSyncTest::choiceOfANamingIsLogged()
 {
     const MessageLog messages;
     m_decoder.findNamingForFlight(

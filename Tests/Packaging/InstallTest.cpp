@@ -37,7 +37,7 @@ private slots:
     void installsTheseFilesAndNoOthers();
     void commandsAreLinks_data();
     void commandsAreLinks();
-    void linkedCommandTellsItsVersion();
+    void linkedCommandShowsItsVersion();
     void linkedCommandFindsTheTemplateBesideTheProgram();
     void manualIsComplete();
     void manualHasEachChapterOnItsPage_data();
@@ -158,7 +158,7 @@ void InstallTest::commandsAreLinks()
     QVERIFY(QFileInfo(link.canonicalFilePath()).permission(QFile::ExeOther));
 }
 
-void InstallTest::linkedCommandTellsItsVersion()
+void InstallTest::linkedCommandShowsItsVersion()
 {
     const ProgramRun outcome = run(staged("bin/vistrel-cli"), {"--version"});
     QCOMPARE(outcome.status, 0);
@@ -198,7 +198,7 @@ void InstallTest::manualHasEachChapterOnItsPage_data()
     }
 }
 
-// The page number that the contents tell is that of the page with the heading.
+// The page number in the contents is that of the page with the heading.
 void InstallTest::manualHasEachChapterOnItsPage()
 {
     QFETCH(QString, chapter);

@@ -10,9 +10,9 @@ class ElevationTest : public QObject
     Q_OBJECT
 
 private slots:
-    void tellsWhetherTheFileRuns_data();
-    void tellsWhetherTheFileRuns();
-    void nobodyIsToldWhenTheAskerHasDied();
+    void reportsWhetherTheFileRuns_data();
+    void reportsWhetherTheFileRuns();
+    void doesNotCallBackADestroyedContext();
 
 private:
     static QString script(const QTemporaryDir& folder, const QString& name, const QByteArray& text);
@@ -29,7 +29,7 @@ QString ElevationTest::script(const QTemporaryDir& folder, const QString& name,
     return path;
 }
 
-void ElevationTest::tellsWhetherTheFileRuns_data()
+void ElevationTest::reportsWhetherTheFileRuns_data()
 {
     QTest::addColumn<QByteArray>("elevation");
     QTest::addColumn<QByteArray>("installer");
@@ -46,7 +46,7 @@ void ElevationTest::tellsWhetherTheFileRuns_data()
     QTest::newRow("no such program") << QByteArray() << QByteArray("exit 0") << false;
 }
 
-void ElevationTest::tellsWhetherTheFileRuns()
+void ElevationTest::reportsWhetherTheFileRuns()
 {
     QFETCH(QByteArray, elevation);
     QFETCH(QByteArray, installer);
@@ -66,22 +66,22 @@ void ElevationTest::tellsWhetherTheFileRuns()
     QTRY_COMPARE(answers, QList<bool>{started});
 }
 
-void ElevationTest::nobodyIsToldWhenTheAskerHasDied()
+void ElevationTest::doesNotCallBackADestroyedContext()
 {
     QTemporaryDir folder;
     const QString program =
         script(folder, QStringLiteral("elevate"), "touch \"$(dirname \"$0\")/done\"");
-    bool told = false;
+    bool called = false;
     auto asker = std::make_unique<QObject>();
     corv::platform::launchElevated(program, QStringLiteral("x"), asker.get(),
-                                   [&told](bool) { told = true; });
+                                   [&called](bool) { called = true; });
     asker.reset();
     QTRY_VERIFY(QFile::exists(folder.filePath(QStringLiteral("done"))));
     bool flushed = false;
     corv::platform::launchElevated(program, QStringLiteral("x"), this,
                                    [&flushed](bool) { flushed = true; });
     QTRY_VERIFY(flushed);
-    QVERIFY(!told);
+    QVERIFY(!called);
 }
 
 QTEST_GUILESS_MAIN(ElevationTest)

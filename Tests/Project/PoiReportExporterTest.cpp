@@ -78,7 +78,7 @@ private slots:
                  false);
     }
 
-    void tellsProgressAndThenTheEnd()
+    void emitsProgressAndThenTheEnd()
     {
         ScriptedPlayer player(frame);
         PoiReportExporter exporter;

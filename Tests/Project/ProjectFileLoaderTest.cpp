@@ -16,7 +16,7 @@ QByteArray project(const QByteArray& flight)
 
 } // namespace
 
-/// What a project holds: it comes back as it was saved, and whatever else stands in one is
+/// What a project holds: it comes back as it was saved, and whatever else is in one is
 /// survived.
 class ProjectFileLoaderTest : public QObject, private ProjectFixture
 {
@@ -324,7 +324,7 @@ private slots:
         QVERIFY(log.contains("Project file is too large"));
     }
 
-    void aMillionMarksAreCutOff()
+    void cutsOffAMillionPois()
     {
         QByteArray poi = R"({"time":0})";
         poi += QByteArray(R"(,{"time":1})").repeated(999999);

@@ -85,7 +85,7 @@ private slots:
         QCOMPARE(log.messages(QtInfoMsg).filter("Unable to save file").size(), 1);
     }
 
-    void tellsWhatCannotBeWritten()
+    void logsWhyAProjectIsNotWritten()
     {
         MessageLog log;
         m_loader.saveProject("/l", "/v", path("none/p.ecor"), {});

@@ -102,7 +102,7 @@ private slots:
         QTEST(corv::reportTime(timeMs), "text");
     }
 
-    void writesACoverAndAPageForEachMark()
+    void writesACoverAndAPageForEachPoi()
     {
         ScriptedPlayer player(frameAt);
         MessageLog log;
@@ -158,7 +158,7 @@ private slots:
         QVERIFY(text().contains(QString::number(QDate::currentDate().year())));
     }
 
-    void marksWithoutUsableTimeAtTheStartArePassedOver()
+    void skipsLeadingPoisWithoutUsableTime()
     {
         QStringList frames;
         ScriptedPlayer player([&](int timeMs) {
@@ -203,7 +203,7 @@ private slots:
         QCOMPARE(m_steps, Steps({{1, 1}}));
     }
 
-    void aFrameThatCannotBeSavedIsTold()
+    void unsavedFrameIsReported()
     {
         ScriptedPlayer player([this](int timeMs) {
             QDir(path("tmp")).removeRecursively();
@@ -284,7 +284,7 @@ private slots:
                      QStringList());
     }
 
-    void aMissingTemplateIsTold()
+    void missingTemplateIsReported()
     {
         ScriptedPlayer player(frameAt);
         MessageLog log;
@@ -299,7 +299,7 @@ private slots:
                  QCoreApplication::applicationDirPath() + "/docx_export_template.dfw");
     }
 
-    void aBrokenTemplateIsTold()
+    void brokenTemplateIsReported()
     {
         QFile broken(path("broken.dfw"));
         QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write("no zip") == 6);
@@ -311,7 +311,7 @@ private slots:
         QVERIFY(log.contains("cannot be unpacked"));
     }
 
-    void aTemplateWithoutCoverIsTold()
+    void templateWithoutCoverIsReported()
     {
         writeZip(path("t.dfw"), templateParts(control("Page", paragraph(run("p")))));
         ScriptedPlayer player(frameAt);
@@ -332,7 +332,7 @@ private slots:
         QCOMPARE(text(), QString("c\n"));
     }
 
-    void aDocumentThatCannotBeWrittenIsTold()
+    void unwritableDocumentIsReported()
     {
         QVERIFY(QDir().mkpath(path("out.docx")));
         ScriptedPlayer player(frameAt);

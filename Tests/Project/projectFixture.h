@@ -44,7 +44,7 @@ inline QByteArray readFile(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The one flight of a project, as it stands on disk.
+/// The one flight of a project, as it is on disk.
 inline QJsonObject savedFlight(const QString& path)
 {
     const QJsonObject root = QJsonDocument::fromJson(readFile(path)).object();

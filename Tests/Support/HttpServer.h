@@ -38,7 +38,7 @@ public:
 
     struct Request
     {
-        QByteArray path;                      ///< as it stood in the request line
+        QByteArray path;                      ///< as it was in the request line
         QMap<QByteArray, QByteArray> headers; ///< names in lower case
     };
 

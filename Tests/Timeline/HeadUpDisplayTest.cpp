@@ -23,9 +23,9 @@ private slots:
     void followsTheCorrection();
     void anInvalidPositionShowsTheStart();
     void labelsOnlyWithoutAMatch();
-    void updateWithoutALogIsTold();
-    void groupsWithoutValuesAreTold_data();
-    void groupsWithoutValuesAreTold();
+    void updateWithoutALogIsLogged();
+    void groupsWithoutValuesAreListed_data();
+    void groupsWithoutValuesAreListed();
     void varsOfAnotherShapeHaveNoValue_data();
     void varsOfAnotherShapeHaveNoValue();
     void keepsTheLogAlive();
@@ -208,7 +208,7 @@ void HeadUpDisplayTest::labelsOnlyWithoutAMatch()
     QCOMPARE(needlePixels(image, image.rect()), 0);
 }
 
-void HeadUpDisplayTest::updateWithoutALogIsTold()
+void HeadUpDisplayTest::updateWithoutALogIsLogged()
 {
     HeadUpDisplay hud;
     hud.setSize(QSizeF(panelWidth, panelHeight));
@@ -223,10 +223,10 @@ void HeadUpDisplayTest::updateWithoutALogIsTold()
     QCOMPARE(painted(hud).pixelColor(compassCentre), discColour);
 }
 
-void HeadUpDisplayTest::groupsWithoutValuesAreTold_data()
+void HeadUpDisplayTest::groupsWithoutValuesAreListed_data()
 {
     QTest::addColumn<QString>("log");
-    QTest::addColumn<QStringList>("told");
+    QTest::addColumn<QStringList>("logged");
     const QString noState = QStringLiteral("No state estimation time/values");
     const QString noCamera = QStringLiteral("No camera pitch time/values");
     QTest::newRow("no groups") << "none" << QStringList();
@@ -237,10 +237,10 @@ void HeadUpDisplayTest::groupsWithoutValuesAreTold_data()
     QTest::newRow("time without columns") << "no columns" << QStringList{noState, noCamera};
 }
 
-void HeadUpDisplayTest::groupsWithoutValuesAreTold()
+void HeadUpDisplayTest::groupsWithoutValuesAreListed()
 {
     QFETCH(QString, log);
-    QFETCH(QStringList, told);
+    QFETCH(QStringList, logged);
     LogBuilder builder = recordingLog(durationMs);
     const auto add = [&builder](const std::vector<LogBuilder::Var>& state,
                                 const std::vector<LogBuilder::Var>& camera, int bytes) {
@@ -268,7 +268,7 @@ void HeadUpDisplayTest::groupsWithoutValuesAreTold()
     panel.hud.setLogParser(&panel.parser);
     const MessageLog messages;
     panel.hud.updateLogData();
-    QCOMPARE(messages.messages(), told);
+    QCOMPARE(messages.messages(), logged);
     QVERIFY(!QGuiApplication::overrideCursor());
     for (int row = 0; row < 5; ++row)
         QCOMPARE(panel.textsOfRow(row, 0), texts(row, QString()));

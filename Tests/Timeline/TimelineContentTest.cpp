@@ -10,7 +10,7 @@ class TimelineContentTest : public QObject
 
 private slots:
     void startsAsStated();
-    void settersTellInOrder();
+    void settersEmitInOrder();
     void settersIgnoreWhatIsUnchangedOrInvalid();
     void theScaleFollowsDurationAndWidth();
     void theCursorIsClamped_data();
@@ -42,7 +42,7 @@ void TimelineContentTest::startsAsStated()
     QVERIFY(timeline.acceptHoverEvents());
 }
 
-void TimelineContentTest::settersTellInOrder()
+void TimelineContentTest::settersEmitInOrder()
 {
     Strip strip;
     strip.timeline.setDuration(timeAt(120000));

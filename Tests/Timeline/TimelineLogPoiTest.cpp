@@ -56,7 +56,7 @@ struct LoggedStrip
     TimelineContent timeline;
 };
 
-QString told(const char* text, int ms)
+QString logLine(const char* text, int ms)
 {
     QString message;
     QDebug(&message) << text << timeAt(ms);
@@ -71,13 +71,13 @@ class TimelineLogPoiTest : public QObject
 
 private slots:
     void updateAddsWhatIsMissing();
-    void aMarkOfTheLogExistsWithItsFrameOnly();
-    void nullFramesMakeNoMark_data();
-    void nullFramesMakeNoMark();
+    void poiOfTheLogExistsWithItsFrameOnly();
+    void nullFramesMakeNoPoi_data();
+    void nullFramesMakeNoPoi();
     void updatingTwiceAddsNothing();
     void updateBringsBackWhatWasDeleted();
-    void marksBeforeTheVideo();
-    void theCorrectionMovesNoMark();
+    void poisBeforeTheVideo();
+    void correctionMovesNoPoi();
     void theLaterOfEqualEntriesWins();
     void updateReplacesWhatCameInBetween();
     void restoreAddsWithinTheVideoOnly();
@@ -104,14 +104,14 @@ void TimelineLogPoiTest::updateAddsWhatIsMissing()
     strip.timeline.updateLogData();
     const std::vector<QTime> expected = {timeAt(30000), timeAt(20000)};
     QCOMPARE(strip.player.requestedTimes(), expected);
-    QCOMPARE(log.messages(), QStringList{told("Already added POI at", 10000)});
+    QCOMPARE(log.messages(), QStringList{logLine("Already added POI at", 10000)});
     strip.answerAll();
     QCOMPARE(strip.marks(), (QStringList{"10000 mine", "20000 POI 3", "30000 POI 1"}));
     QCOMPARE(strip.timeline.getPOIs().last().toMap().value(QStringLiteral("comment")).toString(),
              QString());
 }
 
-void TimelineLogPoiTest::aMarkOfTheLogExistsWithItsFrameOnly()
+void TimelineLogPoiTest::poiOfTheLogExistsWithItsFrameOnly()
 {
     LoggedStrip strip({start + 30000});
     strip.timeline.updateLogData();
@@ -123,14 +123,14 @@ void TimelineLogPoiTest::aMarkOfTheLogExistsWithItsFrameOnly()
     QCOMPARE(painted(strip.timeline).pixelColor(320, 70), QColor(Qt::green));
 }
 
-void TimelineLogPoiTest::nullFramesMakeNoMark_data()
+void TimelineLogPoiTest::nullFramesMakeNoPoi_data()
 {
     QTest::addColumn<bool>("restore");
     QTest::newRow("updateLogData") << false;
     QTest::newRow("restoreMissingPOIsWithLogData") << true;
 }
 
-void TimelineLogPoiTest::nullFramesMakeNoMark()
+void TimelineLogPoiTest::nullFramesMakeNoPoi()
 {
     QFETCH(bool, restore);
     LoggedStrip strip({start + 30000});
@@ -140,7 +140,7 @@ void TimelineLogPoiTest::nullFramesMakeNoMark()
         strip.timeline.updateLogData();
     const MessageLog log;
     strip.answerAll(QImage());
-    QCOMPARE(log.messages(QtWarningMsg), QStringList{told("Null frame at", 30000)});
+    QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Null frame at", 30000)});
     QVERIFY(strip.marks().isEmpty());
 }
 
@@ -152,8 +152,8 @@ void TimelineLogPoiTest::updatingTwiceAddsNothing()
     const MessageLog log;
     strip.timeline.updateLogData();
     QVERIFY(strip.player.requests.empty());
-    QCOMPARE(log.messages(QtInfoMsg), (QStringList{told("Already added POI at", 10000),
-                                                   told("Already added POI at", 20000)}));
+    QCOMPARE(log.messages(QtInfoMsg), (QStringList{logLine("Already added POI at", 10000),
+                                                   logLine("Already added POI at", 20000)}));
     QCOMPARE(strip.marks(), (QStringList{"10000 POI 1", "20000 POI 2"}));
 }
 
@@ -170,7 +170,7 @@ void TimelineLogPoiTest::updateBringsBackWhatWasDeleted()
     QCOMPARE(strip.marks(), (QStringList{"10000 POI 1", "20000 POI 2"}));
 }
 
-void TimelineLogPoiTest::marksBeforeTheVideo()
+void TimelineLogPoiTest::poisBeforeTheVideo()
 {
     LoggedStrip strip({start - 2000, start + 10000});
     strip.timeline.setDuration(timeAt(durationMs));
@@ -183,7 +183,7 @@ void TimelineLogPoiTest::marksBeforeTheVideo()
     QCOMPARE(strip.marks(), (QStringList{"10000 POI 2", "86398000 POI 1"}));
 }
 
-void TimelineLogPoiTest::theCorrectionMovesNoMark()
+void TimelineLogPoiTest::correctionMovesNoPoi()
 {
     LoggedStrip strip({start + 10000});
     strip.parser.setManualLogTimeOffset(500);
@@ -223,7 +223,7 @@ void TimelineLogPoiTest::restoreAddsWithinTheVideoOnly()
     QVERIFY(log.messages().isEmpty());
     strip.answerAll();
     QCOMPARE(strip.marks(), (QStringList{"0 POI 2", "59999 POI 3"}));
-    QCOMPARE(log.messages(QtWarningMsg), QStringList{told("Couldn't insert POI at ", 60000)});
+    QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Couldn't insert POI at ", 60000)});
 }
 
 void TimelineLogPoiTest::restoringTwiceDoubles()
@@ -252,7 +252,7 @@ void TimelineLogPoiTest::restoreGivesUpAtTheEnd()
     strip.timeline.restoreMissingPOIsWithLogData();
     strip.answerAll();
     QCOMPARE(strip.marks(), (QStringList{"59998 POI 1", "59999 POI 2"}));
-    QCOMPARE(log.messages(QtWarningMsg), QStringList{told("Couldn't insert POI at ", 59998)});
+    QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Couldn't insert POI at ", 59998)});
 }
 
 void TimelineLogPoiTest::restoreAsksTheDurationWhenTheFrameComes()
@@ -263,7 +263,7 @@ void TimelineLogPoiTest::restoreAsksTheDurationWhenTheFrameComes()
     strip.timeline.setDuration(timeAt(30000));
     strip.answerAll();
     QVERIFY(strip.marks().isEmpty());
-    QCOMPARE(log.messages(QtWarningMsg), QStringList{told("Couldn't insert POI at ", 40000)});
+    QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Couldn't insert POI at ", 40000)});
 }
 
 void TimelineLogPoiTest::withoutALog_data()

@@ -36,22 +36,22 @@ private slots:
     void deletesTheSelected();
     void clearsAll();
     void updatesTheSelectedWhateverTheTimeSays();
-    void updatingNothingIsTold();
+    void updatingNothingIsLogged();
     void nothingIsSelectedAtFirst();
 
     void moveModeNeedsASelection();
     void movesTheSelected();
     void movesOverAnother();
     void movingOntoItsOwnPlaceLosesIt();
-    void movingAStaleSelectionMakesAnEmptyMark();
+    void movingAStaleSelectionMakesAnEmptyPoi();
 
     void thumbnailArrives_data();
     void thumbnailArrives();
-    void nullFrameIsTold_data();
-    void nullFrameIsTold();
-    void aDeletedMarkStaysDeleted_data();
-    void aDeletedMarkStaysDeleted();
-    void aReplacedMarkTakesTheFrame();
+    void nullFrameIsLogged_data();
+    void nullFrameIsLogged();
+    void deletedPoiStaysDeleted_data();
+    void deletedPoiStaysDeleted();
+    void replacedPoiTakesTheFrame();
     void framesMayComeInAnyOrder();
     void withoutAPlayerNoFrameIsAskedFor();
     void aDestroyedItemNeedsNoFrames();
@@ -198,7 +198,7 @@ void TimelineMarksTest::updatesTheSelectedWhateverTheTimeSays()
     QCOMPARE(strip.timeline.getPOIs().last().toMap(), poiMap(9000, QString()));
 }
 
-void TimelineMarksTest::updatingNothingIsTold()
+void TimelineMarksTest::updatingNothingIsLogged()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -310,7 +310,7 @@ void TimelineMarksTest::movingOntoItsOwnPlaceLosesIt()
     QVERIFY(strip.timeline.getPOIs().isEmpty());
 }
 
-void TimelineMarksTest::movingAStaleSelectionMakesAnEmptyMark()
+void TimelineMarksTest::movingAStaleSelectionMakesAnEmptyPoi()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -327,7 +327,7 @@ void TimelineMarksTest::movingAStaleSelectionMakesAnEmptyMark()
 namespace {
 
 // Leaves a mark that waits for its picture, with the cursor on it, at 40 s.
-void makeWaitingMark(Strip& strip, const QString& how)
+void makeWaitingPoi(Strip& strip, const QString& how)
 {
     if (how == QLatin1String("moved")) {
         strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -369,7 +369,7 @@ void TimelineMarksTest::thumbnailArrives()
 {
     QFETCH(QString, how);
     Strip strip;
-    makeWaitingMark(strip, how);
+    makeWaitingPoi(strip, how);
     QCOMPARE(strip.player.requestedTimes(), std::vector<QTime>{timeAt(40000)});
     QCOMPARE(strip.thumbnailColour(40000), ground);
     const MessageLog log;
@@ -381,16 +381,16 @@ void TimelineMarksTest::thumbnailArrives()
     QVERIFY(log.messages().isEmpty());
 }
 
-void TimelineMarksTest::nullFrameIsTold_data()
+void TimelineMarksTest::nullFrameIsLogged_data()
 {
     addRowsOfOperations();
 }
 
-void TimelineMarksTest::nullFrameIsTold()
+void TimelineMarksTest::nullFrameIsLogged()
 {
     QFETCH(QString, how);
     Strip strip;
-    makeWaitingMark(strip, how);
+    makeWaitingPoi(strip, how);
     const MessageLog log;
     strip.player.answer(QImage());
     const QString expected =
@@ -401,16 +401,16 @@ void TimelineMarksTest::nullFrameIsTold()
     QCOMPARE(strip.thumbnailColour(40000), ground);
 }
 
-void TimelineMarksTest::aDeletedMarkStaysDeleted_data()
+void TimelineMarksTest::deletedPoiStaysDeleted_data()
 {
     addRowsOfOperations();
 }
 
-void TimelineMarksTest::aDeletedMarkStaysDeleted()
+void TimelineMarksTest::deletedPoiStaysDeleted()
 {
     QFETCH(QString, how);
     Strip strip;
-    makeWaitingMark(strip, how);
+    makeWaitingPoi(strip, how);
     strip.timeline.deletePoiAtPosition();
     const MessageLog log;
     strip.player.answer(frameOf(Qt::green));
@@ -420,7 +420,7 @@ void TimelineMarksTest::aDeletedMarkStaysDeleted()
     QVERIFY(strip.timeline.getPOIs().isEmpty());
 }
 
-void TimelineMarksTest::aReplacedMarkTakesTheFrame()
+void TimelineMarksTest::replacedPoiTakesTheFrame()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(40000, QStringLiteral("first"))});

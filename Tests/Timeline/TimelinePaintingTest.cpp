@@ -36,12 +36,12 @@ private slots:
     void paintsTicksUpToTheEnd();
     void paintsLabels();
     void paintsTheCursor();
-    void paintsMarksInOrder();
-    void paintsTheHoveredMarkOnTop();
+    void paintsPoisInOrder();
+    void paintsTheHoveredPoiOnTop();
     void paintsMoveMode();
-    void marksOutOfViewCostNothing();
+    void poisOutOfViewAreNotPainted();
     void aHundredThousandPoisLookLikeOnePerPixel();
-    void goneMarksArePaintedHarmlessly();
+    void paintingAfterRemovalOfPoisIsHarmless();
     void oddScalesArePaintedHarmlessly_data();
     void oddScalesArePaintedHarmlessly();
 };
@@ -151,7 +151,7 @@ void TimelinePaintingTest::paintsTheCursor()
     QVERIFY(image.pixelColor(294, 13) != QColor(0, 0, 0));
 }
 
-void TimelinePaintingTest::paintsMarksInOrder()
+void TimelinePaintingTest::paintsPoisInOrder()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({QVariantMap{{QStringLiteral("time"), 20000}},
@@ -168,7 +168,7 @@ void TimelinePaintingTest::paintsMarksInOrder()
     QCOMPARE(image.pixelColor(280, 107), ground);
 }
 
-void TimelinePaintingTest::paintsTheHoveredMarkOnTop()
+void TimelinePaintingTest::paintsTheHoveredPoiOnTop()
 {
     Strip strip;
     strip.addMarks({20000, 22000}, QColor(0, 100, 0));
@@ -216,7 +216,7 @@ void TimelinePaintingTest::paintsMoveMode()
     QCOMPARE(painted(strip.timeline).pixelColor(430, 34), white);
 }
 
-void TimelinePaintingTest::marksOutOfViewCostNothing()
+void TimelinePaintingTest::poisOutOfViewAreNotPainted()
 {
     Strip strip(60120); // 1 ms per pixel
     QList<int> times;
@@ -248,7 +248,7 @@ void TimelinePaintingTest::aHundredThousandPoisLookLikeOnePerPixel()
     QCOMPARE(image.copy(0, 26, 599, 134), painted(few.timeline).copy(0, 26, 599, 134));
 }
 
-void TimelinePaintingTest::goneMarksArePaintedHarmlessly()
+void TimelinePaintingTest::paintingAfterRemovalOfPoisIsHarmless()
 {
     Strip strip;
     const QImage bare = painted(strip.timeline);

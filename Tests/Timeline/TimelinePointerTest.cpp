@@ -22,16 +22,16 @@ private slots:
     void pressBelowTheRulerDoesNotDrag();
     void dragPastTheStartWraps();
     void dragDoesNotScrollBeforeTheRelease();
-    void pressOnAMarkSelectsAndSeeks();
-    void selectingTheFlagAtThePlayheadIsSeen();
+    void pressOnAPoiSelectsAndSeeks();
+    void selectingThePoiAtThePlayheadIsSeen();
     void pressOnBareStripClearsTheSelection();
     void pressInMoveModeOnlyMovesTheCursor();
-    void doubleClickOnAMark();
+    void doubleClickOnAPoi();
 
-    void hoverHitsMarks_data();
-    void hoverHitsMarks();
-    void theLatestOfOverlappingMarksIsHit();
-    void aMarkWithoutThumbnailIsOnePixelWide();
+    void hoverHitsPois_data();
+    void hoverHitsPois();
+    void latestOfOverlappingPoisIsHit();
+    void poiWithoutThumbnailIsOnePixelWide();
     void hoverAcceptsInOppositeSenses_data();
     void hoverAcceptsInOppositeSenses();
     void hoverChangesTheCursorShape();
@@ -145,7 +145,7 @@ void TimelinePointerTest::dragDoesNotScrollBeforeTheRelease()
     QCOMPARE(strip.taken(), QStringList{"contentX 1090"});
 }
 
-void TimelinePointerTest::pressOnAMarkSelectsAndSeeks()
+void TimelinePointerTest::pressOnAPoiSelectsAndSeeks()
 {
     Strip strip;
     strip.addMarks({20000});
@@ -160,7 +160,7 @@ void TimelinePointerTest::pressOnAMarkSelectsAndSeeks()
     QCOMPARE(strip.taken(), (QStringList{"clicked", "seek 20000"}));
 }
 
-void TimelinePointerTest::selectingTheFlagAtThePlayheadIsSeen()
+void TimelinePointerTest::selectingThePoiAtThePlayheadIsSeen()
 {
     Strip strip;
     strip.addMarks({20000});
@@ -205,7 +205,7 @@ void TimelinePointerTest::pressInMoveModeOnlyMovesTheCursor()
     QCOMPARE(strip.timeline.selectedPoiTime(), timeAt(20000));
 }
 
-void TimelinePointerTest::doubleClickOnAMark()
+void TimelinePointerTest::doubleClickOnAPoi()
 {
     Strip strip;
     strip.addMarks({20000});
@@ -225,7 +225,7 @@ void TimelinePointerTest::doubleClickOnAMark()
 
 // --- Hover -----------------------------------------------------------------------------------
 
-void TimelinePointerTest::hoverHitsMarks_data()
+void TimelinePointerTest::hoverHitsPois_data()
 {
     QTest::addColumn<int>("x");
     QTest::addColumn<int>("y");
@@ -239,7 +239,7 @@ void TimelinePointerTest::hoverHitsMarks_data()
     QTest::newRow("below the band") << 230 << 152 << false;
 }
 
-void TimelinePointerTest::hoverHitsMarks()
+void TimelinePointerTest::hoverHitsPois()
 {
     QFETCH(int, x);
     QFETCH(int, y);
@@ -249,7 +249,7 @@ void TimelinePointerTest::hoverHitsMarks()
     QTEST(strip.doubleClick(x, y), "hit");
 }
 
-void TimelinePointerTest::theLatestOfOverlappingMarksIsHit()
+void TimelinePointerTest::latestOfOverlappingPoisIsHit()
 {
     Strip strip;
     strip.addMarks({20000, 22000, 24000});
@@ -260,7 +260,7 @@ void TimelinePointerTest::theLatestOfOverlappingMarksIsHit()
     QCOMPARE(strip.taken(), (QStringList{"doubleClicked 24000", "doubleClicked 22000"}));
 }
 
-void TimelinePointerTest::aMarkWithoutThumbnailIsOnePixelWide()
+void TimelinePointerTest::poiWithoutThumbnailIsOnePixelWide()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({QVariantMap{{QStringLiteral("time"), 20000}}});

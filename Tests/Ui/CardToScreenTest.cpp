@@ -74,7 +74,7 @@ void CardToScreenTest::openImporter()
     QVERIFY(QTest::qWaitForWindowActive(m_importer));
 }
 
-// Until the row below the first stands in its place, so that a click meets it.
+// Until the row below the first is in its place, so that a click meets it.
 void CardToScreenTest::awaitRow(const QString& name)
 {
     QTRY_VERIFY(m_ui->item(name, m_importer) && m_ui->item(name, m_importer)->y() > 0);

@@ -4,7 +4,7 @@
 
 namespace corv::test {
 
-/// A window that stands in for the main window, and the secondary windows that it makes on demand.
+/// A substitute for the main window, and the secondary windows that it makes on demand.
 /// Pictures of them are saved to the folder named by VISTREL_SCREENSHOTS, if that is set.
 class DialogHost
 {
@@ -38,7 +38,7 @@ public:
     /// A click in the middle of a named part, once it has its place.
     void click(const QString& objectName);
 
-    /// Keys into the window at hand; `type` replaces what stands in a field.
+    /// Keys into the window at hand; `type` replaces what is in a field.
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void type(const QString& objectName, const QString& text);
 

@@ -1,7 +1,7 @@
 import QtQuick 2.7
 import QtQuick.Window 2.2
 
-// Stands in for the main window towards the secondary windows: it makes them as the main window
+// Replaces the main window for the secondary windows: it makes them as the main window
 // does, and is known to them under the same id.
 Window {
     id: mainWindow

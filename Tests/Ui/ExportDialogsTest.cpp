@@ -88,19 +88,19 @@ void ExportDialogsTest::framesStartWithTheirDefaults()
 void ExportDialogsTest::framesFollowTheVideo()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
-    const auto tell = [&](const char* function, const QTime& time) {
+    const auto passTime = [&](const char* function, const QTime& time) {
         QMetaObject::invokeMethod(m_host->object(), function,
                                   Q_ARG(QVariant, QVariant::fromValue(time)));
     };
-    tell("setDuration", QTime(0, 12, 34, 567));
+    passTime("setDuration", QTime(0, 12, 34, 567));
     QCOMPARE(m_host->textOf("stopTextInput"), QString("12:34.567"));
-    tell("setDuration", QTime(0, 20, 0, 1));
+    passTime("setDuration", QTime(0, 20, 0, 1));
     QCOMPARE(m_host->textOf("stopTextInput"), QString("20:00.001"));
-    tell("setPosition", QTime(0, 1, 2, 3));
+    passTime("setPosition", QTime(0, 1, 2, 3));
     m_host->click("buttonSetCurrentPositionAsStart");
     QCOMPARE(m_host->textOf("startTextInput"), QString("01:02.003"));
     QCOMPARE(m_host->textOf("stopTextInput"), QString("20:00.001"));
-    tell("setPosition", QTime(0, 4, 5, 60));
+    passTime("setPosition", QTime(0, 4, 5, 60));
     m_host->click("buttonSetCurrentPositionAsStop");
     QCOMPARE(m_host->textOf("startTextInput"), QString("01:02.003"));
     QCOMPARE(m_host->textOf("stopTextInput"), QString("04:05.060"));
@@ -286,7 +286,7 @@ void ExportDialogsTest::framesTimesLieWithinTheVideo_data()
     QTest::newRow("beyond the end") << 0 << 86000000 << folder << "";
 }
 
-// The fields take no sign; whoever sets the times of the window is not bound to them.
+// The fields take no sign; code that sets the times of the window can pass one.
 void ExportDialogsTest::framesTimesLieWithinTheVideo()
 {
     QFETCH(int, startMs);
@@ -341,7 +341,7 @@ void ExportDialogsTest::framesFolderIsChosenAndRemembered()
     const QUrl url = QUrl::fromLocalFile(folder.path());
     QTRY_COMPARE(m_host->get("framesUrl").toUrl(), url);
     QCOMPARE(m_host->textOf("folderTextInput"), url.toString());
-    // The end of a long path is what tells folders apart, so that is what shows.
+    // The end of a long path distinguishes folders, so it is what shows.
     QQuickItem* field = m_host->item("folderTextInput");
     QRectF end;
     QVERIFY(QMetaObject::invokeMethod(field, "positionToRectangle", Q_RETURN_ARG(QRectF, end),

@@ -13,7 +13,7 @@ using namespace corv::test;
 
 /// Files that are spoilt, made with malice or edited by hand, through the whole main window: each
 /// is opened, played, searched, looked at in every mode, exported from, saved and closed. Nothing
-/// may end the program or hold its interface, and who must know is told.
+/// may end the program or hold its interface, and the pilot gets a message where one helps.
 class HostileInputTest : public QObject
 {
     Q_OBJECT
@@ -25,19 +25,19 @@ private slots:
     void cleanupTestCase();
     void survivesLogs_data();
     void survivesLogs();
-    void tellsOfUnreadableLogs_data();
-    void tellsOfUnreadableLogs();
+    void unreadableLogShowsAMessage_data();
+    void unreadableLogShowsAMessage();
     void survivesVideos_data();
     void survivesVideos();
-    void tellsOfUnreadableVideos_data();
-    void tellsOfUnreadableVideos();
+    void unreadableVideoShowsAMessage_data();
+    void unreadableVideoShowsAMessage();
     void survivesAVideoThatVanishes_data();
     void survivesAVideoThatVanishes();
     void survivesProjects_data();
     void survivesProjects();
-    void survivesManyMarks();
-    void tellsOfUnreadableProjects_data();
-    void tellsOfUnreadableProjects();
+    void survivesManyPois();
+    void unreadableProjectShowsAMessage_data();
+    void unreadableProjectShowsAMessage();
 
 private:
     bool openLog(const QByteArray& bytes);
@@ -248,7 +248,7 @@ void HostileInputTest::survivesLogs()
     review();
 }
 
-void HostileInputTest::tellsOfUnreadableLogs_data()
+void HostileInputTest::unreadableLogShowsAMessage_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("nothing") << QByteArray();
@@ -259,7 +259,7 @@ void HostileInputTest::tellsOfUnreadableLogs_data()
     QTest::newRow("tags without end") << QByteArray("<a>").repeated(200'000);
 }
 
-void HostileInputTest::tellsOfUnreadableLogs()
+void HostileInputTest::unreadableLogShowsAMessage()
 {
     QFETCH(QByteArray, bytes);
     QVERIFY(m_ui->openVideo());
@@ -306,7 +306,7 @@ void HostileInputTest::survivesVideos()
     review();
 }
 
-void HostileInputTest::tellsOfUnreadableVideos_data()
+void HostileInputTest::unreadableVideoShowsAMessage_data()
 {
     QTest::addColumn<QString>("path");
     const QByteArray sound = videoBytes(shortVideo());
@@ -321,7 +321,7 @@ void HostileInputTest::tellsOfUnreadableVideos_data()
     QTest::newRow("none of several") << numberedFlight("no video", "no video");
 }
 
-void HostileInputTest::tellsOfUnreadableVideos()
+void HostileInputTest::unreadableVideoShowsAMessage()
 {
     QFETCH(QString, path);
     m_ui->call("loadVideo", {path});
@@ -415,7 +415,7 @@ void HostileInputTest::survivesProjects()
     review();
 }
 
-void HostileInputTest::survivesManyMarks()
+void HostileInputTest::survivesManyPois()
 {
     QByteArray poi;
     for (int ms = 0; ms < 100'000; ++ms)
@@ -430,10 +430,10 @@ void HostileInputTest::survivesManyMarks()
     saveAndClose();
 }
 
-void HostileInputTest::tellsOfUnreadableProjects_data()
+void HostileInputTest::unreadableProjectShowsAMessage_data()
 {
     QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("told");
+    QTest::addColumn<QString>("message");
     const QString noVideo = "Project could be opened, but referenced video file not found.";
     QTest::newRow("nothing") << QByteArray() << noVideo;
     QTest::newRow("a number") << QByteArray("5") << noVideo;
@@ -446,13 +446,13 @@ void HostileInputTest::tellsOfUnreadableProjects_data()
         << QByteArray(R"({"contents":{"flights":[{"files":{"video":"/dev/zero"}}]}})") << noVideo;
 }
 
-void HostileInputTest::tellsOfUnreadableProjects()
+void HostileInputTest::unreadableProjectShowsAMessage()
 {
     QFETCH(QByteArray, text);
-    QFETCH(QString, told);
+    QFETCH(QString, message);
     m_ui->call("loadProject", {write("p.ecor", text)});
     QTRY_VERIFY(UiFixture::messageBox());
-    QVERIFY2(UiFixture::messageBox()->text().startsWith(told),
+    QVERIFY2(UiFixture::messageBox()->text().startsWith(message),
              qPrintable(UiFixture::messageBox()->text()));
     answeredBoxes();
     QVERIFY(!m_ui->hasVideo());

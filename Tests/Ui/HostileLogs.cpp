@@ -15,7 +15,7 @@ constexpr quint32 recordingMs = 7'000;
 constexpr quint32 firstFrameMs = startMs + 690;
 constexpr int thermalPixels = 160 * 120;
 
-/// The parts of a flight that can be wrong; what stands here is right.
+/// The parts of a flight that can be wrong; the defaults are right.
 struct Flight
 {
     QByteArray timeType = "UINT32";

@@ -13,8 +13,8 @@ class ImporterLocationsTest : public ImporterSuite
 
 private slots:
     void drivesAreListed();
-    void autodetectTellsWhatItFound_data();
-    void autodetectTellsWhatItFound();
+    void autodetectShowsWhatItFound_data();
+    void autodetectShowsWhatItFound();
     void autodetectReplacesAChosenFolder();
     void aChosenFolderGivesWayToADrive();
     void theLastOfQuickChoicesCounts();
@@ -41,7 +41,7 @@ void ImporterLocationsTest::drivesAreListed()
     QCOMPARE(selectedText("cardOneDriveDropdown"), "Drive " + disk + " ");
 }
 
-void ImporterLocationsTest::autodetectTellsWhatItFound_data()
+void ImporterLocationsTest::autodetectShowsWhatItFound_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QString>("text");
@@ -76,7 +76,7 @@ void ImporterLocationsTest::autodetectTellsWhatItFound_data()
         << noLogs + manyVideos << 0 << 2;
 }
 
-void ImporterLocationsTest::autodetectTellsWhatItFound()
+void ImporterLocationsTest::autodetectShowsWhatItFound()
 {
     QFETCH(QStringList, files);
     QFETCH(QString, text);

@@ -15,11 +15,11 @@ private slots:
     void opensEmptyAndWithoutADialog();
     void showsTheLastResultAtOnce();
     void aSearchShowsItsRows();
-    void aSearchThatFindsNothingTells();
+    void searchThatFindsNothingShowsAMessage();
     void progressIsOneFigureOverAllFiles_data();
     void progressIsOneFigureOverAllFiles();
     void anAbortedSearchLeavesNothing();
-    void loadingAnEmptyListTells();
+    void loadingAnEmptyListEmits();
     void loadingWithoutAClickTakesTheFirstRow();
     void loadingAFlightWithoutALog();
     void theKeyboardChoosesAndLoads();
@@ -28,8 +28,8 @@ private slots:
     void searchAfterAbortStartsWhenTheOldHasEnded();
     void closingTheWindowAborts();
     void videosAreCountedWhileTheirLengthsAreRead();
-    void theMarkShowsTheEvidence_data();
-    void theMarkShowsTheEvidence();
+    void pairIconShowsTheEvidence_data();
+    void pairIconShowsTheEvidence();
     void remarksAreShown();
     void theFastSearchBoxIsHandedOn();
     void longNamesStayInTheirColumns();
@@ -113,7 +113,7 @@ void ImporterTest::aSearchShowsItsRows()
     grab("importer-rows");
 }
 
-void ImporterTest::aSearchThatFindsNothingTells()
+void ImporterTest::searchThatFindsNothingShowsAMessage()
 {
     m_world->machine.addDrive("CARD", "", true);
     openImporter();
@@ -189,7 +189,7 @@ void ImporterTest::anAbortedSearchLeavesNothing()
     QCOMPARE(rowCount(), 3);
 }
 
-void ImporterTest::loadingAnEmptyListTells()
+void ImporterTest::loadingAnEmptyListEmits()
 {
     openImporter();
     click("okButton");
@@ -325,7 +325,7 @@ void ImporterTest::videosAreCountedWhileTheirLengthsAreRead()
     QVERIFY(!item("progressBar")->property("indeterminate").toBool());
 }
 
-void ImporterTest::theMarkShowsTheEvidence_data()
+void ImporterTest::pairIconShowsTheEvidence_data()
 {
     QTest::addColumn<int>("evidence");
     QTest::addColumn<bool>("doubtful");
@@ -343,7 +343,7 @@ void ImporterTest::theMarkShowsTheEvidence_data()
     row("none", PairingEvidence::None, false, "dash", "No log found");
 }
 
-void ImporterTest::theMarkShowsTheEvidence()
+void ImporterTest::pairIconShowsTheEvidence()
 {
     QFETCH(int, evidence);
     QFETCH(bool, doubtful);

@@ -85,7 +85,7 @@ void LookTest::checkTexts(QQuickItem* from)
         const QRectF place = area(from);
         const QRectF window(QPointF(), m_ui->window()->size());
         QVERIFY2(window.adjusted(-1, -1, 1, 1).contains(place), qPrintable("outside: " + text));
-        // A text may end in dots where it was told to; else it has the room that it needs.
+        // A text may end in dots where its element says so; else it has the room that it needs.
         if (from->property("elide").toInt() == Qt::ElideNone) {
             QVERIFY2(from->property("contentWidth").toDouble() <= from->width() + 1,
                      qPrintable("too wide: " + text));
@@ -99,7 +99,7 @@ void LookTest::checkTexts(QQuickItem* from)
         const bool framed = from->parentItem()->inherits("QQuickRectangle");
         QVERIFY2(!framed ||
                      (parent.left() <= place.left() + 1 && place.right() <= parent.right() + 1),
-                 qPrintable("wider than what it stands in: " + text));
+                 qPrintable("wider than its container: " + text));
         for (const auto& other : m_texts)
             QVERIFY2(!other.first.intersects(place), qPrintable(text + " over " + other.second));
         m_texts.append({place.adjusted(1, 1, -1, -1), text});

@@ -29,9 +29,9 @@ private slots:
     void namesAreTextAndNeverBoth();
     void editedNamesAreWritten_data();
     void editedNamesAreWritten();
-    void anEditedMarkIsWritten();
-    void marksCanBeRestored_data();
-    void marksCanBeRestored();
+    void editedPoiIsWritten();
+    void poisCanBeRestored_data();
+    void poisCanBeRestored();
     void aNewInstallationHasItsDefaults();
     void settingsAreRemembered();
     void unitsChangeAtTheNextStart();
@@ -337,7 +337,7 @@ void PanelTest::editedNamesAreWritten()
     QCOMPARE(naming["flightNumber"].toInt(), number);
 }
 
-void PanelTest::anEditedMarkIsWritten()
+void PanelTest::editedPoiIsWritten()
 {
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->selectPoiAt(2000));
@@ -355,7 +355,7 @@ void PanelTest::anEditedMarkIsWritten()
     QVERIFY(m_ui->log().contains("Save POI changes"));
 }
 
-void PanelTest::marksCanBeRestored_data()
+void PanelTest::poisCanBeRestored_data()
 {
     QTest::addColumn<bool>("eraseAll");
     QTest::addColumn<QStringList>("names");
@@ -363,7 +363,7 @@ void PanelTest::marksCanBeRestored_data()
     QTest::newRow("missing only") << false << QStringList{"POI 1", "POI 2"};
 }
 
-void PanelTest::marksCanBeRestored()
+void PanelTest::poisCanBeRestored()
 {
     QFETCH(bool, eraseAll);
     QFETCH(QStringList, names);

@@ -26,7 +26,7 @@ private slots:
     void aCopyLeavesTheWorkWhereItWas();
     void reportsACorruptProject();
     void aProjectWithoutVideoLeavesTheWorkAlone();
-    void aProjectWithoutLogOpensAllTheSame();
+    void projectWithoutLogStillOpens();
     void anotherProjectOfTheVideoThatIsOpen();
     void aProjectThatFailedLeavesTheNextVideoAlone();
     void theAdjustmentsShowTheLogOffsetOfAProject();
@@ -77,7 +77,7 @@ QString writeProject(const QJsonObject& flight)
     return path;
 }
 
-/// The one flight of a project, as it stands on disk.
+/// The one flight of a project, as it is on disk.
 QJsonObject flightOf(const QString& path)
 {
     QFile file(path);
@@ -303,7 +303,7 @@ void ProjectWorkflowTest::aProjectWithoutVideoLeavesTheWorkAlone()
     QCOMPARE(title(), before);
 }
 
-void ProjectWorkflowTest::aProjectWithoutLogOpensAllTheSame()
+void ProjectWorkflowTest::projectWithoutLogStillOpens()
 {
     const QString path = writeProject(project(media().video(), "gone.log"));
     m_ui->call("loadProject", {path});
@@ -327,7 +327,7 @@ void ProjectWorkflowTest::anotherProjectOfTheVideoThatIsOpen()
     QTRY_COMPARE(m_ui->poiNames(), (QStringList{"POI 1", "Rust", "POI 2"}));
     QCOMPARE(player("contrast").toDouble(), 1.5);
     QVERIFY(title().endsWith(path));
-    // And the first one of them once more, as it stands on disk.
+    // And the first one of them once more, as it is on disk.
     m_ui->evaluate("videoPlayer.contrast = 0.7");
     m_ui->call("loadProject", {path});
     QTRY_COMPARE(player("contrast").toDouble(), 1.5);

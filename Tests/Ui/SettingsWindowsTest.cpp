@@ -22,7 +22,7 @@ const QList<WindowLook> windows{
 
 } // namespace
 
-/// The windows that set, list, tell and offer: their texts, keys and what they leave behind.
+/// The secondary windows: their texts, keys and what they leave behind.
 class SettingsWindowsTest : public DialogSuite
 {
     Q_OBJECT
@@ -45,11 +45,11 @@ private slots:
     void shortcutsClose_data();
     void shortcutsClose();
 
-    void aboutTellsTheVersionAndTheLicences();
+    void aboutShowsTheVersionAndTheLicences();
     void aboutScrollsAndCloses();
 
-    void updateTellsWhatIsNew_data();
-    void updateTellsWhatIsNew();
+    void updateShowsWhatIsNew_data();
+    void updateShowsWhatIsNew();
     void updateIsInstalled();
     void updateWaits();
 };
@@ -217,7 +217,7 @@ void SettingsWindowsTest::shortcutsClose()
     QTRY_VERIFY(!m_host->window()->isVisible());
 }
 
-void SettingsWindowsTest::aboutTellsTheVersionAndTheLicences()
+void SettingsWindowsTest::aboutShowsTheVersionAndTheLicences()
 {
     QVERIFY(m_host->open("AboutWindow.qml"));
     QCOMPARE(m_host->textOf("lbl_version"), "Version " + corv::AppInfo().versionString());
@@ -248,7 +248,7 @@ void SettingsWindowsTest::aboutScrollsAndCloses()
     QTRY_VERIFY(!m_host->window()->isVisible());
 }
 
-void SettingsWindowsTest::updateTellsWhatIsNew_data()
+void SettingsWindowsTest::updateShowsWhatIsNew_data()
 {
     QTest::addColumn<QString>("version");
     QTest::addColumn<QVariantList>("notes");
@@ -264,7 +264,7 @@ void SettingsWindowsTest::updateTellsWhatIsNew_data()
                                       "Faster\n- Fixed <b>";
 }
 
-void SettingsWindowsTest::updateTellsWhatIsNew()
+void SettingsWindowsTest::updateShowsWhatIsNew()
 {
     QFETCH(QString, version);
     QFETCH(QVariantList, notes);

@@ -43,7 +43,7 @@ public:
     /// Ends the interface and starts it anew with the settings that it left behind.
     bool reload();
 
-    /// The same for a document of the test's own, which stands beside the others.
+    /// The same for a document of the test's own, which is beside the others.
     bool loadText(const QByteArray& document);
 
     /// Makes the main window the active one again, as after a dialog: keys reach no other.

@@ -3,7 +3,7 @@
 using namespace corv::test;
 
 /// The road of one review through the main window: opening a video and a log, closing, exporting;
-/// what the user is told when something is wrong; and the order of it all.
+/// the messages when something is wrong; and the order of it all.
 class WorkflowTest : public ReviewSuite
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ private slots:
     void closingForgetsTheWork();
     void theContinuationRunsOnce();
     void savesTheFrameAsAnImage();
-    void importantDialogsCanStandTogether();
+    void importantDialogsCanBeOpenTogether();
     void progressOfAnExport();
     void aRefusedReportEnds();
     void aRefusedVideoEnds();
@@ -220,7 +220,7 @@ void WorkflowTest::savesTheFrameAsAnImage()
     QVERIFY(m_ui->evaluate("saveImageSettings.folder").toString().startsWith("file:///"));
 }
 
-void WorkflowTest::importantDialogsCanStandTogether()
+void WorkflowTest::importantDialogsCanBeOpenTogether()
 {
     m_ui->call("displayErrorDialog", {"one", "first"});
     m_ui->call("displayWarningDialog", {"two", "second"});

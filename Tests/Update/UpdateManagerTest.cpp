@@ -148,7 +148,7 @@ void UpdateManagerTest::throttle_data()
     const auto daysAgo = [](int days) {
         return updateNames::notificationText(QDateTime::currentDateTimeUtc().addDays(-days));
     };
-    QTest::newRow("never told") << QByteArray() << QString() << true;
+    QTest::newRow("never notified") << QByteArray() << QString() << true;
     QTest::newRow("6 days") << QByteArray() << daysAgo(6) << false;
     QTest::newRow("7 days") << QByteArray() << daysAgo(7) << true;
     QTest::newRow("broken text") << QByteArray() << QStringLiteral("last tuesday") << false;

@@ -18,7 +18,7 @@ private slots:
     void init() { begin(); }
     void aFrameIsSavedUnderAFreeName();
     void aFrameOverwritesIfAsked();
-    void framesThatAreNotSavedAreToldOf();
+    void framesThatAreNotSavedAreReported();
     void aFrameThatCannotBeSavedDestroysNothing();
     void aFrameOnTheClipboard();
     void aSeriesOfGivenTimes();
@@ -60,7 +60,7 @@ void FrameExportTest::aFrameOverwritesIfAsked()
     QCOMPARE(QDir(m_folder->path()).entryList({"*.png"}), QStringList{"shot.png"});
 }
 
-void FrameExportTest::framesThatAreNotSavedAreToldOf()
+void FrameExportTest::framesThatAreNotSavedAreReported()
 {
     addFile("a.mp4");
     open("a.mp4");

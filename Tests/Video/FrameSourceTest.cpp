@@ -39,7 +39,7 @@ private slots:
     void stepsAheadAndBackAreExact();
     void whatIsNoVideoDoesNotOpen_data();
     void whatIsNoVideoDoesNotOpen();
-    void aCloneStandsAtTheStartAndIsIndependent();
+    void cloneIsAtTheStartAndIndependent();
     void aVanishedFileIsStillReadButNotCloned();
 
 private:
@@ -293,7 +293,7 @@ void FrameSourceTest::whatIsNoVideoDoesNotOpen()
     QVERIFY(!openVideo(QString()));
 }
 
-void FrameSourceTest::aCloneStandsAtTheStartAndIsIndependent()
+void FrameSourceTest::cloneIsAtTheStartAndIndependent()
 {
     const QString file = path("clone.mp4");
     QVERIFY((TestVideo{60, "30", {320, 240}, 0, h264}.write(file)));

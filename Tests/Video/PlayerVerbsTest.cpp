@@ -30,7 +30,7 @@ private slots:
     void exactTimeIsSignalledForEachFrame();
     void aSeekIntoDamageIsAnswered();
     void damageIsPassedOverWithTrueNumbers();
-    void aKeyframeStandsInUntilThePointerRests();
+    void keyframeIsShownUntilThePointerRests();
     void whileThePointerMovesKeyframesAreShown();
     void shortWaysNeedNoPreview();
     void closedTheyRefuse();
@@ -328,7 +328,7 @@ void PlayerVerbsTest::damageIsPassedOverWithTrueNumbers()
 }
 
 // 4K frames, of which thirty are taken to cost half a second.
-void PlayerVerbsTest::aKeyframeStandsInUntilThePointerRests()
+void PlayerVerbsTest::keyframeIsShownUntilThePointerRests()
 {
     const auto file = addFile("a.mp4", 1000);
     file->size = QSize(3840, 2160);

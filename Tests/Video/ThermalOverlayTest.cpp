@@ -173,7 +173,7 @@ void ThermalOverlayTest::contrastAndBrightness_data()
     QTest::addColumn<double>("contrast");
     QTest::addColumn<double>("brightness");
     QTest::newRow("none") << 1.0 << 0.0;
-    QTest::newRow("less than can be told apart") << 1.0 + 2.220446049250313e-16 << 1e-16;
+    QTest::newRow("less than the resolution") << 1.0 + 2.220446049250313e-16 << 1e-16;
     QTest::newRow("contrast") << 1.5 << 0.0;
     QTest::newRow("brightness") << 1.0 << -40.0;
     QTest::newRow("both") << 0.5 << 100.0;
@@ -314,7 +314,7 @@ void ThermalOverlayTest::emptyMappingDrawsNothing()
     QVERIFY(equal(frame, before));
     QCOMPARE(messages.messages(), QStringList{text});
     QCOMPARE(thermalAt(overlay, 0), quint16(1000));
-    // Told again when it has been right in between.
+    // Logged again when it has been right in between.
     overlay.drawThermalOverlay(frame, 50, shown(), false);
     QVERIFY(!equal(frame, before));
     overlay.drawThermalOverlay(frame, 50, settings, false);

@@ -35,7 +35,7 @@ class ThermalRecordsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void noParserAndNoLogAreTold();
+    void missingParserOrLogIsLogged();
     void missingGroupsAndVarsAreSilent_data();
     void missingGroupsAndVarsAreSilent();
     void hostileTablesGiveNoOverlay_data();
@@ -51,7 +51,7 @@ private slots:
     void wrappedProductStaysInside();
 };
 
-void ThermalRecordsTest::noParserAndNoLogAreTold()
+void ThermalRecordsTest::missingParserOrLogIsLogged()
 {
     ThermalOverlay overlay;
     overlay.setClock(clockAt(0));
@@ -168,7 +168,7 @@ void ThermalRecordsTest::oddTablesAreReadWithinTheirRows_data()
     QTest::newRow("no image") << reshape("lepton_video", "image", 4800, 0, LogVar::Uint16);
     QTest::newRow("one word per image") << reshape("lepton_video", "image", 1, 20, LogVar::Uint16);
     QTest::newRow("counters that run backward") << counters({5, 4, 3, 2, 1});
-    QTest::newRow("counters that stand still") << counters({7, 7, 7, 7, 7});
+    QTest::newRow("counters that do not move") << counters({7, 7, 7, 7, 7});
 }
 
 void ThermalRecordsTest::oddTablesAreReadWithinTheirRows()

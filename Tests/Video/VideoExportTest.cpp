@@ -72,7 +72,7 @@ class VideoExportTest : public QObject, private ExportFixture
 private slots:
     void init() { begin(); }
     void theWholeVideo();
-    void aVideoThatFillsTheDiskIsToldOf();
+    void videoThatFillsTheDiskIsReported();
     void effectsAreInTheVideo();
     void theOverlayFollowsTheTimeline_data();
     void theOverlayFollowsTheTimeline();
@@ -86,7 +86,7 @@ private slots:
     void aFileOfAnotherSizeAddsNothing();
     void aFileThatFailsEndsAlone();
     void aPositionThatIsLostIsReported();
-    void aRefusedExportEndsAllTheSame();
+    void refusedExportStillEmitsItsEnd();
     void sourcesAreNotOverwritten_data();
     void sourcesAreNotOverwritten();
     void anExportWhileThePoolWaitsForPictures();
@@ -132,7 +132,7 @@ void VideoExportTest::theWholeVideo()
     QTRY_VERIFY(m_surface.numbers.contains(41));
 }
 
-void VideoExportTest::aVideoThatFillsTheDiskIsToldOf()
+void VideoExportTest::videoThatFillsTheDiskIsReported()
 {
     addFile("CORV0001.MP4", 60);
     open("CORV0001.MP4");
@@ -388,7 +388,7 @@ void VideoExportTest::aPositionThatIsLostIsReported()
     QVERIFY(!record.results.first());
 }
 
-void VideoExportTest::aRefusedExportEndsAllTheSame()
+void VideoExportTest::refusedExportStillEmitsItsEnd()
 {
     addFile("a.mp4", 5);
     open("a.mp4");

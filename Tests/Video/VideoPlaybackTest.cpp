@@ -19,8 +19,8 @@ const QStringList h264{"-c:v", "libx264", "-preset", "ultrafast", "-bf",
 
 } // namespace
 
-// The player with real files: the picture shown, the number told and the picture fetched again for
-// the time told are one and the same frame.
+// The player with real files: the picture shown, its number and the picture fetched again for its
+// time are one and the same frame.
 class VideoPlaybackTest : public QObject
 {
     Q_OBJECT
@@ -33,8 +33,8 @@ private slots:
     void joinsAreSeamless();
     void stepsForthAndBack();
     void aCutFilePlaysToWhereItEnds();
-    void whatIsNoVideoIsToldAndSurvived_data();
-    void whatIsNoVideoIsToldAndSurvived();
+    void fileThatIsNoVideoIsReported_data();
+    void fileThatIsNoVideoIsReported();
     void aVanishedFileStillGivesPictures();
     void oddSidesAreCropped();
 
@@ -187,14 +187,14 @@ void VideoPlaybackTest::aCutFilePlaysToWhereItEnds()
     QTRY_COMPARE(surface.lastNumber(), 5);
 }
 
-void VideoPlaybackTest::whatIsNoVideoIsToldAndSurvived_data()
+void VideoPlaybackTest::fileThatIsNoVideoIsReported_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char* kind : {"text", "directory", "empty", "header only"})
         QTest::newRow(kind) << QString::fromLatin1(kind);
 }
 
-void VideoPlaybackTest::whatIsNoVideoIsToldAndSurvived()
+void VideoPlaybackTest::fileThatIsNoVideoIsReported()
 {
     QFETCH(QString, kind);
     const QString broken = path("broken.mp4");

@@ -14,9 +14,9 @@ class VideoPlayerTest : public QObject, private PlayerFixture
 private slots:
     void init() { makeFolder(); }
     void beginsClosed();
-    void theEndOfTheWorkerIsTold();
+    void endOfTheWorkerIsSignalled();
     void opensAndShowsTheFirstFrame();
-    void tellsOfFilesThatDoNotOpen();
+    void fileThatDoesNotOpenShowsAMessage();
     void aFailedFileShortensTheTimeline();
     void nothingOpens();
     void aMissingFileIsAnError();
@@ -61,7 +61,7 @@ void VideoPlayerTest::beginsClosed()
     QVERIFY(player.antialiasing());
 }
 
-void VideoPlayerTest::theEndOfTheWorkerIsTold()
+void VideoPlayerTest::endOfTheWorkerIsSignalled()
 {
     MessageLog log;
     auto player = std::make_unique<VideoPlayer>();
@@ -96,7 +96,7 @@ void VideoPlayerTest::opensAndShowsTheFirstFrame()
                              .arg(path("a.mp4"))));
 }
 
-void VideoPlayerTest::tellsOfFilesThatDoNotOpen()
+void VideoPlayerTest::fileThatDoesNotOpenShowsAMessage()
 {
     addFile("CORV0001.MP4", 10);
     QFile broken(path("CORV0002.MP4"));

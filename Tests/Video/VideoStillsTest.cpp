@@ -64,7 +64,7 @@ void VideoStillsTest::stillFramesBorrowTheCaptureIfTheyMust()
     QVERIFY(player.seekAtFrame(20));
     QTRY_COMPARE(surface.lastNumber(), 20);
     file->positioning = false;
-    StillFrame atThePosition(player, timeAt(210)); // stands there already, and cannot go back
+    StillFrame atThePosition(player, timeAt(210)); // is there already, and cannot go back
     QTRY_COMPARE(atThePosition.number(), 21);
     QVERIFY(log.contains("Failed to set back to original pos 210"));
 }

@@ -334,7 +334,7 @@ void VideoTransportTest::theTimeIsToldInStepsOf100Ms()
     QTRY_COMPARE(surface.lastNumber(), 0);
     QCOMPARE(times.count(), 3);
 
-    // What was told last is remembered over a closing.
+    // The last value emitted is remembered over a closing.
     player.close();
     surface.numbers.clear();
     times.clear();

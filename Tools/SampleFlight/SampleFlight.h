@@ -47,7 +47,7 @@ public:
     bool writeCard(const QString& folder) const;
     bool writeLog(const QString& path) const;
 
-    /// Where the card's files stand in its folder.
+    /// Where the card's files are in its folder.
     QStringList videoFiles() const;
     static QString logFile() { return QStringLiteral("FLIGHT01.LOG"); }
     static QString projectFile() { return QStringLiteral("sample.ecor"); }

@@ -90,15 +90,15 @@ class LogCommandsTest : public QObject
 private slots:
     void initTestCase();
     void helpAndVersion();
-    void infoTellsAll();
+    void infoShowsEverything();
     void infoForPeople();
     void rawIsTheBlock();
     void csvShowsTheDeclaredTypes();
     void syncFindsTheVideo();
     void failuresAreOneLine_data();
     void failuresAreOneLine();
-    void wrongUsageIsTold_data();
-    void wrongUsageIsTold();
+    void wrongUsageExitsWith2_data();
+    void wrongUsageExitsWith2();
     void diagnosticsAreShownOnDemand();
 
 private:
@@ -131,7 +131,7 @@ void LogCommandsTest::helpAndVersion()
     QCOMPARE(version.out, QByteArray("vistrel-cli " VISTREL_VERSION "\n"));
 }
 
-void LogCommandsTest::infoTellsAll()
+void LogCommandsTest::infoShowsEverything()
 {
     const ProgramRun run = vistrel({"log-info", path("flight.log"), "--json"});
     QCOMPARE(run.error, QByteArray());
@@ -240,7 +240,7 @@ void LogCommandsTest::failuresAreOneLine()
     QCOMPARE(run.error.count('\n'), 1);
 }
 
-void LogCommandsTest::wrongUsageIsTold_data()
+void LogCommandsTest::wrongUsageExitsWith2_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("nothing") << QStringList{};
@@ -258,7 +258,7 @@ void LogCommandsTest::wrongUsageIsTold_data()
     QTest::newRow("duration in words") << QStringList{"sync", "a", "--duration-ms", "ten"};
 }
 
-void LogCommandsTest::wrongUsageIsTold()
+void LogCommandsTest::wrongUsageExitsWith2()
 {
     QFETCH(QStringList, arguments);
     const ProgramRun run = vistrel(arguments);

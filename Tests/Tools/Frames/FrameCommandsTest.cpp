@@ -62,7 +62,7 @@ private slots:
     void frameOfAVideo_data();
     void frameOfAVideo();
     void framesOfARange();
-    void framesOfTheMarks();
+    void framesOfThePois();
     void thermalClockOfTheScreen();
     void anOverlayThatCannotBeSaysWhy();
     void wholeVideo();
@@ -242,7 +242,7 @@ void FrameCommandsTest::framesOfARange()
     QCOMPARE(QDir(shown).entryList(QDir::Files), QDir(out).entryList(QDir::Files));
 }
 
-void FrameCommandsTest::framesOfTheMarks()
+void FrameCommandsTest::framesOfThePois()
 {
     const QString out = path("marks");
     const ProgramRun outcome = run({QStringLiteral("frames"), QStringLiteral("--poi"), m_project,

@@ -34,9 +34,9 @@ private slots:
     void nothingFoundIsAnEmptyResult();
     void theStatusSaysWhetherAllIsPaired_data();
     void theStatusSaysWhetherAllIsPaired();
-    void wrongUseIsTold_data();
-    void wrongUseIsTold();
-    void aMissingFolderIsTold();
+    void wrongUseIsReported_data();
+    void wrongUseIsReported();
+    void missingFolderIsReported();
 
 private:
     QString path(const QString& below) const { return m_folder->filePath(below); }
@@ -158,7 +158,7 @@ void MatchCommandTest::theStatusSaysWhetherAllIsPaired()
           "evidence");
 }
 
-void MatchCommandTest::wrongUseIsTold_data()
+void MatchCommandTest::wrongUseIsReported_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("nothing") << QStringList{};
@@ -167,7 +167,7 @@ void MatchCommandTest::wrongUseIsTold_data()
     QTest::newRow("unknown option") << QStringList{".", "--fast"};
 }
 
-void MatchCommandTest::wrongUseIsTold()
+void MatchCommandTest::wrongUseIsReported()
 {
     QFETCH(QStringList, arguments);
     const ProgramRun run = match(arguments);
@@ -176,7 +176,7 @@ void MatchCommandTest::wrongUseIsTold()
     QCOMPARE(run.out, QByteArray());
 }
 
-void MatchCommandTest::aMissingFolderIsTold()
+void MatchCommandTest::missingFolderIsReported()
 {
     const ProgramRun run = match({path("videos"), path("nowhere")});
     QCOMPARE(run.status, 1);

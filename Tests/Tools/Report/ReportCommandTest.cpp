@@ -74,7 +74,7 @@ private slots:
         QVERIFY(!documentText(readZip(path("alone.docx"))).contains("Video time "));
     }
 
-    void tellsInOneLineWhatFailed_data()
+    void failureIsOneLine_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("error");
@@ -102,7 +102,7 @@ private slots:
         row("nowhere to write", {video(), "--out", path("none/r.docx")}, "cannot write ");
     }
 
-    void tellsInOneLineWhatFailed()
+    void failureIsOneLine()
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, error);
