@@ -1,6 +1,7 @@
 #include "Discovery/flightPairing.h"
 #include "Discovery/flightAlignment.h"
 #include "GeneratedCards.h"
+#include "Support/trustRow.h"
 
 #include <QHash>
 #include <QtTest>
@@ -379,6 +380,11 @@ void FlightPairingTest::generatedCardsArePairedRight()
         }
     }
     qInfo("%d videos, %d right, %d wrong without a doubt", videos, right, wrongWithoutDoubt);
+    const QString subject = QStringLiteral("Pairing of videos with logs, 400 generated cards");
+    trustRow(subject, QStringLiteral("paired right"),
+             QStringLiteral("%1 of %2 videos").arg(right).arg(videos));
+    trustRow(subject, QStringLiteral("paired wrong without a word of doubt"),
+             QString::number(wrongWithoutDoubt));
     QVERIFY(videos > 5000);
     QVERIFY(right >= 0.99 * videos);
     // A missing log beside a missing video of the same length is beyond any evidence.
