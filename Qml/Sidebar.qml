@@ -44,7 +44,10 @@ TabView {
 
             Binding on videoPosition {
                 when: sidebar.player !== null
-                value: sidebar.player !== null ? sidebar.player.timePosition : undefined
+                // Each frame of a paused video; ten times a second of a playing one.
+                value: sidebar.player === null ? undefined
+                       : sidebar.player.playing ? sidebar.player.timePosition
+                                                : sidebar.player.exactTimePosition
                 restoreMode: Binding.RestoreNone
             }
 

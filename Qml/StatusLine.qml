@@ -105,7 +105,7 @@ Rectangle {
                                                                           : "monospace"
             font.pixelSize: 14
             text: statusLine.player === null
-                  ? "" : Times.minutesAndSeconds(statusLine.player.timePosition) + " / "
+                  ? "" : Times.minutesAndSeconds(statusLine.player.exactTimePosition) + " / "
                          + Times.minutesAndSeconds(statusLine.player.duration) + ", f "
                          + statusLine.player.currentFrameIndex
         }

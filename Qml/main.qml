@@ -549,7 +549,9 @@ ApplicationWindow {
                     logParser: LogParser
                     videoPlayer: videoPlayer
                     duration: videoPlayer.duration
-                    cursorPosition: videoPlayer.timePosition
+                    // Each frame of a paused video; ten times a second of a playing one.
+                    cursorPosition: videoPlayer.playing ? videoPlayer.timePosition
+                                                        : videoPlayer.exactTimePosition
                     contentWidth: mainWindow.contentItem.width
                     contentX: 0
                     Accessible.name: "Timeline"
