@@ -174,6 +174,28 @@ void addUpAndCopy(const QString& path)
     }
 }
 
+void readForPairing(const QString& path)
+{
+    const std::atomic<bool> abortFlag{false};
+    if (!LogDecoder(&abortFlag).readForPairing(path, [](int, int, int) {}))
+        qFatal("cannot read %s", qPrintable(path));
+}
+
+// The least that any counting of packets does: look at every byte.
+void addUp(const QString& path)
+{
+    static volatile unsigned char sink = 0;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        qFatal("cannot read %s", qPrintable(path));
+    std::vector<unsigned char> block(size_t(1) << 20);
+    qint64 got = 0;
+    while ((got = file.read(reinterpret_cast<char*>(block.data()),
+                            static_cast<qint64>(block.size()))) > 0)
+        sink =
+            static_cast<unsigned char>(sink + checksumOf(block.data(), static_cast<size_t>(got)));
+}
+
 void speedRow(Report& report, const QString& name, const QString& path, double limit,
               const QString& input)
 {
@@ -197,6 +219,18 @@ const Benchmark decodeThermal("decode", [](Report& report) {
     speedRow(report, QStringLiteral("decode, all damage"),
              madeLog(report, QStringLiteral("damaged.log"), kHostileLogBytes, damagedSlice), 6,
              QStringLiteral("noise, wrong ids, sizes and checksums"));
+});
+
+const Benchmark pairing("pairing", [](Report& report) {
+    const QString thermal =
+        madeLog(report, QStringLiteral("thermal.log"), kThermalLogBytes, flightSlice);
+    report.row(QStringLiteral("log read for pairing, 600 MB"),
+               timeRatio([&thermal] { readForPairing(thermal); }, [&thermal] { addUp(thermal); }),
+               1.0, QStringLiteral("over adding up its bytes"));
+    constexpr double kMost = 32.0 * 1024 * 1024;
+    report.row(QStringLiteral("log read for pairing, peak memory"),
+               peakBytesOf([&thermal] { readForPairing(thermal); }) / kMost, 1,
+               QStringLiteral("over 32 MB"));
 });
 
 } // namespace

@@ -44,10 +44,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     static corv::fuzz::ScratchFile file(QStringLiteral("a.log"));
     const std::atomic<bool> abortFlag{false};
     corv::LogDecoder decoder(&abortFlag);
-    const std::unique_ptr<LogFile> log(
-        decoder.parseLog(file.hold(data, size), [](int, int, int) {}));
+    const QString path = file.hold(data, size);
+    const std::unique_ptr<LogFile> log(decoder.parseLog(path, [](int, int, int) {}));
+    const auto digest = decoder.readForPairing(path, [](int, int, int) {});
     if (!log)
         return 0;
+    if (!digest ||
+        digest->recordings.size() != corv::LogDecoder::readRecordingEvents(log.get()).size() ||
+        digest->namings.size() != decoder.readFlightNamingEvents(log.get()).size() ||
+        digest->thermalCameraHwVersion != decoder.findThermalCameraHwVersion(log.get()))
+        std::abort();
     checkCounters(decoder.counters());
     readAll(*log);
     const corv::LogDecoder& reader = decoder;

@@ -110,6 +110,7 @@ void InstallTest::installsTheseFilesAndNoOthers()
         "lib/vistrel/manual.pdf",
         "lib/vistrel/vistrel",
         "lib/vistrel/vistrel-cli",
+        "lib/vistrel/vistrel-cli-flights",
         "lib/vistrel/vistrel-sample-flight",
         "share/applications/example.corvenity.vistrel.desktop",
         "share/doc/vistrel/LICENSE",
@@ -309,7 +310,8 @@ void InstallTest::desktopEntryFindsTheCommandUnderAnotherPrefix()
 void InstallTest::programsAreHardened_data()
 {
     QTest::addColumn<QString>("program");
-    for (const char* program : {"vistrel", "vistrel-cli", "vistrel-sample-flight"})
+    for (const char* program :
+         {"vistrel", "vistrel-cli", "vistrel-cli-flights", "vistrel-sample-flight"})
         QTest::newRow(program) << staged(QString("lib/vistrel/") + program);
 }
 

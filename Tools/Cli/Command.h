@@ -11,7 +11,12 @@
 namespace corv::cli {
 
 /// What a command ends with, and so the program.
-enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2, PartlyDone = 3 };
+enum ExitStatus {
+    Done = 0,
+    Failed = 1,
+    WrongUsage = 2,
+    PartlyDone = 3 ///< some of the work is done and some is not
+};
 
 /// One command of `vistrel-cli`: what it accepts and what it does.
 struct Command
@@ -44,10 +49,15 @@ std::vector<Command> matchCommands();
 std::vector<Command> frameCommands();
 std::vector<Command> reportCommands();
 
+/// Runs the command of `commands` that the line names, or prints the help or the version.
+/// `arguments` begin with the name of the program.
+ExitStatus runLine(const std::vector<Command>& commands, const QStringList& arguments);
+
 /// Writes to standard output; `Failed` with a message when nobody takes it.
 ExitStatus writeOut(const QByteArray& bytes);
 
-/// Prints what went wrong as one line on standard error, and returns `Failed`.
+/// Prints what went wrong as one line on standard error, and returns `Failed`. Characters that
+/// steer a terminal are replaced.
 ExitStatus fail(const QString& message);
 
 } // namespace corv::cli

@@ -1,10 +1,6 @@
 #include "Cli/Command.h"
-#include "Cli/diagnostics.h"
-#include "Shell/AppInfo.h"
 
 #include <QCoreApplication>
-#include <algorithm>
-#include <cstdio>
 
 namespace corv::cli {
 namespace {
@@ -17,130 +13,12 @@ std::vector<Command> allCommands()
     return commands;
 }
 
-QList<QCommandLineOption> commonOptions()
-{
-    return {flag(QStringLiteral("help"), QStringLiteral("shows this")),
-            flag(QStringLiteral("verbose"), QStringLiteral("shows diagnostics on standard error"))};
-}
-
-QByteArray help(const std::vector<Command>& commands)
-{
-    QString text = QStringLiteral("usage: vistrel-cli [--verbose] COMMAND ...\n\n");
-    for (const Command& command : commands) {
-        const QString usage = command.name + QLatin1Char(' ') + command.arguments;
-        text += QStringLiteral("  %1  %2\n").arg(usage, -34).arg(command.summary);
-    }
-    text +=
-        QStringLiteral("\n  --help     shows this; COMMAND --help shows the options of a command\n"
-                       "  --version  shows the version\n"
-                       "  --verbose  shows diagnostics on standard error\n\n"
-                       "Exit status: 0 done, 1 failed, 2 wrong usage.\n");
-    return text.toUtf8();
-}
-
-QByteArray helpOf(const Command& command)
-{
-    QString text = QStringLiteral("usage: vistrel-cli %1 %2\n\n%3\n\n")
-                       .arg(command.name, command.arguments, command.summary);
-    for (const QCommandLineOption& option : command.options + commonOptions()) {
-        QString usage = QStringLiteral("--") + option.names().constFirst();
-        if (!option.valueName().isEmpty())
-            usage += QLatin1Char(' ') + option.valueName();
-        text += QStringLiteral("  %1  %2\n").arg(usage, -18).arg(option.description());
-    }
-    return text.toUtf8();
-}
-
-/// What is wrong with a line that was not understood; empty if the parser found nothing.
-QString reasonOf(const QCommandLineParser& line)
-{
-    return line.errorText().isEmpty() ? QString() : QStringLiteral("; ") + line.errorText();
-}
-
-ExitStatus showUsage(const QString& usage)
-{
-    std::fprintf(stderr, "usage: vistrel-cli %s\n", qPrintable(usage));
-    return WrongUsage;
-}
-
-ExitStatus runCommand(const Command& command, const QStringList& arguments, bool verbose)
-{
-    QCommandLineParser line;
-    line.addOptions(command.options + commonOptions());
-    const bool understood = line.parse(arguments);
-    if (line.isSet(QStringLiteral("help")))
-        return writeOut(helpOf(command));
-    installDiagnostics(verbose || line.isSet(QStringLiteral("verbose")));
-    const ExitStatus status = understood ? command.run(line) : WrongUsage;
-    if (status != WrongUsage)
-        return status;
-    return showUsage(command.name + QLatin1Char(' ') + command.arguments + reasonOf(line));
-}
-
-ExitStatus runLine(const QStringList& arguments)
-{
-    QCommandLineParser line; // up to the command's name; what follows is the command's own
-    line.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    line.addOptions(commonOptions());
-    line.addOption(flag(QStringLiteral("version"), QStringLiteral("shows the version")));
-    const bool understood = line.parse(arguments);
-    const std::vector<Command> commands = allCommands();
-    const QString wanted = QStringLiteral("COMMAND ..., see --help");
-    if (!understood)
-        return showUsage(wanted + reasonOf(line));
-    if (line.isSet(QStringLiteral("help")))
-        return writeOut(help(commands));
-    if (line.isSet(QStringLiteral("version")))
-        return writeOut("vistrel-cli " + AppInfo().versionString().toUtf8() + '\n');
-    const QStringList rest = line.positionalArguments();
-    if (rest.isEmpty())
-        return showUsage(wanted);
-    const auto command =
-        std::find_if(commands.begin(), commands.end(), [&rest](const Command& candidate) {
-            return candidate.name == rest.constFirst();
-        });
-    if (command == commands.end())
-        return showUsage(wanted + QStringLiteral("; no command \"%1\"").arg(rest.constFirst()));
-    return runCommand(*command, rest, line.isSet(QStringLiteral("verbose")));
-}
-
 } // namespace
-
-ExitStatus writeOut(const QByteArray& bytes)
-{
-    const auto size = static_cast<size_t>(bytes.size());
-    if (std::fwrite(bytes.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
-        return fail(QStringLiteral("cannot write to standard output"));
-    return Done;
-}
-
-ExitStatus fail(const QString& message)
-{
-    std::fprintf(stderr, "vistrel-cli: %s\n", message.toLocal8Bit().constData());
-    return Failed;
-}
-
-QCommandLineOption flag(const QString& name, const QString& description)
-{
-    return {name, description};
-}
-
-QCommandLineOption valued(const QString& name, const QString& valueName, const QString& description)
-{
-    return {name, description, valueName};
-}
-
-bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int* number)
-{
-    bool ok = true;
-    *number = line.isSet(name) ? line.value(name).toInt(&ok) : standard;
-    return ok;
-}
-
 } // namespace corv::cli
 
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    return corv::cli::runLine(QCoreApplication::arguments());
+    using namespace corv::cli;
+    return runLine(allCommands(), QCoreApplication::arguments());
 }

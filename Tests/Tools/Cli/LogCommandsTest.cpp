@@ -24,9 +24,9 @@ QJsonObject naming(bool undefined, const QString& mission, const QString& flight
             {"flightNumber", number}};
 }
 
-QJsonObject var(const QString& name, int nb, int elementSize)
+QJsonObject var(const QString& name, const QString& type, int nb, int elementSize)
 {
-    return {{"name", name}, {"nb", nb}, {"elementSize", elementSize}};
+    return {{"name", name}, {"type", type}, {"nb", nb}, {"elementSize", elementSize}};
 }
 
 QJsonObject group(const QString& name, int id, int packets, int packetSize, const QJsonArray& vars)
@@ -92,8 +92,13 @@ private slots:
     void helpAndVersion();
     void infoShowsEverything();
     void infoForPeople();
+    void infoOfSeveralLogs();
+    void infoOfOddEvents();
+    void namesInMessagesDoNotSteerTheTerminal();
     void rawIsTheBlock();
     void csvShowsTheDeclaredTypes();
+    void csvChoosesColumnsAndRows();
+    void logCommandsLoadNoPictures();
     void syncFindsTheVideo();
     void failuresAreOneLine_data();
     void failuresAreOneLine();
@@ -119,7 +124,7 @@ void LogCommandsTest::helpAndVersion()
     const ProgramRun help = vistrel({"--help"});
     QCOMPARE(help.status, 0);
     QCOMPARE(help.error, QByteArray());
-    for (const char* command : {"log-info FILE [--json]", "log-csv FILE GROUP",
+    for (const char* command : {"log-info FILE|FOLDER... [--json]", "log-csv FILE GROUP",
                                 "log-raw FILE GROUP VAR", "sync FILE --duration-ms N [--json]"})
         QVERIFY2(help.out.contains(command), command);
     const ProgramRun ofCommand = vistrel({"sync", "--help"});
@@ -139,19 +144,23 @@ void LogCommandsTest::infoShowsEverything()
     QJsonObject named = naming(false, "Roof", "North", 7);
     named.insert("timeMs", 9000);
     const QJsonObject expected{
+        {"file", path("flight.log")},
         {"version", 1},
+        {"startMs", 9000},
+        {"endMs", 9000},
         {"packets", QJsonObject{{"total", 7},
                                 {"valid", 3},
                                 {"wrongCrc", 1},
                                 {"wrongSize", 1},
                                 {"wrongId", 1},
                                 {"incompleteLast", true}}},
-        {"groups", QJsonArray{group("mobius_start_rec", 1, 1, 4, {var("mobius_start_rec", 1, 4)}),
-                              group("mobius_stop_rec", 2, 1, 4, {var("mobius_stop_rec", 1, 4)}),
-                              group("mission_info", 3, 1, 17,
-                                    {var("time", 1, 4), var("mission_name", 6, 1),
-                                     var("flight_name", 6, 1), var("flight_number", 1, 1)}),
-                              group("lepton_info", 4, 1, 1, {var("lepton_type", 1, 1)})}},
+        {"groups",
+         QJsonArray{group("mobius_start_rec", 1, 1, 4, {var("mobius_start_rec", "UINT32", 1, 4)}),
+                    group("mobius_stop_rec", 2, 1, 4, {var("mobius_stop_rec", "UINT32", 1, 4)}),
+                    group("mission_info", 3, 1, 17,
+                          {var("time", "UINT32", 1, 4), var("mission_name", "INT8", 6, 1),
+                           var("flight_name", "INT8", 6, 1), var("flight_number", "UINT8", 1, 1)}),
+                    group("lepton_info", 4, 1, 1, {var("lepton_type", "UINT8", 1, 1)})}},
         {"recordings", QJsonArray{QJsonObject{{"startMs", 10000}, {"stopMs", 71000}}}},
         {"namings", QJsonArray{named}},
         {"thermalCamera", 35}};
@@ -162,10 +171,108 @@ void LogCommandsTest::infoForPeople()
 {
     const ProgramRun run = vistrel({"log-info", path("flight.log")});
     QCOMPARE(run.status, 0);
-    for (const char* text : {"Log version 1, 7 packets: 3 valid", "the last incomplete",
-                             "mission_name[6]", "recording from 10000 ms to 71000 ms",
-                             "mission \"Roof\", flight \"North\", number 7", "thermal camera 35"})
+    for (const char* text :
+         {"Log version 1, 7 packets: 3 valid", "the last incomplete",
+          "mission_name INT8[6], flight_name INT8[6], flight_number UINT8\n",
+          "Log time from 9000 ms to 9000 ms", "flight.log\n", "recording from 10000 ms to 71000 ms",
+          "mission \"Roof\", flight \"North\", number 7", "thermal camera 35"})
         QVERIFY2(run.out.contains(text), text);
+}
+
+void LogCommandsTest::infoOfSeveralLogs()
+{
+    const QString folder = path("card");
+    QVERIFY(QDir().mkpath(folder + "/below"));
+    QVERIFY(flight().save(folder + "/b.log"));
+    QVERIFY(flight().save(folder + "/below/a.log"));
+    QVERIFY(flight().save(folder + "/other.txt"));
+    const ProgramRun all = vistrel({"log-info", folder, path("types.log"), "--json"});
+    QCOMPARE(all.status, 0);
+    QStringList files;
+    for (const QJsonValue& log : QJsonDocument::fromJson(all.out).array())
+        files += log.toObject()["file"].toString();
+    QCOMPARE(files, QStringList({folder + "/b.log", folder + "/below/a.log", path("types.log")}));
+
+    const ProgramRun some = vistrel({"log-info", path("missing.log"), path("flight.log")});
+    QCOMPARE(some.status, 3);
+    QVERIFY(some.error.contains("missing.log\" does not exist."));
+    QVERIFY(some.out.startsWith("==> " + path("flight.log").toUtf8() + " <=="));
+    const ProgramRun none = vistrel({"log-info", "--json", path("missing.log"), path("text.log")});
+    QCOMPARE(none.status, 1);
+    QCOMPARE(none.error.count('\n'), 2);
+    const QJsonArray reasons = QJsonDocument::fromJson(none.out).array();
+    QCOMPARE(reasons.size(), 2);
+    QCOMPARE(reasons[1].toObject()["error"].toString(),
+             QStringLiteral("\"%1\" is not a flight log.").arg(path("text.log")));
+    QVERIFY(QDir().mkpath(path("empty")));
+    const ProgramRun empty = vistrel({"log-info", path("empty")});
+    QCOMPARE(empty.status, 1);
+    QVERIFY(empty.error.contains("There is no log in"));
+}
+
+void LogCommandsTest::infoOfOddEvents()
+{
+    LogBuilder log = flight();
+    log.addPacket(99, ""); // completes the packet that the flight breaks off in
+    log.addPacket(1, LogBuilder::u32(4'000'000'000U));
+    log.addPacket(3, LogBuilder::u32(3'900'000'000U) + LogBuilder::text("", 6) +
+                         LogBuilder::text("", 6) + LogBuilder::u8(0));
+    log.addPacket(3, LogBuilder::u32(3'950'000'000U) + LogBuilder::text("%3\x1b[1", 6) +
+                         LogBuilder::text("\xc2\x9bm", 6) + LogBuilder::u8(1));
+    QVERIFY(log.save(path("odd.log")));
+    const ProgramRun people = vistrel({"log-info", path("odd.log")});
+    QCOMPARE(people.status, 0);
+    for (const char* text : {"recording from 4000000000 ms, a start without a stop",
+                             "named at 3900000000 ms: undefined",
+                             "named at 3950000000 ms: mission \"%3\xef\xbf\xbd[1\", flight "
+                             "\"\xef\xbf\xbdm\", number 1"})
+        QVERIFY2(people.out.contains(text), people.out.constData());
+    const ProgramRun json = vistrel({"log-info", path("odd.log"), "--json"});
+    const QJsonObject info = QJsonDocument::fromJson(json.out).object();
+    QCOMPARE(info["recordings"].toArray()[1].toObject(),
+             QJsonObject({{"startMs", 4e9}, {"stopMs", QJsonValue()}}));
+    QJsonObject undefined = naming(true, "", "", 0);
+    undefined.insert("timeMs", 3.9e9);
+    QCOMPARE(info["namings"].toArray()[1].toObject(), undefined);
+    QCOMPARE(info["namings"].toArray()[2].toObject()["missionName"].toString(),
+             QStringLiteral("%3\x1b[1"));
+    for (const QByteArray& out : {people.out, json.out}) {
+        QVERIFY(!out.contains('\x1b'));
+        QVERIFY(!out.contains("\xc2\x9b"));
+    }
+}
+
+void LogCommandsTest::namesInMessagesDoNotSteerTheTerminal()
+{
+    const ProgramRun run = vistrel({"log-csv", path("flight.log"), "\x1b[2J\nx"});
+    QCOMPARE(run.status, 1);
+    QVERIFY(!run.error.contains('\x1b'));
+    QCOMPARE(run.error.count('\n'), 1);
+}
+
+void LogCommandsTest::csvChoosesColumnsAndRows()
+{
+    const ProgramRun byId =
+        vistrel({"log-csv", path("types.log"), "#1", "--columns", "g,c[1]", "--bytes"});
+    QCOMPARE(byId.error, QByteArray());
+    QCOMPARE(byId.out, QByteArray("g,c[1]\n0.1,-1\n0,0\n"));
+    const ProgramRun text = vistrel({"log-csv", path("flight.log"), "mission_info", "--rate", "1"});
+    QCOMPARE(text.out, QByteArray("time (ms),mission_name,flight_name,flight_number\n"
+                                  "9000,Roof,North,7\n"));
+}
+
+void LogCommandsTest::logCommandsLoadNoPictures()
+{
+    QProcess trace;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LD_DEBUG", "files");
+    trace.setProcessEnvironment(environment);
+    trace.start(VISTREL_CLI, {"log-info", path("flight.log")});
+    QVERIFY(trace.waitForFinished());
+    const QByteArray loaded = trace.readAllStandardError();
+    QVERIFY(loaded.contains("libQt5Core"));
+    for (const char* library : {"libopencv", "libQt5Gui", "libQt5Quick", "libQt5Network", "libav"})
+        QVERIFY2(!loaded.contains(library), library);
 }
 
 void LogCommandsTest::rawIsTheBlock()
@@ -194,16 +301,19 @@ void LogCommandsTest::syncFindsTheVideo()
 {
     const ProgramRun run = vistrel({"sync", path("flight.log"), "--duration-ms=60000", "--json"});
     QCOMPARE(run.status, 0);
-    const QJsonObject expected{
-        {"found", true},          {"probablyNotMatching", false},
-        {"videoDuration", 60000}, {"matchedDuration", 61000},
-        {"logTimeOffset", 10690}, {"naming", naming(false, "Roof", "North", 7)}};
+    const QJsonObject expected{{"found", true},
+                               {"probablyNotMatching", false},
+                               {"videoDurationMs", 60000},
+                               {"matchedDurationMs", 61000},
+                               {"logTimeOffsetMs", 10690},
+                               {"naming", naming(false, "Roof", "North", 7)}};
     QCOMPARE(QJsonDocument::fromJson(run.out).object(), expected);
     const ProgramRun none = vistrel({"sync", "--json", "--duration-ms", "0", path("flight.log")});
-    QCOMPARE(none.status, 0);
+    QCOMPARE(none.status, 1);
+    QVERIFY(none.error.contains("No recording of the log"));
     const QJsonObject nothing = QJsonDocument::fromJson(none.out).object();
     QCOMPARE(nothing["found"], QJsonValue(false));
-    QCOMPARE(nothing["logTimeOffset"], QJsonValue(0));
+    QCOMPARE(nothing["logTimeOffsetMs"], QJsonValue(0));
     QCOMPARE(nothing["naming"], QJsonValue(naming(true, "", "", 0)));
     const ProgramRun people = vistrel({"sync", path("flight.log"), "--duration-ms", "60000"});
     QVERIFY(people.out.contains("begins at 10690 ms of the log"));
@@ -214,18 +324,18 @@ void LogCommandsTest::failuresAreOneLine_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("message");
     QTest::newRow("missing file") << QStringList{"log-info", path("missing.log")}
-                                  << QByteArray("missing.log: Unable to read file.");
+                                  << QByteArray("missing.log\" does not exist.");
     QTest::newRow("no log") << QStringList{"log-info", path("text.log"), "--json"}
-                            << QByteArray("text.log: log parsing: No document element found");
+                            << QByteArray("text.log\" is not a flight log.");
     QTest::newRow("a folder") << QStringList{"sync", m_folder.path(), "--duration-ms", "5"}
-                              << QByteArray("Unable to read file.");
+                              << QByteArray("\" is a folder or a device, not a flight log.");
     QTest::newRow("no such group")
-        << QStringList{"log-csv", path("flight.log"), "x"} << QByteArray("no group \"x\"");
+        << QStringList{"log-csv", path("flight.log"), "x"} << QByteArray("has no group \"x\".");
     QTest::newRow("no such field")
         << QStringList{"log-raw", path("flight.log"), "mission_info", "x"}
-        << QByteArray("no field \"x\" of a group \"mission_info\"");
-    QTest::newRow("a table without end")
-        << QStringList{"log-csv", path("types.log"), "endless"} << QByteArray("too many columns");
+        << QByteArray("has no field \"x\".");
+    QTest::newRow("a table without end") << QStringList{"log-csv", path("types.log"), "endless"}
+                                         << QByteArray("has too many columns for a table.");
 }
 
 void LogCommandsTest::failuresAreOneLine()
@@ -250,7 +360,9 @@ void LogCommandsTest::wrongUsageExitsWith2_data()
     QTest::newRow("option of another command") << QStringList{"log-csv", "a", "b", "--json"};
     QTest::newRow("value for a flag") << QStringList{"log-info", "a", "--json=yes"};
     QTest::newRow("no file") << QStringList{"log-info"};
-    QTest::newRow("two files") << QStringList{"log-info", "a", "b"};
+    QTest::newRow("rate in words") << QStringList{"log-csv", "a", "b", "--rate", "often"};
+    QTest::newRow("rate of nothing") << QStringList{"log-csv", "a", "b", "--rate", "0"};
+    QTest::newRow("columns without names") << QStringList{"log-csv", "a", "b", "--columns", ","};
     QTest::newRow("no group") << QStringList{"log-csv", "a"};
     QTest::newRow("no var") << QStringList{"log-raw", "a", "b"};
     QTest::newRow("no duration") << QStringList{"sync", "a"};

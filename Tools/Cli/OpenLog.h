@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Base/Result.h"
+#include "Log/LogDecoder.h"
+
+#include <atomic>
+#include <memory>
+
+namespace corv::cli {
+
+/// A decoded log, with the decoder and its counters. Shows the progress on a terminal.
+class OpenLog
+{
+public:
+    /// Decodes the file. Once per object.
+    Status open(const QString& path);
+
+    QString path() const { return m_path; }
+    const LogFile& log() const { return *m_log; }
+    std::shared_ptr<const LogFile> shared() const { return m_log; }
+    const LogDecoder& decoder() const { return m_decoder; }
+
+private:
+    const std::atomic<bool> m_abortFlag{false};
+    LogDecoder m_decoder{&m_abortFlag};
+    std::shared_ptr<const LogFile> m_log;
+    QString m_path;
+};
+
+} // namespace corv::cli

@@ -1,0 +1,56 @@
+#include "Cli/Command.h"
+
+#include <QFile>
+#include <QTextCodec>
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+
+namespace corv::cli {
+namespace {
+
+// The other program of the tool, beside this one.
+constexpr const char* kFlightProgram = "/vistrel-cli-flights";
+
+bool isLogCommand(const QStringList& arguments, const std::vector<Command>& commands)
+{
+    const auto name = std::find_if(arguments.begin() + 1, arguments.end(), [](const QString& word) {
+        return word != QLatin1String("--verbose");
+    });
+    return name != arguments.end() &&
+           std::any_of(commands.begin(), commands.end(),
+                       [&name](const Command& command) { return command.name == *name; });
+}
+
+// Becomes the other program. Returns only where that cannot be started.
+ExitStatus becomeFlightProgram(char** argv)
+{
+    char self[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", self, sizeof(self));
+    std::string path(self, length > 0 ? static_cast<size_t>(length) : 0);
+    path = path.substr(0, path.rfind('/')) + kFlightProgram;
+    execv(path.c_str(), argv);
+    return fail(QStringLiteral("Cannot start \"%1\": %2.")
+                    .arg(QFile::decodeName(path.c_str()), QString::fromLocal8Bit(strerror(errno))));
+}
+
+} // namespace
+} // namespace corv::cli
+
+/// The tool as it is started. The log commands are done here, with Qt Core alone; all others and
+/// the help by a second program, so that a script that reads logs does not wait for the libraries
+/// of pictures and windows.
+int main(int argc, char** argv)
+{
+    using namespace corv::cli;
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments += QFile::decodeName(argv[i]);
+    const std::vector<Command> commands = logCommands();
+    return isLogCommand(arguments, commands) ? runLine(commands, arguments)
+                                             : becomeFlightProgram(argv);
+}
