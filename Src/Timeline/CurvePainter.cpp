@@ -1,0 +1,213 @@
+#include "Timeline/CurvePainter.h"
+
+#include "Log/LogTable.h"
+#include "Log/logUnits.h"
+#include "Log/printable.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace corv {
+namespace {
+
+constexpr int kMostElements = 16; // of a field: more are a block of data, not curves
+constexpr int kMarginPx = 4;
+constexpr int kLegendLinePx = 16;
+
+QString shown(const std::string& name)
+{
+    return printable(QString::fromStdString(name));
+}
+
+// The row of a pixel of the item for a value; the whole range spans the height between margins.
+int yOf(float value, const ValueRange& range, int height)
+{
+    const float span = range.highest - range.lowest;
+    const float share = span > 0 ? (value - range.lowest) / span : 0.5F;
+    return height - 1 - kMarginPx -
+           static_cast<int>(std::lround(share * static_cast<float>(height - 1 - 2 * kMarginPx)));
+}
+
+// The colours of the curves, in their order.
+QColor colourAt(size_t index)
+{
+    static const std::array<QColor, 6> colours{QColor(0x12, 0xff, 0x54), QColor(0xff, 0xb0, 0x00),
+                                               QColor(0x64, 0xb5, 0xff), QColor(0xff, 0x6e, 0xb4),
+                                               QColor(0xf0, 0xf0, 0x50), QColor(0xd0, 0xd0, 0xd0)};
+    return colours[index % colours.size()];
+}
+
+} // namespace
+
+std::vector<CurveColumn> curveColumns(const LogFile& log)
+{
+    std::vector<CurveColumn> columns;
+    for (const LogGroup& group : log.getGroups()) {
+        if (group.column<qint32>("time").empty())
+            continue;
+        for (const LogVar& var : group.getVars()) {
+            if (var.getName() == "time" || var.getNb() < 1 || var.getNb() > kMostElements ||
+                !var.getData() || LogTable::isText(var))
+                continue;
+            const QString base = shown(group.getName()) + QLatin1Char('.') + shown(var.getName());
+            for (int element = 0; element < var.getNb(); ++element) {
+                const QString name =
+                    var.getNb() == 1 ? base : base + QStringLiteral("[%1]").arg(element);
+                columns.push_back({QString::fromStdString(group.getName()),
+                                   QString::fromStdString(var.getName()), element,
+                                   QLatin1String(logUnit(group.getName(), var.getName())), name});
+            }
+        }
+    }
+    return columns;
+}
+
+const CurvePainter::Curve* CurvePainter::find(const QString& name) const
+{
+    const auto found = std::find_if(m_curves.begin(), m_curves.end(), [&name](const Curve& curve) {
+        return curve.column.name == name;
+    });
+    return found == m_curves.end() ? nullptr : &*found;
+}
+
+QColor CurvePainter::colourOf(const QString& name) const
+{
+    const Curve* curve = find(name);
+    return curve ? colourAt(static_cast<size_t>(curve - m_curves.data())) : QColor();
+}
+
+void CurvePainter::setLog(std::shared_ptr<const LogFile> log)
+{
+    m_log = std::move(log);
+    lookUp();
+}
+
+void CurvePainter::setChosen(const QStringList& names)
+{
+    m_names = names;
+    lookUp();
+}
+
+void CurvePainter::lookUp()
+{
+    m_curves.clear();
+    if (!m_log)
+        return;
+    const std::vector<CurveColumn> columns = curveColumns(*m_log);
+    for (const QString& name : qAsConst(m_names)) {
+        const auto found =
+            std::find_if(columns.begin(), columns.end(),
+                         [&name](const CurveColumn& column) { return column.name == name; });
+        if (found == columns.end())
+            continue;
+        const LogGroup* group = m_log->getGroup(found->group.toStdString());
+        const LogVar* var = group ? group->getVar(found->var.toStdString()) : nullptr;
+        const LogColumn<qint32> times = group ? group->column<qint32>("time") : LogColumn<qint32>();
+        if (!var || times.empty() || var->getNbPackets() != times.size() ||
+            found->column >= var->getNb())
+            continue;
+        Curve curve;
+        curve.column = *found;
+        curve.times = std::make_shared<const SampleTimes>(times.data(), times.size());
+        curve.firstMs = times[0];
+        curve.lastMs = *std::max_element(times.begin(), times.end());
+        curve.tree = std::make_shared<const CurveTree>(*var, found->column);
+        curve.range = curve.tree->range(0, times.size());
+        m_curves.push_back(std::move(curve));
+    }
+}
+
+std::optional<float> CurvePainter::valueOf(const Curve& curve, int videoMs) const
+{
+    const int ms = logTimeOfVideo(videoMs, *m_clock);
+    if (ms < curve.firstMs)
+        return std::nullopt;
+    return curve.tree->valueAt(curve.times->indexAt(ms));
+}
+
+std::optional<float> CurvePainter::valueAt(const QString& name, int videoMs) const
+{
+    const Curve* curve = find(name);
+    return isSynced() && curve ? valueOf(*curve, videoMs) : std::nullopt;
+}
+
+// For each pixel column the range of the values in its time, joined to the one before.
+QVector<QLine> CurvePainter::linesOf(const Curve& curve, const QSize& size,
+                                     const TimelineView& view) const
+{
+    QVector<QLine> lines;
+    lines.reserve(size.width());
+    if (curve.range.isEmpty())
+        return lines;
+    int first = -1; // row that holds at the left edge of the pixel
+    int topBefore = 0;
+    int bottomBefore = 0;
+    for (int x = 0; x < size.width(); ++x) {
+        const int leftMs = logTimeOfVideo(msOfPx(x, view), *m_clock);
+        const int rightMs = logTimeOfVideo(msOfPx(x + 1, view), *m_clock);
+        if (rightMs < curve.firstMs)
+            continue;
+        if (leftMs > curve.lastMs)
+            break;
+        if (first < 0)
+            first = curve.times->indexAt(leftMs);
+        const int last = curve.times->indexAt(rightMs);
+        const ValueRange range = curve.tree->range(first, std::max(last, first) + 1);
+        first = last;
+        if (range.isEmpty())
+            continue;
+        int top = yOf(range.highest, curve.range, size.height());
+        int bottom = yOf(range.lowest, curve.range, size.height());
+        const int highest = top;
+        const int lowest = bottom;
+        if (!lines.isEmpty() && lines.last().x1() == x - 1) {
+            top = std::min(top, bottomBefore);
+            bottom = std::max(bottom, topBefore);
+        }
+        lines.append(QLine(x, top, x, bottom));
+        topBefore = highest;
+        bottomBefore = lowest;
+    }
+    return lines;
+}
+
+void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineView& view,
+                         int cursorMs) const
+{
+    if (!isSynced() || m_curves.empty() || size.isEmpty() || !(view.msPerPx > 0) ||
+        !std::isfinite(view.msPerPx))
+        return;
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setClipRect(QRect(QPoint(), size));
+    for (size_t i = 0; i < m_curves.size(); ++i) {
+        painter.setPen(colourAt(i));
+        painter.drawLines(linesOf(m_curves[i], size, view));
+    }
+    const int cursorX = pxOfMs(cursorMs, view);
+    if (cursorX >= 0 && cursorX < size.width()) {
+        painter.setPen(Qt::white);
+        painter.drawLine(cursorX, 0, cursorX, size.height() - 1);
+    }
+    paintLegend(painter, cursorMs);
+}
+
+void CurvePainter::paintLegend(QPainter& painter, int cursorMs) const
+{
+    const QFontMetrics metrics(painter.font(), painter.device());
+    for (size_t i = 0; i < m_curves.size(); ++i) {
+        const Curve& curve = m_curves[i];
+        QString text = curve.column.name;
+        if (const std::optional<float> value = valueOf(curve, cursorMs))
+            text += QStringLiteral("  %1 %2").arg(double(*value), 0, 'g', 5).arg(curve.column.unit);
+        const QRect place(kMarginPx, kMarginPx + static_cast<int>(i) * kLegendLinePx,
+                          metrics.horizontalAdvance(text) + 2 * kMarginPx, kLegendLinePx);
+        painter.fillRect(place, QColor(0, 0, 0, 160));
+        painter.setPen(colourAt(i));
+        painter.drawText(place, Qt::AlignCenter, text);
+    }
+}
+
+} // namespace corv
