@@ -5,19 +5,13 @@
 #include <cstring>
 
 namespace corv {
-namespace {
-
-constexpr size_t kWindowBytes = size_t(2) << 20; // what the second level of a cache holds
-
-} // namespace
-
-FileWindow::FileWindow(QFile* file, qint64 beginByte, qint64 endByte)
-    : m_file(file), m_nextByte(beginByte), m_endByte(endByte)
+FileWindow::FileWindow(QFile* file, qint64 beginByte, qint64 endByte, size_t windowBytes)
+    : m_file(file), m_windowBytes(windowBytes), m_nextByte(beginByte), m_endByte(endByte)
 {
     const auto part = static_cast<size_t>(std::max<qint64>(endByte - beginByte, 0));
     m_cutShort = endByte < beginByte;
     m_failed = m_cutShort || !m_file->seek(beginByte) ||
-               !m_buffer.allocate(kLongestKept + std::min(part, kWindowBytes), true);
+               !m_buffer.allocate(kLongestKept + std::min(part, windowBytes), true);
     m_begin = m_end = m_buffer.data();
 }
 
@@ -30,7 +24,7 @@ bool FileWindow::advance(const unsigned char* keepFrom)
     Q_ASSERT(kept <= kLongestKept);
     std::memmove(to, keepFrom, kept);
     const qint64 wanted =
-        std::min<qint64>(static_cast<qint64>(kWindowBytes), m_endByte - m_nextByte);
+        std::min<qint64>(static_cast<qint64>(m_windowBytes), m_endByte - m_nextByte);
     qint64 got = 0;
     while (got < wanted) {
         const qint64 more = m_file->read(reinterpret_cast<char*>(to) + kept + got, wanted - got);

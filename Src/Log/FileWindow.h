@@ -13,9 +13,15 @@ namespace corv {
 class FileWindow
 {
 public:
-    /// Reads `file` from `beginByte` to before `endByte`. The file stays the caller's, is open for
-    /// reading, and is read by nobody else meanwhile. The window holds nothing yet.
-    FileWindow(QFile* file, qint64 beginByte, qint64 endByte);
+    /// What the second level of a cache holds: for payloads that are gathered where they are.
+    static constexpr size_t kWideBytes = size_t(2) << 20;
+    /// For bytes that are looked at once.
+    static constexpr size_t kNarrowBytes = size_t(1) << 18;
+
+    /// Reads `file` from `beginByte` to before `endByte`, `windowBytes` at a time. The file stays
+    /// the caller's, is open for reading, and is read by nobody else meanwhile. The window holds
+    /// nothing yet.
+    FileWindow(QFile* file, qint64 beginByte, qint64 endByte, size_t windowBytes);
 
     /// The bytes in the window.
     const unsigned char* begin() const { return m_begin; }
@@ -43,6 +49,7 @@ public:
 private:
     QFile* m_file;
     ZeroedBlock m_buffer;
+    size_t m_windowBytes;
     const unsigned char* m_begin = nullptr;
     const unsigned char* m_end = nullptr;
     qint64 m_nextByte;

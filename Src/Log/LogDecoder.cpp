@@ -1,6 +1,7 @@
 #include "Log/LogDecoder.h"
 
 #include "Log/LogOpening.h"
+#include "Log/PacketCounter.h"
 #include "Log/PacketScan.h"
 #include "Log/RowWriter.h"
 #include "Log/logFailures.h"
@@ -13,16 +14,8 @@
 #include <utility>
 
 namespace corv {
-namespace {
 
-constexpr qint64 kProgressEvery = 1000;
-
-int clampToInt(qint64 value)
-{
-    return static_cast<int>(std::min<qint64>(value, std::numeric_limits<int>::max()));
-}
-
-void logSummary(const LogDecodeCounters& counters)
+void logCounters(const LogDecodeCounters& counters)
 {
     const auto total = static_cast<double>(counters.total);
     const auto ratio = [total](qint64 count) { return static_cast<double>(count) / total; };
@@ -38,65 +31,14 @@ void logSummary(const LogDecodeCounters& counters)
                 << "so it was dropped.";
 }
 
-// Pass one: how many good packets there are of each id, and what is wrong with the others.
-class PacketCounter
+namespace {
+
+constexpr qint64 kProgressEvery = 1000;
+
+int clampToInt(qint64 value)
 {
-public:
-    static constexpr bool kEmptyTakesByte = true;
-
-    explicit PacketCounter(const std::atomic<bool>* abortFlag) : m_abortFlag(*abortFlag) {}
-
-    bool proceed() const { return !m_abortFlag.load(std::memory_order_relaxed); }
-    static bool wants(unsigned) { return true; }
-    void windowMoves() {}
-    void wrongId() { ++m_wrongId; }
-    void begins(unsigned id)
-    {
-        ++m_total;
-        ++m_packets[id];
-    }
-    void wrongSize(unsigned id)
-    {
-        ++m_wrongSize;
-        --m_packets[id];
-    }
-    bool payload(unsigned, const unsigned char*, int) { return true; }
-    void checksum(unsigned id, bool good)
-    {
-        m_wrongCrc += good ? 0 : 1;
-        m_packets[id] -= good ? 0 : 1;
-    }
-    void incomplete(unsigned id)
-    {
-        m_incompleteLast = true;
-        --m_packets[id];
-    }
-
-    qint64 packets(unsigned id) const { return m_packets[id]; }
-
-    LogDecodeCounters counters() const
-    {
-        LogDecodeCounters counters;
-        counters.total = m_total;
-        // A wrong id lowers the count though it never raised it: so it always was.
-        counters.valid =
-            m_total - m_wrongCrc - m_wrongSize - m_wrongId - (m_incompleteLast ? 1 : 0);
-        counters.wrongCrc = m_wrongCrc;
-        counters.wrongSize = m_wrongSize;
-        counters.wrongId = m_wrongId;
-        counters.incompleteLast = m_incompleteLast;
-        return counters;
-    }
-
-private:
-    const std::atomic<bool>& m_abortFlag;
-    std::array<qint64, 256> m_packets{};
-    qint64 m_total = 0;
-    qint64 m_wrongCrc = 0;
-    qint64 m_wrongSize = 0;
-    qint64 m_wrongId = 0;
-    bool m_incompleteLast = false;
-};
+    return static_cast<int>(std::min<qint64>(value, std::numeric_limits<int>::max()));
+}
 
 // Pass two: the values of each packet go to the blocks of its group.
 class PacketStore
@@ -223,7 +165,8 @@ private:
     {
         qInfo() << "Packet counting...  ";
         m_progress(1, 0, 0);
-        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte,
+                          FileWindow::kNarrowBytes);
         PacketCounter counter(m_decoder.m_abortFlag);
         const bool whole = PacketScan<PacketCounter>(&window, m_opening.framing, &counter).run();
         m_decoder.m_counters = counter.counters();
@@ -246,7 +189,7 @@ private:
             return status;
         if (m_decoder.m_abortFlag->load(std::memory_order_relaxed))
             return abortedLog(m_opening.path);
-        logSummary(m_decoder.m_counters);
+        logCounters(m_decoder.m_counters);
         m_opening.logElapsed();
         return {};
     }
@@ -256,7 +199,8 @@ private:
         qInfo() << "Data parsing: ";
         const qint64 total = m_decoder.m_counters.total;
         m_progress(2, 0, clampToInt(total));
-        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte,
+                          FileWindow::kWideBytes);
         PacketStore store(&window, m_decoder.m_abortFlag, m_progress, total);
         m_opening.forEachReachable([&store](LogGroup& group, const DescribedGroup& element) {
             store.addGroup(&group, element);

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace corv {
@@ -31,6 +32,22 @@ struct LogDigest
     std::vector<RecEvent> recordings;
     QList<FlightNamingEvent> namings;
     int thermalCameraHwVersion = -1; ///< as `LogDecoder::findThermalCameraHwVersion` gives it
+};
+
+/// From the earliest to the latest `time` of any group, in log-clock milliseconds.
+struct LogTimeSpan
+{
+    quint32 startMs = 0;
+    quint32 endMs = 0;
+};
+
+/// What a log holds, without its values.
+struct LogSurvey
+{
+    /// The groups and fields with their shapes; values only of what the digest is made of.
+    std::shared_ptr<const LogFile> log;
+    std::optional<LogTimeSpan> span; ///< nothing where no group has times
+    LogDigest digest;
 };
 
 /// Turns flight log files into `LogFile` models, and finds in a model how it belongs to a video and
@@ -62,7 +79,12 @@ public:
     /// `decode`, with kilobytes of the file as the figures of stage 2.
     Result<LogDigest> readForPairing(const QString& path, const Progress& progress) const;
 
-    /// Of the last decode, as far as it came.
+    /// Reads what a file holds, in one pass and without keeping the values: the same groups,
+    /// counters, recordings and namings as those of the decoded log. `progress` as for
+    /// `readForPairing`.
+    Result<LogSurvey> survey(const QString& path, const Progress& progress);
+
+    /// Of the last decode or survey, as far as it came.
     LogDecodeCounters counters() const { return m_counters; }
     int logVersion() const { return m_logVersion; }
 
@@ -91,6 +113,7 @@ private:
     class Run;
 
     Result<std::unique_ptr<LogFile>> read(const QString& path, const Progress& progress);
+    LogDigest digestOf(const LogFile* log) const;
 
     const std::atomic<bool>* m_abortFlag;
     LogDecodeCounters m_counters;

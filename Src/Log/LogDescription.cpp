@@ -52,7 +52,9 @@ LogDescription::~LogDescription() = default;
 qint64 LogDescription::findLength(QFile* file, const std::atomic<bool>* abortFlag)
 {
     const qint64 fileBytes = file->size();
-    FileWindow window(file, 0, fileBytes);
+    // Descriptions are short beside the packets behind them.
+    constexpr size_t kWindowBytes = size_t(1) << 16;
+    FileWindow window(file, 0, fileBytes, kWindowBytes);
     qint64 windowBegin = 0; // offset in the file
     while (!window.atEnd() && windowBegin <= kLongestBytes &&
            !abortFlag->load(std::memory_order_relaxed)) {

@@ -95,6 +95,14 @@ size_t LogVar::getDataSize() const
            static_cast<size_t>(m_nbPackets);
 }
 
+void LogVar::declare(int nb, int nbPackets, Type type)
+{
+    m_type = type;
+    m_nb = nb;
+    m_nbPackets = nbPackets;
+    m_elementSize = typeSize(type);
+}
+
 // Block sizes are 32-bit numbers of the format: what does not fit is refused, not wrapped.
 bool LogVar::fits(int nb, int nbPackets, Type type)
 {
@@ -103,10 +111,7 @@ bool LogVar::fits(int nb, int nbPackets, Type type)
 
 bool LogVar::allocate(int nb, int nbPackets, Type type, bool dense)
 {
-    m_type = type;
-    m_nb = nb;
-    m_nbPackets = nbPackets;
-    m_elementSize = typeSize(type);
+    declare(nb, nbPackets, type);
     const qint64 elements = elementsOf(nb, nbPackets);
     if (!fits(nb, nbPackets, type) ||
         !m_block.allocate(static_cast<size_t>(elements * m_elementSize) + kTrailingBytes, dense)) {

@@ -101,6 +101,9 @@ public:
 
     // Writing, for the decoder only. A write out of range is ignored.
 
+    /// Gives the var its shape alone, without a block.
+    void declare(int nb, int nbPackets, Type type);
+
     /// Gives the var its shape and a zeroed block. False, with no block, when the block would reach
     /// 2 GiB or the system has no memory for it. `dense` as in `ZeroedBlock::allocate`.
     bool allocate(int nb, int nbPackets, Type type, bool dense = false);

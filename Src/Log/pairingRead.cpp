@@ -1,11 +1,13 @@
 #include "Log/LogDecoder.h"
 #include "Log/LogOpening.h"
+#include "Log/PacketCounter.h"
 #include "Log/RowWriter.h"
 #include "Log/logFailures.h"
 
 #include <QDebug>
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -98,6 +100,63 @@ private:
     size_t m_keptBytes = 0;
 };
 
+// The one pass of a survey: counts all packets, picks the needed ones, and looks at every time.
+class PacketSurvey
+{
+public:
+    static constexpr bool kEmptyTakesByte = true;
+
+    PacketSurvey(PacketPick* pick, PacketCounter* counter) : m_pick(*pick), m_counter(*counter)
+    {
+        m_timeOffsets.fill(-1);
+    }
+
+    /// The place of the time in the payloads of an id.
+    void timesAt(int id, int offset) { m_timeOffsets[static_cast<size_t>(id)] = offset; }
+
+    bool proceed() const { return m_pick.proceed(); }
+    static bool wants(unsigned) { return true; }
+    void windowMoves() { m_pick.windowMoves(); }
+    void wrongId() { m_counter.wrongId(); }
+    void begins(unsigned id) { m_counter.begins(id); }
+    void wrongSize(unsigned id) { m_counter.wrongSize(id); }
+    bool payload(unsigned id, const unsigned char* bytes, int size)
+    {
+        m_payload = bytes;
+        return m_pick.payload(id, bytes, size);
+    }
+    void checksum(unsigned id, bool good)
+    {
+        m_counter.checksum(id, good);
+        if (m_pick.wants(id))
+            m_pick.checksum(id, good);
+        if (good && m_timeOffsets[id] >= 0)
+            include(m_payload + m_timeOffsets[id]);
+    }
+    void incomplete(unsigned id) { m_counter.incomplete(id); }
+
+    std::optional<LogTimeSpan> span() const
+    {
+        return m_startMs <= m_endMs ? std::optional(LogTimeSpan{m_startMs, m_endMs}) : std::nullopt;
+    }
+
+private:
+    void include(const unsigned char* bytes)
+    {
+        quint32 timeMs = 0;
+        std::memcpy(&timeMs, bytes, sizeof(timeMs));
+        m_startMs = std::min(m_startMs, timeMs);
+        m_endMs = std::max(m_endMs, timeMs);
+    }
+
+    PacketPick& m_pick;
+    PacketCounter& m_counter;
+    std::array<int, 256> m_timeOffsets;
+    const unsigned char* m_payload = nullptr;
+    quint32 m_startMs = std::numeric_limits<quint32>::max();
+    quint32 m_endMs = 0;
+};
+
 // The second pass over a log that needs one: stores the values as the full decoding does.
 class PacketRefill
 {
@@ -147,12 +206,24 @@ private:
     std::array<std::unique_ptr<RowWriter>, 256> m_writers;
 };
 
+// What a survey finds beside the needed fields.
+struct SurveyCounts
+{
+    LogDecodeCounters counters;
+    std::optional<LogTimeSpan> span;
+    int version = 0;
+    bool needsDecoding =
+        false; ///< the description is odd: only the full decoding says what it holds
+};
+
 // One reduced reading: leaves a log in which only the needed fields have values.
 class PairingRead
 {
 public:
-    PairingRead(const std::atomic<bool>* abortFlag, const Progress& progress)
-        : m_abortFlag(abortFlag), m_progress(progress)
+    /// With `survey`, counts all packets too.
+    PairingRead(const std::atomic<bool>* abortFlag, const Progress& progress,
+                SurveyCounts* survey = nullptr)
+        : m_abortFlag(abortFlag), m_progress(progress), m_survey(survey)
     {
     }
 
@@ -163,10 +234,17 @@ public:
             return opened.failure();
         m_opening = std::move(*opened);
         collectNeeded();
+        if (m_survey) {
+            m_survey->version = m_opening.version;
+            m_survey->needsDecoding = !isPlain();
+            if (m_survey->needsDecoding)
+                return {};
+        }
         return readPackets();
     }
 
     const LogFile* log() const { return m_opening.log.get(); }
+    std::unique_ptr<LogFile> takeLog() { return std::move(m_opening.log); }
 
 private:
     void collectNeeded()
@@ -201,13 +279,14 @@ private:
             return static_cast<int>(std::min<qint64>((atByte - m_opening.beginByte) >> 10,
                                                      std::numeric_limits<int>::max()));
         };
-        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte,
+                          FileWindow::kNarrowBytes);
         PacketPick pick(&window, m_abortFlag, [&](qint64 atByte) {
             m_progress(2, kilobytes(atByte), kilobytes(m_opening.endByte));
         });
         forEachNeeded(
             [&pick](const LogGroup& group, const DescribedGroup&) { pick.want(group.getId()); });
-        const bool whole = PacketScan<PacketPick>(&window, m_opening.framing, &pick).run();
+        const bool whole = scan(&window, &pick);
         if (const Status status = scanStatus(m_opening.path, window, whole); !status)
             return status;
         if (const Status status = allocate(pick); !status)
@@ -218,6 +297,63 @@ private:
             return status;
         m_progress(2, kilobytes(m_opening.endByte), kilobytes(m_opening.endByte));
         return {};
+    }
+
+    bool scan(FileWindow* window, PacketPick* pick)
+    {
+        if (!m_survey)
+            return PacketScan<PacketPick>(window, m_opening.framing, pick).run();
+        PacketCounter counter(m_abortFlag);
+        PacketSurvey survey(pick, &counter);
+        m_opening.forEachReachable(
+            [&survey](const LogGroup& group, const DescribedGroup& described) {
+                survey.timesAt(group.getId(), timeOffsetOf(group, described));
+            });
+        const bool whole = PacketScan<PacketSurvey>(window, m_opening.framing, &survey).run();
+        m_survey->counters = counter.counters();
+        m_survey->span = survey.span();
+        m_opening.forEachReachable([&counter](LogGroup& group, const DescribedGroup&) {
+            group.setNbPackets(static_cast<int>(counter.packets(unsigned(group.getId()))));
+        });
+        for (const DescribedGroup& element : m_opening.described) {
+            LogGroup& group = m_opening.log->getGroups()[element.group];
+            for (const DescribedVar& item : element.vars)
+                group.getVars()[item.var].declare(item.nb, group.getNbPackets(), item.type);
+        }
+        return whole;
+    }
+
+    // Where the time is in a payload; -1 without one of 32 bits.
+    static int timeOffsetOf(const LogGroup& group, const DescribedGroup& described)
+    {
+        int offset = 0;
+        for (const DescribedVar& item : described.vars) {
+            const bool isWord = item.type == LogVar::Uint32 || item.type == LogVar::Int32;
+            if (group.getVars()[item.var].getName() == "time")
+                return isWord && item.nb > 0 ? offset : -1;
+            offset += item.nb * LogVar::typeSize(item.type);
+        }
+        return -1;
+    }
+
+    // Each id and each field is described once, and packets hold what is described.
+    bool isPlain() const
+    {
+        if (hasEmptyPackets())
+            return false;
+        for (size_t i = 0; i < m_opening.described.size(); ++i) {
+            const DescribedGroup& element = m_opening.described[i];
+            qint64 bytes = 0;
+            for (size_t k = 0; k < element.vars.size(); ++k) {
+                const DescribedVar& item = element.vars[k];
+                if (item.var != k || item.nb < 0)
+                    return false;
+                bytes += qint64(item.nb) * LogVar::typeSize(item.type);
+            }
+            if (element.group != i || bytes > 0xffff)
+                return false;
+        }
+        return true;
     }
 
     // Counting and storing see packets without a payload differently, and so all behind them.
@@ -268,7 +404,8 @@ private:
 
     Status readAgain()
     {
-        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte);
+        FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte,
+                          FileWindow::kNarrowBytes);
         PacketRefill refill(&window, m_abortFlag);
         forEachNeeded([&refill](LogGroup& group, const DescribedGroup& described) {
             refill.addGroup(&group, described);
@@ -282,9 +419,24 @@ private:
 
     const std::atomic<bool>* m_abortFlag;
     const Progress& m_progress;
+    SurveyCounts* m_survey;
     LogOpening m_opening;
     std::vector<size_t> m_needed; ///< indices of groups
 };
+
+std::optional<LogTimeSpan> timeSpanOf(const LogFile& log)
+{
+    std::optional<LogTimeSpan> span;
+    for (const LogGroup& group : log.getGroups()) {
+        const LogColumn<quint32> times = group.column<quint32>("time");
+        if (times.empty())
+            continue;
+        const auto [earliest, latest] = std::minmax_element(times.begin(), times.end());
+        span = LogTimeSpan{span ? std::min(span->startMs, *earliest) : *earliest,
+                           span ? std::max(span->endMs, *latest) : *latest};
+    }
+    return span;
+}
 
 } // namespace
 
@@ -294,12 +446,48 @@ Result<LogDigest> LogDecoder::readForPairing(const QString& path, const Progress
         PairingRead reading(m_abortFlag, progress);
         if (const Status status = reading.read(path); !status)
             return status.failure();
-        return LogDigest{readRecordingEvents(reading.log()), readFlightNamingEvents(reading.log()),
-                         findThermalCameraHwVersion(reading.log())};
+        return digestOf(reading.log());
     } catch (const std::bad_alloc&) {
         qWarning() << "ERROR: no memory left for the log" << path;
         return logNoMemory(path);
     }
+}
+
+LogDigest LogDecoder::digestOf(const LogFile* log) const
+{
+    return {readRecordingEvents(log), readFlightNamingEvents(log), findThermalCameraHwVersion(log)};
+}
+
+Result<LogSurvey> LogDecoder::survey(const QString& path, const Progress& progress)
+{
+    m_counters = {};
+    m_logVersion = 0;
+    LogSurvey survey;
+    try {
+        SurveyCounts counts;
+        PairingRead reading(m_abortFlag, progress, &counts);
+        if (const Status status = reading.read(path); !status)
+            return status.failure();
+        m_counters = counts.counters;
+        m_logVersion = counts.version;
+        survey.span = counts.span;
+        if (!counts.needsDecoding) {
+            logCounters(m_counters);
+            survey.log = reading.takeLog();
+        }
+    } catch (const std::bad_alloc&) {
+        qWarning() << "ERROR: no memory left for the log" << path;
+        return logNoMemory(path);
+    }
+    if (!survey.log) {
+        const auto decoded = decode(path, progress);
+        if (!decoded)
+            return decoded.failure();
+        survey.log = *decoded;
+        survey.span = timeSpanOf(*survey.log);
+    }
+    survey.digest = digestOf(survey.log.get());
+    return survey;
 }
 
 } // namespace corv

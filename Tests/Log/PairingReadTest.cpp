@@ -60,6 +60,45 @@ bool equalLists(const List& a, const List& b)
                       [](const auto& x, const auto& y) { return equal(x, y); });
 }
 
+bool equalCounters(const LogDecodeCounters& a, const LogDecodeCounters& b)
+{
+    return a.total == b.total && a.valid == b.valid && a.wrongCrc == b.wrongCrc &&
+           a.wrongSize == b.wrongSize && a.wrongId == b.wrongId &&
+           a.incompleteLast == b.incompleteLast;
+}
+
+bool haveEqualShape(const LogVar& a, const LogVar& b)
+{
+    return a.getName() == b.getName() && a.getType() == b.getType() && a.getNb() == b.getNb() &&
+           a.getElementSize() == b.getElementSize() && a.getNbPackets() == b.getNbPackets();
+}
+
+// What a survey says otherwise than the decoded log; empty if nothing.
+QString surveyDifference(const LogSurvey& survey, const LogFile& log)
+{
+    quint32 startMs = 0xffffffffU;
+    quint32 endMs = 0;
+    for (size_t i = 0; i < log.getGroups().size(); ++i) {
+        const LogGroup& group = log.getGroups()[i];
+        const LogGroup& surveyed = survey.log->getGroups()[i];
+        if (surveyed.getName() != group.getName() ||
+            surveyed.getNbPackets() != group.getNbPackets() ||
+            surveyed.getPacketSize() != group.getPacketSize() ||
+            !std::equal(group.getVars().begin(), group.getVars().end(), surveyed.getVars().begin(),
+                        surveyed.getVars().end(), haveEqualShape))
+            return QStringLiteral("survey: group %1").arg(i);
+        for (const quint32 timeMs : group.column<quint32>("time")) {
+            startMs = std::min(startMs, timeMs);
+            endMs = std::max(endMs, timeMs);
+        }
+    }
+    const bool hasTimes = startMs <= endMs;
+    if (survey.span.has_value() != hasTimes ||
+        (hasTimes && (survey.span->startMs != startMs || survey.span->endMs != endMs)))
+        return QStringLiteral("survey: span");
+    return {};
+}
+
 // Renames the groups and fields of a random log to those that are looked for, differently for each.
 QByteArray renamed(QByteArray log, std::mt19937& random)
 {
@@ -142,7 +181,11 @@ QString PairingReadTest::differences(const QByteArray& bytes)
         return QStringLiteral("namings");
     if (digest->thermalCameraHwVersion != camera)
         return QStringLiteral("camera");
-    return {};
+    const LogDecodeCounters counters = m_decoder.counters();
+    const auto survey = m_decoder.survey(path, m_silent);
+    if (!survey || !equalCounters(counters, m_decoder.counters()))
+        return QStringLiteral("survey: counters");
+    return surveyDifference(*survey, **log);
 }
 
 void PairingReadTest::givesWhatTheDecodedLogGives_data()

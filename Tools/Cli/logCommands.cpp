@@ -77,14 +77,14 @@ ExitStatus logInfo(const QCommandLineParser& line)
     QJsonArray all;
     int failed = 0;
     for (const QString& path : logs.files) {
-        OpenLog open;
-        if (const Status status = open.open(path); !status) {
+        const Result<SurveyedLog> log = surveyLog(path);
+        if (!log) {
             ++failed;
-            fail(status.failure().sentence);
-            all.append(failureJson(path, status.failure()));
+            fail(log.failure().sentence);
+            all.append(failureJson(path, log.failure()));
         } else if (json) {
-            all.append(logJson(open));
-        } else if (writeOut(logText(open, !logs.isOneFile).toUtf8()) != Done) {
+            all.append(logJson(*log));
+        } else if (writeOut(logText(*log, !logs.isOneFile).toUtf8()) != Done) {
             return Failed;
         }
     }

@@ -25,29 +25,6 @@ int knownThermalCamera(int hwVersion)
     return hwVersion == 30 || hwVersion == 35 ? hwVersion : -1;
 }
 
-struct TimeSpan
-{
-    quint32 startMs = 0;
-    quint32 endMs = 0;
-};
-
-// From the earliest to the latest time of any group; nothing without times.
-std::optional<TimeSpan> timeSpanOf(const LogFile& log)
-{
-    std::optional<TimeSpan> span;
-    for (const LogGroup& group : log.getGroups()) {
-        const LogColumn<quint32> times = group.column<quint32>("time");
-        if (times.empty())
-            continue;
-        const auto [earliest, latest] = std::minmax_element(times.begin(), times.end());
-        if (!span)
-            span = TimeSpan{*earliest, *latest};
-        span->startMs = std::min(span->startMs, *earliest);
-        span->endMs = std::max(span->endMs, *latest);
-    }
-    return span;
-}
-
 QJsonObject packetsJson(const LogDecodeCounters& counters)
 {
     return {{QStringLiteral("total"), counters.total},
@@ -104,12 +81,12 @@ struct TimedNaming
     quint32 timeMs = 0;
 };
 
-std::vector<TimedNaming> namingsOf(const OpenLog& open)
+std::vector<TimedNaming> namingsOf(const LogSurvey& survey)
 {
     std::vector<TimedNaming> namings;
-    const LogGroup* group = open.log().getGroup(std::string("mission_info"));
+    const LogGroup* group = survey.log->getGroup(std::string("mission_info"));
     const LogVar* times = group ? group->getVar("time") : nullptr;
-    for (const FlightNamingEvent& event : open.decoder().readFlightNamingEvents(&open.log())) {
+    for (const FlightNamingEvent& event : survey.digest.namings) {
         TimedNaming timed{event, 0};
         if (times)
             times->getU32(0, static_cast<int>(namings.size()), &timed.timeMs);
@@ -133,12 +110,12 @@ QString recordingText(const RecEvent& event)
     return QStringLiteral("recording from %1 to %2 ms\n").arg(start).arg(event.stopTime);
 }
 
-QString countersText(const OpenLog& open)
+QString countersText(const SurveyedLog& log)
 {
-    const LogDecodeCounters counters = open.decoder().counters();
+    const LogDecodeCounters& counters = log.counters;
     return QStringLiteral("Log version %1, %2 packets: %3 valid, %4 with wrong checksum, "
                           "%5 with wrong size, %6 with wrong id%7\n")
-        .arg(open.decoder().logVersion())
+        .arg(log.version)
         .arg(counters.total)
         .arg(counters.valid)
         .arg(counters.wrongCrc)
@@ -191,53 +168,53 @@ QJsonObject failureJson(const QString& path, const Failure& failure)
     return {{QStringLiteral("file"), path}, {QStringLiteral("error"), failure.sentence}};
 }
 
-QJsonObject logJson(const OpenLog& open)
+QJsonObject logJson(const SurveyedLog& log)
 {
     QJsonArray recordings;
-    for (const RecEvent& event : LogDecoder::readRecordingEvents(&open.log())) {
+    for (const RecEvent& event : log.survey.digest.recordings) {
         recordings.append(QJsonObject{{QStringLiteral("startMs"), timeJson(event.startTime)},
                                       {QStringLiteral("stopMs"), timeJson(event.stopTime)}});
     }
     QJsonArray namings;
-    for (const TimedNaming& timed : namingsOf(open)) {
+    for (const TimedNaming& timed : namingsOf(log.survey)) {
         QJsonObject naming = namingJson(timed.naming);
         naming.insert(QStringLiteral("timeMs"), qint64(timed.timeMs));
         namings.append(naming);
     }
-    const std::optional<TimeSpan> span = timeSpanOf(open.log());
-    return {{QStringLiteral("file"), open.path()},
-            {QStringLiteral("version"), open.decoder().logVersion()},
+    const std::optional<LogTimeSpan>& span = log.survey.span;
+    return {{QStringLiteral("file"), log.path},
+            {QStringLiteral("version"), log.version},
             {QStringLiteral("startMs"), span ? QJsonValue(qint64(span->startMs)) : QJsonValue()},
             {QStringLiteral("endMs"), span ? QJsonValue(qint64(span->endMs)) : QJsonValue()},
-            {QStringLiteral("packets"), packetsJson(open.decoder().counters())},
-            {QStringLiteral("groups"), groupsJson(open.log())},
+            {QStringLiteral("packets"), packetsJson(log.counters)},
+            {QStringLiteral("groups"), groupsJson(*log.survey.log)},
             {QStringLiteral("recordings"), recordings},
             {QStringLiteral("namings"), namings},
             {QStringLiteral("thermalCamera"),
-             knownThermalCamera(open.decoder().findThermalCameraHwVersion(&open.log()))}};
+             knownThermalCamera(log.survey.digest.thermalCameraHwVersion)}};
 }
 
-QString logText(const OpenLog& open, bool named)
+QString logText(const SurveyedLog& log, bool named)
 {
     QString result;
     if (named)
-        result += QStringLiteral("==> %1 <==\n").arg(printable(open.path()));
+        result += QStringLiteral("==> %1 <==\n").arg(printable(log.path));
     else
-        result += printable(open.path()) + QLatin1Char('\n');
-    result += countersText(open);
-    if (const std::optional<TimeSpan> span = timeSpanOf(open.log())) {
+        result += printable(log.path) + QLatin1Char('\n');
+    result += countersText(log);
+    if (const std::optional<LogTimeSpan>& span = log.survey.span) {
         result += QStringLiteral("Log time from %1 ms to %2 ms (%3)\n")
                       .arg(span->startMs)
                       .arg(span->endMs)
                       .arg(durationText(span->endMs - span->startMs));
     }
-    result += QLatin1Char('\n') + groupsText(open.log()) + QLatin1Char('\n');
-    for (const RecEvent& event : LogDecoder::readRecordingEvents(&open.log()))
+    result += QLatin1Char('\n') + groupsText(*log.survey.log) + QLatin1Char('\n');
+    for (const RecEvent& event : log.survey.digest.recordings)
         result += recordingText(event);
-    for (const TimedNaming& timed : namingsOf(open))
+    for (const TimedNaming& timed : namingsOf(log.survey))
         result += QStringLiteral("named at %1 ms: ").arg(timed.timeMs) + namingText(timed.naming) +
                   QLatin1Char('\n');
-    const int camera = knownThermalCamera(open.decoder().findThermalCameraHwVersion(&open.log()));
+    const int camera = knownThermalCamera(log.survey.digest.thermalCameraHwVersion);
     result += camera < 0 ? QStringLiteral("no known thermal camera\n")
                          : QStringLiteral("thermal camera %1\n").arg(camera);
     return named ? result + QLatin1Char('\n') : result;
