@@ -31,10 +31,10 @@ Window {
     property url chosenVideoFile
     property bool isBusy: false
 
-    // The files of the chosen flight in order, where the search knows them, and the place of the
-    // chosen video among them, from 1.
+    // The files of the chosen flight in order, where the search knows them, and where the chosen
+    // video begins within the flight, in milliseconds.
     property var chosenFlightFiles: []
-    property int chosenPart: 1
+    property int chosenPartStart: 0
 
     // The rows of the list as the parser gave them.
     property var matchings: []
@@ -363,7 +363,7 @@ Window {
         chosenLogFile = Paths.toUrl(row.logPath);
         chosenVideoFile = Paths.toUrl(row.videoPath);
         chosenFlightFiles = matchings[matchingsTable.currentIndex].flightFiles;
-        chosenPart = matchings[matchingsTable.currentIndex].part;
+        chosenPartStart = matchings[matchingsTable.currentIndex].partStart;
         ok = true;
         storeUserSettings();
         fastLoadingChecked = checkBoxFastSearch.checked;

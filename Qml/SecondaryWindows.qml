@@ -59,6 +59,28 @@ Item {
         window.show();
     }
 
+    // A flight of several files is opened as a whole, so that its length finds its recording; a later
+    // part, chosen, starts at its own beginning.
+    function openFound(choice) {
+        var files = choice.chosenFlightFiles;
+        var video = files.length > 0 ? files[0] : Paths.chosenPath(choice.chosenVideoFile);
+        player.setNextFiles(files);
+        if (choice.chosenPartStart > 0)
+            goToOnceOpen(video, choice.chosenPartStart);
+        verbs.openFlight(video, Paths.chosenPath(choice.chosenLogFile));
+    }
+
+    function goToOnceOpen(video, positionMs) {
+        var go = function() {
+            if (!player.hasVideoOpened)
+                return;
+            player.hasVideoOpenedChanged.disconnect(go);
+            if (player.source === video)
+                player.goToTime(new Date(2000, 0, 1, 0, 0, 0, positionMs));
+        };
+        player.hasVideoOpenedChanged.connect(go);
+    }
+
     function openFramesExport() {
         player.pause();
         var window = make("FramesExport.qml", framesExportConnection);
@@ -163,8 +185,7 @@ Item {
                 return;
             windows.fastLoadingChosen(window.fastLoadingChecked);
             if (window.ok && window.chosenVideoFile.toString() !== "")
-                windows.verbs.openFlight(Paths.chosenPath(window.chosenVideoFile),
-                                   Paths.chosenPath(window.chosenLogFile));
+                windows.openFound(window);
         }
     }
 

@@ -295,10 +295,15 @@ void FlightFilesMatcher::decide(Search& search)
         match.recordingMs = pairing.recordingMs;
         match.flightFiles.clear();
         match.part = 1;
+        match.partStartMs = 0;
+        qint64 reachedMs = 0;
         for (const size_t part : pairing.files) {
             match.flightFiles.append(search.videos[part].path);
-            if (part == i)
+            if (part == i) {
                 match.part = match.flightFiles.size();
+                match.partStartMs = reachedMs;
+            }
+            reachedMs += search.videos[part].lengthMs;
         }
     }
 }

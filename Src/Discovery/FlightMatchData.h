@@ -25,6 +25,7 @@ struct FlightMatchData
     qint64 recordingMs = -1;    ///< logged length of its recording, or of the log's nearest; or -1
     QStringList flightFiles;    ///< all files of the flight in order, where the lengths show them
     int part = 1;               ///< place of the video in `flightFiles`, from 1
+    qint64 partStartMs = 0;     ///< where the video begins within the flight
 };
 
 } // namespace corv

@@ -64,6 +64,7 @@ QVariantMap matchingRow(const FlightMatchData& match)
         {QStringLiteral("flightFiles"), match.flightFiles},
         {QStringLiteral("part"), match.part},
         {QStringLiteral("partText"), partText(match)},
+        {QStringLiteral("partStart"), match.partStartMs},
         {QStringLiteral("videoTime"), match.videoTime.toString(Qt::ISODate)},
         {QStringLiteral("videoSize"), match.videoFile.size()},
     };

@@ -51,7 +51,8 @@ QString evidenceText(const FlightMatchData& match);
 /// - "flightLength", "recordingLength": the two lengths that were compared, milliseconds, -1 if
 ///   unknown;
 /// - "flightFiles": all files of the flight where the lengths show them, "part": the place of the
-///   video among them, "partText": that in words for all but the first;
+///   video among them, "partText": that in words for all but the first, "partStart": where it
+///   begins within the flight, milliseconds;
 /// - "videoTime" (of the last write, in ISO form) and "videoSize" (bytes).
 /// Any thread.
 QVariantList matchingRows(const QList<FlightMatchData>& matches);

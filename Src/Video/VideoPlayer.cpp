@@ -63,7 +63,10 @@ void VideoPlayer::setSource(const QString& source)
     m_source = source;
     emit sourceChanged();
     markBusy(busyMs);
-    m_sourceFiles = expandVideoSequence(m_source);
+    const QStringList nextFiles = std::exchange(m_nextFiles, {});
+    m_sourceFiles = nextFiles.value(0) == m_source && !m_source.isEmpty()
+                        ? nextFiles
+                        : expandVideoSequence(m_source);
     if (m_sourceFiles.isEmpty()) {
         emit sourceOpenError(m_source);
         return;

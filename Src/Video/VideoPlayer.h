@@ -87,6 +87,13 @@ public:
     QString source() const { return m_source; }
     void setSource(const QString& source);
 
+    /// The next `source`, if it is the first of these files, opens exactly these, and not those
+    /// that follow it by number: for files that are numbered on but are flights of their own.
+    Q_INVOKABLE void setNextFiles(const QStringList& files) { m_nextFiles = files; }
+
+    /// The files that are open or being opened, in order.
+    QStringList sourceFiles() const { return m_sourceFiles; }
+
     /// Callable from any thread.
     bool hasVideoOpened() const { return m_hasVideoOpened.load(std::memory_order_relaxed); }
 
@@ -364,6 +371,7 @@ private:
     QVideoSurfaceFormat m_surfaceFormat;
     QString m_source;
     QStringList m_sourceFiles;
+    QStringList m_nextFiles; ///< empty for those that follow by number
     std::atomic<bool> m_hasVideoOpened{false};
     QTime m_timePosition{0, 0, 0, 0};
     int m_currentFrameIndex = 0;

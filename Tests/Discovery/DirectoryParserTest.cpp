@@ -73,6 +73,7 @@ void DirectoryParserTest::rowShowsAllOfAFlight()
         {"flightFiles", QStringList(s.path("videos/a.b.mp4"))},
         {"part", 1},
         {"partText", QString()},
+        {"partStart", qint64(0)},
         {"videoTime", "2018-06-01T12:00:00"},
         {"videoSize", qint64(0)},
     };
@@ -110,6 +111,7 @@ void DirectoryParserTest::aVideoWithoutALogIsARow()
         {"flightFiles", QStringList()},
         {"part", 1},
         {"partText", QString()},
+        {"partStart", qint64(0)},
         {"videoTime", "2018-06-01T12:00:00"},
         {"videoSize", qint64(0)},
     };

@@ -458,6 +458,8 @@ void FlightFilesMatcherTest::partsOfOneFlightAreNamedAsOne()
     QCOMPARE(matches[0].part, 1);
     QCOMPARE(matches[1].part, 2);
     QCOMPARE(matches[1].videoDuration, 200'000);
+    QCOMPARE(matches[0].partStartMs, qint64(0));
+    QCOMPARE(matches[1].partStartMs, qint64(300'000));
 }
 
 void FlightFilesMatcherTest::severalReadersGiveTheSameResult()

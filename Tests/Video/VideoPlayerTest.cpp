@@ -30,6 +30,8 @@ private slots:
     void aPictureThatCannotBeConvertedIsGivenUp();
     void surfacesAreStartedAndStopped();
     void logDataNeedsALog();
+    void nextFilesReplaceThoseThatFollowByNumber();
+    void nextFilesCountForTheirFirstFileAlone();
 };
 
 void VideoPlayerTest::beginsClosed()
@@ -372,6 +374,31 @@ void VideoPlayerTest::logDataNeedsALog()
     QTRY_COMPARE(surface.numbers.size(), 3);
     QCOMPARE(log.count("No log file"), 1);
     QVERIFY(!player.thermalStatus());
+}
+
+void VideoPlayerTest::nextFilesReplaceThoseThatFollowByNumber()
+{
+    for (const char* name : {"CORV0001.MP4", "CORV0002.MP4", "CORV0003.MP4"})
+        addFile(name, 10);
+    VideoPlayer player(m_files->factory());
+    player.setNextFiles({path("CORV0001.MP4"), path("CORV0002.MP4")});
+    open(player, "CORV0001.MP4");
+    QCOMPARE(player.sourceFiles(), QStringList({path("CORV0001.MP4"), path("CORV0002.MP4")}));
+    QTRY_COMPARE(player.duration(), timeAt(200));
+    // Once: afterwards the numbers decide again.
+    player.close();
+    open(player, "CORV0001.MP4");
+    QCOMPARE(player.sourceFiles().size(), 3);
+}
+
+void VideoPlayerTest::nextFilesCountForTheirFirstFileAlone()
+{
+    addFile("CORV0001.MP4", 10);
+    addFile("CORV0002.MP4", 10);
+    VideoPlayer player(m_files->factory());
+    player.setNextFiles({path("CORV0002.MP4")});
+    open(player, "CORV0001.MP4");
+    QCOMPARE(player.sourceFiles().size(), 2);
 }
 
 QTEST_MAIN(VideoPlayerTest)

@@ -85,6 +85,7 @@ void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
                                {"flightFiles", QJsonArray()},
                                {"part", 1},
                                {"partText", ""},
+                               {"partStart", 0},
                                {"videoTime", video.lastModified().toString(Qt::ISODate)},
                                {"videoSize", 0}};
     QCOMPARE(rows.size(), 1);
