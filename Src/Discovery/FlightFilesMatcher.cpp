@@ -70,10 +70,10 @@ private:
 };
 
 // A second thread for the jobs, if the pool has one to spare before they are done.
-class Helper
+class SpareReader
 {
 public:
-    explicit Helper(std::function<void()> work)
+    explicit SpareReader(std::function<void()> work)
         : m_state(std::make_shared<std::atomic<int>>(Waiting)),
           m_task(runOnPool([state = m_state, work = std::move(work)] {
               int expected = Waiting;
@@ -245,13 +245,13 @@ bool FlightFilesMatcher::readLogs(Search& search, size_t from, size_t end,
                                     });
         }
     };
-    std::vector<Helper> helpers;
+    std::vector<SpareReader> spareReaders;
     const int others = std::min(m_facts.readers, static_cast<int>(end - from)) - 1;
     for (int i = 0; i < others; ++i)
-        helpers.emplace_back([work] { work({}); });
+        spareReaders.emplace_back([work] { work({}); });
     work(progress);
-    for (Helper& helper : helpers)
-        helper.finish();
+    for (SpareReader& spare : spareReaders)
+        spare.finish();
     return !hasAborted();
 }
 
