@@ -428,7 +428,7 @@ Window {
     }
 
     Shortcut {
-        sequence: "Escape"
+        sequence: "Esc"
         onActivated: autoImporter.cancelAndClose()
     }
 

@@ -19,7 +19,6 @@ constexpr double videoHasNoLog = 0.2;
 constexpr double jumpsInOrder = 0.02;
 constexpr double strayInOrder = 0.03;
 constexpr double severalParts = 0.1;
-constexpr double timesAreKept = 0.7;
 constexpr double namesAreInOrder = 0.97;
 constexpr size_t mostParts = 40;
 
@@ -421,7 +420,9 @@ void Alignment::run(const AlignmentInput& input)
     for (const bool times : {true, false}) {
         if (times && !input.timeFit)
             continue;
-        const double prior = !input.timeFit ? 1 : times ? timesAreKept : 1 - timesAreKept;
+        const double prior = !input.timeFit ? 1
+                             : times        ? input.timesAreKept
+                                            : 1 - input.timesAreKept;
         beliefs.push_back({prior * namesAreInOrder, 1 - jumpsInOrder - strayInOrder, jumpsInOrder,
                            strayInOrder, times});
         beliefs.push_back({prior * (1 - namesAreInOrder), 0, 0, 1, times});

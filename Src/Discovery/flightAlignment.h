@@ -22,6 +22,7 @@ struct AlignmentInput
     /// How much better the file times fit if the flight whose last part is `video` is `recording`
     /// than if it is not: above 1 speaks for it. Only asked while times are believed.
     std::function<double(int video, int recording)> timeFit;
+    double timesAreKept = 0.7; ///< how likely that is, before any length is compared
 };
 
 /// The belief that videos `first` to `first + count - 1`, as the parts of one flight, are one

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <numeric>
+#include <utility>
 
 namespace corv {
 namespace {
@@ -70,6 +71,24 @@ double median(std::vector<double> values)
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
     return *middle;
+}
+
+// A camera cannot end one video sooner after another than the video is long; a copy can, and mostly
+// does.
+double likelihoodOfKeptTimes(const std::vector<PairingVideo>& videos)
+{
+    std::vector<std::pair<qint64, qint64>> ends; // with the length of the video
+    for (const PairingVideo& video : videos)
+        if (video.timeMs >= 0 && video.lengthMs > 0)
+            ends.emplace_back(video.timeMs, video.lengthMs);
+    if (ends.size() < 2)
+        return 0.7;
+    std::sort(ends.begin(), ends.end());
+    double possible = 0;
+    for (size_t i = 1; i < ends.size(); ++i)
+        possible += ends[i].first - ends[i - 1].first >= ends[i].second / 2;
+    const double share = possible / static_cast<double>(ends.size() - 1);
+    return share > 0.8 ? 0.995 : share > 0.4 ? 0.7 : 0.3;
 }
 
 // How long after a video its log is written: typical of a card, and learnt from the pairs whose
@@ -151,11 +170,14 @@ private:
     void addClaim(const AlignmentClaim& claim, Pairing& pairing) const;
     void addNearestLength(Pairing& pairing) const;
     bool canCompare(int log) const;
+    bool agreesByTime(size_t place, const LogBelief& byTime) const;
+    bool nothingContradictsTimes() const;
 
     const std::vector<PairingVideo>& m_videos;
     std::vector<size_t> m_order; // positions of the videos by name
     std::vector<Recording> m_recordings;
     std::vector<std::vector<AlignmentClaim>> m_claims; // by place in m_order
+    bool m_timesAreSound = false;
 };
 
 Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs)
@@ -174,7 +196,9 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
         return delay.fit(videos[m_order[static_cast<size_t>(place)]],
                          m_recordings[static_cast<size_t>(recording)]);
     };
+    input.timesAreKept = likelihoodOfKeptTimes(videos);
     m_claims = alignFlights(input);
+    m_timesAreSound = nothingContradictsTimes();
 }
 
 LogBelief Decision::beliefIn(size_t place, int log) const
@@ -232,6 +256,32 @@ bool Decision::canCompare(int log) const
                        [log](const Recording& recording) { return recording.log == log; });
 }
 
+// Neighbours that only together are as long as a recording are hardly one flight.
+bool Decision::agreesByTime(size_t place, const LogBelief& byTime) const
+{
+    return m_videos[m_order[place]].logByTime >= 0 && byTime.best.recording >= 0 &&
+           (byTime.best.count == 1 || byTime.probability >= likely);
+}
+
+// True if every pair by time has a recording of its length, and each recording one flight.
+bool Decision::nothingContradictsTimes() const
+{
+    std::vector<int> flightOf(m_recordings.size(), -1); // by its first video
+    for (size_t place = 0; place < m_order.size(); ++place) {
+        const PairingVideo& video = m_videos[m_order[place]];
+        if (video.logByTime < 0 || video.lengthMs <= 0 || !canCompare(video.logByTime))
+            continue;
+        const LogBelief byTime = beliefIn(place, video.logByTime);
+        if (!agreesByTime(place, byTime))
+            return false;
+        int& flight = flightOf[static_cast<size_t>(byTime.best.recording)];
+        if (flight >= 0 && flight != byTime.best.first)
+            return false;
+        flight = byTime.best.first;
+    }
+    return true;
+}
+
 Pairing Decision::decide(size_t place) const
 {
     const PairingVideo& video = m_videos[m_order[place]];
@@ -239,9 +289,7 @@ Pairing Decision::decide(size_t place) const
     pairing.videoMs = video.lengthMs > 0 ? video.lengthMs : -1;
     const LogBelief byTime = beliefIn(place, video.logByTime);
     const LogBelief best = mostLikely(place);
-    // Neighbours that only together are as long as a recording are hardly one flight.
-    const bool lengthAgrees = video.logByTime >= 0 && byTime.best.recording >= 0 &&
-                              (byTime.best.count == 1 || byTime.probability >= likely);
+    const bool lengthAgrees = agreesByTime(place, byTime);
     // Times that lengths do not contradict stand, unless another log is all but certain.
     const bool contradicted =
         video.logByTime < 0 || (video.lengthMs > 0 && canCompare(video.logByTime));
@@ -255,7 +303,7 @@ Pairing Decision::decide(size_t place) const
     } else if (lengthAgrees) {
         addClaim(byTime.best, pairing);
         pairing.evidence = PairingEvidence::TimeAndLength;
-        pairing.doubtful = byTime.probability < certainByTimeAndLength;
+        pairing.doubtful = !m_timesAreSound && byTime.probability < certainByTimeAndLength;
     } else if (video.logByTime >= 0) {
         pairing.log = video.logByTime;
         if (contradicted)

@@ -53,6 +53,7 @@ private slots:
     void oneVideoAndOneLog();
     void lengthsAgreeBelowThreeSeconds_data();
     void lengthsAgreeBelowThreeSeconds();
+    void equalLengthsLeaveNoDoubtWhereTimesAgree();
     void lostTimesAreReplacedByLengths();
     void orderOfNamesDecidesBetweenEqualLengths();
     void gapInTimesIsFilledByLength();
@@ -131,6 +132,20 @@ void FlightPairingTest::lengthsAgreeBelowThreeSeconds()
 {
     QFETCH(qint64, recordingMs);
     QTEST(lengthsAgree(60'000, recordingMs), "agree");
+}
+
+void FlightPairingTest::equalLengthsLeaveNoDoubtWhereTimesAgree()
+{
+    // All of a minute, the names in no order, one log missing.
+    const std::vector<Pairing> pairings =
+        pairFlights({video("morning.mp4", 60'000, 0, 0), video("noon.mp4", 60'000, -1, 5000),
+                     video("evening.mp4", 60'000, 1, 10'000)},
+                    {logOf("1.log", {61'000}, 100), logOf("2.log", {61'000}, 10'100)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, -1, 1}));
+    for (const size_t i : {0, 2}) {
+        QCOMPARE(pairings[i].evidence, PairingEvidence::TimeAndLength);
+        QVERIFY(!pairings[i].doubtful);
+    }
 }
 
 void FlightPairingTest::lostTimesAreReplacedByLengths()
