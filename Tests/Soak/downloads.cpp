@@ -101,9 +101,12 @@ private:
             loop.exec();
         if (isLate)
             return QStringLiteral("the search for an update does not end");
-        if (client.exitStatus() != QProcess::NormalExit && killAfterMs < 0)
+        const QByteArray complaint = client.readAllStandardError();
+        const bool hasCrashed = client.exitStatus() != QProcess::NormalExit && killAfterMs < 0;
+        if (hasCrashed || complaint.contains("ERROR: AddressSanitizer") ||
+            complaint.contains("runtime error: "))
             return QStringLiteral("the search for an update crashes: ") +
-                   QString::fromUtf8(client.readAllStandardError()).right(2000);
+                   QString::fromUtf8(complaint).right(2000);
         return {};
     }
 

@@ -74,8 +74,12 @@ End runProgram(const QString& program, const QStringList& arguments, const QStri
         process.kill();
         process.waitForFinished();
     }
+    const QByteArray complaint = process.readAllStandardError().trimmed();
     if (error)
-        *error = QString::fromUtf8(process.readAllStandardError()).trimmed();
+        *error = QString::fromUtf8(complaint);
+    // A sanitizer ends the program with an ordinary status.
+    if (complaint.contains("ERROR: AddressSanitizer") || complaint.contains("runtime error: "))
+        return End::crashed;
     if (!ended)
         return killAfterMs < 0 ? End::stillRuns : End::killed;
     if (process.exitStatus() != QProcess::NormalExit)

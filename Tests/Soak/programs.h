@@ -13,7 +13,7 @@ enum class End {
     success,   ///< exit status 0
     failure,   ///< another status
     killed,    ///< by us
-    crashed,   ///< by a signal that was not ours
+    crashed,   ///< by a signal that was not ours, or by a sanitizer
     stillRuns, ///< it did not end in two minutes and was killed
 };
 
