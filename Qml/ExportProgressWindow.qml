@@ -28,6 +28,11 @@ Window {
     color: Theme.dialog
     flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint
     modality: Qt.ApplicationModal
+    // Hidden, it would go on unseen.
+    onClosing: {
+        close.accepted = false;
+        abortClicked();
+    }
 
     ExportProgress {
         id: exportProgressContent

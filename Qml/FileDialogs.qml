@@ -34,13 +34,16 @@ Item {
         defaultSuffix: "ecor"
         selectExisting: false
         onAccepted: {
-            var path = Paths.withSuffix(Paths.undecodedPath(fileUrl), selectedNameFilter);
-            if (path === "")
+            var typed = Paths.undecodedPath(fileUrl);
+            if (typed === "")
                 return;
-            if (fileDialogs.savingAsCopy)
-                fileDialogs.verbs.doSaveProjectCopy(path);
-            else
-                fileDialogs.verbs.doSaveProjectAs(path);
+            var path = Paths.withSuffix(typed, selectedNameFilter);
+            fileDialogs.verbs.askBeforeReplacing(path, typed, function() {
+                if (fileDialogs.savingAsCopy)
+                    fileDialogs.verbs.doSaveProjectCopy(path);
+                else
+                    fileDialogs.verbs.doSaveProjectAs(path);
+            });
         }
     }
 
@@ -65,9 +68,13 @@ Item {
         defaultSuffix: "docx"
         selectExisting: false
         onAccepted: {
-            var path = Paths.withSuffix(Paths.undecodedPath(fileUrl), selectedNameFilter);
-            if (path !== "")
+            var typed = Paths.undecodedPath(fileUrl);
+            if (typed === "")
+                return;
+            var path = Paths.withSuffix(typed, selectedNameFilter);
+            fileDialogs.verbs.askBeforeReplacing(path, typed, function() {
                 fileDialogs.verbs.doCreatePoiReport(path);
+            });
         }
     }
 

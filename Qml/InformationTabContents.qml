@@ -53,7 +53,8 @@ Rectangle {
             clip: true
             text: "<b>Mission:</b><br>" + infoRect.plain(LogParser.flightNaming.missionName)
                   + "<br><b>Flight:</b><br>" + infoRect.plain(LogParser.flightNaming.flightName)
-                  + "<br><b>Num. </b>" + LogParser.flightNaming.flightNumber
+                  + (LogParser.flightNaming.flightNumber > 0
+                     ? "<br><b>Num. </b>" + LogParser.flightNaming.flightNumber : "")
         }
 
         Text {
@@ -99,6 +100,12 @@ Rectangle {
 
         function onLogParsingComplete(result) {
             if (result)
+                headUpDisplay.updateLogData();
+        }
+
+        // Closed: nothing of the last flight is to be seen.
+        function onSourceChanged() {
+            if (LogParser.source === "")
                 headUpDisplay.updateLogData();
         }
 

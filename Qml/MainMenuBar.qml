@@ -1,12 +1,14 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4
 import corv.LogParsing 1.0
+import Review 1.0
 import VideoPlayer 1.0
 
 MenuBar {
     id: menuBar
 
     property VideoPlayer player: null
+    property Review review: null
     // Whether the work at hand is bound to a project file.
     property bool projectOpen: false
     // The functions that the entries run: the main window's, and its windows on demand.
@@ -86,7 +88,29 @@ MenuBar {
             objectName: "exitMenuItem"
             text: "&Exit"
             shortcut: "Ctrl+Q"
-            onTriggered: Qt.quit()
+            onTriggered: menuBar.verbs.goExit()
+        }
+    }
+
+    Menu {
+        objectName: "reviewMenu"
+        title: "&Review"
+
+        MenuItem {
+            objectName: "undoMenuItem"
+            text: menuBar.review !== null && menuBar.review.canUndo
+                  ? "&Undo " + menuBar.review.undoText : "&Undo"
+            shortcut: "Ctrl+Z"
+            enabled: menuBar.review !== null && menuBar.review.canUndo
+            onTriggered: menuBar.verbs.undo()
+        }
+        MenuItem {
+            objectName: "redoMenuItem"
+            text: menuBar.review !== null && menuBar.review.canRedo
+                  ? "&Redo " + menuBar.review.redoText : "&Redo"
+            shortcut: "Ctrl+Shift+Z"
+            enabled: menuBar.review !== null && menuBar.review.canRedo
+            onTriggered: menuBar.verbs.redo()
         }
     }
 

@@ -11,6 +11,17 @@ Window {
 
     property bool ok: false
     property bool eraseAll: true
+    // How many points of interest the two choices add: those that are missing, and all of the log.
+    property int missingCount: 0
+    property int allCount: 0
+
+    function outcome() {
+        if (actionEraseAll.checked)
+            return "Deletes nothing. Adds " + missingCount + " of the log that are missing.";
+        var doubled = allCount - missingCount;
+        return "Adds " + allCount + " of the log" + (doubled > 0
+               ? ", " + doubled + " of them a second time, one millisecond later." : ".");
+    }
 
     // Called by every opener; there is nothing to take over.
     function init() {
@@ -59,6 +70,15 @@ Window {
             text: "Reload missing points of interest only"
             exclusiveGroup: actionChoiceGroup
         }
+    }
+
+    Text {
+        objectName: "restoreOutcome"
+        anchors { left: parent.left; right: cancelButton.left; bottom: parent.bottom; margins: 10 }
+        wrapMode: Text.Wrap
+        font.pixelSize: 11
+        color: Theme.text
+        text: restorePoiChoice.outcome()
     }
 
     CorvRichTextButton {

@@ -8,8 +8,6 @@ VideoPlayer {
 
     property bool hasVideoOpenedAlias: hasVideoOpened
     property var onVideoSucessfullyOpened: undefined
-    // The file that the video was opened by; `source` moves on from file to file.
-    property string openedSource: ""
     // Returns the adjustments panel, undefined before its tab was first shown.
     property var adjustmentsPanel: function() { return undefined; }
 
@@ -26,7 +24,6 @@ VideoPlayer {
     visible: hasVideoOpened
 
     onHasVideoOpenedChanged: {
-        openedSource = hasVideoOpened ? source : "";
         // Or the next flight would begin with the picture of this one.
         if (!hasVideoOpened)
             forgetLastFrame();
@@ -58,22 +55,6 @@ VideoPlayer {
             if (reviewPlayer.showIR)
                 reviewPlayer.redraw();
         }
-    }
-
-    // Opens a file and then runs the continuation, for that file alone: left behind by a video that
-    // could not be opened, it must not take the next one for its own. A file that is open already
-    // would not be opened again, and nothing would come of it.
-    function open(file, continuation) {
-        if (hasVideoOpened && source === file && openedSource === file) {
-            continuation();
-            return;
-        }
-        onVideoSucessfullyOpened = function() {
-            if (source === file)
-                continuation();
-        };
-        forgetLastFrame();
-        source = file;
     }
 
     function togglePlayPause() {

@@ -1,5 +1,6 @@
 import QtQuick 2.7
 import corv.LogParsing 1.0
+import Review 1.0
 import Timeline 1.0
 import VideoPlayer 1.0
 import "paths.js" as Paths
@@ -11,6 +12,7 @@ Item {
 
     property VideoPlayer player: null
     property TimelineContent timeline: null
+    property Review review: null
     // The window that these belong to; its functions carry out what was chosen in them.
     property var verbs: null
     // Remembers the importer's fast search between openings.
@@ -109,6 +111,8 @@ Item {
     function openRestoreLog() {
         player.pause();
         var window = make("RestoreLog.qml", restoreLogConnection);
+        window.missingCount = review.missingPoisInLog();
+        window.allCount = review.addablePoisFromLog();
         window.init();
         window.show();
     }
@@ -163,16 +167,7 @@ Item {
 
     function writeFlightNaming(choice) {
         console.log("Save flight properties changes");
-        var number = choice.flightNumber > 0 ? choice.flightNumber : undefined;
-        if (number === undefined && choice.missionName === "" && choice.flightName === "")
-            LogParser.flightNaming = {undefined: true};
-        else
-            LogParser.flightNaming = {
-                flightName: choice.flightName,
-                flightNumber: number,
-                missionName: choice.missionName,
-                undefined: false
-            };
+        verbs.nameFlight(choice.missionName, choice.flightName, choice.flightNumber || 0);
     }
 
     Connections {

@@ -17,6 +17,29 @@ Rectangle {
     height: 26
     color: Theme.strip
 
+    // Shows a sentence in passing, in place of the files.
+    function showNotice(text) {
+        noticeText.text = text;
+        noticeTimer.restart();
+    }
+
+    Timer {
+        id: noticeTimer
+        interval: 6000
+    }
+
+    ElidedText {
+        id: noticeText
+        objectName: "noticeText"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.leftMargin: 8
+        anchors.rightMargin: 8
+        anchors.verticalCenter: parent.verticalCenter
+        visible: noticeTimer.running && !LogParser.isParsing
+        color: Theme.text
+    }
+
     function showLogProgress(stage, done, total) {
         var labels = ["Reading logs version", "Counting logs", "Parsing logs"];
         var label = labels[stage] || "";
@@ -91,7 +114,7 @@ Rectangle {
         anchors.leftMargin: 8
         anchors.rightMargin: 8
         spacing: 8
-        visible: !LogParser.isParsing
+        visible: !LogParser.isParsing && !noticeTimer.running
 
         Text {
             id: videoDuration

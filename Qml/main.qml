@@ -9,11 +9,11 @@ import corv.ApplicationTelemetry 1.0
 import corv.LogParsing 1.0
 import PoiReportExporter 1.0
 import ProjectFileLoader 1.0
+import Review 1.0
 import Timeline 1.0
 import "."
 import "constants.js" as Cst
 import "paths.js" as Paths
-import "projects.js" as Projects
 
 ApplicationWindow {
     id: mainWindow
@@ -32,8 +32,11 @@ ApplicationWindow {
            + (currentProject.fileActive
               ? " - " + currentProject.filePath + (currentProject.modified ? "*" : "") : "")
 
+    onClosing: close.accepted = review.copyJob === null
+
     menuBar: MainMenuBar {
         player: videoPlayer
+        review: review
         projectOpen: currentProject.fileActive
         verbs: mainWindow
         windows: secondaryWindows
@@ -47,18 +50,7 @@ ApplicationWindow {
 
     function loadProject(path) {
         console.log("Trying to open project " + path);
-        var projectData = projectFileLoader.loadProject(path);
-        if (!projectData.loaded) {
-            displayErrorDialog("Error", "Failed to load project. Corrupt project file.");
-            return;
-        }
-        console.log("Project opened");
-        if (!projectData.videoFileExists) {
-            displayErrorDialog("Error", Projects.missingFileText("video", projectData.videoFile));
-            return;
-        }
-        videoPlayer.open(projectData.videoFile.toString(),
-                         function() { projectStore.restore(path, projectData); });
+        review.openProject(path);
     }
 
     function loadVideo(path) {
@@ -103,18 +95,19 @@ ApplicationWindow {
         doSaveProject(currentProject.filePath);
     }
 
+    // Not in the middle of a copy, of which nothing would be left.
+    function goExit() {
+        if (review.copyJob === null)
+            Qt.quit();
+    }
+
     function goCloseProject() {
         ApplicationTelemetry.vistrelEvent("close_project");
         resetStatusAsNewProject();
     }
 
     function resetStatusAsNewProject() {
-        videoPlayer.close();
-        LogParser.closeLog();
-        timelineContent.clearAllData();
-        currentProject.fileActive = false;
-        currentProject.filePath = "";
-        currentProject.modified = false;
+        review.close();
     }
 
     function goOpenVideo(source) {
@@ -129,8 +122,7 @@ ApplicationWindow {
                                "Invalid file extension, choose a \".mov\", \".avi\", \".3gp\" or \".mp4\" file");
             return;
         }
-        resetStatusAsNewProject();
-        videoPlayer.source = Paths.decodedPath(videoUrl);
+        review.openFlight(Paths.decodedPath(videoUrl), "");
     }
 
     function goLoadFlightData() {
@@ -143,26 +135,18 @@ ApplicationWindow {
             displayErrorDialog("Invalid file", "Invalid file extension, chose a \".log\" file");
             return;
         }
-        resetCorrectionParameters();
-        updateCorrectionParameters();
-        LogParser.isParsing = true;
-        LogParser.parseLog(Paths.decodedPath(logUrl), false);
+        review.attachLog(Paths.decodedPath(logUrl));
     }
 
-    // Opens a flight found by the importer; its log is read once its video is open.
+    // Opens a flight found by the importer; its log is read once its video is open. A flight without
+    // a log has none.
     function openFlight(videoFile, logFile) {
-        resetStatusAsNewProject();
-        videoPlayer.open(videoFile, function() {
-            resetCorrectionParameters();
-            updateCorrectionParameters();
-            LogParser.isParsing = true;
-            LogParser.parseLog(logFile, false);
-        });
+        review.openFlight(videoFile, logFile);
     }
 
     function goResetPOIsFromFlightData() {
         videoPlayer.pause();
-        timelineContent.updateLogData();
+        review.addMissingPoisFromLog();
     }
 
     function goOverwritePOIsFromFlightData() {
@@ -206,9 +190,7 @@ ApplicationWindow {
     }
 
     function resetCorrectionParameters() {
-        videoPlayer.irOffsetX = 0;
-        videoPlayer.irOffsetY = 0;
-        LogParser.manualLogTimeOffset = 0;
+        review.resetCorrections();
     }
 
     function updateCorrectionParameters() {
@@ -229,21 +211,23 @@ ApplicationWindow {
     }
 
     function doSaveProject(path) {
-        doSaveOperation(path, false);
-        bindToProject(path);
+        review.save(path);
     }
 
     function doSaveProjectAs(path) {
-        doSaveOperation(path, true);
-        bindToProject(path);
+        review.saveAs(path);
     }
 
     function doSaveProjectCopy(path) {
         doSaveOperation(path, true);
     }
 
+    // Writes a project; with copies beside it the work stays bound to its own.
     function doSaveOperation(path, copySourceFiles) {
-        projectStore.save(path, copySourceFiles);
+        if (copySourceFiles)
+            review.saveCopy(path);
+        else
+            review.save(path);
     }
 
     function doCreatePoiReport(path) {
@@ -267,17 +251,7 @@ ApplicationWindow {
     }
 
     function logParsingComplete(result) {
-        LogParser.isParsing = false;
-        console.log("Log parsing complete");
-        if (!result) {
-            displayErrorDialog("Error", "Log file could not be read.");
-            return;
-        }
-        if (LogParser.logProbablyNotMatching)
-            displayWarningDialog("Flight data match issue",
-                                 "The log file that was just loaded does not match with the currently opened video.\n\nData is available for playback but may not be related to the flight seen on the video.");
-        timelineContent.updateLogData();
-        videoPlayer.updateLogData();
+        review.logParsed(result);
     }
 
     function logParsingProgress(stage, done, total) {
@@ -327,8 +301,52 @@ ApplicationWindow {
         timelineContent.exitMovePOIMode();
     }
 
+    // On its own place a point of interest stays as it is; another one is replaced only when asked.
     function confirmMovingPoi() {
-        timelineContent.confirmNewPOIPositionAndExitMoveMode();
+        if (!timelineContent.movePOIMode)
+            return;
+        var there = timelineContent.poiAtCursor();
+        var moved = timelineContent.getSelectedPOI();
+        if (there.time === undefined) {
+            timelineContent.confirmNewPOIPositionAndExitMoveMode();
+        } else if (there.time === moved.time) {
+            timelineContent.exitMovePOIMode();
+            infoTab.showNotice("Not moved: '" + moved.name + "' is at this frame already.");
+        } else {
+            question.ask("Replace point of interest",
+                         "There is a point of interest '" + there.name
+                         + "' at this frame. Replace it by '" + moved.name + "'?",
+                         timelineContent.confirmNewPOIPositionAndExitMoveMode);
+        }
+    }
+
+    function undo() {
+        infoTab.showNotice("Undone: " + review.undoText);
+        review.undo();
+    }
+
+    function redo() {
+        infoTab.showNotice("Redone: " + review.redoText);
+        review.redo();
+    }
+
+    function nameFlight(missionName, flightName, flightNumber) {
+        review.nameFlight(missionName, flightName, flightNumber);
+    }
+
+    // A name that was completed after the dialog had asked about the one typed.
+    function askBeforeReplacing(path, typedPath, write) {
+        if (path === typedPath || !review.fileExists(path))
+            write();
+        else
+            question.ask("Replace file", path + " already exists.\nDo you want to replace it?", write);
+    }
+
+    // The panel shows once more what the player and the parser have.
+    function showAdjustments() {
+        updateCorrectionParameters();
+        videoPlayer.updateControlsStates();
+        videoPlayer.updatePropertiesStates();
     }
 
     function editFlightProperties() {
@@ -350,12 +368,6 @@ ApplicationWindow {
         videoPlayer.pause();
         currentProject.savingAsCopy = asCopy;
         fileDialogs.saveProjectDialog.open();
-    }
-
-    function bindToProject(path) {
-        currentProject.filePath = path;
-        currentProject.fileActive = true;
-        currentProject.modified = false;
     }
 
     function displayDialog(title, message, icon) {
@@ -412,8 +424,8 @@ ApplicationWindow {
         objectName: "currentProject"
 
         property bool modified: false
-        property bool fileActive: false
-        property string filePath: ""
+        property bool fileActive: filePath !== ""
+        property string filePath: review.projectPath
         property bool savingAsCopy: false
         property int activeExportOperation: Cst.activeExportNothing
         property bool fastLoadingChecked: false
@@ -423,12 +435,32 @@ ApplicationWindow {
         id: projectFileLoader
     }
 
-    ProjectStore {
-        id: projectStore
-        player: videoPlayer
-        timeline: timelineContent
-        loader: projectFileLoader
-        verbs: mainWindow
+    Review {
+        id: review
+        objectName: "review"
+        videoPlayer: videoPlayer
+        logParser: LogParser
+        projectFiles: projectFileLoader
+        onProblem: mainWindow.displayErrorDialog(title, text)
+        onWarning: mainWindow.displayWarningDialog(title, text)
+        onNotice: infoTab.showNotice(text)
+        onAdjustmentsChanged: mainWindow.showAdjustments()
+    }
+
+    Recovery {
+        id: recovery
+        objectName: "recovery"
+        review: review
+        folder: standardFolder
+    }
+
+    QuestionDialog {
+        id: question
+    }
+
+    CopyProgressWindow {
+        id: copyProgressWindow
+        job: review.copyJob
     }
 
     PoiReportExporter {
@@ -453,6 +485,7 @@ ApplicationWindow {
         id: secondaryWindows
         player: videoPlayer
         timeline: timelineContent
+        review: review
         verbs: mainWindow
         fastLoadingChecked: currentProject.fastLoadingChecked
         onFastLoadingChosen: currentProject.fastLoadingChecked = checked
@@ -466,10 +499,6 @@ ApplicationWindow {
 
         function onLogParsingProgress(stage, done, total) {
             mainWindow.logParsingProgress(stage, done, total);
-        }
-
-        function onLogParsingComplete(result) {
-            mainWindow.logParsingComplete(result);
         }
 
         function onSourceDataParsed() {
@@ -548,6 +577,8 @@ ApplicationWindow {
                     height: parent.height
                     logParser: LogParser
                     videoPlayer: videoPlayer
+                    poiModel: review.pois
+                    enabled: videoPlayer.hasVideoOpened
                     duration: videoPlayer.duration
                     // Each frame of a paused video; ten times a second of a playing one.
                     cursorPosition: videoPlayer.playing ? videoPlayer.timePosition
@@ -559,6 +590,11 @@ ApplicationWindow {
                     onDurationChanged: updateLogData()
                     onSeekRequest: videoPlayer.goToTime(time)
                     onPoiDoubleClicked: mainWindow.editSelectedPoi()
+                    onPoiRefused: {
+                        selectPoi(poiTime);
+                        infoTab.showNotice("There is a point of interest at this frame already: '"
+                                           + getSelectedPOI().name + "'.");
+                    }
                     onClicked: mainWindow.refocusMainActions()
                     onContentXChanged: timeline.contentXChanged()
                 }
@@ -612,10 +648,18 @@ ApplicationWindow {
                 anchors.fill: parent
                 adjustmentsPanel: mainWindow.adjustmentsPanel
                 thermalAsOnScreen: generalSettings.thermalAsOnScreen
-                onSourceOpenError: mainWindow.displayErrorDialog("Error", "Video file " + file
-                                                                 + " could not be read.")
                 onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
                 onVideoExportComplete: mainWindow.videoExportComplete(result)
+            }
+
+            RecoveryBar {
+                id: recoveryBar
+                objectName: "recoveryBar"
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: parent.top
+                recovery: recovery
+                z: 1
             }
 
             MouseArea {

@@ -58,16 +58,23 @@ function urlInFolder(folder, fileName) {
     return toUrl(folder.toString().replace(/\/+$/, "") + "/" + fileName);
 }
 
-// Completes a name without a suffix with the first one of a filter such as "JPEG (*.jpg)".
+// Completes a name with the first suffix of a filter such as "JPEG (*.jpg)", unless it ends in one
+// of the filter's: a date at the end of a name is no suffix.
 function withSuffix(path, nameFilter) {
     var name = path.substring(path.lastIndexOf("/") + 1);
-    var suffix = filterSuffix(nameFilter);
-    return name === "" || suffix === "" || name.lastIndexOf(".") > 0 ? path : path + "." + suffix;
+    var suffixes = filterSuffixes(nameFilter);
+    if (name === "" || suffixes.length === 0)
+        return path;
+    var endsInOne = suffixes.some(function(suffix) {
+        var end = "." + suffix.toLowerCase();
+        return name.length > end.length && name.slice(-end.length).toLowerCase() === end;
+    });
+    return endsInOne ? path : path + "." + suffixes[0];
 }
 
-function filterSuffix(nameFilter) {
-    var match = /\*\.([^\s)*]+)/.exec(nameFilter || "");
-    return match ? match[1] : "";
+function filterSuffixes(nameFilter) {
+    var found = (nameFilter || "").match(/\*\.([^\s)*]+)/g) || [];
+    return found.map(function(pattern) { return pattern.substring(2); });
 }
 
 // The last four characters tell the kind of a file, in any case.

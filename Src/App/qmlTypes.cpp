@@ -4,6 +4,8 @@
 #include "Log/LogParser.h"
 #include "Project/PoiReportExporter.h"
 #include "Project/ProjectFileLoader.h"
+#include "Review/Recovery.h"
+#include "Review/Review.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/Shortcut.h"
@@ -42,6 +44,12 @@ void registerQmlTypes()
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
+    qmlRegisterType<Review>("Review", 1, 0, "Review");
+    qmlRegisterType<Recovery>("Review", 1, 0, "Recovery");
+    qmlRegisterUncreatableType<Job>("Review", 1, 0, "Job", QStringLiteral("made by a review"));
+    qRegisterMetaType<PoiModel*>();
+    qRegisterMetaType<JobList*>();
+    qRegisterMetaType<ProjectFileLoader*>();
 }
 
 } // namespace corv

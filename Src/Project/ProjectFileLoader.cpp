@@ -1,6 +1,8 @@
 #include "Project/ProjectFileLoader.h"
 
-#include "Base/FileReplacement.h"
+#include "Platform/fileSystem.h"
+#include "Project/MediaCopy.h"
+#include "Video/fileNames.h"
 
 #include <QDebug>
 #include <QDir>
@@ -10,17 +12,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStorageInfo>
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace corv {
 namespace {
-
-const QLatin1String filePrefix("file:/");
-
-/// A path taken from a file URL keeps its leading slash.
-QString withoutFilePrefix(const QString& path)
-{
-    return path.startsWith(filePrefix) ? path.mid(5) : path;
-}
 
 QDir folderOf(const QString& fileProjectPath)
 {
@@ -29,11 +28,9 @@ QDir folderOf(const QString& fileProjectPath)
     return folder;
 }
 
-QJsonObject projectDocument(const QString& videoPath, const QString& logPath,
-                            const QVariantMap& flightProperties)
+QJsonObject projectDocument(const QJsonObject& files, const QVariantMap& flightProperties)
 {
     const QJsonObject given = QJsonObject::fromVariantMap(flightProperties);
-    const QJsonObject files{{QStringLiteral("video"), videoPath}, {QStringLiteral("log"), logPath}};
     const QJsonObject flight{
         {QStringLiteral("files"), files},
         {QStringLiteral("properties"), given.value(QLatin1String("properties")).toObject()},
@@ -43,22 +40,8 @@ QJsonObject projectDocument(const QString& videoPath, const QString& logPath,
             {QStringLiteral("contents"), contents}};
 }
 
-/// The text is UTF-8, the encoding that the reader expects, also where a bare environment names no
-/// encoding at all and the local one would turn letters into question marks.
-void writeProject(const QString& path, const QByteArray& text)
-{
-    FileReplacement file(path);
-    Status saved = file.open();
-    if (saved) {
-        file.write(text);
-        saved = file.commit();
-    }
-    if (!saved)
-        qInfo() << "Unable to save file" << file.errorString();
-}
-
 /// Everything in the file, or nothing if that is more than any project holds.
-QByteArray readProject(QFile& file, const QString& path)
+QByteArray readAll(QFile& file, const QString& path)
 {
     if (file.size() <= ProjectFileLoader::largestProjectBytes)
         return file.readAll();
@@ -74,51 +57,110 @@ QJsonObject firstFlight(const QByteArray& text)
     return contents.value(QLatin1String("flights")).toArray().at(0).toObject();
 }
 
-QVariantList marksOf(const QJsonArray& poi)
+QVariantList poisOf(const QJsonArray& poi)
 {
-    if (poi.size() <= ProjectFileLoader::mostMarks)
+    if (poi.size() <= ProjectFileLoader::mostPois)
         return poi.toVariantList();
-    qWarning() << "Too many POIs in file, kept" << ProjectFileLoader::mostMarks << "of"
+    qWarning() << "Too many POIs in file, kept" << ProjectFileLoader::mostPois << "of"
                << poi.size();
-    QVariantList marks;
-    marks.reserve(ProjectFileLoader::mostMarks);
-    for (int i = 0; i < ProjectFileLoader::mostMarks; ++i)
-        marks.append(poi.at(i).toVariant());
-    return marks;
+    QVariantList pois;
+    pois.reserve(ProjectFileLoader::mostPois);
+    for (int i = 0; i < ProjectFileLoader::mostPois; ++i)
+        pois.append(poi.at(i).toVariant());
+    return pois;
 }
 
 QString resolvedPath(const QString& stored, const QDir& projectFolder)
 {
-    if (stored.startsWith(filePrefix))
+    if (stored.startsWith(QLatin1String("file:/")))
         return withoutFilePrefix(stored);
     if (QFileInfo(stored).isRelative())
         return QDir::cleanPath(projectFolder.absoluteFilePath(stored));
     return stored;
 }
 
-bool isExistingFile(const QString& path)
+QStringList resolvedParts(const QJsonArray& stored, const QDir& projectFolder)
 {
-    return QFileInfo::exists(path) && QFileInfo(path).isFile();
+    constexpr int mostParts = 10000; // as many as have numbers of four digits
+    QStringList parts;
+    for (int i = 0; i < std::min(stored.size(), mostParts); ++i) {
+        const QString part = stored.at(i).toString();
+        if (!part.isEmpty())
+            parts << resolvedPath(part, projectFolder);
+    }
+    return parts;
 }
 
-/// Copies `source` to `target` and returns the one of the two that the project refers to.
-QString copyOrKeep(const QString& source, const QString& target, const char* completed,
-                   const char* failed, bool& allCopied)
+/// The files of the flight that begins with `video`; that file alone where it does not exist.
+QStringList filesOf(const QString& video)
 {
-    if (QFile::copy(source, target)) {
-        qInfo() << completed;
-        return target;
-    }
-    qInfo() << failed;
-    allCopied = false;
-    return source;
+    const QStringList files = expandVideoSequence(video);
+    return files.isEmpty() ? QStringList(video) : files;
+}
+
+qint64 bytesOf(const QStringList& files)
+{
+    qint64 bytes = 0;
+    for (const QString& file : files)
+        bytes += QFile(file).size();
+    return bytes;
+}
+
+bool isSameFile(const QString& a, const QString& b)
+{
+    const QString real = QFileInfo(a).canonicalFilePath();
+    return !real.isEmpty() && real == QFileInfo(b).canonicalFilePath();
 }
 
 } // namespace
 
+/// What comes of copying one file, or one series: all or nothing. The copies are made without names
+/// and get them together, so that nobody ever finds a part of them.
+struct ProjectFileLoader::Copied
+{
+    QString original;
+    QStringList originalParts;
+    QStringList targets;  ///< the copies, with those that were in place already
+    QString seriesFolder; ///< of a series
+    bool isComplete = true;
+
+    struct Staged
+    {
+        QString target;
+        std::unique_ptr<platform::NewFile> file;
+    };
+    std::vector<Staged> staged;
+    QStringList published;
+    bool hasMadeFolder = false;
+
+    QString path() const { return isComplete && !targets.isEmpty() ? targets.first() : original; }
+    QStringList parts() const { return isComplete ? targets : originalParts; }
+
+    void undo()
+    {
+        isComplete = false;
+        staged.clear();
+        for (const QString& file : qAsConst(published))
+            QFile::remove(file);
+        published.clear();
+        if (hasMadeFolder)
+            QDir().rmdir(seriesFolder);
+        hasMadeFolder = false;
+    }
+};
+
 bool sourceFilesFit(qint64 logBytes, qint64 videoBytes, qint64 freeBytes)
 {
     return freeBytes == -1 || logBytes + videoBytes < freeBytes;
+}
+
+ProjectFileLoader::ProjectFileLoader(QObject* parent) : QObject(parent) {}
+
+ProjectFileLoader::~ProjectFileLoader() = default;
+
+void ProjectFileLoader::setPieceCopied(std::function<void(qint64)> pieceCopied)
+{
+    m_pieceCopied = std::move(pieceCopied);
 }
 
 void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString fileProjectPath,
@@ -128,30 +170,58 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
             << fileProjectPath;
     const QDir folder = folderOf(fileProjectPath);
     const QString relativeVideo = folder.relativeFilePath(videoPath);
-    const QString relativeLog = folder.relativeFilePath(logPath);
+    const QString relativeLog = isNoLog(logPath) ? QString() : folder.relativeFilePath(logPath);
     qInfo() << "Log path:" << logPath;
     qInfo() << "Video path:" << videoPath;
     qInfo() << "Project path" << fileProjectPath;
     qInfo() << "Log relative dir:" << relativeLog;
     qInfo() << "Video relative dir:" << relativeVideo;
 
-    const QJsonDocument document(projectDocument(relativeVideo, relativeLog, flightProperties));
+    QJsonObject files{{QStringLiteral("video"), relativeVideo},
+                      {QStringLiteral("log"), relativeLog}};
+    const QStringList parts = flightProperties.value(QStringLiteral("parts")).toStringList();
+    if (parts.size() > 1) {
+        QJsonArray relativeParts;
+        for (const QString& part : parts)
+            relativeParts.append(folder.relativeFilePath(part));
+        files.insert(QStringLiteral("parts"), relativeParts);
+    }
+    const QJsonDocument document(projectDocument(files, flightProperties));
     const QString path = withoutFilePrefix(fileProjectPath);
     qInfo() << "Project file path:" << path;
-    writeProject(path, document.toJson(QJsonDocument::Indented));
+    // UTF-8, the encoding that the reader expects, also where a bare environment names no encoding
+    // at all and the local one would turn letters into question marks.
+    const int error = platform::replaceFile(path, document.toJson(QJsonDocument::Indented));
+    if (error == 0) {
+        m_lastSave = {};
+        m_savedFiles = {isNoLog(logPath) ? QString() : logPath, videoPath,
+                        parts.isEmpty() ? QStringList(videoPath) : parts};
+        return;
+    }
+    qInfo() << "Unable to save file" << qt_error_string(error);
+    m_lastSave = platform::failureOfError(
+        error, QStringLiteral("The project %1 could not be saved").arg(path));
 }
 
 QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
 {
     qInfo() << "Start loading project" << fileProjectPath;
+    platform::removeAbandonedParts(fileProjectPath);
+    m_contents = {};
+    m_loadProblem = fileProblem(QStringLiteral("The project"), fileProjectPath);
     QVariantMap result{{QStringLiteral("loaded"), false}};
     QFile file(fileProjectPath);
     // A pipe or a device would hold the interface for as long as nobody writes to it.
-    if (!isExistingFile(fileProjectPath) || !file.open(QIODevice::ReadOnly)) {
+    if (!QFileInfo(fileProjectPath).isFile() || !file.open(QIODevice::ReadOnly)) {
         qWarning() << "Impossible to open file";
+        if (!m_loadProblem)
+            m_loadProblem = Failure{Failure::Kind::unreadable,
+                                    QStringLiteral("The project %1 cannot be read: %2.")
+                                        .arg(fileProjectPath, file.errorString())};
         return result;
     }
-    const QJsonObject flight = firstFlight(readProject(file, fileProjectPath));
+    const QByteArray text = readAll(file, fileProjectPath);
+    const QJsonObject flight = firstFlight(text);
     const QJsonObject files = flight.value(QLatin1String("files")).toObject();
     const QString storedVideo = files.value(QLatin1String("video")).toString();
     const QString storedLog = files.value(QLatin1String("log")).toString();
@@ -167,17 +237,32 @@ QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
         qInfo() << "Video path" << storedVideo;
 
     const QDir folder = folderOf(fileProjectPath);
-    const QString videoFile = resolvedPath(storedVideo, folder);
-    const QString logFile = resolvedPath(storedLog, folder);
-    result[QStringLiteral("videoFile")] = videoFile;
-    result[QStringLiteral("logFile")] = logFile;
-    result[QStringLiteral("videoFileExists")] = isExistingFile(videoFile);
-    result[QStringLiteral("logFileExists")] = isExistingFile(logFile);
-    result[QStringLiteral("loaded")] = true;
-    result[QStringLiteral("properties")] =
-        flight.value(QLatin1String("properties")).toObject().toVariantMap();
+    m_contents.videoFile = resolvedPath(storedVideo, folder);
+    m_contents.logFile = resolvedPath(storedLog, folder);
+    m_contents.parts = resolvedParts(files.value(QLatin1String("parts")).toArray(), folder);
+    m_contents.namesLog = !isNoLog(storedLog);
+    m_contents.namesVideo = !storedVideo.isEmpty();
+    m_contents.properties = flight.value(QLatin1String("properties")).toObject().toVariantMap();
     if (poi.isArray())
-        result[QStringLiteral("poi")] = marksOf(poi.toArray());
+        m_contents.pois = poisOf(poi.toArray());
+    if (!m_contents.namesVideo)
+        m_loadProblem =
+            Failure{Failure::Kind::notRecognised,
+                    text.size() < file.size()
+                        ? QStringLiteral("%1 is too large for a project.").arg(fileProjectPath)
+                        : QStringLiteral("%1 is no project, or is damaged: it names no video.")
+                              .arg(fileProjectPath)};
+    else
+        m_loadProblem = fileProblem(QStringLiteral("The video"), m_contents.videoFile);
+
+    result[QStringLiteral("videoFile")] = m_contents.videoFile;
+    result[QStringLiteral("logFile")] = m_contents.logFile;
+    result[QStringLiteral("videoFileExists")] = m_contents.videoFileExists();
+    result[QStringLiteral("logFileExists")] = m_contents.logFileExists();
+    result[QStringLiteral("loaded")] = true;
+    result[QStringLiteral("properties")] = m_contents.properties;
+    if (m_contents.pois)
+        result[QStringLiteral("poi")] = *m_contents.pois;
     return result;
 }
 
@@ -185,8 +270,8 @@ bool ProjectFileLoader::canSourceFilesBeCopied(QString originalLogPath, QString 
                                                QString fileProjectPath)
 {
     const QStorageInfo volume(QFileInfo(fileProjectPath).absoluteDir());
-    const qint64 logBytes = QFile(originalLogPath).size();
-    const qint64 videoBytes = QFile(originalVideoPath).size();
+    const qint64 logBytes = isNoLog(originalLogPath) ? 0 : QFile(originalLogPath).size();
+    const qint64 videoBytes = bytesOf(filesOf(originalVideoPath));
     const qint64 freeBytes = volume.bytesAvailable();
     qInfo() << "File size (log):" << logBytes << "bytes";
     qInfo() << "File size (video):" << videoBytes << "bytes";
@@ -205,20 +290,139 @@ bool ProjectFileLoader::copySourceFilesAndSaveProject(QString originalLogPath,
                                                       QString fileProjectPath,
                                                       QVariantMap flightProperties)
 {
-    const QFileInfo project(fileProjectPath);
+    if (isCopying()) {
+        qWarning() << "Copying already";
+        return false;
+    }
+    const QFileInfo project(withoutFilePrefix(fileProjectPath));
     const QString base = project.absolutePath() + QLatin1Char('/') + project.completeBaseName();
-    const QString newLog = base + QLatin1String("_log.") + QFileInfo(originalLogPath).suffix();
-    const QString newVideo =
-        base + QLatin1String("_video.") + QFileInfo(originalVideoPath).suffix();
-    bool allCopied = true;
-    qInfo() << "Copy" << originalLogPath << "to" << newLog;
-    const QString log =
-        copyOrKeep(originalLogPath, newLog, "Logs copy completed", "Logs copy failed", allCopied);
-    qInfo() << "Copy" << originalVideoPath << "to" << newVideo;
-    const QString video = copyOrKeep(originalVideoPath, newVideo, "Video copy completed",
-                                     "Video copy failed", allCopied);
-    saveProject(log, video, fileProjectPath, flightProperties);
-    return allCopied;
+    const qint64 totalBytes = QFile(originalLogPath).size() + bytesOf(filesOf(originalVideoPath));
+    m_copyProblem.reset();
+    MediaCopy copy;
+    copy.setPieceCopied(m_pieceCopied);
+    m_copy = &copy;
+    connect(&copy, &MediaCopy::progressed, this,
+            [this, totalBytes](qint64 doneBytes) { emit copyProgress(doneBytes, totalBytes); });
+    emit copyingChanged(true);
+
+    Copied log = copyLog(originalLogPath, base);
+    Copied video = copyVideo(originalVideoPath, base);
+    if (copy.isCancelled()) {
+        log.undo();
+        video.undo();
+    }
+    publish(log);
+    publish(video);
+    flightProperties.insert(QStringLiteral("parts"), video.parts());
+    saveProject(log.path(), video.path(), fileProjectPath, flightProperties);
+    if (!m_lastSave) {
+        log.undo();
+        video.undo();
+    }
+    m_copy = nullptr;
+    emit copyingChanged(false);
+    return log.isComplete && video.isComplete;
+}
+
+void ProjectFileLoader::cancelCopying()
+{
+    if (m_copy)
+        m_copy->cancel();
+}
+
+// --- Copying ---------------------------------------------------------------------------------
+
+void ProjectFileLoader::noteCopyProblem(const QString& path, int error)
+{
+    if (!m_copyProblem)
+        m_copyProblem =
+            platform::failureOfError(error, QStringLiteral("%1 could not be copied").arg(path));
+}
+
+bool ProjectFileLoader::stage(const QString& source, const QString& target, Copied& copied)
+{
+    qInfo() << "Copy" << source << "to" << target;
+    copied.targets << target;
+    if (isSameFile(source, target))
+        return true;
+    const QString folder = copied.seriesFolder.isEmpty() ? target : copied.seriesFolder;
+    MediaCopy::Copy copy = m_copy->copy(source, target, QFileInfo(folder).absolutePath());
+    if (copy.error != 0) {
+        noteCopyProblem(source, copy.error);
+        return false;
+    }
+    copied.staged.push_back({target, std::move(copy.file)});
+    return true;
+}
+
+ProjectFileLoader::Copied ProjectFileLoader::copyLog(const QString& source, const QString& base)
+{
+    Copied copied;
+    if (isNoLog(source))
+        return copied;
+    copied.original = source;
+    copied.isComplete =
+        stage(source, base + QLatin1String("_log.") + QFileInfo(source).suffix(), copied);
+    qInfo() << (copied.isComplete ? "Logs copy completed" : "Logs copy failed");
+    return copied;
+}
+
+/// The files of a series keep their names, by which the player joins them again.
+ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QString& source, const QString& base)
+{
+    Copied copied;
+    copied.original = source;
+    copied.originalParts = filesOf(source);
+    if (copied.originalParts.size() > 1) {
+        copied.seriesFolder = base + QLatin1String("_video");
+        // Whatever else is of this name is not ours.
+        if (QFileInfo::exists(copied.seriesFolder) &&
+            !isSameFile(QFileInfo(source).absolutePath(), copied.seriesFolder)) {
+            noteCopyProblem(source, EEXIST);
+            copied.isComplete = false;
+        }
+        for (const QString& part : qAsConst(copied.originalParts)) {
+            copied.isComplete =
+                copied.isComplete &&
+                stage(part, copied.seriesFolder + QLatin1Char('/') + QFileInfo(part).fileName(),
+                      copied);
+        }
+    } else {
+        copied.isComplete =
+            stage(source, base + QLatin1String("_video.") + QFileInfo(source).suffix(), copied);
+    }
+    qInfo() << (copied.isComplete ? "Video copy completed" : "Video copy failed");
+    return copied;
+}
+
+/// Gives the copies their names; a moment, since their bytes are on the disk already.
+void ProjectFileLoader::publish(Copied& copied)
+{
+    if (!copied.isComplete) {
+        copied.undo();
+        return;
+    }
+    int error = 0;
+    if (!copied.seriesFolder.isEmpty() && !copied.staged.empty()) {
+        error = platform::makeFolder(copied.seriesFolder);
+        copied.hasMadeFolder = error == 0;
+        if (error == EEXIST &&
+            isSameFile(QFileInfo(copied.original).absolutePath(), copied.seriesFolder))
+            error = 0;
+    }
+    for (const Copied::Staged& staged : copied.staged) {
+        if (error == 0)
+            error = staged.file->publish(platform::NewFile::Over::nothing);
+        if (error == 0)
+            copied.published << staged.target;
+    }
+    if (error != 0) {
+        noteCopyProblem(copied.original, error);
+        copied.undo();
+    } else if (copied.hasMadeFolder) {
+        platform::flushFolder(QFileInfo(copied.seriesFolder).absolutePath());
+    }
+    copied.staged.clear();
 }
 
 } // namespace corv

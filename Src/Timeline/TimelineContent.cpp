@@ -1,13 +1,14 @@
 #include "Timeline/TimelineContent.h"
 
 #include "Base/arithmetic.h"
+#include "Timeline/TimelinePoi.h"
 #include "Timeline/WaitCursor.h"
-#include "Timeline/logPois.h"
 #include "Timeline/timelinePainting.h"
 
 #include <QCursor>
 #include <QDebug>
 #include <QPainter>
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -18,27 +19,6 @@ constexpr int endMargin = 120;
 constexpr int rulerBottom = 25;
 constexpr int hoverTop = 37;
 constexpr int hoverBottom = 151;
-constexpr int msPerDay = 24 * 60 * 60 * 1000;
-
-QVariantMap listForm(const TimelinePoi& poi)
-{
-    return {{QStringLiteral("time"), msOfTime(poi.time())},
-            {QStringLiteral("name"), poi.name()},
-            {QStringLiteral("comment"), poi.comment()}};
-}
-
-void setTexts(TimelinePoi& poi, const QVariantMap& texts)
-{
-    poi.setName(texts.value(QStringLiteral("name")).toString());
-    poi.setComment(texts.value(QStringLiteral("comment")).toString());
-}
-
-TimelinePoi logPoi(QTime time, int index, const QImage& thumbnail)
-{
-    TimelinePoi poi(time, thumbnail);
-    poi.setName(QStringLiteral("POI %1").arg(index + 1));
-    return poi;
-}
 
 } // namespace
 
@@ -46,18 +26,41 @@ TimelineContent::TimelineContent(QQuickItem* parent) : QQuickPaintedItem(parent)
 {
     setAcceptedMouseButtons(Qt::AllButtons);
     setAcceptHoverEvents(true);
+    setPoiModel(nullptr);
 }
 
 // --- Setters ---------------------------------------------------------------------------------
 
 void TimelineContent::setLogParser(LogParser* logParser)
 {
-    m_logParser = logParser;
+    m_ownPois.setLogParser(logParser);
+    m_pois->setLogParser(logParser);
 }
 
 void TimelineContent::setVideoPlayer(VideoPlayer* videoPlayer)
 {
-    m_videoPlayer = videoPlayer;
+    m_ownPois.setVideoPlayer(videoPlayer);
+    m_pois->setVideoPlayer(videoPlayer);
+}
+
+void TimelineContent::setPoiModel(PoiModel* model)
+{
+    PoiModel* const pois = model ? model : &m_ownPois;
+    if (pois == m_pois)
+        return;
+    if (m_pois)
+        disconnect(m_pois, nullptr, this, nullptr);
+    m_pois = pois;
+    if (!pois->videoPlayer())
+        pois->setVideoPlayer(m_ownPois.videoPlayer());
+    if (!pois->logParser())
+        pois->setLogParser(m_ownPois.logParser());
+    connect(pois, &PoiModel::changed, this, [this] { update(); });
+    connect(pois, &PoiModel::cleared, this, &TimelineContent::forgetFlight);
+    if (pois != &m_ownPois)
+        connect(pois, &QObject::destroyed, this, [this] { setPoiModel(nullptr); });
+    update();
+    emit poiModelChanged();
 }
 
 void TimelineContent::setDuration(QTime duration)
@@ -173,6 +176,24 @@ void TimelineContent::moveZoomedContent(int msUnderPointer, int x)
     clampContentX();
 }
 
+// The cursor follows the player in steps of 100 ms; between them it is on an earlier frame.
+void TimelineContent::moveCursorToShownFrame()
+{
+    const VideoPlayer* const player = videoPlayer();
+    if (player && player->hasVideoOpened())
+        setCursorPosition(player->timePosition());
+}
+
+void TimelineContent::forgetFlight()
+{
+    m_hoveredPoiTime = QTime();
+    select(QTime());
+    exitMovePOIMode();
+    const VideoPlayer* const player = videoPlayer();
+    if (player)
+        setCursorPosition(player->hasVideoOpened() ? player->timePosition() : QTime(0, 0, 0, 0));
+}
+
 void TimelineContent::select(QTime poiTime)
 {
     if (poiTime == m_selectedPoiTime)
@@ -259,9 +280,9 @@ QTime TimelineContent::poiAt(const QPoint& point) const
         return hit;
     // The latest of overlapping ones wins: it is painted on top.
     for (auto poi = firstPoiInTickRange(); isInTickRange(poi); ++poi) {
-        const long long left = pxOfTime(poi.key());
-        if (left <= point.x() && point.x() < left + poi->thumbnailWidth() + 1)
-            hit = poi.key();
+        const long long left = pxOfTime(poi->time);
+        if (left <= point.x() && point.x() < left + poi->thumbnail.width() + 1)
+            hit = poi->time;
     }
     return hit;
 }
@@ -311,15 +332,14 @@ void TimelineContent::hoverLeaveEvent(QHoverEvent*)
 
 TimelineContent::Pois::const_iterator TimelineContent::firstPoiInTickRange() const
 {
-    const int firstMs = m_ticks.firstMs;
-    if (firstMs >= msPerDay)
-        return m_pois.constEnd();
-    return firstMs <= 0 ? m_pois.constBegin() : m_pois.lowerBound(timeOfMs(firstMs));
+    const Pois& pois = m_pois->pois();
+    return std::lower_bound(pois.begin(), pois.end(), m_ticks.firstMs,
+                            [](const Poi& poi, int ms) { return msOfTime(poi.time) < ms; });
 }
 
 bool TimelineContent::isInTickRange(Pois::const_iterator poi) const
 {
-    return poi != m_pois.constEnd() && m_ticks.contains(msOfTime(poi.key()));
+    return poi != m_pois->pois().end() && m_ticks.contains(msOfTime(poi->time));
 }
 
 void TimelineContent::paint(QPainter* painter)
@@ -340,123 +360,114 @@ void TimelineContent::paintPois(QPainter& painter) const
     // thousands of them to a pixel: once is enough, unless they are translucent.
     std::optional<int> lastStemX;
     for (auto poi = firstPoiInTickRange(); isInTickRange(poi); ++poi) {
-        const int x = pxOfTime(poi.key());
-        if (poi->thumbnailWidth() == 0 && x == lastStemX && !m_movePOIMode)
+        const int x = pxOfTime(poi->time);
+        if (poi->thumbnail.width() == 0 && x == lastStemX && !m_movePOIMode)
             continue;
         PoiLook look;
-        look.selected = poi.key() == m_selectedPoiTime;
+        look.selected = poi->time == m_selectedPoiTime;
         look.dimmed = m_movePOIMode;
-        poi->drawPoi(painter, x, look);
+        TimelinePoi(*poi).drawPoi(painter, x, look);
         lastStemX = x;
     }
 }
 
 void TimelineContent::paintHoveredPoi(QPainter& painter) const
 {
-    const auto poi = m_pois.constFind(m_hoveredPoiTime);
-    if (poi == m_pois.constEnd())
+    const Poi* const poi = m_pois->find(m_hoveredPoiTime);
+    if (!poi)
         return;
     PoiLook look;
     look.hovered = true;
     look.selected = m_hoveredPoiTime == m_selectedPoiTime;
     const int x = pxOfTime(m_hoveredPoiTime);
-    poi->drawPoi(painter, x, look);
-    paintHoverLight(painter, x, poi->thumbnailWidth());
+    TimelinePoi(*poi).drawPoi(painter, x, look);
+    paintHoverLight(painter, x, poi->thumbnail.width());
 }
 
 void TimelineContent::paintMovedPoi(QPainter& painter) const
 {
-    const auto poi = m_pois.constFind(m_selectedPoiTime);
-    if (poi == m_pois.constEnd())
+    const Poi* const poi = m_pois->find(m_selectedPoiTime);
+    if (!poi)
         return;
     PoiLook look;
     look.hovered = true;
     look.selected = true;
     look.omitThumbnail = true;
     const int x = pxOfTime(m_cursorPosition);
-    poi->drawPoi(painter, x, look);
-    paintLandingBox(painter, x, poi->thumbnailWidth());
+    TimelinePoi(*poi).drawPoi(painter, x, look);
+    paintLandingBox(painter, x, poi->thumbnail.width());
 }
 
 // --- Points of interest ----------------------------------------------------------------------
 
 QVariantList TimelineContent::getPOIs() const
 {
-    QVariantList list;
-    list.reserve(m_pois.size());
-    for (const TimelinePoi& poi : m_pois)
-        list.append(listForm(poi));
-    return list;
+    return m_pois->list();
 }
 
 QVariantMap TimelineContent::getSelectedPOI() const
 {
-    const auto poi = m_pois.constFind(m_selectedPoiTime);
-    return poi == m_pois.constEnd() ? QVariantMap() : listForm(*poi);
+    const Poi* const poi = m_pois->find(m_selectedPoiTime);
+    return poi ? listForm(*poi) : QVariantMap();
 }
 
 void TimelineContent::setPOIsFromList(const QVariantList& poiList)
 {
-    m_pois.clear();
-    for (const QVariant& entry : poiList) {
-        const QVariantMap map = entry.toMap();
-        if (!map.contains(QStringLiteral("time")))
-            continue;
-        const QTime time = timeOfMs(map.value(QStringLiteral("time")).toInt());
-        TimelinePoi poi(time, QImage());
-        setTexts(poi, map);
-        m_pois.insert(time, poi);
-        requestThumbnail(time, FrameHandOver::NullFrameWarning::withoutTime);
-    }
-    update();
+    m_pois->setFromList(poiList);
 }
 
 void TimelineContent::addPoiAtPosition()
 {
-    if (m_pois.contains(m_cursorPosition)) {
+    moveCursorToShownFrame();
+    if (m_pois->find(m_cursorPosition)) {
         qInfo() << "Not adding POI, already one at same place";
-        return;
+        emit poiRefused(m_cursorPosition);
+    } else {
+        m_pois->create(m_cursorPosition);
     }
-    TimelinePoi poi(m_cursorPosition, QImage());
-    poi.setName(QStringLiteral("New POI"));
-    m_pois.insert(m_cursorPosition, poi);
-    requestThumbnail(m_cursorPosition, FrameHandOver::NullFrameWarning::withTime);
+}
+
+QVariantMap TimelineContent::poiAtCursor()
+{
+    moveCursorToShownFrame();
+    const Poi* const poi = m_pois->find(m_cursorPosition);
+    return poi ? listForm(*poi) : QVariantMap();
+}
+
+void TimelineContent::selectPoi(QTime poiTime)
+{
+    if (!m_pois->find(poiTime))
+        return;
+    select(poiTime);
     update();
 }
 
 void TimelineContent::deletePoiAtPosition()
 {
-    m_pois.remove(m_cursorPosition);
-    update();
+    m_pois->remove(m_cursorPosition);
 }
 
 void TimelineContent::deleteSelectedPoi()
 {
     if (!m_selectedPoiTime.isValid())
         return;
-    m_pois.remove(m_selectedPoiTime);
+    m_pois->remove(m_selectedPoiTime);
     select(QTime());
     update();
 }
 
 void TimelineContent::clearAllData()
 {
-    m_pois.clear();
-    if (!m_selectedPoiTime.isValid())
-        return;
-    select(QTime());
-    update();
+    m_pois->clear();
 }
 
 void TimelineContent::updatePoi(QTime poiTime, const QVariantMap& poiData)
 {
-    const auto poi = m_pois.find(m_selectedPoiTime);
-    if (poi == m_pois.end()) {
+    const auto text = [&poiData](const char* key) {
+        return poiData.value(QLatin1String(key)).toString();
+    };
+    if (!m_pois->setTexts(m_selectedPoiTime, text("name"), text("comment")))
         qWarning() << "POI not found:" << poiTime << ";" << poiData;
-        return;
-    }
-    setTexts(*poi, poiData);
-    update();
 }
 
 void TimelineContent::enterMovePOIMode()
@@ -482,113 +493,25 @@ void TimelineContent::confirmNewPOIPositionAndExitMoveMode()
     if (!m_movePOIMode)
         return;
     if (m_selectedPoiTime.isValid()) {
-        // In this order: at its own place the point is overwritten first and then erased.
-        const auto old = m_pois.find(m_selectedPoiTime);
-        const bool found = old != m_pois.end();
-        const auto moved = m_pois.insert(m_cursorPosition, TimelinePoi(m_cursorPosition, QImage()));
-        if (found) {
-            moved->setName(old->name());
-            moved->setComment(old->comment());
-        }
-        requestThumbnail(m_cursorPosition, FrameHandOver::NullFrameWarning::withTime);
-        if (found)
-            m_pois.erase(old);
+        m_pois->move(m_selectedPoiTime, m_cursorPosition);
         m_selectedPoiTime = m_cursorPosition;
         emit selectedPoiTimeChanged();
     }
     exitMovePOIMode();
 }
 
-// --- Points of the log -----------------------------------------------------------------------
-
 void TimelineContent::updateLogData()
 {
-    if (!m_logParser)
-        return;
     const WaitCursor waitCursor;
-    int index = 0;
-    for (const int ms : logPoiTimesMs(*m_logParser)) {
-        const QTime time = timeOfMs(ms);
-        if (m_pois.contains(time)) {
-            qInfo() << "Already added POI at" << time;
-        } else {
-            requestFrame(time, FrameHandOver::NullFrameWarning::withTime,
-                         [this, time, index](const QImage& thumbnail) {
-                             insertLogPoi(time, index, thumbnail);
-                         });
-        }
-        ++index;
-    }
+    m_pois->addMissingFromLog(PoiModel::As::loading);
 }
 
 void TimelineContent::restoreMissingPOIsWithLogData()
 {
-    if (!m_logParser)
-        return;
     const WaitCursor waitCursor;
     m_hoveredPoiTime = QTime();
-    const int durationMs = msOfTime(m_duration);
-    int index = 0;
-    for (const int ms : logPoiTimesMs(*m_logParser)) {
-        if (ms >= 0 && ms <= durationMs) {
-            const QTime time = timeOfMs(ms);
-            requestFrame(time, FrameHandOver::NullFrameWarning::withTime,
-                         [this, time, index](const QImage& thumbnail) {
-                             insertLogPoiWhereFree(time, index, thumbnail);
-                         });
-        }
-        ++index;
-    }
-    update();
-}
-
-void TimelineContent::insertLogPoi(QTime time, int index, const QImage& thumbnail)
-{
-    m_pois.insert(time, logPoi(time, index, thumbnail));
-    update();
-}
-
-void TimelineContent::insertLogPoiWhereFree(QTime time, int index, const QImage& thumbnail)
-{
-    const int durationMs = msOfTime(m_duration);
-    int freeMs = msOfTime(time);
-    auto taken = m_pois.constFind(time);
-    while (taken != m_pois.constEnd() && msOfTime(taken.key()) == freeMs) {
-        ++freeMs;
-        ++taken;
-    }
-    if (freeMs >= durationMs) {
-        qWarning() << "Couldn't insert POI at " << time;
-        return;
-    }
-    const QTime freeTime = timeOfMs(freeMs);
-    m_pois.insert(freeTime, logPoi(freeTime, index, thumbnail));
-    update();
-}
-
-// --- Thumbnails ------------------------------------------------------------------------------
-
-void TimelineContent::requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
-                                   std::function<void(const QImage&)> store)
-{
-    if (m_videoPlayer)
-        m_frames.request(*m_videoPlayer, time, warning, std::move(store));
-}
-
-void TimelineContent::requestThumbnail(QTime time, FrameHandOver::NullFrameWarning warning)
-{
-    requestFrame(time, warning,
-                 [this, time](const QImage& thumbnail) { storeThumbnail(time, thumbnail); });
-}
-
-void TimelineContent::storeThumbnail(QTime time, const QImage& thumbnail)
-{
-    const auto poi = m_pois.find(time);
-    if (poi == m_pois.end()) {
-        qWarning() << "POI not found anymore";
-        return;
-    }
-    poi->setThumbnail(thumbnail);
+    m_pois->addAllFromLog(
+        [item = QPointer<TimelineContent>(this)] { return item ? msOfTime(item->m_duration) : 0; });
     update();
 }
 

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "Log/LogParser.h"
-#include "Timeline/FrameHandOver.h"
-#include "Timeline/TimelinePoi.h"
+#include "Review/PoiModel.h"
 #include "Timeline/timelineGeometry.h"
 #include "Video/VideoPlayer.h"
 
-#include <QMap>
 #include <QPointer>
 #include <QQuickPaintedItem>
 #include <QTime>
@@ -15,8 +13,9 @@
 
 namespace corv {
 
-/// The strip under the video: ruler, playback cursor, and the points of interest, which it owns.
-/// It turns mouse, wheel and hover input into zoom, scroll, cursor moves, seeks and selection.
+/// The strip under the video: ruler, playback cursor, and the points of interest of its model,
+/// which it shows and edits. Without a model of the review it has one of its own. It turns mouse,
+/// wheel and hover input into zoom, scroll, cursor moves, seeks and selection.
 ///
 /// A time is counted from the start of the video; an invalid one means none. A point of interest is
 /// known by its millisecond. Towards the interface it is a map of "time" (milliseconds), "name" and
@@ -34,12 +33,19 @@ class TimelineContent : public QQuickPaintedItem
     Q_PROPERTY(float msPerPx READ msPerPx NOTIFY msPerPxChanged)
     Q_PROPERTY(QTime selectedPoiTime READ selectedPoiTime NOTIFY selectedPoiTimeChanged)
     Q_PROPERTY(bool movePOIMode READ movePOIMode NOTIFY movePOIModeChanged)
+    Q_PROPERTY(corv::PoiModel* poiModel READ poiModel WRITE setPoiModel NOTIFY poiModelChanged)
 
 public:
     explicit TimelineContent(QQuickItem* parent = nullptr);
 
-    LogParser* logParser() const { return m_logParser; }
-    VideoPlayer* videoPlayer() const { return m_videoPlayer; }
+    /// Those of the model.
+    LogParser* logParser() const { return m_pois->logParser(); }
+    VideoPlayer* videoPlayer() const { return m_pois->videoPlayer(); }
+
+    /// Never null. Not owned once it was set; a null one brings back the strip's own. The one set
+    /// has a player and a parser already, or gets those of the strip.
+    PoiModel* poiModel() const { return m_pois; }
+    void setPoiModel(PoiModel* model);
 
     /// Length of the video. An invalid one is not taken.
     QTime duration() const { return m_duration; }
@@ -78,8 +84,16 @@ public:
     /// Replaces all points by those of the list that have a "time". The selection stays.
     Q_INVOKABLE void setPOIsFromList(const QVariantList& poiList);
 
-    /// Adds a point at the cursor unless one is there; it does not become selected.
+    /// Adds a point at the cursor unless one is there; it does not become selected. While a video
+    /// is open the cursor first moves to the exact time of the frame on screen.
     Q_INVOKABLE void addPoiAtPosition();
+
+    /// The point at the exact time of the frame on screen, where a moved one would be put; empty if
+    /// there is none. Moves the cursor there.
+    Q_INVOKABLE QVariantMap poiAtCursor();
+
+    /// Selects the point at `poiTime`, as a click on its flag does; nothing if there is none.
+    Q_INVOKABLE void selectPoi(QTime poiTime);
 
     /// Deletes the point at the cursor. The selection stays.
     Q_INVOKABLE void deletePoiAtPosition();
@@ -124,13 +138,17 @@ signals:
 
     void selectedPoiTimeChanged();
     void movePOIModeChanged();
+    void poiModelChanged();
+
+    /// A point was to be added where there is one.
+    void poiRefused(QTime poiTime);
     void poiDoubleClicked(QTime poiTime);
 
     /// The item was pressed, anywhere.
     void clicked();
 
 private:
-    using Pois = QMap<QTime, TimelinePoi>;
+    using Pois = std::vector<Poi>;
 
     int pxOfTime(QTime time) const;
     QTime timeOfPx(int x) const;
@@ -142,6 +160,8 @@ private:
     void zoomIn(int x);
     void zoomOut(int x);
     void moveZoomedContent(int msUnderPointer, int x);
+    void moveCursorToShownFrame();
+    void forgetFlight();
     void select(QTime poiTime);
 
     QTime poiAt(const QPoint& point) const;
@@ -152,13 +172,6 @@ private:
     void paintPois(QPainter& painter) const;
     void paintHoveredPoi(QPainter& painter) const;
     void paintMovedPoi(QPainter& painter) const;
-
-    void requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
-                      std::function<void(const QImage&)> store);
-    void requestThumbnail(QTime time, FrameHandOver::NullFrameWarning warning);
-    void storeThumbnail(QTime time, const QImage& thumbnail);
-    void insertLogPoi(QTime time, int index, const QImage& thumbnail);
-    void insertLogPoiWhereFree(QTime time, int index, const QImage& thumbnail);
 
     QTime m_duration = QTime(0, 0, 0, 0).addSecs(60);
     int m_contentWidth = 0;
@@ -171,15 +184,12 @@ private:
     bool m_pointerOnRuler = false;
     bool m_movePOIMode = false;
     bool m_scrubbing = false;
-    Pois m_pois;
+    PoiModel m_ownPois;
+    QPointer<PoiModel> m_pois;
 
     // Either may name a time at which there is no point any more.
     QTime m_selectedPoiTime;
     QTime m_hoveredPoiTime;
-
-    QPointer<LogParser> m_logParser;
-    QPointer<VideoPlayer> m_videoPlayer;
-    FrameHandOver m_frames;
 };
 
 } // namespace corv

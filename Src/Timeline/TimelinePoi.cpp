@@ -7,8 +7,6 @@
 namespace corv {
 namespace {
 
-constexpr int thumbnailSide = 60;
-
 // No flag is wide enough for a longer text, but laying one out would take its time in every paint.
 constexpr int drawnNameLength = 512;
 
@@ -26,16 +24,13 @@ QPen penOf(const QColor& colour)
 
 } // namespace
 
-QImage thumbnailOf(const QImage& frame)
-{
-    if (frame.isNull())
-        return QImage();
-    return frame.scaled(thumbnailSide, thumbnailSide, Qt::KeepAspectRatioByExpanding,
-                        Qt::FastTransformation);
-}
-
 TimelinePoi::TimelinePoi(QTime time, const QImage& frame)
     : m_time(time), m_thumbnail(thumbnailOf(frame))
+{
+}
+
+TimelinePoi::TimelinePoi(const Poi& poi)
+    : m_time(poi.time), m_name(poi.name), m_comment(poi.comment), m_thumbnail(poi.thumbnail)
 {
 }
 

@@ -1,16 +1,10 @@
 #pragma once
 
-#include <QImage>
-#include <QString>
-#include <QTime>
+#include "Review/Poi.h"
 
 class QPainter;
 
 namespace corv {
-
-/// `frame` as a timeline shows it: the smaller side 60 pixels, scaled fast. Scaling the result once
-/// more changes nothing.
-QImage thumbnailOf(const QImage& frame);
 
 /// How a flag is drawn.
 struct PoiLook
@@ -30,6 +24,9 @@ public:
 
     /// `frame` may be null: the picture can come later.
     TimelinePoi(QTime time, const QImage& frame);
+
+    /// With everything that the model has of it.
+    explicit TimelinePoi(const Poi& poi);
 
     QTime time() const { return m_time; }
     const QString& name() const { return m_name; }

@@ -172,6 +172,7 @@ void VideoPlayer::forgetLastFrame()
 // uses.
 void VideoPlayer::updateLogData()
 {
+    ++m_pendingThermalStatuses;
     toWorker([hasParser = !m_logParser.isNull(), log = m_logParser ? m_logParser->log() : nullptr](
                  OpenCvWorker& worker) { worker.updateLogData(hasParser, log); });
     if (!m_playing)
@@ -181,6 +182,7 @@ void VideoPlayer::updateLogData()
 void VideoPlayer::onThermalFrames(const Status& status)
 {
     m_thermalStatus = status;
+    --m_pendingThermalStatuses;
     emit thermalStatusChanged();
 }
 

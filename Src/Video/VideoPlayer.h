@@ -162,6 +162,10 @@ public:
     /// Whether the log has thermal frames for the overlay, or why there are none.
     const Status& thermalStatus() const { return m_thermalStatus; }
 
+    /// Whether the worker has yet to answer an `updateLogData`; `thermalStatusChanged` is the
+    /// answer to each.
+    bool isThermalStatusPending() const { return m_pendingThermalStatuses > 0; }
+
     /// Not owned; gives the overlay its log and its clock.
     LogParser* logParser() const { return m_logParser; }
     void setLogParser(LogParser* logParser);
@@ -387,6 +391,7 @@ private:
     std::atomic<bool> m_exportCancelled{false};
     FramesExport m_framesExport;
     Status m_thermalStatus;
+    int m_pendingThermalStatuses = 0;
     Status m_frameSaveResult;
     Status m_frameCopyResult;
     Status m_framesExportResult;

@@ -332,7 +332,7 @@ private slots:
                   project(R"({"files":{"video":"v","log":"l"},"poi":[)" + poi + "]}"));
         MessageLog log;
         const QVariantList marks = m_loader.loadProject(path("p.ecor"))["poi"].toList();
-        QCOMPARE(marks.size(), ProjectFileLoader::mostMarks);
+        QCOMPARE(marks.size(), ProjectFileLoader::mostPois);
         QCOMPARE(marks.first().toMap()["time"].toInt(), 0);
         QVERIFY(log.contains("Too many POIs in file, kept 100000 of 1000000"));
     }

@@ -1,9 +1,11 @@
 #include "Support/FullDisk.h"
 #include "Support/MessageLog.h"
 #include "Support/PlainUser.h"
+#include "Threads/post.h"
 #include "projectFixture.h"
 
 #include <QElapsedTimer>
+#include <QSemaphore>
 #include <QSet>
 #include <chrono>
 #include <csignal>
@@ -136,6 +138,8 @@ private slots:
             for (const QVariant& poi : marks)
                 QCOMPARE(poi.toMap()["name"].toString(), name);
             survivors.insert(name);
+            QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
+                     QStringList("p.ecor"));
         }
         QVERIFY2(survivors.size() > 1, "no child ever saved: nothing was tested");
     }
@@ -246,6 +250,150 @@ private slots:
                  QJsonObject({{"video", "in/v.mp4"}, {"log", "p_log.log"}}));
         QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
                  QStringList({"p.ecor", "p_log.log"}));
+    }
+
+    void aSeriesIsCopiedAsAWholeUnderItsOwnNames()
+    {
+        for (const char* number : {"0001", "0002", "0003"})
+            writeFile(path(QString("in/CORV%1.MOV").arg(number)), number);
+        writeFile(path("in/f.log"), "log");
+        QVERIFY(m_loader.copySourceFilesAndSaveProject(path("in/f.log"), path("in/CORV0001.MOV"),
+                                                       path("p.ecor"), flightProperties()));
+        QCOMPARE(QDir(path("p_video")).entryList(QDir::Files),
+                 (QStringList{"CORV0001.MOV", "CORV0002.MOV", "CORV0003.MOV"}));
+        QCOMPARE(readFile(path("p_video/CORV0003.MOV")), QByteArray("0003"));
+        const QJsonObject files = savedFlight(path("p.ecor"))["files"].toObject();
+        QCOMPARE(files["video"].toString(), QString("p_video/CORV0001.MOV"));
+        QCOMPARE(
+            files["parts"].toArray(),
+            (QJsonArray{"p_video/CORV0001.MOV", "p_video/CORV0002.MOV", "p_video/CORV0003.MOV"}));
+        QCOMPARE(m_loader.savedFiles().video, path("p_video/CORV0001.MOV"));
+        m_loader.loadProject(path("p.ecor"));
+        QCOMPARE(m_loader.contents().parts.size(), 3);
+        QVERIFY(m_loader.contents().missingFiles().isEmpty());
+        QVERIFY(QFile::remove(path("p_video/CORV0002.MOV")));
+        QCOMPARE(m_loader.contents().missingFiles(), QStringList(path("p_video/CORV0002.MOV")));
+    }
+
+    void ontoItsOwnCopiesEverythingCountsAsCopied()
+    {
+        for (const char* name : {"in/CORV0001.MOV", "in/CORV0002.MOV", "in/f.log"})
+            writeFile(path(name), name);
+        QVERIFY(m_loader.copySourceFilesAndSaveProject(path("in/f.log"), path("in/CORV0001.MOV"),
+                                                       path("p.ecor"), flightProperties()));
+        const QJsonObject files = savedFlight(path("p.ecor"))["files"].toObject();
+        QVERIFY(m_loader.copySourceFilesAndSaveProject(
+            path("p_log.log"), path("p_video/CORV0001.MOV"), path("p.ecor"), flightProperties()));
+        QVERIFY(!m_loader.copyProblem());
+        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(), files);
+    }
+
+    void cancelledItRefersToTheOriginalsAndLeavesNothing_data()
+    {
+        QTest::addColumn<qint64>("afterBytes");
+        QTest::newRow("in the first file") << (qint64(1) << 20);
+        QTest::newRow("in the second file") << (qint64(5) << 20);
+    }
+
+    void cancelledItRefersToTheOriginalsAndLeavesNothing()
+    {
+        QFETCH(qint64, afterBytes);
+        writeFile(path("in/f.log"), "log");
+        for (const char* name : {"in/CORV0001.MOV", "in/CORV0002.MOV"})
+            writeFile(path(name), QByteArray(4 << 20, 'v'));
+        // A slow medium: the copying goes on only after the cancel has come through.
+        QSemaphore cancelled;
+        qint64 copiedBytes = 0;
+        m_loader.setPieceCopied([&](qint64 bytes) {
+            copiedBytes += bytes;
+            if (copiedBytes < afterBytes || copiedBytes - bytes >= afterBytes)
+                return;
+            post(&m_loader, [&] {
+                m_loader.cancelCopying();
+                cancelled.release();
+            });
+            cancelled.acquire();
+        });
+        const auto undo = qScopeGuard([this] { m_loader.setPieceCopied({}); });
+        const bool isCopied = m_loader.copySourceFilesAndSaveProject(
+            path("in/f.log"), path("in/CORV0001.MOV"), path("p.ecor"), flightProperties());
+        if (copiedBytes == 0)
+            QSKIP("this file system shares the blocks of copies");
+        QVERIFY(!isCopied);
+        QCOMPARE(m_loader.copyProblem()->kind, Failure::Kind::cancelled);
+        QCOMPARE(QDir(m_folder->path())
+                     .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 (QStringList{"in", "p.ecor"}));
+        const QJsonObject files = savedFlight(path("p.ecor"))["files"].toObject();
+        QCOMPARE(files["video"].toString(), QString("in/CORV0001.MOV"));
+        QCOMPARE(files["log"].toString(), QString("in/f.log"));
+    }
+
+    void theProjectOfAFlightWithoutALogNamesNone()
+    {
+        writeFile(path("in/v.mp4"), "video");
+        QVERIFY(m_loader.copySourceFilesAndSaveProject("no_match", path("in/v.mp4"), path("p.ecor"),
+                                                       {}));
+        QCOMPARE(savedFlight(path("p.ecor"))["files"].toObject(),
+                 QJsonObject({{"video", "p_video.mp4"}, {"log", ""}}));
+        m_loader.loadProject(path("p.ecor"));
+        QVERIFY(!m_loader.contents().namesLog);
+        QVERIFY(!m_loader.loadProblem());
+    }
+
+    void aProjectThatCannotBeWrittenHasNoCopies()
+    {
+        writeFile(path("in/v.mp4"), "video");
+        writeFile(path("in/v.log"), "log");
+        QVERIFY(QDir().mkpath(path("p.ecor")));
+        m_loader.copySourceFilesAndSaveProject(path("in/v.log"), path("in/v.mp4"), path("p.ecor"),
+                                               {});
+        QVERIFY(!m_loader.lastSave());
+        QVERIFY(!QFile::exists(path("p_video.mp4")) && !QFile::exists(path("p_log.log")));
+    }
+
+    void aCopyKeepsTheTimeOfItsSource()
+    {
+        writeFile(path("in/v.mp4"), "video");
+        QFile source(path("in/v.mp4"));
+        QVERIFY(source.open(QIODevice::ReadWrite));
+        const QDateTime written = QDateTime::fromSecsSinceEpoch(1'500'000'000);
+        QVERIFY(source.setFileTime(written, QFileDevice::FileModificationTime));
+        source.close();
+        QVERIFY(m_loader.copySourceFilesAndSaveProject("", path("in/v.mp4"), path("p.ecor"), {}));
+        QCOMPARE(QFileInfo(path("p_video.mp4")).lastModified(), written);
+    }
+
+    void saysWhyAProjectCouldNotBeSaved_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("room");
+        QTest::addColumn<int>("kind");
+        const auto row = [](const char* tag, const QString& name, int room, Failure::Kind kind) {
+            QTest::newRow(tag) << name << room << static_cast<int>(kind);
+        };
+        row("saved", "p.ecor", 1 << 20, Failure::Kind::other);
+        row("no folder", "none/p.ecor", 1 << 20, Failure::Kind::notFound);
+        row("no room", "p.ecor", 10, Failure::Kind::noRoom);
+        row("a folder in its place", "folder", 1 << 20, Failure::Kind::notAFile);
+    }
+
+    void saysWhyAProjectCouldNotBeSaved()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, room);
+        QFETCH(int, kind);
+        QVERIFY(QDir().mkpath(path("folder")));
+        {
+            const FullDisk disk(static_cast<rlim_t>(room));
+            m_loader.saveProject("/l", "/v", path(name), {});
+        }
+        const bool isSaved = static_cast<Failure::Kind>(kind) == Failure::Kind::other;
+        QCOMPARE(m_loader.lastSave().ok(), isSaved);
+        if (isSaved)
+            return;
+        QCOMPARE(static_cast<int>(m_loader.lastSave().failure().kind), kind);
+        QVERIFY(m_loader.lastSave().failure().sentence.contains(path(name)));
     }
 
     void theVideoIsCopiedAlsoIfTheLogCannotBe()

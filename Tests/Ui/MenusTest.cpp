@@ -55,6 +55,8 @@ void MenusTest::entries_data()
     row("saveProjectCopyMenuItem", "&Save project copy...", "");
     row("closeProjectMenuItem", "&Close current project", "Ctrl+W");
     row("exitMenuItem", "&Exit", "Ctrl+Q");
+    row("undoMenuItem", "&Undo", "Ctrl+Z");
+    row("redoMenuItem", "&Redo", "Ctrl+Shift+Z");
     row("createReportMenuItem", "Create inspection report...", "");
     row("exportFramesMenuItem", "Export frames as images...", "");
     row("exportVideoMenuItem", "Export video file...", "");

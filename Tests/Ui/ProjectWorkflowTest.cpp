@@ -22,7 +22,7 @@ private slots:
     void savingNeedsAVideo();
     void saveAsCopiesTheMedia();
     void warnsWhenTheMediaCannotBeCopied();
-    void aPlainSaveNeverWarns();
+    void aPlainSaveThatFailsIsSaid();
     void aCopyLeavesTheWorkWhereItWas();
     void reportsACorruptProject();
     void aProjectWithoutVideoLeavesTheWorkAlone();
@@ -252,20 +252,35 @@ void ProjectWorkflowTest::warnsWhenTheMediaCannotBeCopied()
     const QString path = media().newFolder() + "/a.ecor";
     m_ui->call("doSaveProjectAs", {path});
     QVERIFY(!UiFixture::messageBox());
-    QFile::remove(path);
-    // The copies of the first time are in the way.
+    // Onto its own copies there is nothing to copy.
     m_ui->call("doSaveProjectAs", {path});
+    QVERIFY(!UiFixture::messageBox());
+    // Somebody else's files are in the way.
+    const QString other = media().newFolder() + "/b.ecor";
+    for (const char* name : {"/b_video.mp4", "/b_log.log"})
+        QVERIFY(QFile::copy(media().brokenLog(), QFileInfo(other).absolutePath() + name));
+    m_ui->call("goCloseProject");
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    m_ui->call("doSaveProjectAs", {other});
     expectBox(copyWarningTitle, copyWarning(), QMessageBox::Warning);
-    QVERIFY(QFile::exists(path));
+    QVERIFY(QFile::exists(other));
     QVERIFY(m_ui->log().contains(copyWarningTitle + ": " + copyWarning()));
 }
 
-void ProjectWorkflowTest::aPlainSaveNeverWarns()
+void ProjectWorkflowTest::aPlainSaveThatFailsIsSaid()
 {
     QVERIFY(m_ui->openVideo());
-    m_ui->call("doSaveProject", {"/proc/nowhere/a.ecor"});
-    QCoreApplication::processEvents();
+    const QString path = media().newFolder() + "/a.ecor";
+    m_ui->call("doSaveProject", {path});
     QVERIFY(!UiFixture::messageBox());
+    const QString before = title();
+    m_ui->call("doSaveProject", {"/proc/nowhere/a.ecor"});
+    expectBox("Project not saved",
+              "The project /proc/nowhere/a.ecor could not be saved: No such file or directory.",
+              QMessageBox::Critical);
+    QCOMPARE(title(), before);
+    QCOMPARE(m_ui->get("currentProject", "filePath").toString(), path);
 }
 
 void ProjectWorkflowTest::aCopyLeavesTheWorkWhereItWas()

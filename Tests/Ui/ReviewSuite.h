@@ -19,7 +19,8 @@ protected:
     QString title() const { return m_ui->window()->title(); }
     QVariant player(const char* property) const;
 
-    /// The quoted text was shown in a box of this title and kind, and is answered.
+    /// The quoted text was shown in a box of this title and kind, perhaps with its cause below, and
+    /// is answered.
     static void expectBox(const QString& boxTitle, const QString& text, QMessageBox::Icon icon);
 
     std::unique_ptr<ReviewFixture> m_ui;

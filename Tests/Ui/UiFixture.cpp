@@ -41,6 +41,9 @@ void UiFixture::prepare()
 UiFixture::UiFixture()
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settingsFolder.path());
+    // Unsaved work of an earlier test.
+    QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/recovery")
+        .removeRecursively();
     makeEngine();
 }
 

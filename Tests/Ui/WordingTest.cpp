@@ -183,6 +183,7 @@ void WordingTest::menuTitles()
     QVERIFY(ui.load());
     QCOMPARE(ui.get("fileMenu", "title").toString(), QString("&File"));
     QCOMPARE(ui.get("newProjectMenu", "title").toString(), QString("&New project"));
+    QCOMPARE(ui.get("reviewMenu", "title").toString(), QString("&Review"));
     QCOMPARE(ui.get("exportMenu", "title").toString(), QString("&Export"));
     QCOMPARE(ui.get("settingsMenu", "title").toString(), QString("&Settings"));
     QCOMPARE(ui.get("helpMenu", "title").toString(), QString("&Help"));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/Failure.h"
+
 #include <QByteArray>
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -46,6 +48,7 @@ bool readNumber(const QCommandLineParser& line, const QString& name, int standar
 // The commands, one set per file.
 std::vector<Command> logCommands();
 std::vector<Command> matchCommands();
+std::vector<Command> projectCommands();
 std::vector<Command> frameCommands();
 std::vector<Command> reportCommands();
 
@@ -59,5 +62,8 @@ ExitStatus writeOut(const QByteArray& bytes);
 /// Prints what went wrong as one line on standard error, and returns `Failed`. Characters that
 /// steer a terminal are replaced.
 ExitStatus fail(const QString& message);
+
+/// The same with the failure's sentence; `PartlyDone` for work of which a part is missing.
+ExitStatus fail(const Failure& failure);
 
 } // namespace corv::cli

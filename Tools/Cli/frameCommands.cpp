@@ -1,6 +1,7 @@
 #include "Base/videoTime.h"
 #include "Cli/Command.h"
-#include "Cli/FlightSession.h"
+#include "Cli/OpenFlight.h"
+#include "Cli/diagnostics.h"
 #include "Threads/post.h"
 #include "Video/pictureFile.h"
 
@@ -56,7 +57,7 @@ private:
 };
 
 // Why the pictures of the flight cannot have a thermal overlay; empty if they can.
-QString whyNoOverlay(FlightSession& flight)
+QString whyNoOverlay(OpenFlight& flight)
 {
     if (!flight.logParser().log())
         return QStringLiteral("--thermal needs a log with thermal pictures");
@@ -69,14 +70,14 @@ QString whyNoOverlay(FlightSession& flight)
 
 // Opens the one flight that the line names, if `out` is none of its files; a bare video shows the
 // overlay on request.
-ExitStatus open(FlightSession& flight, const QCommandLineParser& line, const QString& out)
+ExitStatus open(OpenFlight& flight, const QCommandLineParser& line, const QString& out)
 {
     const QStringList arguments = line.positionalArguments();
-    if (!FlightSession::isFlight(arguments))
+    if (!OpenFlight::isFlight(arguments))
         return WrongUsage;
-    const QString error = flight.open(arguments, out);
-    if (!error.isEmpty())
-        return fail(error);
+    const Status opened = flight.open(arguments, out);
+    if (!opened)
+        return fail(opened.failure());
     if (!line.isSet(thermalOption))
         return Done;
     flight.player().setShowIR(true);
@@ -85,8 +86,7 @@ ExitStatus open(FlightSession& flight, const QCommandLineParser& line, const QSt
 }
 
 // The same for commands that save pictures.
-ExitStatus openForPictures(FlightSession& flight, const QCommandLineParser& line,
-                           const QString& out)
+ExitStatus openForPictures(OpenFlight& flight, const QCommandLineParser& line, const QString& out)
 {
     return takeThermalClock(line, flight.player()) ? open(flight, line, out) : WrongUsage;
 }
@@ -103,7 +103,7 @@ struct Picture
 };
 
 // Fetches all pictures at once, as the window does, and saves each on the thread that makes it.
-ExitStatus savePictures(FlightSession& flight, const QList<Picture>& pictures)
+ExitStatus savePictures(OpenFlight& flight, const QList<Picture>& pictures)
 {
     const int total = pictures.size();
     ProgressLine progress("frames");
@@ -145,7 +145,7 @@ ExitStatus frame(const QCommandLineParser& line)
     if (!line.isSet(timeOption) || !readNumber(line, timeOption, 0, &timeMs) || timeMs < 0 ||
         out.isEmpty())
         return WrongUsage;
-    FlightSession flight;
+    OpenFlight flight;
     const ExitStatus status = openForPictures(flight, line, out);
     if (status != Done)
         return status;
@@ -154,11 +154,11 @@ ExitStatus frame(const QCommandLineParser& line)
     return savePictures(flight, {{timeMs, out}});
 }
 
-QList<int> positionsOfMarks(const FlightSession& flight)
+QList<int> positionsOfPois(OpenFlight& flight)
 {
     QList<int> positions;
-    for (const QVariant& mark : flight.marks())
-        positions << mark.toMap().value(QStringLiteral("time")).toInt();
+    for (const QVariant& poi : flight.review().allPois())
+        positions << poi.toMap().value(QStringLiteral("time")).toInt();
     return positions;
 }
 
@@ -187,13 +187,13 @@ ExitStatus frames(const QCommandLineParser& line)
         !readNumber(line, spacingOption, standardSpacing, &spacing) || (ofMarks && ofRange) ||
         fromMs < 0 || toMs < fromMs || spacing < 1 || out.isEmpty() || prefix.isEmpty())
         return WrongUsage;
-    FlightSession flight;
+    OpenFlight flight;
     const ExitStatus status = openForPictures(flight, line, out);
     if (status != Done)
         return status;
     if (!QDir().mkpath(out))
         return fail(out + QStringLiteral(": cannot be made"));
-    const QList<int> positions = ofMarks ? positionsOfMarks(flight)
+    const QList<int> positions = ofMarks ? positionsOfPois(flight)
                                          : positionsOfRange(flight.player(), fromMs, toMs, spacing);
     if (positions.isEmpty())
         return fail(ofMarks ? QStringLiteral("the flight has no points of interest")
@@ -211,7 +211,7 @@ ExitStatus video(const QCommandLineParser& line)
     const QString out = line.value(outOption);
     if (out.isEmpty())
         return WrongUsage;
-    FlightSession flight;
+    OpenFlight flight;
     const ExitStatus status = open(flight, line, out);
     if (status != Done)
         return status;

@@ -8,7 +8,8 @@ namespace {
 std::vector<Command> allCommands()
 {
     std::vector<Command> commands;
-    for (const auto& set : {logCommands(), matchCommands(), frameCommands(), reportCommands()})
+    for (const auto& set :
+         {logCommands(), matchCommands(), projectCommands(), frameCommands(), reportCommands()})
         commands.insert(commands.end(), set.begin(), set.end());
     return commands;
 }

@@ -110,6 +110,12 @@ ExitStatus fail(const QString& message)
     return Failed;
 }
 
+ExitStatus fail(const Failure& failure)
+{
+    fail(failure.sentence.simplified());
+    return failure.kind == Failure::Kind::incomplete ? PartlyDone : Failed;
+}
+
 QCommandLineOption flag(const QString& name, const QString& description)
 {
     return {name, description};

@@ -1,5 +1,5 @@
 #include "Cli/Command.h"
-#include "Cli/FlightSession.h"
+#include "Cli/OpenFlight.h"
 #include "Cli/diagnostics.h"
 #include "Project/ReportWriter.h"
 #include "Threads/pool.h"
@@ -19,19 +19,19 @@ void showProgress(int done, int total)
 
 /// The writer waits for each frame, so it has a thread of its own while this one keeps the event
 /// loop going.
-bool writeReport(FlightSession& flight, const QString& path)
+bool writeReport(OpenFlight& flight, const QString& path)
 {
     const std::atomic<bool> abortFlag{false};
-    const QVariantList marks = flight.marks();
+    const QVariantList pois = flight.review().allPois();
     const QVariantMap naming = flight.logParser().flightNaming();
     VideoPlayer* const player = &flight.player();
     const bool isOnTerminal = isatty(STDERR_FILENO) == 1;
     bool isWritten = false;
     QEventLoop loop;
-    const PoolTask task = runOnPool([&, marks, naming, player, isOnTerminal] {
+    const PoolTask task = runOnPool([&, pois, naming, player, isOnTerminal] {
         ReportWriter writer(&abortFlag);
         const bool result = writer.writeWordReport(
-            path, player, marks, naming,
+            path, player, pois, naming,
             isOnTerminal ? ReportWriter::Progress(showProgress) : ReportWriter::Progress());
         post(&loop, [&isWritten, &loop, result] {
             isWritten = result;
@@ -47,14 +47,14 @@ ExitStatus report(const QCommandLineParser& line)
 {
     const QStringList arguments = line.positionalArguments();
     const QString path = line.value(QStringLiteral("out"));
-    if (path.isEmpty() || !FlightSession::isFlight(arguments))
+    if (path.isEmpty() || !OpenFlight::isFlight(arguments))
         return WrongUsage;
-    FlightSession flight;
+    OpenFlight flight;
     if (!takeThermalClock(line, flight.player()))
         return WrongUsage;
-    const QString error = flight.open(arguments, path);
-    if (!error.isEmpty())
-        return fail(error);
+    const Status opened = flight.open(arguments, path);
+    if (!opened)
+        return fail(opened.failure());
     lastError(); // of a log that could be read all the same
     if (!writeReport(flight, path))
         return fail(lastErrorOr(path + QStringLiteral(": cannot be written")));

@@ -89,16 +89,16 @@ private slots:
         logless.write("{\"contents\":{\"flights\":[{\"files\":{\"video\":\"" +
                       m_flight.videoFiles().first().toUtf8() + "\",\"log\":\"gone.log\"}}]}}");
         const QString out = path("none.docx");
-        row("no project", {path("none.ecor"), "--out", out}, "none.ecor: cannot be opened");
-        row("no video", {path("none.mp4"), "--out", out}, "none.mp4: no such file");
+        row("no project", {path("none.ecor"), "--out", out}, "none.ecor does not exist.");
+        row("no video", {path("none.mp4"), "--out", out}, "none.mp4 does not exist.");
         row("a project without its video", {path("lost.ecor"), "--out", out},
-            "its video is not at " + path("gone.mp4"));
+            "The video " + path("gone.mp4") + " does not exist.");
         row("a project without its log", {path("logless.ecor"), "--out", out},
-            "its log is not at " + path("gone.log"));
+            "The log " + path("gone.log") + " does not exist.");
         row("no video at all", {path("FLIGHT01.LOG"), "--out", out},
-            "FLIGHT01.LOG: the video cannot be opened");
+            "FLIGHT01.LOG cannot be opened.");
         row("no log at all", {video(), video(), "--out", out},
-            QFileInfo(video()).fileName() + ": ");
+            QFileInfo(video()).fileName() + " cannot be decoded.");
         row("nowhere to write", {video(), "--out", path("none/r.docx")}, "cannot write ");
     }
 

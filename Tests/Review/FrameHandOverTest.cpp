@@ -1,6 +1,6 @@
-#include "timelineSupport.h"
+#include "../Timeline/timelineSupport.h"
 
-#include "Timeline/FrameHandOver.h"
+#include "Review/FrameHandOver.h"
 
 #include <QThread>
 #include <atomic>

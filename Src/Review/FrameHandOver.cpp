@@ -1,7 +1,7 @@
-#include "Timeline/FrameHandOver.h"
+#include "Review/FrameHandOver.h"
 
+#include "Review/Poi.h"
 #include "Threads/post.h"
-#include "Timeline/TimelinePoi.h"
 #include "Video/VideoPlayer.h"
 
 #include <QDebug>

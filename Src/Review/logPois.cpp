@@ -1,4 +1,4 @@
-#include "Timeline/logPois.h"
+#include "Review/logPois.h"
 
 #include "Log/LogParser.h"
 #include "Log/clocks.h"
@@ -9,8 +9,8 @@
 namespace corv {
 namespace {
 
-// Each mark costs a frame to be read and a picture to be kept. Nobody marks a flight this often; a
-// damaged log may say so.
+// Each point of interest costs a frame to be read and a picture to be kept. Nobody marks a flight
+// this often; a damaged log may say so.
 constexpr int logPoisMax = 10000;
 
 } // namespace

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Base/Failure.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QtGlobal>
+#include <atomic>
+#include <functional>
+
+/// Files that are complete or not there at all. An `int` that is returned is the system's error
+/// number, 0 for success. Any thread.
+namespace corv::platform {
+
+/// A file that appears under its name only when it is complete. Destroyed before that, or with the
+/// program killed, nothing of it is left, except on file systems that know no unnamed files: there
+/// a kill leaves a hidden file ending in ".part".
+class NewFile
+{
+public:
+    /// `path` need not exist; its folder must. A link is followed.
+    explicit NewFile(const QString& path);
+    ~NewFile();
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    /// `stagingFolder` holds the unnamed file where its own folder does not exist yet; it has to be
+    /// on the same volume.
+    int open(const QString& stagingFolder = QString());
+    int write(const char* bytes, qint64 size);
+
+    /// The open file, for what only the system can do with it.
+    int descriptor() const { return m_descriptor; }
+
+    enum class Over { nothing, existing };
+
+    /// Flushes the file to the disk, gives it its name and flushes the folder. Over nothing it
+    /// fails with EEXIST where there is a file.
+    int publish(Over over);
+
+private:
+    int openNamed(const QByteArray& folder);
+    int giveName(Over over);
+    QByteArray partPath(const QByteArray& folder) const;
+
+    const QByteArray m_path;
+    int m_descriptor = -1;
+    QByteArray m_partPath; ///< where the file has a name already, or empty
+};
+
+/// Removes what killed programs left of `path` in the moment between having its bytes and having
+/// its name.
+void removeAbandonedParts(const QString& path);
+
+/// Replaces the contents of a file atomically: afterwards it has the earlier ones or the new ones,
+/// whatever happens. Keeps its permissions. Only where the folder forbids a second file is an
+/// existing one written directly.
+int replaceFile(const QString& path, const QByteArray& contents);
+
+/// What the copying thread and its owner share.
+struct CopyControl
+{
+    std::atomic<qint64> doneBytes{0}; ///< grows by each file
+    std::atomic<bool> isCancelled{false};
+
+    /// Called by the copying thread after each piece that had to be copied, if it is set.
+    std::function<void(qint64 bytes)> pieceCopied;
+};
+
+/// Copies a file, with its permissions and the time of its last write, into `target`, which is
+/// open; shares its blocks where the file system can. Ends with ECANCELED once it is cancelled.
+/// What is copied still has to be published.
+int copyInto(NewFile& target, const QString& source, CopyControl& control);
+
+/// Creates a folder; EEXIST if there is something of that name.
+int makeFolder(const QString& path);
+
+/// Flushes a folder's list of names to the disk.
+void flushFolder(const QString& path);
+
+/// The reason behind an error number, for `what` was to be done: "The project /a/b.ecor cannot be
+/// saved" gives "The project /a/b.ecor cannot be saved: No space left on device.".
+Failure failureOfError(int error, const QString& what);
+
+} // namespace corv::platform

@@ -1,0 +1,77 @@
+#include "Project/ProjectFile.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace corv {
+namespace {
+
+bool isExistingFile(const QString& path)
+{
+    return QFileInfo::exists(path) && QFileInfo(path).isFile();
+}
+
+} // namespace
+
+bool ProjectContents::videoFileExists() const
+{
+    return isExistingFile(videoFile);
+}
+
+bool ProjectContents::logFileExists() const
+{
+    return isExistingFile(logFile);
+}
+
+QStringList ProjectContents::missingFiles() const
+{
+    QStringList named = parts.isEmpty() ? QStringList(videoFile) : parts;
+    if (!namesVideo)
+        named.clear();
+    if (namesLog)
+        named << logFile;
+    QStringList missing;
+    for (const QString& file : qAsConst(named)) {
+        if (!isExistingFile(file))
+            missing << file;
+    }
+    return missing;
+}
+
+bool isNoLog(const QString& logPath)
+{
+    return logPath.isEmpty() || logPath == QLatin1String(".") ||
+           logPath == QLatin1String("no_match");
+}
+
+QString withoutFilePrefix(const QString& path)
+{
+    return path.startsWith(QLatin1String("file:/")) ? path.mid(5) : path;
+}
+
+std::optional<Failure> fileProblem(const QString& what, const QString& path)
+{
+    const QFileInfo file(path);
+    if (file.isSymLink() && !file.exists())
+        return Failure{
+            Failure::Kind::notFound,
+            QStringLiteral("%1 %2 is a link to a file that does not exist.").arg(what, path)};
+    if (!file.exists()) {
+        if (!file.absoluteDir().exists())
+            return Failure{Failure::Kind::notFound,
+                           QStringLiteral("%1 cannot be reached: there is no folder %2. If it is "
+                                          "on a card or a drive, connect that.")
+                               .arg(what, file.absolutePath())};
+        return Failure{Failure::Kind::notFound,
+                       QStringLiteral("%1 %2 does not exist.").arg(what, path)};
+    }
+    if (!file.isFile())
+        return Failure{Failure::Kind::notAFile,
+                       QStringLiteral("%1 %2 is not a file.").arg(what, path)};
+    if (!file.isReadable())
+        return Failure{Failure::Kind::noPermission,
+                       QStringLiteral("%1 %2 may not be read: permission denied.").arg(what, path)};
+    return std::nullopt;
+}
+
+} // namespace corv

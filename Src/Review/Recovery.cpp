@@ -1,0 +1,283 @@
+#include "Review/Recovery.h"
+
+#include "Base/videoTime.h"
+#include "Platform/fileSystem.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QStandardPaths>
+#include <algorithm>
+#include <utility>
+
+namespace corv {
+namespace {
+
+QString momentText(const QDateTime& moment)
+{
+    const QLocale english(QLocale::English);
+    const QString format = moment.date() == QDate::currentDate()
+                               ? QStringLiteral("HH:mm")
+                               : QStringLiteral("d MMM yyyy HH:mm");
+    return english.toString(moment, format);
+}
+
+QString nameOf(const RecoveredReview& review)
+{
+    const QString named =
+        review.projectPath.isEmpty() ? review.contents.videoFile : review.projectPath;
+    return QFileInfo(named).completeBaseName();
+}
+
+} // namespace
+
+Recovery::Recovery(QObject* parent) : QObject(parent)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(delayMs);
+    connect(&m_timer, &QTimer::timeout, this, &Recovery::write);
+}
+
+Recovery::~Recovery()
+{
+    finishPending();
+    m_writing.waitForDone();
+}
+
+void Recovery::setReview(Review* review)
+{
+    if (m_review || !review)
+        return;
+    m_review = review;
+    connect(review, &Review::openedVideoChanged, this, &Recovery::begin);
+    connect(review, &Review::started, this, &Recovery::begin);
+    connect(review, &Review::opened, this, &Recovery::settleNames);
+    connect(review, &Review::saved, this, &Recovery::settle);
+    connect(review, &Review::closing, this, &Recovery::finishPending);
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
+            &Recovery::finishPending);
+    connect(review->pois(), &PoiModel::contentsChanged, this, &Recovery::changed);
+    connect(review->pois(), &PoiModel::loadedFromLog, this,
+            [this](const Poi& poi) { m_saved.pois[msOfTime(poi.time)] = listForm(poi); });
+    // Whatever a project keeps of the player and the parser, by the signals that they have.
+    const auto follow = [this](QObject* object) {
+        const QMetaObject* const meta = object->metaObject();
+        const QMetaMethod slot =
+            metaObject()->method(metaObject()->indexOfSlot("propertyChanged()"));
+        for (const char* name : {"contrast", "brightness", "showIR", "irOverlayTransparent",
+                                 "autoIRMapping", "irMappingMinValue", "irMappingMaxValue",
+                                 "irOffsetX", "irOffsetY", "manualLogTimeOffset", "flightNaming"}) {
+            const QMetaProperty property = meta->property(meta->indexOfProperty(name));
+            if (property.isValid() && property.hasNotifySignal())
+                connect(object, property.notifySignal(), this, slot);
+        }
+    };
+    follow(review->videoPlayer());
+    follow(review->logParser());
+}
+
+void Recovery::setFolder(const QString& folder)
+{
+    if (folder == m_folder)
+        return;
+    m_folder = folder;
+    const std::vector<RecoveredReview> found = RecoveryStore(m_folder).found();
+    if (!found.empty())
+        offer(found.front());
+}
+
+QString Recovery::standardFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+           QStringLiteral("/recovery");
+}
+
+// --- Keeping ---------------------------------------------------------------------------------
+
+Recovery::Contents Recovery::contentsNow() const
+{
+    Contents contents;
+    ReviewProperties properties =
+        ReviewProperties::of(*m_review->videoPlayer(), *m_review->logParser());
+    if (properties.irMappingAuto) {
+        // The range follows the picture, and nobody chose it.
+        properties.irMappingMin = ReviewProperties().irMappingMin;
+        properties.irMappingMax = ReviewProperties().irMappingMax;
+    }
+    contents.properties = properties.toJson();
+    for (const Poi& poi : m_review->pois()->pois())
+        contents.pois.emplace_hint(contents.pois.end(), msOfTime(poi.time), listForm(poi));
+    return contents;
+}
+
+/// What is there now needs no recovery: it is as it was opened, or as it was saved.
+void Recovery::settle()
+{
+    m_timer.stop();
+    m_writing.waitForDone();
+    m_isAlwaysUnsaved = false;
+    m_saved = contentsNow();
+    if (!m_place.file.isEmpty())
+        QFile::remove(m_place.file);
+}
+
+/// The names come from the log, when it has been read.
+void Recovery::settleNames()
+{
+    const QString key = QStringLiteral("designation");
+    const QVariantMap properties = contentsNow().properties;
+    if (properties.contains(key))
+        m_saved.properties.insert(key, properties.value(key));
+    else
+        m_saved.properties.remove(key);
+}
+
+/// A place of its own for the flight that is open now. What was left of the one before it stays
+/// where it is, and is nobody's.
+void Recovery::begin()
+{
+    m_timer.stop();
+    m_writing.waitForDone();
+    m_place = {};
+    m_isAlwaysUnsaved = false;
+    const QString video = m_review->openedVideo();
+    if (video.isEmpty() || m_folder.isEmpty())
+        return;
+    m_saved = contentsNow();
+    offerFor(video, m_review->projectPath());
+    m_place = RecoveryStore(m_folder).newPlace();
+}
+
+void Recovery::finishPending()
+{
+    if (m_timer.isActive())
+        flush();
+}
+
+void Recovery::propertyChanged()
+{
+    changed();
+}
+
+void Recovery::changed()
+{
+    if (!m_place.file.isEmpty() && !m_timer.isActive())
+        m_timer.start();
+}
+
+void Recovery::write()
+{
+    m_timer.stop();
+    if (m_place.file.isEmpty() || !m_review || m_review->openedVideo().isEmpty() ||
+        !m_review->videoPlayer() || !m_review->logParser())
+        return;
+    if (m_writing.isRunning()) {
+        m_timer.start();
+        return;
+    }
+    Contents now = contentsNow();
+    const bool differs = m_isAlwaysUnsaved || !(now == m_saved);
+    RecoveredReview review;
+    review.projectPath = m_review->projectPath();
+    const ProjectFileLoader::SavedFiles files = m_review->filesToSave();
+    review.contents.videoFile = files.video;
+    review.contents.logFile = files.log;
+    review.contents.properties = now.properties;
+    QVariantList pois;
+    for (const auto& poi : now.pois)
+        pois.append(poi.second);
+    review.contents.pois = pois;
+    m_writing = runOnPool([file = m_place.file, lock = m_place.lock, differs, review] {
+        if (!differs) {
+            QFile::remove(file);
+            return;
+        }
+        const int error = platform::replaceFile(file, recoveryText(review));
+        if (error != 0)
+            qWarning() << "The unsaved review cannot be kept in" << file << qt_error_string(error);
+    });
+}
+
+void Recovery::flush()
+{
+    m_writing.waitForDone();
+    write();
+    m_writing.waitForDone();
+}
+
+// --- Offering --------------------------------------------------------------------------------
+
+void Recovery::offer(std::optional<RecoveredReview> review)
+{
+    m_offer = std::move(review);
+    emit offerChanged();
+}
+
+void Recovery::offerFor(const QString& videoPath, const QString& projectPath)
+{
+    if (m_folder.isEmpty())
+        return;
+    const std::vector<RecoveredReview> found = RecoveryStore(m_folder).found();
+    const auto match =
+        std::find_if(found.begin(), found.end(), [&](const RecoveredReview& candidate) {
+            return candidate.projectPath.isEmpty() || projectPath.isEmpty()
+                       ? candidate.contents.videoFile == videoPath
+                       : candidate.projectPath == projectPath;
+        });
+    if (match != found.end())
+        offer(*match);
+}
+
+QString Recovery::offerText() const
+{
+    if (!m_offer)
+        return {};
+    if (m_offer->problem && m_offer->problem->kind == Failure::Kind::damaged)
+        return m_offer->problem->sentence;
+    const int count = m_offer->contents.pois.value_or(QVariantList()).size();
+    const QString review =
+        QStringLiteral("your unsaved review of %1 from %2 (%3)")
+            .arg(nameOf(*m_offer), momentText(m_offer->savedAt),
+                 count == 1 ? QStringLiteral("1 point of interest")
+                            : QStringLiteral("%1 points of interest").arg(count));
+    if (m_offer->problem)
+        return QStringLiteral("Cannot restore %1 now. %2").arg(review, m_offer->problem->sentence);
+    return QStringLiteral("Restore %1").arg(review);
+}
+
+void Recovery::restore()
+{
+    if (!isRestorable())
+        return;
+    const RecoveredReview review = *m_offer;
+    offer(std::nullopt);
+    m_review->whenOpened(review.contents.videoFile, [this, review] {
+        m_review->restore(review.projectPath, review.contents);
+        // Kept under the new name before the old one goes.
+        m_isAlwaysUnsaved = true;
+        flush();
+        if (QFile::exists(m_place.file))
+            RecoveryStore(m_folder).remove(review.file);
+        offer(std::nullopt);
+    });
+}
+
+void Recovery::discard()
+{
+    if (!m_offer)
+        return;
+    RecoveryStore(m_folder).remove(m_offer->file);
+    const std::vector<RecoveredReview> found = RecoveryStore(m_folder).found();
+    offer(found.empty() ? std::nullopt : std::optional<RecoveredReview>(found.front()));
+}
+
+void Recovery::later()
+{
+    offer(std::nullopt);
+}
+
+} // namespace corv

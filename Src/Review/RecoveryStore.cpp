@@ -1,0 +1,121 @@
+#include "Review/RecoveryStore.h"
+
+#include "Base/limits.h"
+#include "Platform/fileSystem.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUuid>
+#include <algorithm>
+
+namespace corv {
+namespace {
+
+constexpr int formatVersion = 1;
+constexpr int mostFiles = 200;
+const QString namePattern = QStringLiteral("review-*.json");
+
+QString lockOf(const QString& file)
+{
+    return file + QStringLiteral(".lock");
+}
+
+std::shared_ptr<QLockFile> lockFor(const QString& file)
+{
+    auto lock = std::make_shared<QLockFile>(lockOf(file));
+    lock->setStaleLockTime(0); // held for as long as its process lives, however long that is
+    return lock->tryLock(0) ? lock : nullptr;
+}
+
+Failure damaged(const QString& file)
+{
+    return {
+        Failure::Kind::damaged,
+        QStringLiteral("The unsaved review in %1 is damaged and cannot be restored.").arg(file)};
+}
+
+RecoveredReview read(const QString& path)
+{
+    RecoveredReview review;
+    review.file = path;
+    review.savedAt = QFileInfo(path).lastModified();
+    QFile file(path);
+    const bool isReadable = file.size() <= limits::projectBytes && file.open(QIODevice::ReadOnly);
+    const QJsonObject object =
+        isReadable ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    const QJsonObject properties = object.value(QLatin1String("properties")).toObject();
+    review.contents.videoFile = object.value(QLatin1String("video")).toString();
+    if (object.value(QLatin1String("format")).toInt() != formatVersion ||
+        review.contents.videoFile.isEmpty()) {
+        review.problem = damaged(path);
+        return review;
+    }
+    review.projectPath = object.value(QLatin1String("project")).toString();
+    review.contents.logFile = object.value(QLatin1String("log")).toString();
+    review.contents.namesLog = !isNoLog(review.contents.logFile);
+    review.contents.namesVideo = true;
+    review.contents.properties = properties.toVariantMap();
+    review.contents.pois = object.value(QLatin1String("poi")).toArray().toVariantList();
+    review.problem = fileProblem(QStringLiteral("The video"), review.contents.videoFile);
+    return review;
+}
+
+} // namespace
+
+QByteArray recoveryText(const RecoveredReview& review)
+{
+    const QJsonObject object{
+        {QStringLiteral("format"), formatVersion},
+        {QStringLiteral("project"), review.projectPath},
+        {QStringLiteral("video"), review.contents.videoFile},
+        {QStringLiteral("log"), review.contents.logFile},
+        {QStringLiteral("properties"), QJsonObject::fromVariantMap(review.contents.properties)},
+        {QStringLiteral("poi"),
+         QJsonArray::fromVariantList(review.contents.pois.value_or(QVariantList()))}};
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+RecoveryStore::RecoveryStore(const QString& folder) : m_folder(folder) {}
+
+RecoveryStore::Place RecoveryStore::newPlace() const
+{
+    if (m_folder.isEmpty() || !QDir().mkpath(m_folder))
+        return {};
+    const QString file = QStringLiteral("%1/review-%2.json")
+                             .arg(m_folder, QUuid::createUuid().toString(QUuid::WithoutBraces));
+    const std::shared_ptr<QLockFile> lock = lockFor(file);
+    return lock ? Place{file, lock} : Place{};
+}
+
+std::vector<RecoveredReview> RecoveryStore::found() const
+{
+    const QDir folder(m_folder);
+    if (m_folder.isEmpty() || !folder.exists())
+        return {};
+    // Locks that killed programs left without a review.
+    for (const QString& name :
+         folder.entryList({namePattern + QStringLiteral(".lock")}, QDir::Files))
+        lockFor(folder.filePath(name).chopped(5));
+    std::vector<RecoveredReview> reviews;
+    const QStringList names = folder.entryList({namePattern}, QDir::Files, QDir::Time);
+    for (const QString& name : names.mid(0, mostFiles)) {
+        const QString file = folder.filePath(name);
+        if (!lockFor(file))
+            continue;
+        platform::removeAbandonedParts(file);
+        reviews.push_back(read(file));
+    }
+    return reviews;
+}
+
+bool RecoveryStore::remove(const QString& file) const
+{
+    const std::shared_ptr<QLockFile> lock = lockFor(file);
+    return lock && QFile::remove(file);
+}
+
+} // namespace corv

@@ -1,0 +1,163 @@
+#include "Review/ReviewProperties.h"
+
+#include "Log/LogParser.h"
+#include "Video/VideoPlayer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace corv {
+namespace {
+
+struct Range
+{
+    double from;
+    double to;
+};
+
+// What the controls of the interface allow.
+constexpr Range contrastRange{0.5, 2.0};
+constexpr Range brightnessRange{-50.0, 50.0};
+constexpr Range irOffsetXRange{-0.2, 0.2};
+constexpr Range irOffsetYRange{-0.16, 0.16};
+constexpr Range irMappingRange{0.0, 65535.0};
+
+QVariantMap mapIn(const QVariantMap& map, const char* key)
+{
+    return map.value(QLatin1String(key)).toMap();
+}
+
+bool isNumber(const QVariant& value)
+{
+    const int type = value.userType();
+    return (type == QMetaType::Double || type == QMetaType::LongLong || type == QMetaType::Int) &&
+           std::isfinite(value.toDouble());
+}
+
+void takeNumber(const QVariantMap& map, const char* key, const Range& range, double& field)
+{
+    const QVariant value = map.value(QLatin1String(key));
+    if (isNumber(value))
+        field = std::clamp(value.toDouble(), range.from, range.to);
+}
+
+void takeFlag(const QVariantMap& map, const char* key, bool& field)
+{
+    const QVariant value = map.value(QLatin1String(key));
+    if (value.userType() == QMetaType::Bool)
+        field = value.toBool();
+}
+
+void takeInt(const QVariantMap& map, const char* key, int& field)
+{
+    const QVariant value = map.value(QLatin1String(key));
+    if (isNumber(value) && std::fabs(value.toDouble()) <= std::numeric_limits<int>::max())
+        field = static_cast<int>(value.toDouble());
+}
+
+QString textIn(const QVariantMap& map, const char* key)
+{
+    const QVariant value = map.value(QLatin1String(key));
+    return value.userType() == QMetaType::QString ? value.toString() : QString();
+}
+
+} // namespace
+
+ReviewProperties ReviewProperties::of(const VideoPlayer& player, const LogParser& logParser)
+{
+    ReviewProperties properties;
+    properties.contrast = player.contrast();
+    properties.brightness = player.brightness();
+    properties.showIr = player.showIR();
+    properties.irTranslucent = player.irOverlayTransparent();
+    properties.irMappingAuto = player.autoIRMapping();
+    properties.irMappingMin = player.irMappingMinValue();
+    properties.irMappingMax = player.irMappingMaxValue();
+    properties.irOffsetX = player.irOffsetX();
+    properties.irOffsetY = player.irOffsetY();
+    properties.logOffsetMs = logParser.getManualLogTimeOffset();
+    const QVariantMap naming = logParser.flightNaming();
+    properties.hasNaming = !naming.value(QStringLiteral("undefined")).toBool();
+    if (properties.hasNaming) {
+        properties.missionName = naming.value(QStringLiteral("missionName")).toString();
+        properties.flightName = naming.value(QStringLiteral("flightName")).toString();
+        properties.flightNumber = naming.value(QStringLiteral("flightNumber")).toInt();
+    }
+    return properties;
+}
+
+ReviewProperties ReviewProperties::fromJson(const QVariantMap& properties,
+                                            const ReviewProperties& otherwise)
+{
+    ReviewProperties read = otherwise;
+    const QVariantMap display = mapIn(properties, "display");
+    takeNumber(display, "contrast", contrastRange, read.contrast);
+    takeNumber(display, "brightness", brightnessRange, read.brightness);
+    const QVariantMap thermal = mapIn(properties, "thermal_video");
+    takeNumber(thermal, "align_offset_x", irOffsetXRange, read.irOffsetX);
+    takeNumber(thermal, "align_offset_y", irOffsetYRange, read.irOffsetY);
+    takeNumber(thermal, "colormap_min", irMappingRange, read.irMappingMin);
+    takeNumber(thermal, "colormap_max", irMappingRange, read.irMappingMax);
+    takeFlag(thermal, "translucent", read.irTranslucent);
+    takeFlag(thermal, "colormap_auto", read.irMappingAuto);
+    takeFlag(thermal, "visible", read.showIr);
+    takeInt(mapIn(properties, "correction"), "log_offset", read.logOffsetMs);
+
+    const QVariantMap designation = mapIn(properties, "designation");
+    read.hasNaming = !designation.isEmpty();
+    read.missionName = textIn(designation, "mission_name");
+    read.flightName = textIn(designation, "flight_name");
+    read.flightNumber = 0;
+    takeInt(designation, "flight_number", read.flightNumber);
+    return read;
+}
+
+QVariantMap ReviewProperties::toJson() const
+{
+    QVariantMap json{
+        {QStringLiteral("display"), QVariantMap{{QStringLiteral("contrast"), contrast},
+                                                {QStringLiteral("brightness"), brightness}}},
+        {QStringLiteral("thermal_video"),
+         QVariantMap{{QStringLiteral("visible"), showIr},
+                     {QStringLiteral("translucent"), irTranslucent},
+                     {QStringLiteral("colormap_auto"), irMappingAuto},
+                     {QStringLiteral("colormap_min"), irMappingMin},
+                     {QStringLiteral("colormap_max"), irMappingMax},
+                     {QStringLiteral("align_offset_x"), irOffsetX},
+                     {QStringLiteral("align_offset_y"), irOffsetY}}},
+        {QStringLiteral("correction"), QVariantMap{{QStringLiteral("log_offset"), logOffsetMs}}}};
+    if (!hasNaming)
+        return json;
+    QVariantMap designation{{QStringLiteral("mission_name"), missionName},
+                            {QStringLiteral("flight_name"), flightName}};
+    if (flightNumber > 0)
+        designation.insert(QStringLiteral("flight_number"), flightNumber);
+    json.insert(QStringLiteral("designation"), designation);
+    return json;
+}
+
+QVariantMap ReviewProperties::naming() const
+{
+    if (!hasNaming)
+        return {{QStringLiteral("undefined"), true}};
+    return {{QStringLiteral("undefined"), false},
+            {QStringLiteral("missionName"), missionName},
+            {QStringLiteral("flightName"), flightName},
+            {QStringLiteral("flightNumber"), flightNumber}};
+}
+
+void ReviewProperties::applyTo(VideoPlayer& player) const
+{
+    player.setContrast(contrast);
+    player.setBrightness(brightness);
+    player.setIrOffsetX(irOffsetX);
+    player.setIrOffsetY(irOffsetY);
+    player.setIrOverlayTransparent(irTranslucent);
+    player.setIrMappingMinValue(irMappingMin);
+    player.setIrMappingMaxValue(irMappingMax);
+    player.setAutoIRMapping(irMappingAuto);
+    player.setShowIR(showIr);
+}
+
+} // namespace corv

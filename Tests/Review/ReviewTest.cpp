@@ -1,0 +1,428 @@
+#include "Review/Review.h"
+#include "Base/videoTime.h"
+#include "Log/LogParser.h"
+#include "Project/ProjectFileLoader.h"
+#include "Review/Recovery.h"
+#include "Support/LogBuilder.h"
+#include "Support/TestVideo.h"
+#include "Video/VideoPlayer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <memory>
+
+using namespace corv;
+using namespace corv::test;
+
+namespace {
+
+constexpr int framesPerFile = 25;
+constexpr int fileMs = 1000;
+
+/// A review with its objects, as the window and the tool have it.
+struct Desk
+{
+    explicit Desk(const QString& recoveryFolder = QString())
+    {
+        player.setLogParser(&parser);
+        review.setVideoPlayer(&player);
+        review.setLogParser(&parser);
+        review.setProjectFiles(&files);
+        recovery.setReview(&review);
+        recovery.setFolder(recoveryFolder);
+        QObject::connect(&review, &Review::problem,
+                         [this](const QString&, const QString& text) { problems << text; });
+        QObject::connect(&review, &Review::warning,
+                         [this](const QString& title, const QString&) { warnings << title; });
+    }
+
+    bool openFlight(const QString& video, const QString& log = QString())
+    {
+        QSignalSpy opened(&review, &Review::opened);
+        review.openFlight(video, log);
+        return !opened.isEmpty() || opened.wait(20000);
+    }
+
+    bool openProject(const QString& path)
+    {
+        QSignalSpy opened(&review, &Review::opened);
+        return review.openProject(path) && (!opened.isEmpty() || opened.wait(20000));
+    }
+
+    QStringList poiNames()
+    {
+        QStringList names;
+        for (const Poi& poi : review.pois()->pois())
+            names << poi.name;
+        return names;
+    }
+
+    LogParser parser;
+    VideoPlayer player;
+    ProjectFileLoader files;
+    Review review;
+    Recovery recovery;
+    QStringList problems;
+    QStringList warnings;
+};
+
+QJsonObject filesIn(const QString& project)
+{
+    QFile file(project);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QJsonObject contents =
+        QJsonDocument::fromJson(file.readAll()).object()["contents"].toObject();
+    return contents["flights"].toArray()[0].toObject()["files"].toObject();
+}
+
+} // namespace
+
+/// One open flight: opened, saved, opened again, closed, and found again after an end without
+/// saving.
+class ReviewTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_media;
+    std::unique_ptr<QTemporaryDir> m_folder;
+
+    QString media(const QString& name) const { return m_media.filePath(name); }
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+    QString first() const { return media("CORV0001.MOV"); }
+
+private slots:
+    void initTestCase()
+    {
+        for (int number = 1; number <= 3; ++number) {
+            TestVideo video;
+            video.frames = framesPerFile;
+            video.fps = "25";
+            video.size = QSize(160, 120);
+            video.firstNumber = (number - 1) * framesPerFile;
+            QVERIFY(video.write(media(QString("CORV000%1.MOV").arg(number))));
+        }
+        LogBuilder log;
+        log.addGroup("mobius_start_rec", 1, {{"mobius_start_rec", "UINT32", 1}});
+        log.addGroup("mobius_stop_rec", 2, {{"mobius_stop_rec", "UINT32", 1}});
+        log.addGroup("point_of_interest", 3, {{"point_of_interest", "UINT32", 1}});
+        log.addPacket(1, LogBuilder::u32(10000));
+        log.addPacket(3, LogBuilder::u32(10690 + 1500));
+        log.addPacket(2, LogBuilder::u32(10000 + 1000 + 3 * fileMs));
+        QVERIFY(log.save(media("f.log")));
+    }
+
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void aProjectNamesTheFirstOfTheOpenedFiles()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first()));
+        desk.review.pois()->create(timeOfMs(500));
+        desk.player.seekAtFrame(2 * framesPerFile + 3);
+        QTRY_COMPARE(desk.player.source(), media("CORV0003.MOV"));
+        QVERIFY(desk.review.save(path("p.ecor")));
+        Desk other;
+        QVERIFY(other.openProject(path("p.ecor")));
+        QCOMPARE(msOfTime(other.player.duration()), 3 * fileMs);
+        QCOMPARE(other.poiNames(), QStringList("New POI"));
+        QCOMPARE(other.review.openedVideo(), first());
+    }
+
+    void reopeningTheOpenProjectRestoresItAtAnyPosition()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first()));
+        desk.review.pois()->create(timeOfMs(500));
+        QVERIFY(desk.review.save(path("p.ecor")));
+        desk.player.seekAtFrame(framesPerFile + 3);
+        QTRY_COMPARE(desk.player.source(), media("CORV0002.MOV"));
+        desk.review.pois()->remove(timeOfMs(500));
+        desk.player.setContrast(1.9);
+        QVERIFY(desk.openProject(path("p.ecor")));
+        QCOMPARE(desk.poiNames(), QStringList("New POI"));
+        QCOMPARE(desk.player.contrast(), 1.0);
+        QVERIFY(!desk.review.canUndo());
+    }
+
+    void aProjectOfALaterFileOpensWhileThatFilePlays()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(media("CORV0002.MOV")));
+        QVERIFY(desk.review.save(path("late.ecor")));
+        QVERIFY(desk.openFlight(first()));
+        desk.player.seekAtFrame(framesPerFile + 3);
+        QTRY_COMPARE(desk.player.source(), media("CORV0002.MOV"));
+        QVERIFY(desk.openProject(path("late.ecor")));
+        QTRY_COMPARE(msOfTime(desk.player.duration()), 2 * fileMs);
+    }
+
+    void savedAsItHasAllFilesAndKeepsThem()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first(), media("f.log")));
+        QVERIFY(desk.review.saveAs(path("p.ecor")));
+        QCOMPARE(desk.warnings, QStringList());
+        QCOMPARE(QDir(path("p_video")).entryList(QDir::Files).size(), 3);
+        const QJsonObject files = filesIn(path("p.ecor"));
+        QCOMPARE(files["video"].toString(), QString("p_video/CORV0001.MOV"));
+        QCOMPARE(files["log"].toString(), QString("p_log.log"));
+        QCOMPARE(files["parts"].toArray().size(), 3);
+
+        // From a plain save on, and from one more with copies, it stays with them.
+        desk.review.pois()->create(timeOfMs(100));
+        QVERIFY(desk.review.save(path("p.ecor")));
+        QCOMPARE(filesIn(path("p.ecor")), files);
+        QVERIFY(desk.review.saveAs(path("p.ecor")));
+        QCOMPARE(desk.warnings, QStringList());
+        QCOMPARE(filesIn(path("p.ecor")), files);
+
+        // Carried elsewhere it is whole.
+        QVERIFY(QDir().mkpath(path("away")));
+        for (const char* name : {"p.ecor", "p_video", "p_log.log"})
+            QVERIFY(QFile::rename(path(name), path(QString("away/") + name)));
+        Desk other;
+        QVERIFY(other.openProject(path("away/p.ecor")));
+        QCOMPARE(msOfTime(other.player.duration()), 3 * fileMs);
+        QVERIFY(!other.review.openProblem());
+        QCOMPARE(other.problems, QStringList());
+    }
+
+    void aCopyLeavesTheWorkWithItsOwnFiles()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first()));
+        QVERIFY(desk.review.save(path("own.ecor")));
+        QVERIFY(desk.review.saveCopy(path("copy.ecor")));
+        QCOMPARE(desk.review.projectPath(), path("own.ecor"));
+        QVERIFY(desk.review.save(path("own.ecor")));
+        QVERIFY(filesIn(path("own.ecor"))["video"].toString().endsWith("/CORV0001.MOV"));
+        QVERIFY(!filesIn(path("own.ecor"))["video"].toString().contains("copy_video"));
+    }
+
+    void aMissingLogTakesTheEarlierOneWithIt()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first(), media("f.log")));
+        QTRY_COMPARE(desk.poiNames(), QStringList("POI 1"));
+        QFile project(path("p.ecor"));
+        QVERIFY(project.open(QIODevice::WriteOnly));
+        project.write(
+            QString(R"({"contents":{"flights":[{"files":{"video":"%1","log":"gone.log"}}]}})")
+                .arg(first())
+                .toUtf8());
+        project.close();
+        QVERIFY(desk.openProject(path("p.ecor")));
+        QCOMPARE(desk.problems.size(), 1);
+        QVERIFY(desk.problems[0].startsWith("Project could be opened, but referenced log file not "
+                                            "found."));
+        QVERIFY(desk.parser.source().isEmpty());
+        QCOMPARE(desk.poiNames(), QStringList());
+        QVERIFY(desk.review.openProblem());
+    }
+
+    void aFlightWithoutALogOpensSavesAndReopensWithoutAWord_data()
+    {
+        QTest::addColumn<QString>("log");
+        QTest::newRow("none") << QString();
+        QTest::newRow("no match") << "no_match";
+    }
+
+    void aFlightWithoutALogOpensSavesAndReopensWithoutAWord()
+    {
+        QFETCH(QString, log);
+        Desk desk;
+        QVERIFY(desk.openFlight(first(), log));
+        QVERIFY(desk.review.saveAs(path("p.ecor")));
+        Desk other;
+        QVERIFY(other.openProject(path("p.ecor")));
+        QCOMPARE(desk.problems + desk.warnings + other.problems, QStringList());
+        QVERIFY(!other.parser.isParsing());
+    }
+
+    void anOldProjectThatSaysNoMatchOpensWithoutAWord()
+    {
+        QFile project(path("p.ecor"));
+        QVERIFY(project.open(QIODevice::WriteOnly));
+        project.write(
+            QString(R"({"contents":{"flights":[{"files":{"video":"%1","log":"no_match"}}]}})")
+                .arg(first())
+                .toUtf8());
+        project.close();
+        Desk desk;
+        QVERIFY(desk.openProject(path("p.ecor")));
+        QCOMPARE(desk.problems, QStringList());
+    }
+
+    void aFailedSaveIsSaidAndBindsNothing()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first()));
+        QVERIFY(desk.review.save(path("p.ecor")));
+        QVERIFY(!desk.review.save(path("none/p.ecor")));
+        QVERIFY(!desk.review.saveAs(path("none/p.ecor")));
+        QCOMPARE(desk.problems.size(), 2);
+        QVERIFY(desk.problems[0].contains("No such file or directory"));
+        QCOMPARE(desk.review.projectPath(), path("p.ecor"));
+    }
+
+    void nothingOpenIsNotSaved()
+    {
+        Desk desk;
+        QVERIFY(!desk.review.save(path("p.ecor")));
+        QVERIFY(!desk.review.saveAs(path("p.ecor")));
+        QVERIFY(!QFile::exists(path("p.ecor")));
+    }
+
+    void saysWhatIsWrongWithAProject_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<QString>("cause");
+        QTest::newRow("missing") << "none.ecor" << QByteArray()
+                                 << "Failed to load project. Corrupt project file."
+                                 << "does not exist";
+        QTest::newRow("no project")
+            << "p.ecor" << QByteArray("shopping list")
+            << "Project could be opened, but referenced video file not found."
+            << "is no project, or is damaged";
+        QTest::newRow("on a card that is gone")
+            << "p.ecor"
+            << QByteArray(R"({"contents":{"flights":[{"files":{"video":"/none/card/V.MOV"}}]}})")
+            << "Project could be opened, but referenced video file not found."
+            << "If it is on a card or a drive, connect that.";
+    }
+
+    void saysWhatIsWrongWithAProject()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, text);
+        QFETCH(QString, start);
+        QFETCH(QString, cause);
+        if (!text.isEmpty()) {
+            QFile file(path(name));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+        }
+        Desk desk;
+        QSignalSpy failed(&desk.review, &Review::openFailed);
+        QVERIFY(!desk.review.openProject(path(name)));
+        QCOMPARE(failed.size(), 1);
+        QCOMPARE(desk.problems.size(), 1);
+        QVERIFY2(desk.problems[0].startsWith(start), qPrintable(desk.problems[0]));
+        QVERIFY2(desk.problems[0].contains(cause), qPrintable(desk.problems[0]));
+    }
+
+    void namingAFlightCanBeUndone()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first()));
+        desk.review.nameFlight("Bridge", "Pier", 7);
+        QCOMPARE(desk.review.undoText(), QString("edit flight properties"));
+        desk.review.undo();
+        QVERIFY(desk.parser.flightNaming()["undefined"].toBool());
+        desk.review.redo();
+        QCOMPARE(desk.parser.flightNaming()["flightName"].toString(), QString("Pier"));
+    }
+
+    void unsavedWorkOfAnEndedProgramComesBack()
+    {
+        {
+            Desk desk(path("kept"));
+            QVERIFY(desk.openFlight(first(), media("f.log")));
+            QTRY_COMPARE(desk.poiNames(), QStringList("POI 1"));
+            desk.recovery.flush();
+            QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 0); // nothing was done yet
+            desk.review.pois()->create(timeOfMs(500));
+            desk.player.setContrast(1.5);
+            desk.recovery.flush();
+            QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 1);
+            Desk meanwhile(path("kept"));
+            QVERIFY(!meanwhile.recovery.isOffered()); // it is the other one's
+        }
+        Desk desk(path("kept"));
+        QVERIFY(desk.recovery.isOffered());
+        QVERIFY2(
+            desk.recovery.offerText().startsWith("Restore your unsaved review of CORV0001 from "),
+            qPrintable(desk.recovery.offerText()));
+        QVERIFY(desk.recovery.offerText().endsWith(" (2 points of interest)"));
+        QSignalSpy opened(&desk.review, &Review::opened);
+        desk.recovery.restore();
+        QVERIFY(!opened.isEmpty() || opened.wait(20000));
+        QCOMPARE(desk.poiNames(), (QStringList{"New POI", "POI 1"}));
+        QCOMPARE(desk.player.contrast(), 1.5);
+        QVERIFY(!desk.recovery.isOffered());
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 1); // still unsaved
+        QVERIFY(desk.review.save(path("p.ecor")));
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 0);
+    }
+
+    void aFlightClosedUnsavedIsOfferedWhenItIsOpenedAgain()
+    {
+        Desk desk(path("kept"));
+        QVERIFY(desk.openFlight(first()));
+        desk.review.pois()->create(timeOfMs(500));
+        desk.review.close();
+        QVERIFY(!desk.recovery.isOffered());
+        QVERIFY(desk.openFlight(first()));
+        QVERIFY(desk.recovery.isOffered());
+        desk.recovery.later();
+        QVERIFY(!desk.recovery.isOffered());
+        QVERIFY(desk.openFlight(first()));
+        QVERIFY(desk.recovery.isOffered());
+        desk.recovery.discard();
+        QVERIFY(!desk.recovery.isOffered());
+        QVERIFY(desk.openFlight(first()));
+        QVERIFY(!desk.recovery.isOffered());
+    }
+
+    void anUndoneChangeNeedsNoRecovery()
+    {
+        Desk desk(path("kept"));
+        QVERIFY(desk.openFlight(first()));
+        desk.review.pois()->create(timeOfMs(500));
+        desk.recovery.flush();
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 1);
+        desk.review.undo();
+        desk.recovery.flush();
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 0);
+    }
+
+    void whatCannotBeRestoredSaysSoAndCanBeDiscarded_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("damaged") << QByteArray("{\"format\":1,\"vid") << "is damaged";
+        QTest::newRow("empty") << QByteArray() << "is damaged";
+        QTest::newRow("media gone")
+            << QByteArray(R"({"format":1,"video":"/none/V.MOV","poi":[{"time":1}]})")
+            << "Cannot restore your unsaved review of V from ";
+    }
+
+    void whatCannotBeRestoredSaysSoAndCanBeDiscarded()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, said);
+        QVERIFY(QDir().mkpath(path("kept")));
+        QFile file(path("kept/review-x.json"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+        file.close();
+        Desk desk(path("kept"));
+        QVERIFY(desk.recovery.isOffered());
+        QVERIFY2(desk.recovery.offerText().contains(said), qPrintable(desk.recovery.offerText()));
+        QVERIFY(!desk.recovery.isRestorable());
+        desk.recovery.restore();
+        QVERIFY(desk.review.openedVideo().isEmpty());
+        desk.recovery.discard();
+        QVERIFY(!QFile::exists(file.fileName()));
+        QVERIFY(!desk.recovery.isOffered());
+    }
+};
+
+QTEST_MAIN(ReviewTest)
+#include "ReviewTest.moc"

@@ -1,0 +1,282 @@
+#include "ReviewSuite.h"
+
+#include "Support/TestVideo.h"
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace corv::test;
+
+/// What a pilot has done survives: the series, the copies, the slip of a hand and the power cut.
+class KeptWorkTest : public ReviewSuite
+{
+    Q_OBJECT
+
+private slots:
+    void aSeriesSavedInALaterFileComesBackWhole();
+    void theFirstSaveCopiesTheWholeSeriesAndStaysWithIt();
+    void aMissingLogTakesTheEarlierOneWithIt();
+    void aFlightWithoutALogNeedsNoMessage();
+    void aDateAtTheEndOfANameIsNoSuffix();
+    void asksBeforeACompletedNameReplacesAFile();
+    void aMoveOntoItsOwnPlaceChangesNothing();
+    void asksBeforeAMoveReplacesAnother_data();
+    void asksBeforeAMoveReplacesAnother();
+    void aSecondPointAtOneFrameIsRefusedAloud();
+    void deletingCanBeUndone();
+    void theRestoreWindowSaysHowManyItAdds();
+    void closingTheExportWindowAborts();
+    void aFlightWithoutANumberShowsNone();
+    void unsavedWorkIsOfferedAtTheNextStart();
+};
+
+namespace {
+
+/// Three numbered files of a second each, made once.
+QString series()
+{
+    static const QString folder = [] {
+        const QString made = media().newFolder();
+        for (int number = 1; number <= 3; ++number) {
+            TestVideo video;
+            video.frames = 25;
+            video.fps = "25";
+            video.firstNumber = (number - 1) * 25;
+            if (!video.write(QString("%1/CORV000%2.MOV").arg(made).arg(number)))
+                qFatal("cannot make the series");
+        }
+        return made;
+    }();
+    return folder + "/CORV0001.MOV";
+}
+
+QJsonObject filesIn(const QString& project)
+{
+    QFile file(project);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QJsonObject contents =
+        QJsonDocument::fromJson(file.readAll()).object()["contents"].toObject();
+    return contents["flights"].toArray()[0].toObject()["files"].toObject();
+}
+
+} // namespace
+
+void KeptWorkTest::aSeriesSavedInALaterFileComesBackWhole()
+{
+    m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(series())});
+    QTRY_VERIFY(m_ui->hasVideo());
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 500, name: 'Crack', comment: ''}])");
+    m_ui->evaluate("videoPlayer.seekAtFrame(60)");
+    QTRY_VERIFY(player("source").toString().endsWith("CORV0003.MOV"));
+    const QString path = media().newFolder() + "/a.ecor";
+    m_ui->call("doSaveProject", {path});
+    QVERIFY(filesIn(path)["video"].toString().endsWith("CORV0001.MOV"));
+
+    // Opened again where it is, at this position, and in a new program.
+    m_ui->evaluate("timelineContent.setPOIsFromList([])");
+    m_ui->call("loadProject", {path});
+    QTRY_COMPARE(m_ui->poiNames(), QStringList("Crack"));
+    restart();
+    m_ui->call("loadProject", {path});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QTRY_COMPARE(m_ui->evaluate("videoPlayer.duration").toTime(), QTime(0, 0, 3));
+    QCOMPARE(m_ui->poiNames(), QStringList("Crack"));
+}
+
+void KeptWorkTest::theFirstSaveCopiesTheWholeSeriesAndStaysWithIt()
+{
+    m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(series())});
+    QTRY_VERIFY(m_ui->hasVideo());
+    const QString folder = media().newFolder();
+    m_ui->call("doSaveProjectAs", {folder + "/a.ecor"});
+    QVERIFY(!UiFixture::messageBox());
+    QCOMPARE(QDir(folder + "/a_video").entryList(QDir::Files).size(), 3);
+    const QJsonObject files = filesIn(folder + "/a.ecor");
+    QCOMPARE(files["video"].toString(), QString("a_video/CORV0001.MOV"));
+    QVERIFY(m_ui->trigger("saveProjectMenuItem"));
+    QCOMPARE(filesIn(folder + "/a.ecor"), files);
+}
+
+void KeptWorkTest::aMissingLogTakesTheEarlierOneWithIt()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    QTRY_COMPARE(m_ui->poiNames().size(), 2);
+    const QString path = media().newFolder() + "/p.ecor";
+    QFile project(path);
+    QVERIFY(project.open(QIODevice::WriteOnly));
+    project.write(QString(R"({"contents":{"flights":[{"files":{"video":"%1","log":"gone.log"}}]}})")
+                      .arg(media().video())
+                      .toUtf8());
+    project.close();
+    m_ui->call("loadProject", {path});
+    QTRY_VERIFY(UiFixture::messageBox());
+    QVERIFY(UiFixture::messageBox()->text().contains("gone.log does not exist."));
+    QVERIFY(UiFixture::dismissMessageBox());
+    QCOMPARE(m_ui->poiNames(), QStringList());
+    QCOMPARE(m_ui->evaluate("LogParser.source").toString(), QString());
+}
+
+void KeptWorkTest::aFlightWithoutALogNeedsNoMessage()
+{
+    m_ui->call("openFlight", {media().video(), "no_match"});
+    QTRY_VERIFY(m_ui->hasVideo());
+    const QString path = media().newFolder() + "/a.ecor";
+    m_ui->call("doSaveProjectAs", {path});
+    QCOMPARE(filesIn(path)["log"].toString(), QString());
+    restart();
+    m_ui->call("loadProject", {path});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QVERIFY(!UiFixture::messageBox());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void KeptWorkTest::aDateAtTheEndOfANameIsNoSuffix()
+{
+    QVERIFY(m_ui->openVideo());
+    const QString path = media().newFolder() + "/Site 2026.11.21";
+    QVERIFY(m_ui->trigger("saveProjectAsMenuItem"));
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(UiFixture::acceptFile(path));
+    QTRY_VERIFY(QFile::exists(path + ".ecor"));
+    QVERIFY(!QFile::exists(path));
+}
+
+void KeptWorkTest::asksBeforeACompletedNameReplacesAFile()
+{
+    QVERIFY(m_ui->openVideo());
+    const QString path = media().newFolder() + "/Site 2026.11.21";
+    QFile earlier(path + ".ecor");
+    QVERIFY(earlier.open(QIODevice::ReadWrite) && earlier.write("earlier") && earlier.flush());
+    QVERIFY(m_ui->trigger("saveProjectAsMenuItem"));
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(UiFixture::acceptFile(path));
+    QTRY_VERIFY(UiFixture::messageBox());
+    UiFixture::messageBox()->button(QMessageBox::No)->click();
+    QTRY_VERIFY(!UiFixture::messageBox());
+    QVERIFY(earlier.seek(0));
+    QCOMPARE(earlier.readAll(), QByteArray("earlier"));
+}
+
+void KeptWorkTest::aMoveOntoItsOwnPlaceChangesNothing()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->selectPoiAt(0));
+    m_ui->call("startMovingPoi");
+    m_ui->call("confirmMovingPoi");
+    QCOMPARE(m_ui->evaluate("timelineContent.movePOIMode").toBool(), false);
+    QCOMPARE(m_ui->poiNames(), QStringList("New POI"));
+}
+
+void KeptWorkTest::asksBeforeAMoveReplacesAnother_data()
+{
+    QTest::addColumn<bool>("isYes");
+    QTest::addColumn<QStringList>("left");
+    QTest::newRow("yes") << true << QStringList("Moved");
+    QTest::newRow("no") << false << QStringList({"There", "Moved"});
+}
+
+void KeptWorkTest::asksBeforeAMoveReplacesAnother()
+{
+    QFETCH(bool, isYes);
+    QFETCH(QStringList, left);
+    QVERIFY(m_ui->openVideo());
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 0, name: 'There', comment: ''},"
+                   "{time: 2000, name: 'Moved', comment: ''}])");
+    m_ui->evaluate("timelineContent.selectPoi(new Date(0, 0, 1, 0, 0, 2))");
+    m_ui->call("startMovingPoi");
+    QVERIFY(m_ui->evaluate("timelineContent.movePOIMode").toBool());
+    m_ui->call("confirmMovingPoi");
+    QTRY_VERIFY(UiFixture::messageBox());
+    UiFixture::messageBox()->button(isYes ? QMessageBox::Yes : QMessageBox::No)->click();
+    QTRY_COMPARE(m_ui->poiNames(), left);
+    if (isYes) {
+        QVERIFY(m_ui->trigger("undoMenuItem"));
+        QCOMPARE(m_ui->poiNames(), (QStringList{"There", "Moved"}));
+    }
+}
+
+void KeptWorkTest::aSecondPointAtOneFrameIsRefusedAloud()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->call("addNewPoiAtPosition");
+    m_ui->call("addNewPoiAtPosition");
+    QCOMPARE(m_ui->poiNames(), QStringList("New POI"));
+    QTRY_VERIFY(m_ui->item("noticeText")->isVisible());
+    QVERIFY(m_ui->get("noticeText", "text").toString().contains("'New POI'"));
+    QCOMPARE(m_ui->evaluate("timelineContent.getSelectedPOI().name").toString(),
+             QString("New POI"));
+}
+
+void KeptWorkTest::deletingCanBeUndone()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->selectPoiAt(0));
+    m_ui->call("deleteSelectedPoi");
+    QCOMPARE(m_ui->poiNames(), QStringList());
+    QCOMPARE(m_ui->get("undoMenuItem", "text").toString(), QString("&Undo delete 'New POI'"));
+    QVERIFY(m_ui->trigger("undoMenuItem"));
+    QCOMPARE(m_ui->poiNames(), QStringList("New POI"));
+    QVERIFY(m_ui->trigger("redoMenuItem"));
+    QCOMPARE(m_ui->poiNames(), QStringList());
+}
+
+void KeptWorkTest::theRestoreWindowSaysHowManyItAdds()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    QTRY_COMPARE(m_ui->poiNames().size(), 2);
+    QVERIFY(m_ui->trigger("restorePoisMenuItem"));
+    QQuickWindow* window = nullptr;
+    QTRY_VERIFY(window = UiFixture::visibleWindow("Restore POIs from flight data"));
+    QObject* outcome = m_ui->find("restoreOutcome", window);
+    QVERIFY(outcome);
+    QCOMPARE(outcome->property("text").toString(),
+             QString("Deletes nothing. Adds 0 of the log that are missing."));
+    UiFixture::click(m_ui->item("actionFillBlanks", window));
+    QTRY_VERIFY(outcome->property("text").toString().startsWith("Adds 2 of the log, 2 of them"));
+    window->close();
+}
+
+void KeptWorkTest::closingTheExportWindowAborts()
+{
+    m_ui->call("showExportProgress", {2, "Generating document..."});
+    QQuickWindow* window = nullptr;
+    QTRY_VERIFY(window = UiFixture::visibleWindow("Export operation"));
+    QVERIFY(!window->close());
+    QVERIFY(window->isVisible());
+    m_ui->call("documentExportComplete", {false});
+    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+}
+
+void KeptWorkTest::aFlightWithoutANumberShowsNone()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->call("nameFlight", {"Bridge", "North pier", 0});
+    const QString shown = m_ui->get("namingText", "text").toString();
+    QVERIFY(shown.contains("North pier"));
+    QVERIFY(!shown.contains("Num."));
+}
+
+void KeptWorkTest::unsavedWorkIsOfferedAtTheNextStart()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(!m_ui->item("recoveryBar")->isVisible());
+    m_ui->call("addNewPoiAtPosition");
+    // Kept in the background; the end of the program waits for it.
+    QVERIFY(m_ui->reload());
+    QVERIFY(m_ui->item("recoveryBar")->isVisible());
+    QVERIFY(m_ui->get("recoveryText", "text").toString().contains("(1 point of interest)"));
+    QVERIFY(m_ui->click("restoreRecoveryButton"));
+    QTRY_COMPARE(m_ui->poiNames(), QStringList("New POI"));
+    QTRY_VERIFY(!m_ui->item("recoveryBar")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+QTEST_MAIN(KeptWorkTest)
+#include "KeptWorkTest.moc"
