@@ -182,7 +182,7 @@ void VideoPlayer::updateLogData()
 void VideoPlayer::onThermalFrames(const Status& status)
 {
     m_thermalStatus = status;
-    --m_pendingThermalStatuses;
+    m_pendingThermalStatuses = std::max(0, m_pendingThermalStatuses - 1);
     emit thermalStatusChanged();
 }
 
@@ -239,7 +239,8 @@ void VideoPlayer::close()
     setFrameCount(0);
     if (workerHasFiles)
         toWorker([](OpenCvWorker& worker) { worker.closeSources(); });
-    onThermalFrames(noLog());
+    m_thermalStatus = noLog();
+    emit thermalStatusChanged();
     const QTime zero(0, 0, 0, 0);
     if (m_duration > zero) {
         m_duration = zero;
