@@ -11,6 +11,7 @@ MenuBar {
     property Review review: null
     // Whether the work at hand is bound to a project file.
     property bool projectOpen: false
+    property bool curvesOpen: false
     // The functions that the entries run: the main window's, and its windows on demand.
     property var verbs: null
     property var windows: null
@@ -160,6 +161,13 @@ MenuBar {
             text: "&Full screen"
             shortcut: "F11"
             onTriggered: menuBar.verbs.toggleFullScreen()
+        }
+        MenuItem {
+            objectName: "curvesMenuItem"
+            text: menuBar.curvesOpen ? "Hide &curves of the flight log"
+                                     : "Show &curves of the flight log"
+            shortcut: "Ctrl+U"
+            onTriggered: menuBar.verbs.toggleCurves()
         }
         MenuSeparator {}
         MenuItem {

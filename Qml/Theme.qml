@@ -8,6 +8,7 @@ QtObject {
     readonly property color window: "#222222"
     readonly property color videoGround: "#1a1a1a"
     readonly property color timelineGround: "#2b2b2b"
+    readonly property color curvesGround: "#1c1c1c"
     readonly property color strip: "#333333"
     readonly property color panel: "#444444"
     readonly property color flightPanel: "#777777"

@@ -38,6 +38,7 @@ ApplicationWindow {
         player: videoPlayer
         review: review
         projectOpen: currentProject.fileActive
+        curvesOpen: curvesPanel.open
         verbs: mainWindow
         windows: secondaryWindows
     }
@@ -180,6 +181,12 @@ ApplicationWindow {
 
     function toggleFullScreen() {
         visibility = visibility === Window.FullScreen ? Window.Windowed : Window.FullScreen;
+    }
+
+    function toggleCurves() {
+        curvesPanel.open = !curvesPanel.open;
+        if (!curvesPanel.open)
+            refocusMainActions();
     }
 
     function goOpenHelp() {
@@ -532,12 +539,23 @@ ApplicationWindow {
         anchors.bottom: parent.bottom
     }
 
+    CurvesPanel {
+        id: curvesPanel
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: infoTab.top
+        logParser: LogParser
+        msPerPx: timelineContent.msPerPx
+        contentX: timelineContent.contentX
+        cursorPosition: videoPlayer.timePosition
+    }
+
     Rectangle {
         id: timelineTab
         objectName: "timelineTab"
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.bottom: infoTab.top
+        anchors.bottom: curvesPanel.top
         height: 120
         color: Theme.window
 

@@ -10,6 +10,7 @@
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/Shortcut.h"
 #include "Timeline/HeadUpDisplay.h"
+#include "Timeline/LogCurves.h"
 #include "Timeline/TimelineContent.h"
 #include "Video/VideoPlayer.h"
 
@@ -39,6 +40,7 @@ void registerQmlTypes()
     registerSingleton<LogParser>("corv.LogParsing", "LogParser");
     qmlRegisterType<DirectoryParser>("DirectoryParser", 1, 0, "DirectoryParser");
     qmlRegisterType<HeadUpDisplay>("HeadUpDisplay", 1, 0, "HeadUpDisplay");
+    qmlRegisterType<LogCurves>("LogCurves", 1, 0, "LogCurves");
     qmlRegisterType<VideoPlayer>("VideoPlayer", 1, 0, "VideoPlayer");
     qmlRegisterType<PoiReportExporter>("PoiReportExporter", 1, 0, "PoiReportExporter");
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");

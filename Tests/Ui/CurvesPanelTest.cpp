@@ -1,0 +1,86 @@
+#include "ReviewSuite.h"
+
+using namespace corv::test;
+
+/// The curves of the flight log under the timeline.
+class CurvesPanelTest : public ReviewSuite
+{
+    Q_OBJECT
+
+private slots:
+    void isFoldedAtFirst();
+    void unfoldsUnderTheTimeline();
+    void showsWhatIsChosenFromTheLog();
+    void findsByTyping();
+    void isOnTheScaleOfTheTimeline();
+
+private:
+    QQuickItem* panel() const { return m_ui->item("curvesPanel"); }
+    int found() const { return m_ui->evaluate("curvesPanel.found.length").toInt(); }
+};
+
+void CurvesPanelTest::isFoldedAtFirst()
+{
+    QCOMPARE(m_ui->evaluate("curvesPanel.height").toInt(), 0);
+    QCOMPARE(m_ui->evaluate("timelineTab.y + timelineTab.height === infoTab.y").toBool(), true);
+}
+
+void CurvesPanelTest::unfoldsUnderTheTimeline()
+{
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    QTRY_COMPARE(m_ui->evaluate("curvesPanel.height").toInt(), 160);
+    QCOMPARE(m_ui->evaluate("timelineTab.y + timelineTab.height === curvesPanel.y").toBool(), true);
+    QCOMPARE(m_ui->evaluate("curvesPanel.y + curvesPanel.height === infoTab.y").toBool(), true);
+    QCOMPARE(m_ui->get("curvesMenuItem", "text").toString(),
+             QString("Hide &curves of the flight log"));
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    QTRY_COMPARE(m_ui->evaluate("curvesPanel.height").toInt(), 0);
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void CurvesPanelTest::showsWhatIsChosenFromTheLog()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    QCOMPARE(found(), 0);
+    QVERIFY(m_ui->importLog());
+    QTRY_COMPARE(found(), 1);
+    QTRY_VERIFY(m_ui->get("curvesList", "count").toInt() == 1);
+    QQuickItem* row = m_ui->get("curvesList", "currentItem").value<QQuickItem*>();
+    QVERIFY(row);
+    QCOMPARE(row->property("name").toString(), QString("mission_info.flight_number"));
+    UiFixture::click(row);
+    QTRY_COMPARE(m_ui->evaluate("curvesPanel.curves").toStringList(),
+                 QStringList("mission_info.flight_number"));
+    QTRY_VERIFY(row->property("isShown").toBool());
+    m_ui->screenshot("curves");
+    m_ui->call("goCloseProject");
+    QTRY_COMPARE(found(), 0);
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void CurvesPanelTest::findsByTyping()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    QTRY_COMPARE(found(), 1);
+    UiFixture::click(m_ui->item("curvesSearch"));
+    for (const char letter : {'w', ' ', 'x'})
+        QTest::keyClick(m_ui->window(), letter);
+    QTRY_COMPARE(m_ui->get("curvesSearch", "text").toString(), QString("w x"));
+    QCOMPARE(found(), 0);
+}
+
+void CurvesPanelTest::isOnTheScaleOfTheTimeline()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    m_ui->evaluate("timelineContent.contentWidth = 5000");
+    m_ui->evaluate("timelineContent.contentX = 70");
+    QTRY_COMPARE(m_ui->evaluate("curvesPanel.msPerPx === timelineContent.msPerPx").toBool(), true);
+    QCOMPARE(m_ui->evaluate("curvesPanel.contentX").toInt(), 70);
+}
+
+QTEST_MAIN(CurvesPanelTest)
+#include "CurvesPanelTest.moc"
