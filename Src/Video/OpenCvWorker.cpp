@@ -119,7 +119,10 @@ OpenCvWorker::Produced OpenCvWorker::produceFrame(FrameUse use)
     QElapsedTimer reading;
     reading.start();
     Frame frame;
-    if (entry.capture->read(frame) != ReadOutcome::frame) {
+    const ReadOutcome outcome = entry.capture->read(frame);
+    if (outcome == ReadOutcome::end) // fewer came than the container promises
+        return moveToNextFile() ? produceFrame(use) : Produced::end;
+    if (outcome == ReadOutcome::failed) {
         qInfo() << "Read failed in" << entry.file << "for frame " << position << " at ms"
                 << truncateToInt(fileMs);
         endPlayback();
@@ -339,7 +342,7 @@ OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int f
             toBgr(picture, m_effectFrame);
             m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
             result.thermal = m_overlay.reading(m_effectFrame.size(), m_settings);
-            result.frame = cvMatToQVideoFrame(m_effectFrame);
+            result.frame = toVideoFrame(m_effectFrame, picture);
         } else {
             m_overlay.reportRange(m_settings, m_reportRange);
             result.frame = toVideoFrame(picture);

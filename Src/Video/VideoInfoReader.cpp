@@ -1,7 +1,7 @@
 #include "Video/VideoInfoReader.h"
 
 #include "Base/arithmetic.h"
-#include "Video/VideoBackend.h"
+#include "Video/AvFrameSource.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -12,25 +12,24 @@
 namespace corv {
 namespace {
 
-bool openCapture(cv::VideoCapture& capture, const QString& file)
+// As the container states them, by the library that the pairing's arithmetic was made with.
+struct PromisedLength
+{
+    double fps = 0.0;
+    int frames = 0;
+};
+
+bool readPromisedLength(const QString& file, PromisedLength& length)
 {
     const QFileInfo info(file);
     if (!info.isFile())
         return false;
-    return capture.open(info.absoluteFilePath().toStdString(), cv::CAP_FFMPEG);
-}
-
-} // namespace
-
-bool readVideoInfo(const QString& file, VideoInfo& info)
-{
     try {
         cv::VideoCapture capture;
-        if (!openCapture(capture, file))
+        if (!capture.open(info.absoluteFilePath().toStdString(), cv::CAP_FFMPEG))
             return false;
-        info.fps = capture.get(cv::CAP_PROP_FPS);
-        info.promisedFrames = truncateToInt(capture.get(cv::CAP_PROP_FRAME_COUNT));
-        info.durationMs = info.promisedFrames * 1000.0 / info.fps;
+        length.fps = capture.get(cv::CAP_PROP_FPS);
+        length.frames = truncateToInt(capture.get(cv::CAP_PROP_FRAME_COUNT));
         return true;
     } catch (const std::exception& error) {
         qWarning() << "Video back-end:" << error.what();
@@ -38,21 +37,29 @@ bool readVideoInfo(const QString& file, VideoInfo& info)
     }
 }
 
+} // namespace
+
 VideoInfoReader::VideoInfoReader(QString file) : m_file(std::move(file)) {}
 
 int VideoInfoReader::getDurationMs() const
 {
-    VideoInfo info;
-    if (!readVideoInfo(m_file, info)) {
+    PromisedLength length;
+    if (!readPromisedLength(m_file, length)) {
         qWarning() << "Failed to open video file" << m_file;
         return -1;
     }
-    const int fps = truncateToInt(info.fps);
+    const int fps = truncateToInt(length.fps);
     if (fps <= 0) {
         qWarning() << "No whole frame per second in video file" << m_file;
         return -1;
     }
-    return wrappingProduct(info.promisedFrames / fps, 1000);
+    return wrappingProduct(length.frames / fps, 1000);
+}
+
+double VideoInfoReader::exactDurationMs() const
+{
+    const Result<VideoInfo> info = readVideoInfo(m_file, openFileBytes);
+    return info ? info->durationMs : -1.0;
 }
 
 } // namespace corv

@@ -1,13 +1,22 @@
 #include "Video/frameConversion.h"
 
-#include <QAbstractVideoBuffer>
+#include "Video/pictureScaling.h"
+
+#include <QAbstractPlanarVideoBuffer>
 #include <QDebug>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
 #include <memory>
 #include <opencv2/imgproc.hpp>
+#include <stdexcept>
 #include <utility>
 
 namespace corv {
 namespace {
+
+const QString colourSpaceKey = QStringLiteral("corv.colourSpace");
 
 // Lends a converted picture to the video output without a copy. The three planes lie one below the
 // other, so that there are 1.5 times as many rows as in the picture.
@@ -41,6 +50,155 @@ uchar* YUVBuffer::map(MapMode mode, int* numBytes, int* bytesPerLine)
     return m_planes->data;
 }
 
+// Lends the planes of a frame to the video output without a copy. They are for reading alone.
+class FrameBuffer : public QAbstractPlanarVideoBuffer
+{
+public:
+    explicit FrameBuffer(Frame frame)
+        : QAbstractPlanarVideoBuffer(NoHandle), m_frame(std::move(frame))
+    {
+    }
+
+    MapMode mapMode() const override { return m_mapMode; }
+    int map(MapMode mode, int* numBytes, int bytesPerLine[4], uchar* data[4]) override;
+    void unmap() override { m_mapMode = NotMapped; }
+
+private:
+    MapMode m_mapMode = NotMapped;
+    const Frame m_frame;
+};
+
+int FrameBuffer::map(MapMode mode, int* numBytes, int bytesPerLine[4], uchar* data[4])
+{
+    if (mode != ReadOnly || m_mapMode != NotMapped)
+        return 0;
+    // Of the first plane: the planes need not follow each other.
+    if (numBytes)
+        *numBytes = m_frame.planes[0].bytesPerLine * m_frame.size.height();
+    for (size_t plane = 0; plane < m_frame.planes.size(); ++plane) {
+        if (bytesPerLine)
+            bytesPerLine[plane] = m_frame.planes[plane].bytesPerLine;
+        if (data)
+            data[plane] = const_cast<uchar*>(m_frame.planes[plane].data);
+    }
+    m_mapMode = mode;
+    return static_cast<int>(m_frame.planes.size());
+}
+
+PictureView bgrTarget(cv::Mat& bgr)
+{
+    PictureView view;
+    view.format = AV_PIX_FMT_BGR24;
+    view.width = bgr.cols;
+    view.height = bgr.rows;
+    view.data[0] = bgr.data;
+    view.bytesPerLine[0] = static_cast<int>(bgr.step);
+    return view;
+}
+
+// The screen knows both matrices of limited range, and BT.601 of full range.
+Frame::Matrix screenMatrix(const Frame& frame)
+{
+    return frame.matrix == Frame::Matrix::bt601 ? Frame::Matrix::bt601 : Frame::Matrix::bt709;
+}
+
+Frame::Range screenRange(const Frame& frame)
+{
+    return frame.matrix == Frame::Matrix::bt601 ? frame.range : Frame::Range::limited;
+}
+
+QVideoSurfaceFormat::YCbCrColorSpace screenColourSpace(const Frame& frame)
+{
+    if (frame.matrix == Frame::Matrix::bt709)
+        return QVideoSurfaceFormat::YCbCr_BT709;
+    return frame.range == Frame::Range::full ? QVideoSurfaceFormat::YCbCr_JPEG
+                                             : QVideoSurfaceFormat::YCbCr_BT601;
+}
+
+// The rows of the matrix from BGR to YUV, as fixed-point numbers.
+struct PlanarWeights
+{
+    static constexpr int bits = 15;
+
+    std::array<int, 3> y{};
+    std::array<int, 3> u{};
+    std::array<int, 3> v{};
+    int black = 0;
+};
+
+PlanarWeights planarWeights(const Frame& frame)
+{
+    const bool is709 = frame.matrix == Frame::Matrix::bt709;
+    const bool isFull = frame.range == Frame::Range::full;
+    const double red = is709 ? 0.2126 : 0.299;
+    const double blue = is709 ? 0.0722 : 0.114;
+    const std::array<double, 3> luma{blue, 1.0 - red - blue, red};
+    const double lumaPart = isFull ? 1.0 : 219.0 / 255.0;
+    const double chromaPart = isFull ? 1.0 : 224.0 / 255.0;
+    const auto fixed = [](double value) {
+        return static_cast<int>(std::lround(value * (1 << PlanarWeights::bits)));
+    };
+    PlanarWeights weights;
+    weights.black = isFull ? 0 : 16;
+    for (size_t i = 0; i < luma.size(); ++i) {
+        weights.y[i] = fixed(luma[i] * lumaPart);
+        weights.u[i] = fixed(((i == 0 ? 1.0 : 0.0) - luma[i]) * chromaPart / (2.0 - 2.0 * blue));
+        weights.v[i] = fixed(((i == 2 ? 1.0 : 0.0) - luma[i]) * chromaPart / (2.0 - 2.0 * red));
+    }
+    return weights;
+}
+
+void fillLuma(const uchar* bgr, uchar* y, int columns, const PlanarWeights& weights)
+{
+    constexpr int bits = PlanarWeights::bits;
+    const int offset = (weights.black << bits) + (1 << (bits - 1));
+    for (int x = 0; x < columns; ++x, bgr += 3) {
+        const int sum = weights.y[0] * bgr[0] + weights.y[1] * bgr[1] + weights.y[2] * bgr[2];
+        y[x] = static_cast<uchar>(std::min((sum + offset) >> bits, 255));
+    }
+}
+
+// One sample for four pixels.
+void fillChroma(const uchar* above, const uchar* below, uchar* chroma, int columns,
+                const std::array<int, 3>& weights)
+{
+    constexpr int bits = PlanarWeights::bits + 2;
+    constexpr int offset = (128 << bits) + (1 << (bits - 1));
+    for (int x = 0; x < columns; ++x, above += 6, below += 6) {
+        const int sum = weights[0] * (above[0] + above[3] + below[0] + below[3]) +
+                        weights[1] * (above[1] + above[4] + below[1] + below[4]) +
+                        weights[2] * (above[2] + above[5] + below[2] + below[5]);
+        chroma[x] = static_cast<uchar>(std::min((sum + offset) >> bits, 255));
+    }
+}
+
+// By hand: the scaling library takes a short cut here, without rounding, and OpenCV knows BT.601 of
+// limited range alone.
+void fillPlanes(const cv::Mat& bgr, Frame& target)
+{
+    const PlanarWeights weights = planarWeights(target);
+    const auto line = [&target](size_t plane, int row) {
+        const Frame::Plane& lines = target.planes[plane];
+        return const_cast<uchar*>(lines.data) + static_cast<ptrdiff_t>(row) * lines.bytesPerLine;
+    };
+    for (int row = 0; row + 1 < bgr.rows; row += 2) {
+        fillLuma(bgr.ptr(row), line(0, row), bgr.cols, weights);
+        fillLuma(bgr.ptr(row + 1), line(0, row + 1), bgr.cols, weights);
+        const int columns = bgr.cols / 2;
+        fillChroma(bgr.ptr(row), bgr.ptr(row + 1), line(1, row / 2), columns, weights.u);
+        fillChroma(bgr.ptr(row), bgr.ptr(row + 1), line(2, row / 2), columns, weights.v);
+    }
+}
+
+QVideoFrame onScreen(Frame frame)
+{
+    const QVideoSurfaceFormat::YCbCrColorSpace colourSpace = screenColourSpace(frame);
+    const QSize size = frame.size;
+    QVideoFrame result(new FrameBuffer(std::move(frame)), size, QVideoFrame::Format_YUV420P);
+    result.setMetaData(colourSpaceKey, static_cast<int>(colourSpace));
+    return result;
+}
+
 } // namespace
 
 QImage cvMatToQImage(const cv::Mat& picture)
@@ -67,14 +225,27 @@ QImage cvMatToQImage(const cv::Mat& picture)
 
 QVideoFrame cvMatToQVideoFrame(const cv::Mat& picture)
 {
-    // The channels are taken in the wrong order, which exchanges the two chroma planes; calling the
-    // result by the format with the other plane order exchanges them back. The colours on the
-    // screen are right only with both.
-    const int code = picture.type() == CV_8UC4 ? cv::COLOR_RGBA2YUV_YV12 : cv::COLOR_RGB2YUV_YV12;
+    const int code = picture.type() == CV_8UC4 ? cv::COLOR_BGRA2YUV_I420 : cv::COLOR_BGR2YUV_I420;
     auto planes = std::make_unique<cv::Mat>();
     cv::cvtColor(picture, *planes, code);
-    return QVideoFrame(new YUVBuffer(std::move(planes)), QSize(picture.cols, picture.rows),
+    QVideoFrame result(new YUVBuffer(std::move(planes)), QSize(picture.cols, picture.rows),
                        QVideoFrame::Format_YUV420P);
+    result.setMetaData(colourSpaceKey, static_cast<int>(QVideoSurfaceFormat::YCbCr_BT601));
+    return result;
+}
+
+void createForScaling(cv::Mat& bgr, QSize size)
+{
+    // The scaling library writes whole vectors, beyond the end of a line.
+    constexpr int spareBytes = 64;
+    if (size.isEmpty())
+        throw std::runtime_error("a picture without pixels");
+    const int lineBytes = 3 * size.width();
+    if (bgr.rows == size.height() && bgr.cols == size.width() && bgr.type() == CV_8UC3 &&
+        bgr.datalimit - (bgr.ptr(bgr.rows - 1) + lineBytes) >= spareBytes)
+        return;
+    const int spareRows = spareBytes / lineBytes + 1;
+    bgr = cv::Mat(size.height() + spareRows, size.width(), CV_8UC3).rowRange(0, size.height());
 }
 
 Frame bgrFrame(const cv::Mat& picture)
@@ -88,8 +259,12 @@ Frame bgrFrame(const cv::Mat& picture)
     return frame;
 }
 
-cv::Mat bgrView(const Frame& frame, cv::Mat&)
+cv::Mat bgrView(const Frame& frame, cv::Mat& buffer)
 {
+    if (frame.layout != Frame::Layout::bgr) {
+        toBgr(frame, buffer);
+        return buffer;
+    }
     // OpenCV knows no header on constant pixels.
     return cv::Mat(frame.size.height(), frame.size.width(), CV_8UC3,
                    const_cast<uchar*>(frame.planes[0].data),
@@ -98,13 +273,50 @@ cv::Mat bgrView(const Frame& frame, cv::Mat&)
 
 void toBgr(const Frame& frame, cv::Mat& bgr)
 {
-    bgrView(frame, bgr).copyTo(bgr);
+    if (frame.layout == Frame::Layout::bgr) {
+        bgrView(frame, bgr).copyTo(bgr);
+        return;
+    }
+    createForScaling(bgr, frame.size);
+    scalePicture(viewOf(frame), bgrTarget(bgr));
 }
 
 QVideoFrame toVideoFrame(const Frame& frame)
 {
-    cv::Mat buffer;
-    return cvMatToQVideoFrame(bgrView(frame, buffer));
+    if (frame.layout == Frame::Layout::bgr || frame.matrix == Frame::Matrix::bt2020) {
+        cv::Mat buffer;
+        return toVideoFrame(bgrView(frame, buffer), frame);
+    }
+    const bool fits = frame.layout == Frame::Layout::i420 && frame.bitsPerSample == 8 &&
+                      frame.range == screenRange(frame);
+    if (fits)
+        return onScreen(frame);
+    Frame planar = makeI420(frame.size, frame.matrix, screenRange(frame));
+    scalePicture(viewOf(frame), viewOf(planar));
+    return onScreen(std::move(planar));
+}
+
+QVideoFrame toVideoFrame(const cv::Mat& bgr, const Frame& madeFrom)
+{
+    if (screenMatrix(madeFrom) == Frame::Matrix::bt601 &&
+        screenRange(madeFrom) == Frame::Range::limited)
+        return cvMatToQVideoFrame(bgr);
+    if (bgr.type() != CV_8UC3 || bgr.empty())
+        throw std::runtime_error("a picture that is not 8-bit BGR");
+    Frame planar =
+        makeI420(QSize(bgr.cols, bgr.rows), screenMatrix(madeFrom), screenRange(madeFrom));
+    fillPlanes(bgr, planar);
+    return onScreen(std::move(planar));
+}
+
+QVideoSurfaceFormat surfaceFormatOf(const QVideoFrame& frame)
+{
+    QVideoSurfaceFormat format(frame.size(), frame.pixelFormat());
+    const QVariant colourSpace = frame.metaData(colourSpaceKey);
+    if (colourSpace.isValid())
+        format.setYCbCrColorSpace(
+            static_cast<QVideoSurfaceFormat::YCbCrColorSpace>(colourSpace.toInt()));
+    return format;
 }
 
 } // namespace corv

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <cmath>
 
 using namespace corv;
 using namespace corv::test;
@@ -16,6 +17,8 @@ class VideoInfoReaderTest : public QObject
 private slots:
     void wholeSecondsRoundedDown_data();
     void wholeSecondsRoundedDown();
+    void theExactLengthCountsEveryFrame_data();
+    void theExactLengthCountsEveryFrame();
     void whatDoesNotOpen();
     void lessThanAFramePerSecond();
 
@@ -44,6 +47,37 @@ void VideoInfoReaderTest::wholeSecondsRoundedDown()
     QCOMPARE(VideoInfoReader(file).getDurationMs(), durationMs);
 }
 
+void VideoInfoReaderTest::theExactLengthCountsEveryFrame_data()
+{
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<QString>("fps");
+    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<QStringList>("filter");
+    QTest::addColumn<double>("durationMs");
+    const QStringList gap{"-vf", "select='lt(n,20)+gt(n,40)'", "-vsync", "vfr"};
+    QTest::newRow("constant") << 59 << "30"
+                              << "mp4" << QStringList() << 59 * 1000.0 / 30;
+    QTest::newRow("29.97") << 87 << "30000/1001"
+                           << "mov" << QStringList() << 87 * 1001.0 / 30;
+    QTest::newRow("a gap") << 60 << "30"
+                           << "mp4" << gap << 2000.0;
+    QTest::newRow("avi") << 50 << "25"
+                         << "avi" << QStringList() << 2000.0;
+}
+
+void VideoInfoReaderTest::theExactLengthCountsEveryFrame()
+{
+    QFETCH(int, frames);
+    QFETCH(QString, fps);
+    QFETCH(QString, suffix);
+    QFETCH(QStringList, filter);
+    QFETCH(double, durationMs);
+    const QString file = m_folder.filePath(QStringLiteral("exact.") + suffix);
+    QVERIFY(
+        (TestVideo{frames, fps, {160, 120}, 0, QStringList{"-c:v", "mpeg4"} + filter}.write(file)));
+    QVERIFY(std::abs(VideoInfoReader(file).exactDurationMs() - durationMs) < 1.0);
+}
+
 void VideoInfoReaderTest::whatDoesNotOpen()
 {
     QFile text(m_folder.filePath("text.mp4"));
@@ -55,6 +89,8 @@ void VideoInfoReaderTest::whatDoesNotOpen()
     QCOMPARE(VideoInfoReader(text.fileName()).getDurationMs(), -1);
     QCOMPARE(VideoInfoReader(m_folder.path()).getDurationMs(), -1);
     QCOMPARE(VideoInfoReader(missing).getDurationMs(), -1);
+    QCOMPARE(VideoInfoReader(missing).exactDurationMs(), -1.0);
+    QCOMPARE(VideoInfoReader(text.fileName()).exactDurationMs(), -1.0);
     QCOMPARE(log.count("Failed to open video file"), 3);
     QVERIFY(log.contains(QStringLiteral("Failed to open video file \"%1\"").arg(missing)));
 }

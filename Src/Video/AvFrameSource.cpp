@@ -1,0 +1,573 @@
+#include "Video/AvFrameSource.h"
+
+#include "Video/AvDecoder.h"
+#include "Video/AvInput.h"
+#include "Video/FrameIndexTask.h"
+#include "Video/avPicture.h"
+#include "Video/packetIndex.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/display.h>
+}
+
+#include <QFileInfo>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace corv {
+namespace {
+
+// Behind a damaged place, pictures without a fault of their own are shown again after this many,
+// even if the next keyframe is further away.
+constexpr int mostDoubtfulPackets = 300;
+
+// Pictures come at most this many packets after their own.
+constexpr int mostReordered = 32;
+
+// Attempts to come before a keyframe that the container's own search overshot.
+constexpr int mostSeekAttempts = 4;
+
+struct FreeParameters
+{
+    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
+};
+
+Failure withName(const Failure& failure, const QString& file)
+{
+    return {failure.kind, QStringLiteral("%1: %2").arg(file, failure.sentence)};
+}
+
+// What all sources on one file share. Does not change once the first source is open.
+struct AvVideo
+{
+    QString file;
+    ByteSourceFactory openBytes;
+    std::unique_ptr<AVCodecParameters, FreeParameters> parameters;
+    bool packetsAsStored = false;
+    double fps = 0.0;
+    QSize pixelAspectRatio{1, 1};
+    PictureForm form;
+    std::unique_ptr<FrameIndexTask> index;
+
+    Result<std::unique_ptr<AvInput>> openInput() const
+    {
+        Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
+        if (!bytes)
+            return bytes.failure();
+        Result<std::unique_ptr<AvInput>> input =
+            AvInput::open(std::move(*bytes), QFileInfo(file).fileName());
+        if (!input)
+            return withName(input.failure(), file);
+        return input;
+    }
+};
+
+int rotationOf(const AVStream& stream)
+{
+    const uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    if (!matrix)
+        return 0;
+    const double angle = av_display_rotation_get(reinterpret_cast<const int32_t*>(matrix));
+    if (!std::isfinite(angle))
+        return 0;
+    const int clockwise = (static_cast<int>(std::lround(-angle)) % 360 + 360) % 360;
+    return clockwise % 90 == 0 ? clockwise : 0;
+}
+
+QSize aspectRatioOf(const AVRational& ratio, bool isTurned)
+{
+    if (ratio.num <= 0 || ratio.den <= 0)
+        return {1, 1};
+    const QSize lying(ratio.num, ratio.den);
+    return isTurned ? lying.transposed() : lying;
+}
+
+Result<FrameIndex> readStoredIndex(const QString& file, const ByteSourceFactory& openBytes)
+{
+    Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
+    if (!bytes)
+        return bytes.failure();
+    Result<std::unique_ptr<AvInput>> input =
+        AvInput::open(withoutPayload(std::move(*bytes)), QFileInfo(file).fileName());
+    if (!input)
+        return withName(input.failure(), file);
+    (*input)->takePacketsAsStored();
+    FrameIndex index;
+    const Status status = readPacketIndex(**input, index, [](double) { return false; });
+    if (!status)
+        return withName(status.failure(), file);
+    return index;
+}
+
+class AvFrameSource : public FrameSource
+{
+public:
+    explicit AvFrameSource(std::shared_ptr<AvVideo> video) : m_video(std::move(video)) {}
+
+    Status open();
+    bool openClone();
+
+    double fps() const override { return m_video->fps; }
+    int frameCount() const override { return index().frameCount(); }
+    QSize size() const override { return m_video->form.size; }
+    QSize pixelAspectRatio() const override { return m_video->pixelAspectRatio; }
+    bool isConstantRate() const override { return index().isConstantRate(); }
+    double frameTimeMs(int frame) const override { return index().timeMs(frame); }
+    int frameAtTime(double ms) const override { return index().frameAtTime(ms); }
+    int nearestKeyframe(int frame) const override { return index().keyframeAtOrBefore(frame); }
+    bool isIndexReady() const override { return m_video->index->isReady(); }
+    double indexProgress() const override { return m_video->index->progress(); }
+    int nextFrame() const override { return m_next; }
+    bool seekToFrame(int frame) override;
+    ReadOutcome read(Frame& frame) override;
+    Failure failure() const override;
+    std::unique_ptr<FrameSource> clone() const override;
+
+private:
+    enum class Step { picture, end, failed, overshot };
+
+    const FrameIndex& index() const { return m_video->index->wait(); }
+    Status describe();
+    Status decodeFirst();
+    Step decodeNext(int wanted);
+    Step takePicture(int wanted);
+    Step feed(int wanted);
+    ReadOutcome decodeFrom(int start, int wanted);
+    bool startAt(int packet);
+    bool reopen();
+    void forgetPosition();
+    void markDamage(int from, int last);
+    bool isDoubtful(int packet) const;
+    bool isOnTheWay(int frame) const;
+    ReadOutcome readLastGoodBefore(int wanted);
+    ReadOutcome deliver(Frame& frame);
+
+    std::shared_ptr<AvVideo> m_video;
+    std::unique_ptr<AvInput> m_input;
+    std::unique_ptr<AvDecoder> m_decoder;
+    AvPacketPtr m_packet{av_packet_alloc()};
+    AvFramePtr m_picture{av_frame_alloc()};
+    AvFramePtr m_lastGood{av_frame_alloc()}; // seen on the way to the wanted one
+    int m_lastGoodFrame = -1;
+
+    int m_next = 0;         // the frame about to be read
+    bool m_sought = false;  // not by reading on
+    bool m_waiting = false; // m_picture holds the frame about to be read
+    int m_waitingFrame = 0;
+
+    int m_start = 0;      // the packet that decoding began at
+    int m_lastSent = -1;  // the packet that the decoder got last
+    int m_lastShown = -1; // the frame that the decoder gave last
+    bool m_inPlace = false;
+    bool m_isDrained = false;
+    int m_damagedFrom = 0; // packets from here ...
+    int m_damagedTo = 0;   // ... to before this one give no good pictures
+};
+
+Status AvFrameSource::open()
+{
+    Result<std::unique_ptr<AvInput>> input = m_video->openInput();
+    if (!input)
+        return input.failure();
+    m_input = std::move(*input);
+    const Status described = describe();
+    if (!described)
+        return described;
+    FrameIndex stored;
+    if (m_video->packetsAsStored) {
+        Result<FrameIndex> result = readStoredIndex(m_video->file, m_video->openBytes);
+        if (!result)
+            return result.failure();
+        stored = std::move(*result);
+        m_input->takePacketsAsStored();
+    }
+    m_input->rewind();
+    const Status decoded = decodeFirst();
+    if (!decoded)
+        return decoded;
+    const int first = m_inPlace ? AvDecoder::numberOf(*m_picture) : 0;
+    if (m_video->packetsAsStored) {
+        stored.hideFramesBefore(first);
+        stored.finish(m_video->fps);
+        if (stored.frameCount() == 0)
+            return Failure{Failure::Kind::damaged,
+                           QStringLiteral("%1: The video has no picture.").arg(m_video->file)};
+        m_video->index = std::make_unique<FrameIndexTask>(std::move(stored));
+    } else {
+        Result<std::unique_ptr<ByteSource>> bytes = m_video->openBytes(m_video->file);
+        if (!bytes)
+            return bytes.failure();
+        m_video->index = std::make_unique<FrameIndexTask>(
+            std::move(*bytes), QFileInfo(m_video->file).fileName(), first, m_video->fps);
+    }
+    m_waiting = m_inPlace;
+    m_waitingFrame = 0;
+    m_lastShown = 0;
+    return {};
+}
+
+// What the head of the file and its first packets say.
+Status AvFrameSource::describe()
+{
+    const bool probed = m_input->probe();
+    const AVStream& stream = *m_input->video();
+    m_video->fps = m_input->statedFps();
+    const QSize whole(stream.codecpar->width, stream.codecpar->height);
+    m_video->form.rotation = rotationOf(stream);
+    const bool isTurned = m_video->form.rotation % 180 != 0;
+    const QSize even(whole.width() & ~1, whole.height() & ~1);
+    m_video->form.size = isTurned ? even.transposed() : even;
+    m_video->pixelAspectRatio = aspectRatioOf(stream.sample_aspect_ratio, isTurned);
+    if (!probed || even.isEmpty() || m_video->fps <= 0.0)
+        return Failure{
+            Failure::Kind::notRecognised,
+            QStringLiteral("%1: The file holds no video that can be read.").arg(m_video->file)};
+    m_video->parameters.reset(avcodec_parameters_alloc());
+    if (!m_video->parameters ||
+        avcodec_parameters_copy(m_video->parameters.get(), stream.codecpar) < 0)
+        return Failure{Failure::Kind::noMemory, QStringLiteral("There is too little memory.")};
+    m_video->packetsAsStored = m_input->describesPackets();
+    m_decoder = AvDecoder::open(*m_video->parameters);
+    if (m_decoder)
+        return {};
+    return Failure{
+        Failure::Kind::notRecognised,
+        QStringLiteral("%1: There is no decoder for this kind of video.").arg(m_video->file)};
+}
+
+// The first picture that comes; packets are numbered as they come, since there is no index yet. A
+// damaged start is decoded again with it.
+Status AvFrameSource::decodeFirst()
+{
+    m_inPlace = true;
+    for (;;) {
+        const AvDecoder::Outcome outcome = m_decoder->receive(*m_picture);
+        if (outcome == AvDecoder::Outcome::picture) {
+            m_inPlace = m_inPlace && !AvDecoder::isBroken(*m_picture);
+            return {};
+        }
+        if (outcome == AvDecoder::Outcome::end)
+            return Failure{Failure::Kind::damaged,
+                           QStringLiteral("%1: The video has no picture that can be decoded.")
+                               .arg(m_video->file)};
+        if (outcome == AvDecoder::Outcome::damaged) {
+            m_inPlace = false;
+            continue;
+        }
+        const AvInput::Outcome read = m_input->next(*m_packet);
+        if (read == AvInput::Outcome::failed)
+            return failure();
+        if (read == AvInput::Outcome::end) {
+            m_decoder->sendEnd();
+            m_isDrained = true;
+        } else if (!m_decoder->send(*m_packet, ++m_lastSent, false)) {
+            m_inPlace = false;
+        }
+    }
+}
+
+bool AvFrameSource::openClone()
+{
+    return reopen();
+}
+
+bool AvFrameSource::reopen()
+{
+    forgetPosition();
+    Result<std::unique_ptr<AvInput>> input = m_video->openInput();
+    if (!input)
+        return false;
+    m_input = std::move(*input);
+    if (m_video->packetsAsStored)
+        m_input->takePacketsAsStored();
+    else
+        m_input->probe();
+    m_input->rewind();
+    m_decoder = AvDecoder::open(*m_video->parameters);
+    return m_decoder != nullptr;
+}
+
+std::unique_ptr<FrameSource> AvFrameSource::clone() const
+{
+    auto copy = std::make_unique<AvFrameSource>(m_video);
+    if (!copy->openClone())
+        return nullptr;
+    return copy;
+}
+
+Failure AvFrameSource::failure() const
+{
+    return {Failure::Kind::unreadable,
+            QStringLiteral("%1: The file can no longer be read.").arg(m_video->file)};
+}
+
+bool AvFrameSource::seekToFrame(int frame)
+{
+    if (frame != m_next) // else without waiting for the index
+        m_next = std::clamp(frame, 0, frameCount());
+    m_sought = true;
+    return true;
+}
+
+ReadOutcome AvFrameSource::read(Frame& frame)
+{
+    if (m_waiting && m_next == m_waitingFrame)
+        return deliver(frame);
+    m_waiting = false;
+    const FrameIndex& frames = index();
+    if (m_next >= frames.frameCount())
+        return ReadOutcome::end;
+    const ReadOutcome outcome =
+        isOnTheWay(m_next) ? decodeFrom(-1, m_next) : decodeFrom(frames.startFor(m_next), m_next);
+    switch (outcome) {
+    case ReadOutcome::frame:
+        return deliver(frame);
+    case ReadOutcome::failed:
+        return outcome;
+    case ReadOutcome::end:
+        break;
+    }
+    if (m_sought && readLastGoodBefore(m_next) == ReadOutcome::frame)
+        return deliver(frame);
+    m_next = frames.frameCount();
+    return ReadOutcome::end;
+}
+
+ReadOutcome AvFrameSource::deliver(Frame& frame)
+{
+    Frame result = frameOf(*m_picture, m_video->form);
+    m_waiting = false;
+    if (result.isNull())
+        return ReadOutcome::failed;
+    result.index = m_waitingFrame;
+    // The first picture does not wait for the index.
+    result.timeMs = m_waitingFrame == 0 ? 0.0 : index().timeMs(m_waitingFrame);
+    m_next = m_waitingFrame + 1;
+    m_sought = false;
+    frame = std::move(result);
+    return ReadOutcome::frame;
+}
+
+// Whether reading on leads to the frame, with no keyframe to start at in between.
+bool AvFrameSource::isOnTheWay(int frame) const
+{
+    return m_inPlace && frame > m_lastShown && index().startFor(frame) <= m_lastSent + 1;
+}
+
+/// Decodes up to `wanted` or the first good frame behind it, from the packet `start` on or, if that
+/// is below 0, from where the decoder is.
+ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
+{
+    m_lastGoodFrame = -1;
+    int attempt = start;
+    for (int attempts = 0;; ++attempts) {
+        if (attempt >= 0 && !startAt(attempt))
+            return ReadOutcome::failed;
+        switch (decodeNext(wanted)) {
+        case Step::picture:
+            m_waiting = true;
+            return ReadOutcome::frame;
+        case Step::end:
+            return ReadOutcome::end;
+        case Step::failed:
+            forgetPosition();
+            return ReadOutcome::failed;
+        case Step::overshot:
+            // The keyframe before; in the end the start of the file.
+            attempt = attempts < mostSeekAttempts ? index().startBefore(m_start) : 0;
+            break;
+        }
+    }
+}
+
+bool AvFrameSource::startAt(int packet)
+{
+    forgetPosition();
+    m_decoder->flush();
+    const FrameIndex::Packet& at = index().packet(packet);
+    const bool positioned = packet == 0 ? m_input->rewind() : m_input->seek(at.dts, at.position);
+    if (!positioned && !(packet > 0 && m_input->rewind()) && !reopen())
+        return false;
+    m_start = packet;
+    m_lastShown = packet == 0 ? -1 : index().firstFrameFrom(packet) - 1;
+    m_inPlace = true;
+    return true;
+}
+
+void AvFrameSource::forgetPosition()
+{
+    m_inPlace = false;
+    m_isDrained = false;
+    m_start = 0;
+    m_lastSent = -1;
+    m_lastShown = -1;
+    m_damagedFrom = 0;
+    m_damagedTo = 0;
+}
+
+AvFrameSource::Step AvFrameSource::decodeNext(int wanted)
+{
+    for (;;) {
+        switch (m_decoder->receive(*m_picture)) {
+        case AvDecoder::Outcome::picture:
+            if (takePicture(wanted) == Step::picture)
+                return Step::picture;
+            break;
+        case AvDecoder::Outcome::damaged:
+            markDamage(std::max(m_lastSent - m_decoder->delay(), 0), m_lastSent);
+            break;
+        case AvDecoder::Outcome::end:
+            m_inPlace = false;
+            return Step::end;
+        case AvDecoder::Outcome::needsPacket:
+            if (m_isDrained) { // which a decoder without fault does not say
+                m_inPlace = false;
+                return Step::end;
+            }
+            const Step step = feed(wanted);
+            if (step != Step::picture)
+                return step;
+            break;
+        }
+    }
+}
+
+/// Looks at the picture that the decoder gave; `picture` if it is the wanted one or one behind it.
+AvFrameSource::Step AvFrameSource::takePicture(int wanted)
+{
+    const int packet = AvDecoder::numberOf(*m_picture);
+    if (packet < 0 || packet >= index().packetCount())
+        return Step::end;
+    if (AvDecoder::isBroken(*m_picture))
+        markDamage(packet, packet);
+    // Without times in the container the order in which pictures come is all that is known.
+    const int frame = index().hasTimes() ? index().packet(packet).frame : m_lastShown + 1;
+    if (frame <= m_lastShown || isDoubtful(packet))
+        return Step::end;
+    m_lastShown = frame;
+    if (frame < wanted) {
+        av_frame_unref(m_lastGood.get());
+        av_frame_move_ref(m_lastGood.get(), m_picture.get());
+        m_lastGoodFrame = frame;
+        return Step::end;
+    }
+    m_waitingFrame = frame;
+    return Step::picture;
+}
+
+/// Gives the decoder one packet, or the end; `picture` if it may go on.
+AvFrameSource::Step AvFrameSource::feed(int wanted)
+{
+    const FrameIndex& frames = index();
+    for (;;) {
+        const AvInput::Outcome outcome = m_input->next(*m_packet);
+        if (outcome == AvInput::Outcome::failed)
+            return Step::failed;
+        if (outcome == AvInput::Outcome::end) {
+            m_decoder->sendEnd();
+            m_isDrained = true;
+            return Step::picture;
+        }
+        const int packet = frames.find(m_packet->pos, m_packet->dts, m_packet->pts,
+                                       std::max(m_lastSent, m_start - 1) + 1);
+        if (packet < m_start || packet <= m_lastSent)
+            continue; // before the start, or none that the index knows
+        if (m_lastSent < 0 && packet > m_start) {
+            if (m_start > 0)
+                return Step::overshot;
+            if (!frames.packet(packet).isKey) // the start of the file is lost
+                continue;
+            m_lastShown = frames.firstFrameFrom(packet) - 1;
+        }
+        if (m_packet->flags & AV_PKT_FLAG_CORRUPT)
+            markDamage(packet, packet);
+        const int frame = frames.packet(packet).frame;
+        const bool isOnlyPassedBy = frame >= 0 && frame < wanted && frames.hasTimes();
+        if (!m_decoder->send(*m_packet, packet, isOnlyPassedBy))
+            markDamage(std::max(packet - m_decoder->delay(), 0), packet);
+        m_lastSent = packet;
+        return Step::picture;
+    }
+}
+
+// One of the packets `from` to `last` is damaged. Frames that are built on it are no better.
+void AvFrameSource::markDamage(int from, int last)
+{
+    const int end = std::min(last + mostDoubtfulPackets, index().keyPacketAfter(last));
+    const bool follows = m_damagedTo > 0 && from <= m_damagedTo + mostReordered;
+    m_damagedFrom = follows ? std::min(from, m_damagedFrom) : from;
+    m_damagedTo = follows ? std::max(end, m_damagedTo) : end;
+}
+
+bool AvFrameSource::isDoubtful(int packet) const
+{
+    if (packet < m_damagedFrom || m_damagedFrom == m_damagedTo)
+        return false;
+    if (packet < m_damagedTo)
+        return true;
+    // Shown before the keyframe that ends the damage, and built on what precedes it.
+    const FrameIndex& frames = index();
+    return m_damagedTo < frames.packetCount() && frames.packet(m_damagedTo).isKey &&
+           frames.packet(packet).pts < frames.packet(m_damagedTo).pts;
+}
+
+// No good frame follows: the last one before is held.
+ReadOutcome AvFrameSource::readLastGoodBefore(int wanted)
+{
+    int start = index().startFor(wanted);
+    while (m_lastGoodFrame < 0) {
+        if (start == 0)
+            return ReadOutcome::end;
+        start = index().startBefore(start);
+        const ReadOutcome outcome = decodeFrom(start, wanted);
+        if (outcome != ReadOutcome::end)
+            return outcome;
+    }
+    av_frame_unref(m_picture.get());
+    av_frame_move_ref(m_picture.get(), m_lastGood.get());
+    m_waitingFrame = m_lastGoodFrame;
+    return ReadOutcome::frame;
+}
+
+} // namespace
+
+Result<std::unique_ptr<FrameSource>> openAvFrameSource(const QString& file,
+                                                       const ByteSourceFactory& openBytes)
+{
+    auto video = std::make_shared<AvVideo>();
+    video->file = file;
+    video->openBytes = openBytes;
+    auto source = std::make_unique<AvFrameSource>(std::move(video));
+    const Status opened = source->open();
+    if (!opened)
+        return opened.failure();
+    return std::unique_ptr<FrameSource>(std::move(source));
+}
+
+Result<VideoInfo> readVideoInfo(const QString& file, const ByteSourceFactory& openBytes)
+{
+    AvVideo video;
+    video.file = file;
+    video.openBytes = openBytes;
+    Result<std::unique_ptr<AvInput>> input = video.openInput();
+    if (!input)
+        return input.failure();
+    (*input)->probe();
+    VideoInfo info;
+    info.fps = (*input)->statedFps();
+    info.promisedFrames = (*input)->promisedFrames();
+    info.durationMs = (*input)->statedDurationMs();
+    if (!(*input)->describesPackets() && info.durationMs > 0.0)
+        return info;
+    Result<FrameIndex> index = readStoredIndex(file, openBytes);
+    if (!index)
+        return index.failure();
+    index->finish(info.fps > 0.0 ? info.fps : 1.0);
+    info.durationMs = index->timeMs(index->frameCount());
+    return info;
+}
+
+} // namespace corv

@@ -1,0 +1,179 @@
+#include "Video/FrameIndex.h"
+
+#include "Base/arithmetic.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corv {
+namespace {
+
+// A time that differs from that of the stated rate by less is the same, rounded by the container.
+constexpr double roundingMs = 0.6;
+
+// A file can state times whose difference no 64 bits hold.
+double distance(qint64 from, qint64 to)
+{
+    return static_cast<double>(to) - static_cast<double>(from);
+}
+
+} // namespace
+
+void FrameIndex::hideFramesBefore(int packet)
+{
+    const qint64 pts = m_packets[static_cast<size_t>(packet)].pts;
+    if (pts == noTime)
+        return;
+    for (Packet& other : m_packets) {
+        if (other.pts != noTime && other.pts < pts)
+            other.isShown = false;
+    }
+}
+
+void FrameIndex::finish(double fps)
+{
+    m_fps = fps;
+    m_shown.clear();
+    m_keyPackets.clear();
+    m_keyFrames.clear();
+    m_byPosition.resize(m_packets.size());
+    m_hasTimes = true;
+    for (size_t i = 0; i < m_packets.size(); ++i) {
+        const Packet& packet = m_packets[i];
+        m_byPosition[i] = static_cast<int>(i);
+        if (packet.isKey)
+            m_keyPackets.push_back(static_cast<int>(i));
+        if (!packet.isShown)
+            continue;
+        m_shown.push_back(static_cast<int>(i));
+        m_hasTimes = m_hasTimes && packet.pts != noTime;
+    }
+    std::stable_sort(m_byPosition.begin(), m_byPosition.end(),
+                     [this](int a, int b) { return packet(a).position < packet(b).position; });
+    // Without times the order of decoding is the only one known.
+    if (m_hasTimes) {
+        std::stable_sort(m_shown.begin(), m_shown.end(),
+                         [this](int a, int b) { return packet(a).pts < packet(b).pts; });
+    }
+    for (size_t i = 0; i < m_shown.size(); ++i) {
+        Packet& shown = m_packets[static_cast<size_t>(m_shown[i])];
+        shown.frame = static_cast<int>(i);
+        if (shown.isKey)
+            m_keyFrames.push_back(static_cast<int>(i));
+    }
+    m_isConstantRate = true;
+    for (int i = 0; m_hasTimes && i < frameCount() && m_isConstantRate; ++i)
+        m_isConstantRate = std::abs(trueTimeMs(i) - i * 1000.0 / m_fps) < roundingMs;
+    if (m_shown.empty())
+        return;
+    if (m_isConstantRate) {
+        m_endMs = frameCount() * 1000.0 / m_fps;
+        return;
+    }
+    const double lastMs = static_cast<double>(packet(m_shown.back()).duration) * m_unitMs;
+    m_endMs = trueTimeMs(frameCount() - 1) + (lastMs > 0.0 ? lastMs : 1000.0 / m_fps);
+}
+
+double FrameIndex::trueTimeMs(int frame) const
+{
+    return distance(packet(m_shown.front()).pts, packet(packetOfFrame(frame)).pts) * m_unitMs;
+}
+
+double FrameIndex::timeMs(int frame) const
+{
+    if (frame <= 0)
+        return 0.0;
+    if (frame >= frameCount())
+        return m_endMs;
+    return m_isConstantRate ? frame * 1000.0 / m_fps : trueTimeMs(frame);
+}
+
+int FrameIndex::frameAtTime(double ms) const
+{
+    const int last = frameCount() - 1;
+    if (m_isConstantRate)
+        return std::min(truncateToInt(std::max(ms, 0.0) * m_fps / 1000.0 + 0.5), last);
+    // The last frame that is not later.
+    int low = 0;
+    int high = last;
+    while (low < high) {
+        const int middle = high - (high - low) / 2;
+        if (timeMs(middle) <= ms)
+            low = middle;
+        else
+            high = middle - 1;
+    }
+    if (low == last)
+        return last;
+    // Times come rounded down to whole milliseconds, and each frame reaches half a frame back.
+    const double gap = timeMs(low + 1) - timeMs(low);
+    const double reach = std::min(gap, 1000.0 / m_fps) / 2.0;
+    return timeMs(low + 1) - ms <= reach ? low + 1 : low;
+}
+
+int FrameIndex::startFor(int frame) const
+{
+    if (!m_hasTimes) // frames are known by counting them alone
+        return 0;
+    const int wanted = packetOfFrame(frame);
+    const qint64 pts = packet(wanted).pts;
+    auto key = std::upper_bound(m_keyPackets.begin(), m_keyPackets.end(), wanted);
+    while (key != m_keyPackets.begin()) {
+        --key;
+        if (packet(*key).pts <= pts)
+            return *key;
+    }
+    return 0;
+}
+
+int FrameIndex::startBefore(int packet) const
+{
+    const auto key = std::lower_bound(m_keyPackets.begin(), m_keyPackets.end(), packet);
+    return key == m_keyPackets.begin() ? 0 : *(key - 1);
+}
+
+int FrameIndex::firstFrameFrom(int packet) const
+{
+    const auto before = [this](int a, int wanted) {
+        return m_hasTimes ? this->packet(a).pts < this->packet(wanted).pts : a < wanted;
+    };
+    const auto first = std::lower_bound(m_shown.begin(), m_shown.end(), packet, before);
+    return static_cast<int>(first - m_shown.begin());
+}
+
+int FrameIndex::keyframeAtOrBefore(int frame) const
+{
+    const auto key = std::upper_bound(m_keyFrames.begin(), m_keyFrames.end(), frame);
+    return key == m_keyFrames.begin() ? 0 : *(key - 1);
+}
+
+int FrameIndex::keyPacketAfter(int packet) const
+{
+    const auto key = std::upper_bound(m_keyPackets.begin(), m_keyPackets.end(), packet);
+    return key == m_keyPackets.end() ? packetCount() : *key;
+}
+
+bool FrameIndex::agrees(const Packet& packet, qint64 position, qint64 dts, qint64 pts) const
+{
+    if (packet.position >= 0 && position >= 0)
+        return packet.position == position;
+    return packet.pts == pts && packet.dts == dts;
+}
+
+int FrameIndex::find(qint64 position, qint64 dts, qint64 pts, int expected) const
+{
+    if (expected >= 0 && expected < packetCount() && agrees(packet(expected), position, dts, pts))
+        return expected;
+    const auto before = [this](int a, qint64 wanted) { return packet(a).position < wanted; };
+    auto at = std::lower_bound(m_byPosition.begin(), m_byPosition.end(), position, before);
+    int found = -1;
+    for (; at != m_byPosition.end() && packet(*at).position == position; ++at) {
+        if (packet(*at).dts == dts && packet(*at).pts == pts)
+            return *at;
+        if (found < 0 && position >= 0)
+            found = *at;
+    }
+    return found;
+}
+
+} // namespace corv

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QtGlobal>
+#include <limits>
+#include <vector>
+
+namespace corv {
+
+/// The packets of a video in the order in which they are decoded, and its frames in the order in
+/// which they are shown: numbers, true times, keyframes. Knows neither the file nor a decoder.
+///
+/// Built once by adding packets and calling finish(); afterwards it does not change and may be
+/// shared by threads.
+class FrameIndex
+{
+public:
+    static constexpr qint64 noTime = std::numeric_limits<qint64>::min();
+
+    /// One packet as the container describes it. Times are in units of the time base.
+    struct Packet
+    {
+        qint64 pts = noTime;  ///< when its frame is shown; noTime if the container does not say
+        qint64 dts = noTime;  ///< when it is decoded
+        qint64 position = -1; ///< in the file, in bytes; -1 if unknown
+        qint64 duration = 0;  ///< of its frame; 0 if unknown
+        bool isKey = false;   ///< decoding can start here
+        bool isShown = true;  ///< false: decoded for the sake of others only (edit lists)
+        int frame = -1;       ///< number of its frame, or -1; set by finish()
+    };
+
+    /// `unitMs` is the length of one unit of the time base in milliseconds.
+    void setUnit(double unitMs) { m_unitMs = unitMs; }
+
+    void add(const Packet& packet) { m_packets.push_back(packet); }
+
+    /// Frames that are shown before `packet` does not arrive: a decoder that starts in the middle
+    /// of a group of pictures leaves them out. Before finish().
+    void hideFramesBefore(int packet);
+
+    /// Numbers the frames. `fps` is the rate that the file states: where every time agrees with it
+    /// but for rounding, the rate is constant and gives the times.
+    void finish(double fps);
+
+    int frameCount() const { return static_cast<int>(m_shown.size()); }
+    int packetCount() const { return static_cast<int>(m_packets.size()); }
+    const Packet& packet(int number) const { return m_packets[static_cast<size_t>(number)]; }
+
+    /// The packet of a frame. 0 to frameCount() - 1.
+    int packetOfFrame(int frame) const { return m_shown[static_cast<size_t>(frame)]; }
+
+    /// Whether the container states when each frame is shown. Otherwise frames are numbered in the
+    /// order of decoding.
+    bool hasTimes() const { return m_hasTimes; }
+
+    bool isConstantRate() const { return m_isConstantRate; }
+
+    /// Milliseconds from the first frame; for frameCount() and above the end of the last frame.
+    double timeMs(int frame) const;
+
+    /// The frame that is nearest to a time where frames are no further apart than the rate says,
+    /// and the one that is held where they are.
+    int frameAtTime(double ms) const;
+
+    /// The packet to start decoding at, for a frame: the last keyframe that precedes it both in the
+    /// file and on the screen.
+    int startFor(int frame) const;
+
+    /// The last keyframe packet before `packet`; 0 if there is none.
+    int startBefore(int packet) const;
+
+    /// The first frame that is shown when decoding starts at `packet`: earlier ones are built on
+    /// what precedes it.
+    int firstFrameFrom(int packet) const;
+
+    /// The last frame at or before `frame` that decoding can start at; the first if there is none.
+    int keyframeAtOrBefore(int frame) const;
+
+    /// The first keyframe packet after `packet`; packetCount() if there is none.
+    int keyPacketAfter(int packet) const;
+
+    /// The packet at this position in the file with this decoding time, searched from `expected`
+    /// on; where several are at one position, the one with that time. -1 if there is none.
+    int find(qint64 position, qint64 dts, qint64 pts, int expected) const;
+
+private:
+    double trueTimeMs(int frame) const;
+    bool agrees(const Packet& packet, qint64 position, qint64 dts, qint64 pts) const;
+
+    double m_unitMs = 1.0;
+    double m_fps = 0.0;
+    bool m_hasTimes = true;
+    bool m_isConstantRate = false;
+    double m_endMs = 0.0;
+    std::vector<Packet> m_packets;
+    std::vector<int> m_shown;      // packets in the order of their times
+    std::vector<int> m_keyPackets; // ascending
+    std::vector<int> m_keyFrames;  // ascending
+    std::vector<int> m_byPosition; // packets in the order of their positions
+};
+
+} // namespace corv

@@ -1,0 +1,157 @@
+#include "Video/FrameIndex.h"
+
+#include <QTest>
+
+using corv::FrameIndex;
+
+namespace {
+
+constexpr double fps = 25.0;
+
+/// Times in milliseconds, in the order of decoding; the packets of `keys` are keyframes.
+FrameIndex indexOf(const std::vector<int>& timesMs, const std::vector<int>& keys)
+{
+    FrameIndex index;
+    for (size_t i = 0; i < timesMs.size(); ++i) {
+        FrameIndex::Packet packet;
+        packet.pts = timesMs[i];
+        packet.dts = static_cast<qint64>(i) * 40 - 80;
+        packet.position = static_cast<qint64>(i) * 100;
+        packet.duration = 40;
+        for (const int key : keys)
+            packet.isKey = packet.isKey || key == static_cast<int>(i);
+        index.add(packet);
+    }
+    index.finish(fps);
+    return index;
+}
+
+} // namespace
+
+class FrameIndexTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void framesAreNumberedByTime();
+    void roundedTimesAreThoseOfTheRate();
+    void timesOfAVariableRateAreTheTrueOnes();
+    void aTimeIsThatOfTheNearestFrameOrOfTheHeldOne_data();
+    void aTimeIsThatOfTheNearestFrameOrOfTheHeldOne();
+    void decodingStartsBeforeTheFrameInBothOrders();
+    void hiddenFramesHaveNoNumber();
+    void packetsAreFoundByPosition();
+    void hugeTimesDoNoHarm();
+};
+
+void FrameIndexTest::framesAreNumberedByTime()
+{
+    const FrameIndex index = indexOf({0, 120, 40, 80}, {0});
+    QCOMPARE(index.frameCount(), 4);
+    QCOMPARE(index.packet(1).frame, 3);
+    QCOMPARE(index.packetOfFrame(1), 2);
+    QVERIFY(index.isConstantRate());
+    QCOMPARE(index.timeMs(4), 160.0);
+}
+
+void FrameIndexTest::roundedTimesAreThoseOfTheRate()
+{
+    FrameIndex index;
+    for (const int ms : {0, 33, 67, 100}) {
+        FrameIndex::Packet packet;
+        packet.pts = ms;
+        index.add(packet);
+    }
+    index.finish(30.0);
+    QVERIFY(index.isConstantRate());
+    QCOMPARE(index.timeMs(2), 2 * 1000.0 / 30.0);
+}
+
+void FrameIndexTest::timesOfAVariableRateAreTheTrueOnes()
+{
+    const FrameIndex index = indexOf({1000, 1040, 1080, 1400}, {0});
+    QVERIFY(!index.isConstantRate());
+    QCOMPARE(index.timeMs(-1), 0.0);
+    QCOMPARE(index.timeMs(3), 400.0);
+    QCOMPARE(index.timeMs(4), 440.0);
+    QCOMPARE(index.timeMs(9), 440.0);
+}
+
+void FrameIndexTest::aTimeIsThatOfTheNearestFrameOrOfTheHeldOne_data()
+{
+    QTest::addColumn<double>("ms");
+    QTest::addColumn<int>("frame");
+    QTest::newRow("before the start") << -50.0 << 0;
+    QTest::newRow("a little before a frame") << 39.0 << 1;
+    QTest::newRow("after a frame") << 55.0 << 1;
+    QTest::newRow("in the gap") << 300.0 << 2;
+    QTest::newRow("at the end of the gap") << 385.0 << 3;
+    QTest::newRow("behind the end") << 1e12 << 3;
+}
+
+void FrameIndexTest::aTimeIsThatOfTheNearestFrameOrOfTheHeldOne()
+{
+    QFETCH(double, ms);
+    QFETCH(int, frame);
+    QCOMPARE(indexOf({0, 40, 80, 400}, {0}).frameAtTime(ms), frame);
+}
+
+// The second keyframe is decoded before two frames that are shown before it.
+void FrameIndexTest::decodingStartsBeforeTheFrameInBothOrders()
+{
+    const FrameIndex index = indexOf({0, 40, 160, 80, 120, 200}, {0, 2});
+    QCOMPARE(index.startFor(1), 0);
+    QCOMPARE(index.startFor(3), 0);
+    QCOMPARE(index.startFor(4), 2);
+    QCOMPARE(index.startFor(5), 2);
+    QCOMPARE(index.firstFrameFrom(2), 4);
+    QCOMPARE(index.startBefore(2), 0);
+    QCOMPARE(index.keyframeAtOrBefore(5), 4);
+    QCOMPARE(index.keyframeAtOrBefore(3), 0);
+    QCOMPARE(index.keyPacketAfter(0), 2);
+    QCOMPARE(index.keyPacketAfter(2), index.packetCount());
+}
+
+void FrameIndexTest::hiddenFramesHaveNoNumber()
+{
+    FrameIndex index;
+    for (const int ms : {80, 0, 40, 120}) {
+        FrameIndex::Packet packet;
+        packet.pts = ms;
+        index.add(packet);
+    }
+    index.hideFramesBefore(0);
+    index.finish(fps);
+    QCOMPARE(index.frameCount(), 2);
+    QCOMPARE(index.packet(1).frame, -1);
+    QCOMPARE(index.timeMs(1), 40.0);
+}
+
+void FrameIndexTest::packetsAreFoundByPosition()
+{
+    const FrameIndex index = indexOf({0, 120, 40, 80}, {0});
+    QCOMPARE(index.find(200, 0, 40, 2), 2);
+    QCOMPARE(index.find(300, 40, 80, 0), 3);
+    QCOMPARE(index.find(150, 0, 0, 0), -1);
+}
+
+void FrameIndexTest::hugeTimesDoNoHarm()
+{
+    FrameIndex index;
+    for (const qint64 pts :
+         {std::numeric_limits<qint64>::max(), std::numeric_limits<qint64>::min() + 1, qint64(0)}) {
+        FrameIndex::Packet packet;
+        packet.pts = pts;
+        index.add(packet);
+    }
+    index.finish(fps);
+    QCOMPARE(index.frameCount(), 3);
+    QVERIFY(index.timeMs(3) >= index.timeMs(2));
+    QCOMPARE(index.frameAtTime(-1.0), 0);
+    FrameIndex none;
+    none.finish(fps);
+    QCOMPARE(none.frameCount(), 0);
+}
+
+QTEST_APPLESS_MAIN(FrameIndexTest)
+#include "FrameIndexTest.moc"

@@ -1,0 +1,167 @@
+#include "Support/MediaDoubles.h"
+#include "Support/TestVideo.h"
+#include "Video/AvFrameSource.h"
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace corv;
+using namespace corv::test;
+
+namespace {
+
+constexpr int frames = 200;
+
+/// The number of frames that can be read from here on, and what ends them.
+int readOn(FrameSource& source, ReadOutcome& outcome)
+{
+    Frame frame;
+    int count = 0;
+    while ((outcome = source.read(frame)) == ReadOutcome::frame)
+        ++count;
+    return count;
+}
+
+} // namespace
+
+/// The reader on a medium: how much it reads, and what happens when the medium is lost.
+class FrameMediumTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void openingReadsNoPictures_data();
+    void openingReadsNoPictures();
+    void aLostMediumEndsInAFailure();
+    void aMediumLostBeforeTheIndexIsReadGivesWhatItHad();
+    void aFileCutWhileOpenEndsInAFailure();
+    void failuresHaveTheirReason();
+
+private:
+    Result<std::unique_ptr<FrameSource>> open(const QString& file) const
+    {
+        return openAvFrameSource(file, Medium::factory(m_medium));
+    }
+
+    QTemporaryDir m_folder;
+    QString m_mov; // 92 MB of uncompressed pictures
+    QString m_stream;
+    std::shared_ptr<Medium> m_medium;
+};
+
+void FrameMediumTest::initTestCase()
+{
+    m_mov = m_folder.filePath("raw.mov");
+    QVERIFY((TestVideo{
+        frames, "25", {160, 120}, 0, {"-s", "640x360", "-c:v", "rawvideo", "-pix_fmt", "uyvy422"}}
+                 .write(m_mov)));
+    m_stream = m_folder.filePath("jpeg.avi");
+    QVERIFY((TestVideo{
+        frames, "25", {320, 240}, 0, {"-c:v", "mjpeg", "-q:v", "2", "-pix_fmt", "yuvj420p"}}
+                 .write(m_stream)));
+}
+
+void FrameMediumTest::openingReadsNoPictures_data()
+{
+    QTest::addColumn<bool>("headFirst");
+    QTest::newRow("head at the end") << false;
+    QTest::newRow("head first") << true;
+}
+
+void FrameMediumTest::openingReadsNoPictures()
+{
+    QFETCH(bool, headFirst);
+    QString file = m_mov;
+    if (headFirst) {
+        file = m_folder.filePath("first.mov");
+        QVERIFY(runFfmpeg({"-i", m_mov, "-c", "copy", "-movflags", "+faststart", file}));
+    }
+    m_medium = std::make_shared<Medium>();
+    const auto source = open(file);
+    QVERIFY(source);
+    QCOMPARE((*source)->frameCount(), frames);
+    Frame frame;
+    QVERIFY((*source)->read(frame) == ReadOutcome::frame);
+    QVERIFY(m_medium->bytesRead < QFileInfo(file).size() / 4);
+    const Result<VideoInfo> info = readVideoInfo(file, Medium::factory(m_medium));
+    QVERIFY(info);
+    QCOMPARE(info->promisedFrames, frames);
+    QCOMPARE(info->durationMs, frames * 40.0);
+}
+
+void FrameMediumTest::aLostMediumEndsInAFailure()
+{
+    m_medium = std::make_shared<Medium>();
+    const auto opened = open(m_mov);
+    QVERIFY(opened);
+    FrameSource& source = **opened;
+    Frame frame;
+    QVERIFY(source.read(frame) == ReadOutcome::frame);
+    m_medium->lostFrom = QFileInfo(m_mov).size() / 2;
+    ReadOutcome outcome = ReadOutcome::frame;
+    const int before = readOn(source, outcome);
+    QVERIFY(outcome == ReadOutcome::failed);
+    QVERIFY(before > 0 && before < frames / 2 + 1);
+    QCOMPARE(source.failure().kind, Failure::Kind::unreadable);
+    // The failure stays as long as the medium is gone, and the other half is still there.
+    QVERIFY(source.seekToFrame(frames - 1));
+    QVERIFY(source.read(frame) == ReadOutcome::failed);
+    QVERIFY(source.seekToFrame(3));
+    QVERIFY(source.read(frame) == ReadOutcome::frame);
+    QCOMPARE(frame.index, 3);
+    m_medium->lostFrom = 0;
+    QVERIFY(!source.clone());
+    QVERIFY(source.seekToFrame(frames - 1));
+    QVERIFY(source.read(frame) == ReadOutcome::failed);
+    m_medium->lostFrom = -1;
+    QVERIFY(source.seekToFrame(frames - 1));
+    QVERIFY(source.read(frame) == ReadOutcome::frame);
+    QCOMPARE(frame.index, frames - 1);
+}
+
+void FrameMediumTest::aMediumLostBeforeTheIndexIsReadGivesWhatItHad()
+{
+    m_medium = std::make_shared<Medium>();
+    m_medium->lostFrom = QFileInfo(m_stream).size() * 3 / 4;
+    const auto source = open(m_stream);
+    QVERIFY(source);
+    QTRY_VERIFY((*source)->isIndexReady());
+    QVERIFY((*source)->frameCount() >= 1);
+    QVERIFY((*source)->frameCount() < frames);
+    ReadOutcome outcome = ReadOutcome::frame;
+    QVERIFY(readOn(**source, outcome) >= 1);
+    QVERIFY(outcome != ReadOutcome::frame);
+}
+
+void FrameMediumTest::aFileCutWhileOpenEndsInAFailure()
+{
+    const QString file = m_folder.filePath("cut.mov");
+    QVERIFY(QFile::copy(m_mov, file));
+    m_medium = std::make_shared<Medium>();
+    const auto source = open(file);
+    QVERIFY(source);
+    QVERIFY(QFile::resize(file, QFileInfo(file).size() / 2));
+    ReadOutcome outcome = ReadOutcome::frame;
+    QVERIFY(readOn(**source, outcome) > 0);
+    QVERIFY(outcome == ReadOutcome::failed);
+}
+
+void FrameMediumTest::failuresHaveTheirReason()
+{
+    m_medium = std::make_shared<Medium>();
+    QCOMPARE(open(m_folder.filePath("none.mp4")).failure().kind, Failure::Kind::notFound);
+    QCOMPARE(open(m_folder.path()).failure().kind, Failure::Kind::notAFile);
+    QFile text(m_folder.filePath("text.mp4"));
+    QVERIFY(text.open(QIODevice::WriteOnly));
+    text.write("no video");
+    text.close();
+    const auto refused = open(text.fileName());
+    QCOMPARE(refused.failure().kind, Failure::Kind::notRecognised);
+    QVERIFY(refused.failure().sentence.contains(text.fileName()));
+    QVERIFY(refused.failure().sentence.endsWith('.'));
+}
+
+QTEST_GUILESS_MAIN(FrameMediumTest)
+#include "FrameMediumTest.moc"

@@ -1,0 +1,321 @@
+#include "Support/TestVideo.h"
+#include "openVideo.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <opencv2/imgproc.hpp>
+#include <random>
+#include <vector>
+
+using namespace corv;
+using namespace corv::test;
+
+namespace {
+
+constexpr double toleranceMs = 1.0;
+
+QByteArray outputOf(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    process.closeWriteChannel();
+    process.waitForFinished(-1);
+    return process.readAllStandardOutput();
+}
+
+/// The times of all frames in milliseconds from the first, by another program.
+std::vector<double> trueTimes(const QString& file)
+{
+    const QByteArray listed =
+        outputOf("ffprobe", {"-v", "error", "-select_streams", "v:0", "-show_entries",
+                             "frame=best_effort_timestamp_time", "-of", "csv=p=0", file});
+    std::vector<double> times;
+    for (const QByteArray& line : listed.split('\n')) {
+        const QByteArray value = line.split(',').first();
+        if (!value.isEmpty())
+            times.push_back(value.toDouble() * 1000.0);
+    }
+    for (size_t i = times.size(); i-- > 0;)
+        times[i] -= times[0];
+    return times;
+}
+
+/// The numbers in the pixels of all frames, decoded by another program.
+std::vector<int> trueNumbers(const QString& file, QSize size)
+{
+    const QByteArray pixels =
+        outputOf("ffmpeg", {"-v", "quiet", "-nostdin", "-noautorotate", "-i", file, "-map", "0:v:0",
+                            "-vsync", "passthrough", "-f", "rawvideo", "-pix_fmt", "gray", "-"});
+    std::vector<int> numbers;
+    const int bytes = size.width() * size.height();
+    for (int at = 0; at + bytes <= pixels.size(); at += bytes) {
+        const cv::Mat picture(size.height(), size.width(), CV_8UC1,
+                              const_cast<char*>(pixels.constData() + at));
+        numbers.push_back(readFrameNumber(picture));
+    }
+    return numbers;
+}
+
+cv::Mat turnedBack(const cv::Mat& picture, int rotation)
+{
+    cv::Mat upright = picture;
+    if (rotation == 90)
+        cv::rotate(picture, upright, cv::ROTATE_90_COUNTERCLOCKWISE);
+    else if (rotation == 180)
+        cv::rotate(picture, upright, cv::ROTATE_180);
+    else if (rotation == 270)
+        cv::rotate(picture, upright, cv::ROTATE_90_CLOCKWISE);
+    return upright;
+}
+
+} // namespace
+
+/// Every frame of every kind of file that a camera or a program may write is the one asked for, by
+/// number and by time, forwards, backwards and in any order. Judged by the numbers in the pixels
+/// and by the times that another program reads from the file.
+class FrameTruthTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void everyFrameIsTheOneAskedFor_data();
+    void everyFrameIsTheOneAskedFor();
+    void damageCostsNoMoreThanItself_data();
+    void damageCostsNoMoreThanItself();
+
+private:
+    struct Shown
+    {
+        int index;
+        int number;
+        double timeMs;
+    };
+
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+    bool make(const QString& file, const QStringList& options, const QStringList& encoding);
+    Shown shownAt(FrameSource& source, int rotation = 0);
+
+    QTemporaryDir m_folder;
+    QString m_lossless; // 90 frames, 30 a second: what the files are made from
+    QSize m_size{160, 120};
+};
+
+void FrameTruthTest::initTestCase()
+{
+    m_lossless = path("lossless.mkv");
+    QVERIFY((TestVideo{90, "30", m_size, 0, {"-c:v", "ffv1"}}.write(m_lossless)));
+}
+
+bool FrameTruthTest::make(const QString& file, const QStringList& options,
+                          const QStringList& encoding)
+{
+    return runFfmpeg(QStringList{"-i", m_lossless} + options + encoding + QStringList{file});
+}
+
+FrameTruthTest::Shown FrameTruthTest::shownAt(FrameSource& source, int rotation)
+{
+    Frame frame;
+    if (source.read(frame) != ReadOutcome::frame)
+        return {-1, -1, 0.0};
+    cv::Mat picture;
+    toBgr(frame, picture);
+    return {frame.index, readFrameNumber(turnedBack(picture, rotation)), frame.timeMs};
+}
+
+void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("encoding");
+    QTest::addColumn<QStringList>("remux"); // a second pass that copies the packets
+    QTest::addColumn<int>("rotation");
+    const QStringList h264{"-c:v", "libx264", "-preset", "ultrafast", "-bf",
+                           "3",    "-g",      "24",      "-pix_fmt",  "yuv420p"};
+    const QStringList hevc{"-c:v", "libx265", "-preset", "ultrafast", "-pix_fmt", "yuv420p"};
+    const QStringList vfr{"-vsync", "vfr"};
+    const auto row = [](const char* title, const QString& name, const QStringList& options,
+                        const QStringList& encoding, const QStringList& remux = {},
+                        int rotation = 0) {
+        QTest::newRow(title) << name << options << encoding << remux << rotation;
+    };
+    row("b-frames", "a.mp4", {}, h264);
+    row("long group", "a.mov", {}, h264 + QStringList{"-g", "250"});
+    row("open groups", "a.mp4", {}, h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
+    row("hevc", "a.mp4", {}, hevc + QStringList{"-x265-params", "log-level=none:keyint=24"});
+    row("hevc, open groups", "a.mp4", {},
+        hevc + QStringList{"-x265-params", "log-level=none:keyint=24:open-gop=1:bframes=4"});
+    row("mpeg-4 with b-frames", "a.mp4", {}, {"-c:v", "mpeg4", "-bf", "2", "-q:v", "3"});
+    row("motion jpeg", "a.avi", {}, {"-c:v", "mjpeg", "-q:v", "3", "-pix_fmt", "yuvj420p"});
+    row("mpeg-4 in avi", "a.avi", {}, {"-c:v", "mpeg4", "-q:v", "3"});
+    row("vp9", "a.mp4", {},
+        {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-cpu-used", "8", "-pix_fmt", "yuv420p"});
+    row("prores 4:2:2 of 10 bits", "a.mov", {}, {"-c:v", "prores_ks"});
+    row("h264 4:2:2 of 10 bits", "a.mp4", {}, h264 + QStringList{"-pix_fmt", "yuv422p10le"});
+    row("fields", "a.mp4", {},
+        h264 + QStringList{"-flags", "+ildct+ilme", "-x264-params", "tff=1"});
+    row("29.97", "a.mp4", {"-vf", "setpts=N*1001/30000/TB", "-r", "30000/1001"}, h264);
+    row("every tenth dropped", "a.mp4", {"-vf", "select='mod(n,10)'"}, vfr + h264);
+    row("a gap of 40", "a.mp4", {"-vf", "select='lt(n,20)+gt(n,60)'"}, vfr + h264);
+    row("the rate halves", "a.mp4", {"-vf", "select='lt(n,40)+mod(n,2)'"}, vfr + h264);
+    row("jitter", "a.mp4", {"-vf", "settb=1/90000,setpts='N*3000+random(1)*2000'"},
+        QStringList{"-vsync", "passthrough", "-enc_time_base", "1/90000"} + h264);
+    row("frames twice", "a.mp4", {"-r", "45"}, h264);
+    row("fragments", "a.mp4", {}, h264 + QStringList{"-movflags", "frag_keyframe+empty_moov"});
+    row("head first", "a.mp4", {}, h264 + QStringList{"-movflags", "+faststart"});
+    row("negative offsets", "a.mp4", {}, h264 + QStringList{"-movflags", "negative_cts_offsets"});
+    row("an edit list", "a.mp4", {}, h264, {"-ss", "0.9"});
+    row("an empty edit", "a.mp4", {}, h264, {"-itsoffset", "1.5"});
+    row("a later start", "a.mov", {}, h264 + QStringList{"-output_ts_offset", "3.7"});
+    row("3gp", "a.3gp", {}, h264);
+    row("matroska", "a.mkv", {}, h264);
+    row("transport stream", "a.ts", {}, h264);
+    row("transport stream, dropped frames", "a.ts", {"-vf", "select='mod(n,10)'"}, vfr + h264);
+    // 33 bits of 90 kHz end 1.5 s into the file.
+    row("transport stream with a wrap", "a.ts", {},
+        h264 + QStringList{"-output_ts_offset", "95440.8"});
+    row("one frame", "a.mp4", {"-frames:v", "1"}, h264);
+    row("turned by 90", "a.mp4", {}, h264, {"-metadata:s:v:0", "rotate=270"}, 90);
+    row("turned by 180", "a.mp4", {}, h264, {"-metadata:s:v:0", "rotate=180"}, 180);
+    row("turned by 270", "a.mp4", {}, h264, {"-metadata:s:v:0", "rotate=90"}, 270);
+}
+
+void FrameTruthTest::everyFrameIsTheOneAskedFor()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, encoding);
+    QFETCH(QStringList, remux);
+    QFETCH(int, rotation);
+    QString file = path(name);
+    QVERIFY(make(file, options, encoding));
+    if (!remux.isEmpty()) {
+        const QString second = path(QStringLiteral("second-") + name);
+        QVERIFY(runFfmpeg(remux.first() == "-metadata:s:v:0"
+                              ? QStringList{"-i", file, "-c", "copy"} + remux + QStringList{second}
+                              : remux + QStringList{"-i", file, "-c", "copy", second}));
+        file = second;
+    }
+    const std::vector<double> times = trueTimes(file);
+    const std::vector<int> numbers = trueNumbers(file, m_size);
+    const int frames = static_cast<int>(numbers.size());
+    QVERIFY(frames > 0);
+    QCOMPARE(times.size(), numbers.size());
+
+    const auto source = openVideo(file);
+    QVERIFY(source);
+    QCOMPARE(source->frameCount(), frames);
+    QCOMPARE(source->size(), rotation % 180 ? m_size.transposed() : m_size);
+    for (int i = 0; i < frames; ++i) {
+        QVERIFY(std::abs(source->frameTimeMs(i) - times[static_cast<size_t>(i)]) <= toleranceMs);
+        const Shown shown = shownAt(*source, rotation);
+        QCOMPARE(shown.index, i);
+        QCOMPARE(shown.number, numbers[static_cast<size_t>(i)]);
+    }
+    Frame none;
+    QVERIFY(source->read(none) == ReadOutcome::end);
+
+    const auto other = source->clone();
+    QVERIFY(other);
+    for (int i = frames - 1; i >= 0; i -= 1 + i % 3) {
+        QVERIFY(other->seekToFrame(i));
+        QCOMPARE(shownAt(*other, rotation).number, numbers[static_cast<size_t>(i)]);
+    }
+    std::vector<int> order(numbers.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::shuffle(order.begin(), order.end(), std::mt19937(7));
+    order.resize(std::min<size_t>(order.size(), 40));
+    for (const int i : order) {
+        QVERIFY(source->seekToTime(std::floor(times[static_cast<size_t>(i)])));
+        const Shown shown = shownAt(*source, rotation);
+        QCOMPARE(shown.index, i);
+        QCOMPARE(shown.number, numbers[static_cast<size_t>(i)]);
+    }
+}
+
+void FrameTruthTest::damageCostsNoMoreThanItself_data()
+{
+    QTest::addColumn<QString>("codec");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<double>("from"); // part of the file
+    QTest::addColumn<int>("bytes");
+    QTest::newRow("h264, a few bytes") << "h264"
+                                       << "a.mp4" << 0.5 << 12;
+    QTest::newRow("h264, many bytes") << "h264"
+                                      << "a.mp4" << 0.4 << 20000;
+    QTest::newRow("h264, at the end") << "h264"
+                                      << "a.mp4" << 0.97 << 100000;
+    QTest::newRow("h264, at the start") << "h264"
+                                        << "a.mp4" << 0.05 << 4000;
+    QTest::newRow("motion jpeg") << "mjpeg"
+                                 << "a.avi" << 0.5 << 300;
+    QTest::newRow("hevc") << "hevc"
+                          << "a.mp4" << 0.5 << 2000;
+    QTest::newRow("transport stream") << "h264"
+                                      << "a.ts" << 0.5 << 3000;
+}
+
+void FrameTruthTest::damageCostsNoMoreThanItself()
+{
+    QFETCH(QString, codec);
+    QFETCH(QString, name);
+    QFETCH(double, from);
+    QFETCH(int, bytes);
+    const QString file = path(name);
+    QStringList encoding{"-c:v", "mjpeg", "-q:v", "3", "-pix_fmt", "yuvj420p"};
+    if (codec == "h264")
+        encoding = QStringList{"-c:v", "libx264", "-preset", "ultrafast", "-bf",
+                               "3",    "-g",      "15",      "-pix_fmt",  "yuv420p"};
+    else if (codec == "hevc")
+        encoding = QStringList{"-c:v",     "libx265", "-preset",      "ultrafast",
+                               "-pix_fmt", "yuv420p", "-x265-params", "log-level=none:keyint=15"};
+    if (name.endsWith(".mp4"))
+        encoding += QStringList{"-movflags", "+faststart"};
+    QVERIFY(make(file, {}, encoding));
+    QFile damaged(file);
+    QVERIFY(damaged.open(QIODevice::ReadWrite));
+    const auto start = static_cast<qint64>(static_cast<double>(damaged.size()) * from);
+    const qint64 count = std::min<qint64>(bytes, damaged.size() - start);
+    QByteArray noise(static_cast<int>(count), '\0');
+    std::mt19937 random(3);
+    for (char& byte : noise)
+        byte = static_cast<char>(random());
+    QVERIFY(damaged.seek(start) && damaged.write(noise) == noise.size());
+    damaged.close();
+
+    // A transport stream loses packets whole: the frames that are left are numbered, and have
+    // their own times.
+    const auto numberOf = [&name](const Shown& shown) {
+        return name.endsWith(".ts") ? static_cast<int>(std::lround(shown.timeMs * 30.0 / 1000.0))
+                                    : shown.index;
+    };
+    const auto source = openVideo(file);
+    QVERIFY(source);
+    const int frames = source->frameCount();
+    QVERIFY(frames > 30);
+    int good = 0;
+    int before = -1;
+    for (Shown shown = shownAt(*source); shown.index >= 0; shown = shownAt(*source)) {
+        QVERIFY(shown.index > before);
+        QCOMPARE(shown.number, numberOf(shown));
+        before = shown.index;
+        ++good;
+    }
+    QCOMPARE(source->nextFrame(), frames);
+    QVERIFY(good >= 30);
+    // Every place answers a seek: itself, the next good frame, or the last one of all.
+    for (int wanted = 0; wanted < frames; wanted += 7) {
+        QVERIFY(source->seekToFrame(wanted));
+        const Shown shown = shownAt(*source);
+        QVERIFY(shown.index >= wanted || shown.index == before);
+        QCOMPARE(shown.number, numberOf(shown));
+    }
+}
+
+QTEST_GUILESS_MAIN(FrameTruthTest)
+#include "FrameTruthTest.moc"
