@@ -25,6 +25,10 @@ namespace {
 constexpr int rounds = 7;
 constexpr int framesInFile = 300;
 
+// Of a card.
+constexpr double bytesPerSecond = 40e6;
+constexpr double seekMs = 5.0;
+
 /// A seek to the keyframe and decoding up to the frame, as any program does it with the libraries.
 class Peer
 {
@@ -172,8 +176,6 @@ QString longVideo(const Report& report)
 
 void opening(Report& report)
 {
-    constexpr double bytesPerSecond = 40e6;
-    constexpr double seekMs = 5.0;
     const QString file = longVideo(report);
     const ByteSourceFactory card = [](const QString& name) -> Result<std::unique_ptr<ByteSource>> {
         auto bytes = openFileBytes(name);

@@ -4,7 +4,6 @@
 #include "Log/LogDecoder.h"
 #include "Log/LogFile.h"
 #include "Threads/pool.h"
-#include "Video/VideoBackend.h"
 #include "Video/VideoInfoReader.h"
 
 #include <QDebug>
@@ -103,10 +102,11 @@ private:
 VideoLength FlightFilesMatcher::readVideoLength(const QString& path)
 {
     VideoLength length;
-    length.coarseMs = VideoInfoReader(path).getDurationMs();
-    VideoInfo info;
-    if (length.coarseMs >= 0 && readVideoInfo(path, info) && info.durationMs > 0)
-        length.exactMs = qRound64(info.durationMs);
+    const VideoInfoReader reader(path);
+    length.coarseMs = reader.getDurationMs();
+    const double exactMs = length.coarseMs >= 0 ? reader.exactDurationMs() : -1.0;
+    if (exactMs > 0.0)
+        length.exactMs = qRound64(exactMs);
     return length;
 }
 

@@ -112,12 +112,4 @@ void CachedFrameSource::trim()
     }
 }
 
-std::unique_ptr<FrameSource> CachedFrameSource::clone() const
-{
-    auto source = m_source->clone();
-    if (!source)
-        return nullptr;
-    return std::make_unique<CachedFrameSource>(std::move(source), m_limitBytes);
-}
-
 } // namespace corv

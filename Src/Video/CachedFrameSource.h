@@ -33,8 +33,8 @@ public:
     ReadOutcome read(Frame& frame) override;
     Failure failure() const override { return m_source->failure(); }
 
-    /// Without the frames that this one keeps.
-    std::unique_ptr<FrameSource> clone() const override;
+    /// Of the source below: it keeps no frames.
+    std::unique_ptr<FrameSource> clone() const override { return m_source->clone(); }
 
     /// Memory of the frames that are kept.
     qint64 keptBytes() const { return m_keptBytes; }

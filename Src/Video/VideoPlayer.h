@@ -364,6 +364,7 @@ private:
     void requestBurstIfStarved();
     void startSeek(std::function<void(OpenCvWorker&)> job);
     void startSurface();
+    void takeColoursOf(const QVideoFrame& frame);
     void sendSettings();
     using Notify = void (VideoPlayer::*)();
     void setOverlayValue(double& field, double value, Notify changed);

@@ -2,6 +2,7 @@
 
 #include "Base/videoTime.h"
 #include "Video/OpenCvWorker.h"
+#include "Video/frameConversion.h"
 
 #include <algorithm>
 #include <cmath>
@@ -272,10 +273,23 @@ double VideoPlayer::nowMs() const
     return static_cast<double>(m_steadyClock.nsecsElapsed()) / 1e6;
 }
 
+// A surface learns matrix and range when it is started, and the files of a flight may differ.
+void VideoPlayer::takeColoursOf(const QVideoFrame& frame)
+{
+    const auto colours = surfaceFormatOf(frame).yCbCrColorSpace();
+    if (colours == m_surfaceFormat.yCbCrColorSpace())
+        return;
+    m_surfaceFormat.setYCbCrColorSpace(colours);
+    startSurface();
+}
+
 // The frame is a copy: what the signals lead to may change the queue.
 bool VideoPlayer::show(const PlayerFrame& frame)
 {
-    if (!m_surface || !m_surface->present(frame.frame))
+    if (!m_surface)
+        return false;
+    takeColoursOf(frame.frame);
+    if (!m_surface->present(frame.frame))
         return false;
     if (m_thermal != frame.thermal) {
         m_thermal = frame.thermal;

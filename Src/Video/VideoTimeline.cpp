@@ -1,6 +1,7 @@
 #include "Video/VideoTimeline.h"
 
 #include "Base/arithmetic.h"
+#include "Video/CachedFrameSource.h"
 
 #include <QDebug>
 #include <algorithm>
@@ -25,7 +26,8 @@ QStringList VideoTimeline::open(const QStringList& files, const VideoBackend& ba
             failed << file;
             continue;
         }
-        std::unique_ptr<FrameSource> capture = std::move(*opened);
+        auto capture = std::make_unique<CachedFrameSource>(
+            std::move(*opened), CachedFrameSource::defaultLimitBytes / files.size());
         VideoFileEntry entry;
         entry.file = file;
         entry.frameCount = capture->frameCount();

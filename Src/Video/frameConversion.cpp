@@ -312,10 +312,11 @@ QVideoFrame toVideoFrame(const cv::Mat& bgr, const Frame& madeFrom)
 QVideoSurfaceFormat surfaceFormatOf(const QVideoFrame& frame)
 {
     QVideoSurfaceFormat format(frame.size(), frame.pixelFormat());
-    const QVariant colourSpace = frame.metaData(colourSpaceKey);
-    if (colourSpace.isValid())
-        format.setYCbCrColorSpace(
-            static_cast<QVideoSurfaceFormat::YCbCrColorSpace>(colourSpace.toInt()));
+    const auto colourSpace =
+        static_cast<QVideoSurfaceFormat::YCbCrColorSpace>(frame.metaData(colourSpaceKey).toInt());
+    // What surfaces take where nothing is said.
+    if (colourSpace != QVideoSurfaceFormat::YCbCr_BT601)
+        format.setYCbCrColorSpace(colourSpace);
     return format;
 }
 

@@ -26,6 +26,8 @@ class VideoPlaybackTest : public QObject
     Q_OBJECT
 
 private slots:
+    void theSurfaceKnowsTheColoursOfTheVideo_data();
+    void theSurfaceKnowsTheColoursOfTheVideo();
     void init() { m_folder = std::make_unique<QTemporaryDir>(); }
     void everySeekShowsItsFrame_data();
     void everySeekShowsItsFrame();
@@ -265,6 +267,38 @@ void VideoPlaybackTest::oddSidesAreCropped()
     QVERIFY(exported);
     QCOMPARE(exported->frameCount(), 20);
     QCOMPARE(exported->size(), QSize(320, 240));
+}
+
+void VideoPlaybackTest::theSurfaceKnowsTheColoursOfTheVideo_data()
+{
+    QTest::addColumn<QStringList>("encoding");
+    QTest::addColumn<QVideoSurfaceFormat::YCbCrColorSpace>("colours");
+    const QStringList h264{"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt"};
+    QTest::newRow("not stated") << h264 + QStringList{"yuv420p"}
+                                << QVideoSurfaceFormat::YCbCr_Undefined;
+    QTest::newRow("bt.709") << h264 + QStringList{"yuv420p", "-colorspace", "bt709"}
+                            << QVideoSurfaceFormat::YCbCr_BT709;
+    QTest::newRow("full range") << h264 + QStringList{"yuvj420p"}
+                                << QVideoSurfaceFormat::YCbCr_JPEG;
+}
+
+void VideoPlaybackTest::theSurfaceKnowsTheColoursOfTheVideo()
+{
+    QFETCH(QStringList, encoding);
+    QFETCH(QVideoSurfaceFormat::YCbCrColorSpace, colours);
+    QVERIFY((TestVideo{12, "25", {320, 240}, 0, encoding}.write(path("colours.mp4"))));
+    VideoPlayer player;
+    RecordingSurface surface;
+    player.setVideoSurface(&surface);
+    player.setSource(path("colours.mp4"));
+    QTRY_COMPARE(surface.lastNumber(), 0);
+    QCOMPARE(surface.surfaceFormat().yCbCrColorSpace(), colours);
+    // An effect does not change them.
+    player.setContrast(0.9);
+    QVERIFY(player.seekAtFrame(5));
+    QTRY_COMPARE(surface.lastNumber(), 5);
+    QCOMPARE(surface.surfaceFormat().yCbCrColorSpace(), colours);
+    QVERIFY(surface.isActive());
 }
 
 QTEST_MAIN(VideoPlaybackTest)
