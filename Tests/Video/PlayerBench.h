@@ -78,17 +78,20 @@ private:
     std::shared_ptr<Answer> m_answer;
 };
 
-/// Whether two frames hold the same pixels.
+/// Whether two 4:2:0 frames hold the same pixels; what is behind the end of a line is none.
 inline bool samePicture(QVideoFrame a, QVideoFrame b)
 {
     if (a.size() != b.size() || !a.map(QAbstractVideoBuffer::ReadOnly))
         return false;
-    bool same = b.map(QAbstractVideoBuffer::ReadOnly);
-    if (same) {
-        same = a.mappedBytes() == b.mappedBytes() &&
-               std::memcmp(a.bits(), b.bits(), static_cast<size_t>(a.mappedBytes())) == 0;
-        b.unmap();
+    bool same = b.map(QAbstractVideoBuffer::ReadOnly) && a.planeCount() == b.planeCount();
+    for (int plane = 0; same && plane < a.planeCount(); ++plane) {
+        const int divisor = plane == 0 ? 1 : 2;
+        for (int row = 0; same && row < a.height() / divisor; ++row)
+            same = std::memcmp(a.bits(plane) + row * a.bytesPerLine(plane),
+                               b.bits(plane) + row * b.bytesPerLine(plane),
+                               static_cast<size_t>(a.width() / divisor)) == 0;
     }
+    b.unmap();
     a.unmap();
     return same;
 }
