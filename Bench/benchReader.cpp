@@ -132,13 +132,12 @@ void stepsBack(Report& report)
 {
     const QString file = cameraVideo(report, {1920, 1080}, 10, 250, 25);
     constexpr int steps = 40;
-    CachedFrameSource cached(openReader(file));
     Peer peer(file);
     std::vector<double> inside;
     std::vector<double> group;
     for (int round = 0; round < rounds; ++round) {
+        CachedFrameSource cached(openReader(file));
         // The first step back lands on the last frame of the first group.
-        show(cached, framesInFile - 1);
         show(cached, 250);
         const double ours = secondsOf([&] { show(cached, 249); });
         const double bareGroup = secondsOf([&] { peer.seekTo(249); });

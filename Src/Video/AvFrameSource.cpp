@@ -90,8 +90,8 @@ Result<FrameIndex> readStoredIndex(const QString& file, const ByteSourceFactory&
     Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
     if (!bytes)
         return bytes.failure();
-    Result<std::unique_ptr<AvInput>> input =
-        AvInput::open(withoutPayload(std::move(*bytes)), QFileInfo(file).fileName());
+    Result<std::unique_ptr<AvInput>> input = AvInput::open(
+        withoutPayload(std::move(*bytes)), QFileInfo(file).fileName(), AvInput::smallBufferBytes);
     if (!input)
         return withName(input.failure(), file);
     (*input)->takePacketsAsStored();

@@ -16,9 +16,6 @@ extern "C" {
 namespace corv {
 namespace {
 
-// One seek of a card takes as long as reading this many bytes.
-constexpr int bufferBytes = 256 * 1024;
-
 // That many packets that cannot be read in a row are no damage but the end.
 constexpr int hopelessErrors = 500;
 
@@ -50,7 +47,7 @@ void AvDelete::operator()(AVPacket* packet) const
 }
 
 Result<std::unique_ptr<AvInput>> AvInput::open(std::unique_ptr<ByteSource> bytes,
-                                               const QString& name)
+                                               const QString& name, int bufferBytes)
 {
     // What libav would say goes to no log of ours.
     static const bool quiet = (av_log_set_level(AV_LOG_QUIET), true);
@@ -58,7 +55,7 @@ Result<std::unique_ptr<AvInput>> AvInput::open(std::unique_ptr<ByteSource> bytes
     std::unique_ptr<AvInput> input(new AvInput);
     input->m_io.bytes = std::move(bytes);
     AVFormatContext* context = avformat_alloc_context();
-    auto* buffer = static_cast<unsigned char*>(av_malloc(bufferBytes));
+    auto* buffer = static_cast<unsigned char*>(av_malloc(static_cast<size_t>(bufferBytes)));
     AVIOContext* io = buffer ? avio_alloc_context(buffer, bufferBytes, 0, &input->m_io, readBytes,
                                                   nullptr, seekBytes)
                              : nullptr;

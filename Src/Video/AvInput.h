@@ -29,10 +29,16 @@ using AvPacketPtr = std::unique_ptr<AVPacket, AvDelete>;
 class AvInput
 {
 public:
+    /// One seek of a card takes as long as reading this many bytes.
+    static constexpr int cardBufferBytes = 256 * 1024;
+
+    /// Smaller than most packets, which are then not copied through the buffer.
+    static constexpr int smallBufferBytes = 16 * 1024;
+
     /// `name` serves the recognition of the container by its suffix. Fails if the bytes are no
     /// container with a video.
-    static Result<std::unique_ptr<AvInput>> open(std::unique_ptr<ByteSource> bytes,
-                                                 const QString& name);
+    static Result<std::unique_ptr<AvInput>>
+    open(std::unique_ptr<ByteSource> bytes, const QString& name, int bufferBytes = cardBufferBytes);
     ~AvInput();
     AvInput(const AvInput&) = delete;
     AvInput& operator=(const AvInput&) = delete;

@@ -45,7 +45,7 @@ private slots:
 void CachedFrameSourceTest::everyOrderGivesTheSameFrames()
 {
     const auto file = std::make_shared<FakeFile>();
-    file->framesPerGroup = 10;
+    file->keyframeSpacing = 10;
     const auto source = cached(file, 5);
     for (const int index : {0, 1, 2, 7, 6, 5, 4, 3, 29, 28, 0, 15, 14, 13, 12, 11, 10, 9, 8})
         QCOMPARE(numberAt(*source, index), index);
@@ -71,7 +71,7 @@ void CachedFrameSourceTest::aStepBackInsideDecodesNothing()
 void CachedFrameSourceTest::stepsBackOverAGroupDecodeItOnce()
 {
     const auto file = std::make_shared<FakeFile>();
-    file->framesPerGroup = 20;
+    file->keyframeSpacing = 20;
     const auto source = cached(file, 30);
     QCOMPARE(numberAt(*source, 20), 20);
     const int decoded = file->reads;

@@ -22,7 +22,6 @@ struct FakeFile
     double fps = 100.0;
     QSize size{320, 240};
     int firstNumber = 0;
-    int framesPerGroup = 1; ///< every so many frames a keyframe
     bool canBeCloned = true;
     std::vector<double> timesMs;           ///< of the frames and of the end; empty: constant rate
     int keyframeSpacing = 1;               ///< frames from one keyframe to the next
@@ -67,11 +66,6 @@ public:
         while (index > 0 && frameTimeMs(index) >= ms + 1.0)
             --index;
         return index;
-    }
-
-    int nearestKeyframe(int index) const override
-    {
-        return index / m_file->framesPerGroup * m_file->framesPerGroup;
     }
 
     bool seekToFrame(int index) override
