@@ -24,7 +24,7 @@ struct FlightClock
 int logTimeOfVideo(int videoMs, const FlightClock& clock);
 
 /// The place, in milliseconds, of a log event on the video's axis. This way leaves the user's
-/// correction out, so that marks stay where they are while the correction is being tried.
+/// correction out, so that events stay where they are while the correction is being tried.
 int videoTimeOfLog(quint32 logMs, const FlightClock& clock);
 
 } // namespace corv

@@ -16,8 +16,8 @@ struct PostedJob
 
 // What Qt queues. It holds nothing but the address of the job, which serves as the token of the
 // hand-over as well. Qt moves it into memory allocated after the job was released, so it releases
-// once more there; it may be dropped unrun, on either thread, when the target dies; and whoever
-// posted may be the last to let go of it, so a job that has run is destroyed right there.
+// once more there; it may be dropped unrun, on either thread, when the target dies; and the
+// posting thread may be the last to release it, so a job that has run is destroyed right there.
 class QueuedJob
 {
 public:
