@@ -114,7 +114,7 @@ Item {
             if (chosen === "")
                 return;
             // The dialog asked about the name that was typed, not about the completed one.
-            var path = Paths.withSuffix(chosen, selectedNameFilter);
+            var path = Paths.withSuffix(chosen, selectedNameFilter, nameFilters);
             player.saveFrame(player.timePosition, path,
                              selectExisting == false && path === chosen);
             fileDialogs.imageFolderChosen(folder);

@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import QtQml 2.2
 import QtQuick.Controls 1.4
 import corv.LogParsing 1.0
 import Review 1.0
@@ -12,6 +13,7 @@ MenuBar {
     // Whether the work at hand is bound to a project file.
     property bool projectOpen: false
     property bool curvesOpen: false
+    property RecentProjects recentProjects: null
     // The functions that the entries run: the main window's, and its windows on demand.
     property var verbs: null
     property var windows: null
@@ -56,6 +58,31 @@ MenuBar {
             text: "&Open project..."
             shortcut: "Ctrl+O"
             onTriggered: menuBar.verbs.goOpenProject("file_menu")
+        }
+        Menu {
+            id: recentMenu
+            objectName: "recentProjectsMenu"
+            title: "&Recent projects"
+            enabled: menuBar.recentProjects !== null && menuBar.recentProjects.projects.length > 0
+            onAboutToShow: menuBar.recentProjects.refresh()
+
+            Instantiator {
+                model: menuBar.recentProjects !== null ? menuBar.recentProjects.projects : []
+                onObjectAdded: recentMenu.insertItem(index, object)
+                onObjectRemoved: recentMenu.removeItem(object)
+
+                MenuItem {
+                    text: modelData.name
+                    enabled: modelData.exists
+                    onTriggered: menuBar.verbs.openRecentProject(modelData.path)
+                }
+            }
+            MenuSeparator {}
+            MenuItem {
+                objectName: "clearRecentProjectsMenuItem"
+                text: "&Clear this list"
+                onTriggered: menuBar.recentProjects.clear()
+            }
         }
         MenuItem {
             objectName: "saveProjectMenuItem"

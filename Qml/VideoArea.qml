@@ -11,15 +11,28 @@ Rectangle {
 
     default property alias content: top.data
     property VideoPlayer player: null
+    // The projects opened last: maps of "path", "name" and "exists".
+    property var recentProjects: []
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
 
     signal openProjectClicked()
     signal openVideoClicked()
     signal browseRemovableDevicesClicked()
+    signal recentProjectChosen(string path)
 
     color: Theme.videoGround
 
+    RecentProjectsList {
+        objectName: "recentProjectsList"
+        anchors { top: welcome.bottom; topMargin: 8; horizontalCenter: parent.horizontalCenter }
+        width: Math.min(360, parent.width - 8)
+        visible: welcome.visible && projects.length > 0
+        projects: videoArea.recentProjects
+        onChosen: videoArea.recentProjectChosen(path)
+    }
+
     WelcomeMessage {
+        id: welcome
         objectName: "welcomeMessage"
         anchors.centerIn: parent
         // This place is narrower than the panel in the narrowest window.

@@ -37,6 +37,7 @@ ApplicationWindow {
     menuBar: MainMenuBar {
         player: videoPlayer
         review: review
+        recentProjects: recentProjects
         projectOpen: currentProject.fileActive
         curvesOpen: curvesPanel.open
         verbs: mainWindow
@@ -52,6 +53,11 @@ ApplicationWindow {
     function loadProject(path) {
         console.log("Trying to open project " + path);
         review.openProject(path);
+    }
+
+    function openRecentProject(path) {
+        videoPlayer.pause();
+        loadProject(path);
     }
 
     function loadVideo(path) {
@@ -452,6 +458,11 @@ ApplicationWindow {
         onWarning: mainWindow.displayWarningDialog(title, text)
         onNotice: infoTab.showNotice(text)
         onAdjustmentsChanged: mainWindow.showAdjustments()
+        onProjectPathChanged: recentProjects.add(projectPath)
+    }
+
+    RecentProjects {
+        id: recentProjects
     }
 
     Recovery {
@@ -656,6 +667,8 @@ ApplicationWindow {
             anchors.fill: parent
             anchors.rightMargin: 3 + mainWindow.sidebarWidth
             player: videoPlayer
+            recentProjects: recentProjects.projects
+            onRecentProjectChosen: mainWindow.openRecentProject(path)
             onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
             onOpenVideoClicked: mainWindow.goOpenVideo("welcome_screen")
             onBrowseRemovableDevicesClicked: mainWindow.goExploreRemovableDevices()

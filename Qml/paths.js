@@ -59,13 +59,14 @@ function urlInFolder(folder, fileName) {
 }
 
 // Completes a name with the first suffix of a filter such as "JPEG (*.jpg)", unless it ends in one
-// of the filter's: a date at the end of a name is no suffix.
-function withSuffix(path, nameFilter) {
+// of that filter's or of the dialog's others: a date at the end of a name is no suffix.
+function withSuffix(path, nameFilter, otherFilters) {
     var name = path.substring(path.lastIndexOf("/") + 1);
     var suffixes = filterSuffixes(nameFilter);
     if (name === "" || suffixes.length === 0)
         return path;
-    var endsInOne = suffixes.some(function(suffix) {
+    var known = suffixes.concat(filterSuffixes((otherFilters || []).join(" ")));
+    var endsInOne = known.some(function(suffix) {
         var end = "." + suffix.toLowerCase();
         return name.length > end.length && name.slice(-end.length).toLowerCase() === end;
     });

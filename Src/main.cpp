@@ -7,6 +7,7 @@
 #include "Shell/SystemInfo.h"
 #include "Shell/applicationLogging.h"
 #include "Shell/applicationNames.h"
+#include "Shell/blockedKeys.h"
 #include "Shell/commandLine.h"
 #include "Shell/crashReport.h"
 #include "Threads/pool.h"
@@ -122,6 +123,7 @@ int main(int argc, char** argv)
     corv::registerQmlTypes();
     corv::completeNamesInSaveDialogs(application);
     corv::dressDialogs(application);
+    corv::dropKeysOfBlockedWindows(application);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));
 
     QQmlApplicationEngine engine;

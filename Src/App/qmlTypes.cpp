@@ -4,6 +4,7 @@
 #include "Log/LogParser.h"
 #include "Project/PoiReportExporter.h"
 #include "Project/ProjectFileLoader.h"
+#include "Review/RecentProjects.h"
 #include "Review/Recovery.h"
 #include "Review/Review.h"
 #include "Shell/AppInfo.h"
@@ -48,6 +49,7 @@ void registerQmlTypes()
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
     qmlRegisterType<Review>("Review", 1, 0, "Review");
     qmlRegisterType<Recovery>("Review", 1, 0, "Recovery");
+    qmlRegisterType<RecentProjects>("Review", 1, 0, "RecentProjects");
     qmlRegisterUncreatableType<Job>("Review", 1, 0, "Job", QStringLiteral("made by a review"));
     qRegisterMetaType<PoiModel*>();
     qRegisterMetaType<JobList*>();

@@ -32,6 +32,9 @@ public:
     /// The open file, for what only the system can do with it.
     int descriptor() const { return m_descriptor; }
 
+    /// Another name to be published under, on the same volume.
+    void renameTo(const QString& path);
+
     enum class Over { nothing, existing };
 
     /// Flushes the file to the disk, gives it its name and flushes the folder. Over nothing it
@@ -43,7 +46,7 @@ private:
     int giveName(Over over);
     QByteArray partPath(const QByteArray& folder) const;
 
-    const QByteArray m_path;
+    QByteArray m_path;
     int m_descriptor = -1;
     QByteArray m_partPath; ///< where the file has a name already, or empty
 };
@@ -72,11 +75,30 @@ struct CopyControl
 /// What is copied still has to be published.
 int copyInto(NewFile& target, const QString& source, CopyControl& control);
 
-/// Creates a folder; EEXIST if there is something of that name.
-int makeFolder(const QString& path);
+/// A folder that appears under its name with everything that is in it, or not at all. Destroyed
+/// before that, it is removed; killed, the program leaves a hidden folder that
+/// removeAbandonedParts() removes.
+class NewFolder
+{
+public:
+    explicit NewFolder(const QString& path);
+    ~NewFolder();
+    NewFolder(const NewFolder&) = delete;
+    NewFolder& operator=(const NewFolder&) = delete;
 
-/// Flushes a folder's list of names to the disk.
-void flushFolder(const QString& path);
+    int open();
+
+    /// Where its files are put until it is published.
+    QString stagingPath() const { return m_stagingPath; }
+
+    /// EEXIST if there is something of its name.
+    int publish();
+
+private:
+    const QString m_path;
+    QString m_stagingPath;
+    bool m_isOpen = false;
+};
 
 /// The reason behind an error number, for `what` was to be done: "The project /a/b.ecor cannot be
 /// saved" gives "The project /a/b.ecor cannot be saved: No space left on device.".

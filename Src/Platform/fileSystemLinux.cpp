@@ -198,6 +198,11 @@ int NewFile::openNamed(const QByteArray& folder)
     return 0;
 }
 
+void NewFile::renameTo(const QString& path)
+{
+    m_path = QFile::encodeName(path);
+}
+
 int NewFile::write(const char* bytes, qint64 size)
 {
     return writeAll(m_descriptor, bytes, size);
@@ -253,12 +258,16 @@ void removeAbandonedParts(const QString& path)
     const QString start = QLatin1Char('.') + file.fileName() + QLatin1Char('.');
     const QString end = QStringLiteral(".part");
     const QDir folder = file.absoluteDir();
-    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden)) {
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Dirs | QDir::Hidden)) {
         if (!name.startsWith(start) || !name.endsWith(end))
             continue;
         const pid_t process =
             name.midRef(start.size(), name.size() - start.size() - end.size()).toInt();
-        if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH)
+        if (process <= 0 || ::kill(process, 0) == 0 || errno != ESRCH)
+            continue;
+        if (QFileInfo(folder.filePath(name)).isDir())
+            QDir(folder.filePath(name)).removeRecursively();
+        else
             QFile::remove(folder.filePath(name));
     }
 }
@@ -312,14 +321,45 @@ int copyInto(NewFile& target, const QString& source, CopyControl& control)
     return control.isCancelled ? ECANCELED : 0;
 }
 
-int makeFolder(const QString& path)
+NewFolder::NewFolder(const QString& path) : m_path(path)
 {
-    return ::mkdir(QFile::encodeName(path).constData(), 0777) == 0 ? 0 : errno;
+    const QFileInfo folder(path);
+    m_stagingPath = QStringLiteral("%1/.%2.%3.part")
+                        .arg(folder.absolutePath(), folder.fileName(), QString::number(::getpid()));
 }
 
-void flushFolder(const QString& path)
+NewFolder::~NewFolder()
 {
-    flush(QFile::encodeName(path));
+    if (m_isOpen)
+        QDir(m_stagingPath).removeRecursively();
+}
+
+int NewFolder::open()
+{
+    QDir(m_stagingPath).removeRecursively();
+    if (::mkdir(QFile::encodeName(m_stagingPath).constData(), 0777) != 0)
+        return errno;
+    m_isOpen = true;
+    return 0;
+}
+
+int NewFolder::publish()
+{
+    const QByteArray from = QFile::encodeName(m_stagingPath);
+    const QByteArray to = QFile::encodeName(m_path);
+    flush(from);
+    int result =
+        ::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE);
+    if (result != 0 && errno == EINVAL) {
+        if (::access(to.constData(), F_OK) == 0)
+            return EEXIST;
+        result = ::rename(from.constData(), to.constData());
+    }
+    if (result != 0)
+        return errno;
+    m_isOpen = false;
+    flush(folderOf(to));
+    return 0;
 }
 
 Failure failureOfError(int error, const QString& what)

@@ -206,7 +206,10 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
 QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
 {
     qInfo() << "Start loading project" << fileProjectPath;
+    const QFileInfo project(fileProjectPath);
     platform::removeAbandonedParts(fileProjectPath);
+    platform::removeAbandonedParts(project.absolutePath() + QLatin1Char('/') +
+                                   project.completeBaseName() + QLatin1String("_video"));
     m_contents = {};
     m_loadProblem = fileProblem(QStringLiteral("The project"), fileProjectPath);
     QVariantMap result{{QStringLiteral("loaded"), false}};
@@ -375,6 +378,7 @@ ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QString& source, co
     copied.originalParts = filesOf(source);
     if (copied.originalParts.size() > 1) {
         copied.seriesFolder = base + QLatin1String("_video");
+        platform::removeAbandonedParts(copied.seriesFolder);
         // Whatever else is of this name is not ours.
         if (QFileInfo::exists(copied.seriesFolder) &&
             !isSameFile(QFileInfo(source).absolutePath(), copied.seriesFolder)) {
@@ -402,25 +406,26 @@ void ProjectFileLoader::publish(Copied& copied)
         copied.undo();
         return;
     }
-    int error = 0;
-    if (!copied.seriesFolder.isEmpty() && !copied.staged.empty()) {
-        error = platform::makeFolder(copied.seriesFolder);
-        copied.hasMadeFolder = error == 0;
-        if (error == EEXIST &&
-            isSameFile(QFileInfo(copied.original).absolutePath(), copied.seriesFolder))
-            error = 0;
-    }
+    // Onto its own folder a series may lack a part there; else the folder comes as a whole.
+    const bool isNewSeries = !copied.seriesFolder.isEmpty() && !copied.staged.empty() &&
+                             !QFileInfo::exists(copied.seriesFolder);
+    platform::NewFolder folder(copied.seriesFolder);
+    int error = isNewSeries ? folder.open() : 0;
     for (const Copied::Staged& staged : copied.staged) {
+        if (isNewSeries)
+            staged.file->renameTo(folder.stagingPath() + QLatin1Char('/') +
+                                  QFileInfo(staged.target).fileName());
         if (error == 0)
             error = staged.file->publish(platform::NewFile::Over::nothing);
         if (error == 0)
             copied.published << staged.target;
     }
+    if (error == 0 && isNewSeries)
+        error = folder.publish();
+    copied.hasMadeFolder = error == 0 && isNewSeries;
     if (error != 0) {
         noteCopyProblem(copied.original, error);
         copied.undo();
-    } else if (copied.hasMadeFolder) {
-        platform::flushFolder(QFileInfo(copied.seriesFolder).absolutePath());
     }
     copied.staged.clear();
 }

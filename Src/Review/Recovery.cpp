@@ -8,8 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
-#include <QMetaMethod>
-#include <QMetaProperty>
 #include <QStandardPaths>
 #include <algorithm>
 #include <utility>
@@ -63,21 +61,7 @@ void Recovery::setReview(Review* review)
     connect(review->pois(), &PoiModel::contentsChanged, this, &Recovery::changed);
     connect(review->pois(), &PoiModel::loadedFromLog, this,
             [this](const Poi& poi) { m_saved.pois[msOfTime(poi.time)] = listForm(poi); });
-    // Whatever a project keeps of the player and the parser, by the signals that they have.
-    const auto follow = [this](QObject* object) {
-        const QMetaObject* const meta = object->metaObject();
-        const QMetaMethod slot =
-            metaObject()->method(metaObject()->indexOfSlot("propertyChanged()"));
-        for (const char* name : {"contrast", "brightness", "showIR", "irOverlayTransparent",
-                                 "autoIRMapping", "irMappingMinValue", "irMappingMaxValue",
-                                 "irOffsetX", "irOffsetY", "manualLogTimeOffset", "flightNaming"}) {
-            const QMetaProperty property = meta->property(meta->indexOfProperty(name));
-            if (property.isValid() && property.hasNotifySignal())
-                connect(object, property.notifySignal(), this, slot);
-        }
-    };
-    follow(review->videoPlayer());
-    follow(review->logParser());
+    connect(review, &Review::propertiesChanged, this, &Recovery::changed);
 }
 
 void Recovery::setFolder(const QString& folder)
@@ -156,11 +140,6 @@ void Recovery::finishPending()
 {
     if (m_timer.isActive())
         flush();
-}
-
-void Recovery::propertyChanged()
-{
-    changed();
 }
 
 void Recovery::changed()

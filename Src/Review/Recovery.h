@@ -71,9 +71,6 @@ public:
 signals:
     void offerChanged();
 
-private slots:
-    void propertyChanged();
-
 private:
     /// What differs is worth keeping: adjustments, names, points of interest by their time.
     struct Contents

@@ -3,11 +3,14 @@
 #include "Base/videoTime.h"
 #include "Review/UndoSteps.h"
 #include "Review/logPois.h"
+#include "Threads/post.h"
 #include "Video/fileNames.h"
 
 #include <QDebug>
 #include <QFileInfo>
 #include <QMap>
+#include <QMetaMethod>
+#include <QMetaProperty>
 #include <QUndoStack>
 #include <algorithm>
 #include <utility>
@@ -71,6 +74,7 @@ void Review::setVideoPlayer(VideoPlayer* player)
     connect(player, &VideoPlayer::hasVideoOpenedChanged, this, &Review::videoOpened);
     connect(player, &VideoPlayer::sourceOpenError, this, &Review::videoFailed);
     connect(player, &VideoPlayer::durationChanged, this, &Review::durationKnown);
+    followProperties(player);
 }
 
 void Review::setLogParser(LogParser* logParser)
@@ -83,6 +87,21 @@ void Review::setLogParser(LogParser* logParser)
         return;
     connect(logParser, &LogParser::logParsingComplete, this, &Review::logParsed);
     connect(logParser, &LogParser::logParsingProgress, this, &Review::logProgressed);
+    followProperties(logParser);
+}
+
+/// Whatever a project keeps of the player and the parser, by the signals that they have.
+void Review::followProperties(QObject* object)
+{
+    const QMetaMethod follower = QMetaMethod::fromSignal(&Review::propertiesChanged);
+    for (const char* name : {"contrast", "brightness", "showIR", "irOverlayTransparent",
+                             "autoIRMapping", "irMappingMinValue", "irMappingMaxValue", "irOffsetX",
+                             "irOffsetY", "manualLogTimeOffset", "flightNaming"}) {
+        const QMetaObject* const meta = object->metaObject();
+        const QMetaProperty property = meta->property(meta->indexOfProperty(name));
+        if (property.isValid() && property.hasNotifySignal())
+            connect(object, property.notifySignal(), this, follower);
+    }
 }
 
 void Review::setProjectFiles(ProjectFileLoader* projectFiles)
@@ -167,7 +186,7 @@ void Review::openFlight(const QString& videoPath, const QString& logPath)
         resetCorrections();
         emit started();
         if (isNoLog(logPath))
-            emit opened();
+            finishOpening();
         else
             parseLog(logPath, false);
     });
@@ -227,7 +246,7 @@ void Review::restore(const QString& path, const ProjectContents& project)
         emit problem(tr("Error"), withCause(missingFileText(QStringLiteral("log"), project.logFile),
                                             m_openProblem));
     }
-    emit opened();
+    finishOpening();
 }
 
 void Review::attachLog(const QString& path)
@@ -277,7 +296,16 @@ void Review::logParsed(bool result)
     m_logJob = nullptr;
     // Not before: their pictures show the overlay of this log.
     m_pois.releaseThumbnails();
-    emit opened();
+    finishOpening();
+}
+
+/// Not before the player has said everything about the video that it opens.
+void Review::finishOpening()
+{
+    post(this, [this] {
+        if (!m_openedVideo.isEmpty())
+            emit opened();
+    });
 }
 
 /// What is being copied is the flight that is open.

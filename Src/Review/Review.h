@@ -161,6 +161,9 @@ signals:
     /// The project was written, and the work is bound to it.
     void saved();
 
+    /// An adjustment or the flight's names, which a project keeps.
+    void propertiesChanged();
+
     /// What is open is about to close or to be replaced.
     void closing();
     void openFailed(const corv::Failure& failure);
@@ -178,6 +181,7 @@ signals:
 private:
     enum class Save { plain, as, copy };
 
+    void followProperties(QObject* object);
     void videoOpened(bool isOpen);
     void videoFailed(const QString& file);
     void durationKnown();
@@ -185,6 +189,7 @@ private:
     void logProgressed(int stage, int done, int total);
     bool saveProject(const QString& path, Save mode);
     bool writeProject(const QString& path, Save mode);
+    void finishOpening();
     void bindToProject(const QString& path);
     void copyingChanged(bool isCopying);
     bool isFreeToChange();

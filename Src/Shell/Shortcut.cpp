@@ -1,8 +1,11 @@
 #include "Shell/Shortcut.h"
 
+#include "Shell/blockedKeys.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QWindow>
 
 Shortcut::Shortcut(QObject* parent) : QObject(parent)
 {
@@ -32,6 +35,8 @@ bool Shortcut::eventFilter(QObject* watched, QEvent* event)
         if (!static_cast<QKeyEvent*>(event)->isAutoRepeat())
             m_pressed = false;
     } else if (event->type() == QEvent::KeyPress && !m_key.isEmpty()) {
+        if (watched->isWindowType() && corv::isBlockedByModalWindow(static_cast<QWindow*>(watched)))
+            return QObject::eventFilter(watched, event);
         const auto* keyEvent = static_cast<QKeyEvent*>(event);
         const int code = keyEvent->key();
         const bool isModifier = code >= Qt::Key_Shift && code <= Qt::Key_Alt;

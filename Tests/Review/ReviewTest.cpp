@@ -124,7 +124,7 @@ private slots:
         Desk desk;
         QVERIFY(desk.openFlight(first()));
         desk.review.pois()->create(timeOfMs(500));
-        desk.player.seekAtFrame(2 * framesPerFile + 3);
+        desk.player.goToFrame(2 * framesPerFile + 3);
         QTRY_COMPARE(desk.player.source(), media("CORV0003.MOV"));
         QVERIFY(desk.review.save(path("p.ecor")));
         Desk other;
@@ -140,7 +140,7 @@ private slots:
         QVERIFY(desk.openFlight(first()));
         desk.review.pois()->create(timeOfMs(500));
         QVERIFY(desk.review.save(path("p.ecor")));
-        desk.player.seekAtFrame(framesPerFile + 3);
+        desk.player.goToFrame(framesPerFile + 3);
         QTRY_COMPARE(desk.player.source(), media("CORV0002.MOV"));
         desk.review.pois()->remove(timeOfMs(500));
         desk.player.setContrast(1.9);
@@ -156,7 +156,7 @@ private slots:
         QVERIFY(desk.openFlight(media("CORV0002.MOV")));
         QVERIFY(desk.review.save(path("late.ecor")));
         QVERIFY(desk.openFlight(first()));
-        desk.player.seekAtFrame(framesPerFile + 3);
+        desk.player.goToFrame(framesPerFile + 3);
         QTRY_COMPARE(desk.player.source(), media("CORV0002.MOV"));
         QVERIFY(desk.openProject(path("late.ecor")));
         QTRY_COMPARE(msOfTime(desk.player.duration()), 2 * fileMs);

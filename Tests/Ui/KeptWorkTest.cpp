@@ -8,6 +8,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStandardPaths>
 
 using namespace corv::test;
 
@@ -30,8 +31,10 @@ private slots:
     void deletingCanBeUndone();
     void theRestoreWindowSaysHowManyItAdds();
     void closingTheExportWindowAborts();
+    void keysDoNotPassThroughADialog();
     void aFlightWithoutANumberShowsNone();
     void unsavedWorkIsOfferedAtTheNextStart();
+    void recentProjectsAreOnTheStartPage();
 };
 
 namespace {
@@ -71,7 +74,7 @@ void KeptWorkTest::aSeriesSavedInALaterFileComesBackWhole()
     m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(series())});
     QTRY_VERIFY(m_ui->hasVideo());
     m_ui->evaluate("timelineContent.setPOIsFromList([{time: 500, name: 'Crack', comment: ''}])");
-    m_ui->evaluate("videoPlayer.seekAtFrame(60)");
+    m_ui->evaluate("videoPlayer.goToFrame(60)");
     QTRY_VERIFY(player("source").toString().endsWith("CORV0003.MOV"));
     const QString path = media().newFolder() + "/a.ecor";
     m_ui->call("doSaveProject", {path});
@@ -170,7 +173,7 @@ void KeptWorkTest::aMoveOntoItsOwnPlaceChangesNothing()
     m_ui->call("startMovingPoi");
     m_ui->call("confirmMovingPoi");
     QCOMPARE(m_ui->evaluate("timelineContent.movePOIMode").toBool(), false);
-    QCOMPARE(m_ui->poiNames(), QStringList("New POI"));
+    QCOMPARE(m_ui->poiNames(), QStringList("Crack"));
 }
 
 void KeptWorkTest::asksBeforeAMoveReplacesAnother_data()
@@ -219,9 +222,9 @@ void KeptWorkTest::deletingCanBeUndone()
     QVERIFY(m_ui->selectPoiAt(0));
     m_ui->call("deleteSelectedPoi");
     QCOMPARE(m_ui->poiNames(), QStringList());
-    QCOMPARE(m_ui->get("undoMenuItem", "text").toString(), QString("&Undo delete 'New POI'"));
+    QCOMPARE(m_ui->get("undoMenuItem", "text").toString(), QString("&Undo delete 'Crack'"));
     QVERIFY(m_ui->trigger("undoMenuItem"));
-    QCOMPARE(m_ui->poiNames(), QStringList("New POI"));
+    QCOMPARE(m_ui->poiNames(), QStringList("Crack"));
     QVERIFY(m_ui->trigger("redoMenuItem"));
     QCOMPARE(m_ui->poiNames(), QStringList());
 }
@@ -254,6 +257,23 @@ void KeptWorkTest::closingTheExportWindowAborts()
     QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
 }
 
+void KeptWorkTest::keysDoNotPassThroughADialog()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->trigger("saveProjectAsMenuItem"));
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QTest::keyClick(m_ui->window(), Qt::Key_W, Qt::ControlModifier);
+    QTest::keyClick(m_ui->window(), Qt::Key_N);
+    QVERIFY(m_ui->hasVideo());
+    QCOMPARE(m_ui->poiNames(), QStringList());
+    UiFixture::fileDialog()->reject();
+    QTRY_VERIFY(!UiFixture::fileDialog());
+    // And they are back afterwards.
+    QVERIFY(m_ui->activate());
+    QTest::keyClick(m_ui->window(), Qt::Key_W, Qt::ControlModifier);
+    QTRY_VERIFY(!m_ui->hasVideo());
+}
+
 void KeptWorkTest::aFlightWithoutANumberShowsNone()
 {
     QVERIFY(m_ui->openVideo());
@@ -268,13 +288,36 @@ void KeptWorkTest::unsavedWorkIsOfferedAtTheNextStart()
     QVERIFY(m_ui->openVideo());
     QVERIFY(!m_ui->item("recoveryBar")->isVisible());
     m_ui->call("addNewPoiAtPosition");
-    // Kept in the background; the end of the program waits for it.
+    // Kept in the background, within five seconds.
+    const QDir kept(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+                    "/recovery");
+    QTRY_COMPARE(kept.entryList({"*.json"}).size(), 1);
     QVERIFY(m_ui->reload());
     QVERIFY(m_ui->item("recoveryBar")->isVisible());
     QVERIFY(m_ui->get("recoveryText", "text").toString().contains("(1 point of interest)"));
     QVERIFY(m_ui->click("restoreRecoveryButton"));
     QTRY_COMPARE(m_ui->poiNames(), QStringList("New POI"));
     QTRY_VERIFY(!m_ui->item("recoveryBar")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void KeptWorkTest::recentProjectsAreOnTheStartPage()
+{
+    QVERIFY(m_ui->openVideo());
+    const QString folder = media().newFolder();
+    m_ui->call("doSaveProject", {folder + "/first.ecor"});
+    m_ui->call("doSaveProject", {folder + "/second.ecor"});
+    QVERIFY(QFile::remove(folder + "/first.ecor"));
+    QVERIFY(m_ui->reload());
+    QTRY_VERIFY(m_ui->item("recentProjectButton1"));
+    QCOMPARE(m_ui->get("recentProjectButton0", "text").toString(), QString("second"));
+    QCOMPARE(m_ui->get("recentProjectButton1", "text").toString(), QString("first"));
+    QVERIFY(!m_ui->item("recentProjectButton1")->isEnabled());
+    QVERIFY(m_ui->click("recentProjectButton0"));
+    QTRY_COMPARE(m_ui->get("currentProject", "filePath").toString(), folder + "/second.ecor");
+    m_ui->call("goCloseProject");
+    QVERIFY(m_ui->trigger("clearRecentProjectsMenuItem"));
+    QTRY_VERIFY(!m_ui->item("recentProjectsList")->isVisible());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 

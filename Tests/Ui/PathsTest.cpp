@@ -199,9 +199,18 @@ void PathsTest::withSuffix_data()
     QTest::newRow("none") << "/tmp/a"
                           << "JPEG (*.jpg)"
                           << "/tmp/a.jpg";
-    QTest::newRow("its own") << "/tmp/a.png"
+    QTest::newRow("its own") << "/tmp/a.JPG"
                              << "JPEG (*.jpg)"
-                             << "/tmp/a.png";
+                             << "/tmp/a.JPG";
+    QTest::newRow("another's") << "/tmp/a.png"
+                               << "JPEG (*.jpg)"
+                               << "/tmp/a.png.jpg";
+    QTest::newRow("a date") << "/tmp/Site 2026.11.21"
+                            << "Vistrel projects (*.ecor)"
+                            << "/tmp/Site 2026.11.21.ecor";
+    QTest::newRow("the second of several") << "/tmp/a.avi"
+                                           << "Video files (*.mov *.avi)"
+                                           << "/tmp/a.avi";
     QTest::newRow("a dot in the folder") << "/tmp/a.d/b"
                                          << "PNG (*.png)"
                                          << "/tmp/a.d/b.png";

@@ -3,6 +3,7 @@
 #include "App/look.h"
 #include "App/qmlTypes.h"
 #include "App/saveDialogSuffix.h"
+#include "Shell/blockedKeys.h"
 
 #include <QApplication>
 #include <QDir>
@@ -36,6 +37,7 @@ void UiFixture::prepare()
     registerQmlTypes();
     completeNamesInSaveDialogs(*qGuiApp);
     dressDialogs(*qApp);
+    dropKeysOfBlockedWindows(*qApp);
 }
 
 UiFixture::UiFixture()

@@ -1,0 +1,54 @@
+#include "Shell/blockedKeys.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QWindow>
+
+namespace corv {
+namespace {
+
+bool isOrBelongsTo(const QWindow* window, const QWindow* owner)
+{
+    for (; window; window = window->transientParent()) {
+        if (window == owner)
+            return true;
+    }
+    return false;
+}
+
+class BlockedKeys : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        const bool isKey = event->type() == QEvent::KeyPress ||
+                           event->type() == QEvent::KeyRelease ||
+                           event->type() == QEvent::ShortcutOverride;
+        if (!isKey || !watched->isWindowType() ||
+            !isBlockedByModalWindow(static_cast<QWindow*>(watched)))
+            return QObject::eventFilter(watched, event);
+        // An override that is taken keeps the key from the shortcuts.
+        event->accept();
+        return true;
+    }
+};
+
+} // namespace
+
+bool isBlockedByModalWindow(const QWindow* window)
+{
+    const QWindow* const modal = QGuiApplication::modalWindow();
+    if (!modal || !modal->isVisible() || window->type() == Qt::Popup ||
+        isOrBelongsTo(window, modal))
+        return false;
+    return modal->modality() == Qt::ApplicationModal || isOrBelongsTo(modal, window);
+}
+
+void dropKeysOfBlockedWindows(QGuiApplication& application)
+{
+    application.installEventFilter(new BlockedKeys(&application));
+}
+
+} // namespace corv

@@ -1,0 +1,17 @@
+#pragma once
+
+class QGuiApplication;
+class QWindow;
+
+namespace corv {
+
+/// Whether a modal window keeps `window` from being used. A window that belongs to the modal one,
+/// and a popup, are not blocked. Interface thread.
+bool isBlockedByModalWindow(const QWindow* window);
+
+/// Drops the keys that reach a blocked window: the window system gives the keyboard also to a
+/// window that a dialog blocks, and its shortcuts would work behind the dialog. Once, for as long
+/// as the application lives.
+void dropKeysOfBlockedWindows(QGuiApplication& application);
+
+} // namespace corv
