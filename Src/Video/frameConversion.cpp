@@ -283,12 +283,13 @@ void toBgr(const Frame& frame, cv::Mat& bgr)
 
 QVideoFrame toVideoFrame(const Frame& frame)
 {
-    if (frame.layout == Frame::Layout::bgr || frame.matrix == Frame::Matrix::bt2020) {
+    // The scaling library leaves matrix and range of planes as they are.
+    if (frame.layout == Frame::Layout::bgr || frame.matrix == Frame::Matrix::bt2020 ||
+        frame.range != screenRange(frame)) {
         cv::Mat buffer;
         return toVideoFrame(bgrView(frame, buffer), frame);
     }
-    const bool fits = frame.layout == Frame::Layout::i420 && frame.bitsPerSample == 8 &&
-                      frame.range == screenRange(frame);
+    const bool fits = frame.layout == Frame::Layout::i420 && frame.bitsPerSample == 8;
     if (fits)
         return onScreen(frame);
     Frame planar = makeI420(frame.size, frame.matrix, screenRange(frame));
