@@ -12,6 +12,9 @@ Rectangle {
     id: statusLine
 
     property VideoPlayer player: null
+    // Position, length and frame number, as shown.
+    readonly property alias positionText: videoDuration.text
+
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
 
     height: 26
@@ -119,6 +122,8 @@ Rectangle {
         Text {
             id: videoDuration
             objectName: "videoDuration"
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
             visible: statusLine.videoOpen
             // As wide as any time and frame number, or the names beside it would move as it counts.
             Layout.minimumWidth: widestTime.advanceWidth

@@ -15,6 +15,11 @@ Rectangle {
     // Whether the window has an item with the keyboard: the transport keys need one.
     property bool hasFocusItem: false
 
+    // The panel at the right of the video.
+    property bool sidebarShown: true
+    property alias speedBox: playSpeedBox
+    signal sidebarToggled(bool shown)
+
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
     readonly property bool poiSelected: timeline !== null && !isNaN(timeline.selectedPoiTime)
     readonly property bool moveMode: timeline !== null && timeline.movePOIMode
@@ -222,6 +227,28 @@ Rectangle {
         }
     }
 
+    Row {
+        anchors.right: parent.right
+        anchors.rightMargin: 4
+
+        CorvToolbarToggleButton {
+            id: sidebarButton
+            objectName: "sidebarButton"
+            source: "images/button_sidebar.png"
+            tooltiptext: "Flight data and adjustments"
+            keyName: "F8"
+            checked: transportStrip.sidebarShown
+            onToggle: transportStrip.sidebarToggled(checked)
+        }
+    }
+
+    Binding { target: sidebarButton; property: "checked"; value: transportStrip.sidebarShown }
+
+    Shortcut {
+        sequence: "F8"
+        autoRepeat: false
+        onActivated: sidebarButton.clicked()
+    }
     Shortcut {
         sequence: "Home"
         autoRepeat: false

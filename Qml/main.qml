@@ -1,4 +1,4 @@
-import QtQuick 2.7
+import QtQuick 2.15
 import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import QtQuick.Dialogs 1.2
@@ -20,6 +20,9 @@ ApplicationWindow {
     objectName: "mainWindow"
 
     property int sidebarWidth: 270
+    // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
+    readonly property int hiddenHeight: Screen.height < minimumHeight + 60
+            ? Math.max(0, y + height - Screen.virtualY - Screen.height) : 0
     signal installNewVersion(string newVersion)
 
     width: 1600
@@ -432,6 +435,26 @@ ApplicationWindow {
         property string folder: ""
     }
 
+    Settings {
+        id: panelSettings
+        category: "panels"
+        // Folded at first where the picture needs the room.
+        property bool sidebarShown: Screen.height >= mainWindow.minimumHeight + 60
+    }
+
+    TimelineNavigator {
+        id: timelineNavigator
+        timeline: timelineContent
+    }
+
+    ReviewKeys {
+        player: videoPlayer
+        navigator: timelineNavigator
+        scrollBar: timelineScrollBar
+        picture: videoRect
+        speedBox: controlsTab.speedBox
+    }
+
     Item {
         id: currentProject
         objectName: "currentProject"
@@ -548,6 +571,7 @@ ApplicationWindow {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
+        anchors.bottomMargin: mainWindow.hiddenHeight
     }
 
     CurvesPanel {
@@ -563,6 +587,7 @@ ApplicationWindow {
 
     Rectangle {
         id: timelineTab
+        z: 1
         objectName: "timelineTab"
         anchors.left: parent.left
         anchors.right: parent.right
@@ -614,7 +639,9 @@ ApplicationWindow {
                                                         : videoPlayer.exactTimePosition
                     contentWidth: mainWindow.contentItem.width
                     contentX: 0
+                    Accessible.role: Accessible.Slider
                     Accessible.name: "Timeline"
+                    Accessible.description: infoTab.positionText
 
                     onDurationChanged: updateLogData()
                     onSeekRequest: videoPlayer.goToTime(time)
@@ -626,8 +653,18 @@ ApplicationWindow {
                     }
                     onClicked: mainWindow.refocusMainActions()
                     onContentXChanged: timeline.contentXChanged()
+
+                    HoverHandler { id: timelinePointer }
                 }
             }
+        }
+
+        TimelinePreview {
+            pointed: timelinePointer.hovered
+            pointerX: timelinePointer.point.position.x
+            anchors.fill: timeline
+            player: videoPlayer
+            navigator: timelineNavigator
         }
 
         MyScrollBar {
@@ -647,6 +684,8 @@ ApplicationWindow {
         timeline: timelineContent
         verbs: mainWindow
         hasFocusItem: mainWindow.activeFocusItem !== null
+        sidebarShown: panelSettings.sidebarShown
+        onSidebarToggled: panelSettings.sidebarShown = shown
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: timelineTab.top
@@ -665,7 +704,7 @@ ApplicationWindow {
             id: videoRect
             objectName: "videoRect"
             anchors.fill: parent
-            anchors.rightMargin: 3 + mainWindow.sidebarWidth
+            anchors.rightMargin: hUDRectangle.visible ? 3 + mainWindow.sidebarWidth : 0
             player: videoPlayer
             recentProjects: recentProjects.projects
             onRecentProjectChosen: mainWindow.openRecentProject(path)
@@ -712,6 +751,7 @@ ApplicationWindow {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             width: mainWindow.sidebarWidth
+            visible: panelSettings.sidebarShown
             color: Theme.panel
 
             Sidebar {
@@ -721,6 +761,9 @@ ApplicationWindow {
                 player: videoPlayer
                 imperialUnits: generalSettings.imperialUnits
                 tabWidth: mainWindow.sidebarWidth / 2
+                extremesShown: videoRect.extremesShown
+                onExtremesToggled: videoRect.extremesShown = shown
+                onUnitsToggled: generalSettings.imperialUnits = imperial
                 onEditFlightPropertiesClicked: mainWindow.editFlightProperties()
                 onAdjustmentsLoaded: mainWindow.doAdjustThermalRange()
                 onEditingFinished: mainWindow.refocusMainActions()

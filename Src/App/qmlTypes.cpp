@@ -10,9 +10,12 @@
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/Shortcut.h"
+#include "Timeline/FramePreview.h"
 #include "Timeline/HeadUpDisplay.h"
 #include "Timeline/LogCurves.h"
+#include "Timeline/PictureItem.h"
 #include "Timeline/TimelineContent.h"
+#include "Timeline/TimelineNavigator.h"
 #include "Video/VideoPlayer.h"
 
 #include <qqml.h>
@@ -47,6 +50,9 @@ void registerQmlTypes()
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
+    qmlRegisterType<TimelineNavigator>("Timeline", 1, 0, "TimelineNavigator");
+    qmlRegisterType<PictureItem>("Timeline", 1, 0, "PictureItem");
+    qmlRegisterType<FramePreview>("Timeline", 1, 0, "FramePreview");
     qmlRegisterType<Review>("Review", 1, 0, "Review");
     qmlRegisterType<Recovery>("Review", 1, 0, "Recovery");
     qmlRegisterType<RecentProjects>("Review", 1, 0, "RecentProjects");
