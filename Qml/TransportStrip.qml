@@ -15,9 +15,11 @@ Rectangle {
     // Whether the window has an item with the keyboard: the transport keys need one.
     property bool hasFocusItem: false
 
-    // The panel at the right of the video.
+    // The panels beside the video.
+    property bool poiListShown: false
     property bool sidebarShown: true
     property alias speedBox: playSpeedBox
+    signal poiListToggled(bool shown)
     signal sidebarToggled(bool shown)
 
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
@@ -232,6 +234,15 @@ Rectangle {
         anchors.rightMargin: 4
 
         CorvToolbarToggleButton {
+            id: poiListButton
+            objectName: "poiListButton"
+            source: "images/button_list.png"
+            tooltiptext: "List of the points of interest"
+            keyName: "F7"
+            checked: transportStrip.poiListShown
+            onToggle: transportStrip.poiListToggled(checked)
+        }
+        CorvToolbarToggleButton {
             id: sidebarButton
             objectName: "sidebarButton"
             source: "images/button_sidebar.png"
@@ -242,8 +253,14 @@ Rectangle {
         }
     }
 
+    Binding { target: poiListButton; property: "checked"; value: transportStrip.poiListShown }
     Binding { target: sidebarButton; property: "checked"; value: transportStrip.sidebarShown }
 
+    Shortcut {
+        sequence: "F7"
+        autoRepeat: false
+        onActivated: poiListButton.clicked()
+    }
     Shortcut {
         sequence: "F8"
         autoRepeat: false

@@ -438,6 +438,7 @@ ApplicationWindow {
     Settings {
         id: panelSettings
         category: "panels"
+        property bool poiListShown: false
         // Folded at first where the picture needs the room.
         property bool sidebarShown: Screen.height >= mainWindow.minimumHeight + 60
     }
@@ -511,6 +512,13 @@ ApplicationWindow {
         onExportProgress: mainWindow.documentExportProgress(done, total)
     }
 
+    ExportJobs {
+        player: videoPlayer
+        reports: poiReportExporter
+        jobs: review.jobs
+        onEnded: infoTab.showNotice(text)
+    }
+
     FileDialogs {
         id: fileDialogs
         player: videoPlayer
@@ -564,8 +572,21 @@ ApplicationWindow {
         onAbortClicked: mainWindow.activeExportOperationAbortByUser()
     }
 
+    JobsPanel {
+        id: jobsPanel
+        objectName: "jobsPanel"
+        z: 2
+        anchors.right: parent.right
+        anchors.bottom: infoTab.top
+        visible: false
+        jobs: review.jobs
+        onClosed: visible = false
+    }
+
     StatusLine {
         id: infoTab
+        jobs: review.jobs
+        onJobsClicked: jobsPanel.visible = !jobsPanel.visible
         objectName: "infoTab"
         player: videoPlayer
         anchors.left: parent.left
@@ -684,6 +705,8 @@ ApplicationWindow {
         timeline: timelineContent
         verbs: mainWindow
         hasFocusItem: mainWindow.activeFocusItem !== null
+        poiListShown: panelSettings.poiListShown
+        onPoiListToggled: panelSettings.poiListShown = shown
         sidebarShown: panelSettings.sidebarShown
         onSidebarToggled: panelSettings.sidebarShown = shown
         anchors.left: parent.left
@@ -704,6 +727,7 @@ ApplicationWindow {
             id: videoRect
             objectName: "videoRect"
             anchors.fill: parent
+            anchors.leftMargin: poiPanel.visible ? poiPanel.width : 0
             anchors.rightMargin: hUDRectangle.visible ? 3 + mainWindow.sidebarWidth : 0
             player: videoPlayer
             recentProjects: recentProjects.projects
@@ -742,6 +766,20 @@ ApplicationWindow {
                     videoPlayer.togglePlayPause();
                 }
             }
+        }
+
+        PoiPanel {
+            id: poiPanel
+            objectName: "poiPanel"
+            anchors.left: parent.left
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+            width: 240
+            visible: panelSettings.poiListShown
+            timeline: timelineContent
+            navigator: timelineNavigator
+            onEditRequested: mainWindow.editSelectedPoi()
+            onDone: mainWindow.refocusMainActions()
         }
 
         Rectangle {

@@ -26,35 +26,31 @@ void TimelineNavigator::selectNextPoi()
 {
     if (!m_timeline)
         return;
-    const int cursorMs = msOfTime(m_timeline->cursorPosition());
-    for (const QVariant& poi : m_timeline->getPOIs()) {
-        const int ms = poi.toMap().value(QStringLiteral("time")).toInt();
-        if (ms > cursorMs) {
-            goToPoi(timeOfMs(ms));
-            return;
-        }
-    }
+    const auto& pois = m_timeline->poiModel()->pois();
+    const QTime cursor = m_timeline->cursorPosition();
+    const auto next =
+        std::find_if(pois.cbegin(), pois.cend(), [&](const Poi& poi) { return poi.time > cursor; });
+    if (next != pois.cend())
+        goToPoi(next->time);
 }
 
 void TimelineNavigator::selectPreviousPoi()
 {
     if (!m_timeline)
         return;
-    const int cursorMs = msOfTime(m_timeline->cursorPosition());
-    int previousMs = -1;
-    for (const QVariant& poi : m_timeline->getPOIs()) {
-        const int ms = poi.toMap().value(QStringLiteral("time")).toInt();
-        if (ms < cursorMs)
-            previousMs = ms;
-    }
-    if (previousMs >= 0)
-        goToPoi(timeOfMs(previousMs));
+    const auto& pois = m_timeline->poiModel()->pois();
+    const QTime cursor = m_timeline->cursorPosition();
+    const auto previous = std::find_if(pois.crbegin(), pois.crend(),
+                                       [&](const Poi& poi) { return poi.time < cursor; });
+    if (previous != pois.crend())
+        goToPoi(previous->time);
 }
 
 void TimelineNavigator::goToPoi(QTime time)
 {
     if (!m_timeline || !time.isValid())
         return;
+    m_timeline->selectPoi(time);
     emit m_timeline->seekRequest(time);
 }
 

@@ -1,5 +1,7 @@
 #include "ReviewSuite.h"
 
+#include <QDir>
+
 using namespace corv::test;
 
 /// What stands beside the stated window: the list of points of interest, jobs, zoom, the keys of a
@@ -9,6 +11,10 @@ class PanelsTest : public ReviewSuite
     Q_OBJECT
 
 private slots:
+    void theListGoesToAPoint();
+    void theListIsFilteredByTyping();
+    void theListDeletesWhatIsChosen();
+    void aDoubleClickInTheListEdits();
     void panelsFoldAndStayFolded();
     void keysJumpAndFollowThePoints();
     void keysZoomTheTimeline();
@@ -17,6 +23,8 @@ private slots:
     void theTimelineShowsThePictureAtThePointer();
     void theThermalBarHasTheEndsOfTheRange();
     void unitsSwitchAtOnce();
+    void aSeriesOfPicturesIsAJobWithAnEnd();
+    void jobsAreListed();
 
 private:
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
@@ -24,9 +32,14 @@ private:
         QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), modifiers);
     }
     void openFlight();
+    void showList();
     int position() const
     {
         return QTime(0, 0).msecsTo(m_ui->evaluate("videoPlayer.timePosition").toTime());
+    }
+    int selected() const
+    {
+        return QTime(0, 0).msecsTo(m_ui->evaluate("timelineContent.selectedPoiTime").toTime());
     }
 };
 
@@ -39,15 +52,82 @@ void PanelsTest::openFlight()
     QTRY_VERIFY(!player("isBusy").toBool());
 }
 
+void PanelsTest::showList()
+{
+    openFlight();
+    key(Qt::Key_F7);
+    QTRY_VERIFY(m_ui->item("poiPanel")->isVisible());
+    QTRY_VERIFY(m_ui->item("poiRow1"));
+}
+
+void PanelsTest::theListGoesToAPoint()
+{
+    showList();
+    QTRY_COMPARE(m_ui->get("poiPanelTitle", "text").toString(), QString("Points of interest: 2"));
+    QVERIFY(m_ui->click("poiRow1"));
+    QTRY_COMPARE(position(), 3000);
+    QCOMPARE(selected(), 3000);
+    // The keys stay with the video.
+    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    m_ui->screenshot("list");
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::theListIsFilteredByTyping()
+{
+    showList();
+    UiFixture::click(m_ui->item("filterField"));
+    QTRY_VERIFY(m_ui->get("filterField", "activeFocus").toBool());
+    QTest::keyClick(m_ui->window(), '2');
+    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 1);
+    QTest::keyClick(m_ui->window(), 'x');
+    QTRY_VERIFY(m_ui->item("emptyText")->isVisible());
+    // Letters are typed, and run no command of the window.
+    QCOMPARE(m_ui->poiNames().size(), 2);
+    key(Qt::Key_Escape);
+    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 2);
+    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
+}
+
+void PanelsTest::theListDeletesWhatIsChosen()
+{
+    showList();
+    const auto middle = [this](const char* row) {
+        QQuickItem* item = m_ui->item(row);
+        return item->mapToScene(QPointF(120, item->height() / 2)).toPoint();
+    };
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow0"));
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow1"));
+    QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
+    QVERIFY(m_ui->click("deletePoisButton"));
+    QCOMPARE(m_ui->poiNames(), QStringList());
+}
+
+void PanelsTest::aDoubleClickInTheListEdits()
+{
+    showList();
+    QQuickItem* row = m_ui->item("poiRow0");
+    const QPoint place = row->mapToScene(QPointF(120, 20)).toPoint();
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
+    QTest::mouseDClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
+    QTRY_VERIFY(UiFixture::visibleWindow("Edit point of interest"));
+    QCOMPARE(UiFixture::visibleWindow("Edit point of interest")->property("poiName").toString(),
+             QString("POI 1"));
+    UiFixture::visibleWindow("Edit point of interest")->close();
+}
+
 void PanelsTest::panelsFoldAndStayFolded()
 {
     const double beside = m_ui->item("videoRect")->width();
     QVERIFY(m_ui->click("sidebarButton"));
     QTRY_VERIFY(!m_ui->item("hUDRectangle")->isVisible());
     QTRY_COMPARE(m_ui->item("videoRect")->width(), beside + 273);
+    QVERIFY(m_ui->click("poiListButton"));
+    QTRY_COMPARE(m_ui->item("videoRect")->width(), beside + 273 - 240);
     QTRY_COMPARE(QSettings().value("panels/sidebarShown").toBool(), false);
     QVERIFY(m_ui->reload());
     QVERIFY(!m_ui->item("hUDRectangle")->isVisible());
+    QVERIFY(m_ui->item("poiPanel")->isVisible());
     key(Qt::Key_F8);
     QTRY_VERIFY(m_ui->item("hUDRectangle")->isVisible());
 }
@@ -59,8 +139,10 @@ void PanelsTest::keysJumpAndFollowThePoints()
     QTRY_COMPARE(position(), 1000);
     key(Qt::Key_PageDown);
     QTRY_COMPARE(position(), 3000);
+    QCOMPARE(selected(), 3000);
     key(Qt::Key_PageUp);
     QTRY_COMPARE(position(), 1000);
+    QCOMPARE(selected(), 1000);
     key(Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
     QTRY_COMPARE(position(), 0);
 }
@@ -154,6 +236,31 @@ void PanelsTest::unitsSwitchAtOnce()
     QVERIFY(m_ui->click("unitsButton"));
     QCOMPARE(m_ui->get("headUpDisplay", "imperialUnits").toBool(), true);
     QTRY_COMPARE(QSettings().value("userPreferences/imperialUnits").toBool(), true);
+}
+
+void PanelsTest::aSeriesOfPicturesIsAJobWithAnEnd()
+{
+    openFlight();
+    const QString folder = FlightMedia::instance().newFolder();
+    m_ui->evaluate("videoPlayer.exportFrames(0, 1000, 5, '" + folder + "', 'Frame')");
+    QTRY_VERIFY(m_ui->get("noticeText", "text").toString().contains("pictures saved"));
+    QVERIFY(m_ui->item("noticeText")->isVisible());
+    QCOMPARE(m_ui->evaluate("review.jobs.running").toInt(), 0);
+    QVERIFY(!QDir(folder).entryList({"Frame*.jpg"}).isEmpty());
+}
+
+void PanelsTest::jobsAreListed()
+{
+    openFlight();
+    QVERIFY(!m_ui->item("jobsPanel")->isVisible());
+    QVERIFY(m_ui->click("jobsButton"));
+    QTRY_VERIFY(m_ui->item("jobsPanel")->isVisible());
+    // The log was read.
+    QTRY_VERIFY(m_ui->get("jobList", "count").toInt() >= 1);
+    m_ui->screenshot("jobs");
+    QVERIFY(m_ui->click("closeJobsButton"));
+    QTRY_VERIFY(!m_ui->item("jobsPanel")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 QTEST_MAIN(PanelsTest)

@@ -23,7 +23,7 @@ void SmallScreenTest::whatIsNeededIsOnTheScreen()
     m_ui->window()->setPosition(0, 20);
     QCOMPARE(m_ui->window()->minimumHeight(), 700);
     for (const char* name : {"playButton", "addPoiButton", "saveImageButton", "timelineContent",
-                             "infoTab", "sidebarButton", "videoOutput"}) {
+                             "infoTab", "poiListButton", "sidebarButton", "videoOutput"}) {
         QQuickItem* item = m_ui->item(name);
         QVERIFY2(item && item->isVisible(), name);
         const auto bottom = [&] { return item->mapToGlobal(QPointF(0, item->height())).y(); };
