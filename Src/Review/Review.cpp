@@ -56,7 +56,7 @@ Review::Review(QObject* parent) : QObject(parent), m_undoStack(std::make_unique<
     connect(m_undoStack.get(), &QUndoStack::redoTextChanged, this, &Review::undoChanged);
 }
 
-// The stack outlives the model that its steps refer to, and must not tell anybody at its end.
+// The stack outlives the model that its steps refer to, and must emit nothing at its end.
 Review::~Review()
 {
     m_undoStack->disconnect(this);
