@@ -77,7 +77,8 @@ private:
     const Curve* find(const QString& name) const;
     bool isSynced() const { return m_log && m_clock && m_clock->synced; }
     std::optional<float> valueOf(const Curve& curve, int videoMs) const;
-    QVector<QLine> linesOf(const Curve& curve, const QSize& size, const TimelineView& view) const;
+    std::vector<int> rowsOfPixels(const Curve& curve, int width, const TimelineView& view) const;
+    static QVector<QLine> linesOf(const Curve& curve, const std::vector<int>& rows, int height);
     void paintLegend(QPainter& painter, int cursorMs) const;
 
     std::shared_ptr<const LogFile> m_log;
