@@ -94,6 +94,7 @@ void CurvePainter::setChosen(const QStringList& names)
 void CurvePainter::lookUp()
 {
     m_curves.clear();
+    m_lines.clear();
     if (!m_log)
         return;
     const std::vector<CurveColumn> columns = curveColumns(*m_log);
@@ -181,14 +182,13 @@ QVector<QLine> CurvePainter::linesOf(const Curve& curve, const std::vector<int>&
     return lines;
 }
 
-void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineView& view,
-                         int cursorMs) const
+void CurvePainter::place(const QSize& size, const TimelineView& view)
 {
-    if (!isSynced() || m_curves.empty() || size.isEmpty() || !(view.msPerPx > 0) ||
-        !std::isfinite(view.msPerPx))
+    const Place wanted{size, view.msPerPx, view.contentX, logTimeOfVideo(0, *m_clock)};
+    if (!m_lines.empty() && m_place == wanted)
         return;
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setClipRect(QRect(QPoint(), size));
+    m_place = wanted;
+    m_lines.assign(m_curves.size(), {});
     // Curves of one group share their times, and so the rows of the pixels.
     std::vector<int> rows;
     for (size_t i = 0; i < m_curves.size(); ++i) {
@@ -197,8 +197,22 @@ void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineVie
             continue;
         if (i == 0 || rows.empty() || curve.times != m_curves[i - 1].times)
             rows = rowsOfPixels(curve, size.width(), view);
+        m_lines[i] = linesOf(curve, rows, size.height());
+    }
+}
+
+void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineView& view,
+                         int cursorMs)
+{
+    if (!isSynced() || m_curves.empty() || size.isEmpty() || !(view.msPerPx > 0) ||
+        !std::isfinite(view.msPerPx))
+        return;
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setClipRect(QRect(QPoint(), size));
+    place(size, view);
+    for (size_t i = 0; i < m_curves.size(); ++i) {
         painter.setPen(colourAt(i));
-        painter.drawLines(linesOf(curve, rows, size.height()));
+        painter.drawLines(m_lines[i]);
     }
     const int cursorX = pxOfMs(cursorMs, view);
     if (cursorX >= 0 && cursorX < size.width()) {

@@ -8,7 +8,7 @@ namespace corv {
 namespace {
 
 // Rows of a leaf: few enough to look at them all, enough to keep the tree far smaller than the log.
-constexpr int kBlockRows = 16;
+constexpr int kBlockRows = 8;
 
 template <typename T>
 float read(const unsigned char* rows, int row)
