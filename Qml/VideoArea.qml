@@ -143,7 +143,7 @@ Rectangle {
             videoArea.readThermal();
         }
 
-        function onIrDataChanged() {
+        function onThermalReadingChanged() {
             videoArea.readThermal();
         }
     }
