@@ -44,7 +44,7 @@ Window {
     // A search that waits for the end of an aborted one.
     property bool searchWaits: false
 
-    // In place of a drive's path: the row that stands for a chosen folder.
+    // In place of a drive's path: the row of a chosen folder.
     readonly property string folderMarker: "DIR"
 
     title: "Auto importer"

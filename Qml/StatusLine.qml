@@ -7,7 +7,7 @@ import VideoPlayer 1.0
 import "."
 import "times.js" as Times
 
-// The bottom line: how far a log has been read, or what is open and where the video stands.
+// The bottom line: how far a log has been read, or what is open and the position of the video.
 Rectangle {
     id: statusLine
 

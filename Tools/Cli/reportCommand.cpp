@@ -55,7 +55,7 @@ ExitStatus report(const QCommandLineParser& line)
     const Status opened = flight.open(arguments, path);
     if (!opened)
         return fail(opened.failure());
-    lastError(); // of a log that could be read all the same
+    lastError(); // of a log that could still be read
     if (!writeReport(flight, path))
         return fail(lastErrorOr(path + QStringLiteral(": cannot be written")));
     const QString lostPicture = lastError();
