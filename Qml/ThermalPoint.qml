@@ -7,9 +7,12 @@ Item {
 
     property real value: 0
     property color mark: Theme.text
+    // Whether a ring is drawn around the point.
+    property bool ringed: true
 
     Rectangle {
         anchors.centerIn: parent
+        visible: thermalPoint.ringed
         width: 11
         height: 11
         radius: 6

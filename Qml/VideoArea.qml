@@ -181,6 +181,7 @@ Rectangle {
     ThermalPoint {
         id: pointedValue
         objectName: "pointedThermalValue"
+        ringed: false
         x: pointer.point.position.x + 8
         y: pointer.point.position.y + 20
         visible: !isNaN(value)
