@@ -1,5 +1,4 @@
 import QtQuick 2.7
-import QtQml 2.14
 import corv.LogParsing 1.0
 import HeadUpDisplay 1.0
 import "."
@@ -11,8 +10,6 @@ Rectangle {
     property alias imperialUnits: headUpDisplay.imperialUnits
     property alias videoPosition: headUpDisplay.videoPosition
 
-    // The other unit system is wanted, at once.
-    signal unitsToggled(bool imperial)
     signal editFlightPropertiesClicked()
 
     color: Theme.flightPanel
@@ -93,29 +90,9 @@ Rectangle {
         anchors.topMargin: 6
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.bottom: unitsRow.top
+        anchors.bottom: parent.bottom
         logParser: LogParser
         Accessible.name: "Flight values"
-    }
-
-    Rectangle {
-        id: unitsRow
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
-        height: 27
-        color: Theme.flightPlate
-
-        CorvToolbarToggleTextButton {
-            id: unitsButton
-            objectName: "unitsButton"
-            anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
-            width: 110
-            text: "Feet"
-            source: "images/button_units.png"
-            tooltiptext: "Show the altitude in feet"
-            onToggle: infoRect.unitsToggled(checked)
-        }
-
-        Binding { target: unitsButton; property: "checked"; value: infoRect.imperialUnits }
     }
 
     Connections {

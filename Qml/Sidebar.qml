@@ -11,10 +11,6 @@ TabView {
     property bool imperialUnits: false
     property int tabWidth: width / 2
 
-    property bool extremesShown: false
-
-    signal extremesToggled(bool shown)
-    signal unitsToggled(bool imperial)
     signal editFlightPropertiesClicked()
     // The adjustments have just been made.
     signal adjustmentsLoaded()
@@ -55,7 +51,6 @@ TabView {
                 restoreMode: Binding.RestoreNone
             }
 
-            onUnitsToggled: sidebar.unitsToggled(imperial)
             onEditFlightPropertiesClicked: sidebar.editFlightPropertiesClicked()
         }
     }
@@ -69,8 +64,6 @@ TabView {
             id: adjustmentsTabContents
             objectName: "adjustmentsTabContents"
             player: sidebar.player
-            extremesShown: sidebar.extremesShown
-            onExtremesToggled: sidebar.extremesToggled(shown)
             onLoaded: sidebar.adjustmentsLoaded()
             onEditingFinished: sidebar.editingFinished()
         }

@@ -1,4 +1,4 @@
-import QtQuick 2.15
+import QtQuick 2.7
 import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import QtQuick.Dialogs 1.2
@@ -20,9 +20,6 @@ ApplicationWindow {
     objectName: "mainWindow"
 
     property int sidebarWidth: 270
-    // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
-    readonly property int hiddenHeight: Screen.height < minimumHeight + 60
-            ? Math.max(0, y + height - Screen.virtualY - Screen.height) : 0
     signal installNewVersion(string newVersion)
 
     width: 1600
@@ -435,27 +432,6 @@ ApplicationWindow {
         property string folder: ""
     }
 
-    Settings {
-        id: panelSettings
-        category: "panels"
-        property bool poiListShown: false
-        // Folded at first where the picture needs the room.
-        property bool sidebarShown: Screen.height >= mainWindow.minimumHeight + 60
-    }
-
-    TimelineNavigator {
-        id: timelineNavigator
-        timeline: timelineContent
-    }
-
-    ReviewKeys {
-        player: videoPlayer
-        navigator: timelineNavigator
-        scrollBar: timelineScrollBar
-        picture: videoRect
-        speedBox: controlsTab.speedBox
-    }
-
     Item {
         id: currentProject
         objectName: "currentProject"
@@ -512,13 +488,6 @@ ApplicationWindow {
         onExportProgress: mainWindow.documentExportProgress(done, total)
     }
 
-    ExportJobs {
-        player: videoPlayer
-        reports: poiReportExporter
-        jobs: review.jobs
-        onEnded: infoTab.showNotice(text)
-    }
-
     FileDialogs {
         id: fileDialogs
         player: videoPlayer
@@ -572,27 +541,13 @@ ApplicationWindow {
         onAbortClicked: mainWindow.activeExportOperationAbortByUser()
     }
 
-    JobsPanel {
-        id: jobsPanel
-        objectName: "jobsPanel"
-        z: 2
-        anchors.right: parent.right
-        anchors.bottom: infoTab.top
-        visible: false
-        jobs: review.jobs
-        onClosed: visible = false
-    }
-
     StatusLine {
         id: infoTab
-        jobs: review.jobs
-        onJobsClicked: jobsPanel.visible = !jobsPanel.visible
         objectName: "infoTab"
         player: videoPlayer
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: mainWindow.hiddenHeight
     }
 
     CurvesPanel {
@@ -608,7 +563,6 @@ ApplicationWindow {
 
     Rectangle {
         id: timelineTab
-        z: 1
         objectName: "timelineTab"
         anchors.left: parent.left
         anchors.right: parent.right
@@ -660,9 +614,7 @@ ApplicationWindow {
                                                         : videoPlayer.exactTimePosition
                     contentWidth: mainWindow.contentItem.width
                     contentX: 0
-                    Accessible.role: Accessible.Slider
                     Accessible.name: "Timeline"
-                    Accessible.description: infoTab.positionText
 
                     onDurationChanged: updateLogData()
                     onSeekRequest: videoPlayer.goToTime(time)
@@ -674,18 +626,8 @@ ApplicationWindow {
                     }
                     onClicked: mainWindow.refocusMainActions()
                     onContentXChanged: timeline.contentXChanged()
-
-                    HoverHandler { id: timelinePointer }
                 }
             }
-        }
-
-        TimelinePreview {
-            pointed: timelinePointer.hovered
-            pointerX: timelinePointer.point.position.x
-            anchors.fill: timeline
-            player: videoPlayer
-            navigator: timelineNavigator
         }
 
         MyScrollBar {
@@ -705,10 +647,6 @@ ApplicationWindow {
         timeline: timelineContent
         verbs: mainWindow
         hasFocusItem: mainWindow.activeFocusItem !== null
-        poiListShown: panelSettings.poiListShown
-        onPoiListToggled: panelSettings.poiListShown = shown
-        sidebarShown: panelSettings.sidebarShown
-        onSidebarToggled: panelSettings.sidebarShown = shown
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: timelineTab.top
@@ -727,8 +665,7 @@ ApplicationWindow {
             id: videoRect
             objectName: "videoRect"
             anchors.fill: parent
-            anchors.leftMargin: poiPanel.visible ? poiPanel.width : 0
-            anchors.rightMargin: hUDRectangle.visible ? 3 + mainWindow.sidebarWidth : 0
+            anchors.rightMargin: 3 + mainWindow.sidebarWidth
             player: videoPlayer
             recentProjects: recentProjects.projects
             onRecentProjectChosen: mainWindow.openRecentProject(path)
@@ -768,20 +705,6 @@ ApplicationWindow {
             }
         }
 
-        PoiPanel {
-            id: poiPanel
-            objectName: "poiPanel"
-            anchors.left: parent.left
-            anchors.top: parent.top
-            anchors.bottom: parent.bottom
-            width: 240
-            visible: panelSettings.poiListShown
-            timeline: timelineContent
-            navigator: timelineNavigator
-            onEditRequested: mainWindow.editSelectedPoi()
-            onDone: mainWindow.refocusMainActions()
-        }
-
         Rectangle {
             id: hUDRectangle
             objectName: "hUDRectangle"
@@ -789,7 +712,6 @@ ApplicationWindow {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             width: mainWindow.sidebarWidth
-            visible: panelSettings.sidebarShown
             color: Theme.panel
 
             Sidebar {
@@ -799,9 +721,6 @@ ApplicationWindow {
                 player: videoPlayer
                 imperialUnits: generalSettings.imperialUnits
                 tabWidth: mainWindow.sidebarWidth / 2
-                extremesShown: videoRect.extremesShown
-                onExtremesToggled: videoRect.extremesShown = shown
-                onUnitsToggled: generalSettings.imperialUnits = imperial
                 onEditFlightPropertiesClicked: mainWindow.editFlightProperties()
                 onAdjustmentsLoaded: mainWindow.doAdjustThermalRange()
                 onEditingFinished: mainWindow.refocusMainActions()

@@ -38,7 +38,8 @@ void PoiReportExporter::createPoiReport(QVariantList poiList, QString path,
             path, player, poiList, flightNamingMap, [this](int done, int total) {
                 post(this, [this, done, total] { emit exportProgress(done, total); });
             });
-        post(this, [this, result] {
+        post(this, [this, result, status = writer.result()] {
+            m_exportResult = status;
             m_future.waitForDone(); // so that the end of one report may start the next
             emit exportComplete(result);
         });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Result.h"
 #include "Threads/pool.h"
 #include "Video/VideoPlayer.h"
 
@@ -37,6 +38,9 @@ public:
     /// Gives up the report that is being written: no file is written then.
     Q_INVOKABLE void abortExportOperation();
 
+    /// Why the last report was not written, or what it lacks; valid from `exportComplete` on.
+    const Status& exportResult() const { return m_exportResult; }
+
 signals:
     /// The report has ended; `result` is true if the document was written. Another one may be
     /// started at once.
@@ -51,6 +55,7 @@ private:
     VideoPlayer* m_videoPlayer = nullptr;
     std::atomic<bool> m_abortFlag{false};
     PoolTask m_future;
+    Status m_exportResult;
 };
 
 } // namespace corv

@@ -31,19 +31,26 @@ struct FrameRequest
 {
     std::shared_ptr<ReportFolder> folder;
     std::atomic<bool> done{false};
+    QString problem; ///< written before `done`, read after it; empty if the picture was saved
     QSemaphore wakeUp;
 };
 
-/// Any thread. The picture would carry the resolution of the screen, and so the report would depend
-/// on where it was made.
-void receiveFrame(QImage image, int timeMs, const QString& framePath)
+/// Any thread. Returns what went wrong, in a sentence; empty if nothing did. The picture would
+/// carry the resolution of the screen, and so the report would depend on where it was made.
+QString receiveFrame(QImage image, int timeMs, const QString& framePath)
 {
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
-    if (image.isNull())
+    if (image.isNull()) {
         qWarning() << "Failed to extract frame at ms" << timeMs;
-    else if (!savePictureFile(image, framePath))
+        return QStringLiteral("There is no frame at %1.").arg(reportTime(timeMs));
+    }
+    if (!savePictureFile(image, framePath)) {
         qWarning() << "Failed to save frame to file" << framePath;
+        return QStringLiteral("The picture of the frame at %1 could not be saved as %2.")
+            .arg(reportTime(timeMs), framePath);
+    }
+    return {};
 }
 
 QString atLeastTwoDigits(int number)
@@ -80,19 +87,38 @@ QString ReportWriter::deliveredTemplatePath()
 bool ReportWriter::writeWordReport(QString path, VideoPlayer* player, QVariantList poiList,
                                    QVariantMap flightNaming, Progress progress)
 {
+    m_lostPictures.clear();
+    m_result = writeDocument(path, player, poiList, flightNaming, progress);
+    if (m_result && !m_lostPictures.isEmpty()) {
+        m_result = Failure{Failure::Kind::incomplete,
+                           QStringLiteral("The report %1 lacks %2 of its pictures. %3")
+                               .arg(path)
+                               .arg(m_lostPictures.size())
+                               .arg(m_lostPictures.first())};
+        return true;
+    }
+    return m_result.ok();
+}
+
+Status ReportWriter::writeDocument(const QString& path, VideoPlayer* player,
+                                   const QVariantList& poiList, const QVariantMap& flightNaming,
+                                   const Progress& progress)
+{
+    const Failure cancelled{Failure::Kind::cancelled, QStringLiteral("The report was given up.")};
     qInfo() << "Vistrel will create a POI report at path:" << path;
     ReportFolder::sweep();
     m_frameFolder = std::make_shared<ReportFolder>();
     if (!QFileInfo::exists(m_templatePath)) {
         qWarning() << "DFW export template not found at:" << m_templatePath;
-        return false;
+        return Failure{Failure::Kind::notFound,
+                       QStringLiteral("DFW export template not found at: %1").arg(m_templatePath)};
     }
     DocxMerger merger;
     try {
         merger.load(m_templatePath);
         pasteCover(merger, flightNaming);
         if (isAborted())
-            return false;
+            return cancelled;
         const int validPoiCount =
             static_cast<int>(std::count_if(poiList.begin(), poiList.end(), hasUsableTime));
         const int first = poiList.size() - validPoiCount;
@@ -113,13 +139,14 @@ bool ReportWriter::writeWordReport(QString path, VideoPlayer* player, QVariantLi
                 progress(index - first + 1, validPoiCount);
         }
         if (isAborted())
-            return false;
+            return cancelled;
         merger.save(path);
-        return true;
+        return {};
     } catch (const std::exception& error) {
         qWarning() << "Exception:" << error.what();
         merger.close();
-        return false;
+        return Failure{Failure::Kind::notWritable,
+                       QString::fromLocal8Bit(error.what()).simplified()};
     }
 }
 
@@ -147,7 +174,7 @@ void ReportWriter::pasteCover(DocxMerger& merger, const QVariantMap& flightNamin
 }
 
 void ReportWriter::pastePage(DocxMerger& merger, VideoPlayer* player, const QVariantMap& poi,
-                             const QString& framePath) const
+                             const QString& framePath)
 {
     const int timeMs = poi.value(timeKey).toInt();
     const QString name = poi.value(QStringLiteral("name")).toString();
@@ -161,24 +188,26 @@ void ReportWriter::pastePage(DocxMerger& merger, VideoPlayer* player, const QVar
 }
 
 /// Returns when the frame has been saved, could not be, or is no longer wanted.
-void ReportWriter::saveFrame(VideoPlayer* player, int timeMs, const QString& framePath) const
+void ReportWriter::saveFrame(VideoPlayer* player, int timeMs, const QString& framePath)
 {
     const auto request = std::make_shared<FrameRequest>();
     request->folder = m_frameFolder;
     const bool accepted =
         player &&
         player->getFrameAsync(timeOfMs(timeMs), [request, timeMs, framePath](const QImage& image) {
-            receiveFrame(image, timeMs, framePath);
+            request->problem = receiveFrame(image, timeMs, framePath);
             request->done.store(true, std::memory_order_release);
             request->wakeUp.release();
         });
     if (!accepted) { // then no one will ever call back
-        receiveFrame(QImage(), timeMs, framePath);
+        m_lostPictures << receiveFrame(QImage(), timeMs, framePath);
         return;
     }
     // A frame ends the sleep; the abort flag, which wakes no one, is looked at after it.
     while (!request->done.load(std::memory_order_acquire) && !isAborted())
         request->wakeUp.tryAcquire(1, pollMs);
+    if (request->done.load(std::memory_order_acquire) && !request->problem.isEmpty())
+        m_lostPictures << request->problem;
 }
 
 } // namespace corv

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Base/Result.h"
+
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
 #include <atomic>
@@ -37,16 +40,24 @@ public:
     bool writeWordReport(QString path, VideoPlayer* player, QVariantList poiList,
                          QVariantMap flightNaming, Progress progress);
 
+    /// Why the last report was not written; `incomplete` for one that was written without some of
+    /// its pictures. The same thread.
+    const Status& result() const { return m_result; }
+
 private:
+    Status writeDocument(const QString& path, VideoPlayer* player, const QVariantList& poiList,
+                         const QVariantMap& flightNaming, const Progress& progress);
     bool isAborted() const;
     void pasteCover(DocxMerger& merger, const QVariantMap& flightNaming) const;
     void pastePage(DocxMerger& merger, VideoPlayer* player, const QVariantMap& poi,
-                   const QString& framePath) const;
-    void saveFrame(VideoPlayer* player, int timeMs, const QString& framePath) const;
+                   const QString& framePath);
+    void saveFrame(VideoPlayer* player, int timeMs, const QString& framePath);
 
     const std::atomic<bool>* m_abortFlag;
     QString m_templatePath;
     std::shared_ptr<ReportFolder> m_frameFolder;
+    QStringList m_lostPictures; ///< a sentence each
+    Status m_result;
 };
 
 /// Minutes, seconds and milliseconds of a mark as the report shows them: 65,007 ms reads 01:05.7.

@@ -53,9 +53,7 @@ public:
     const QStringList& chosen() const { return m_names; }
 
     /// Paints at the painter's origin. `cursorMs` is the time of the cursor on the video's axis.
-    /// The curves are computed anew where size, view, clock or curves have changed, and not where
-    /// only the cursor has, as in playback.
-    void paint(QPainter& painter, const QSize& size, const TimelineView& view, int cursorMs);
+    void paint(QPainter& painter, const QSize& size, const TimelineView& view, int cursorMs) const;
 
     /// The value of a curve at a moment of the video: that of the last sample before it. Nothing
     /// before the first sample and without a synchronised log.
@@ -75,36 +73,17 @@ private:
         ValueRange range;
     };
 
-    /// All that the lines of the curves depend on, but the curves themselves.
-    struct Place
-    {
-        QSize size;
-        float msPerPx = 0;
-        int contentX = 0;
-        int logStartMs = 0; ///< log time of the video's start, corrected
-
-        bool operator==(const Place& other) const
-        {
-            return size == other.size && msPerPx == other.msPerPx && contentX == other.contentX &&
-                   logStartMs == other.logStartMs;
-        }
-    };
-
     void lookUp();
-    void place(const QSize& size, const TimelineView& view);
     const Curve* find(const QString& name) const;
     bool isSynced() const { return m_log && m_clock && m_clock->synced; }
     std::optional<float> valueOf(const Curve& curve, int videoMs) const;
-    std::vector<int> rowsOfPixels(const Curve& curve, int width, const TimelineView& view) const;
-    static QVector<QLine> linesOf(const Curve& curve, const std::vector<int>& rows, int height);
+    QVector<QLine> linesOf(const Curve& curve, const QSize& size, const TimelineView& view) const;
     void paintLegend(QPainter& painter, int cursorMs) const;
 
     std::shared_ptr<const LogFile> m_log;
     std::shared_ptr<const FlightClock> m_clock;
     QStringList m_names;
     std::vector<Curve> m_curves;
-    Place m_place;
-    std::vector<QVector<QLine>> m_lines; ///< of the curves at their place; empty if not computed
 };
 
 } // namespace corv

@@ -427,8 +427,9 @@ void TimelineContent::addPoiAtPosition()
     }
 }
 
-QVariantMap TimelineContent::poiAtCursor() const
+QVariantMap TimelineContent::poiAtCursor()
 {
+    moveCursorToShownFrame();
     const Poi* const poi = m_pois->find(m_cursorPosition);
     return poi ? listForm(*poi) : QVariantMap();
 }

@@ -106,6 +106,7 @@ void InstallTest::installsTheseFilesAndNoOthers()
     const QSet<QString> expected = {
         "bin/vistrel",
         "bin/vistrel-cli",
+        "lib/systemd/system/vistrel-card@.service",
         "lib/vistrel/docx_export_template.dfw",
         "lib/vistrel/manual.pdf",
         "lib/vistrel/vistrel",
@@ -126,6 +127,11 @@ void InstallTest::installsTheseFilesAndNoOthers()
         "share/man/man1/vistrel.1.gz",
         "share/metainfo/example.corvenity.vistrel.metainfo.xml",
         "share/mime/packages/vistrel.xml",
+        "share/vistrel/batch/90-vistrel-card.rules",
+        "share/vistrel/batch/review-card",
+        "share/vistrel/batch/review-parallel",
+        "share/vistrel/batch/review-slurm",
+        "share/vistrel/batch/review-task",
     };
     QSet<QString> found;
     const QDir root(staged({}));

@@ -51,6 +51,7 @@ std::vector<Command> matchCommands();
 std::vector<Command> projectCommands();
 std::vector<Command> frameCommands();
 std::vector<Command> reportCommands();
+std::vector<Command> reviewCommands();
 
 /// Runs the command of `commands` that the line names, or prints the help or the version.
 /// `arguments` begin with the name of the program.

@@ -1,7 +1,7 @@
 #include "Base/videoTime.h"
 #include "Cli/Command.h"
-#include "Cli/OpenFlight.h"
-#include "Cli/diagnostics.h"
+#include "Cli/thermalClock.h"
+#include "Review/OpenFlight.h"
 #include "Threads/post.h"
 #include "Video/pictureFile.h"
 

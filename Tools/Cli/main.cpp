@@ -8,8 +8,8 @@ namespace {
 std::vector<Command> allCommands()
 {
     std::vector<Command> commands;
-    for (const auto& set :
-         {logCommands(), matchCommands(), projectCommands(), frameCommands(), reportCommands()})
+    for (const auto& set : {logCommands(), matchCommands(), projectCommands(), frameCommands(),
+                            reportCommands(), reviewCommands()})
         commands.insert(commands.end(), set.begin(), set.end());
     return commands;
 }

@@ -1,7 +1,7 @@
 #include "Cli/Command.h"
-#include "Cli/OpenFlight.h"
-#include "Cli/diagnostics.h"
+#include "Cli/thermalClock.h"
 #include "Project/ReportWriter.h"
+#include "Review/OpenFlight.h"
 #include "Threads/pool.h"
 #include "Threads/post.h"
 
@@ -19,28 +19,28 @@ void showProgress(int done, int total)
 
 /// The writer waits for each frame, so it has a thread of its own while this one keeps the event
 /// loop going.
-bool writeReport(OpenFlight& flight, const QString& path)
+Status writeReport(OpenFlight& flight, const QString& path)
 {
     const std::atomic<bool> abortFlag{false};
     const QVariantList pois = flight.review().allPois();
     const QVariantMap naming = flight.logParser().flightNaming();
     VideoPlayer* const player = &flight.player();
     const bool isOnTerminal = isatty(STDERR_FILENO) == 1;
-    bool isWritten = false;
+    Status status;
     QEventLoop loop;
     const PoolTask task = runOnPool([&, pois, naming, player, isOnTerminal] {
         ReportWriter writer(&abortFlag);
-        const bool result = writer.writeWordReport(
-            path, player, pois, naming,
-            isOnTerminal ? ReportWriter::Progress(showProgress) : ReportWriter::Progress());
-        post(&loop, [&isWritten, &loop, result] {
-            isWritten = result;
+        writer.writeWordReport(path, player, pois, naming,
+                               isOnTerminal ? ReportWriter::Progress(showProgress)
+                                            : ReportWriter::Progress());
+        post(&loop, [&status, &loop, result = writer.result()] {
+            status = result;
             loop.quit();
         });
     });
     loop.exec();
     task.waitForDone();
-    return isWritten;
+    return status;
 }
 
 ExitStatus report(const QCommandLineParser& line)
@@ -55,11 +55,8 @@ ExitStatus report(const QCommandLineParser& line)
     const Status opened = flight.open(arguments, path);
     if (!opened)
         return fail(opened.failure());
-    lastError(); // of a log that could still be read
-    if (!writeReport(flight, path))
-        return fail(lastErrorOr(path + QStringLiteral(": cannot be written")));
-    const QString lostPicture = lastError();
-    return lostPicture.isEmpty() ? Done : fail(path + QStringLiteral(": ") + lostPicture);
+    const Status written = writeReport(flight, path);
+    return written ? Done : fail(written.failure());
 }
 
 } // namespace

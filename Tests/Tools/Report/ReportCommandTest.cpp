@@ -98,7 +98,7 @@ private slots:
         row("no video at all", {path("FLIGHT01.LOG"), "--out", out},
             "FLIGHT01.LOG cannot be opened.");
         row("no log at all", {video(), video(), "--out", out},
-            QFileInfo(video()).fileName() + "\" is not a flight log.");
+            QFileInfo(video()).fileName() + " cannot be decoded.");
         row("nowhere to write", {video(), "--out", path("none/r.docx")}, "cannot write ");
     }
 

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Batch/FlightJob.h"
+#include "Batch/FlightManifest.h"
+#include "Batch/flightStatus.h"
+#include "Review/OpenFlight.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+namespace corv {
+
+/// What is wanted of each flight beside its project, points of interest, pictures and report.
+struct FlightOptions
+{
+    bool copiesMedia = false; ///< video and log beside the project, so that the folder can travel
+    bool showsThermal = false;
+    bool writesVideo = false;
+};
+
+/// Works on one flight without a window: opens it, and puts its results into the folder of the job
+/// below `outFolder`. What is there already and still true is not done again; what fails is said,
+/// and the rest goes on.
+///
+/// A project that somebody has worked on since is never replaced: the run opens it and makes the
+/// pictures, tables and report of what it holds now. Results are written beside and renamed, so
+/// that a run that is killed leaves each of them as it was, or whole.
+///
+/// Made for one run, on a thread that allows nested event loops.
+class FlightRun
+{
+public:
+    using Report = std::function<void(const QJsonObject& event)>;
+
+    struct Summary
+    {
+        QList<StepFailure> failures;
+        int doneSteps = 0; ///< made now, or found made
+    };
+
+    FlightRun(FlightJob job, FlightOptions options, const QString& outFolder, Report report);
+
+    /// Does the work. The last event that is reported is `finishedEvent`; it is kept in the
+    /// flight's folder, too.
+    Summary run();
+
+    /// The event that the last run of a flight ended with; empty if there is none.
+    static QJsonObject lastResult(const QString& outFolder, const QString& folder);
+
+private:
+    /// Gives the files that it made, relative to the flight's folder.
+    using Action = std::function<Result<QStringList>()>;
+
+    void step(const QString& name, const QByteArray& fingerprint, const Action& action);
+    void fail(const QString& stepName, const Failure& failure);
+    Status prepareFolder();
+    Status open();
+    Status makeProject();
+    Result<QStringList> writePictures(const QVariantList& pois);
+    Result<QStringList> writeTables(const QVariantList& pois);
+    Result<QStringList> writeReport(const QVariantList& pois);
+    Result<QStringList> printReport();
+    Result<QStringList> writeVideo();
+    QByteArray projectDigest() const;
+    Summary finish();
+    void progress(const QString& stepName, qint64 done, qint64 total) const;
+    QString workPath(const QString& name) const;
+
+    const FlightJob m_job;
+    const FlightOptions m_options;
+    const Report m_report;
+    const QDir m_folder;
+    const QString m_projectPath;
+    FlightManifest m_manifest;
+    OpenFlight m_flight;
+    Summary m_summary;
+};
+
+} // namespace corv

@@ -1,0 +1,86 @@
+#include "Batch/flightList.h"
+
+#include "Discovery/FlightFilesMatcher.h"
+#include "Discovery/flightSearch.h"
+#include "Video/fileNames.h"
+
+#include <QHash>
+#include <QSet>
+
+namespace corv {
+namespace {
+
+QString evidenceKey(const FlightMatchData& match)
+{
+    return matchingRows({match}).first().toMap().value(QStringLiteral("evidence")).toString();
+}
+
+QString logOf(const FlightMatchData& match)
+{
+    return match.matchFound ? match.logFile.absoluteFilePath() : QString();
+}
+
+/// The files of a flight whose lengths decided nothing: the numbered files that follow it, up to
+/// one that has another log.
+QStringList filesByNumber(const FlightMatchData& first,
+                          const QHash<QString, const FlightMatchData*>& matches)
+{
+    QStringList files;
+    const QString firstPath = first.videoFile.absoluteFilePath();
+    for (const QString& path : expandVideoSequence(firstPath)) {
+        const FlightMatchData* const match = matches.value(path);
+        if (path != firstPath && (!match || (match->matchFound && logOf(*match) != logOf(first))))
+            break;
+        files << path;
+    }
+    return files.isEmpty() ? QStringList{firstPath} : files;
+}
+
+} // namespace
+
+QList<FlightJob> jobsOfMatches(const QList<FlightMatchData>& matches)
+{
+    QHash<QString, const FlightMatchData*> byPath;
+    for (const FlightMatchData& match : matches)
+        byPath.insert(match.videoFile.absoluteFilePath(), &match);
+    QStringList paths = byPath.keys();
+    paths.sort(); // the parts of a flight follow their first
+    QSet<QString> taken;
+    QList<FlightJob> jobs;
+    for (const QString& path : qAsConst(paths)) {
+        const FlightMatchData& match = *byPath[path];
+        if (taken.contains(path) || match.part > 1)
+            continue;
+        FlightJob job;
+        job.videos = match.flightFiles.isEmpty() ? filesByNumber(match, byPath) : match.flightFiles;
+        job.log = logOf(match);
+        job.evidence = evidenceKey(match);
+        job.isDoubtful = match.doubtful;
+        job.naming = match.naming;
+        job.date = match.videoFile.lastModified().date();
+        for (const QString& file : qAsConst(job.videos))
+            taken.insert(file);
+        jobs << job;
+    }
+    nameFolders(&jobs);
+    return jobs;
+}
+
+FlightList listFlights(const QStringList& locations, const std::atomic<bool>& abortFlag)
+{
+    FlightList list;
+    QList<QFileInfo> videos;
+    QList<QFileInfo> logs;
+    for (const QString& location : locations) {
+        const SearchLocations here{location, location, false, false};
+        const FlightFiles files = gatherFlightFiles(here);
+        list.remarks << searchRemarks(here, files);
+        videos << files.videos;
+        logs << files.logs;
+    }
+    FlightFilesMatcher matcher(&abortFlag);
+    list.jobs = jobsOfMatches(matcher.matchFlightFiles(videos, logs, false, nullptr));
+    return list;
+}
+
+} // namespace corv

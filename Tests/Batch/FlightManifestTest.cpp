@@ -1,0 +1,105 @@
+#include "Batch/FlightManifest.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace corv;
+
+namespace {
+
+void write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
+} // namespace
+
+class FlightManifestTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void stepIsDoneOnceItsFilesAreThere()
+    {
+        const QTemporaryDir folder;
+        write(folder.filePath("report.docx"), "document");
+        {
+            FlightManifest manifest(folder.path());
+            QVERIFY(!manifest.isDone("report", "f"));
+            QVERIFY(manifest.setDone("report", "f", {"report.docx"}, "d").ok());
+            QVERIFY(manifest.isDone("report", "f"));
+        }
+        const FlightManifest again(folder.path());
+        QVERIFY(again.isDone("report", "f"));
+        QCOMPARE(again.digest("report"), QByteArray("d"));
+        QVERIFY(!again.isDone("report", "other"));
+        QVERIFY(again.hasStep("report"));
+        QVERIFY(!again.hasStep("video"));
+    }
+
+    void stepIsDoneAgainWhenAFileIsGoneOrCutShort()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("report.docx");
+        write(path, "document");
+        FlightManifest manifest(folder.path());
+        QVERIFY(manifest.setDone("report", "f", {"report.docx"}).ok());
+        write(path, "docu");
+        QVERIFY(!manifest.isDone("report", "f"));
+        QVERIFY(QFile::remove(path));
+        QVERIFY(!manifest.isDone("report", "f"));
+    }
+
+    void damagedManifestIsAnEmptyOne_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("cut short") << QByteArray("{\"version\":1,\"steps\":{\"report\":{\"fin");
+        QTest::newRow("array") << QByteArray("[1,2]");
+        QTest::newRow("other version") << QByteArray(
+            "{\"version\":2,\"steps\":{\"report\":{\"fingerprint\":\"f\",\"files\":{}}}}");
+        QTest::newRow("steps of another kind") << QByteArray("{\"version\":1,\"steps\":[7]}");
+    }
+
+    void damagedManifestIsAnEmptyOne()
+    {
+        QFETCH(QByteArray, text);
+        const QTemporaryDir folder;
+        write(folder.filePath("manifest.json"), text);
+        FlightManifest manifest(folder.path());
+        QVERIFY(!manifest.isDone("report", "f"));
+        QVERIFY(manifest.setDone("report", "f", {}).ok());
+        QVERIFY(FlightManifest(folder.path()).isDone("report", "f"));
+    }
+
+    void identityIsKept()
+    {
+        const QTemporaryDir folder;
+        FlightManifest manifest(folder.path());
+        QVERIFY(manifest.identity().isEmpty());
+        manifest.setIdentity("flight");
+        QVERIFY(manifest.setDone("project", "f", {}).ok());
+        QCOMPARE(FlightManifest(folder.path()).identity(), QByteArray("flight"));
+    }
+
+    void fingerprintChangesWithWordsAndFiles()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("video.mov");
+        const QByteArray missing = fingerprintOf({"a"}, {path});
+        write(path, "1234");
+        const QByteArray there = fingerprintOf({"a"}, {path});
+        QVERIFY(there != missing);
+        QCOMPARE(fingerprintOf({"a"}, {path}), there);
+        QVERIFY(fingerprintOf({"b"}, {path}) != there);
+        write(path, "12345");
+        QVERIFY(fingerprintOf({"a"}, {path}) != there);
+        QVERIFY(fingerprintOf({"a", "b"}, {}) != fingerprintOf({"ab"}, {}));
+    }
+};
+
+QTEST_GUILESS_MAIN(FlightManifestTest)
+#include "FlightManifestTest.moc"

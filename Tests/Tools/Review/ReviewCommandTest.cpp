@@ -1,0 +1,287 @@
+#include "SampleFlight/SampleFlight.h"
+#include "Support/ProgramRun.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <memory>
+
+using namespace corv;
+using namespace corv::test;
+
+namespace {
+
+QProcessEnvironment withoutWordProcessor()
+{
+    // Printing takes longer than all the rest, and is tried once.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("PATH", "/nonexistent");
+    return environment;
+}
+
+ProgramRun run(const QStringList& arguments,
+               const QProcessEnvironment& environment = withoutWordProcessor())
+{
+    return runProgram(QStringLiteral(VISTREL_CLI), QStringList{"review"} + arguments, environment);
+}
+
+QList<QJsonObject> linesOf(const QByteArray& text)
+{
+    QList<QJsonObject> lines;
+    for (const QByteArray& line : text.trimmed().split('\n'))
+        lines << QJsonDocument::fromJson(line).object();
+    return lines;
+}
+
+QByteArray contentsOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
+/// All files below a folder with their contents; a report only by its name, since it has a date in
+/// it and is a zip.
+QMap<QString, QByteArray> resultsIn(const QString& folder)
+{
+    QMap<QString, QByteArray> results;
+    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        const bool varies = path.endsWith(".docx") || path.endsWith("manifest.json");
+        results[QDir(folder).relativeFilePath(path)] = varies ? QByteArray() : contentsOf(path);
+    }
+    return results;
+}
+
+} // namespace
+
+class ReviewCommandTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void flightIsReviewedWhole();
+    void secondRunDoesOnlyWhatIsMissing();
+    void projectOfThePilotIsKept();
+    void badFlightStopsNoOther();
+    void killedRunGoesOn();
+    void jobsGiveTheSameAsOneRun();
+    void fullFolderOfAnotherFlightIsLeftAlone();
+    void refusals_data();
+    void refusals();
+
+private:
+    QString out(const QString& name = QString()) const { return m_out->path() + '/' + name; }
+    QString flightFolder() const { return out(m_flightName); }
+
+    QTemporaryDir m_card;
+    std::unique_ptr<QTemporaryDir> m_out;
+    QString m_flightName;
+};
+
+void ReviewCommandTest::initTestCase()
+{
+    SampleFlightOptions options;
+    options.videoSeconds = 10.0; // parts that differ from the recording by more than chance
+    options.secondsPerFile = 5;
+    const SampleFlight flight(options);
+    QVERIFY(flight.writeCard(m_card.path()));
+}
+
+void ReviewCommandTest::init()
+{
+    m_out = std::make_unique<QTemporaryDir>();
+    const ProgramRun list = run({"--list", "--json", "--out", out(), m_card.path()});
+    QCOMPARE(list.status, 0);
+    const QList<QJsonObject> jobs = linesOf(list.out);
+    QCOMPARE(jobs.size(), 1);
+    QCOMPARE(jobs[0]["videos"].toArray().size(), 2);
+    m_flightName = jobs[0]["folder"].toString();
+    QVERIFY(!m_flightName.isEmpty());
+}
+
+void ReviewCommandTest::flightIsReviewedWhole()
+{
+    const ProgramRun review = run({"--out", out(), "--copy", "--thermal", "--video", m_card.path()},
+                                  QProcessEnvironment::systemEnvironment());
+    QCOMPARE(review.error, QByteArray());
+    QCOMPARE(review.status, 0);
+    const QJsonObject last = linesOf(review.out).last();
+    QCOMPARE(last["event"].toString(), QStringLiteral("finished"));
+    QCOMPARE(last["status"].toString(), QStringLiteral("done"));
+
+    const QJsonArray points =
+        QJsonDocument::fromJson(contentsOf(flightFolder() + "/points.json")).array();
+    QVERIFY(points.size() > 0);
+    for (const QJsonValue& point : points) {
+        QVERIFY(!QImage(flightFolder() + '/' + point.toObject()["picture"].toString()).isNull());
+        QVERIFY(point.toObject()["logTimeMs"].isDouble());
+        QVERIFY(!point.toObject()["instruments"].toObject()["Altitude"].toString().isEmpty());
+    }
+    const QByteArray table = contentsOf(flightFolder() + "/points.csv");
+    QVERIFY(table.startsWith("time_ms,time,log_time_ms,name,description,"));
+    QCOMPARE(table.count("\r\n"), points.size() + 1);
+    QVERIFY(contentsOf(flightFolder() + "/report.docx").startsWith("PK"));
+    QVERIFY(contentsOf(flightFolder() + "/report.pdf").startsWith("%PDF"));
+    QVERIFY(QFileInfo(flightFolder() + "/video.mp4").size() > 0);
+    QVERIFY(!QDir(flightFolder() + "/.work").exists());
+
+    // With its media the folder stands alone.
+    const QString moved = out("moved");
+    QVERIFY(QDir().rename(flightFolder(), moved));
+    const ProgramRun project =
+        runProgram(VISTREL_CLI, {"project", moved + '/' + m_flightName + ".ecor", "--json"});
+    QCOMPARE(project.status, 0);
+    QCOMPARE(QJsonDocument::fromJson(project.out).object()["missing"].toArray().size(), 0);
+}
+
+void ReviewCommandTest::secondRunDoesOnlyWhatIsMissing()
+{
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    QMap<QString, QDateTime> times;
+    for (const QString name : {"report.docx", "points.csv", "pictures/POI001.jpg"})
+        times[name] = QFileInfo(flightFolder() + '/' + name).lastModified();
+    QVERIFY(QFile::remove(flightFolder() + "/points.csv"));
+    const ProgramRun again = run({"--out", out(), m_card.path()});
+    QCOMPARE(again.status, 0);
+    QStringList steps;
+    for (const QJsonObject& line : linesOf(again.out))
+        steps << line["step"].toString();
+    steps.removeDuplicates();
+    QCOMPARE(steps, QStringList({"open", "points", ""}));
+    QVERIFY(QFile::exists(flightFolder() + "/points.csv"));
+    for (const QString name : {"report.docx", "pictures/POI001.jpg"})
+        QCOMPARE(QFileInfo(flightFolder() + '/' + name).lastModified(), times[name]);
+}
+
+void ReviewCommandTest::projectOfThePilotIsKept()
+{
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    const QString project = flightFolder() + '/' + m_flightName + ".ecor";
+    QByteArray text = contentsOf(project);
+    QVERIFY(text.contains("\"name\": \"POI 1\""));
+    text.replace("\"name\": \"POI 1\"", "\"name\": \"Hot cell\"");
+    write(project, text);
+    const ProgramRun again = run({"--out", out(), m_card.path()});
+    QCOMPARE(again.status, 0);
+    QCOMPARE(contentsOf(project), text);
+    QVERIFY(contentsOf(flightFolder() + "/points.csv").contains("Hot cell"));
+}
+
+void ReviewCommandTest::badFlightStopsNoOther()
+{
+    const QTemporaryDir card;
+    write(card.filePath("AAA.MOV"), "no video at all");
+    const ProgramRun review = run({"--out", out(), m_card.path(), card.path()});
+    QCOMPARE(review.status, 3);
+    QMap<QString, int> statuses;
+    for (const QJsonObject& line : linesOf(review.out))
+        if (line["event"].toString() == "finished")
+            ++statuses[line["status"].toString()];
+    QCOMPARE(statuses, (QMap<QString, int>{{"done", 1}, {"failed", 1}}));
+    QVERIFY(QFile::exists(flightFolder() + "/report.docx"));
+}
+
+// Whatever moment it is killed at, the run after it ends with what one quiet run gives.
+void ReviewCommandTest::killedRunGoesOn()
+{
+    const QTemporaryDir quiet;
+    QCOMPARE(run({"--out", quiet.path(), m_card.path()}).status, 0);
+    QRandomGenerator random(20261121);
+    for (int kill = 0; kill < 6; ++kill) {
+        QProcess process;
+        process.setProcessEnvironment(withoutWordProcessor());
+        process.start(VISTREL_CLI, {"review", "--out", out(), m_card.path()});
+        QVERIFY(process.waitForStarted());
+        // At a step that is drawn, or at the end.
+        const int lines = random.bounded(1, 12);
+        int seen = 0;
+        while (seen < lines && process.waitForReadyRead(60000))
+            seen += process.readAllStandardOutput().count('\n');
+        process.kill();
+        QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished());
+    }
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    QCOMPARE(resultsIn(out()).keys(), resultsIn(quiet.path()).keys());
+    QMap<QString, QByteArray> results = resultsIn(out());
+    QMap<QString, QByteArray> expected = resultsIn(quiet.path());
+    // The way from the project to the card differs by the place of the folder.
+    const QString project = m_flightName + '/' + m_flightName + ".ecor";
+    results.remove(project);
+    expected.remove(project);
+    QVERIFY(results == expected);
+}
+
+void ReviewCommandTest::jobsGiveTheSameAsOneRun()
+{
+    const ProgramRun list = run({"--list", "--json", "--out", out(), m_card.path()});
+    write(out("jobs.jsonl"), list.out);
+    const ProgramRun none = run({"--gather", out("jobs.jsonl"), "--out", out()});
+    QCOMPARE(none.status, 1);
+    write(out("job.json"), list.out);
+    QCOMPARE(run({"--job", out("job.json"), "--out", out()}).status, 0);
+    const ProgramRun gathered = run({"--gather", out("jobs.jsonl"), "--out", out()});
+    QCOMPARE(gathered.status, 0);
+    QCOMPARE(linesOf(gathered.out).last()["status"].toString(), QStringLiteral("done"));
+
+    const QTemporaryDir other;
+    QCOMPARE(run({"--out", other.path(), m_card.path()}).status, 0);
+    QCOMPARE(resultsIn(flightFolder()).keys(), resultsIn(other.filePath(m_flightName)).keys());
+}
+
+void ReviewCommandTest::fullFolderOfAnotherFlightIsLeftAlone()
+{
+    QVERIFY(QDir().mkpath(flightFolder()));
+    const QByteArray manifest = "{\"version\":1,\"identity\":\"another\",\"steps\":{}}";
+    write(flightFolder() + "/manifest.json", manifest);
+    const ProgramRun review = run({"--out", out(), m_card.path()});
+    QCOMPARE(review.status, 1);
+    const QJsonArray failures = linesOf(review.out).last()["failures"].toArray();
+    QVERIFY(failures[0].toObject()["message"].toString().contains("another flight"));
+    QCOMPARE(contentsOf(flightFolder() + "/manifest.json"), manifest);
+    QVERIFY(!QFile::exists(flightFolder() + "/report.docx"));
+}
+
+void ReviewCommandTest::refusals_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::newRow("no location") << QStringList{"--out", "x"} << 2;
+    QTest::newRow("no output folder") << QStringList{"."} << 2;
+    QTest::newRow("job and location") << QStringList{"--job", "x", "--out", "x", "."} << 2;
+    QTest::newRow("none at once") << QStringList{"--at-once", "0", "--out", "x", "."} << 2;
+    QTest::newRow("missing location") << QStringList{"--out", "x", "/nonexistent"} << 1;
+    QTest::newRow("missing job") << QStringList{"--job", "/nonexistent", "--out", "x"} << 1;
+    QTest::newRow("missing list") << QStringList{"--gather", "/nonexistent", "--out", "x"} << 1;
+    QTest::newRow("no video") << QStringList{"--out", "x", VISTREL_BATCH} << 1;
+}
+
+void ReviewCommandTest::refusals()
+{
+    QFETCH(QStringList, arguments);
+    const ProgramRun review = run(arguments);
+    QTEST(review.status, "status");
+    QCOMPARE(review.error.count('\n'), 1);
+}
+
+QTEST_GUILESS_MAIN(ReviewCommandTest)
+#include "ReviewCommandTest.moc"

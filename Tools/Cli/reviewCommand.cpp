@@ -1,0 +1,214 @@
+#include "Batch/BatchRun.h"
+#include "Batch/FlightJob.h"
+#include "Batch/FlightRun.h"
+#include "Batch/flightList.h"
+#include "Cli/Command.h"
+#include "Cli/ReviewProgress.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QThread>
+#include <atomic>
+#include <cstdio>
+
+namespace corv::cli {
+namespace {
+
+const QString outOption = QStringLiteral("out");
+const QString listOption = QStringLiteral("list");
+const QString jsonOption = QStringLiteral("json");
+const QString jobOption = QStringLiteral("job");
+const QString gatherOption = QStringLiteral("gather");
+const QString copyOption = QStringLiteral("copy");
+const QString thermalOption = QStringLiteral("thermal");
+const QString videoOption = QStringLiteral("video");
+const QString atOnceOption = QStringLiteral("at-once");
+
+// A job has a few paths; a file of this size is none.
+constexpr qint64 largestJobBytes = 1024 * 1024;
+
+FlightOptions flightOptions(const QCommandLineParser& line)
+{
+    FlightOptions options;
+    options.copiesMedia = line.isSet(copyOption);
+    options.showsThermal = line.isSet(thermalOption);
+    options.writesVideo = line.isSet(videoOption);
+    return options;
+}
+
+// The options of this line for the process of one flight.
+QStringList wordsOf(const QCommandLineParser& line)
+{
+    QStringList words;
+    for (const QString& option : {copyOption, thermalOption, videoOption})
+        if (line.isSet(option))
+            words << QStringLiteral("--") + option;
+    return words;
+}
+
+ExitStatus statusOf(int failed, int partial, int done)
+{
+    if (failed == 0 && partial == 0)
+        return Done;
+    return done == 0 && partial == 0 ? Failed : PartlyDone;
+}
+
+Result<QByteArray> readJobText(const QString& path)
+{
+    QFile file(path);
+    const bool isOpen = path == QLatin1String("-")
+                            ? file.open(stdin, QIODevice::ReadOnly)
+                            : QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
+    if (!isOpen)
+        return Failure{Failure::Kind::notFound,
+                       QStringLiteral("The job %1 cannot be read.").arg(path)};
+    return file.read(largestJobBytes);
+}
+
+ExitStatus runJob(const QCommandLineParser& line)
+{
+    const Result<QByteArray> text = readJobText(line.value(jobOption));
+    if (!text)
+        return fail(text.failure().sentence);
+    const Result<FlightJob> job = FlightJob::fromJson(*text);
+    if (!job)
+        return fail(job.failure().sentence);
+    ReviewProgress progress(1);
+    FlightRun run(*job, flightOptions(line), line.value(outOption),
+                  [&progress](const QJsonObject& event) { progress.show(event); });
+    const FlightRun::Summary summary = run.run();
+    if (summary.failures.isEmpty())
+        return Done;
+    return summary.doneSteps > 0 ? PartlyDone : Failed;
+}
+
+ExitStatus listJobs(const FlightList& list, bool json)
+{
+    QByteArray text;
+    for (const FlightJob& job : list.jobs) {
+        if (json)
+            text += QJsonDocument(job.toJson()).toJson(QJsonDocument::Compact);
+        else
+            text +=
+                QStringLiteral("%1\t%2\t%3")
+                    .arg(job.folder, QFileInfo(job.videos.first()).fileName(),
+                         job.log.isEmpty() ? QStringLiteral("-") : QFileInfo(job.log).fileName())
+                    .toUtf8();
+        text += '\n';
+    }
+    return writeOut(text);
+}
+
+/// Reads the results of jobs that ran elsewhere: one line a flight, as on one machine.
+ExitStatus gather(const QCommandLineParser& line)
+{
+    QFile file(line.value(gatherOption));
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(QStringLiteral("The list %1 cannot be read.").arg(file.fileName()));
+    QList<FlightJob> jobs;
+    while (!file.atEnd()) {
+        const QByteArray text = file.readLine(largestJobBytes).trimmed();
+        if (text.isEmpty())
+            continue;
+        const Result<FlightJob> job = FlightJob::fromJson(text);
+        if (!job)
+            return fail(job.failure().sentence);
+        jobs << *job;
+    }
+    ReviewProgress progress(jobs.size());
+    int counts[3] = {0, 0, 0}; // failed, partial, done
+    for (const FlightJob& job : qAsConst(jobs)) {
+        QJsonObject event = FlightRun::lastResult(line.value(outOption), job.folder);
+        if (event.isEmpty())
+            event = finishedEvent(job.folder,
+                                  {{QStringLiteral("start"),
+                                    {Failure::Kind::other,
+                                     QStringLiteral("No machine has worked on this flight, or its "
+                                                    "work was ended before anything was done.")}}});
+        progress.show(event);
+        const QString status = event.value(QLatin1String("status")).toString();
+        ++counts[status == QLatin1String("done") ? 2 : status == QLatin1String("partial") ? 1 : 0];
+    }
+    return statusOf(counts[0], counts[1], counts[2]);
+}
+
+ExitStatus runAll(const QCommandLineParser& line, const FlightList& list, int atOnce)
+{
+    const QString program = QCoreApplication::applicationFilePath();
+    const BatchRun::Command command{
+        program,
+        QStringList{QStringLiteral("review"), QStringLiteral("--out"), line.value(outOption)} +
+            wordsOf(line) + QStringList{QStringLiteral("--job")}};
+    BatchRun run(command, list.jobs, atOnce);
+    ReviewProgress progress(list.jobs.size());
+    QObject::connect(&run, &BatchRun::reported,
+                     [&progress](const QJsonObject& event) { progress.show(event); });
+    QEventLoop loop;
+    QObject::connect(&run, &BatchRun::finished, &loop, &QEventLoop::quit);
+    run.start();
+    loop.exec();
+    return statusOf(run.count(BatchRun::Outcome::failed), run.count(BatchRun::Outcome::partial),
+                    run.count(BatchRun::Outcome::done));
+}
+
+ExitStatus review(const QCommandLineParser& line)
+{
+    const QStringList locations = line.positionalArguments();
+    const bool hasLocations = !locations.isEmpty();
+    int atOnce = 0;
+    if (!line.isSet(outOption) || line.value(outOption).isEmpty() ||
+        !readNumber(line, atOnceOption, QThread::idealThreadCount(), &atOnce) || atOnce < 1)
+        return WrongUsage;
+    if (line.isSet(jobOption))
+        return hasLocations ? WrongUsage : runJob(line);
+    if (line.isSet(gatherOption))
+        return hasLocations ? WrongUsage : gather(line);
+    if (!hasLocations)
+        return WrongUsage;
+    for (const QString& location : locations) {
+        const QFileInfo folder(location);
+        if (!folder.isDir() || !folder.isReadable())
+            return fail(QStringLiteral("%1: no folder that can be read").arg(location));
+    }
+    const std::atomic<bool> abortFlag{false};
+    const FlightList list = listFlights(locations, abortFlag);
+    for (const QString& remark : list.remarks)
+        std::fprintf(stderr, "vistrel-cli: %s\n", remark.toLocal8Bit().constData());
+    if (line.isSet(listOption))
+        return listJobs(list, line.isSet(jsonOption));
+    if (list.jobs.isEmpty())
+        return fail(QStringLiteral("no video was found"));
+    if (!QDir().mkpath(line.value(outOption)))
+        return fail(QStringLiteral("%1: cannot be made").arg(line.value(outOption)));
+    return runAll(line, list, atOnce);
+}
+
+} // namespace
+
+std::vector<Command> reviewCommands()
+{
+    return {
+        {QStringLiteral("review"),
+         QStringLiteral("(LOCATION... [--list [--json]] | --job FILE | --gather FILE) --out DIR "
+                        "[--copy] [--thermal] [--video] [--at-once N]"),
+         QStringLiteral("the whole review of cards, one folder a flight"),
+         {valued(outOption, QStringLiteral("DIR"), QStringLiteral("where the folders go")),
+          flag(listOption, QStringLiteral("prints the flights and works on none")),
+          flag(jsonOption, QStringLiteral("with --list: one job a line, as JSON")),
+          valued(jobOption, QStringLiteral("FILE"),
+                 QStringLiteral("works on one flight of such a list; - is standard input")),
+          valued(gatherOption, QStringLiteral("FILE"),
+                 QStringLiteral("prints how the flights of such a list ended")),
+          flag(copyOption, QStringLiteral("copies video and log beside the project")),
+          flag(thermalOption, QStringLiteral("shows the thermal overlay")),
+          flag(videoOption, QStringLiteral("writes the video as shown, too")),
+          valued(atOnceOption, QStringLiteral("N"),
+                 QStringLiteral("flights at once; as many as there are processors"))},
+         review}};
+}
+
+} // namespace corv::cli
