@@ -99,6 +99,12 @@ void CachedFrameSource::keep(const Frame& frame)
         m_keptBytes += place->second.sizeBytes;
 }
 
+void CachedFrameSource::freeMemory()
+{
+    m_kept.clear();
+    m_keptBytes = 0;
+}
+
 // The furthest from the frame read last goes first.
 void CachedFrameSource::trim()
 {

@@ -26,6 +26,11 @@ public:
     double frameTimeMs(int frame) const override { return m_source->frameTimeMs(frame); }
     int frameAtTime(double ms) const override { return m_source->frameAtTime(ms); }
     int nearestKeyframe(int frame) const override { return m_source->nearestKeyframe(frame); }
+    bool isAtHand(int frame) const override
+    {
+        return m_kept.count(frame) > 0 || m_source->isAtHand(frame);
+    }
+    void freeMemory() override;
     bool isIndexReady() const override { return m_source->isIndexReady(); }
     double indexProgress() const override { return m_source->indexProgress(); }
     int nextFrame() const override { return m_next; }

@@ -49,7 +49,7 @@ FrameIndexTask::FrameIndexTask(std::unique_ptr<ByteSource> bytes, const QString&
                                int firstPacket, double fps)
     : m_state(std::make_shared<State>(FrameIndex()))
 {
-    // Whoever waits for the index may be a task of the pool: one place more, so that the two
+    // What waits for the index may be a task of the pool: one place more, so that the two
     // cannot wait for each other.
     QThreadPool::globalInstance()->releaseThread();
     m_task = runOnPool([state = m_state,

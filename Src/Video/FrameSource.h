@@ -54,6 +54,12 @@ public:
     /// The last keyframe at or before `index`: reading it costs the decoding of one frame.
     virtual int nearestKeyframe(int index) const { return index; }
 
+    /// Whether reading the frame costs no more than decoding one.
+    virtual bool isAtHand(int index) const { return index == nextFrame(); }
+
+    /// Gives back the memory of frames that are kept for quicker reading; none is lost.
+    virtual void freeMemory() {}
+
     /// Some containers must be read through before the number and the times of their frames are
     /// known. Until then reading on from the start works; frameCount(), times and positioning wait
     /// for it. Any thread.

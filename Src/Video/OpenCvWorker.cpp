@@ -7,6 +7,7 @@
 #include "Threads/post.h"
 #include "Video/VideoExporter.h"
 #include "Video/frameConversion.h"
+#include "Video/partialDrawing.h"
 
 #include <QDebug>
 #include <QElapsedTimer>
@@ -19,11 +20,23 @@ namespace {
 
 constexpr int burstFrames = 5;
 
+cv::Size sizeOf(const Frame& frame)
+{
+    return {frame.size.width(), frame.size.height()};
+}
+
 // A picture that takes longer than this is not worth waiting for without a preview.
-constexpr double patienceMs = 80.0;
+constexpr double patienceMs = 100.0;
 
 // How long a newer wish may have to wait for an older one to give way.
 constexpr double strideMs = 40.0;
+
+// A wish by time, or its repetition after a preview: others of the kind may follow soon. Steps are
+// not, which come one by one and fill the source's memory of frames on their way.
+bool isOfAPointer(const SeekWish& wish)
+{
+    return wish.steps == 0 && wish.from != SeekWish::From::frame;
+}
 
 // What decoding costs until it has been measured.
 constexpr double assumedNsPerPixel = 2.0;
@@ -145,7 +158,7 @@ bool OpenCvWorker::moveToNextFile()
         endPlayback();
         return false;
     }
-    ++m_currentSource;
+    leaveFileFor(m_currentSource + 1);
     if (!current().capture->seekToFrame(0)) {
         qInfo() << "Failed to seek in the beginning for" << current().file;
         endPlayback();
@@ -155,6 +168,14 @@ bool OpenCvWorker::moveToNextFile()
         client.onCurrentFile(opening, file);
     });
     return true;
+}
+
+// Each source keeps frames for steps back; only the one that plays needs them.
+void OpenCvWorker::leaveFileFor(int file)
+{
+    if (m_currentSource != noFile && m_currentSource != file)
+        current().capture->freeMemory();
+    m_currentSource = file;
 }
 
 void OpenCvWorker::produceFrameBurst()
@@ -176,7 +197,7 @@ void OpenCvWorker::seekAtTime(QTime time)
         qWarning() << "Seek at time" << time << "out of bounds";
         return;
     }
-    m_currentSource = file;
+    leaveFileFor(file);
     VideoFileEntry& entry = current();
     const double lastStart = entry.durationMs - truncateToInt(1000.0 / entry.fps);
     const double fileMs = std::max(std::min(ms - entry.startMs, lastStart), 0.0);
@@ -195,7 +216,7 @@ void OpenCvWorker::seekAtFrameIndex(int index)
         qWarning() << "Seek frame index " << index << "out of bounds:" << m_timeline.totalFrames();
         return;
     }
-    m_currentSource = file;
+    leaveFileFor(file);
     VideoFileEntry& entry = current();
     // Below 0 first: the distance of two ints can be more than an int holds.
     const int local = std::max(index, entry.firstFrameIndex) - entry.firstFrameIndex;
@@ -217,7 +238,7 @@ void OpenCvWorker::serveWish(const SeekWish& wish)
         m_wishedFrame = placeOf(wish);
         if (wish.mayPreview && showPreview(m_wishedFrame))
             outcome = WishOutcome::previewed;
-        else if (!approach(m_wishedFrame))
+        else if (isOfAPointer(wish) && !approach(m_wishedFrame))
             outcome = WishOutcome::overtaken;
         else if (goToFrame(m_wishedFrame, FrameUse::seekResult) == Produced::frame)
             outcome = WishOutcome::shown;
@@ -242,7 +263,7 @@ OpenCvWorker::Produced OpenCvWorker::goToFrame(int index, FrameUse use)
 {
     const int file = m_timeline.fileOfFrame(index);
     const bool isOtherFile = m_currentSource != file;
-    m_currentSource = file;
+    leaveFileFor(file);
     VideoFileEntry& entry = current();
     if (isOtherFile) {
         tellClient([opening = m_opening, path = entry.file](WorkerClient& client) {
@@ -259,8 +280,10 @@ OpenCvWorker::Produced OpenCvWorker::goToFrame(int index, FrameUse use)
 }
 
 // From where the file's source is, or from the keyframe before if that is nearer.
-int OpenCvWorker::framesOnTheWay(FrameSource& source, int local)
+int OpenCvWorker::framesOnTheWay(const FrameSource& source, int local)
 {
+    if (source.isAtHand(local))
+        return 0;
     const int keyframe = source.nearestKeyframe(local);
     const int next = source.nextFrame();
     return local - (next > keyframe && next <= local ? next : keyframe);
@@ -303,7 +326,7 @@ bool OpenCvWorker::showPreview(int index)
     if (!source.seekToFrame(source.nearestKeyframe(local)) ||
         source.read(frame) != ReadOutcome::frame)
         return false;
-    m_currentSource = file;
+    leaveFileFor(file);
     m_lastFrameWasSought = false;
     return handOverPicture(frame, index, entry.timelineMs(source.frameTimeMs(local)),
                            FrameUse::preview) == Produced::frame;
@@ -332,21 +355,12 @@ OpenCvWorker::Produced OpenCvWorker::renderLastFrame(FrameUse use)
     return handOverPicture(m_lastFrame, m_lastFrameIndex, m_lastFrameTimeMs, use);
 }
 
-// A picture that no effect will change is shown as it is, without a copy.
 OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int frameIndex,
                                                      int timeMs, FrameUse use)
 {
     try {
-        PlayerFrame result{frameIndex, timeMs, {}, nullptr};
-        if (m_overlay.changesPictures(m_settings)) {
-            toBgr(picture, m_effectFrame);
-            m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
-            result.thermal = m_overlay.reading(m_effectFrame.size(), m_settings);
-            result.frame = toVideoFrame(m_effectFrame, picture);
-        } else {
-            m_overlay.reportRange(m_settings, m_reportRange);
-            result.frame = toVideoFrame(picture);
-        }
+        PlayerFrame result{frameIndex, timeMs, pictureForScreen(picture, timeMs), nullptr};
+        result.thermal = m_overlay.reading(sizeOf(picture), m_settings);
         tellClient([opening = m_opening, result, use](WorkerClient& client) {
             client.onFrameReady(opening, result, use);
         });
@@ -355,6 +369,27 @@ OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int f
         qWarning() << "Giving up frame" << frameIndex << error.what();
         return Produced::failure;
     }
+}
+
+// A picture that no effect will change is shown as it is, without a copy. Where only the overlay
+// changes it, only its part is converted.
+QVideoFrame OpenCvWorker::pictureForScreen(const Frame& picture, int timeMs)
+{
+    if (!m_overlay.changesPictures(m_settings)) {
+        m_overlay.reportRange(m_settings, m_reportRange);
+        return toVideoFrame(picture);
+    }
+    const cv::Size size = sizeOf(picture);
+    const cv::Rect part = evenPart(m_overlay.changedPart(size, m_settings), size);
+    if (canDrawOnPart(picture) && !part.empty() && part.size() != size) {
+        m_overlay.reportRange(m_settings, m_reportRange);
+        return toVideoFrame(drawOnPart(picture, part, [&](cv::Mat& bgr) {
+            m_overlay.drawOnPart(bgr, part.tl(), size, timeMs, m_settings);
+        }));
+    }
+    toBgr(picture, m_effectFrame);
+    m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
+    return toVideoFrame(m_effectFrame, picture);
 }
 
 QImage OpenCvWorker::getFrameAt(QTime time)

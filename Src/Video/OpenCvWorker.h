@@ -113,15 +113,17 @@ private:
 
     VideoFileEntry& current() { return m_timeline.entry(m_currentSource); }
     Produced produceFrame(FrameUse use);
+    void leaveFileFor(int file);
     bool moveToNextFile();
     Produced goToFrame(int index, FrameUse use);
     int placeOf(const SeekWish& wish) const;
-    static int framesOnTheWay(FrameSource& source, int local);
+    static int framesOnTheWay(const FrameSource& source, int local);
     bool approach(int index);
     bool showPreview(int index);
     void answerSeek(Produced produced);
     Produced handOverPicture(const Frame& picture, int frameIndex, int timeMs, FrameUse use);
     Produced renderLastFrame(FrameUse use);
+    QVideoFrame pictureForScreen(const Frame& picture, int timeMs);
     FrameSource* stillSource(int file);
     QImage extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs);
     void endPlayback();

@@ -137,14 +137,35 @@ void ThermalOverlay::composeFrame(quint32 frame)
     }
 }
 
+cv::Rect ThermalOverlay::changedPart(cv::Size frame, const VideoDisplaySettings& settings) const
+{
+    if (changesContrastOrBrightness(settings.contrast, settings.brightness))
+        return {{0, 0}, frame};
+    if (!settings.showIR || !isActive())
+        return {};
+    return thermalRectangle(frame, settings) & cv::Rect({0, 0}, frame);
+}
+
 void ThermalOverlay::drawThermalOverlay(cv::Mat& frame, int timeMs,
                                         const VideoDisplaySettings& settings, bool invertColours)
+{
+    draw(frame, {0, 0}, frame.size(), timeMs, settings, invertColours);
+}
+
+void ThermalOverlay::drawOnPart(cv::Mat& part, cv::Point origin, cv::Size frame, int timeMs,
+                                const VideoDisplaySettings& settings)
+{
+    draw(part, origin, frame, timeMs, settings, false);
+}
+
+void ThermalOverlay::draw(cv::Mat& part, cv::Point origin, cv::Size frame, int timeMs,
+                          const VideoDisplaySettings& settings, bool invertColours)
 {
     if (!isActive())
         return;
     try {
         composeFrame(m_frameTimes.frameAt(logTimeOfVideo(timeMs, *m_clock)));
-        warnOnce(layOverFrame(frame, settings, invertColours));
+        warnOnce(layOverFrame(part, origin, frame, settings, invertColours));
     } catch (const cv::Exception& error) {
         qWarning() << "Thermal overlay given up:" << error.what();
     }
@@ -161,18 +182,19 @@ ThermalOverlay::reading(cv::Size frame, const VideoDisplaySettings& settings) co
     return std::make_shared<const ThermalReading>(m_irFrame, place, frame);
 }
 
-ThermalOverlay::Refusal ThermalOverlay::layOverFrame(cv::Mat& frame,
+ThermalOverlay::Refusal ThermalOverlay::layOverFrame(cv::Mat& part, cv::Point origin,
+                                                     cv::Size frame,
                                                      const VideoDisplaySettings& settings,
                                                      bool invertColours) const
 {
-    const cv::Rect place = thermalRectangle(frame.size(), settings);
-    if (frame.type() != CV_8UC3 || place.empty())
+    const cv::Rect place = thermalRectangle(frame, settings);
+    if (part.type() != CV_8UC3 || place.empty())
         return Refusal::Frame;
     cv::Mat colours;
     if (!colourThermalFrame(m_irFrame, settings, invertColours, colours))
         return Refusal::Mapping;
-    layOver(frame, colours, place, settings.irOverlayTransparent && !settings.fullScreenIR);
-    const bool inside = (place & cv::Rect({0, 0}, frame.size())) == place;
+    layOver(part, colours, place - origin, settings.irOverlayTransparent && !settings.fullScreenIR);
+    const bool inside = (place & cv::Rect({0, 0}, frame)) == place;
     return inside ? Refusal::None : Refusal::Rectangle;
 }
 

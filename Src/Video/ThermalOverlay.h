@@ -55,6 +55,14 @@ public:
     /// `irDataMin` and `irDataMax` of the settings; if it differs, stores both and reports them.
     void reportRange(VideoDisplaySettings& settings, const RangeReport& report) const;
 
+    /// The part of a frame of this size that these settings would change; the whole if contrast or
+    /// brightness do.
+    cv::Rect changedPart(cv::Size frame, const VideoDisplaySettings& settings) const;
+
+    /// The overlay alone, on a part of a frame of `frame` pixels that begins at `origin`.
+    void drawOnPart(cv::Mat& part, cv::Point origin, cv::Size frame, int timeMs,
+                    const VideoDisplaySettings& settings);
+
     /// The overlay alone, on a frame of type `CV_8UC3`; nothing unless `isActive()`.
     void drawThermalOverlay(cv::Mat& frame, int timeMs, const VideoDisplaySettings& settings,
                             bool invertColours);
@@ -73,8 +81,10 @@ private:
 
     bool readLog(const LogFile& log);
     void composeFrame(quint32 frame);
-    Refusal layOverFrame(cv::Mat& frame, const VideoDisplaySettings& settings,
-                         bool invertColours) const;
+    Refusal layOverFrame(cv::Mat& part, cv::Point origin, cv::Size frame,
+                         const VideoDisplaySettings& settings, bool invertColours) const;
+    void draw(cv::Mat& part, cv::Point origin, cv::Size frame, int timeMs,
+              const VideoDisplaySettings& settings, bool invertColours);
     void warnOnce(Refusal refusal);
 
     std::shared_ptr<const FlightClock> m_clock;

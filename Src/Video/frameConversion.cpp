@@ -172,6 +172,17 @@ void fillChroma(const uchar* above, const uchar* below, uchar* chroma, int colum
     }
 }
 
+QVideoFrame onScreen(Frame frame)
+{
+    const QVideoSurfaceFormat::YCbCrColorSpace colourSpace = screenColourSpace(frame);
+    const QSize size = frame.size;
+    QVideoFrame result(new FrameBuffer(std::move(frame)), size, QVideoFrame::Format_YUV420P);
+    result.setMetaData(colourSpaceKey, static_cast<int>(colourSpace));
+    return result;
+}
+
+} // namespace
+
 // By hand: the scaling library takes a short cut here, without rounding, and OpenCV knows BT.601 of
 // limited range alone.
 void fillPlanes(const cv::Mat& bgr, Frame& target)
@@ -189,17 +200,6 @@ void fillPlanes(const cv::Mat& bgr, Frame& target)
         fillChroma(bgr.ptr(row), bgr.ptr(row + 1), line(2, row / 2), columns, weights.v);
     }
 }
-
-QVideoFrame onScreen(Frame frame)
-{
-    const QVideoSurfaceFormat::YCbCrColorSpace colourSpace = screenColourSpace(frame);
-    const QSize size = frame.size;
-    QVideoFrame result(new FrameBuffer(std::move(frame)), size, QVideoFrame::Format_YUV420P);
-    result.setMetaData(colourSpaceKey, static_cast<int>(colourSpace));
-    return result;
-}
-
-} // namespace
 
 QImage cvMatToQImage(const cv::Mat& picture)
 {
@@ -283,12 +283,13 @@ void toBgr(const Frame& frame, cv::Mat& bgr)
 
 QVideoFrame toVideoFrame(const Frame& frame)
 {
-    if (frame.layout == Frame::Layout::bgr || frame.matrix == Frame::Matrix::bt2020) {
+    // The scaling library leaves matrix and range of planes as they are.
+    if (frame.layout == Frame::Layout::bgr || frame.matrix == Frame::Matrix::bt2020 ||
+        frame.range != screenRange(frame)) {
         cv::Mat buffer;
         return toVideoFrame(bgrView(frame, buffer), frame);
     }
-    const bool fits = frame.layout == Frame::Layout::i420 && frame.bitsPerSample == 8 &&
-                      frame.range == screenRange(frame);
+    const bool fits = frame.layout == Frame::Layout::i420 && frame.bitsPerSample == 8;
     if (fits)
         return onScreen(frame);
     Frame planar = makeI420(frame.size, frame.matrix, screenRange(frame));

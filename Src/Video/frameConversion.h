@@ -40,6 +40,10 @@ QVideoFrame toVideoFrame(const Frame& frame);
 /// shows the one shows the other. Throws.
 QVideoFrame toVideoFrame(const cv::Mat& bgr, const Frame& madeFrom);
 
+/// Writes an 8-bit BGR picture of even sides into planes of 4:2:0 in 8 bits, by their matrix and
+/// range. The planes have at least its size and belong to the caller alone.
+void fillPlanes(const cv::Mat& bgr, Frame& target);
+
 /// The form of the surface that shows a frame made here: size, planes and colours. A surface that
 /// runs in another one must be started again.
 QVideoSurfaceFormat surfaceFormatOf(const QVideoFrame& frame);
