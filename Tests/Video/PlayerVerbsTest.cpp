@@ -33,6 +33,7 @@ private slots:
     void keyframeIsShownUntilThePointerRests();
     void whileThePointerMovesKeyframesAreShown();
     void shortWaysNeedNoPreview();
+    void framesAtUnevenTimesAreFoundByTheirTime();
     void closedTheyRefuse();
 
 private:
@@ -368,6 +369,33 @@ void PlayerVerbsTest::shortWaysNeedNoPreview()
     QVERIFY(m_player->goToTime(timeAt(500)));
     QTRY_COMPARE(m_surface.lastNumber(), 50);
     QCOMPARE(m_surface.numbers, (QList<int>{0, 50}));
+}
+
+// A gap, a rate that halves, and frames that come too soon.
+void PlayerVerbsTest::framesAtUnevenTimesAreFoundByTheirTime()
+{
+    const std::vector<double> timesMs{0, 33.4, 66.7, 700, 733.4, 800, 866.7, 870.1, 933.4, 1000};
+    const auto file = addFile("CORV0001.MP4", static_cast<int>(timesMs.size()) - 1, 30.0);
+    file->timesMs = timesMs;
+    addFile("CORV0002.MP4", 5, 30.0)->firstNumber = 9;
+    openPlayer("CORV0001.MP4");
+    QCOMPARE(m_player->frameCount(), 14);
+    QCOMPARE(m_player->duration(), timeAt(1166));
+    for (const int frame : {4, 3, 8, 0, 7, 9, 2, 13}) {
+        const int ms = static_cast<int>(frame < 9 ? timesMs.at(static_cast<size_t>(frame))
+                                                  : 1000 + (frame - 9) * 1000.0 / 30.0);
+        QVERIFY(m_player->goToTime(timeAt(ms)));
+        QTRY_COMPARE(m_surface.lastNumber(), frame);
+        QCOMPARE(m_player->currentFrameIndex(), frame);
+        QCOMPARE(m_player->timePosition(), timeAt(ms));
+        StillFrame still(*m_player, m_player->timePosition());
+        QTRY_COMPARE(still.number(), frame);
+    }
+    QVERIFY(m_player->goToTime(timeAt(400))); // in the gap the frame before is on screen
+    QTRY_COMPARE(m_surface.lastNumber(), 2);
+    QVERIFY(m_player->step(1));
+    QTRY_COMPARE(m_surface.lastNumber(), 3);
+    QCOMPARE(m_player->timePosition(), timeAt(700));
 }
 
 void PlayerVerbsTest::closedTheyRefuse()

@@ -3,6 +3,7 @@
 #include "openVideo.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -39,6 +40,7 @@ private slots:
     void fileThatIsNoVideoIsReported();
     void aVanishedFileStillGivesPictures();
     void oddSidesAreCropped();
+    void missingFramesHoldThePicture();
 
 private:
     QString path(const QString& name) const { return m_folder->filePath(name); }
@@ -299,6 +301,43 @@ void VideoPlaybackTest::theSurfaceKnowsTheColoursOfTheVideo()
     QTRY_COMPARE(surface.lastNumber(), 5);
     QCOMPARE(surface.surfaceFormat().yCbCrColorSpace(), colours);
     QVERIFY(surface.isActive());
+}
+
+// A camera that wrote nothing for more than a second: frames 40 to 79 are missing.
+void VideoPlaybackTest::missingFramesHoldThePicture()
+{
+    const QStringList gap{"-vf", "select=not(between(n\\,40\\,79))", "-vsync", "vfr"};
+    QVERIFY((TestVideo{120, "30", {320, 240}, 0, h264 + gap}.write(path("gap.mp4"))));
+    VideoPlayer player;
+    RecordingSurface surface;
+    open(player, surface, "gap.mp4");
+    QCOMPARE(player.frameCount(), 80);
+    QCOMPARE(player.duration(), timeAt(4000));
+    for (const int number : {80, 39, 81, 119, 0, 38}) {
+        QVERIFY(player.goToTime(timeAt(number * 1000 / 30)));
+        QTRY_COMPARE(surface.lastNumber(), number);
+        QCOMPARE(player.timePosition(), timeAt(number * 1000 / 30));
+        StillFrame still(player, player.timePosition());
+        QTRY_COMPARE(still.number(), number);
+    }
+    QVERIFY(player.goToTime(player.duration()));
+    QTRY_COMPARE(surface.lastNumber(), 119);
+    QVERIFY(player.goToTime(timeAt(2000)));
+    QTRY_COMPARE(surface.lastNumber(), 39);
+    QVERIFY(player.step(1));
+    QTRY_COMPARE(surface.lastNumber(), 80);
+
+    QEventLoop loop;
+    connect(&player, &VideoPlayer::videoExportComplete, &loop, &QEventLoop::quit,
+            Qt::QueuedConnection);
+    QVERIFY(player.exportVideo(path("out.mp4")));
+    loop.exec();
+    QVERIFY(player.videoExportResult().ok());
+    const auto exported = openVideo(path("out.mp4"));
+    QVERIFY(exported);
+    QCOMPARE(exported->frameCount(), 120);
+    for (int i = 0; i < 120; ++i)
+        QCOMPARE(readFrameNumber(readPicture(*exported)), i < 40 || i >= 80 ? i : 39);
 }
 
 QTEST_MAIN(VideoPlaybackTest)
