@@ -35,15 +35,16 @@ struct FrameRequest
     QSemaphore wakeUp;
 };
 
-/// Any thread. Returns what went wrong, in a sentence; empty if nothing did. The picture would
-/// carry the resolution of the screen, and so the report would depend on where it was made.
+/// Any thread. Returns why a picture could not be saved, in a sentence; empty if it was, and where
+/// there is no frame, as for a point of interest beyond the video. The picture would carry the
+/// resolution of the screen, and so the report would depend on where it was made.
 QString receiveFrame(QImage image, int timeMs, const QString& framePath)
 {
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
     if (image.isNull()) {
         qWarning() << "Failed to extract frame at ms" << timeMs;
-        return QStringLiteral("There is no frame at %1.").arg(reportTime(timeMs));
+        return {};
     }
     if (!savePictureFile(image, framePath)) {
         qWarning() << "Failed to save frame to file" << framePath;
@@ -200,7 +201,7 @@ void ReportWriter::saveFrame(VideoPlayer* player, int timeMs, const QString& fra
             request->wakeUp.release();
         });
     if (!accepted) { // then no one will ever call back
-        m_lostPictures << receiveFrame(QImage(), timeMs, framePath);
+        receiveFrame(QImage(), timeMs, framePath);
         return;
     }
     // A frame ends the sleep; the abort flag, which wakes no one, is looked at after it.

@@ -147,14 +147,10 @@ void CardToScreenTest::aFlightWithoutALogOpensItsVideo()
     openImporter();
     awaitRow("matchingRow2");
     load(2);
-    QTRY_VERIFY(UiFixture::messageBox());
-    QCOMPARE(UiFixture::messageBox()->text(), QString("Log file could not be read."));
-    QVERIFY(UiFixture::dismissMessageBox());
-    QVERIFY(m_ui->hasVideo());
-    QCOMPARE(m_ui->get("videoPlayer", "source").toString(), m_videos + "/third.mp4");
-    QCOMPARE(m_ui->evaluate("LogParser.source").toString(), QString("no_match"));
-    QCOMPARE(m_ui->scriptErrors().size(), 1); // the text of the dialog, which the log repeats
-    m_ui->log().clear();
+    QTRY_COMPARE(m_ui->get("videoPlayer", "source").toString(), m_videos + "/third.mp4");
+    QTRY_VERIFY(m_ui->hasVideo());
+    QVERIFY(!UiFixture::messageBox());
+    QCOMPARE(m_ui->evaluate("LogParser.source").toString(), QString());
     QVERIFY(m_ui->evaluate("LogParser.flightNaming.undefined").toBool());
 }
 

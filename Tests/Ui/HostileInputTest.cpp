@@ -251,21 +251,27 @@ void HostileInputTest::survivesLogs()
 void HostileInputTest::unreadableLogShowsAMessage_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("a text") << QByteArray("no log at all");
-    QTest::newRow("zeros") << QByteArray(100'000, '\0');
-    QTest::newRow("a video") << readAll(media().video());
-    QTest::newRow("cut in the description") << soundLog().left(300);
-    QTest::newRow("tags without end") << QByteArray("<a>").repeated(200'000);
+    QTest::addColumn<QString>("cause");
+    const QString noLog = "is not a flight log.";
+    QTest::newRow("nothing") << QByteArray() << "is empty.";
+    QTest::newRow("a text") << QByteArray("no log at all") << noLog;
+    QTest::newRow("zeros") << QByteArray(100'000, '\0') << noLog;
+    QTest::newRow("a video") << readAll(media().video()) << noLog;
+    QTest::newRow("cut in the description")
+        << soundLog().left(300) << "ends within its description.";
+    QTest::newRow("tags without end") << QByteArray("<a>").repeated(200'000) << noLog;
 }
 
 void HostileInputTest::unreadableLogShowsAMessage()
 {
     QFETCH(QByteArray, bytes);
+    QFETCH(QString, cause);
     QVERIFY(m_ui->openVideo());
     QVERIFY(openLog(bytes));
     QTRY_VERIFY(UiFixture::messageBox());
-    QCOMPARE(answeredBoxes(), QString("Log file could not be read.\n"));
+    const QString text = answeredBoxes();
+    QVERIFY2(text.startsWith("Log file could not be read.\n\n"), qPrintable(text));
+    QVERIFY2(text.endsWith(cause + '\n'), qPrintable(text));
     review();
 }
 
