@@ -76,17 +76,25 @@ void curvesOfTwoHours(Report& report)
             }
         };
     };
+    const auto drawLines = painted([&](QPainter& painter) {
+        painter.setPen(Qt::green);
+        for (const QPolygonF& line : lines)
+            painter.drawPolyline(line);
+    });
+    int cursorMs = 0;
     report.row(QStringLiteral("curves, 3 columns x 360,000 rows"),
                timeRatio(painted([&](QPainter& painter) {
-                             curves.paint(painter, stripSize, view, 3'600'000);
+                             curves.paint(painter, stripSize, view, cursorMs += 40);
                          }),
-                         painted([&](QPainter& painter) {
-                             painter.setPen(Qt::green);
-                             for (const QPolygonF& line : lines)
-                                 painter.drawPolyline(line);
+                         drawLines, 9),
+               1.5, QStringLiteral("3 lines of 1,600 points; the cursor moves"));
+    report.row(QStringLiteral("curves, scrolled by a pixel each time"),
+               timeRatio(painted([&](QPainter& painter) {
+                             view.contentX = (view.contentX + 1) % 50;
+                             curves.paint(painter, stripSize, view, cursorMs);
                          }),
-                         9),
-               1.5, QStringLiteral("paint of 3 lines of 1,600 points"));
+                         drawLines, 9),
+               3, QStringLiteral("3 lines of 1,600 points"));
 }
 
 const Benchmark curves("curves", curvesOfTwoHours);

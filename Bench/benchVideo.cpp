@@ -4,13 +4,19 @@
 #include "Playback.h"
 #include "VideoInputs.h"
 
+#include "Base/videoTime.h"
+#include "Log/LogParser.h"
+#include "SampleFlight/SampleFlight.h"
 #include "Threads/post.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/VideoPlayer.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QTemporaryDir>
 #include <algorithm>
+#include <functional>
+#include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
 #include <random>
 #include <vector>
@@ -42,19 +48,81 @@ public:
 };
 
 // The worker alone: no timer holds it back.
-void produceAll(const QString& file, int frames)
+void produceAll(const QString& file, int frames,
+                const std::function<void(OpenCvWorker&)>& prepare = {})
 {
     NoClient client;
     QObject context;
     OpenCvWorker worker(&client, &context, systemVideoBackend());
     QEventLoop loop;
-    post(&worker, [&worker, &loop, file, frames] {
+    post(&worker, [&worker, &loop, file, frames, prepare] {
         worker.setVideoSources({file}, 0);
+        if (prepare)
+            prepare(worker);
         for (int i = 0; i < frames; ++i)
             worker.produceNextFrame(false);
         post(&loop, [&loop] { loop.quit(); });
     });
     loop.exec();
+}
+
+// Decoding, and one pass of each step that contrast and a translucent overlay need.
+void readAndDraw(const QString& file, int frames)
+{
+    cv::VideoCapture capture(file.toStdString(), cv::CAP_FFMPEG);
+    cv::Mat thermal(120, 160, CV_8UC1);
+    cv::randu(thermal, 0, 256);
+    cv::Mat frame;
+    cv::Mat colours;
+    cv::Mat enlarged;
+    cv::Mat planes;
+    for (int i = 0; i < frames && capture.read(frame); ++i) {
+        frame.convertTo(frame, -1, 1.2, 0.0);
+        cv::applyColorMap(thermal, colours, cv::COLORMAP_JET);
+        const cv::Rect place(frame.cols * 3 / 10, frame.rows * 2 / 10, frame.cols * 10 / 23,
+                             frame.rows * 10 / 17);
+        cv::resize(colours, enlarged, place.size(), 0.0, 0.0, cv::INTER_NEAREST);
+        cv::Mat region = frame(place);
+        cv::addWeighted(enlarged, 0.5, region, 0.5, 0.0, region);
+        cv::cvtColor(frame, planes, cv::COLOR_BGR2YUV_I420);
+    }
+}
+
+void withOverlay(Report& report)
+{
+    const QString file = cameraVideo(report, {1920, 1080}, 10, 30, 25);
+    const QTemporaryDir folder;
+    const SampleFlight flight;
+    const QString log = folder.filePath(SampleFlight::logFile());
+    if (!flight.writeLog(log))
+        return;
+    LogParser parser;
+    parser.setDuration(timeOfMs(flight.videoDurationMs()));
+    parser.parseLog(log, false);
+    waitUntil([&parser] { return parser.isSynced(); });
+    const auto prepare = [&parser](OpenCvWorker& worker) {
+        VideoDisplaySettings settings;
+        settings.contrast = 1.2;
+        settings.showIR = true;
+        settings.autoIRMapping = true;
+        settings.irOverlayTransparent = true;
+        worker.setSettings(settings);
+        worker.setClock(parser.clock());
+        worker.updateLogData(true, parser.log());
+    };
+    constexpr int frames = 180;
+    const double opening = secondsOf([&] { produceAll(file, 0, prepare); });
+    const double bareOpening = secondsOf([&] { readAndDraw(file, 0); });
+    std::vector<double> ratios;
+    for (int round = 0; round < 7; ++round) {
+        const double bare = secondsOf([&] { readAndDraw(file, frames); }) - bareOpening;
+        const double ours = secondsOf([&] { produceAll(file, frames, prepare); }) - opening;
+        ratios.push_back(bare / ours);
+    }
+    report.row(
+        QStringLiteral("video: playback with overlay and contrast"), median(ratios), 0.9,
+        QStringLiteral("1080p, %1 frames, to decoding and one pass of each step").arg(frames),
+        false);
 }
 
 /// A player that shows frame after frame on demand.
@@ -66,6 +134,17 @@ public:
         m_player.setVideoSurface(&m_surface);
         m_player.setSource(file);
         waitFor(1);
+    }
+
+    /// Seconds from a move of a held pointer to a picture, which may be a preview.
+    double drag(int ms)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        const int wanted = m_surface.presented + 1;
+        m_player.goToTime(timeOfMs(ms));
+        waitFor(wanted);
+        return static_cast<double>(timer.nsecsElapsed()) / 1e9;
     }
 
     /// Seconds from the wish to the picture.
@@ -141,9 +220,41 @@ void seeks(Report& report)
                QStringLiteral("1080p, GOP 30, 40 seeks"));
 }
 
+double percentile95(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() * 95 / 100);
+}
+
+void drags(Report& report)
+{
+    const QString file = cameraVideo(report, {3840, 2160}, 20, 250, 100);
+    const auto source = systemVideoBackend()->openSource(file);
+    if (!source)
+        return;
+    Viewer viewer(file);
+    std::mt19937 random(5);
+    std::vector<double> ours;
+    std::vector<double> bare;
+    Frame frame;
+    for (int i = 0; i < 200; ++i) {
+        const int wanted = static_cast<int>(random() % 598);
+        ours.push_back(viewer.drag(wanted * 1000 / 30));
+        bare.push_back(secondsOf([&] {
+            (*source)->seekToFrame((*source)->nearestKeyframe(wanted));
+            (*source)->read(frame);
+        }));
+    }
+    report.row(QStringLiteral("video: drag, 95 of 100 moves"),
+               percentile95(ours) / percentile95(bare), 1.3,
+               QStringLiteral("4K, GOP 250, 200 moves, to reading the keyframe alone"));
+}
+
 const Benchmark video("video", [](Report& report) {
     playback(report, QStringLiteral("video: playback pipeline 1080p"), {1920, 1080}, 10, 25);
     playback(report, QStringLiteral("video: playback pipeline 4K"), {3840, 2160}, 3, 100);
+    withOverlay(report);
+    drags(report);
     steps(report);
     seeks(report);
 });

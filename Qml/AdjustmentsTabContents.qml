@@ -1,5 +1,6 @@
 import QtQuick 2.7
 import QtQml 2.14
+import QtQuick.Controls 1.4
 import corv.LogParsing 1.0
 import VideoPlayer 1.0
 import "."
@@ -11,6 +12,10 @@ Rectangle {
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
     readonly property bool thermalShown: player !== null && player.showIR
     readonly property bool automatic: player !== null && player.autoIRMapping
+
+    // Whether the hottest and the coldest point are shown on the picture.
+    property bool extremesShown: false
+    signal extremesToggled(bool shown)
 
     // Made, and showing what the player has.
     signal loaded()
@@ -141,260 +146,293 @@ Rectangle {
         value: player !== null ? player.brightness : 0
     }
 
-    MouseArea {
-        objectName: "adjustmentsBackground"
+    // Scrolls where the window is lower than the sections.
+    Flickable {
         anchors.fill: parent
-        onClicked: adjustmentsRect.giveBackFocusToEditor()
-    }
+        contentHeight: Math.max(height, sections.height)
+        interactive: sections.height > height
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
 
-    Column {
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.top: parent.top
-
-        SectionBand { text: "Thermal camera display" }
-
-        Row {
-            x: 8
-            height: 37
-            spacing: 6
-
-            CorvToolbarToggleTextButton {
-                id: showIRButton
-                objectName: "showIRButton"
-                anchors.verticalCenter: parent.verticalCenter
-                implicitWidth: 128
-                text: "Show thermal"
-                tooltiptext: "Show the thermal picture over the video"
-                source: "images/button_show_ir.png"
-                onToggle: player.showIR = checked
-            }
-
-            CorvToolbarToggleButton {
-                id: fullIRButton
-                objectName: "fullIRButton"
-                anchors.verticalCenter: parent.verticalCenter
-                source: "images/button_ir_fullscreen.png"
-                tooltiptext: "Thermal picture over the whole frame"
-                onToggle: player.fullScreenIR = checked
-            }
-
-            CorvToolbarToggleButton {
-                id: irOverlayTransparentButton
-                objectName: "irOverlayTransparentButton"
-                anchors.verticalCenter: parent.verticalCenter
-                source: "images/button_transparency.png"
-                tooltiptext: "Transparent thermal picture"
-                onToggle: player.irOverlayTransparent = checked
-            }
+        MouseArea {
+            objectName: "adjustmentsBackground"
+            anchors.fill: parent
+            onClicked: adjustmentsRect.giveBackFocusToEditor()
         }
 
-        SectionBand { text: "Color mapping" }
-
-        Item {
-            id: iRRangeRect
+        Column {
+            id: sections
             width: parent.width
-            height: 40
 
-            RangeSlider {
-                id: iRMinValueSlider
-                objectName: "iRMinValueSlider"
-                anchors.left: irMappingDisplay.left
-                anchors.right: irMappingDisplay.right
-                anchors.bottom: irMappingDisplay.top
-                pointer: "images/slider_pointer_down.png"
-                minimumValue: irRangeMin
-                maximumValue: irRangeMax
+            SectionBand { text: "Thermal camera display" }
+
+            Row {
+                x: 8
+                height: 37
+                spacing: 6
+
+                CorvToolbarToggleTextButton {
+                    id: showIRButton
+                    objectName: "showIRButton"
+                    anchors.verticalCenter: parent.verticalCenter
+                    implicitWidth: 128
+                    text: "Show thermal"
+                    tooltiptext: "Show the thermal picture over the video"
+                    source: "images/button_show_ir.png"
+                    onToggle: player.showIR = checked
+                }
+
+                CorvToolbarToggleButton {
+                    id: fullIRButton
+                    objectName: "fullIRButton"
+                    anchors.verticalCenter: parent.verticalCenter
+                    source: "images/button_ir_fullscreen.png"
+                    tooltiptext: "Thermal picture over the whole frame"
+                    onToggle: player.fullScreenIR = checked
+                }
+
+                CorvToolbarToggleButton {
+                    id: irOverlayTransparentButton
+                    objectName: "irOverlayTransparentButton"
+                    anchors.verticalCenter: parent.verticalCenter
+                    source: "images/button_transparency.png"
+                    tooltiptext: "Transparent thermal picture"
+                    onToggle: player.irOverlayTransparent = checked
+                }
+            }
+
+            SectionBand { text: "Color mapping" }
+
+            Item {
+                id: iRRangeRect
+                width: parent.width
+                height: 40
+
+                RangeSlider {
+                    id: iRMinValueSlider
+                    objectName: "iRMinValueSlider"
+                    anchors.left: irMappingDisplay.left
+                    anchors.right: irMappingDisplay.right
+                    anchors.bottom: irMappingDisplay.top
+                    pointer: "images/slider_pointer_down.png"
+                    minimumValue: irRangeMin
+                    maximumValue: irRangeMax
+                    value: 0
+                    enabled: irSlidersEnabled
+                    name: "Lowest mapped value"
+                    onValueChanged: {
+                        if (player !== null && !automatic && !following)
+                            player.irMappingMinValue = value;
+                    }
+                }
+
+                Rectangle {
+                    id: irMappingDisplay
+                    anchors.left: parent.left
+                    anchors.right: parent.right
+                    anchors.leftMargin: 12
+                    anchors.rightMargin: 12
+                    anchors.verticalCenter: parent.verticalCenter
+                    height: 2
+                    color: Theme.groove
+                }
+
+                RangeSlider {
+                    id: iRMaxValueSlider
+                    objectName: "iRMaxValueSlider"
+                    anchors.left: irMappingDisplay.left
+                    anchors.right: irMappingDisplay.right
+                    anchors.top: irMappingDisplay.bottom
+                    pointer: "images/slider_pointer_up.png"
+                    minimumValue: irRangeMin
+                    maximumValue: irRangeMax
+                    value: 16383
+                    enabled: irSlidersEnabled
+                    name: "Highest mapped value"
+                    onValueChanged: {
+                        if (player !== null && !automatic && !following)
+                            player.irMappingMaxValue = value;
+                    }
+                }
+            }
+
+            Row {
+                x: 8
+                height: 33
+                spacing: 6
+
+                CorvToolbarToggleButton {
+                    id: autoIRMappingButton
+                    objectName: "autoIRMappingButton"
+                    source: "images/button_auto.png"
+                    tooltiptext: "Automatic color mapping: the range of each thermal frame"
+                    onToggle: player.autoIRMapping = checked
+                }
+
+                CorvToolbarTextButton {
+                    id: lockIRMappingButton
+                    objectName: "lockIRMappingButton"
+                    width: 60
+                    text: "Lock"
+                    tooltiptext: "Keep the color range of the frame on screen"
+                    source: "images/button_lock_levels.png"
+                    onClicked: {
+                        player.autoIRMapping = false;
+                        player.irMappingMinValue = player.irDataMin;
+                        player.irMappingMaxValue = player.irDataMax;
+                    }
+                }
+
+                CorvToolbarToggleButton {
+                    id: extremesButton
+                    objectName: "extremesButton"
+                    enabled: adjustmentsRect.thermalShown
+                    checked: adjustmentsRect.extremesShown
+                    source: "images/button_extremes.png"
+                    tooltiptext: "Mark the hottest and the coldest point"
+                    onToggle: adjustmentsRect.extremesToggled(checked)
+                }
+
+                ComboBox {
+                    id: paletteBox
+                    objectName: "paletteBox"
+                    width: 110
+                    height: 25
+                    enabled: adjustmentsRect.thermalShown
+                    model: ["Rainbow", "Even", "Grey"]
+                    Accessible.name: "Colours of the thermal picture"
+                    onActivated: player.irPalette = index
+
+                    Binding on currentIndex {
+                        value: player !== null && player.irPalette > 0 ? player.irPalette : 0
+                    }
+                }
+            }
+
+            SectionBand { text: "Thermal camera position correction" }
+
+            NumericPropertySetter {
+                id: horizontalThermalCorrectionSetter
+                objectName: "horizontalThermalCorrectionSetter"
+                width: parent.width
+                iconSource: "images/icon_horizontal_pos.png"
+                accessibleName: "Horizontal thermal position"
+                unit: "of the picture's width"
+                minimumValue: -0.2
+                maximumValue: 0.2
+                stepSize: 0.005
+                decimals: 3
                 value: 0
-                enabled: irSlidersEnabled
-                name: "Lowest mapped value"
+                enabled: adjustmentsRect.videoOpen
                 onValueChanged: {
-                    if (player !== null && !automatic && !following)
-                        player.irMappingMinValue = value;
+                    if (!adjustmentsRect.following && player !== null)
+                        player.irOffsetX = value;
                 }
+                onResetClicked: {
+                    player.irOffsetX = 0;
+                    value = 0;
+                }
+                onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
             }
 
-            Rectangle {
-                id: irMappingDisplay
-                anchors.left: parent.left
-                anchors.right: parent.right
-                anchors.leftMargin: 12
-                anchors.rightMargin: 12
-                anchors.verticalCenter: parent.verticalCenter
-                height: 2
-                color: Theme.groove
-            }
-
-            RangeSlider {
-                id: iRMaxValueSlider
-                objectName: "iRMaxValueSlider"
-                anchors.left: irMappingDisplay.left
-                anchors.right: irMappingDisplay.right
-                anchors.top: irMappingDisplay.bottom
-                pointer: "images/slider_pointer_up.png"
-                minimumValue: irRangeMin
-                maximumValue: irRangeMax
-                value: 16383
-                enabled: irSlidersEnabled
-                name: "Highest mapped value"
+            NumericPropertySetter {
+                id: verticalThermalCorrectionSetter
+                objectName: "verticalThermalCorrectionSetter"
+                width: parent.width
+                iconSource: "images/icon_vertical_pos.png"
+                accessibleName: "Vertical thermal position"
+                unit: "of the picture's height"
+                minimumValue: -0.16
+                maximumValue: 0.16
+                stepSize: 0.005
+                decimals: 3
+                value: 0
+                enabled: adjustmentsRect.videoOpen
                 onValueChanged: {
-                    if (player !== null && !automatic && !following)
-                        player.irMappingMaxValue = value;
+                    if (!adjustmentsRect.following && player !== null)
+                        player.irOffsetY = value;
                 }
-            }
-        }
-
-        Row {
-            x: 8
-            height: 33
-            spacing: 6
-
-            CorvToolbarToggleButton {
-                id: autoIRMappingButton
-                objectName: "autoIRMappingButton"
-                source: "images/button_auto.png"
-                tooltiptext: "Automatic color mapping: the range of each thermal frame"
-                onToggle: player.autoIRMapping = checked
-            }
-
-            CorvToolbarTextButton {
-                id: lockIRMappingButton
-                objectName: "lockIRMappingButton"
-                width: 60
-                text: "Lock"
-                tooltiptext: "Keep the color range of the frame on screen"
-                source: "images/button_lock_levels.png"
-                onClicked: {
-                    player.autoIRMapping = false;
-                    player.irMappingMinValue = player.irDataMin;
-                    player.irMappingMaxValue = player.irDataMax;
+                onResetClicked: {
+                    player.irOffsetY = 0;
+                    value = 0;
                 }
+                onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
             }
-        }
 
-        SectionBand { text: "Thermal camera position correction" }
+            SectionBand { text: "Log time shifting correction" }
 
-        NumericPropertySetter {
-            id: horizontalThermalCorrectionSetter
-            objectName: "horizontalThermalCorrectionSetter"
-            width: parent.width
-            iconSource: "images/icon_horizontal_pos.png"
-            accessibleName: "Horizontal thermal position"
-            unit: "of the picture's width"
-            minimumValue: -0.2
-            maximumValue: 0.2
-            stepSize: 0.005
-            decimals: 3
-            value: 0
-            enabled: adjustmentsRect.videoOpen
-            onValueChanged: {
-                if (!adjustmentsRect.following && player !== null)
-                    player.irOffsetX = value;
+            NumericPropertySetter {
+                id: timeShiftingLogCorrectionSetter
+                objectName: "timeShiftingLogCorrectionSetter"
+                width: parent.width
+                iconSource: "images/icon_time_offset.png"
+                accessibleName: "Log time shift in milliseconds"
+                minimumValue: -5000
+                maximumValue: 5000
+                stepSize: 100
+                decimals: 0
+                value: 0
+                enabled: adjustmentsRect.videoOpen
+                onValueChanged: {
+                    if (!adjustmentsRect.following)
+                        LogParser.manualLogTimeOffset = value;
+                }
+                onResetClicked: {
+                    LogParser.manualLogTimeOffset = 0;
+                    value = 0;
+                }
+                onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
             }
-            onResetClicked: {
-                player.irOffsetX = 0;
-                value = 0;
-            }
-            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
-        }
 
-        NumericPropertySetter {
-            id: verticalThermalCorrectionSetter
-            objectName: "verticalThermalCorrectionSetter"
-            width: parent.width
-            iconSource: "images/icon_vertical_pos.png"
-            accessibleName: "Vertical thermal position"
-            unit: "of the picture's height"
-            minimumValue: -0.16
-            maximumValue: 0.16
-            stepSize: 0.005
-            decimals: 3
-            value: 0
-            enabled: adjustmentsRect.videoOpen
-            onValueChanged: {
-                if (!adjustmentsRect.following && player !== null)
-                    player.irOffsetY = value;
-            }
-            onResetClicked: {
-                player.irOffsetY = 0;
-                value = 0;
-            }
-            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
-        }
+            SectionBand { text: "Image" }
 
-        SectionBand { text: "Log time shifting correction" }
+            NumericPropertySetter {
+                id: contrastSetter
+                objectName: "contrastSetter"
+                width: parent.width
+                iconSource: "images/icon_contrast.png"
+                accessibleName: "Contrast"
+                unit: "times"
+                minimumValue: 0.5
+                maximumValue: 2.0
+                stepSize: 0.01
+                decimals: 1
+                value: 1.0
+                enabled: adjustmentsRect.videoOpen
+                onValueChanged: {
+                    if (!adjustmentsRect.following && player !== null)
+                        player.contrast = value;
+                }
+                onResetClicked: {
+                    player.contrast = 1;
+                    value = 1;
+                }
+                onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
+            }
 
-        NumericPropertySetter {
-            id: timeShiftingLogCorrectionSetter
-            objectName: "timeShiftingLogCorrectionSetter"
-            width: parent.width
-            iconSource: "images/icon_time_offset.png"
-            accessibleName: "Log time shift in milliseconds"
-            minimumValue: -5000
-            maximumValue: 5000
-            stepSize: 100
-            decimals: 0
-            value: 0
-            enabled: adjustmentsRect.videoOpen
-            onValueChanged: {
-                if (!adjustmentsRect.following)
-                    LogParser.manualLogTimeOffset = value;
+            NumericPropertySetter {
+                id: brightnessSetter
+                objectName: "brightnessSetter"
+                width: parent.width
+                iconSource: "images/icon_brightness.png"
+                accessibleName: "Brightness"
+                unit: "levels of 255"
+                minimumValue: -50
+                maximumValue: 50
+                stepSize: 1
+                decimals: 0
+                value: 0
+                enabled: adjustmentsRect.videoOpen
+                onValueChanged: {
+                    if (!adjustmentsRect.following && player !== null)
+                        player.brightness = value;
+                }
+                onResetClicked: {
+                    player.brightness = 0;
+                    value = 0;
+                }
+                onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
             }
-            onResetClicked: {
-                LogParser.manualLogTimeOffset = 0;
-                value = 0;
-            }
-            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
-        }
-
-        SectionBand { text: "Image" }
-
-        NumericPropertySetter {
-            id: contrastSetter
-            objectName: "contrastSetter"
-            width: parent.width
-            iconSource: "images/icon_contrast.png"
-            accessibleName: "Contrast"
-            unit: "times"
-            minimumValue: 0.5
-            maximumValue: 2.0
-            stepSize: 0.01
-            decimals: 1
-            value: 1.0
-            enabled: adjustmentsRect.videoOpen
-            onValueChanged: {
-                if (!adjustmentsRect.following && player !== null)
-                    player.contrast = value;
-            }
-            onResetClicked: {
-                player.contrast = 1;
-                value = 1;
-            }
-            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
-        }
-
-        NumericPropertySetter {
-            id: brightnessSetter
-            objectName: "brightnessSetter"
-            width: parent.width
-            iconSource: "images/icon_brightness.png"
-            accessibleName: "Brightness"
-            unit: "levels of 255"
-            minimumValue: -50
-            maximumValue: 50
-            stepSize: 1
-            decimals: 0
-            value: 0
-            enabled: adjustmentsRect.videoOpen
-            onValueChanged: {
-                if (!adjustmentsRect.following && player !== null)
-                    player.brightness = value;
-            }
-            onResetClicked: {
-                player.brightness = 0;
-                value = 0;
-            }
-            onEditingFinished: adjustmentsRect.giveBackFocusToEditor()
         }
     }
 }

@@ -8,6 +8,7 @@ import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 import DirectoryParser 1.0
 import "constants.js" as Cst
+import "importerRows.js" as Rows
 import "paths.js" as Paths
 
 // Finds flights on removable devices or in folders and hands the chosen one back: it loads nothing
@@ -43,7 +44,7 @@ Window {
     // A search that waits for the end of an aborted one.
     property bool searchWaits: false
 
-    // In place of a drive's path: the row that stands for a chosen folder.
+    // In place of a drive's path: the row of a chosen folder.
     readonly property string folderMarker: "DIR"
 
     title: "Auto importer"
@@ -225,9 +226,9 @@ Window {
         var video = usePathForVideo ? Paths.chosenPath(videoUrl)
                                     : selectedPath(driveListModelTwo, cardTwoDriveDropdown);
         console.log("Will parse log from " + log + ", video from " + video);
-        txtMatchingBusyIndicator.text = "Reading log files...";
+        busyArea.text = "Reading log files...";
         isBusy = true;
-        progressBar.indeterminate = true;
+        busyArea.bar.indeterminate = true;
         remarks = "";
         searchWaits = directoryParser.searching;
         if (!searchWaits)
@@ -249,11 +250,11 @@ Window {
     }
 
     function onVideoProgress(currentVideo, totalVideos) {
-        progressBar.indeterminate = false;
-        progressBar.minimumValue = 0;
-        progressBar.maximumValue = totalVideos;
-        progressBar.value = currentVideo - 1;
-        txtMatchingBusyIndicator.text = "Reading video file " + currentVideo + "/" + totalVideos;
+        busyArea.bar.indeterminate = false;
+        busyArea.bar.minimumValue = 0;
+        busyArea.bar.maximumValue = totalVideos;
+        busyArea.bar.value = currentVideo - 1;
+        busyArea.text = "Reading video file " + currentVideo + "/" + totalVideos;
     }
 
     // Only the decoder's last step counts packets; before it, whole files are all there is.
@@ -262,11 +263,11 @@ Window {
         var perFile = currentFileStep == 2 ? currentFileTotal : 1;
         var done = (currentFile - 1) * perFile + (currentFileStep == 2 ? currentFileProgress : 0);
         var percent = Math.round(done * 100 / (perFile * totalFiles));
-        progressBar.indeterminate = false;
-        progressBar.minimumValue = 0;
-        progressBar.maximumValue = perFile * totalFiles;
-        progressBar.value = done;
-        txtMatchingBusyIndicator.text = "Reading log file " + currentFile + "/" + totalFiles
+        busyArea.bar.indeterminate = false;
+        busyArea.bar.minimumValue = 0;
+        busyArea.bar.maximumValue = perFile * totalFiles;
+        busyArea.bar.value = done;
+        busyArea.text = "Reading log file " + currentFile + "/" + totalFiles
                 + " - " + percent + "% completed";
     }
 
@@ -280,35 +281,9 @@ Window {
         matchings = found;
         matchingsListModel.clear();
         for (var i = 0; i < found.length; ++i)
-            matchingsListModel.append(rowOf(found[i]));
+            matchingsListModel.append(Rows.rowOf(found[i]));
         if (found.length > 0)
             matchingsTable.currentIndex = 0;
-    }
-
-    function rowOf(matching) {
-        return {
-            name: matching.videoFilename + " : " + matching.logFilename,
-            videoPath: matching.videoFile,
-            logPath: matching.logFile,
-            matchFound: matching.matchFound,
-            duration: matching.videoDuration,
-            missionName: matching.missionName,
-            flightName: matching.flightName,
-            flightNumber: matching.flightNumber,
-            namingDefined: matching.namingDefined,
-            evidence: matching.evidence,
-            doubtful: matching.doubtful,
-            evidenceText: matching.evidenceText,
-            partText: matching.partText,
-            fileText: fileText(matching)
-        };
-    }
-
-    function fileText(matching) {
-        var folder = matching.videoFile.substring(0, matching.videoFile.lastIndexOf("/"));
-        var time = matching.videoTime === "" ? "" : "Written " + matching.videoTime.replace("T", " ")
-                                                    + ", ";
-        return time + (matching.videoSize / 1000000).toFixed(1) + " MB, in " + folder;
     }
 
     function autodetectRemovableDevices() {
@@ -427,11 +402,6 @@ Window {
         onDrivesChanged: autoImporter.onDrivesChanged()
     }
 
-    Shortcut {
-        sequence: "Esc"
-        onActivated: autoImporter.cancelAndClose()
-    }
-
     ListModel { id: driveListModelOne }
     ListModel { id: driveListModelTwo }
     ListModel { id: matchingsListModel }
@@ -450,191 +420,172 @@ Window {
         onTriggered: autoImporter.useVideoDrive(driveListModelTwo.get(selectindex))
     }
 
-    Rectangle {
-        id: chooserContainer
-        anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: 156
-        color: Cst.headerColor
+    FocusScope {
+        anchors.fill: parent
+        focus: true
+        Keys.onEscapePressed: autoImporter.cancelAndClose()
 
-        Text {
-            id: chooserTitle
-            anchors { left: parent.left; leftMargin: 20; verticalCenter: autodetectButton.verticalCenter }
-            text: "Flight files search locations"
-            color: Theme.text
-            font.bold: true
+        Rectangle {
+            id: chooserContainer
+            anchors { left: parent.left; right: parent.right; top: parent.top }
+            height: 156
+            color: Cst.headerColor
+
+            Text {
+                id: chooserTitle
+                anchors { left: parent.left; leftMargin: 20; verticalCenter: autodetectButton.verticalCenter }
+                text: "Flight files search locations"
+                color: Theme.text
+                font.bold: true
+            }
+
+            CorvButton {
+                id: autodetectButton
+                objectName: "autodetectButton"
+                anchors { right: parent.right; rightMargin: 20; top: parent.top; topMargin: 16 }
+                width: 240
+                height: 32
+                text: "Autodetect removable devices"
+                onClicked: autoImporter.autodetectRemovableDevices()
+            }
+
+            GridLayout {
+                anchors {
+                    left: parent.left; leftMargin: 20
+                    right: parent.right; rightMargin: 20
+                    top: autodetectButton.bottom; topMargin: 16
+                }
+                columns: 3
+                rowSpacing: 10
+                columnSpacing: 10
+
+                Text {
+                    text: "Log files location"
+                    color: Theme.text
+                }
+
+                ComboBox {
+                    id: cardOneDriveDropdown
+                    objectName: "cardOneDriveDropdown"
+                    Layout.fillWidth: true
+                    Layout.preferredHeight: 30
+                    model: driveListModelOne
+                    textRole: "text"
+                    Accessible.name: "Log files location"
+                    onActivated: autoImporter.handleComboboxOneSelection(index)
+                }
+
+                CorvButton {
+                    objectName: "browseLogsButton"
+                    Layout.preferredWidth: 75
+                    Layout.preferredHeight: 30
+                    text: "Browse..."
+                    Accessible.description: "Log files location"
+                    onClicked: autoImporter.selectDirOne()
+                }
+
+                Text {
+                    text: "Video files location"
+                    color: Theme.text
+                }
+
+                ComboBox {
+                    id: cardTwoDriveDropdown
+                    objectName: "cardTwoDriveDropdown"
+                    Layout.fillWidth: true
+                    Layout.preferredHeight: 30
+                    model: driveListModelTwo
+                    textRole: "text"
+                    Accessible.name: "Video files location"
+                    onActivated: autoImporter.handleComboboxTwoSelection(index)
+                }
+
+                CorvButton {
+                    objectName: "browseVideosButton"
+                    Layout.preferredWidth: 75
+                    Layout.preferredHeight: 30
+                    text: "Browse..."
+                    Accessible.description: "Video files location"
+                    onClicked: autoImporter.selectDirTwo()
+                }
+            }
         }
 
         CorvButton {
-            id: autodetectButton
-            objectName: "autodetectButton"
-            anchors { right: parent.right; rightMargin: 20; top: parent.top; topMargin: 16 }
-            width: 240
-            height: 32
-            text: "Autodetect removable devices"
-            onClicked: autoImporter.autodetectRemovableDevices()
+            id: parseButton
+            objectName: "parseButton"
+            anchors {
+                right: parent.right; rightMargin: 20
+                top: chooserContainer.bottom; topMargin: 10
+            }
+            width: 120
+            height: 30
+            enabled: !autoImporter.isBusy
+            text: "Search flights"
+            onClicked: autoImporter.parseChosenDirs()
         }
 
-        GridLayout {
+        CheckBox {
+            id: checkBoxFastSearch
+            objectName: "checkBoxFastSearch"
+            anchors {
+                right: parseButton.left; rightMargin: 16
+                verticalCenter: parseButton.verticalCenter
+            }
+            text: "Fast search (ignores metadata)"
+            style: CheckBoxStyle {
+                label: Text {
+                    text: control.text
+                    color: Theme.text
+                }
+            }
+        }
+
+        ImporterTable {
+            id: matchingsTable
             anchors {
                 left: parent.left; leftMargin: 20
                 right: parent.right; rightMargin: 20
-                top: autodetectButton.bottom; topMargin: 16
+                top: parseButton.bottom; topMargin: 10
+                bottom: okButton.top; bottomMargin: 14
             }
-            columns: 3
-            rowSpacing: 10
-            columnSpacing: 10
-
-            Text {
-                text: "Log files location"
-                color: Theme.text
-            }
-
-            ComboBox {
-                id: cardOneDriveDropdown
-                objectName: "cardOneDriveDropdown"
-                Layout.fillWidth: true
-                Layout.preferredHeight: 30
-                model: driveListModelOne
-                textRole: "text"
-                Accessible.name: "Log files location"
-                onActivated: autoImporter.handleComboboxOneSelection(index)
-            }
-
-            CorvButton {
-                objectName: "browseLogsButton"
-                Layout.preferredWidth: 75
-                Layout.preferredHeight: 30
-                text: "Browse..."
-                Accessible.description: "Log files location"
-                onClicked: autoImporter.selectDirOne()
-            }
-
-            Text {
-                text: "Video files location"
-                color: Theme.text
-            }
-
-            ComboBox {
-                id: cardTwoDriveDropdown
-                objectName: "cardTwoDriveDropdown"
-                Layout.fillWidth: true
-                Layout.preferredHeight: 30
-                model: driveListModelTwo
-                textRole: "text"
-                Accessible.name: "Video files location"
-                onActivated: autoImporter.handleComboboxTwoSelection(index)
-            }
-
-            CorvButton {
-                objectName: "browseVideosButton"
-                Layout.preferredWidth: 75
-                Layout.preferredHeight: 30
-                text: "Browse..."
-                Accessible.description: "Video files location"
-                onClicked: autoImporter.selectDirTwo()
-            }
-        }
-    }
-
-    CorvButton {
-        id: parseButton
-        objectName: "parseButton"
-        anchors {
-            right: parent.right; rightMargin: 20
-            top: chooserContainer.bottom; topMargin: 10
-        }
-        width: 120
-        height: 30
-        enabled: !autoImporter.isBusy
-        text: "Search flights"
-        onClicked: autoImporter.parseChosenDirs()
-    }
-
-    CheckBox {
-        id: checkBoxFastSearch
-        objectName: "checkBoxFastSearch"
-        anchors {
-            right: parseButton.left; rightMargin: 16
-            verticalCenter: parseButton.verticalCenter
-        }
-        text: "Fast search (ignores metadata)"
-        style: CheckBoxStyle {
-            label: Text {
-                text: control.text
-                color: Theme.text
-            }
-        }
-    }
-
-    ImporterTable {
-        id: matchingsTable
-        anchors {
-            left: parent.left; leftMargin: 20
-            right: parent.right; rightMargin: 20
-            top: parseButton.bottom; topMargin: 10
-            bottom: okButton.top; bottomMargin: 14
-        }
-        visible: !autoImporter.isBusy
-        flights: matchingsListModel
-        onAccepted: autoImporter.loadAndClose()
-    }
-
-    Column {
-        id: busyArea
-        anchors {
-            horizontalCenter: matchingsTable.horizontalCenter
-            verticalCenter: matchingsTable.verticalCenter
-            verticalCenterOffset: matchingsTable.headerHeight / 2
-        }
-        visible: autoImporter.isBusy
-        spacing: 14
-
-        Text {
-            id: txtMatchingBusyIndicator
-            objectName: "txtMatchingBusyIndicator"
-            anchors.horizontalCenter: parent.horizontalCenter
-            text: "Matching in progress..."
-            color: Theme.text
+            visible: !autoImporter.isBusy
+            flights: matchingsListModel
+            onAccepted: autoImporter.loadAndClose()
         }
 
-        StripedProgressBar {
-            id: progressBar
-            objectName: "progressBar"
-            width: 400
-            Accessible.description: txtMatchingBusyIndicator.text
+        ImporterProgress {
+            id: busyArea
+            anchors {
+                horizontalCenter: matchingsTable.horizontalCenter
+                verticalCenter: matchingsTable.verticalCenter
+                verticalCenterOffset: matchingsTable.headerHeight / 2
+            }
+            visible: autoImporter.isBusy
+            onAborted: autoImporter.abortRunningProcess()
         }
 
         CorvButton {
-            id: abortProcessingButton
-            objectName: "abortProcessingButton"
-            anchors.horizontalCenter: parent.horizontalCenter
-            width: 100
-            height: 25
-            text: "Abort"
-            onClicked: autoImporter.abortRunningProcess()
+            id: cancelButton
+            objectName: "cancelButton"
+            anchors { right: okButton.left; rightMargin: 10; verticalCenter: okButton.verticalCenter }
+            width: 120
+            height: 30
+            text: "Cancel"
+            onClicked: autoImporter.cancelAndClose()
         }
-    }
 
-    CorvButton {
-        id: cancelButton
-        objectName: "cancelButton"
-        anchors { right: okButton.left; rightMargin: 10; verticalCenter: okButton.verticalCenter }
-        width: 120
-        height: 30
-        text: "Cancel"
-        onClicked: autoImporter.cancelAndClose()
-    }
-
-    CorvButton {
-        id: okButton
-        objectName: "okButton"
-        anchors {
-            right: parent.right; rightMargin: 20
-            bottom: parent.bottom; bottomMargin: 16
+        CorvButton {
+            id: okButton
+            objectName: "okButton"
+            anchors {
+                right: parent.right; rightMargin: 20
+                bottom: parent.bottom; bottomMargin: 16
+            }
+            width: 130
+            height: 30
+            text: "Load selected"
+            onClicked: autoImporter.loadAndClose()
         }
-        width: 130
-        height: 30
-        text: "Load selected"
-        onClicked: autoImporter.loadAndClose()
     }
 }

@@ -8,6 +8,8 @@ C2.ToolTip {
     delay: 1000
     timeout: 5000
     padding: 5
+    // Or it would take Escape away from the window.
+    closePolicy: C2.Popup.NoAutoClose
 
     contentItem: Text {
         text: corvToolTip.text

@@ -30,7 +30,7 @@ Window {
         duration = newDuration;
     }
 
-    // What stands in the fields, for the next opening.
+    // What is in the fields, for the next opening.
     function entered() {
         return {start: startTextInput.text, stop: stopTextInput.text,
             spacing: spacingTextInput.text, folder: framesUrl, pois: radioExportPOIs.checked};

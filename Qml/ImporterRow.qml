@@ -10,14 +10,15 @@ Item {
     // evidence, doubtful, evidenceText, partText, fileText.
     property var flight
     readonly property bool hovered: rowMouseArea.containsMouse
+    readonly property string shownName: flight.partText === "" ? flight.name
+        : flight.name.replace(" : ", " (" + flight.partText + ") : ")
     // What a row says beyond its columns.
-    readonly property string details: (flight.partText !== "" ? flight.partText + "\n" : "")
-                                      + flight.evidenceText + "\n" + flight.fileText
+    readonly property string details: flight.evidenceText + "\n" + flight.fileText
     signal clicked()
     signal doubleClicked()
 
     Accessible.role: Accessible.ListItem
-    Accessible.name: flight.name
+    Accessible.name: shownName
     Accessible.description: details
     Accessible.onPressAction: clicked()
 
@@ -38,8 +39,7 @@ Item {
         ImporterCell {
             objectName: "name"
             width: parent.nameWidth
-            text: importerRow.flight.partText === "" ? importerRow.flight.name
-                : importerRow.flight.name + "  (" + importerRow.flight.partText + ")"
+            text: importerRow.shownName
         }
 
         ImporterCell {
@@ -90,7 +90,7 @@ Item {
 
     CorvToolTip {
         objectName: "rowToolTip"
-        text: importerRow.details
+        text: importerRow.shownName + "\n" + importerRow.details
         visible: importerRow.hovered
         timeout: 20000
     }

@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import QtQml 2.14
 import corv.LogParsing 1.0
 import HeadUpDisplay 1.0
 import "."
@@ -10,6 +11,8 @@ Rectangle {
     property alias imperialUnits: headUpDisplay.imperialUnits
     property alias videoPosition: headUpDisplay.videoPosition
 
+    // The other unit system is wanted, at once.
+    signal unitsToggled(bool imperial)
     signal editFlightPropertiesClicked()
 
     color: Theme.flightPanel
@@ -90,9 +93,29 @@ Rectangle {
         anchors.topMargin: 6
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.bottom: parent.bottom
+        anchors.bottom: unitsRow.top
         logParser: LogParser
         Accessible.name: "Flight values"
+    }
+
+    Rectangle {
+        id: unitsRow
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        height: 27
+        color: Theme.flightPlate
+
+        CorvToolbarToggleTextButton {
+            id: unitsButton
+            objectName: "unitsButton"
+            anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
+            width: 110
+            text: "Feet"
+            source: "images/button_units.png"
+            tooltiptext: "Show the altitude in feet"
+            onToggle: infoRect.unitsToggled(checked)
+        }
+
+        Binding { target: unitsButton; property: "checked"; value: infoRect.imperialUnits }
     }
 
     Connections {

@@ -3,7 +3,7 @@ import QtQuick.Controls 1.4
 import QtQuick.Controls.Styles 1.4
 import "."
 
-// One end of the thermal range: a pointer that hangs above or stands below the bar.
+// One end of the thermal range: a pointer above or below the bar.
 Slider {
     id: rangeSlider
 

@@ -77,8 +77,11 @@ Item {
             if (!player.hasVideoOpened)
                 return;
             player.hasVideoOpenedChanged.disconnect(go);
-            if (player.source === video)
-                player.goToTime(new Date(2000, 0, 1, 0, 0, 0, positionMs));
+            // The player knows its length only once this signal has been handled.
+            Qt.callLater(function() {
+                if (player.hasVideoOpened && player.source === video)
+                    player.goToTime(new Date(2000, 0, 1, 0, 0, 0, positionMs));
+            });
         };
         player.hasVideoOpenedChanged.connect(go);
     }

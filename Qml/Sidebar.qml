@@ -11,6 +11,10 @@ TabView {
     property bool imperialUnits: false
     property int tabWidth: width / 2
 
+    property bool extremesShown: false
+
+    signal extremesToggled(bool shown)
+    signal unitsToggled(bool imperial)
     signal editFlightPropertiesClicked()
     // The adjustments have just been made.
     signal adjustmentsLoaded()
@@ -51,6 +55,7 @@ TabView {
                 restoreMode: Binding.RestoreNone
             }
 
+            onUnitsToggled: sidebar.unitsToggled(imperial)
             onEditFlightPropertiesClicked: sidebar.editFlightPropertiesClicked()
         }
     }
@@ -64,6 +69,8 @@ TabView {
             id: adjustmentsTabContents
             objectName: "adjustmentsTabContents"
             player: sidebar.player
+            extremesShown: sidebar.extremesShown
+            onExtremesToggled: sidebar.extremesToggled(shown)
             onLoaded: sidebar.adjustmentsLoaded()
             onEditingFinished: sidebar.editingFinished()
         }

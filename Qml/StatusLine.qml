@@ -7,11 +7,18 @@ import VideoPlayer 1.0
 import "."
 import "times.js" as Times
 
-// The bottom line: how far a log has been read, or what is open and where the video stands.
+// The bottom line: how far a log has been read, or what is open and the position of the video.
 Rectangle {
     id: statusLine
 
     property VideoPlayer player: null
+    // The jobs of this run, with the number of those that run.
+    property var jobs: null
+    readonly property int runningJobs: jobs !== null ? jobs.running : 0
+    signal jobsClicked()
+    // Position, length and frame number, as shown.
+    readonly property alias positionText: videoDuration.text
+
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
 
     height: 26
@@ -32,7 +39,7 @@ Rectangle {
         id: noticeText
         objectName: "noticeText"
         anchors.left: parent.left
-        anchors.right: parent.right
+        anchors.right: jobsButton.left
         anchors.leftMargin: 8
         anchors.rightMargin: 8
         anchors.verticalCenter: parent.verticalCenter
@@ -112,13 +119,15 @@ Rectangle {
         objectName: "filesRow"
         anchors.fill: parent
         anchors.leftMargin: 8
-        anchors.rightMargin: 8
+        anchors.rightMargin: 8 + jobsButton.width
         spacing: 8
         visible: !LogParser.isParsing && !noticeTimer.running
 
         Text {
             id: videoDuration
             objectName: "videoDuration"
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
             visible: statusLine.videoOpen
             // As wide as any time and frame number, or the names beside it would move as it counts.
             Layout.minimumWidth: widestTime.advanceWidth
@@ -157,5 +166,19 @@ Rectangle {
             color: Theme.textSoft
             text: LogParser.source !== "" ? LogParser.source : "No log file opened"
         }
+    }
+
+    CorvToolbarTextButton {
+        id: jobsButton
+        objectName: "jobsButton"
+        anchors.right: parent.right
+        anchors.rightMargin: 4
+        anchors.verticalCenter: parent.verticalCenter
+        width: visible ? 84 : 0
+        visible: statusLine.jobs !== null
+        text: statusLine.runningJobs > 0 ? "Jobs: " + statusLine.runningJobs : "Jobs"
+        source: "images/button_jobs.png"
+        tooltiptext: "Exports and other jobs, and how they ended"
+        onClicked: statusLine.jobsClicked()
     }
 }

@@ -29,6 +29,9 @@ QtObject {
     readonly property color menuSelected: "#2c7440"
     readonly property color menuSeparator: "#666666"
 
+    readonly property color listSelected: menuSelected
+    readonly property color listHovered: "#505050"
+
     // Text and icons on those surfaces.
     readonly property color text: "#ffffff"
     readonly property color textSoft: "#dddddd"
@@ -101,5 +104,15 @@ QtObject {
     readonly property color toolTipText: "#ffffff"
     readonly property color accent: Cst.accentColor
     readonly property color progress: Cst.progressBarBg
+    readonly property color hottest: "#ff6a4d"
+    readonly property color coldest: "#7ac8ff"
+    // From the coldest to the hottest, by the number of the player's palette.
+    readonly property var thermalPalettes: [
+        ["#000080", "#0000ff", "#0080ff", "#00ffff", "#80ff80", "#ffff00", "#ff8000", "#ff0000",
+         "#800000"],
+        ["#00224e", "#123570", "#3b496c", "#575d6d", "#707173", "#8a8678", "#a59c74", "#c3b369",
+         "#fee838"],
+        ["#000000", "#ffffff"]
+    ]
     readonly property color clear: "transparent"
 }

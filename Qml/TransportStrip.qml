@@ -15,6 +15,13 @@ Rectangle {
     // Whether the window has an item with the keyboard: the transport keys need one.
     property bool hasFocusItem: false
 
+    // The panels beside the video.
+    property bool poiListShown: false
+    property bool sidebarShown: true
+    property alias speedBox: playSpeedBox
+    signal poiListToggled(bool shown)
+    signal sidebarToggled(bool shown)
+
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
     readonly property bool poiSelected: timeline !== null && !isNaN(timeline.selectedPoiTime)
     readonly property bool moveMode: timeline !== null && timeline.movePOIMode
@@ -222,6 +229,43 @@ Rectangle {
         }
     }
 
+    Row {
+        anchors.right: parent.right
+        anchors.rightMargin: 4
+
+        CorvToolbarToggleButton {
+            id: poiListButton
+            objectName: "poiListButton"
+            source: "images/button_list.png"
+            tooltiptext: "List of the points of interest"
+            keyName: "F7"
+            checked: transportStrip.poiListShown
+            onToggle: transportStrip.poiListToggled(checked)
+        }
+        CorvToolbarToggleButton {
+            id: sidebarButton
+            objectName: "sidebarButton"
+            source: "images/button_sidebar.png"
+            tooltiptext: "Flight data and adjustments"
+            keyName: "F8"
+            checked: transportStrip.sidebarShown
+            onToggle: transportStrip.sidebarToggled(checked)
+        }
+    }
+
+    Binding { target: poiListButton; property: "checked"; value: transportStrip.poiListShown }
+    Binding { target: sidebarButton; property: "checked"; value: transportStrip.sidebarShown }
+
+    Shortcut {
+        sequence: "F7"
+        autoRepeat: false
+        onActivated: poiListButton.clicked()
+    }
+    Shortcut {
+        sequence: "F8"
+        autoRepeat: false
+        onActivated: sidebarButton.clicked()
+    }
     Shortcut {
         sequence: "Home"
         autoRepeat: false

@@ -1,4 +1,5 @@
-import QtQuick 2.7
+import QtQuick 2.15
+import QtQuick.Window 2.2
 import QtQuick.Controls 1.4
 import QtMultimedia 5.5
 import VideoPlayer 1.0
@@ -14,6 +15,70 @@ Rectangle {
     // The projects opened last: maps of "path", "name" and "exists".
     property var recentProjects: []
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
+
+    // How many times the picture is larger than it fits; it keeps to the area as it is moved.
+    property real zoom: 1
+    property point pan: Qt.point(0, 0)
+    readonly property real pixelZoom: fitScale > 0 ? 1 / (fitScale * Screen.devicePixelRatio) : 1
+    readonly property real fitScale: videoOutput.sourceRect.width > 0
+            ? Math.min(width / videoOutput.sourceRect.width, height / videoOutput.sourceRect.height) : 0
+
+    // The point under the pointer stays where it is.
+    function zoomAt(factor, x, y) {
+        var wanted = Math.max(1, Math.min(16, zoom * factor));
+        var ratio = wanted / zoom;
+        zoom = wanted;
+        moveTo(x - (x - pan.x) * ratio, y - (y - pan.y) * ratio);
+    }
+
+    function moveTo(x, y) {
+        pan = Qt.point(Math.min(0, Math.max(x, width - width * zoom)),
+                       Math.min(0, Math.max(y, height - height * zoom)));
+    }
+
+    function fit() {
+        zoom = 1;
+        moveTo(0, 0);
+    }
+
+    // One pixel of the video on one of the screen, or back.
+    function togglePixelSize() {
+        if (zoom !== 1)
+            fit();
+        else
+            zoomAt(pixelZoom, width / 2, height / 2);
+    }
+
+    // Whether the hottest and the coldest point of the thermal picture are shown.
+    property bool extremesShown: false
+    readonly property bool thermalShown: videoOpen && player.showIR
+    property var extremes: ({})
+
+    // A place in this area as parts of the frame's width and height.
+    function partsOfFrame(x, y) {
+        var frame = videoOutput.contentRect;
+        return Qt.point((x - videoOutput.x - frame.x) / frame.width,
+                        (y - videoOutput.y - frame.y) / frame.height);
+    }
+
+    function placeInFrame(x, y) {
+        var frame = videoOutput.contentRect;
+        return Qt.point(videoOutput.x + frame.x + x * frame.width,
+                        videoOutput.y + frame.y + y * frame.height);
+    }
+
+    function readThermal() {
+        extremes = thermalShown && extremesShown ? player.thermalExtremes() : {};
+        var parts = partsOfFrame(pointer.point.position.x, pointer.point.position.y);
+        pointedValue.value = thermalShown && pointer.hovered
+                ? player.thermalValueAt(parts.x, parts.y) : NaN;
+    }
+
+    onExtremesShownChanged: readThermal()
+    onThermalShownChanged: readThermal()
+    onVideoOpenChanged: fit()
+    onWidthChanged: moveTo(pan.x, pan.y)
+    onHeightChanged: moveTo(pan.x, pan.y)
 
     signal openProjectClicked()
     signal openVideoClicked()
@@ -43,11 +108,19 @@ Rectangle {
         onBrowseRemovableDevicesClicked: videoArea.browseRemovableDevicesClicked()
     }
 
-    VideoOutput {
-        id: videoOutput
-        objectName: "videoOutput"
+    Item {
         anchors.fill: parent
-        source: videoArea.player
+        clip: videoArea.zoom > 1
+
+        VideoOutput {
+            id: videoOutput
+            objectName: "videoOutput"
+            x: videoArea.pan.x
+            y: videoArea.pan.y
+            width: parent.width * videoArea.zoom
+            height: parent.height * videoArea.zoom
+            source: videoArea.player
+        }
     }
 
     BusyIndicator {
@@ -56,8 +129,99 @@ Rectangle {
         running: videoArea.player !== null && videoArea.player.isBusy
     }
 
+    HoverHandler {
+        id: pointer
+        enabled: videoArea.thermalShown
+        onPointChanged: videoArea.readThermal()
+        onHoveredChanged: videoArea.readThermal()
+    }
+
+    Connections {
+        target: videoArea.player
+
+        function onCurrentFrameIndexChanged() {
+            videoArea.readThermal();
+        }
+
+        function onThermalReadingChanged() {
+            videoArea.readThermal();
+        }
+    }
+
     Item {
         id: top
         anchors.fill: parent
+    }
+
+    ThermalBar {
+        objectName: "thermalBar"
+        anchors { right: parent.right; top: parent.top; margins: 8 }
+        height: Math.min(260, parent.height - 60)
+        visible: videoArea.thermalShown
+        player: videoArea.player
+    }
+
+    Repeater {
+        model: ["hottest", "coldest"]
+
+        ThermalPoint {
+            readonly property var found: videoArea.extremes[modelData]
+            readonly property point place: found === undefined
+                    ? Qt.point(0, 0) : videoArea.placeInFrame(found.x, found.y)
+
+            objectName: modelData + "Point"
+            x: place.x
+            y: place.y
+            visible: found !== undefined
+            value: found === undefined ? 0 : found.value
+            mark: modelData === "hottest" ? Theme.hottest : Theme.coldest
+        }
+    }
+
+    ThermalPoint {
+        id: pointedValue
+        objectName: "pointedThermalValue"
+        ringed: false
+        x: pointer.point.position.x + 8
+        y: pointer.point.position.y + 20
+        visible: !isNaN(value)
+        value: NaN
+    }
+
+    WheelHandler {
+        id: zoomWheel
+        enabled: videoArea.videoOpen
+        target: null
+        onWheel: videoArea.zoomAt(event.angleDelta.y > 0 ? 1.25 : 0.8, zoomWheel.point.position.x,
+                                  zoomWheel.point.position.y)
+    }
+
+    // A click still plays and pauses; a drag moves a picture that is larger than its place.
+    DragHandler {
+        property point start: Qt.point(0, 0)
+
+        enabled: videoArea.zoom > 1
+        target: null
+        onActiveChanged: {
+            if (active)
+                start = videoArea.pan;
+        }
+        onTranslationChanged: videoArea.moveTo(start.x + translation.x, start.y + translation.y)
+    }
+
+    Rectangle {
+        anchors { right: parent.right; bottom: parent.bottom; margins: 8 }
+        width: zoomText.width + 16
+        height: zoomText.height + 8
+        visible: videoArea.zoom > 1
+        color: Theme.plate
+
+        Text {
+            id: zoomText
+            objectName: "zoomText"
+            anchors.centerIn: parent
+            color: Theme.text
+            text: Math.round(videoArea.zoom * 100) + " %"
+        }
     }
 }

@@ -1,6 +1,6 @@
 .pragma library
 
-// What the about window says of the rights in the program and in what it stands on.
+// What the about window says of the rights in the program and in the libraries it uses.
 
 var ownership = "Vistrel is the work and the property of the Vistrel authors, &copy; 2026. It may be used, copied "
     + "and changed under the terms of its end-user licence agreement, the file LICENSE that comes "
@@ -36,9 +36,9 @@ var components = [
             "Windows, drawing, threads, files and network. &copy; The Qt Company Ltd. and other "
             + "contributors.",
             "Used under the GNU Lesser General Public License, version 3. The libraries are linked "
-            + "dynamically and unchanged: whoever has this program may replace them with a version "
-            + "of their own that has the same interface, may study how the two work together for "
-            + "that purpose, and gets the source code of Qt from the distribution that delivers "
+            + "dynamically and unchanged: you may replace them with a version "
+            + "of your own that has the same interface, may study how the two work together for "
+            + "that purpose, and get the source code of Qt from the distribution that delivers "
             + "it. Qt comes without warranty.",
             "Full texts: /usr/share/common-licenses/LGPL-3 and /usr/share/common-licenses/GPL-3."
         ]

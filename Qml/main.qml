@@ -1,4 +1,4 @@
-import QtQuick 2.7
+import QtQuick 2.15
 import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import QtQuick.Dialogs 1.2
@@ -20,6 +20,9 @@ ApplicationWindow {
     objectName: "mainWindow"
 
     property int sidebarWidth: 270
+    // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
+    readonly property int hiddenHeight: Screen.height < minimumHeight + 60
+            ? Math.max(0, y + height - Screen.virtualY - Screen.height) : 0
     signal installNewVersion(string newVersion)
 
     width: 1600
@@ -432,6 +435,27 @@ ApplicationWindow {
         property string folder: ""
     }
 
+    Settings {
+        id: panelSettings
+        category: "panels"
+        property bool poiListShown: false
+        // Folded at first where the picture needs the room.
+        property bool sidebarShown: Screen.height >= mainWindow.minimumHeight + 60
+    }
+
+    TimelineNavigator {
+        id: timelineNavigator
+        timeline: timelineContent
+    }
+
+    ReviewKeys {
+        player: videoPlayer
+        navigator: timelineNavigator
+        scrollBar: timelineScrollBar
+        picture: videoRect
+        speedBox: controlsTab.speedBox
+    }
+
     Item {
         id: currentProject
         objectName: "currentProject"
@@ -488,6 +512,13 @@ ApplicationWindow {
         onExportProgress: mainWindow.documentExportProgress(done, total)
     }
 
+    ExportJobs {
+        player: videoPlayer
+        reports: poiReportExporter
+        jobs: review.jobs
+        onEnded: infoTab.showNotice(text)
+    }
+
     FileDialogs {
         id: fileDialogs
         player: videoPlayer
@@ -541,13 +572,27 @@ ApplicationWindow {
         onAbortClicked: mainWindow.activeExportOperationAbortByUser()
     }
 
+    JobsPanel {
+        id: jobsPanel
+        objectName: "jobsPanel"
+        z: 2
+        anchors.right: parent.right
+        anchors.bottom: infoTab.top
+        visible: false
+        jobs: review.jobs
+        onClosed: visible = false
+    }
+
     StatusLine {
         id: infoTab
+        jobs: review.jobs
+        onJobsClicked: jobsPanel.visible = !jobsPanel.visible
         objectName: "infoTab"
         player: videoPlayer
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
+        anchors.bottomMargin: mainWindow.hiddenHeight
     }
 
     CurvesPanel {
@@ -563,6 +608,7 @@ ApplicationWindow {
 
     Rectangle {
         id: timelineTab
+        z: 1
         objectName: "timelineTab"
         anchors.left: parent.left
         anchors.right: parent.right
@@ -614,7 +660,9 @@ ApplicationWindow {
                                                         : videoPlayer.exactTimePosition
                     contentWidth: mainWindow.contentItem.width
                     contentX: 0
+                    Accessible.role: Accessible.Slider
                     Accessible.name: "Timeline"
+                    Accessible.description: infoTab.positionText
 
                     onDurationChanged: updateLogData()
                     onSeekRequest: videoPlayer.goToTime(time)
@@ -626,8 +674,18 @@ ApplicationWindow {
                     }
                     onClicked: mainWindow.refocusMainActions()
                     onContentXChanged: timeline.contentXChanged()
+
+                    HoverHandler { id: timelinePointer }
                 }
             }
+        }
+
+        TimelinePreview {
+            pointed: timelinePointer.hovered
+            pointerX: timelinePointer.point.position.x
+            anchors.fill: timeline
+            player: videoPlayer
+            navigator: timelineNavigator
         }
 
         MyScrollBar {
@@ -647,6 +705,10 @@ ApplicationWindow {
         timeline: timelineContent
         verbs: mainWindow
         hasFocusItem: mainWindow.activeFocusItem !== null
+        poiListShown: panelSettings.poiListShown
+        onPoiListToggled: panelSettings.poiListShown = shown
+        sidebarShown: panelSettings.sidebarShown
+        onSidebarToggled: panelSettings.sidebarShown = shown
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: timelineTab.top
@@ -665,7 +727,8 @@ ApplicationWindow {
             id: videoRect
             objectName: "videoRect"
             anchors.fill: parent
-            anchors.rightMargin: 3 + mainWindow.sidebarWidth
+            anchors.leftMargin: poiPanel.visible ? poiPanel.width : 0
+            anchors.rightMargin: hUDRectangle.visible ? 3 + mainWindow.sidebarWidth : 0
             player: videoPlayer
             recentProjects: recentProjects.projects
             onRecentProjectChosen: mainWindow.openRecentProject(path)
@@ -705,6 +768,20 @@ ApplicationWindow {
             }
         }
 
+        PoiPanel {
+            id: poiPanel
+            objectName: "poiPanel"
+            anchors.left: parent.left
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+            width: 240
+            visible: panelSettings.poiListShown
+            timeline: timelineContent
+            navigator: timelineNavigator
+            onEditRequested: mainWindow.editSelectedPoi()
+            onDone: mainWindow.refocusMainActions()
+        }
+
         Rectangle {
             id: hUDRectangle
             objectName: "hUDRectangle"
@@ -712,6 +789,7 @@ ApplicationWindow {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             width: mainWindow.sidebarWidth
+            visible: panelSettings.sidebarShown
             color: Theme.panel
 
             Sidebar {
@@ -721,6 +799,9 @@ ApplicationWindow {
                 player: videoPlayer
                 imperialUnits: generalSettings.imperialUnits
                 tabWidth: mainWindow.sidebarWidth / 2
+                extremesShown: videoRect.extremesShown
+                onExtremesToggled: videoRect.extremesShown = shown
+                onUnitsToggled: generalSettings.imperialUnits = imperial
                 onEditFlightPropertiesClicked: mainWindow.editFlightProperties()
                 onAdjustmentsLoaded: mainWindow.doAdjustThermalRange()
                 onEditingFinished: mainWindow.refocusMainActions()

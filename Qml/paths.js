@@ -1,7 +1,7 @@
 .pragma library
 
 // What the dialogs give are URLs, what the native objects take are paths. Every way from one to the
-// other stands here, for both families of systems: `os` is the name that Qt.platform.os gives and
+// other is here, for both families of systems: `os` is the name that Qt.platform.os gives and
 // is only passed by tests.
 
 function isWindows(os) {
@@ -33,7 +33,7 @@ function chosenPath(url, os) {
     return decodedPath(url.toString().replace(/^qrc:\/*/, ""), os);
 }
 
-// A text that is no proper encoding stands for itself.
+// A text that is no proper encoding is returned as it is.
 function decoded(text) {
     try {
         return decodeURIComponent(text);
@@ -78,7 +78,7 @@ function filterSuffixes(nameFilter) {
     return found.map(function(pattern) { return pattern.substring(2); });
 }
 
-// The last four characters tell the kind of a file, in any case.
+// The last four characters show the kind of a file, in any case.
 function hasExtension(url, extensions) {
     return extensions.indexOf(url.toString().slice(-4).toLowerCase()) >= 0;
 }

@@ -4,15 +4,20 @@
 #include "Log/LogParser.h"
 #include "Project/PoiReportExporter.h"
 #include "Project/ProjectFileLoader.h"
+#include "Review/ExportJobs.h"
 #include "Review/RecentProjects.h"
 #include "Review/Recovery.h"
 #include "Review/Review.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/Shortcut.h"
+#include "Timeline/FramePreview.h"
 #include "Timeline/HeadUpDisplay.h"
 #include "Timeline/LogCurves.h"
+#include "Timeline/PictureItem.h"
+#include "Timeline/PoiFilter.h"
 #include "Timeline/TimelineContent.h"
+#include "Timeline/TimelineNavigator.h"
 #include "Video/VideoPlayer.h"
 
 #include <qqml.h>
@@ -47,6 +52,11 @@ void registerQmlTypes()
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
+    qmlRegisterType<TimelineNavigator>("Timeline", 1, 0, "TimelineNavigator");
+    qmlRegisterType<PictureItem>("Timeline", 1, 0, "PictureItem");
+    qmlRegisterType<FramePreview>("Timeline", 1, 0, "FramePreview");
+    qmlRegisterType<PoiFilter>("Timeline", 1, 0, "PoiFilter");
+    qmlRegisterType<ExportJobs>("Review", 1, 0, "ExportJobs");
     qmlRegisterType<Review>("Review", 1, 0, "Review");
     qmlRegisterType<Recovery>("Review", 1, 0, "Recovery");
     qmlRegisterType<RecentProjects>("Review", 1, 0, "RecentProjects");

@@ -290,7 +290,7 @@ Pairing Decision::decide(size_t place) const
     const LogBelief byTime = beliefIn(place, video.logByTime);
     const LogBelief best = mostLikely(place);
     const bool lengthAgrees = agreesByTime(place, byTime);
-    // Times that lengths do not contradict stand, unless another log is all but certain.
+    // Times that lengths do not contradict are kept, unless another log is all but certain.
     const bool contradicted =
         video.logByTime < 0 || (video.lengthMs > 0 && canCompare(video.logByTime));
     const bool replaced = contradicted && !lengthAgrees

@@ -88,6 +88,7 @@ QStringList resolvedParts(const QJsonArray& stored, const QDir& projectFolder)
         if (!part.isEmpty())
             parts << resolvedPath(part, projectFolder);
     }
+    parts.removeDuplicates();
     return parts;
 }
 
@@ -180,7 +181,8 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
     QJsonObject files{{QStringLiteral("video"), relativeVideo},
                       {QStringLiteral("log"), relativeLog}};
     const QStringList parts = flightProperties.value(QStringLiteral("parts")).toStringList();
-    if (parts.size() > 1) {
+    // A single file is worth it where others follow by number that belong to another flight.
+    if (parts.size() > 1 || (parts.size() == 1 && filesOf(videoPath).size() > 1)) {
         QJsonArray relativeParts;
         for (const QString& part : parts)
             relativeParts.append(folder.relativeFilePath(part));
@@ -309,7 +311,8 @@ bool ProjectFileLoader::copySourceFilesAndSaveProject(QString originalLogPath,
     emit copyingChanged(true);
 
     Copied log = copyLog(originalLogPath, base);
-    Copied video = copyVideo(originalVideoPath, base);
+    const QStringList parts = flightProperties.value(QStringLiteral("parts")).toStringList();
+    Copied video = copyVideo(parts.isEmpty() ? filesOf(originalVideoPath) : parts, base);
     if (copy.isCancelled()) {
         log.undo();
         video.undo();
@@ -371,11 +374,13 @@ ProjectFileLoader::Copied ProjectFileLoader::copyLog(const QString& source, cons
 }
 
 /// The files of a series keep their names, by which the player joins them again.
-ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QString& source, const QString& base)
+ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QStringList& parts,
+                                                       const QString& base)
 {
     Copied copied;
+    const QString source = parts.first();
     copied.original = source;
-    copied.originalParts = filesOf(source);
+    copied.originalParts = parts;
     if (copied.originalParts.size() > 1) {
         copied.seriesFolder = base + QLatin1String("_video");
         platform::removeAbandonedParts(copied.seriesFolder);

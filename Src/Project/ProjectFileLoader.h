@@ -41,7 +41,7 @@ public:
     ///
     /// `flightProperties` holds "properties", a map that is passed through, "poi", the points of
     /// interest in list form, and perhaps "parts", the paths of all files of the flight, which are
-    /// kept if there are several. A failure is logged, and is in `lastSave` afterwards.
+    /// kept unless the names say the same. A failure is logged, and is in `lastSave` afterwards.
     Q_INVOKABLE void saveProject(QString logPath, QString videoPath, QString fileProjectPath,
                                  QVariantMap flightProperties);
 
@@ -104,7 +104,7 @@ private:
     struct Copied;
 
     Copied copyLog(const QString& source, const QString& base);
-    Copied copyVideo(const QString& source, const QString& base);
+    Copied copyVideo(const QStringList& parts, const QString& base);
     bool stage(const QString& source, const QString& target, Copied& copied);
     void publish(Copied& copied);
     void noteCopyProblem(const QString& path, int error);

@@ -165,6 +165,7 @@ void Recovery::write()
     const ProjectFileLoader::SavedFiles files = m_review->filesToSave();
     review.contents.videoFile = files.video;
     review.contents.logFile = files.log;
+    review.contents.parts = files.parts;
     review.contents.properties = now.properties;
     QVariantList pois;
     for (const auto& poi : now.pois)
@@ -234,7 +235,7 @@ void Recovery::restore()
         return;
     const RecoveredReview review = *m_offer;
     offer(std::nullopt);
-    m_review->whenOpened(review.contents.videoFile, [this, review] {
+    m_review->whenOpened(review.contents.videoFile, review.contents.parts, [this, review] {
         m_review->restore(review.projectPath, review.contents);
         // Kept under the new name before the old one goes.
         m_isAlwaysUnsaved = true;

@@ -56,6 +56,10 @@ RecoveredReview read(const QString& path)
     }
     review.projectPath = object.value(QLatin1String("project")).toString();
     review.contents.logFile = object.value(QLatin1String("log")).toString();
+    for (const QJsonValue& part : object.value(QLatin1String("parts")).toArray()) {
+        if (QFileInfo(part.toString()).isFile())
+            review.contents.parts << part.toString();
+    }
     review.contents.namesLog = !isNoLog(review.contents.logFile);
     review.contents.namesVideo = true;
     review.contents.properties = properties.toVariantMap();
@@ -72,6 +76,7 @@ QByteArray recoveryText(const RecoveredReview& review)
         {QStringLiteral("format"), formatVersion},
         {QStringLiteral("project"), review.projectPath},
         {QStringLiteral("video"), review.contents.videoFile},
+        {QStringLiteral("parts"), QJsonArray::fromStringList(review.contents.parts)},
         {QStringLiteral("log"), review.contents.logFile},
         {QStringLiteral("properties"), QJsonObject::fromVariantMap(review.contents.properties)},
         {QStringLiteral("poi"),

@@ -4,7 +4,6 @@
 #include "Review/UndoSteps.h"
 #include "Review/logPois.h"
 #include "Threads/post.h"
-#include "Video/fileNames.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -56,7 +55,7 @@ Review::Review(QObject* parent) : QObject(parent), m_undoStack(std::make_unique<
     connect(m_undoStack.get(), &QUndoStack::redoTextChanged, this, &Review::undoChanged);
 }
 
-// The stack outlives the model that its steps refer to, and must not tell anybody at its end.
+// The stack outlives the model that its steps refer to, and must emit nothing at its end.
 Review::~Review()
 {
     m_undoStack->disconnect(this);
@@ -131,7 +130,8 @@ QStringList Review::openedFiles() const
 
 // --- Opening ---------------------------------------------------------------------------------
 
-void Review::whenOpened(const QString& videoPath, std::function<void()> continuation)
+void Review::whenOpened(const QString& videoPath, const QStringList& parts,
+                        std::function<void()> continuation)
 {
     m_openProblem.reset();
     emit closing();
@@ -146,13 +146,15 @@ void Review::whenOpened(const QString& videoPath, std::function<void()> continua
         m_player->close();
     // Or the flight would begin with the last picture of the one before.
     m_player->forgetLastFrame();
+    if (!parts.isEmpty())
+        m_player->setNextFiles(parts);
     m_player->setSource(videoPath);
 }
 
 void Review::videoOpened(bool isOpen)
 {
     m_openedVideo = isOpen ? m_player->source() : QString();
-    m_openedParts = isOpen ? expandVideoSequence(m_openedVideo) : QStringList();
+    m_openedParts = isOpen ? m_player->sourceFiles() : QStringList();
     emit openedVideoChanged();
     // Left behind by a video that could not be opened, it must not take the next one for its own.
     if (!isOpen || m_awaitedVideo != m_openedVideo || !m_continuation)
@@ -182,7 +184,7 @@ void Review::openFlight(const QString& videoPath, const QString& logPath)
     if (!isFreeToChange())
         return;
     close();
-    whenOpened(videoPath, [this, logPath] {
+    whenOpened(videoPath, {}, [this, logPath] {
         resetCorrections();
         emit started();
         if (isNoLog(logPath))
@@ -190,6 +192,18 @@ void Review::openFlight(const QString& videoPath, const QString& logPath)
         else
             parseLog(logPath, false);
     });
+}
+
+/// The files that are there; what is missing is said.
+QStringList Review::existingParts(const ProjectContents& project)
+{
+    QStringList parts = project.parts;
+    const QStringList missing = project.missingFiles();
+    for (const QString& file : missing) {
+        if (parts.removeAll(file) > 0)
+            emit notice(tr("A part of the flight is missing: %1").arg(file));
+    }
+    return parts;
 }
 
 bool Review::openProject(const QString& path)
@@ -211,7 +225,8 @@ bool Review::openProject(const QString& path)
         emit openFailed(cause.value_or(Failure{Failure::Kind::other, text}));
         return false;
     }
-    whenOpened(project.videoFile, [this, path, project] { restore(path, project); });
+    whenOpened(project.videoFile, existingParts(project),
+               [this, path, project] { restore(path, project); });
     return true;
 }
 

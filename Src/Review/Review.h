@@ -101,8 +101,10 @@ public:
     /// Puts back what a project, or a recovery of unsaved work, keeps of the video that is open.
     void restore(const QString& projectPath, const ProjectContents& project);
 
-    /// Calls `continuation` once the video is open; at once if it is.
-    void whenOpened(const QString& videoPath, std::function<void()> continuation);
+    /// Calls `continuation` once the video is open; at once if it is. `parts` are all files of the
+    /// flight where they are known; without them it consists of those that follow by number.
+    void whenOpened(const QString& videoPath, const QStringList& parts,
+                    std::function<void()> continuation);
 
     /// The files that a project saved now would name.
     ProjectFileLoader::SavedFiles filesToSave() const;
@@ -190,6 +192,7 @@ private:
     bool saveProject(const QString& path, Save mode);
     bool writeProject(const QString& path, Save mode);
     void finishOpening();
+    QStringList existingParts(const ProjectContents& project);
     void bindToProject(const QString& path);
     void copyingChanged(bool isCopying);
     bool isFreeToChange();

@@ -94,6 +94,7 @@ void CurvePainter::setChosen(const QStringList& names)
 void CurvePainter::lookUp()
 {
     m_curves.clear();
+    m_lines.clear();
     if (!m_log)
         return;
     const std::vector<CurveColumn> columns = curveColumns(*m_log);
@@ -111,7 +112,9 @@ void CurvePainter::lookUp()
             continue;
         Curve curve;
         curve.column = *found;
-        curve.times = std::make_shared<const SampleTimes>(times.data(), times.size());
+        const bool sharesTimes = !m_curves.empty() && m_curves.back().column.group == found->group;
+        curve.times = sharesTimes ? m_curves.back().times
+                                  : std::make_shared<const SampleTimes>(times.data(), times.size());
         curve.firstMs = times[0];
         curve.lastMs = *std::max_element(times.begin(), times.end());
         curve.tree = std::make_shared<const CurveTree>(*var, found->column);
@@ -134,57 +137,82 @@ std::optional<float> CurvePainter::valueAt(const QString& name, int videoMs) con
     return isSynced() && curve ? valueOf(*curve, videoMs) : std::nullopt;
 }
 
-// For each pixel column the range of the values in its time, joined to the one before.
-QVector<QLine> CurvePainter::linesOf(const Curve& curve, const QSize& size,
-                                     const TimelineView& view) const
+// The row that holds at the left edge of each pixel and at the right edge of the last one; -1
+// before the first sample and behind the last.
+std::vector<int> CurvePainter::rowsOfPixels(const Curve& curve, int width,
+                                            const TimelineView& view) const
+{
+    std::vector<int> rows(static_cast<size_t>(width) + 1, -1);
+    int before = 0;
+    for (int x = 0; x <= width; ++x) {
+        const int ms = logTimeOfVideo(msOfPx(x, view), *m_clock);
+        const bool isBehind = before > curve.lastMs;
+        if (ms >= curve.firstMs && !(x > 0 && isBehind))
+            rows[static_cast<size_t>(x)] = curve.times->indexAt(ms);
+        before = ms;
+    }
+    return rows;
+}
+
+// For each pixel the range of the values in its time, joined to the one before.
+QVector<QLine> CurvePainter::linesOf(const Curve& curve, const std::vector<int>& rows, int height)
 {
     QVector<QLine> lines;
-    lines.reserve(size.width());
-    if (curve.range.isEmpty())
-        return lines;
-    int first = -1; // row that holds at the left edge of the pixel
+    const int width = static_cast<int>(rows.size()) - 1;
+    lines.reserve(width);
     int topBefore = 0;
     int bottomBefore = 0;
-    for (int x = 0; x < size.width(); ++x) {
-        const int leftMs = logTimeOfVideo(msOfPx(x, view), *m_clock);
-        const int rightMs = logTimeOfVideo(msOfPx(x + 1, view), *m_clock);
-        if (rightMs < curve.firstMs)
+    for (int x = 0; x < width; ++x) {
+        const int last = rows[static_cast<size_t>(x) + 1];
+        if (last < 0)
             continue;
-        if (leftMs > curve.lastMs)
-            break;
-        if (first < 0)
-            first = curve.times->indexAt(leftMs);
-        const int last = curve.times->indexAt(rightMs);
-        const ValueRange range = curve.tree->range(first, std::max(last, first) + 1);
-        first = last;
+        const int left = rows[static_cast<size_t>(x)];
+        const int first = left < 0 ? 0 : std::min(left, last);
+        const ValueRange range = curve.tree->range(first, last + 1);
         if (range.isEmpty())
             continue;
-        int top = yOf(range.highest, curve.range, size.height());
-        int bottom = yOf(range.lowest, curve.range, size.height());
-        const int highest = top;
-        const int lowest = bottom;
-        if (!lines.isEmpty() && lines.last().x1() == x - 1) {
-            top = std::min(top, bottomBefore);
-            bottom = std::max(bottom, topBefore);
-        }
-        lines.append(QLine(x, top, x, bottom));
+        const int highest = yOf(range.highest, curve.range, height);
+        const int lowest = yOf(range.lowest, curve.range, height);
+        const bool joins = !lines.isEmpty() && lines.last().x1() == x - 1;
+        lines.append(QLine(x, joins ? std::min(highest, bottomBefore) : highest, x,
+                           joins ? std::max(lowest, topBefore) : lowest));
         topBefore = highest;
         bottomBefore = lowest;
     }
     return lines;
 }
 
+void CurvePainter::place(const QSize& size, const TimelineView& view)
+{
+    const Place wanted{size, view.msPerPx, view.contentX, logTimeOfVideo(0, *m_clock)};
+    if (!m_lines.empty() && m_place == wanted)
+        return;
+    m_place = wanted;
+    m_lines.assign(m_curves.size(), {});
+    // Curves of one group share their times, and so the rows of the pixels.
+    std::vector<int> rows;
+    for (size_t i = 0; i < m_curves.size(); ++i) {
+        const Curve& curve = m_curves[i];
+        if (curve.range.isEmpty())
+            continue;
+        if (i == 0 || rows.empty() || curve.times != m_curves[i - 1].times)
+            rows = rowsOfPixels(curve, size.width(), view);
+        m_lines[i] = linesOf(curve, rows, size.height());
+    }
+}
+
 void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineView& view,
-                         int cursorMs) const
+                         int cursorMs)
 {
     if (!isSynced() || m_curves.empty() || size.isEmpty() || !(view.msPerPx > 0) ||
         !std::isfinite(view.msPerPx))
         return;
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setClipRect(QRect(QPoint(), size));
+    place(size, view);
     for (size_t i = 0; i < m_curves.size(); ++i) {
         painter.setPen(colourAt(i));
-        painter.drawLines(linesOf(m_curves[i], size, view));
+        painter.drawLines(m_lines[i]);
     }
     const int cursorX = pxOfMs(cursorMs, view);
     if (cursorX >= 0 && cursorX < size.width()) {

@@ -53,7 +53,9 @@ public:
     const QStringList& chosen() const { return m_names; }
 
     /// Paints at the painter's origin. `cursorMs` is the time of the cursor on the video's axis.
-    void paint(QPainter& painter, const QSize& size, const TimelineView& view, int cursorMs) const;
+    /// The curves are computed anew where size, view, clock or curves have changed, and not where
+    /// only the cursor has, as in playback.
+    void paint(QPainter& painter, const QSize& size, const TimelineView& view, int cursorMs);
 
     /// The value of a curve at a moment of the video: that of the last sample before it. Nothing
     /// before the first sample and without a synchronised log.
@@ -73,17 +75,36 @@ private:
         ValueRange range;
     };
 
+    /// All that the lines of the curves depend on, but the curves themselves.
+    struct Place
+    {
+        QSize size;
+        float msPerPx = 0;
+        int contentX = 0;
+        int logStartMs = 0; ///< log time of the video's start, corrected
+
+        bool operator==(const Place& other) const
+        {
+            return size == other.size && msPerPx == other.msPerPx && contentX == other.contentX &&
+                   logStartMs == other.logStartMs;
+        }
+    };
+
     void lookUp();
+    void place(const QSize& size, const TimelineView& view);
     const Curve* find(const QString& name) const;
     bool isSynced() const { return m_log && m_clock && m_clock->synced; }
     std::optional<float> valueOf(const Curve& curve, int videoMs) const;
-    QVector<QLine> linesOf(const Curve& curve, const QSize& size, const TimelineView& view) const;
+    std::vector<int> rowsOfPixels(const Curve& curve, int width, const TimelineView& view) const;
+    static QVector<QLine> linesOf(const Curve& curve, const std::vector<int>& rows, int height);
     void paintLegend(QPainter& painter, int cursorMs) const;
 
     std::shared_ptr<const LogFile> m_log;
     std::shared_ptr<const FlightClock> m_clock;
     QStringList m_names;
     std::vector<Curve> m_curves;
+    Place m_place;
+    std::vector<QVector<QLine>> m_lines; ///< of the curves at their place; empty if not computed
 };
 
 } // namespace corv

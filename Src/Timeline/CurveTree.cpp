@@ -8,7 +8,7 @@ namespace corv {
 namespace {
 
 // Rows of a leaf: few enough to look at them all, enough to keep the tree far smaller than the log.
-constexpr int kBlockRows = 32;
+constexpr int kBlockRows = 8;
 
 template <typename T>
 float read(const unsigned char* rows, int row)
@@ -18,13 +18,19 @@ float read(const unsigned char* rows, int row)
     return static_cast<float>(value);
 }
 
-} // namespace
-
-void ValueRange::include(const ValueRange& other)
+template <typename T>
+ValueRange rangeOf(const unsigned char* rows, int first, int last)
 {
-    lowest = std::min(lowest, other.lowest);
-    highest = std::max(highest, other.highest);
+    ValueRange range;
+    for (int row = first; row < last; ++row) {
+        const float value = read<T>(rows, row);
+        if (std::isfinite(value))
+            range.include({value, value});
+    }
+    return range;
 }
+
+} // namespace
 
 CurveTree::CurveTree(const LogVar& var, int column) : m_type(var.getType())
 {
@@ -69,13 +75,24 @@ float CurveTree::valueAt(int row) const
 
 ValueRange CurveTree::rangeOfRows(int first, int last) const
 {
-    ValueRange range;
-    for (int row = first; row < last; ++row) {
-        const float value = valueAt(row);
-        if (std::isfinite(value))
-            range.include({value, value});
+    switch (m_type) {
+    case LogVar::Int32:
+        return rangeOf<qint32>(m_rows, first, last);
+    case LogVar::Uint32:
+        return rangeOf<quint32>(m_rows, first, last);
+    case LogVar::Int16:
+        return rangeOf<qint16>(m_rows, first, last);
+    case LogVar::Uint16:
+        return rangeOf<quint16>(m_rows, first, last);
+    case LogVar::Int8:
+        return rangeOf<qint8>(m_rows, first, last);
+    case LogVar::Float:
+        return rangeOf<float>(m_rows, first, last);
+    case LogVar::Double:
+        return rangeOf<double>(m_rows, first, last);
+    default:
+        return rangeOf<quint8>(m_rows, first, last);
     }
-    return range;
 }
 
 ValueRange CurveTree::range(int first, int last) const

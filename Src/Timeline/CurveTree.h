@@ -2,6 +2,7 @@
 
 #include "Log/LogFile.h"
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -14,7 +15,11 @@ struct ValueRange
     float highest = -std::numeric_limits<float>::infinity();
 
     bool isEmpty() const { return lowest > highest; }
-    void include(const ValueRange& other);
+    void include(const ValueRange& other)
+    {
+        lowest = std::min(lowest, other.lowest);
+        highest = std::max(highest, other.highest);
+    }
 };
 
 /// A numeric column of a log with the ranges of its runs of rows, so that the range of any run is

@@ -427,9 +427,8 @@ void TimelineContent::addPoiAtPosition()
     }
 }
 
-QVariantMap TimelineContent::poiAtCursor()
+QVariantMap TimelineContent::poiAtCursor() const
 {
-    moveCursorToShownFrame();
     const Poi* const poi = m_pois->find(m_cursorPosition);
     return poi ? listForm(*poi) : QVariantMap();
 }

@@ -88,9 +88,8 @@ public:
     /// is open the cursor first moves to the exact time of the frame on screen.
     Q_INVOKABLE void addPoiAtPosition();
 
-    /// The point at the exact time of the frame on screen, where a moved one would be put; empty if
-    /// there is none. Moves the cursor there.
-    Q_INVOKABLE QVariantMap poiAtCursor();
+    /// The point at the cursor, where a moved one would be put; empty if there is none.
+    Q_INVOKABLE QVariantMap poiAtCursor() const;
 
     /// Selects the point at `poiTime`, as a click on its flag does; nothing if there is none.
     Q_INVOKABLE void selectPoi(QTime poiTime);

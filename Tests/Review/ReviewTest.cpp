@@ -193,6 +193,21 @@ private slots:
         QCOMPARE(other.problems, QStringList());
     }
 
+    void aFlightOfOneOfSeveralNumberedFilesStaysAlone()
+    {
+        Desk desk;
+        desk.player.setNextFiles({first()});
+        QVERIFY(desk.openFlight(first()));
+        QCOMPARE(msOfTime(desk.player.duration()), fileMs);
+        QVERIFY(desk.review.save(path("p.ecor")));
+        Desk other;
+        QVERIFY(other.openProject(path("p.ecor")));
+        QCOMPARE(msOfTime(other.player.duration()), fileMs);
+        QVERIFY(other.review.saveAs(path("q.ecor")));
+        QVERIFY(QFile::exists(path("q_video.MOV")));
+        QVERIFY(!QFile::exists(path("q_video")));
+    }
+
     void aCopyLeavesTheWorkWithItsOwnFiles()
     {
         Desk desk;

@@ -16,7 +16,7 @@ constexpr double leastContrast = 40.0;
 using Blocks = std::array<bool, blockCount>;
 
 // The remainder by x^4 + x + 1, inverted: it detects every change of up to four blocks in a row,
-// and of a picture whose bits are all the same.
+// and of a picture whose bits are all equal.
 unsigned checkOf(unsigned number)
 {
     unsigned rest = number << checkBits;

@@ -1,0 +1,132 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import QtQuick.Controls.Styles 1.4
+import "."
+
+// The jobs of this run: what runs with its progress, what has ended with its result. The newest is
+// the lowest.
+Rectangle {
+    id: jobsPanel
+
+    // A list with the roles job, title, done, total, progressText and resultText.
+    property var jobs: null
+    signal closed()
+
+    width: 380
+    height: Math.min(300, head.height + Math.max(60, list.contentHeight) + 8)
+    color: Theme.panel
+    border.width: 1
+    border.color: Theme.menuBorder
+
+    Rectangle {
+        id: head
+        anchors { left: parent.left; right: parent.right; top: parent.top; margins: 1 }
+        height: 26
+        color: Theme.strip
+
+        Text {
+            anchors { left: parent.left; leftMargin: 8; verticalCenter: parent.verticalCenter }
+            color: Theme.textBand
+            text: "Jobs"
+        }
+
+        CorvToolbarButton {
+            objectName: "closeJobsButton"
+            anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+            source: "images/icon_cross_cancel.png"
+            tooltiptext: "Close the list of jobs"
+            onClicked: jobsPanel.closed()
+        }
+    }
+
+    Text {
+        anchors { left: parent.left; right: parent.right; top: head.bottom; margins: 12 }
+        visible: list.count === 0
+        color: Theme.textBand
+        wrapMode: Text.WordWrap
+        text: "Nothing has run yet. Exports, saving and reading a log appear here."
+    }
+
+    ListView {
+        id: list
+        objectName: "jobList"
+        anchors {
+            left: parent.left
+            right: parent.right
+            top: head.bottom
+            bottom: parent.bottom
+            margins: 4
+        }
+        clip: true
+        model: jobsPanel.jobs
+        boundsBehavior: Flickable.StopAtBounds
+        onCountChanged: positionViewAtEnd()
+        Accessible.role: Accessible.List
+        Accessible.name: "Jobs"
+
+        delegate: Item {
+            id: row
+
+            readonly property bool running: job !== null && job.running
+
+            width: list.width
+            height: column.height + 10
+            Accessible.role: Accessible.ListItem
+            Accessible.name: title + ", " + (running ? progressText : resultText)
+
+            Column {
+                id: column
+                anchors {
+                    left: parent.left
+                    leftMargin: 6
+                    right: cancelButton.left
+                    rightMargin: 6
+                    verticalCenter: parent.verticalCenter
+                }
+                spacing: 3
+
+                ElidedText {
+                    width: parent.width
+                    color: Theme.text
+                    text: title
+                }
+
+                ProgressBar {
+                    width: parent.width
+                    height: 8
+                    visible: row.running
+                    indeterminate: total <= 0
+                    maximumValue: Math.max(1, total)
+                    value: done
+                    Accessible.name: title
+                    style: ProgressBarStyle {
+                        background: Rectangle { color: Theme.groove }
+                        progress: Rectangle { color: Theme.accent }
+                    }
+                }
+
+                Text {
+                    width: parent.width
+                    visible: text !== ""
+                    color: Theme.textBand
+                    font.pixelSize: 11
+                    wrapMode: Text.Wrap
+                    textFormat: Text.PlainText
+                    text: row.running ? progressText : resultText !== "" ? resultText : "Done"
+                }
+            }
+
+            CorvQuickStartButton {
+                id: cancelButton
+                objectName: "cancelJobButton"
+                anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+                width: 64
+                height: 24
+                visible: row.running && job.cancellable
+                text: "Cancel"
+                name: "Cancel " + title
+                onClicked: job.cancel()
+            }
+        }
+    }
+}

@@ -1,0 +1,237 @@
+import QtQuick 2.15
+import QtQuick.Controls 1.4
+import Timeline 1.0
+import "."
+
+// The points of interest as a list: filtered by typing, sorted by time or name. A click goes to one,
+// a double click edits it, Ctrl and Shift choose several, Delete deletes what is chosen.
+Rectangle {
+    id: poiPanel
+
+    property TimelineContent timeline: null
+    property TimelineNavigator navigator: null
+
+    // The selected point of interest is to be edited.
+    signal editRequested()
+    // The keyboard goes back to the video.
+    signal done()
+
+    color: Theme.panel
+
+    PoiFilter {
+        id: filter
+        pois: poiPanel.timeline !== null ? poiPanel.timeline.poiModel : null
+        words: filterField.text
+        byName: sortButton.checked
+        onCountChanged: list.chosen = []
+        onWordsChanged: list.chosen = []
+        onByNameChanged: list.chosen = []
+    }
+
+    Rectangle {
+        id: head
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        height: 26
+        color: Theme.strip
+
+        Text {
+            objectName: "poiPanelTitle"
+            anchors { left: parent.left; leftMargin: 8; verticalCenter: parent.verticalCenter }
+            color: Theme.textBand
+            text: "Points of interest: " + filter.count
+        }
+
+        CorvToolbarToggleTextButton {
+            id: sortButton
+            objectName: "sortButton"
+            anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }
+            width: 66
+            height: 22
+            text: "A-Z"
+            source: "images/button_sort.png"
+            tooltiptext: "Sort by name instead of time"
+        }
+    }
+
+    TextField {
+        id: filterField
+        objectName: "filterField"
+        anchors { left: parent.left; right: parent.right; top: head.bottom; margins: 6 }
+        placeholderText: "Filter"
+        style: CorvTextFieldStyle {}
+        Accessible.name: "Filter of the points of interest"
+        Keys.onEscapePressed: {
+            text = "";
+            poiPanel.done();
+        }
+    }
+
+    Text {
+        objectName: "emptyText"
+        anchors { left: parent.left; right: parent.right; top: filterField.bottom; margins: 12 }
+        visible: filter.count === 0
+        color: Theme.textBand
+        wrapMode: Text.WordWrap
+        text: filterField.text !== "" ? "No point of interest has these words."
+                                      : "No points of interest yet. N makes one at the playhead."
+    }
+
+    ListView {
+        id: list
+        objectName: "poiList"
+
+        // Rows chosen beside the current one.
+        property var chosen: []
+
+        function choose(row, modifiers) {
+            if (modifiers & Qt.ControlModifier) {
+                var without = chosen.filter(function(one) { return one !== row; });
+                chosen = without.length < chosen.length ? without : chosen.concat([row]);
+            } else if (modifiers & Qt.ShiftModifier) {
+                var rows = [];
+                for (var i = Math.min(row, currentIndex); i <= Math.max(row, currentIndex); ++i)
+                    rows.push(i);
+                chosen = rows;
+            } else {
+                chosen = [];
+                goTo(row);
+            }
+        }
+
+        function goTo(row) {
+            currentIndex = row;
+            poiPanel.navigator.goToPoi(filter.timeOfRow(row));
+        }
+
+        function removeChosen() {
+            var rows = chosen.length > 0 ? chosen : currentIndex >= 0 ? [currentIndex] : [];
+            chosen = [];
+            filter.removeRowsOf(rows);
+        }
+
+        anchors {
+            left: parent.left
+            right: parent.right
+            top: filterField.bottom
+            topMargin: 6
+            bottom: deleteButton.top
+            bottomMargin: 4
+        }
+        clip: true
+        model: filter
+        currentIndex: -1
+        boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: true
+        keyNavigationEnabled: false
+        Accessible.role: Accessible.List
+        Accessible.name: "Points of interest"
+
+        Keys.onUpPressed: goTo(Math.max(0, currentIndex - 1))
+        Keys.onDownPressed: goTo(Math.min(count - 1, currentIndex + 1))
+        Keys.onDeletePressed: removeChosen()
+
+        delegate: Rectangle {
+            id: row
+
+            readonly property bool isChosen: list.chosen.indexOf(index) >= 0
+                                             || (list.chosen.length === 0
+                                                 && index === list.currentIndex)
+
+            objectName: "poiRow" + index
+            width: list.width
+            height: 48
+            color: isChosen ? Theme.listSelected : rowArea.containsMouse ? Theme.listHovered
+                                                                         : Theme.clear
+
+            Accessible.role: Accessible.ListItem
+            Accessible.name: timeText + " " + name + (firstLine === "" ? "" : ", " + firstLine)
+            Accessible.selectable: true
+            Accessible.selected: isChosen
+            Accessible.focusable: true
+            Accessible.onPressAction: list.choose(index, Qt.NoModifier)
+
+            PictureItem {
+                id: thumbnailItem
+                anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
+                width: 64
+                height: 40
+                picture: thumbnail
+            }
+
+            ElidedText {
+                id: nameText
+                anchors {
+                    left: thumbnailItem.right
+                    leftMargin: 6
+                    right: parent.right
+                    rightMargin: 6
+                    top: parent.top
+                    topMargin: 5
+                }
+                color: Theme.text
+                elide: Text.ElideRight
+                text: name
+            }
+
+            Text {
+                id: timeLabel
+                anchors { left: nameText.left; top: nameText.bottom; topMargin: 2 }
+                color: row.isChosen ? Theme.text : Theme.textBand
+                font.pixelSize: 11
+                text: timeText
+            }
+
+            ElidedText {
+                anchors {
+                    left: timeLabel.right
+                    leftMargin: 6
+                    right: parent.right
+                    rightMargin: 6
+                    baseline: timeLabel.baseline
+                }
+                color: row.isChosen ? Theme.text : Theme.textBand
+                elide: Text.ElideRight
+                font.pixelSize: 11
+                text: firstLine
+            }
+
+            MouseArea {
+                id: rowArea
+                anchors.fill: parent
+                z: -1
+                hoverEnabled: true
+                onClicked: {
+                    list.choose(index, mouse.modifiers);
+                    if (mouse.modifiers === Qt.NoModifier)
+                        poiPanel.done();
+                }
+                onDoubleClicked: poiPanel.editRequested()
+            }
+        }
+
+        FocusFrame {
+            visible: list.activeFocus
+        }
+    }
+
+    CorvToolbarTextButton {
+        id: deleteButton
+        objectName: "deletePoisButton"
+        anchors { left: parent.left; leftMargin: 4; bottom: parent.bottom; bottomMargin: 4 }
+        width: 90
+        enabled: list.count > 0 && (list.chosen.length > 0 || list.currentIndex >= 0)
+        text: list.chosen.length > 1 ? "Delete " + list.chosen.length : "Delete"
+        source: "images/button_poi_remove.png"
+        tooltiptext: "Delete the chosen points of interest"
+        keyName: "Delete"
+        onClicked: list.removeChosen()
+    }
+
+    Connections {
+        target: poiPanel.timeline
+
+        function onSelectedPoiTimeChanged() {
+            list.currentIndex = filter.rowOfTime(poiPanel.timeline.selectedPoiTime);
+        }
+    }
+}

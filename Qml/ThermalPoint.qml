@@ -1,0 +1,39 @@
+import QtQuick 2.7
+import "."
+
+// A point of the thermal picture with its value beside it, in the coordinates of its parent.
+Item {
+    id: thermalPoint
+
+    property real value: 0
+    property color mark: Theme.text
+    // Whether a ring is drawn around the point.
+    property bool ringed: true
+
+    Rectangle {
+        anchors.centerIn: parent
+        visible: thermalPoint.ringed
+        width: 11
+        height: 11
+        radius: 6
+        color: Theme.clear
+        border.width: 2
+        border.color: thermalPoint.mark
+    }
+
+    Rectangle {
+        x: 9
+        y: -height / 2
+        width: label.width + 8
+        height: label.height + 4
+        color: Theme.plate
+
+        Text {
+            id: label
+            anchors.centerIn: parent
+            color: Theme.text
+            font.pixelSize: 11
+            text: Math.round(thermalPoint.value)
+        }
+    }
+}

@@ -1,0 +1,29 @@
+.pragma library
+
+// What the importer's list shows of one map of the search.
+function rowOf(matching) {
+    return {
+        name: matching.videoFilename + " : " + matching.logFilename,
+        videoPath: matching.videoFile,
+        logPath: matching.logFile,
+        matchFound: matching.matchFound,
+        duration: matching.videoDuration,
+        missionName: matching.missionName,
+        flightName: matching.flightName,
+        flightNumber: matching.flightNumber,
+        namingDefined: matching.namingDefined,
+        evidence: matching.evidence,
+        doubtful: matching.doubtful,
+        evidenceText: matching.evidenceText,
+        partText: matching.partText,
+        fileText: fileText(matching)
+    };
+}
+
+// Time, size and folder of the video.
+function fileText(matching) {
+    var folder = matching.videoFile.substring(0, matching.videoFile.lastIndexOf("/"));
+    var time = matching.videoTime === "" ? "" : "Written " + matching.videoTime.replace("T", " ")
+                                                + ", ";
+    return time + (matching.videoSize / 1000000).toFixed(1) + " MB, in " + folder;
+}

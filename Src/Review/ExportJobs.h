@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Base/Result.h"
+#include "Review/JobList.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+namespace corv {
+
+class PoiReportExporter;
+class VideoPlayer;
+
+/// Puts what is written out of a flight into the list of jobs: series of pictures, whole videos and
+/// reports. Player, exporter and list are set once and not owned. Interface thread only.
+class ExportJobs : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(corv::VideoPlayer* player READ player WRITE setPlayer)
+    Q_PROPERTY(corv::PoiReportExporter* reports READ reports WRITE setReports)
+    Q_PROPERTY(corv::JobList* jobs READ jobs WRITE setJobs)
+
+public:
+    explicit ExportJobs(QObject* parent = nullptr);
+
+    VideoPlayer* player() const;
+    void setPlayer(VideoPlayer* player);
+    PoiReportExporter* reports() const;
+    void setReports(PoiReportExporter* reports);
+    JobList* jobs() const { return m_jobs; }
+    void setJobs(JobList* jobs) { m_jobs = jobs; }
+
+signals:
+    /// How a piece of work ended, in a sentence.
+    void ended(const QString& text);
+
+private:
+    void beginSeries(int total);
+    void endSeries(int saved, int failed);
+    void reportVideo(int done, int total);
+    void endVideo(bool result);
+    void reportDocument(int done, int total);
+    void endDocument(bool result);
+    void end(QPointer<Job>& job, const Status& status, const QString& success);
+
+    QPointer<VideoPlayer> m_player;
+    QPointer<PoiReportExporter> m_reports;
+    QPointer<JobList> m_jobs;
+    QPointer<Job> m_series;
+    QPointer<Job> m_video;
+    QPointer<Job> m_document;
+};
+
+} // namespace corv

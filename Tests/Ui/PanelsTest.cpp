@@ -1,0 +1,267 @@
+#include "ReviewSuite.h"
+
+#include <QDir>
+
+using namespace corv::test;
+
+/// What stands beside the stated window: the list of points of interest, jobs, zoom, the keys of a
+/// review, the thermal bar.
+class PanelsTest : public ReviewSuite
+{
+    Q_OBJECT
+
+private slots:
+    void theListGoesToAPoint();
+    void theListIsFilteredByTyping();
+    void theListDeletesWhatIsChosen();
+    void aDoubleClickInTheListEdits();
+    void panelsFoldAndStayFolded();
+    void keysJumpAndFollowThePoints();
+    void keysZoomTheTimeline();
+    void keysPlayFasterAndPause();
+    void theWheelZoomsThePictureAndADragMovesIt();
+    void theTimelineShowsThePictureAtThePointer();
+    void theThermalBarHasTheEndsOfTheRange();
+    void unitsSwitchAtOnce();
+    void aSeriesOfPicturesIsAJobWithAnEnd();
+    void jobsAreListed();
+
+private:
+    void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), modifiers);
+    }
+    void openFlight();
+    void showList();
+    int position() const
+    {
+        return QTime(0, 0).msecsTo(m_ui->evaluate("videoPlayer.timePosition").toTime());
+    }
+    int selected() const
+    {
+        return QTime(0, 0).msecsTo(m_ui->evaluate("timelineContent.selectedPoiTime").toTime());
+    }
+};
+
+// Points of interest at 1 and 3 seconds of six.
+void PanelsTest::openFlight()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    QTRY_COMPARE(m_ui->poiNames().size(), 2);
+    QTRY_VERIFY(!player("isBusy").toBool());
+}
+
+void PanelsTest::showList()
+{
+    openFlight();
+    key(Qt::Key_F7);
+    QTRY_VERIFY(m_ui->item("poiPanel")->isVisible());
+    QTRY_VERIFY(m_ui->item("poiRow1"));
+}
+
+void PanelsTest::theListGoesToAPoint()
+{
+    showList();
+    QTRY_COMPARE(m_ui->get("poiPanelTitle", "text").toString(), QString("Points of interest: 2"));
+    QVERIFY(m_ui->click("poiRow1"));
+    QTRY_COMPARE(position(), 3000);
+    QCOMPARE(selected(), 3000);
+    // The keys stay with the video.
+    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    m_ui->screenshot("list");
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::theListIsFilteredByTyping()
+{
+    showList();
+    UiFixture::click(m_ui->item("filterField"));
+    QTRY_VERIFY(m_ui->get("filterField", "activeFocus").toBool());
+    QTest::keyClick(m_ui->window(), '2');
+    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 1);
+    QTest::keyClick(m_ui->window(), 'x');
+    QTRY_VERIFY(m_ui->item("emptyText")->isVisible());
+    // Letters are typed, and run no command of the window.
+    QCOMPARE(m_ui->poiNames().size(), 2);
+    key(Qt::Key_Escape);
+    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 2);
+    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
+}
+
+void PanelsTest::theListDeletesWhatIsChosen()
+{
+    showList();
+    const auto middle = [this](const char* row) {
+        QQuickItem* item = m_ui->item(row);
+        return item->mapToScene(QPointF(120, item->height() / 2)).toPoint();
+    };
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow0"));
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow1"));
+    QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
+    QVERIFY(m_ui->click("deletePoisButton"));
+    QCOMPARE(m_ui->poiNames(), QStringList());
+}
+
+void PanelsTest::aDoubleClickInTheListEdits()
+{
+    showList();
+    QQuickItem* row = m_ui->item("poiRow0");
+    const QPoint place = row->mapToScene(QPointF(120, 20)).toPoint();
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
+    QTest::mouseDClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
+    QTRY_VERIFY(UiFixture::visibleWindow("Edit point of interest"));
+    QCOMPARE(UiFixture::visibleWindow("Edit point of interest")->property("poiName").toString(),
+             QString("POI 1"));
+    UiFixture::visibleWindow("Edit point of interest")->close();
+}
+
+void PanelsTest::panelsFoldAndStayFolded()
+{
+    const double beside = m_ui->item("videoRect")->width();
+    QVERIFY(m_ui->click("sidebarButton"));
+    QTRY_VERIFY(!m_ui->item("hUDRectangle")->isVisible());
+    QTRY_COMPARE(m_ui->item("videoRect")->width(), beside + 273);
+    QVERIFY(m_ui->click("poiListButton"));
+    QTRY_COMPARE(m_ui->item("videoRect")->width(), beside + 273 - 240);
+    QTRY_COMPARE(QSettings().value("panels/sidebarShown").toBool(), false);
+    QVERIFY(m_ui->reload());
+    QVERIFY(!m_ui->item("hUDRectangle")->isVisible());
+    QVERIFY(m_ui->item("poiPanel")->isVisible());
+    key(Qt::Key_F8);
+    QTRY_VERIFY(m_ui->item("hUDRectangle")->isVisible());
+}
+
+void PanelsTest::keysJumpAndFollowThePoints()
+{
+    openFlight();
+    key(Qt::Key_Right, Qt::ControlModifier);
+    QTRY_COMPARE(position(), 1000);
+    key(Qt::Key_PageDown);
+    QTRY_COMPARE(position(), 3000);
+    QCOMPARE(selected(), 3000);
+    key(Qt::Key_PageUp);
+    QTRY_COMPARE(position(), 1000);
+    QCOMPARE(selected(), 1000);
+    key(Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
+    QTRY_COMPARE(position(), 0);
+}
+
+void PanelsTest::keysZoomTheTimeline()
+{
+    openFlight();
+    const int fitted = m_ui->evaluate("timelineContent.contentWidth").toInt();
+    key(Qt::Key_Plus);
+    QVERIFY(m_ui->evaluate("timelineContent.contentWidth").toInt() > fitted);
+    key(Qt::Key_Plus);
+    key(Qt::Key_Right, Qt::AltModifier);
+    QVERIFY(m_ui->evaluate("timelineContent.contentX").toInt() > 0);
+    key(Qt::Key_0);
+    QCOMPARE(m_ui->evaluate("timelineContent.contentWidth").toInt(), fitted);
+    QCOMPARE(m_ui->evaluate("timelineContent.contentX").toInt(), 0);
+    key(Qt::Key_Minus);
+    QCOMPARE(m_ui->evaluate("timelineContent.contentWidth").toInt(), fitted);
+}
+
+void PanelsTest::keysPlayFasterAndPause()
+{
+    openFlight();
+    key(Qt::Key_L);
+    QVERIFY(player("playing").toBool());
+    key(Qt::Key_L);
+    QCOMPARE(player("playSpeed").toInt(), 2);
+    key(Qt::Key_K);
+    QVERIFY(!player("playing").toBool());
+    QCOMPARE(player("playSpeed").toInt(), 1);
+}
+
+void PanelsTest::theWheelZoomsThePictureAndADragMovesIt()
+{
+    QVERIFY(m_ui->openVideo());
+    QQuickItem* area = m_ui->item("videoRect");
+    UiFixture::wheel(area, 120);
+    QTRY_COMPARE(area->property("zoom").toDouble(), 1.25);
+    UiFixture::wheel(area, 120);
+    const QPointF before = area->property("pan").toPointF();
+    // The middle, where the pointer is, keeps its place.
+    QVERIFY(qAbs(before.x() + area->width() * 0.28125) < 2);
+    const QPoint middle =
+        area->mapToScene(QPointF(area->width() / 2, area->height() / 2)).toPoint();
+    QTest::mousePress(m_ui->window(), Qt::LeftButton, Qt::NoModifier, middle);
+    for (int x = 10; x <= 60; x += 10)
+        QTest::mouseMove(m_ui->window(), middle + QPoint(x, 0));
+    QTest::mouseRelease(m_ui->window(), Qt::LeftButton, Qt::NoModifier, middle + QPoint(60, 0));
+    QTRY_VERIFY(area->property("pan").toPointF().x() > before.x() + 20);
+    QVERIFY(!player("playing").toBool());
+    // Nothing but picture is shown at the edges.
+    QVERIFY(area->property("pan").toPointF().x() <= 0);
+    QVERIFY(m_ui->click("videoMouseArea"));
+    QVERIFY(player("playing").toBool());
+    key(Qt::Key_1);
+    QTRY_COMPARE(area->property("zoom").toDouble(), 1.0);
+}
+
+void PanelsTest::theTimelineShowsThePictureAtThePointer()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(!m_ui->item("timelinePreview")->isVisible());
+    QQuickItem* strip = m_ui->item("timelineContent");
+    const double x = 3000 / m_ui->evaluate("timelineContent.msPerPx").toDouble();
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x - 5, 80)).toPoint());
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x, 80)).toPoint());
+    QTRY_VERIFY(m_ui->item("timelinePreview")->isVisible());
+    QVERIFY(m_ui->get("timelinePreviewTime", "text").toString().startsWith("00:0"));
+    QTRY_VERIFY(!m_ui->get("timelinePreviewPicture", "picture").value<QImage>().isNull());
+    // The place of playback stays.
+    QCOMPARE(position(), 0);
+    QTest::mouseMove(m_ui->window(), QPoint(300, 200));
+    QTRY_VERIFY(!m_ui->item("timelinePreview")->isVisible());
+}
+
+void PanelsTest::theThermalBarHasTheEndsOfTheRange()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(!m_ui->item("thermalBar")->isVisible());
+    m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.autoIRMapping = false;"
+                   "videoPlayer.irMappingMinValue = 7000; videoPlayer.irMappingMaxValue = 9000");
+    QTRY_VERIFY(m_ui->item("thermalBar")->isVisible());
+    QCOMPARE(m_ui->get("lowestText", "text").toString(), QString("7000"));
+    QCOMPARE(m_ui->get("highestText", "text").toString(), QString("9000"));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::unitsSwitchAtOnce()
+{
+    QCOMPARE(m_ui->get("headUpDisplay", "imperialUnits").toBool(), false);
+    QVERIFY(m_ui->click("unitsButton"));
+    QCOMPARE(m_ui->get("headUpDisplay", "imperialUnits").toBool(), true);
+    QTRY_COMPARE(QSettings().value("userPreferences/imperialUnits").toBool(), true);
+}
+
+void PanelsTest::aSeriesOfPicturesIsAJobWithAnEnd()
+{
+    openFlight();
+    const QString folder = FlightMedia::instance().newFolder();
+    m_ui->evaluate("videoPlayer.exportFrames(0, 1000, 5, '" + folder + "', 'Frame')");
+    QTRY_VERIFY(m_ui->get("noticeText", "text").toString().contains("pictures saved"));
+    QVERIFY(m_ui->item("noticeText")->isVisible());
+    QCOMPARE(m_ui->evaluate("review.jobs.running").toInt(), 0);
+    QVERIFY(!QDir(folder).entryList({"Frame*.jpg"}).isEmpty());
+}
+
+void PanelsTest::jobsAreListed()
+{
+    openFlight();
+    QVERIFY(!m_ui->item("jobsPanel")->isVisible());
+    QVERIFY(m_ui->click("jobsButton"));
+    QTRY_VERIFY(m_ui->item("jobsPanel")->isVisible());
+    // The log was read.
+    QTRY_VERIFY(m_ui->get("jobList", "count").toInt() >= 1);
+    m_ui->screenshot("jobs");
+    QVERIFY(m_ui->click("closeJobsButton"));
+    QTRY_VERIFY(!m_ui->item("jobsPanel")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+QTEST_MAIN(PanelsTest)
+#include "PanelsTest.moc"
