@@ -306,7 +306,8 @@ void ExportDialogsTest::framesTimesLieWithinTheVideo()
 void ExportDialogsTest::framesTabLeadsThroughTheFields()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
-    verifyTabOrder({"startTextInput", "stopTextInput", "spacingTextInput", "folderTextInput"});
+    verifyTabOrder({"startTextInput", "buttonSetCurrentPositionAsStart", "stopTextInput",
+                    "buttonSetCurrentPositionAsStop", "spacingTextInput", "folderTextInput"});
 }
 
 void ExportDialogsTest::framesTimeIsTyped()
