@@ -286,7 +286,7 @@ void SettingsWindowsTest::updateIsInstalled()
     QVERIFY(m_host->make("NewUpdateWindow.qml"));
     m_host->set("versionString", "9.8.7.6");
     QVERIFY(m_host->show());
-    QSignalSpy install(m_host->ui().root(), SIGNAL(installNewVersion(QString)));
+    QSignalSpy install(m_host->window(), SIGNAL(installNewVersion(QString)));
     m_host->click("btn_install_now");
     QTRY_VERIFY(!m_host->window()->isVisible());
     QCOMPARE(install.count(), 1);
@@ -296,7 +296,7 @@ void SettingsWindowsTest::updateIsInstalled()
 void SettingsWindowsTest::updateWaits()
 {
     QVERIFY(m_host->open("NewUpdateWindow.qml"));
-    QSignalSpy install(m_host->ui().root(), SIGNAL(installNewVersion(QString)));
+    QSignalSpy install(m_host->window(), SIGNAL(installNewVersion(QString)));
     m_host->click("btn_later");
     QTRY_VERIFY(!m_host->window()->isVisible());
     QCOMPARE(install.count(), 0);
