@@ -2,6 +2,8 @@
 
 #include "Timeline/HeadUpPainter.h"
 
+#include <QtMath>
+
 using namespace corv;
 using namespace corv::test;
 
@@ -137,9 +139,13 @@ void HeadUpPainterTest::paintsAtAnySize()
     QCOMPARE(onImage.transform(), QTransform());
     onImage.end();
     const double scale = covered.width() / 170;
-    const QPointF centre = covered.topLeft() + QPointF(85.5, 30 + 85.5) * scale;
-    const QPoint tip = (centre + QPointF(26, 0) * scale).toPoint();
-    QCOMPARE(isNeedle(image.pixelColor(tip)), !covered.isEmpty());
+    // The needle points to the right along the middle of a row of pixels; its tip is at x 116.5.
+    const auto colourAt = [&](double x) {
+        const QPointF point = covered.topLeft() + QPointF(x, 30 + 84.5) * scale;
+        return image.pixelColor(qFloor(point.x()), qFloor(point.y()));
+    };
+    QCOMPARE(isNeedle(colourAt(106.5)), !covered.isEmpty());
+    QVERIFY(!isNeedle(colourAt(120.5)));
     QCOMPARE(image.pixelColor(399, 499), QColor(Qt::magenta));
 }
 
