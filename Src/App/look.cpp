@@ -9,6 +9,7 @@
 #include <QStyleFactory>
 #include <QTimer>
 #include <QVector>
+#include <QWindow>
 #include <algorithm>
 
 namespace corv {
@@ -61,8 +62,24 @@ private:
     {
         // File names are in these texts, and a name may look like markup.
         box->setTextFormat(Qt::PlainText);
+        stackOnNewest(box);
         m_boxes.append(box);
         QTimer::singleShot(0, box, [this] { raiseNewest(nullptr); });
+    }
+
+    // The window system keeps a window above the one it belongs to, also when that one is raised
+    // without becoming active.
+    void stackOnNewest(QMessageBox* box) const
+    {
+        QWindow* const window = box->windowHandle();
+        if (!window || m_boxes.contains(box))
+            return;
+        for (auto older = m_boxes.crbegin(); older != m_boxes.crend(); ++older) {
+            if (*older && (*older)->isVisible() && (*older)->windowHandle()) {
+                window->setTransientParent((*older)->windowHandle());
+                return;
+            }
+        }
     }
 
     // Unless `active` is the newest: the older ones wait below until it is answered.
