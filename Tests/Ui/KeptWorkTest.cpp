@@ -291,7 +291,7 @@ void KeptWorkTest::unsavedWorkIsOfferedAtTheNextStart()
     // Kept in the background, within five seconds.
     const QDir kept(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
                     "/recovery");
-    QTRY_COMPARE(kept.entryList({"*.json"}).size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(kept.entryList({"*.json"}).size(), 1, 15000);
     QVERIFY(m_ui->reload());
     QVERIFY(m_ui->item("recoveryBar")->isVisible());
     QVERIFY(m_ui->get("recoveryText", "text").toString().contains("(1 point of interest)"));
