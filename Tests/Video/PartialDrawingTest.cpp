@@ -18,6 +18,8 @@ private slots:
     void partsHaveEvenEdges();
     void onlyThePartChanges_data();
     void onlyThePartChanges();
+    void everyColumnOfThePartIsDrawn_data();
+    void everyColumnOfThePartIsDrawn();
     void theFrameItselfStays();
     void otherFormsAreNotTaken();
 };
@@ -94,6 +96,29 @@ void PartialDrawingTest::onlyThePartChanges()
     const cv::Mat inside = bgrOf(drawn)(cv::Rect(104, 64, 72, 42));
     const cv::Mat wanted(inside.size(), CV_8UC3, cv::Scalar(20, 40, 200));
     QVERIFY(cv::norm(inside, wanted, cv::NORM_INF) <= 3.0);
+}
+
+void PartialDrawingTest::everyColumnOfThePartIsDrawn_data()
+{
+    QTest::addColumn<QRect>("part");
+    for (const int width : {2, 4, 6, 8, 14, 30, 34, 66, 100, 158, 250})
+        QTest::addRow("width %d", width) << QRect(40, 30, width, 100);
+    QTest::newRow("at the right edge") << QRect(298, 30, 22, 100);
+    QTest::newRow("the whole width") << QRect(0, 30, 320, 100);
+}
+
+// Drawn with what was there, the part looks as it did, up to its last column.
+void PartialDrawingTest::everyColumnOfThePartIsDrawn()
+{
+    QFETCH(QRect, part);
+    const Frame frame = planarFrame();
+    const Frame drawn =
+        drawOnPart(frame, {part.x(), part.y(), part.width(), part.height()}, [](cv::Mat&) {});
+    cv::Mat difference;
+    cv::absdiff(bgrOf(frame), bgrOf(drawn), difference);
+    double largest = 0.0;
+    cv::minMaxLoc(difference.reshape(1), nullptr, &largest);
+    QVERIFY2(largest <= 24.0, qPrintable(QString::number(largest)));
 }
 
 void PartialDrawingTest::theFrameItselfStays()
