@@ -46,7 +46,7 @@ QString folderNamePart(const QString& name);
 /// "<date>_<mission>_<flight>_<number>"; without a naming "<date>_<name of the first video>".
 QString flightFolderName(const FlightJob& job);
 
-/// Gives each job its folder name. Jobs that would share one are told apart by "_2", "_3" ... in
+/// Gives each job its folder name. Jobs that would share one get "_2", "_3" ... in
 /// the order of their videos' paths, so that the same card gives the same names again.
 void nameFolders(QList<FlightJob>* jobs);
 

@@ -12,8 +12,8 @@ namespace corv {
 /// A step of a flight that failed, and why.
 using StepFailure = std::pair<QString, Failure>;
 
-// The lines that the work on a flight writes to whoever started it. Each is one JSON object with
-// "event" and "flight".
+// The lines that the work on a flight writes to the process that started it. Each is one JSON
+// object with "event" and "flight".
 
 /// {"event":"progress","flight","step","done","total"}; a total of 0 is unknown.
 QJsonObject progressEvent(const QString& flight, const QString& step, qint64 done, qint64 total);

@@ -76,7 +76,7 @@ void ExportJobs::reportVideo(int done, int total)
 
 void ExportJobs::endVideo(bool result)
 {
-    // Without a frame written there was no job yet, and its failure is to be seen all the same.
+    // Without a frame written there was no job yet, and its failure is still to be seen.
     if (!m_video && m_jobs && !result)
         m_video = m_jobs->start(Job::Kind::video, tr("Write the video"));
     Status status = m_player ? m_player->videoExportResult() : Status();
