@@ -4,7 +4,7 @@
 
 using namespace corv::test;
 
-/// What stands beside the stated window: the list of points of interest, jobs, zoom, the keys of a
+/// What is beside the stated window: the list of points of interest, jobs, zoom, the keys of a
 /// review, the thermal bar.
 class PanelsTest : public ReviewSuite
 {
