@@ -1,7 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
-import QtQuick.Dialogs 1.2
 import QtQml 2.2
 import Qt.labs.settings 1.0
 import corv.AppInfo 1.0
@@ -13,9 +12,8 @@ import Review 1.0
 import Timeline 1.0
 import "."
 import "constants.js" as Cst
-import "paths.js" as Paths
 
-ApplicationWindow {
+ReviewWindow {
     id: mainWindow
     objectName: "mainWindow"
 
@@ -35,6 +33,20 @@ ApplicationWindow {
            + (currentProject.fileActive
               ? " - " + currentProject.filePath + (currentProject.modified ? "*" : "") : "")
 
+    player: videoPlayer
+    timeline: timelineContent
+    review: review
+    reports: poiReportExporter
+    currentProject: currentProject
+    fileDialogs: fileDialogs
+    question: question
+    windows: secondaryWindows
+    exportProgress: exportProgressWindow
+    statusLine: infoTab
+    curves: curvesPanel
+    sidebar: tabsContainer
+    keyboardPlace: videoTab
+
     onClosing: close.accepted = review.copyJob === null
 
     menuBar: MainMenuBar {
@@ -53,359 +65,8 @@ ApplicationWindow {
         refocusMainActions();
     }
 
-    function loadProject(path) {
-        console.log("Trying to open project " + path);
-        review.openProject(path);
-    }
-
-    function openRecentProject(path) {
-        videoPlayer.pause();
-        loadProject(path);
-    }
-
-    function loadVideo(path) {
-        videoPlayer.source = path;
-    }
-
-    function launchUpdateWindow(newVersion, releaseNotes) {
-        secondaryWindows.openUpdate(newVersion, releaseNotes);
-    }
-
-    function showNewInstallationFailedError(newInstallerPath) {
-        displayErrorDialog("Installing new Vistrel",
-                           "Failed to automatically install the new Vistrel. Please proceed with manual installation.");
-        Qt.openUrlExternally(Paths.toUrl(newInstallerPath));
-    }
-
-    function goOpenProject(source) {
-        ApplicationTelemetry.vistrelEvent("open_project_from_" + source);
-        videoPlayer.pause();
-        fileDialogs.loadProjectDialog.open();
-    }
-
-    function goSaveProjectAs() {
-        ApplicationTelemetry.vistrelEvent("save_project_as");
-        askWhereToSave(false);
-    }
-
-    function goSaveProjectCopy() {
-        ApplicationTelemetry.vistrelEvent("save_project_copy");
-        askWhereToSave(true);
-    }
-
-    function goSaveProject() {
-        ApplicationTelemetry.vistrelEvent("save_project");
-        if (!videoPlayer.hasVideoOpened)
-            return;
-        if (!currentProject.fileActive) {
-            goSaveProjectAs();
-            return;
-        }
-        videoPlayer.pause();
-        doSaveProject(currentProject.filePath);
-    }
-
-    // Not in the middle of a copy, of which nothing would be left.
-    function goExit() {
-        if (review.copyJob === null)
-            Qt.quit();
-    }
-
-    function goCloseProject() {
-        ApplicationTelemetry.vistrelEvent("close_project");
-        resetStatusAsNewProject();
-    }
-
-    function resetStatusAsNewProject() {
-        review.close();
-    }
-
-    function goOpenVideo(source) {
-        ApplicationTelemetry.vistrelEvent("open_video_from_" + source);
-        videoPlayer.pause();
-        fileDialogs.videoImportDialog.open();
-    }
-
-    function afterVideoImportChoice(videoUrl) {
-        if (!Paths.hasExtension(videoUrl, [".mov", ".avi", ".3gp", ".mp4"])) {
-            displayErrorDialog("Invalid file",
-                               "Invalid file extension, choose a \".mov\", \".avi\", \".3gp\" or \".mp4\" file");
-            return;
-        }
-        review.openFlight(Paths.decodedPath(videoUrl), "");
-    }
-
-    function goLoadFlightData() {
-        videoPlayer.pause();
-        fileDialogs.logImportDialog.open();
-    }
-
-    function afterFlightDataImportChoice(logUrl) {
-        if (!Paths.hasExtension(logUrl, [".log"])) {
-            displayErrorDialog("Invalid file", "Invalid file extension, chose a \".log\" file");
-            return;
-        }
-        review.attachLog(Paths.decodedPath(logUrl));
-    }
-
-    // Opens a flight found by the importer; its log is read once its video is open. A flight without
-    // a log has none.
-    function openFlight(videoFile, logFile) {
-        review.openFlight(videoFile, logFile);
-    }
-
-    function goResetPOIsFromFlightData() {
-        videoPlayer.pause();
-        review.addMissingPoisFromLog();
-    }
-
-    function goOverwritePOIsFromFlightData() {
-        videoPlayer.pause();
-        timelineContent.restoreMissingPOIsWithLogData();
-    }
-
-    function goExploreRemovableDevices() {
-        secondaryWindows.openImporter();
-    }
-
-    function goSettings() {
-        secondaryWindows.openSettings();
-    }
-
-    function goChooseRestorePOIsAction() {
-        secondaryWindows.openRestoreLog();
-    }
-
-    function goCreatePoiReport() {
-        if (!videoPlayer.hasVideoOpened)
-            return;
-        videoPlayer.pause();
-        fileDialogs.createPoiReport.open();
-    }
-
-    function saveCurrentFrame() {
-        videoPlayer.pause();
-        fileDialogs.saveImageDialog.open();
-    }
-
     function toggleFullScreen() {
         visibility = visibility === Window.FullScreen ? Window.Windowed : Window.FullScreen;
-    }
-
-    function toggleCurves() {
-        curvesPanel.open = !curvesPanel.open;
-        if (!curvesPanel.open)
-            refocusMainActions();
-    }
-
-    function goOpenHelp() {
-        var manual = Paths.urlInFolder(applicationDirPath, "manual.pdf");
-        if (!Qt.openUrlExternally(Qt.resolvedUrl(manual)))
-            displayWarningDialog("User guide", "No program opens the user guide here. It is in the file\n\n"
-                                               + Paths.decodedPath(manual));
-    }
-
-    function resetCorrectionParameters() {
-        review.resetCorrections();
-    }
-
-    function updateCorrectionParameters() {
-        var panel = adjustmentsPanel();
-        if (panel === undefined)
-            return;
-        panel.irHorizontalPosCorrection = videoPlayer.irOffsetX;
-        panel.irVerticalPosCorrection = videoPlayer.irOffsetY;
-        panel.logTimeShiftingCorrection = LogParser.manualLogTimeOffset;
-    }
-
-    function displayErrorDialog(title, message) {
-        displayDialog(title, message, StandardIcon.Critical);
-    }
-
-    function displayWarningDialog(title, message) {
-        displayDialog(title, message, StandardIcon.Warning);
-    }
-
-    function doSaveProject(path) {
-        review.save(path);
-    }
-
-    function doSaveProjectAs(path) {
-        review.saveAs(path);
-    }
-
-    function doSaveProjectCopy(path) {
-        doSaveOperation(path, true);
-    }
-
-    // Writes a project; with copies beside it the work stays bound to its own.
-    function doSaveOperation(path, copySourceFiles) {
-        if (copySourceFiles)
-            review.saveCopy(path);
-        else
-            review.save(path);
-    }
-
-    function doCreatePoiReport(path) {
-        poiReportExporter.createPoiReport(timelineContent.getPOIs(), path, LogParser.flightNaming);
-        showExportProgress(Cst.activeExportWordDocument, "Generating document...");
-    }
-
-    function doAdjustThermalRange() {
-        var panel = adjustmentsPanel();
-        if (panel === undefined)
-            return;
-        if (LogParser.thermalCameraVersion == 35) {
-            console.log("Setting values for newer thermal camera");
-            panel.irRangeMin = Cst.newLeptonMinValue;
-            panel.irRangeMax = Cst.newLeptonMaxValue;
-        } else {
-            console.log("Setting values for older thermal camera");
-            panel.irRangeMin = Cst.oldLeptonMinValue;
-            panel.irRangeMax = Cst.oldLeptonMaxValue;
-        }
-    }
-
-    function logParsingComplete(result) {
-        review.logParsed(result);
-    }
-
-    function logParsingProgress(stage, done, total) {
-        infoTab.showLogProgress(stage, done, total);
-    }
-
-    function videoExportComplete(result) {
-        exportProgressWindow.visible = false;
-    }
-
-    function videoExportProgress(done, total) {
-        setExportProgress(done, total);
-    }
-
-    function documentExportComplete(result) {
-        exportProgressWindow.visible = false;
-    }
-
-    function documentExportProgress(done, total) {
-        setExportProgress(done, total);
-    }
-
-    function activeExportOperationAbortByUser() {
-        if (currentProject.activeExportOperation === Cst.activeExportVideo)
-            videoPlayer.cancelExportVideo();
-        else if (currentProject.activeExportOperation === Cst.activeExportWordDocument)
-            poiReportExporter.abortExportOperation();
-    }
-
-    function addNewPoiAtPosition() {
-        timelineContent.addPoiAtPosition();
-    }
-
-    function deleteSelectedPoi() {
-        timelineContent.deleteSelectedPoi();
-    }
-
-    function editSelectedPoi() {
-        secondaryWindows.openPoiProperties();
-    }
-
-    function startMovingPoi() {
-        timelineContent.enterMovePOIMode();
-    }
-
-    function stopMovingPoi() {
-        timelineContent.exitMovePOIMode();
-    }
-
-    // On its own place a point of interest stays as it is; another one is replaced only when asked.
-    function confirmMovingPoi() {
-        if (!timelineContent.movePOIMode)
-            return;
-        var there = timelineContent.poiAtCursor();
-        var moved = timelineContent.getSelectedPOI();
-        if (there.time === undefined) {
-            timelineContent.confirmNewPOIPositionAndExitMoveMode();
-        } else if (there.time === moved.time) {
-            timelineContent.exitMovePOIMode();
-            infoTab.showNotice("Not moved: '" + moved.name + "' is at this frame already.");
-        } else {
-            question.ask("Replace point of interest",
-                         "There is a point of interest '" + there.name
-                         + "' at this frame. Replace it by '" + moved.name + "'?",
-                         timelineContent.confirmNewPOIPositionAndExitMoveMode);
-        }
-    }
-
-    function undo() {
-        infoTab.showNotice("Undone: " + review.undoText);
-        review.undo();
-    }
-
-    function redo() {
-        infoTab.showNotice("Redone: " + review.redoText);
-        review.redo();
-    }
-
-    function nameFlight(missionName, flightName, flightNumber) {
-        review.nameFlight(missionName, flightName, flightNumber);
-    }
-
-    // A name that was completed after the dialog had asked about the one typed.
-    function askBeforeReplacing(path, typedPath, write) {
-        if (path === typedPath || !review.fileExists(path))
-            write();
-        else
-            question.ask("Replace file", path + " already exists.\nDo you want to replace it?", write);
-    }
-
-    // The panel shows once more what the player and the parser have.
-    function showAdjustments() {
-        updateCorrectionParameters();
-        videoPlayer.updateControlsStates();
-        videoPlayer.updatePropertiesStates();
-    }
-
-    function editFlightProperties() {
-        secondaryWindows.openFlightProperties();
-    }
-
-    function refocusMainActions() {
-        videoTab.forceActiveFocus();
-    }
-
-    // The panel is not there before its tab was first shown: undefined until then.
-    function adjustmentsPanel() {
-        return tabsContainer.getTab(1).children[0];
-    }
-
-    function askWhereToSave(asCopy) {
-        if (!videoPlayer.hasVideoOpened)
-            return;
-        videoPlayer.pause();
-        currentProject.savingAsCopy = asCopy;
-        fileDialogs.saveProjectDialog.open();
-    }
-
-    function displayDialog(title, message, icon) {
-        console.log(title + ": " + message);
-        var dialog = genericErrorDialog.createObject(mainWindow);
-        dialog.title = title;
-        dialog.text = message;
-        dialog.icon = icon;
-        dialog.visible = true;
-    }
-
-    function showVideoExport() {
-        showExportProgress(Cst.activeExportVideo, "Exporting video file...");
-    }
-
-    function setExportProgress(done, total) {
-        exportProgressWindow.showProgress(done, total);
-    }
-
-    function showExportProgress(operation, text) {
-        currentProject.activeExportOperation = operation;
-        exportProgressWindow.showOperation(text);
     }
 
     Settings {
@@ -451,7 +112,7 @@ ApplicationWindow {
     ReviewKeys {
         player: videoPlayer
         navigator: timelineNavigator
-        scrollBar: timelineScrollBar
+        scrollBar: timelineTab.scrollBar
         picture: videoRect
         speedBox: controlsTab.speedBox
     }
@@ -555,18 +216,6 @@ ApplicationWindow {
         }
     }
 
-    Component {
-        id: genericErrorDialog
-
-        MessageDialog {
-            standardButtons: StandardButton.Ok
-            onVisibleChanged: {
-                if (!visible)
-                    destroy(1);
-            }
-        }
-    }
-
     ExportProgressWindow {
         id: exportProgressWindow
         onAbortClicked: mainWindow.activeExportOperationAbortByUser()
@@ -606,95 +255,49 @@ ApplicationWindow {
         cursorPosition: videoPlayer.timePosition
     }
 
-    Rectangle {
+    TimelineStrip {
         id: timelineTab
-        z: 1
         objectName: "timelineTab"
+        z: 1
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: curvesPanel.top
-        height: 120
-        color: Theme.window
+        player: videoPlayer
+        timeline: timelineContent
+        navigator: timelineNavigator
+        pointer: timelinePointer
 
-        Rectangle {
-            id: timeline
-            objectName: "timeline"
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.top: parent.top
-            anchors.bottom: timelineScrollBar.top
-            color: Theme.timelineGround
-            clip: true
+        TimelineContent {
+            id: timelineContent
+            objectName: "timelineContent"
+            width: parent.width
+            height: parent.height
+            logParser: LogParser
+            videoPlayer: videoPlayer
+            poiModel: review.pois
+            enabled: videoPlayer.hasVideoOpened
+            duration: videoPlayer.duration
+            // Each frame of a paused video; ten times a second of a playing one.
+            cursorPosition: videoPlayer.playing ? videoPlayer.timePosition
+                                                : videoPlayer.exactTimePosition
+            contentWidth: mainWindow.contentItem.width
+            contentX: 0
+            Accessible.role: Accessible.Slider
+            Accessible.name: "Timeline"
+            Accessible.description: infoTab.positionText
 
-            readonly property real contentWidth: timelineContent.contentWidth
-            readonly property real widthRatio: width / contentWidth
-            signal contentXChanged()
-
-            onWidthChanged: timelineScrollBar.widthsChanged()
-            onContentWidthChanged: timelineScrollBar.widthsChanged()
-
-            function setContentX(contentX) {
-                timelineContent.contentX = Math.max(0, Math.min(contentX, contentWidth - width));
+            onDurationChanged: updateLogData()
+            onSeekRequest: videoPlayer.goToTime(time)
+            onPoiDoubleClicked: mainWindow.editSelectedPoi()
+            onPoiRefused: {
+                selectPoi(poiTime);
+                infoTab.showNotice("There is a point of interest at this frame already: '"
+                                   + getSelectedPOI().name + "'.");
             }
+            onClicked: mainWindow.refocusMainActions()
+            onContentXChanged: timelineTab.scrolled()
 
-            function getContentX() {
-                return timelineContent.contentX;
-            }
-
-            MouseArea {
-                anchors.fill: parent
-                propagateComposedEvents: true
-
-                TimelineContent {
-                    id: timelineContent
-                    objectName: "timelineContent"
-                    width: parent.width
-                    height: parent.height
-                    logParser: LogParser
-                    videoPlayer: videoPlayer
-                    poiModel: review.pois
-                    enabled: videoPlayer.hasVideoOpened
-                    duration: videoPlayer.duration
-                    // Each frame of a paused video; ten times a second of a playing one.
-                    cursorPosition: videoPlayer.playing ? videoPlayer.timePosition
-                                                        : videoPlayer.exactTimePosition
-                    contentWidth: mainWindow.contentItem.width
-                    contentX: 0
-                    Accessible.role: Accessible.Slider
-                    Accessible.name: "Timeline"
-                    Accessible.description: infoTab.positionText
-
-                    onDurationChanged: updateLogData()
-                    onSeekRequest: videoPlayer.goToTime(time)
-                    onPoiDoubleClicked: mainWindow.editSelectedPoi()
-                    onPoiRefused: {
-                        selectPoi(poiTime);
-                        infoTab.showNotice("There is a point of interest at this frame already: '"
-                                           + getSelectedPOI().name + "'.");
-                    }
-                    onClicked: mainWindow.refocusMainActions()
-                    onContentXChanged: timeline.contentXChanged()
-
-                    HoverHandler { id: timelinePointer }
-                }
-            }
-        }
-
-        TimelinePreview {
-            pointed: timelinePointer.hovered
-            pointerX: timelinePointer.point.position.x
-            anchors.fill: timeline
-            player: videoPlayer
-            navigator: timelineNavigator
-        }
-
-        MyScrollBar {
-            id: timelineScrollBar
-            objectName: "timelineScrollBar"
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.bottom: parent.bottom
-            timeline: timeline
+            HoverHandler { id: timelinePointer }
         }
     }
 
