@@ -178,7 +178,7 @@ QString evidenceText(const FlightMatchData& match)
         return QStringLiteral("Paired by time alone, length differs: %1 against %2")
             .arg(inSeconds(match.flightLengthMs), inSeconds(match.recordingMs));
     case PairingEvidence::Time:
-        return QStringLiteral("Paired by time alone, lengths not compared");
+        return QStringLiteral("Paired by time alone, lengths not compared") + notCertain;
     case PairingEvidence::None:
         break;
     }

@@ -69,7 +69,17 @@ private slots:
     void nextPartHasTheNextNumber();
     void claimsAreShares();
     void manyFlightsStayInTheRangeOfNumbers();
+    void timeAloneIsDoubtedWhereTimesAreLost();
+    void generatedCardsArePairedRight_data();
     void generatedCardsArePairedRight();
+    void cleanupTestCase();
+
+private:
+    int m_cards = 0;
+    int m_videos = 0; // whose log can be found at all
+    int m_right = 0;
+    int m_rightWithoutDoubt = 0;
+    int m_wrongWithoutDoubt = 0;
 };
 
 void FlightPairingTest::oneVideoAndOneLog_data()
@@ -367,44 +377,70 @@ void FlightPairingTest::manyFlightsStayInTheRangeOfNumbers()
         QCOMPARE(pairings[static_cast<size_t>(i)].log, i);
 }
 
-// Other seeds by hand: VISTREL_SEED=7 ./FlightPairingTest generatedCardsArePairedRight
+void FlightPairingTest::timeAloneIsDoubtedWhereTimesAreLost()
+{
+    // No camera ends four long videos within seconds. The log by time cannot be read.
+    std::vector<PairingVideo> videos;
+    for (int i = 0; i < 4; ++i)
+        videos.push_back(video(QStringLiteral("CORV000%1.MOV").arg(i), 300'000 + i, 0, i));
+    const std::vector<Pairing> pairings = pairFlights(videos, {logOf("1.log", {}, 10)});
+    for (const Pairing& pairing : pairings) {
+        QCOMPARE(pairing.log, 0);
+        QCOMPARE(pairing.evidence, PairingEvidence::Time);
+        QVERIFY(pairing.doubtful);
+    }
+}
+
+void FlightPairingTest::generatedCardsArePairedRight_data()
+{
+    QTest::addColumn<unsigned>("first");
+    for (unsigned set = 0; set < 8; ++set)
+        QTest::addRow("cards from %u", set * 1000) << set * 1000;
+}
+
+// A thousand cards for each row. Others by hand: VISTREL_SEED=7 ./FlightPairingTest
 void FlightPairingTest::generatedCardsArePairedRight()
 {
-    const unsigned base = qEnvironmentVariableIntValue("VISTREL_SEED") * 100'000U;
-    int videos = 0;
-    int right = 0;
-    int wrongWithoutDoubt = 0;
-    int wrongOfTimeAndLength = 0;
-    for (unsigned number = 0; number < 400; ++number) {
-        CardHistory history = drawHistory(base + number);
-        // A flight with a part gone or renamed is as long as no recording.
-        if (history.inParts)
-            history.filesMissing = history.renamed = false;
-        const GeneratedCard card = generateCard(base + number, history);
+    QFETCH(unsigned, first);
+    first += static_cast<unsigned>(qEnvironmentVariableIntValue("VISTREL_SEED")) * 100'000U;
+    for (unsigned number = first; number < first + 1000; ++number) {
+        const CardHistory history = drawHistory(number);
+        const GeneratedCard card = generateCard(number, history);
         const std::vector<Pairing> pairings = pairFlights(card.videos, card.logs);
         for (size_t i = 0; i < pairings.size(); ++i) {
-            const bool isRight = pairings[i].log == card.truth[i];
-            if (card.truth[i] >= 0) {
-                ++videos;
-                right += isRight;
-            }
-            if (isRight || pairings[i].log < 0 || pairings[i].doubtful)
+            const Pairing& pairing = pairings[i];
+            const bool isRight = pairing.log == card.truth[i];
+            const bool isWrongWithoutDoubt = !isRight && pairing.log >= 0 && !pairing.doubtful;
+            m_wrongWithoutDoubt += isWrongWithoutDoubt;
+            QVERIFY2(!isWrongWithoutDoubt, qPrintable(QStringLiteral("card %1, %2 with log %3")
+                                                          .arg(number)
+                                                          .arg(card.videos[i].path)
+                                                          .arg(pairing.log)));
+            // A part that is gone or has another name makes a flight as long as no recording.
+            if (card.truth[i] < 0 || !card.whole[i] || (history.inParts && history.renamed))
                 continue;
-            ++wrongWithoutDoubt;
-            wrongOfTimeAndLength += pairings[i].evidence == PairingEvidence::TimeAndLength;
+            ++m_videos;
+            m_right += isRight;
+            m_rightWithoutDoubt += isRight && !pairing.doubtful;
         }
+        ++m_cards;
     }
-    qInfo("%d videos, %d right, %d wrong without a doubt", videos, right, wrongWithoutDoubt);
-    const QString subject = QStringLiteral("Pairing of videos with logs, 400 generated cards");
+}
+
+void FlightPairingTest::cleanupTestCase()
+{
+    if (m_cards == 0)
+        return;
+    qInfo("%d cards, %d videos, %d right, %d of them without a doubt", m_cards, m_videos, m_right,
+          m_rightWithoutDoubt);
+    const QString subject =
+        QStringLiteral("Pairing of videos with logs, %1 generated cards").arg(m_cards);
     trustRow(subject, QStringLiteral("paired right"),
-             QStringLiteral("%1 of %2 videos").arg(right).arg(videos));
+             QStringLiteral("%1 of %2 videos").arg(m_right).arg(m_videos));
     trustRow(subject, QStringLiteral("paired wrong without a word of doubt"),
-             QString::number(wrongWithoutDoubt));
-    QVERIFY(videos > 5000);
-    QVERIFY(right >= 0.99 * videos);
-    // A missing log beside a missing video of the same length is beyond any evidence.
-    QVERIFY(wrongWithoutDoubt <= 0.0005 * videos);
-    QCOMPARE(wrongOfTimeAndLength, 0);
+             QString::number(m_wrongWithoutDoubt));
+    QVERIFY(m_right >= 0.99 * m_videos);
+    QVERIFY(m_rightWithoutDoubt >= 0.7 * m_videos);
 }
 
 QTEST_GUILESS_MAIN(FlightPairingTest)

@@ -35,12 +35,14 @@ struct File
     qint64 lengthMs; // of a video
     int log;         // of a video: position in Folder::logs
     std::vector<RecEvent> recordings;
+    size_t flight = 0; // of a video, counted through all cards
 };
 
 struct Folder
 {
     std::vector<File> videos;
     std::vector<File> logs;
+    size_t flights = 0;
 };
 
 // Whole frames at one of the rates of the cameras.
@@ -59,13 +61,14 @@ void addVideo(Folder& folder, Dice& dice, const CardHistory& history, int card, 
             .arg((*number)++, 4, 10, QLatin1Char('0'));
     };
     const int log = static_cast<int>(folder.logs.size());
+    const size_t flight = folder.flights++;
     const qint64 partMs = 300'000 + dice.between(-2000, 2000);
     qint64 leftMs = lengthMs;
     while (history.inParts && leftMs > partMs) {
         leftMs -= partMs;
-        folder.videos.push_back({name(), endMs - leftMs, partMs, log, {}});
+        folder.videos.push_back({name(), endMs - leftMs, partMs, log, {}, flight});
     }
-    folder.videos.push_back({name(), endMs, leftMs, log, {}});
+    folder.videos.push_back({name(), endMs, leftMs, log, {}, flight});
     if (dice.happens(15))
         ++*number; // a picture in between
 }
@@ -183,14 +186,21 @@ GeneratedCard generateCard(unsigned seed, const CardHistory& history)
     std::vector<TimedFile> sortedLogs;
     for (const size_t i : byTime)
         sortedLogs.push_back(timed(card.logs[i].path, card.logs[i].timeMs));
+    std::vector<size_t> flights;
+    std::vector<bool> isWhole(folder.flights, true);
     for (const File& video : folder.videos) {
-        if (history.filesMissing && dice.happens(20))
+        if (history.filesMissing && dice.happens(20)) {
+            isWhole[video.flight] = false;
             continue;
+        }
+        flights.push_back(video.flight);
         const int paired = pairedLog(timed(video.path, video.timeMs), sortedLogs);
         card.videos.push_back({video.path, video.timeMs, video.lengthMs,
                                paired < 0 ? -1 : static_cast<int>(byTime[size_t(paired)])});
         card.truth.push_back(positions[static_cast<size_t>(video.log)]);
     }
+    for (const size_t flight : flights)
+        card.whole.push_back(isWhole[flight]);
     return card;
 }
 

@@ -11,7 +11,8 @@ struct GeneratedCard
 {
     std::vector<PairingVideo> videos;
     std::vector<PairingLog> logs;
-    std::vector<int> truth; ///< per video: position of its log, -1 if that is missing
+    std::vector<int> truth;  ///< per video: position of its log, -1 if that is missing
+    std::vector<bool> whole; ///< per video: all parts of its flight are there
 };
 
 /// How a card came to its folder. Each is drawn anew for every card.
