@@ -236,16 +236,19 @@ QVideoFrame cvMatToQVideoFrame(const cv::Mat& picture)
 
 void createForScaling(cv::Mat& bgr, QSize size)
 {
-    // The scaling library writes whole vectors, beyond the end of a line.
-    constexpr int spareBytes = 64;
+    // The scaling library writes whole vectors, beyond the end of a line, and leaves out the last
+    // pixels of a line that has no room for them.
+    constexpr int group = 32;
     if (size.isEmpty())
         throw std::runtime_error("a picture without pixels");
-    const int lineBytes = 3 * size.width();
-    if (bgr.rows == size.height() && bgr.cols == size.width() && bgr.type() == CV_8UC3 &&
-        bgr.datalimit - (bgr.ptr(bgr.rows - 1) + lineBytes) >= spareBytes)
-        return;
-    const int spareRows = spareBytes / lineBytes + 1;
-    bgr = cv::Mat(size.height() + spareRows, size.width(), CV_8UC3).rowRange(0, size.height());
+    const int columns = (size.width() + group - 1) / group * group;
+    const auto lineBytes = 3 * static_cast<size_t>(columns);
+    const bool fits = bgr.rows == size.height() && bgr.cols == size.width() &&
+                      bgr.type() == CV_8UC3 && bgr.step >= lineBytes &&
+                      bgr.dataend + lineBytes <= bgr.datalimit;
+    if (!fits)
+        bgr = cv::Mat(size.height() + 2, columns, CV_8UC3)(
+            cv::Rect({0, 0}, cv::Size(size.width(), size.height())));
 }
 
 Frame bgrFrame(const cv::Mat& picture)

@@ -29,8 +29,8 @@ cv::Mat bgrView(const Frame& frame, cv::Mat& buffer);
 /// Copies or converts the frame to BGR, into the memory of `bgr` if it fits. Throws.
 void toBgr(const Frame& frame, cv::Mat& bgr);
 
-/// Makes `bgr` an 8-bit BGR picture of this size with room behind its end, as the conversions need
-/// it; its memory stays if it fits. Throws.
+/// Makes `bgr` an 8-bit BGR picture of this size with room behind its lines, as the conversions
+/// need it; its memory stays if it fits. Throws.
 void createForScaling(cv::Mat& bgr, QSize size);
 
 /// A frame for the screen: its own planes, without a copy, where the screen can take them. Throws.

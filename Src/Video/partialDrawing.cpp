@@ -3,7 +3,6 @@
 #include "Video/frameConversion.h"
 #include "Video/pictureScaling.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace corv {
@@ -51,15 +50,6 @@ Frame copyOf(const Frame& frame)
     return copy;
 }
 
-// The scaling library converts pixels in groups, and leaves a last group that is not whole as it
-// was.
-cv::Rect wholeGroups(const cv::Rect& part, int frameWidth)
-{
-    constexpr int group = 32;
-    const int width = std::min((part.width + group - 1) / group * group, frameWidth);
-    return {std::min(part.x, frameWidth - width), part.y, width, part.height};
-}
-
 } // namespace
 
 bool canDrawOnPart(const Frame& frame)
@@ -81,10 +71,8 @@ Frame drawOnPart(const Frame& frame, const cv::Rect& part,
                  const std::function<void(cv::Mat& bgr)>& draw)
 {
     Frame copy = copyOf(frame);
-    const cv::Rect whole = wholeGroups(part, frame.size.width());
-    cv::Mat around;
-    toBgr(viewOfPart(frame, whole), around);
-    cv::Mat bgr = around({part.x - whole.x, 0, part.width, part.height});
+    cv::Mat bgr;
+    toBgr(viewOfPart(frame, part), bgr);
     draw(bgr);
     Frame target = viewOfPart(copy, part);
     fillPlanes(bgr, target);

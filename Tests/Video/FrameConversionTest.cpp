@@ -98,6 +98,46 @@ bool isNear(const QColor& seen, const QColor& colour, int tolerance = 2)
     return near;
 }
 
+struct Samples
+{
+    int y;
+    int u;
+    int v;
+};
+
+/// A picture of one colour in planes of any layout, with room behind each line as decoders leave it.
+Frame patchFrame(Frame::Layout layout, int bits, QSize size, const Samples& samples)
+{
+    const int type = bits > 8 ? CV_16UC1 : CV_8UC1;
+    const int shift = bits - 8;
+    const auto plane = [&](int columns, int rows, int value) {
+        cv::Mat lines(rows, columns + 64, type, cv::Scalar(value << shift));
+        return lines;
+    };
+    const int halfColumns = (size.width() + 1) / 2;
+    const int halfRows = (size.height() + 1) / 2;
+    const int columns = layout == Frame::Layout::i444 ? size.width() : halfColumns;
+    const int rows = layout == Frame::Layout::i420 ? halfRows : size.height();
+    const auto planes = std::make_shared<std::array<cv::Mat, 3>>();
+    (*planes)[0] = plane(size.width(), size.height(), samples.y);
+    if (layout == Frame::Layout::nv12) {
+        cv::merge(std::array<cv::Mat, 2>{plane(halfColumns, halfRows, samples.u),
+                                         plane(halfColumns, halfRows, samples.v)},
+                  (*planes)[1]);
+    } else {
+        (*planes)[1] = plane(columns, rows, samples.u);
+        (*planes)[2] = plane(columns, rows, samples.v);
+    }
+    Frame frame;
+    frame.layout = layout;
+    frame.bitsPerSample = bits;
+    frame.size = size;
+    for (size_t i = 0; i < 3; ++i)
+        frame.planes[i] = {(*planes)[i].data, static_cast<int>((*planes)[i].step)};
+    frame.pixels = planes;
+    return frame;
+}
+
 } // namespace
 
 class FrameConversionTest : public QObject
@@ -111,6 +151,8 @@ private slots:
     void framesArePlanar();
     void coloursOnTheScreen_data();
     void coloursOnTheScreen();
+    void everyColumnIsConverted_data();
+    void everyColumnIsConverted();
     void planesOfTheDecoderAreNotCopied();
     void aPictureWithoutPixelsThrows();
     void mappingTwiceIsRefused();
@@ -198,6 +240,62 @@ void FrameConversionTest::coloursOnTheScreen()
             QVERIFY(isNear(onScreen(changed), QColor(pixel[2], pixel[1], pixel[0])));
             QCOMPARE(surfaceFormatOf(changed).yCbCrColorSpace(),
                      surfaceFormatOf(toVideoFrame(planar)).yCbCrColorSpace());
+        }
+    }
+}
+
+void FrameConversionTest::everyColumnIsConverted_data()
+{
+    QTest::addColumn<int>("layout");
+    QTest::addColumn<int>("bits");
+    using Layout = Frame::Layout;
+    const auto row = [](const char* name, Layout layout, int bits) {
+        QTest::newRow(name) << static_cast<int>(layout) << bits;
+    };
+    row("4:2:0", Layout::i420, 8);
+    row("4:2:0 of 10 bits", Layout::i420, 10);
+    row("4:2:0, chroma interleaved", Layout::nv12, 8);
+    row("4:2:2", Layout::i422, 8);
+    row("4:2:2 of 10 bits", Layout::i422, 10);
+    row("4:4:4", Layout::i444, 8);
+    row("4:4:4 of 10 bits", Layout::i444, 10);
+}
+
+// Vectors that convert many pixels at once leave a rest at the right edge for most widths.
+void FrameConversionTest::everyColumnIsConverted()
+{
+    QFETCH(int, layout);
+    QFETCH(int, bits);
+    constexpr double tolerance = 4.0; // of the library's integers; what is not written is far off
+    for (int width = 1; width <= 70; ++width) {
+        for (const int height : {2, 3, 6}) {
+            const Frame frame = patchFrame(static_cast<Frame::Layout>(layout), bits,
+                                           QSize(width, height), {180, 90, 160});
+            cv::Mat bgr;
+            createForScaling(bgr, frame.size);
+            bgr.setTo(cv::Scalar(1, 2, 3));
+            toBgr(frame, bgr);
+            QCOMPARE(QSize(bgr.cols, bgr.rows), frame.size);
+            // By the definition of BT.601 in the limited range.
+            const cv::Scalar expected(164 * 1.16438 + (90 - 128) * 2.01723 - 0.0,
+                                      164 * 1.16438 - (90 - 128) * 0.39176 - 32 * 0.81297,
+                                      164 * 1.16438 + 32 * 1.59603);
+            for (int y = 0; y < height; ++y) {
+                for (int x = 0; x < width; ++x) {
+                    const auto& pixel = bgr.at<cv::Vec3b>(y, x);
+                    for (int channel = 0; channel < 3; ++channel) {
+                        const double difference =
+                            std::abs(pixel[channel] - std::min(expected[channel], 255.0));
+                        QVERIFY2(difference <= tolerance,
+                                 qPrintable(QStringLiteral("%1x%2: %3 in column %4, row %5")
+                                                .arg(width)
+                                                .arg(height)
+                                                .arg(difference)
+                                                .arg(x)
+                                                .arg(y)));
+                    }
+                }
+            }
         }
     }
 }

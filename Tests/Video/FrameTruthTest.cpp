@@ -180,6 +180,44 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
     // 33 bits of 90 kHz end 1.5 s into the file.
     row("transport stream with a wrap", "a.ts", {},
         h264 + QStringList{"-output_ts_offset", "95440.8"});
+    row("transport stream, open groups", "a.ts", {},
+        h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
+    row("hevc in a transport stream", "a.ts", {},
+        hevc + QStringList{"-x265-params", "log-level=none:keyint=24:open-gop=1:bframes=4"});
+    row("mpeg-2 of fields in a transport stream", "a.ts", {},
+        {"-c:v", "mpeg2video", "-bf", "2", "-q:v", "3", "-flags", "+ildct+ilme"});
+    row("matroska, dropped frames", "a.mkv", {"-vf", "select='mod(n,10)'"}, vfr + h264);
+    row("matroska, the rate halves", "a.mkv", {"-vf", "select='lt(n,40)+mod(n,2)'"}, vfr + h264);
+    row("matroska, jitter", "a.mkv", {"-vf", "settb=1/1000,setpts='N*33+random(1)*20'"},
+        QStringList{"-vsync", "passthrough", "-enc_time_base", "1/1000"} + h264);
+    row("matroska, a later start", "a.mkv", {}, h264 + QStringList{"-output_ts_offset", "3.7"});
+    row("matroska, cut without coding", "a.mkv", {}, h264, {"-ss", "0.9"});
+    row("vp8", "a.mkv", {}, {"-c:v", "libvpx", "-deadline", "realtime", "-cpu-used", "8"});
+    row("vp9 with hidden frames", "a.mkv", {},
+        {"-c:v", "libvpx-vp9", "-cpu-used", "8", "-auto-alt-ref", "1", "-lag-in-frames", "16"});
+    row("mpeg-4 with b-frames in avi", "a.avi", {}, {"-c:v", "mpeg4", "-bf", "2", "-q:v", "3"});
+    row("h264 with b-frames in avi", "a.avi", {}, h264);
+    row("h264 with open groups in avi", "a.avi", {},
+        h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
+    row("hevc in avi", "a.avi", {},
+        hevc + QStringList{"-x265-params", "log-level=none:keyint=24:bframes=4"});
+    row("uncompressed in avi", "a.avi", {}, {"-c:v", "rawvideo", "-pix_fmt", "bgr24"});
+    row("dropped frames in avi", "a.avi", {"-vf", "select='mod(n,10)'"},
+        {"-vsync", "vfr", "-c:v", "mjpeg", "-q:v", "3", "-pix_fmt", "yuvj420p"});
+    row("red, green and blue", "a.mov", {}, {"-c:v", "qtrle", "-pix_fmt", "rgb24"});
+    row("grey", "a.mkv", {}, {"-c:v", "ffv1", "-pix_fmt", "gray"});
+    row("4:1:0", "a.mkv", {}, {"-c:v", "ffv1", "-pix_fmt", "yuv410p"});
+    row("4:4:4 of 12 bits", "a.mkv", {}, {"-c:v", "ffv1", "-pix_fmt", "yuv444p12"});
+    row("h264 4:2:2 of 10 bits, a transport stream", "a.ts", {},
+        h264 + QStringList{"-pix_fmt", "yuv422p10le"});
+    row("hevc of 10 bits", "a.mov", {},
+        hevc + QStringList{"-pix_fmt", "yuv420p10le", "-x265-params", "log-level=none:keyint=24"});
+    row("hevc of fields", "a.mp4", {},
+        hevc + QStringList{"-x265-params", "log-level=none:keyint=24:interlace=tff"});
+    row("a gap in fragments", "a.mp4", {"-vf", "select='lt(n,20)+gt(n,60)'"},
+        vfr + h264 + QStringList{"-movflags", "frag_keyframe+empty_moov"});
+    row("negative times", "a.mp4", {}, h264, {"-itsoffset", "-0.5"});
+    row("frames far apart", "a.mp4", {"-vf", "select='not(mod(n,30))'"}, vfr + h264);
     row("one frame", "a.mp4", {"-frames:v", "1"}, h264);
     row("turned by 90", "a.mp4", {}, h264, {"-metadata:s:v:0", "rotate=270"}, 90);
     row("turned by 180", "a.mp4", {}, h264, {"-metadata:s:v:0", "rotate=180"}, 180);
