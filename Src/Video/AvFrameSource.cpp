@@ -3,6 +3,7 @@
 #include "Video/AvDecoder.h"
 #include "Video/AvInput.h"
 #include "Video/FrameIndexTask.h"
+#include "Video/PictureParser.h"
 #include "Video/avPicture.h"
 #include "Video/packetIndex.h"
 
@@ -47,6 +48,7 @@ struct AvVideo
     ByteSourceFactory openBytes;
     std::unique_ptr<AVCodecParameters, FreeParameters> parameters;
     bool packetsAsStored = false;
+    bool isReadThrough = false; // for the index: the container alone does not say enough
     double fps = 0.0;
     QSize pixelAspectRatio{1, 1};
     PictureForm form;
@@ -96,7 +98,7 @@ Result<FrameIndex> readStoredIndex(const QString& file, const ByteSourceFactory&
         return withName(input.failure(), file);
     (*input)->takePacketsAsStored();
     FrameIndex index;
-    const Status status = readPacketIndex(**input, index, [](double) { return false; });
+    const Status status = readPacketIndex(**input, index, false, [](double) { return false; });
     if (!status)
         return withName(status.failure(), file);
     return index;
@@ -132,6 +134,9 @@ private:
     const FrameIndex& index() const { return m_video->index->wait(); }
     Status describe();
     Status decodeFirst();
+    void noteFields(PictureParser& parser);
+    Status readIndex(int first);
+    Status startReadingThrough(int first);
     Step decodeNext(int wanted);
     Step takePicture(int wanted);
     Step feed(int wanted);
@@ -158,6 +163,9 @@ private:
     bool m_waiting = false; // m_picture holds the frame about to be read
     int m_waitingFrame = 0;
 
+    bool m_hasFields = false; // of what is decoded first
+    qint64 m_lastDts = FrameIndex::noTime;
+
     int m_start = 0;      // the packet that decoding began at
     int m_lastSent = -1;  // the packet that the decoder got last
     int m_lastShown = -1; // the frame that the decoder gave last
@@ -176,36 +184,46 @@ Status AvFrameSource::open()
     const Status described = describe();
     if (!described)
         return described;
-    FrameIndex stored;
-    if (m_video->packetsAsStored) {
-        Result<FrameIndex> result = readStoredIndex(m_video->file, m_video->openBytes);
-        if (!result)
-            return result.failure();
-        stored = std::move(*result);
+    if (m_video->packetsAsStored)
         m_input->takePacketsAsStored();
-    }
     m_input->rewind();
     const Status decoded = decodeFirst();
     if (!decoded)
         return decoded;
     const int first = m_inPlace ? AvDecoder::numberOf(*m_picture) : 0;
-    if (m_video->packetsAsStored) {
-        stored.hideFramesBefore(first);
-        stored.finish(m_video->fps);
-        if (stored.frameCount() == 0)
-            return Failure{Failure::Kind::damaged,
-                           QStringLiteral("%1: The video has no picture.").arg(m_video->file)};
-        m_video->index = std::make_unique<FrameIndexTask>(std::move(stored));
-    } else {
-        Result<std::unique_ptr<ByteSource>> bytes = m_video->openBytes(m_video->file);
-        if (!bytes)
-            return bytes.failure();
-        m_video->index = std::make_unique<FrameIndexTask>(
-            std::move(*bytes), QFileInfo(m_video->file).fileName(), first, m_video->fps);
-    }
+    const Status indexed = m_video->isReadThrough ? startReadingThrough(first) : readIndex(first);
+    if (!indexed)
+        return indexed;
     m_waiting = m_inPlace;
     m_waitingFrame = 0;
     m_lastShown = 0;
+    return {};
+}
+
+// The index of a container that describes its packets. The first one whose frame arrives is
+// `first`.
+Status AvFrameSource::readIndex(int first)
+{
+    Result<FrameIndex> stored = readStoredIndex(m_video->file, m_video->openBytes);
+    if (!stored)
+        return stored.failure();
+    stored->hideFramesBefore(first);
+    stored->finish(m_video->fps);
+    if (stored->frameCount() == 0)
+        return Failure{Failure::Kind::damaged,
+                       QStringLiteral("%1: The video has no picture.").arg(m_video->file)};
+    m_video->index = std::make_unique<FrameIndexTask>(std::move(*stored));
+    return {};
+}
+
+// The index of another one, beside the caller.
+Status AvFrameSource::startReadingThrough(int first)
+{
+    Result<std::unique_ptr<ByteSource>> bytes = m_video->openBytes(m_video->file);
+    if (!bytes)
+        return bytes.failure();
+    m_video->index = std::make_unique<FrameIndexTask>(
+        std::move(*bytes), QFileInfo(m_video->file).fileName(), first, m_video->fps);
     return {};
 }
 
@@ -230,6 +248,7 @@ Status AvFrameSource::describe()
         avcodec_parameters_copy(m_video->parameters.get(), stream.codecpar) < 0)
         return Failure{Failure::Kind::noMemory, QStringLiteral("There is too little memory.")};
     m_video->packetsAsStored = m_input->describesPackets();
+    m_video->isReadThrough = !m_video->packetsAsStored;
     m_decoder = AvDecoder::open(*m_video->parameters);
     if (m_decoder)
         return {};
@@ -243,6 +262,7 @@ Status AvFrameSource::describe()
 Status AvFrameSource::decodeFirst()
 {
     m_inPlace = true;
+    PictureParser parser(*m_video->parameters);
     for (;;) {
         const AvDecoder::Outcome outcome = m_decoder->receive(*m_picture);
         if (outcome == AvDecoder::Outcome::picture) {
@@ -263,10 +283,29 @@ Status AvFrameSource::decodeFirst()
         if (read == AvInput::Outcome::end) {
             m_decoder->sendEnd();
             m_isDrained = true;
-        } else if (!m_decoder->send(*m_packet, ++m_lastSent, false)) {
-            m_inPlace = false;
+            continue;
         }
+        noteFields(parser);
+        if (!m_decoder->send(*m_packet, ++m_lastSent, false))
+            m_inPlace = false;
     }
+}
+
+// Where each half of a frame is a packet of its own, the container does not say which ones belong
+// together, and the rate that it states is that of the halves.
+void AvFrameSource::noteFields(PictureParser& parser)
+{
+    const qint64 before = std::exchange(m_lastDts, m_packet->dts);
+    if (!parser.look(*m_packet).isSecondField || m_hasFields)
+        return;
+    m_hasFields = true;
+    m_video->isReadThrough = true;
+    if (before == AV_NOPTS_VALUE || m_packet->dts == AV_NOPTS_VALUE)
+        return;
+    const double seconds =
+        static_cast<double>(m_packet->dts - before) * av_q2d(m_input->video()->time_base);
+    if (std::abs(seconds * m_video->fps - 1.0) < 0.1)
+        m_video->fps /= 2.0;
 }
 
 bool AvFrameSource::openClone()
@@ -484,7 +523,8 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
         }
         if (m_packet->flags & AV_PKT_FLAG_CORRUPT)
             markDamage(packet, packet);
-        const int frame = frames.packet(packet).frame;
+        const int frame =
+            frames.packet(frames.packet(packet).isSecondField ? packet - 1 : packet).frame;
         const bool isOnlyPassedBy = frame >= 0 && frame < wanted && frames.hasTimes();
         if (!m_decoder->send(*m_packet, packet, isOnlyPassedBy))
             markDamage(std::max(packet - m_decoder->delay(), 0), packet);

@@ -30,6 +30,26 @@ void FrameIndex::hideFramesBefore(int packet)
     }
 }
 
+void FrameIndex::giveTimes(const std::vector<qint64>& orders)
+{
+    std::vector<size_t> shown;
+    std::vector<qint64> times;
+    for (size_t i = 0; i < m_packets.size(); ++i) {
+        const Packet& packet = m_packets[i];
+        if (!packet.isShown)
+            continue;
+        if (packet.dts == noTime)
+            return;
+        shown.push_back(i);
+        times.push_back(packet.dts);
+    }
+    std::sort(times.begin(), times.end());
+    std::stable_sort(shown.begin(), shown.end(),
+                     [&orders](size_t a, size_t b) { return orders[a] < orders[b]; });
+    for (size_t i = 0; i < shown.size(); ++i)
+        m_packets[shown[i]].pts = times[i];
+}
+
 void FrameIndex::finish(double fps)
 {
     m_fps = fps;

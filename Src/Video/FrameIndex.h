@@ -25,13 +25,19 @@ public:
         qint64 duration = 0;  ///< of its frame; 0 if unknown
         bool isKey = false;   ///< decoding can start here
         bool isShown = true;  ///< false: decoded for the sake of others only (edit lists)
-        int frame = -1;       ///< number of its frame, or -1; set by finish()
+        bool isSecondField = false; ///< the second half of the frame of the packet before
+        int frame = -1;             ///< number of its frame, or -1; set by finish()
     };
 
     /// `unitMs` is the length of one unit of the time base in milliseconds.
     void setUnit(double unitMs) { m_unitMs = unitMs; }
 
     void add(const Packet& packet) { m_packets.push_back(packet); }
+
+    /// Gives every frame a time where the container knows none but those of decoding: the frame
+    /// that comes first by `orders`, one for each packet, gets the first of them, and so on. Before
+    /// finish().
+    void giveTimes(const std::vector<qint64>& orders);
 
     /// Frames that are shown before `packet` does not arrive: a decoder that starts in the middle
     /// of a group of pictures leaves them out. Before finish().

@@ -28,7 +28,7 @@ void FrameIndexTask::State::read(std::unique_ptr<ByteSource> bytes, const QStrin
     if (input && (*input)->probe()) {
         (*input)->rewind();
         // What came before a failure counts.
-        const Status status = readPacketIndex(**input, index, [this](double part) {
+        const Status status = readPacketIndex(**input, index, true, [this](double part) {
             progress.store(part, std::memory_order_relaxed);
             return aborted.load(std::memory_order_relaxed);
         });

@@ -247,8 +247,8 @@ void createForScaling(cv::Mat& bgr, QSize size)
                       bgr.type() == CV_8UC3 && bgr.step >= lineBytes &&
                       bgr.dataend + lineBytes <= bgr.datalimit;
     if (!fits)
-        bgr = cv::Mat(size.height() + 2, columns, CV_8UC3)(
-            cv::Rect({0, 0}, cv::Size(size.width(), size.height())));
+        bgr = cv::Mat(size.height() + 2, columns,
+                      CV_8UC3)(cv::Rect({0, 0}, cv::Size(size.width(), size.height())));
 }
 
 Frame bgrFrame(const cv::Mat& picture)

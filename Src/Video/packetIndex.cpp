@@ -1,6 +1,7 @@
 #include "Video/packetIndex.h"
 
 #include "Video/AvInput.h"
+#include "Video/PictureParser.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -10,6 +11,7 @@ extern "C" {
 #include <QtEndian>
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -115,36 +117,94 @@ std::unique_ptr<ByteSource> withoutPayload(std::unique_ptr<ByteSource> bytes)
     return std::make_unique<BytesWithoutPayload>(std::move(bytes), std::move(payload));
 }
 
-Status readPacketIndex(AvInput& input, FrameIndex& index,
+namespace {
+
+FrameIndex::Packet entryOf(const AVPacket& packet)
+{
+    FrameIndex::Packet entry;
+    entry.pts = packet.pts;
+    entry.dts = packet.dts;
+    entry.position = packet.pos;
+    entry.duration = packet.duration;
+    entry.isKey = packet.flags & AV_PKT_FLAG_KEY;
+    entry.isShown = !(packet.flags & AV_PKT_FLAG_DISCARD);
+    return entry;
+}
+
+// Half a packet at the end of a file that was cut off is no picture.
+bool isCutOff(const AVPacket& packet, qint64 fileBytes)
+{
+    return packet.flags & AV_PKT_FLAG_CORRUPT && packet.size > 0 &&
+           packet.pos + packet.size >= fileBytes;
+}
+
+// Times and halves of frames, for what the container does not say of them.
+class PictureFacts
+{
+public:
+    PictureFacts(const AvInput& input, bool arePicturesRead)
+    {
+        if (arePicturesRead)
+            m_parser.emplace(*input.video()->codecpar);
+    }
+
+    void add(const AVPacket& packet, FrameIndex::Packet& entry)
+    {
+        if (!m_parser)
+            return;
+        const PictureParser::Picture picture = m_parser->look(packet);
+        m_orders.push_back(picture.order);
+        if (picture.isSecondField) {
+            entry.isSecondField = true;
+            entry.isShown = false;
+            entry.isKey = false;
+            return;
+        }
+        m_isOrderKnown = m_isOrderKnown && picture.hasOrder;
+        m_isTimeMissing = m_isTimeMissing || (entry.isShown && entry.pts == FrameIndex::noTime);
+    }
+
+    void finish(FrameIndex& index) const
+    {
+        if (m_parser && m_isTimeMissing && m_isOrderKnown)
+            index.giveTimes(m_orders);
+    }
+
+private:
+    std::optional<PictureParser> m_parser;
+    std::vector<qint64> m_orders;
+    bool m_isOrderKnown = true;
+    bool m_isTimeMissing = false;
+};
+
+} // namespace
+
+Status readPacketIndex(AvInput& input, FrameIndex& index, bool arePicturesRead,
                        const std::function<bool(double)>& progress)
 {
     index.setUnit(1000.0 * av_q2d(input.video()->time_base));
     AvPacketPtr packet(av_packet_alloc());
+    PictureFacts facts(input, arePicturesRead);
     const qint64 size = std::max<qint64>(input.sizeBytes(), 1);
+    Status status;
     while (index.packetCount() < mostPackets) {
         const AvInput::Outcome outcome = input.next(*packet);
         if (outcome == AvInput::Outcome::failed)
-            return Failure{Failure::Kind::unreadable,
-                           QStringLiteral("The video can no longer be read.")};
-        if (outcome == AvInput::Outcome::end)
+            status = Failure{Failure::Kind::unreadable,
+                             QStringLiteral("The video can no longer be read.")};
+        if (outcome != AvInput::Outcome::packet || isCutOff(*packet, size))
             break;
-        // Half a packet at the end of a file that was cut off is no picture.
-        if (packet->flags & AV_PKT_FLAG_CORRUPT && packet->size > 0 &&
-            packet->pos + packet->size >= size)
-            break;
-        FrameIndex::Packet entry;
-        entry.pts = packet->pts;
-        entry.dts = packet->dts;
-        entry.position = packet->pos;
-        entry.duration = packet->duration;
-        entry.isKey = packet->flags & AV_PKT_FLAG_KEY;
-        entry.isShown = !(packet->flags & AV_PKT_FLAG_DISCARD);
+        FrameIndex::Packet entry = entryOf(*packet);
+        facts.add(*packet, entry);
         index.add(entry);
         if (index.packetCount() % packetsBetweenReports == 0 &&
-            progress(static_cast<double>(input.bytesDone()) / static_cast<double>(size)))
-            return Failure{Failure::Kind::cancelled, QStringLiteral("Reading was cancelled.")};
+            progress(static_cast<double>(input.bytesDone()) / static_cast<double>(size))) {
+            status = Failure{Failure::Kind::cancelled, QStringLiteral("Reading was cancelled.")};
+            break;
+        }
     }
-    return {};
+    facts.finish(index);
+    return status;
 }
 
 } // namespace corv

@@ -105,7 +105,8 @@ struct Samples
     int v;
 };
 
-/// A picture of one colour in planes of any layout, with room behind each line as decoders leave it.
+/// A picture of one colour in planes of any layout, with room behind each line as decoders leave
+/// it.
 Frame patchFrame(Frame::Layout layout, int bits, QSize size, const Samples& samples)
 {
     const int type = bits > 8 ? CV_16UC1 : CV_8UC1;

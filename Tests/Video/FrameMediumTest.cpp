@@ -34,6 +34,7 @@ private slots:
     void initTestCase();
     void openingReadsNoPictures_data();
     void openingReadsNoPictures();
+    void aSeekReadsNoMoreThanItsGroup();
     void aLostMediumEndsInAFailure();
     void aMediumLostBeforeTheIndexIsReadGivesWhatItHad();
     void aFileCutWhileOpenEndsInAFailure();
@@ -89,6 +90,30 @@ void FrameMediumTest::openingReadsNoPictures()
     QVERIFY(info);
     QCOMPARE(info->promisedFrames, frames);
     QCOMPARE(info->durationMs, frames * 40.0);
+}
+
+// AVI knows no times but those of decoding, and here frames are shown in another order.
+void FrameMediumTest::aSeekReadsNoMoreThanItsGroup()
+{
+    const QString file = m_folder.filePath("b-frames.avi");
+    QVERIFY((TestVideo{frames,
+                       "25",
+                       {320, 240},
+                       0,
+                       {"-vf", "noise=alls=60:allf=t", "-c:v", "libx264", "-preset", "ultrafast",
+                        "-bf", "3", "-g", "10", "-qp", "10", "-pix_fmt", "yuv420p"}}
+                 .write(file)));
+    QVERIFY(QFileInfo(file).size() > 2000000);
+    m_medium = std::make_shared<Medium>();
+    const auto source = open(file);
+    QVERIFY(source);
+    QCOMPARE((*source)->frameCount(), frames);
+    const qint64 before = m_medium->bytesRead;
+    Frame frame;
+    QVERIFY((*source)->seekToFrame(frames - 15));
+    QVERIFY((*source)->read(frame) == ReadOutcome::frame);
+    QCOMPARE(frame.index, frames - 15);
+    QVERIFY(m_medium->bytesRead - before < QFileInfo(file).size() / 4);
 }
 
 void FrameMediumTest::aLostMediumEndsInAFailure()

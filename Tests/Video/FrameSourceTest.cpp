@@ -1,3 +1,4 @@
+#include "Support/FieldVideo.h"
 #include "Support/TestVideo.h"
 #include "openVideo.h"
 
@@ -35,6 +36,7 @@ private slots:
     void sidesAreCroppedToEven_data();
     void sidesAreCroppedToEven();
     void aTurnedVideoKeepsItsTurnedSize();
+    void framesOfTwoPacketsHaveTheRateOfFrames();
     void onePictureIsAVideo();
     void stepsAheadAndBackAreExact();
     void whatIsNoVideoDoesNotOpen_data();
@@ -226,6 +228,21 @@ void FrameSourceTest::aTurnedVideoKeepsItsTurnedSize()
     QCOMPARE(source->size(), QSize(240, 320));
     const cv::Mat frame = readPicture(*source);
     QCOMPARE(QSize(frame.cols, frame.rows), QSize(240, 320));
+}
+
+void FrameSourceTest::framesOfTwoPacketsHaveTheRateOfFrames()
+{
+    const QString fields = path("fields.h264");
+    const QString file = path("fields.ts");
+    QVERIFY(writeFieldPairs(fields, 30, {160, 128}));
+    QVERIFY(runFfmpeg({"-framerate", "50", "-i", fields, "-c", "copy", "-bsf:v",
+                       "setts=ts=N*1800:time_base=1/90000", file}));
+    const auto source = openVideo(file);
+    QVERIFY(source);
+    QCOMPARE(source->fps(), 25.0);
+    QCOMPARE(source->frameCount(), 30);
+    QVERIFY(source->isConstantRate());
+    QCOMPARE(source->durationMs(), 1200.0);
 }
 
 void FrameSourceTest::onePictureIsAVideo()
