@@ -74,6 +74,11 @@ ApplicationWindow {
         Qt.openUrlExternally(Paths.toUrl(newInstallerPath));
     }
 
+    function showInstallerRefused(version) {
+        displayErrorDialog("Installing new Vistrel",
+                           "The installer of Vistrel " + version + " has changed since it was downloaded. It was deleted and not started. Vistrel downloads it again at its next start.");
+    }
+
     function goOpenProject(source) {
         ApplicationTelemetry.vistrelEvent("open_project_from_" + source);
         player.pause();

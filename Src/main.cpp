@@ -84,6 +84,8 @@ void connectUpdater(corv::UpdateManager& updater, QObject* root)
     QObject::connect(root, SIGNAL(installNewVersion(QString)), &updater,
                      SLOT(installNewVersion(QString)), Qt::QueuedConnection);
     QObject::connect(qApp, SIGNAL(aboutToQuit()), &updater, SLOT(cancel()));
+    QObject::connect(&updater, SIGNAL(installerRefused(QVariant)), root,
+                     SLOT(showInstallerRefused(QVariant)), Qt::QueuedConnection);
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
+#include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QSysInfo>
@@ -44,6 +45,7 @@ UpdateManager::UpdateManager(CloudShare share, QString elevationProgram, QObject
 UpdateManager::~UpdateManager()
 {
     cancel();
+    m_comparison.waitForDone();
     m_thread.reset();
     m_worker.reset();
 }
@@ -88,7 +90,8 @@ bool UpdateManager::shouldCheckForUpdate() const
     return last.daysTo(QDateTime::currentDateTimeUtc()) >= quietDays;
 }
 
-void UpdateManager::notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes)
+void UpdateManager::notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes,
+                                          const ExpectedInstaller& installer)
 {
     QSettings settings;
     settings.setValue(lastNotificationKey,
@@ -96,7 +99,9 @@ void UpdateManager::notifyUpdateAvailable(const QString& version, const QStringL
     settings.sync();
     if (settings.status() != QSettings::NoError)
         qWarning() << "Failed to remember the time of the notification in" << settings.fileName();
-    post(this, [this, version, releaseNotes] {
+    post(this, [this, version, releaseNotes, installer] {
+        m_offeredVersion = version;
+        m_offered = installer;
         emit updateAvailable(QVariant(version), QVariant(releaseNotes));
     });
 }
@@ -143,6 +148,34 @@ void UpdateManager::installNewVersion(QString newVersion)
 {
     const QString file = getDownloadDir() + QLatin1Char('/') + getInstallerFileName(newVersion);
     qInfo() << "Installing new version..." << file;
+    const ExpectedInstaller expected =
+        newVersion == m_offeredVersion ? m_offered : ExpectedInstaller();
+    if (!expected.isGiven()) {
+        launch(file);
+        return;
+    }
+    m_comparison = runOnPool([this, newVersion, file, expected] {
+        const QString difference = expected.differenceFromFile(file);
+        post(this, [this, newVersion, file, difference] {
+            if (difference.isEmpty())
+                launch(file);
+            else
+                refuse(newVersion, file, difference);
+        });
+    });
+}
+
+void UpdateManager::refuse(const QString& version, const QString& file, const QString& difference)
+{
+    qWarning() << "Refused to start the installer:" << difference << file;
+    QFile::remove(file);
+    // The offer no longer counts: without this no check would follow for days.
+    QSettings().remove(lastNotificationKey);
+    emit installerRefused(QVariant(version));
+}
+
+void UpdateManager::launch(const QString& file)
+{
     platform::launchElevated(m_elevationProgram, file, this, [this, file](bool started) {
         if (started) {
             post(QCoreApplication::instance(), [] { QCoreApplication::quit(); });

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Azure/CloudShare.h"
+#include "Threads/pool.h"
+#include "Update/UpdateManifest.h"
 
 #include <QObject>
 #include <QString>
@@ -54,8 +56,10 @@ public:
     bool shouldCheckForUpdate() const;
 
     /// Remembers the time of the notification, and has `updateAvailable` emitted; a
-    /// moment that cannot be stored is warned about. Update thread.
-    void notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes);
+    /// moment that cannot be stored is warned about. `installer` is what the manifest says of the
+    /// file, which is compared again when it is to be started. Update thread.
+    void notifyUpdateAvailable(const QString& version, const QStringList& releaseNotes,
+                               const ExpectedInstaller& installer = {});
 
 signals:
     /// A newer installer is on disk. `releaseNotes` is a list of lines.
@@ -63,6 +67,10 @@ signals:
 
     /// The installer did not start, or the user refused to raise its privileges.
     void installingNewVersionFailed(QVariant installerPath);
+
+    /// The installer on disk is no longer what the manifest says. It has been deleted and was not
+    /// started; the next start of the program fetches it again.
+    void installerRefused(QVariant version);
 
 public slots:
     /// Starts the check. Nothing happens in a build without version or share, a second time in a
@@ -73,14 +81,21 @@ public slots:
     void cancel();
 
     /// Starts the downloaded installer of that version with raised privileges. Once it runs the
-    /// program quits; if it does not, `installingNewVersionFailed`.
+    /// program quits; if it does not, `installingNewVersionFailed`. Where the manifest gives a size
+    /// or a digest, the file is compared with it just before; if it differs, `installerRefused`.
     void installNewVersion(QString newVersion);
 
 private:
+    void launch(const QString& file);
+    void refuse(const QString& version, const QString& file, const QString& difference);
+
     CloudShare m_share;
     QString m_elevationProgram;
     std::unique_ptr<UpdateWorker> m_worker;
     std::unique_ptr<QThread> m_thread;
+    QString m_offeredVersion;
+    ExpectedInstaller m_offered;
+    PoolTask m_comparison;
 };
 
 } // namespace corv

@@ -2,6 +2,9 @@
 
 #include "Update/updateNames.h"
 
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
@@ -52,6 +55,21 @@ QString ExpectedInstaller::differenceFrom(qint64 fileSizeBytes, const QByteArray
     if (!sha256.isEmpty() && sha256 != fileSha256)
         return QStringLiteral("its digest is not the one of the manifest");
     return {};
+}
+
+QString ExpectedInstaller::differenceFromFile(const QString& path) const
+{
+    const QFileInfo info(path);
+    if (!info.isFile() || info.isSymLink())
+        return QStringLiteral("it is no file");
+    QByteArray fileSha256;
+    if (!sha256.isEmpty()) {
+        QFile file(path);
+        QCryptographicHash hash(QCryptographicHash::Sha256);
+        if (file.open(QIODevice::ReadOnly) && hash.addData(&file))
+            fileSha256 = hash.result();
+    }
+    return differenceFrom(info.size(), fileSha256);
 }
 
 std::optional<UpdateManifest> UpdateManifest::fromJson(const QJsonDocument& document)

@@ -25,6 +25,10 @@ struct ExpectedInstaller
     /// Why a file of that size and digest is not this installer; empty if it is. `fileSha256` may
     /// be empty where no digest is given.
     QString differenceFrom(qint64 fileSizeBytes, const QByteArray& fileSha256) const;
+
+    /// Why the file of that path is not this installer; empty if it is. A folder or a link is none.
+    /// Where there is a digest the whole file is read, which can take seconds.
+    QString differenceFromFile(const QString& path) const;
 };
 
 /// The manifest of an update channel: comes from outside and is checked before it is followed.

@@ -100,7 +100,8 @@ void UpdateWorker::onUpdateJsonDownloaded(const QJsonDocument& document)
                          UpdateManager::getInstallerFileName(m_manifest.version);
     if (isInstallerOnDisk(file)) {
         qInfo() << "Installer already downloaded" << file;
-        m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes);
+        m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes,
+                                         m_manifest.installer);
         emit finished();
         return;
     }
@@ -109,17 +110,9 @@ void UpdateWorker::onUpdateJsonDownloaded(const QJsonDocument& document)
 
 bool UpdateWorker::isInstallerOnDisk(const QString& file) const
 {
-    const QFileInfo info(file);
-    if (!info.isFile() || info.isSymLink())
+    if (!QFileInfo::exists(file) && !QFileInfo(file).isSymLink())
         return false;
-    QByteArray sha256;
-    if (!m_manifest.installer.sha256.isEmpty()) {
-        QFile installer(file);
-        QCryptographicHash hash(QCryptographicHash::Sha256);
-        if (installer.open(QIODevice::ReadOnly) && hash.addData(&installer))
-            sha256 = hash.result();
-    }
-    const QString difference = m_manifest.installer.differenceFrom(info.size(), sha256);
+    const QString difference = m_manifest.installer.differenceFromFile(file);
     if (difference.isEmpty())
         return true;
     qWarning() << "The installer on disk is fetched again:" << difference << file;
@@ -185,7 +178,7 @@ void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArra
         qWarning() << written.failure().sentence;
         return;
     }
-    m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes);
+    m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes, m_manifest.installer);
 }
 
 } // namespace corv

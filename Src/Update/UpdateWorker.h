@@ -20,7 +20,8 @@ class UpdateManager;
 ///
 /// The manifest may carry the installer's "size" in bytes and its "sha256" in
 /// hexadecimal digits. What is given is compared before a download gets its
-/// name and may be executed, and again when an installer is found on disk.
+/// name and may be executed, again when an installer is found on disk, and
+/// again by the manager when it is to be started.
 class UpdateWorker : public QObject
 {
     Q_OBJECT

@@ -36,6 +36,7 @@ private slots:
     void settingsAreRemembered();
     void unitsChangeAtTheNextStart();
     void helpAndInstallersGoToTheShell();
+    void anInstallerThatChangedIsNotOpened();
     void theWindowOffersAnUpdate();
 };
 
@@ -434,6 +435,17 @@ void PanelTest::helpAndInstallersGoToTheShell()
              QString("Failed to automatically install the new Vistrel. Please proceed with manual "
                      "installation."));
     QVERIFY(UiFixture::dismissMessageBox());
+}
+
+void PanelTest::anInstallerThatChangedIsNotOpened()
+{
+    UrlCatcher shell;
+    m_ui->call("showInstallerRefused", {"9.1.0.0"});
+    QVERIFY(UiFixture::messageBox());
+    QVERIFY(UiFixture::messageBox()->text().startsWith(
+        "The installer of Vistrel 9.1.0.0 has changed since it was downloaded."));
+    QVERIFY(UiFixture::dismissMessageBox());
+    QVERIFY(shell.urls.isEmpty());
 }
 
 void PanelTest::theWindowOffersAnUpdate()

@@ -81,6 +81,8 @@ private slots:
     void aFileThatNobodyAskedForEndsThePass();
     void launchesTheInstaller_data();
     void launchesTheInstaller();
+    void anInstallerIsComparedAgainWhenStarted_data();
+    void anInstallerIsComparedAgainWhenStarted();
 
 private:
     CloudShare share() const
@@ -639,6 +641,55 @@ void UpdateManagerTest::launchesTheInstaller()
         QCOMPARE(loop.exec(), 0);
         QCOMPARE(failed.count(), 0);
     }
+}
+
+void UpdateManagerTest::anInstallerIsComparedAgainWhenStarted_data()
+{
+    QTest::addColumn<QByteArray>("more");
+    QTest::addColumn<QByteArray>("onDisk"); // when it is to be started
+    QTest::addColumn<bool>("starts");
+    const QByteArray offered = "the installer";
+    QTest::newRow("digest, unchanged") << digestOf(offered) << offered << true;
+    QTest::newRow("digest, changed") << digestOf(offered) << QByteArray("the intruder!") << false;
+    QTest::newRow("digest, emptied") << digestOf(offered) << QByteArray() << false;
+    QTest::newRow("size, changed") << sizeOf(offered) << offered + '.' << false;
+    QTest::newRow("neither, changed") << QByteArray() << QByteArray("another") << true;
+}
+
+void UpdateManagerTest::anInstallerIsComparedAgainWhenStarted()
+{
+    QFETCH(QByteArray, more);
+    QFETCH(QByteArray, onDisk);
+    QFETCH(bool, starts);
+    QTemporaryDir folder;
+    const QString elevation = folder.filePath(QStringLiteral("elevate"));
+    const QString started = folder.filePath(QStringLiteral("started"));
+    QFile script(elevation);
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\ntouch '" + QFile::encodeName(started) + "'\nexit 126\n");
+    script.setPermissions(script.permissions() | QFile::ExeOwner);
+    script.close();
+    serveManifest(manifest(newer.toUtf8(), "r9", more));
+    m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
+
+    UpdateManager manager(share(), elevation);
+    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
+    QSignalSpy failed(&manager, &UpdateManager::installingNewVersionFailed);
+    QSignalSpy refused(&manager, &UpdateManager::installerRefused);
+    manager.checkUpdate();
+    QTRY_COMPARE(available.count(), 1);
+    QFile installer(installerFile());
+    QVERIFY(installer.open(QIODevice::WriteOnly));
+    installer.write(onDisk);
+    installer.close();
+
+    manager.installNewVersion(newer);
+    QTRY_COMPARE(failed.count() + refused.count(), 1);
+    QCOMPARE(QFile::exists(started), starts);
+    QCOMPARE(QFile::exists(installerFile()), starts);
+    QCOMPARE(refused.count(), starts ? 0 : 1);
+    // Fetched again at the next start: no earlier notification keeps it from that.
+    QCOMPARE(QSettings().contains(QStringLiteral("lastUpdateNotification")), starts);
 }
 
 QTEST_GUILESS_MAIN(UpdateManagerTest)
