@@ -35,12 +35,12 @@ function(vistrel_room name)
         add_library(${library} STATIC ${ROOM_SOURCES})
         target_include_directories(${library} PUBLIC "${view}")
         # PRIVATE: a static library passes on what must be linked, and none of the include folders.
-        target_link_libraries(${library} PUBLIC Qt5::Core PRIVATE ${ROOM_LINK} vistrel_options
+        target_link_libraries(${library} PUBLIC Qt::Core PRIVATE ${ROOM_LINK} vistrel_options
                                                             vistrel_delivered)
     else()
         add_library(${library} INTERFACE)
         target_include_directories(${library} INTERFACE "${view}")
-        target_link_libraries(${library} INTERFACE Qt5::Core)
+        target_link_libraries(${library} INTERFACE Qt::Core)
     endif()
     list(JOIN ROOM_LINK " " line)
     set_property(GLOBAL APPEND PROPERTY VISTREL_ROOMS "${name}: ${line}")

@@ -123,7 +123,7 @@ bool DocxTemplate::hasPart(const QString& name) const
 
 QString DocxTemplate::relationshipsName() const
 {
-    const int slash = m_documentName.lastIndexOf(QLatin1Char('/')) + 1;
+    const auto slash = m_documentName.lastIndexOf(QLatin1Char('/')) + 1;
     return m_documentName.left(slash) + QLatin1String("_rels/") + m_documentName.mid(slash) +
            QLatin1String(".rels");
 }

@@ -134,7 +134,7 @@ Status LogTable::addNamed(const LogGroup& group, const QString& name, bool textA
     const QString wanted = name.trimmed();
     if (const LogVar* var = group.getVar(wanted.toStdString()))
         return addColumns(group, *var, -1, textAsText && isText(*var));
-    const int bracket = wanted.lastIndexOf(QLatin1Char('['));
+    const auto bracket = wanted.lastIndexOf(QLatin1Char('['));
     if (bracket > 0 && wanted.endsWith(QLatin1Char(']'))) {
         bool isNumber = false;
         const int element = wanted.mid(bracket + 1, wanted.size() - bracket - 2).toInt(&isNumber);

@@ -48,7 +48,7 @@ QString withoutLinks(const QString& path)
 
 QByteArray folderOf(const QByteArray& path)
 {
-    const int slash = path.lastIndexOf('/');
+    const auto slash = path.lastIndexOf('/');
     if (slash < 0)
         return ".";
     return slash == 0 ? QByteArray("/") : path.left(slash);
@@ -262,7 +262,7 @@ void removeAbandonedParts(const QString& path)
         if (!name.startsWith(start) || !name.endsWith(end))
             continue;
         const pid_t process =
-            name.midRef(start.size(), name.size() - start.size() - end.size()).toInt();
+            name.mid(start.size(), name.size() - start.size() - end.size()).toInt();
         if (process <= 0 || ::kill(process, 0) == 0 || errno != ESRCH)
             continue;
         if (QFileInfo(folder.filePath(name)).isDir())

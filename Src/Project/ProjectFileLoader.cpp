@@ -12,7 +12,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStorageInfo>
-#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <utility>
@@ -83,7 +82,7 @@ QStringList resolvedParts(const QJsonArray& stored, const QDir& projectFolder)
 {
     constexpr int mostParts = 10000; // as many as have numbers of four digits
     QStringList parts;
-    for (int i = 0; i < std::min(stored.size(), mostParts); ++i) {
+    for (int i = 0; i < stored.size() && i < mostParts; ++i) {
         const QString part = stored.at(i).toString();
         if (!part.isEmpty())
             parts << resolvedPath(part, projectFolder);

@@ -9,11 +9,11 @@ namespace {
 constexpr int numberDigits = 4;
 
 // What is in the name's last pair of brackets counts on; with no such pair it begins at 1.
-int numberInBrackets(const QString& base, int open)
+int numberInBrackets(const QString& base, QString::size_type open)
 {
     if (base.size() < 3)
         return 1;
-    const int close = base.lastIndexOf(QLatin1Char(')'));
+    const auto close = base.lastIndexOf(QLatin1Char(')'));
     if (open < 0 || close <= open)
         return 1;
     const int number = base.mid(open + 1, close - open - 1).toInt();
@@ -53,7 +53,7 @@ QString differentFileName(const QString& fileName)
 {
     const QFileInfo info(fileName);
     const QString base = info.completeBaseName();
-    const int open = base.lastIndexOf(QLatin1Char('('));
+    const auto open = base.lastIndexOf(QLatin1Char('('));
     return QStringLiteral("%1/%2(%3).%4")
         .arg(info.absolutePath(), base.left(open), QString::number(numberInBrackets(base, open)),
              info.suffix());

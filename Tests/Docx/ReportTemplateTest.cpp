@@ -130,12 +130,12 @@ private slots:
     {
         writeReport(VISTREL_REPORT_TEMPLATE, path("report.docx"));
         const QString text = documentText(readZip(path("report.docx")));
-        int position = 0;
+        QString::size_type position = 0;
         QStringList expected = {"North coast", "Turbine 12", "3", "Mon May 21 10:11:12 2018"};
         for (const Mark& mark : marks())
             expected << mark.name << mark.time << mark.comment;
         for (const QString& piece : expected) {
-            const int found = text.indexOf(piece, position);
+            const auto found = text.indexOf(piece, position);
             QVERIFY2(found >= 0, qPrintable(piece + " in " + text));
             position = found + piece.size();
         }

@@ -211,7 +211,7 @@ void LogFileTest::strings()
 {
     QFETCH(QByteArray, bytes);
     LogVar var("name");
-    QVERIFY(var.allocate(bytes.size(), 2, LogVar::Uint8));
+    QVERIFY(var.allocate(static_cast<int>(bytes.size()), 2, LogVar::Uint8));
     for (int column = 0; column < bytes.size(); ++column)
         var.setU8(column, 1, static_cast<quint8>(bytes[column]));
     QTEST(var.getString(1), "text");

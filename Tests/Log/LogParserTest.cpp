@@ -384,7 +384,7 @@ void LogParserTest::theDestructorEndsARunningParse()
         record.lines.clear();
     }
     m_parser.reset();
-    const int said = messages.messages().size();
+    const auto said = messages.messages().size();
     QTRY_COMPARE(QThreadPool::globalInstance()->activeThreadCount(), 0);
     QCoreApplication::processEvents();
     QCOMPARE(messages.messages().size(), said); // nothing was left to run

@@ -173,7 +173,7 @@ QString PairingReadTest::differences(const QByteArray& bytes)
     const QList<FlightNamingEvent> namings = m_decoder.readFlightNamingEvents(log->get());
     const int camera = m_decoder.findThermalCameraHwVersion(log->get());
     m_recordings += static_cast<int>(recordings.size());
-    m_namings += namings.size();
+    m_namings += static_cast<int>(namings.size());
     m_cameras += camera >= 0 && camera != 255;
     if (!equalLists(digest->recordings, recordings))
         return QStringLiteral("recordings");

@@ -55,8 +55,8 @@ QString nameOf(QString target)
         return target.mid(8);
     if (target.startsWith("opencv_"))
         return "OpenCV";
-    if (target.startsWith("Qt5::"))
-        return "Qt " + target.mid(5);
+    if (target.startsWith("Qt5::") || target.startsWith("Qt::"))
+        return "Qt " + target.section("::", 1);
     return target.section("::", 0, 0);
 }
 

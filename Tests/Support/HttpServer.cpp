@@ -29,7 +29,7 @@ void HttpServer::serve()
         Request request;
         request.path = lines.first().split(' ').value(1);
         for (int i = 1; i < lines.size(); ++i) {
-            const int colon = lines[i].indexOf(':');
+            const auto colon = lines[i].indexOf(':');
             request.headers[lines[i].left(colon).toLower()] = lines[i].mid(colon + 1).trimmed();
         }
         m_requests << request;

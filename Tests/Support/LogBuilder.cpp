@@ -51,13 +51,13 @@ QByteArray LogBuilder::frame(int id, int size, const QByteArray& payload,
 
 LogBuilder& LogBuilder::addPacket(int id, const QByteArray& payload)
 {
-    m_packets += frame(id, payload.size(), payload, 0);
+    m_packets += frame(id, static_cast<int>(payload.size()), payload, 0);
     return *this;
 }
 
 LogBuilder& LogBuilder::addPacketWithBadChecksum(int id, const QByteArray& payload)
 {
-    m_packets += frame(id, payload.size(), payload, 1);
+    m_packets += frame(id, static_cast<int>(payload.size()), payload, 1);
     return *this;
 }
 

@@ -68,8 +68,9 @@ public:
 
     ReferenceLog run()
     {
-        const int end = m_file.indexOf("</main>");
-        const int past = end < 0 ? m_file.size() : std::min(end + 8, m_file.size());
+        const auto sizeBytes = static_cast<int>(m_file.size());
+        const auto end = static_cast<int>(m_file.indexOf("</main>"));
+        const int past = end < 0 ? sizeBytes : std::min(end + 8, sizeBytes);
         if (end < 0 || !readXml(m_file.left(end + 7)))
             return m_log;
         m_log.progress.push_back({0, 0, 0});
