@@ -19,6 +19,8 @@ private slots:
     void runOpensAFileFromAnotherFolder();
     void soakIsAskedForProperly_data();
     void soakIsAskedForProperly();
+    void suitesThatNeedASecondTryAreNamed_data();
+    void suitesThatNeedASecondTryAreNamed();
 
 private:
     void makeStandIn(const QString& path, const QByteArray& text) const;
@@ -45,7 +47,8 @@ void ScriptsTest::makeStandIn(const QString& path, const QByteArray& text) const
 void ScriptsTest::init()
 {
     m_tree = std::make_unique<QTemporaryDir>();
-    for (const char* script : {"run", "test"})
+    QVERIFY(QDir(m_tree->path()).mkpath(QStringLiteral(".ci")));
+    for (const char* script : {"run", "test", ".ci/run"})
         QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/") + QString::fromLatin1(script),
                             m_tree->filePath(QString::fromLatin1(script))));
     const QByteArray note = "echo \"$0 $*\" >> '" + QFile::encodeName(m_tree->path()) + "/calls'";
@@ -112,6 +115,42 @@ void ScriptsTest::soakIsAskedForProperly()
     QCOMPARE(run.status, status);
     QVERIFY2(calls().endsWith(passedOn), calls());
     QCOMPARE(calls().isEmpty(), passedOn.isEmpty());
+}
+
+void ScriptsTest::suitesThatNeedASecondTryAreNamed_data()
+{
+    QTest::addColumn<QByteArray>("failing"); // what the first run leaves
+    QTest::addColumn<int>("secondTry");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("none") << QByteArray() << 0 << 0
+                          << QByteArray("No suite needed a second try.\n");
+    QTest::newRow("two pass then")
+        << QByteArray("3:ATest\n17:BTest\n") << 0 << 0
+        << QByteArray("Suites that needed a second try: 2\n  ATest, asan: passed\n"
+                      "  BTest, asan: passed\n");
+    QTest::newRow("one fails again")
+        << QByteArray("3:ATest\n") << 8 << 1
+        << QByteArray("Suites that needed a second try: 1\n  ATest, asan: failed again\n");
+}
+
+void ScriptsTest::suitesThatNeedASecondTryAreNamed()
+{
+    QFETCH(QByteArray, failing);
+    QFETCH(int, secondTry);
+    QFETCH(int, status);
+    QFETCH(QByteArray, end);
+    const QString left = QStringLiteral("build/asan/Testing/Temporary");
+    QVERIFY(QDir(m_tree->path()).mkpath(left));
+    QVERIFY(QFile::remove(m_tree->filePath(QStringLiteral("test"))));
+    makeStandIn(QStringLiteral("test"),
+                "[ \"$1\" = --asan ] || exit 0\nprintf '" + failing + "' > " + left.toUtf8() +
+                    "/LastTestsFailed.log\n[ ! -s " + left.toUtf8() + "/LastTestsFailed.log ]");
+    makeStandIn(QStringLiteral("bin/ctest"), "exit " + QByteArray::number(secondTry));
+    makeStandIn(QStringLiteral("bin/git"), "echo 0123456789");
+    const ProgramRun run = call(QStringLiteral(".ci/run"), {}, m_tree->path());
+    QCOMPARE(run.status, status);
+    QVERIFY2(run.out.endsWith(end), run.out);
 }
 
 QTEST_GUILESS_MAIN(ScriptsTest)
