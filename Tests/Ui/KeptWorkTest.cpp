@@ -268,10 +268,14 @@ void KeptWorkTest::keysDoNotPassThroughADialog()
     QCOMPARE(m_ui->poiNames(), QStringList());
     UiFixture::fileDialog()->reject();
     QTRY_VERIFY(!UiFixture::fileDialog());
-    // And they are back afterwards.
-    QVERIFY(m_ui->activate());
-    QTest::keyClick(m_ui->window(), Qt::Key_W, Qt::ControlModifier);
-    QTRY_VERIFY(!m_ui->hasVideo());
+    // And they are back afterwards. The window manager may still be moving the focus between the
+    // two windows, and a key that comes in between has no window.
+    const auto closesByKey = [this] {
+        if (m_ui->hasVideo() && m_ui->activate())
+            QTest::keyClick(m_ui->window(), Qt::Key_W, Qt::ControlModifier);
+        return !m_ui->hasVideo();
+    };
+    QTRY_VERIFY(closesByKey());
 }
 
 void KeptWorkTest::aFlightWithoutANumberShowsNone()

@@ -29,6 +29,9 @@ const bool scaled = [] {
 
 void UiFixture::prepare()
 {
+    // A home of its own: suites that run at the same time find nothing of each other's there.
+    static const QTemporaryDir home;
+    qputenv("HOME", QFile::encodeName(home.path()));
     QStandardPaths::setTestModeEnabled(true);
     QApplication::setOrganizationName(QStringLiteral("Corvenity"));
     QApplication::setOrganizationDomain(QStringLiteral("corvenity.example"));
