@@ -1,5 +1,6 @@
 import QtQuick 2.7
-import QtQuick.Dialogs 1.3
+import FileChoice 1.0
+import Review 1.0
 import VideoPlayer 1.0
 import "paths.js" as Paths
 
@@ -8,16 +9,45 @@ Item {
     id: fileDialogs
 
     property VideoPlayer player: null
+    property Review review: null
     // The functions that a choice starts: the main window's.
     property var verbs: null
     // Whether a chosen project name is for a copy of the work at hand.
     property bool savingAsCopy: false
-    // The folders that the dialogs of videos and logs, and that of pictures, start in.
+    // The folders that the dialogs start in: of videos and logs, pictures, projects, reports.
     property string mediaFolder: ""
     property string imageFolder: ""
+    property string projectFolder: ""
+    property string reportFolder: ""
 
     signal mediaFolderChosen(string folder)
     signal imageFolderChosen(string folder)
+    signal projectFolderChosen(string folder)
+    signal reportFolderChosen(string folder)
+
+    // A project that the work is bound to is saved anew under its own name, unless another is typed.
+    function proposedProjectName() {
+        var bound = review.projectPath;
+        var name = bound === "" ? review.proposedName()
+                                : bound.substring(bound.lastIndexOf("/") + 1).replace(/\.ecor$/i, "");
+        return name + (bound !== "" && savingAsCopy ? " copy" : "") + ".ecor";
+    }
+
+    function askWhereToSaveProject() {
+        saveProjectDialog.proposedName = proposedProjectName();
+        saveProjectDialog.open();
+    }
+
+    function askWhereToSaveReport() {
+        createPoiReport.proposedName = review.proposedName() + ".docx";
+        createPoiReport.open();
+    }
+
+    // Without a suffix: the chosen format has it.
+    function askWhereToSaveImage() {
+        saveImageDialog.proposedName = review.proposedFrameName();
+        saveImageDialog.open();
+    }
 
     property alias saveProjectDialog: saveProjectDialog
     property alias loadProjectDialog: loadProjectDialog
@@ -26,14 +56,16 @@ Item {
     property alias logImportDialog: logImportDialog
     property alias saveImageDialog: saveImageDialog
 
-    FileDialog {
+    FileChoice {
         id: saveProjectDialog
         objectName: "saveProjectDialog"
         title: "Save project as..."
         nameFilters: ["Vistrel projects (*.ecor)"]
         defaultSuffix: "ecor"
         selectExisting: false
+        folder: fileDialogs.projectFolder
         onAccepted: {
+            fileDialogs.projectFolderChosen(folder);
             var typed = Paths.undecodedPath(fileUrl);
             if (typed === "")
                 return;
@@ -47,27 +79,31 @@ Item {
         }
     }
 
-    FileDialog {
+    FileChoice {
         id: loadProjectDialog
         objectName: "loadProjectDialog"
         title: "Open project..."
         nameFilters: ["Vistrel projects (*.ecor)"]
         selectExisting: true
+        folder: fileDialogs.projectFolder
         onAccepted: {
+            fileDialogs.projectFolderChosen(folder);
             var path = Paths.decodedPath(fileUrl);
             if (path !== "")
                 fileDialogs.verbs.loadProject(path);
         }
     }
 
-    FileDialog {
+    FileChoice {
         id: createPoiReport
         objectName: "createPoiReport"
         title: "Save POI report as..."
         nameFilters: ["Word Document (*.docx)"]
         defaultSuffix: "docx"
         selectExisting: false
+        folder: fileDialogs.reportFolder
         onAccepted: {
+            fileDialogs.reportFolderChosen(folder);
             var typed = Paths.undecodedPath(fileUrl);
             if (typed === "")
                 return;
@@ -78,7 +114,7 @@ Item {
         }
     }
 
-    FileDialog {
+    FileChoice {
         id: videoImportDialog
         objectName: "videoImportDialog"
         title: "Please choose a video"
@@ -90,7 +126,7 @@ Item {
         }
     }
 
-    FileDialog {
+    FileChoice {
         id: logImportDialog
         objectName: "logImportDialog"
         title: "Please choose a flight data file"
@@ -102,7 +138,7 @@ Item {
         }
     }
 
-    FileDialog {
+    FileChoice {
         id: saveImageDialog
         objectName: "saveImageDialog"
         title: "Save image as..."

@@ -182,12 +182,12 @@ ApplicationWindow {
         if (!player.hasVideoOpened)
             return;
         player.pause();
-        fileDialogs.createPoiReport.open();
+        fileDialogs.askWhereToSaveReport();
     }
 
     function saveCurrentFrame() {
         player.pause();
-        fileDialogs.saveImageDialog.open();
+        fileDialogs.askWhereToSaveImage();
     }
 
     function toggleCurves() {
@@ -377,7 +377,7 @@ ApplicationWindow {
             return;
         player.pause();
         currentProject.savingAsCopy = asCopy;
-        fileDialogs.saveProjectDialog.open();
+        fileDialogs.askWhereToSaveProject();
     }
 
     function displayDialog(title, message, icon) {

@@ -101,7 +101,9 @@ Item {
 
     function openVideoExport() {
         player.pause();
-        make("VideoExport.qml", videoExportConnection).show();
+        var window = make("VideoExport.qml", videoExportConnection);
+        window.proposedName = review.proposedName() + ".mp4";
+        window.show();
     }
 
     function openSettings() {
@@ -208,8 +210,12 @@ Item {
 
         function onVisibleChanged() {
             var window = videoExportConnection.target;
-            if (!window.visible && window.ok)
+            if (window.visible || !window.ok)
+                return;
+            var path = Paths.decodedPath(window.videoUrl);
+            windows.verbs.askBeforeReplacing(path, window.suffixAdded ? "" : path, function() {
                 windows.exportVideo(window.videoUrl);
+            });
         }
     }
 

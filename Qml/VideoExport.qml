@@ -2,6 +2,7 @@ import QtQuick 2.7
 import QtQuick.Dialogs 1.3
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
+import FileChoice 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
 import "."
@@ -12,6 +13,10 @@ Window {
     objectName: "videoExport"
 
     property url videoUrl: ""
+    // The chosen name was completed: nobody has been asked whether to replace such a file.
+    property bool suffixAdded: false
+    // The name that the dialog proposes.
+    property string proposedName: ""
     property bool ok: false
 
     title: "Export video"
@@ -33,7 +38,7 @@ Window {
         property url folder: ""
     }
 
-    FileDialog {
+    FileChoice {
         id: fileDialog
         objectName: "fileDialog"
         title: "Please choose a video to export"
@@ -41,9 +46,12 @@ Window {
         nameFilters: ["Video files (*.mp4)"]
         defaultSuffix: "mp4"
         folder: settings.folder
+        proposedName: videoExport.proposedName
         onAccepted: {
             videoExport.videoUrl = Paths.withSuffix(fileDialog.fileUrl.toString(),
                                                     fileDialog.nameFilters[0]);
+            videoExport.suffixAdded = videoExport.videoUrl.toString()
+                    !== fileDialog.fileUrl.toString();
             folderTextInput.text = videoExport.videoUrl;
             folderTextInput.ensureVisible(folderTextInput.length);
         }

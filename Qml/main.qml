@@ -97,6 +97,18 @@ ReviewWindow {
     }
 
     Settings {
+        id: saveProjectSettings
+        category: "saveProject"
+        property string folder: ""
+    }
+
+    Settings {
+        id: saveReportSettings
+        category: "saveReport"
+        property string folder: ""
+    }
+
+    Settings {
         id: panelSettings
         category: "panels"
         property bool poiListShown: false
@@ -183,12 +195,17 @@ ReviewWindow {
     FileDialogs {
         id: fileDialogs
         player: videoPlayer
+        review: review
         verbs: mainWindow
         savingAsCopy: currentProject.savingAsCopy
         mediaFolder: loadFileSettings.folder
         onMediaFolderChosen: loadFileSettings.folder = folder
         imageFolder: saveImageSettings.folder
         onImageFolderChosen: saveImageSettings.folder = folder
+        projectFolder: saveProjectSettings.folder
+        onProjectFolderChosen: saveProjectSettings.folder = folder
+        reportFolder: saveReportSettings.folder
+        onReportFolderChosen: saveReportSettings.folder = folder
     }
 
     SecondaryWindows {

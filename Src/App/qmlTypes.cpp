@@ -1,5 +1,6 @@
 #include "App/qmlTypes.h"
 
+#include "App/FileChoice.h"
 #include "Discovery/DirectoryParser.h"
 #include "Log/LogParser.h"
 #include "Project/PoiReportExporter.h"
@@ -44,6 +45,7 @@ void registerQmlTypes()
     registerSingleton<AppInfo>("corv.AppInfo", "AppInfo");
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
     registerSingleton<LogParser>("corv.LogParsing", "LogParser");
+    qmlRegisterType<FileChoice>("FileChoice", 1, 0, "FileChoice");
     qmlRegisterType<DirectoryParser>("DirectoryParser", 1, 0, "DirectoryParser");
     qmlRegisterType<HeadUpDisplay>("HeadUpDisplay", 1, 0, "HeadUpDisplay");
     qmlRegisterType<LogCurves>("LogCurves", 1, 0, "LogCurves");

@@ -26,7 +26,9 @@ public:
     {
         if (event->type() == QEvent::Show) {
             auto* dialog = qobject_cast<QFileDialog*>(watched);
-            if (dialog && dialog->acceptMode() == QFileDialog::AcceptSave)
+            // One of the desktop's is not on screen itself, and asks before it completes a name.
+            if (dialog && dialog->acceptMode() == QFileDialog::AcceptSave &&
+                !dialog->testAttribute(Qt::WA_DontShowOnScreen))
                 complete(*dialog);
         }
         return QObject::eventFilter(watched, event);

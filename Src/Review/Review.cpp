@@ -3,8 +3,10 @@
 #include "Base/videoTime.h"
 #include "Review/UndoSteps.h"
 #include "Review/logPois.h"
+#include "Review/proposedName.h"
 #include "Threads/post.h"
 
+#include <QDateTime>
 #include <QDebug>
 #include <QFileInfo>
 #include <QMap>
@@ -508,6 +510,17 @@ int Review::addablePoisFromLog() const
 bool Review::fileExists(const QString& path) const
 {
     return QFileInfo::exists(path);
+}
+
+QString Review::proposedName() const
+{
+    return corv::proposedName(ReviewProperties::of(*m_player, *m_logParser), m_openedVideo,
+                              QFileInfo(m_openedVideo).lastModified().date());
+}
+
+QString Review::proposedFrameName() const
+{
+    return corv::proposedFrameName(proposedName(), m_player->timePosition());
 }
 
 void Review::nameFlight(const QString& missionName, const QString& flightName, int flightNumber)

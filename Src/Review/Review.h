@@ -145,6 +145,11 @@ public:
     /// Whether a file would be replaced by one of this name.
     Q_INVOKABLE bool fileExists(const QString& path) const;
 
+    /// The names, without a suffix, to propose for what is saved of this flight, and for the
+    /// picture on screen. The date is that of the video's last write.
+    Q_INVOKABLE QString proposedName() const;
+    Q_INVOKABLE QString proposedFrameName() const;
+
     /// The copying that goes on, or null.
     Job* copyJob() const { return m_copyJob; }
 

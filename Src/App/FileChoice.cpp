@@ -1,0 +1,144 @@
+#include "App/FileChoice.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QWindow>
+#include <algorithm>
+
+namespace corv {
+namespace {
+
+/// The desktop's dialog has no widgets of Qt's.
+bool isNative(const QFileDialog& dialog)
+{
+    return dialog.layout() == nullptr;
+}
+
+QWindow* windowOf(const QObject* object)
+{
+    for (QObject* owner = object->parent(); owner; owner = owner->parent()) {
+        if (auto* window = qobject_cast<QWindow*>(owner))
+            return window;
+        if (auto* item = qobject_cast<QQuickItem*>(owner))
+            if (item->window())
+                return item->window();
+    }
+    return nullptr;
+}
+
+QUrl existingFolder(const QUrl& folder)
+{
+    if (!folder.isEmpty() && QFileInfo(folder.toLocalFile()).isDir())
+        return folder;
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileInfo(documents).isDir() ? QUrl::fromLocalFile(documents) : QUrl();
+}
+
+} // namespace
+
+QString filterOfAnyCase(const QString& nameFilter)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\*\\.[^\\s)]+"));
+    QString result;
+    int end = 0;
+    for (auto found = pattern.globalMatch(nameFilter); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        result += nameFilter.midRef(end, match.capturedStart() - end);
+        for (const QChar letter : match.captured())
+            result += letter.isLetter()
+                          ? QStringLiteral("[%1%2]").arg(letter.toLower()).arg(letter.toUpper())
+                          : QString(letter);
+        end = match.capturedEnd();
+    }
+    return result + nameFilter.midRef(end);
+}
+
+FileChoice::FileChoice(QObject* parent) : QObject(parent) {}
+
+FileChoice::~FileChoice() = default;
+
+void FileChoice::setFolder(const QUrl& folder)
+{
+    if (folder == m_folder)
+        return;
+    m_folder = folder;
+    emit folderChanged();
+}
+
+QString FileChoice::selectedNameFilter() const
+{
+    return m_nameFilters.value(m_filter);
+}
+
+void FileChoice::setVisible(bool visible)
+{
+    if (visible)
+        open();
+    else
+        close();
+}
+
+QStringList FileChoice::filtersFor(const QFileDialog& dialog) const
+{
+    QStringList filters = m_nameFilters;
+    if (isNative(dialog))
+        std::transform(filters.begin(), filters.end(), filters.begin(), filterOfAnyCase);
+    return filters;
+}
+
+void FileChoice::open()
+{
+    if (m_isOpen)
+        return;
+    m_dialog = std::make_unique<QFileDialog>();
+    QFileDialog* const dialog = m_dialog.get();
+    m_isOpen = true;
+    dialog->setWindowTitle(m_title);
+    dialog->setAcceptMode(m_isExisting ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
+    dialog->setFileMode(m_isExisting ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    dialog->setNameFilters(filtersFor(*dialog));
+    // A suffix that the desktop's dialog adds after its question is one that nobody was asked
+    // about.
+    if (!isNative(*dialog))
+        dialog->setDefaultSuffix(m_defaultSuffix);
+    const QUrl folder = existingFolder(m_folder);
+    if (!folder.isEmpty())
+        dialog->setDirectoryUrl(folder);
+    if (!m_proposedName.isEmpty())
+        dialog->selectFile(m_proposedName);
+    connect(dialog, &QFileDialog::finished, this, &FileChoice::finish);
+    dialog->winId();
+    if (QWindow* const window = windowOf(this))
+        dialog->windowHandle()->setTransientParent(window);
+    dialog->open();
+    emit visibleChanged();
+}
+
+void FileChoice::close()
+{
+    if (m_isOpen)
+        m_dialog->reject();
+}
+
+void FileChoice::finish(int result)
+{
+    m_isOpen = false;
+    const QList<QUrl> chosen = m_dialog->selectedUrls();
+    const bool isAccepted = result == QDialog::Accepted && !chosen.isEmpty();
+    if (isAccepted) {
+        m_filter = std::max(0, filtersFor(*m_dialog).indexOf(m_dialog->selectedNameFilter()));
+        m_fileUrl = chosen.first();
+        setFolder(m_fileUrl.adjusted(QUrl::RemoveFilename | QUrl::StripTrailingSlash));
+    }
+    emit visibleChanged();
+    if (isAccepted)
+        emit accepted();
+    else
+        emit rejected();
+}
+
+} // namespace corv
