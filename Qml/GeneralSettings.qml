@@ -12,6 +12,7 @@ Window {
 
     property bool imperialUnits: false
     property bool thermalAsOnScreen: false
+    property bool finishJobsFirst: false
     property bool ok: false
 
     function init() {
@@ -19,6 +20,7 @@ Window {
         radioUnitImperial.checked = settings.imperialUnits;
         radioThermalOfFile.checked = !settings.thermalAsOnScreen;
         radioThermalOnScreen.checked = settings.thermalAsOnScreen;
+        finishJobsBox.checked = settings.finishJobsFirst;
     }
 
     // A number with leading "0" up to a length.
@@ -41,6 +43,7 @@ Window {
         category: "userPreferences"
         property bool imperialUnits: false
         property bool thermalAsOnScreen: false
+        property bool finishJobsFirst: false
     }
 
     Shortcut {
@@ -72,18 +75,22 @@ Window {
             font.bold: true
         }
 
-        CorvRadioButton {
-            id: radioUnitMetric
-            objectName: "radioUnitMetric"
-            text: "Metric"
-            exclusiveGroup: unitTypeGroup
-        }
+        Row {
+            spacing: 24
 
-        CorvRadioButton {
-            id: radioUnitImperial
-            objectName: "radioUnitImperial"
-            text: "Imperial"
-            exclusiveGroup: unitTypeGroup
+            CorvRadioButton {
+                id: radioUnitMetric
+                objectName: "radioUnitMetric"
+                text: "Metric"
+                exclusiveGroup: unitTypeGroup
+            }
+
+            CorvRadioButton {
+                id: radioUnitImperial
+                objectName: "radioUnitImperial"
+                text: "Imperial"
+                exclusiveGroup: unitTypeGroup
+            }
         }
 
         Text {
@@ -119,6 +126,12 @@ Window {
                 exclusiveGroup: thermalPictureGroup
             }
         }
+
+        CorvCheckBox {
+            id: finishJobsBox
+            objectName: "finishJobsBox"
+            text: "Quitting waits until running exports are done"
+        }
     }
 
     CorvRichTextButton {
@@ -142,6 +155,8 @@ Window {
             generalSettings.imperialUnits = settings.imperialUnits;
             settings.thermalAsOnScreen = radioThermalOnScreen.checked;
             generalSettings.thermalAsOnScreen = settings.thermalAsOnScreen;
+            settings.finishJobsFirst = finishJobsBox.checked;
+            generalSettings.finishJobsFirst = settings.finishJobsFirst;
             generalSettings.ok = true;
             generalSettings.close();
         }

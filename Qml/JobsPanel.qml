@@ -11,6 +11,7 @@ Rectangle {
     // A list with the roles job, title, done, total, progressText and resultText.
     property var jobs: null
     signal closed()
+    signal openFolderClicked(string folder)
 
     width: 380
     height: Math.min(300, head.height + Math.max(60, list.contentHeight) + 8)
@@ -79,7 +80,7 @@ Rectangle {
                 anchors {
                     left: parent.left
                     leftMargin: 6
-                    right: cancelButton.left
+                    right: rowButton.left
                     rightMargin: 6
                     verticalCenter: parent.verticalCenter
                 }
@@ -116,16 +117,34 @@ Rectangle {
                 }
             }
 
-            CorvQuickStartButton {
-                id: cancelButton
-                objectName: "cancelJobButton"
-                anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-                width: 64
+            Item {
+                id: rowButton
+                anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }
+                width: cancelButton.visible ? cancelButton.width
+                                            : folderButton.visible ? folderButton.width : 0
                 height: 24
-                visible: row.running && job.cancellable
-                text: "Cancel"
-                name: "Cancel " + title
-                onClicked: job.cancel()
+
+                CorvQuickStartButton {
+                    id: cancelButton
+                    objectName: "cancelJobButton"
+                    width: 64
+                    height: 24
+                    visible: row.running && job.cancellable
+                    text: "Cancel"
+                    name: "Cancel " + title
+                    onClicked: job.cancel()
+                }
+
+                CorvQuickStartButton {
+                    id: folderButton
+                    objectName: "openJobFolderButton"
+                    width: 84
+                    height: 24
+                    visible: job !== null && job.resultFolder !== ""
+                    text: "Open folder"
+                    name: "Open the folder of " + title
+                    onClicked: jobsPanel.openFolderClicked(job.resultFolder)
+                }
             }
         }
     }

@@ -28,6 +28,10 @@ ApplicationWindow {
     property SecondaryWindows windows: null
     property ExportProgressWindow exportProgress: null
 
+    // Whether quitting waits until the jobs are done, and whether it does now.
+    property bool finishJobsFirst: false
+    property bool waitsForJobs: false
+
     // The parts of the window that a verb writes to, and the one that has the keyboard by default.
     property StatusLine statusLine: null
     property CurvesPanel curves: null
@@ -107,10 +111,33 @@ ApplicationWindow {
         doSaveProject(currentProject.filePath);
     }
 
-    // Not in the middle of a copy, of which nothing would be left.
     function goExit() {
-        if (review.copyJob === null)
+        if (mayQuit())
             Qt.quit();
+    }
+
+    // Not in the middle of a copy, of which nothing would be left. What else is being written is
+    // finished first where the settings say so; asked a second time, the program quits at once.
+    function mayQuit() {
+        if (review.copyJob !== null)
+            return false;
+        if (!finishJobsFirst || waitsForJobs || review.jobs.writing === 0)
+            return true;
+        waitsForJobs = true;
+        statusLine.showNotice("Vistrel quits when its jobs are done. Quit again to cancel them.");
+        return false;
+    }
+
+    function quitAfterJobs() {
+        if (waitsForJobs && review.jobs.writing === 0)
+            Qt.quit();
+    }
+
+    // Shows a folder in the program of the desktop for it.
+    function openFolder(path) {
+        if (!Qt.openUrlExternally(Paths.toUrl(path)))
+            displayWarningDialog("Open folder", "No program opens folders here. The folder is\n\n"
+                                                + path);
     }
 
     function goCloseProject() {

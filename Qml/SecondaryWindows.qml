@@ -24,6 +24,8 @@ Item {
 
     // The units chosen in the settings.
     signal unitsChosen(bool imperialUnits)
+    // Whether quitting is to wait for the jobs, as chosen there.
+    signal finishJobsFirstChosen(bool finish)
 
     function make(file, connection) {
         var component = Qt.createComponent(file);
@@ -229,6 +231,7 @@ Item {
                 return;
             console.log("Settings have changed : " + window.imperialUnits);
             player.thermalAsOnScreen = window.thermalAsOnScreen;
+            windows.finishJobsFirstChosen(window.finishJobsFirst);
             windows.unitsChosen(window.imperialUnits);
         }
     }

@@ -47,7 +47,9 @@ ReviewWindow {
     sidebar: tabsContainer
     keyboardPlace: videoTab
 
-    onClosing: close.accepted = review.copyJob === null
+    finishJobsFirst: generalSettings.finishJobsFirst
+
+    onClosing: close.accepted = mayQuit()
 
     menuBar: MainMenuBar {
         player: videoPlayer
@@ -82,6 +84,7 @@ ReviewWindow {
         category: "userPreferences"
         property bool imperialUnits: false
         property bool thermalAsOnScreen: false
+        property bool finishJobsFirst: false
     }
 
     Settings {
@@ -189,7 +192,23 @@ ReviewWindow {
         player: videoPlayer
         reports: poiReportExporter
         jobs: review.jobs
+        attended: Qt.application.state === Qt.ApplicationActive
         onEnded: infoTab.showNotice(text)
+    }
+
+    JobJournal {
+        id: jobJournal
+        objectName: "jobJournal"
+        jobs: review.jobs
+        folder: standardFolder
+    }
+
+    Connections {
+        target: review.jobs
+
+        function onRunningChanged() {
+            mainWindow.quitAfterJobs();
+        }
     }
 
     FileDialogs {
@@ -216,6 +235,7 @@ ReviewWindow {
         verbs: mainWindow
         fastLoadingChecked: currentProject.fastLoadingChecked
         onFastLoadingChosen: currentProject.fastLoadingChecked = checked
+        onFinishJobsFirstChosen: generalSettings.finishJobsFirst = finish
         // Fails: a tab has no such member. The display keeps its units until the next start, as the
         // settings window announces.
         onUnitsChosen: tabsContainer.getTab(0).informationTabContents.imperialUnits = imperialUnits
@@ -247,6 +267,7 @@ ReviewWindow {
         visible: false
         jobs: review.jobs
         onClosed: visible = false
+        onOpenFolderClicked: mainWindow.openFolder(folder)
     }
 
     StatusLine {
@@ -374,6 +395,16 @@ ReviewWindow {
                 anchors.top: parent.top
                 recovery: recovery
                 z: 1
+            }
+
+            UnfinishedBar {
+                objectName: "unfinishedBar"
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: recoveryBar.visible ? recoveryBar.bottom : parent.top
+                z: 1
+                text: jobJournal.unfinishedText
+                onClosed: jobJournal.forgetUnfinished()
             }
 
             MouseArea {

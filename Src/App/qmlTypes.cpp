@@ -6,6 +6,7 @@
 #include "Project/PoiReportExporter.h"
 #include "Project/ProjectFileLoader.h"
 #include "Review/ExportJobs.h"
+#include "Review/JobJournal.h"
 #include "Review/RecentProjects.h"
 #include "Review/Recovery.h"
 #include "Review/Review.h"
@@ -59,6 +60,7 @@ void registerQmlTypes()
     qmlRegisterType<FramePreview>("Timeline", 1, 0, "FramePreview");
     qmlRegisterType<PoiFilter>("Timeline", 1, 0, "PoiFilter");
     qmlRegisterType<ExportJobs>("Review", 1, 0, "ExportJobs");
+    qmlRegisterType<JobJournal>("Review", 1, 0, "JobJournal");
     qmlRegisterType<Review>("Review", 1, 0, "Review");
     qmlRegisterType<Recovery>("Review", 1, 0, "Recovery");
     qmlRegisterType<RecentProjects>("Review", 1, 0, "RecentProjects");

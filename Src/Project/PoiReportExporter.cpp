@@ -31,6 +31,7 @@ void PoiReportExporter::createPoiReport(QVariantList poiList, QString path,
     if (m_future.isRunning())
         return;
     m_abortFlag = false;
+    m_reportFile = path;
     VideoPlayer* const player = m_videoPlayer;
     m_future = runOnPool([this, player, poiList, path, flightNamingMap] {
         ReportWriter writer(&m_abortFlag);

@@ -41,6 +41,9 @@ public:
     /// Why the last report was not written, or what it lacks; valid from `exportComplete` on.
     const Status& exportResult() const { return m_exportResult; }
 
+    /// The file of the report that is being written, or was last.
+    QString reportFile() const { return m_reportFile; }
+
 signals:
     /// The report has ended; `result` is true if the document was written. Another one may be
     /// started at once.
@@ -56,6 +59,7 @@ private:
     std::atomic<bool> m_abortFlag{false};
     PoolTask m_future;
     Status m_exportResult;
+    QString m_reportFile;
 };
 
 } // namespace corv

@@ -1,5 +1,6 @@
 #include "Review/ExportJobs.h"
 
+#include "Platform/desktopNotification.h"
 #include "Project/PoiReportExporter.h"
 #include "Video/VideoPlayer.h"
 
@@ -47,10 +48,13 @@ void ExportJobs::beginSeries(int total)
         return;
     // More pictures while a series is being saved belong to that series.
     if (!m_series)
-        m_series = m_jobs->start(Job::Kind::series, tr("Save pictures"), Job::Unit::steps, [this] {
-            if (m_player)
-                m_player->cancelExportFrames();
-        });
+        m_series = m_jobs->start(
+            Job::Kind::series, tr("Save pictures"), Job::Unit::steps,
+            [this] {
+                if (m_player)
+                    m_player->cancelExportFrames();
+            },
+            m_player->framesExportFolder());
     m_series->report(m_series->done(), total);
 }
 
@@ -67,10 +71,13 @@ void ExportJobs::reportVideo(int done, int total)
     if (!m_jobs)
         return;
     if (!m_video)
-        m_video = m_jobs->start(Job::Kind::video, tr("Write the video"), Job::Unit::steps, [this] {
-            if (m_player)
-                m_player->cancelExportVideo();
-        });
+        m_video = m_jobs->start(
+            Job::Kind::video, tr("Write the video"), Job::Unit::steps,
+            [this] {
+                if (m_player)
+                    m_player->cancelExportVideo();
+            },
+            m_player->videoExportFile());
     m_video->report(done, total);
 }
 
@@ -90,21 +97,24 @@ void ExportJobs::reportDocument(int done, int total)
     if (!m_jobs)
         return;
     if (!m_document)
-        m_document =
-            m_jobs->start(Job::Kind::report, tr("Write the report"), Job::Unit::steps, [this] {
+        m_document = m_jobs->start(
+            Job::Kind::report, tr("Write the report"), Job::Unit::steps,
+            [this] {
                 if (m_reports)
                     m_reports->abortExportOperation();
-            });
+            },
+            m_reports->reportFile());
     m_document->report(done, total);
 }
 
 void ExportJobs::endDocument(bool result)
 {
     if (!m_document && m_jobs)
-        m_document = m_jobs->start(Job::Kind::report, tr("Write the report"));
-    const Status status =
-        result ? Status()
-               : Status(Failure{Failure::Kind::other, tr("The report was not written.")});
+        m_document = m_jobs->start(Job::Kind::report, tr("Write the report"), Job::Unit::steps, {},
+                                   m_reports ? m_reports->reportFile() : QString());
+    Status status = m_reports && !result ? m_reports->exportResult() : Status();
+    if (status.ok() && !result)
+        status = Failure{Failure::Kind::other, tr("The report was not written.")};
     end(m_document, status, tr("The report is written."));
 }
 
@@ -116,8 +126,11 @@ void ExportJobs::end(QPointer<Job>& job, const Status& status, const QString& su
         job->succeed(success);
     else
         job->fail(status.failure());
-    emit ended(status.ok() ? success : status.failure().sentence);
+    const QString text = status.ok() ? success : status.failure().sentence;
+    if (!m_isAttended)
+        platform::showDesktopNotification(job->title(), text);
     job = nullptr;
+    emit ended(text);
 }
 
 } // namespace corv

@@ -20,6 +20,7 @@ class ExportJobs : public QObject
     Q_PROPERTY(corv::VideoPlayer* player READ player WRITE setPlayer)
     Q_PROPERTY(corv::PoiReportExporter* reports READ reports WRITE setReports)
     Q_PROPERTY(corv::JobList* jobs READ jobs WRITE setJobs)
+    Q_PROPERTY(bool attended READ isAttended WRITE setAttended)
 
 public:
     explicit ExportJobs(QObject* parent = nullptr);
@@ -30,6 +31,11 @@ public:
     void setReports(PoiReportExporter* reports);
     JobList* jobs() const { return m_jobs; }
     void setJobs(JobList* jobs) { m_jobs = jobs; }
+
+    /// Whether the pilot is looking at the program. While nobody is, the desktop shows how a job
+    /// ended.
+    bool isAttended() const { return m_isAttended; }
+    void setAttended(bool attended) { m_isAttended = attended; }
 
 signals:
     /// How a piece of work ended, in a sentence.
@@ -50,6 +56,7 @@ private:
     QPointer<Job> m_series;
     QPointer<Job> m_video;
     QPointer<Job> m_document;
+    bool m_isAttended = true;
 };
 
 } // namespace corv

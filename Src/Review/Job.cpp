@@ -1,5 +1,6 @@
 #include "Review/Job.h"
 
+#include <QFileInfo>
 #include <QLocale>
 #include <utility>
 
@@ -45,10 +46,24 @@ QString textOfTransfer(qint64 doneBytes, qint64 totalBytes, qint64 elapsedMs)
              textOfSeconds((totalBytes - doneBytes) / bytesPerSecond));
 }
 
-Job::Job(Kind kind, const QString& title, Unit unit, std::function<void()> cancel, QObject* parent)
-    : QObject(parent), m_kind(kind), m_title(title), m_unit(unit), m_cancel(std::move(cancel))
+Job::Job(Kind kind, const QString& title, Unit unit, std::function<void()> cancel,
+         const QString& target, QObject* parent)
+    : QObject(parent), m_kind(kind), m_title(title), m_target(target), m_unit(unit),
+      m_cancel(std::move(cancel))
 {
     m_clock.start();
+}
+
+QString Job::resultFolder() const
+{
+    if (m_target.isEmpty() || isRunning())
+        return {};
+    // The pictures of a series that were saved stay, however it ends.
+    if (m_kind == Kind::series)
+        return m_target;
+    const bool isWritten =
+        m_state == Succeeded || (m_failure && m_failure->kind == Failure::Kind::incomplete);
+    return isWritten ? QFileInfo(m_target).absolutePath() : QString();
 }
 
 QString Job::progressText() const

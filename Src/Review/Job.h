@@ -24,6 +24,7 @@ class Job : public QObject
     Q_PROPERTY(bool running READ isRunning NOTIFY stateChanged)
     Q_PROPERTY(bool cancellable READ isCancellable CONSTANT)
     Q_PROPERTY(QString resultText READ resultText NOTIFY stateChanged)
+    Q_PROPERTY(QString resultFolder READ resultFolder NOTIFY stateChanged)
 
 public:
     enum State { Running, Succeeded, Failed, Cancelled };
@@ -35,11 +36,20 @@ public:
     enum class Unit { steps, bytes };
 
     /// `cancel` asks the worker to stop, which then ends the job; empty if it cannot be stopped.
+    /// `target` is the file or the folder that is written, empty if there is none.
     Job(Kind kind, const QString& title, Unit unit, std::function<void()> cancel,
-        QObject* parent = nullptr);
+        const QString& target = QString(), QObject* parent = nullptr);
 
     Kind kind() const { return m_kind; }
     QString title() const { return m_title; }
+    QString target() const { return m_target; }
+
+    /// Where the result can be seen: the target's folder, once all or part of it is written. Empty
+    /// before that, and without a result.
+    QString resultFolder() const;
+
+    /// Whether it makes something that the pilot asked for, which is lost if it does not finish.
+    bool isWriting() const { return m_kind != Kind::log && m_kind != Kind::search; }
 
     /// Steps or bytes; a total of 0 is unknown.
     qint64 done() const { return m_done; }
@@ -76,6 +86,7 @@ private:
 
     const Kind m_kind;
     const QString m_title;
+    const QString m_target;
     const Unit m_unit;
     std::function<void()> m_cancel;
     bool m_isCancelAsked = false;

@@ -59,16 +59,23 @@ int JobList::running() const
                                           [](const auto& job) { return job->isRunning(); }));
 }
 
+int JobList::writing() const
+{
+    return static_cast<int>(std::count_if(m_jobs.begin(), m_jobs.end(), [](const auto& job) {
+        return job->isRunning() && job->isWriting();
+    }));
+}
+
 Job* JobList::job(int row) const
 {
     return row >= 0 && row < rowCount() ? m_jobs[static_cast<size_t>(row)].get() : nullptr;
 }
 
 Job* JobList::start(Job::Kind kind, const QString& title, Job::Unit unit,
-                    std::function<void()> cancel)
+                    std::function<void()> cancel, const QString& target)
 {
     dropOldest();
-    auto made = std::make_unique<Job>(kind, title, unit, std::move(cancel));
+    auto made = std::make_unique<Job>(kind, title, unit, std::move(cancel), target);
     Job* const job = made.get();
     // The list owns it, whatever a script does with it.
     QQmlEngine::setObjectOwnership(job, QQmlEngine::CppOwnership);

@@ -15,6 +15,7 @@ class JobList : public QAbstractListModel
 {
     Q_OBJECT
     Q_PROPERTY(int running READ running NOTIFY runningChanged)
+    Q_PROPERTY(int writing READ writing NOTIFY runningChanged)
 
 public:
     enum Role {
@@ -39,12 +40,15 @@ public:
     /// How many have not ended.
     int running() const;
 
+    /// How many of these write something.
+    int writing() const;
+
     /// Null beyond the list. Good until the job has ended and is too old to be kept.
     Q_INVOKABLE corv::Job* job(int row) const;
 
-    /// Begins a job. `cancel` as for `Job`.
+    /// Begins a job. `cancel` and `target` as for `Job`.
     Job* start(Job::Kind kind, const QString& title, Job::Unit unit = Job::Unit::steps,
-               std::function<void()> cancel = {});
+               std::function<void()> cancel = {}, const QString& target = QString());
 
 signals:
     void runningChanged();

@@ -1,35 +1,18 @@
 #include "Review/RecoveryStore.h"
 
 #include "Base/limits.h"
-#include "Platform/fileSystem.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QUuid>
-#include <algorithm>
 
 namespace corv {
 namespace {
 
 constexpr int formatVersion = 1;
-constexpr int mostFiles = 200;
-const QString namePattern = QStringLiteral("review-*.json");
-
-QString lockOf(const QString& file)
-{
-    return file + QStringLiteral(".lock");
-}
-
-std::shared_ptr<QLockFile> lockFor(const QString& file)
-{
-    auto lock = std::make_shared<QLockFile>(lockOf(file));
-    lock->setStaleLockTime(0); // held for as long as its process lives, however long that is
-    return lock->tryLock(0) ? lock : nullptr;
-}
+const QString namePrefix = QStringLiteral("review");
 
 Failure damaged(const QString& file)
 {
@@ -88,38 +71,21 @@ RecoveryStore::RecoveryStore(const QString& folder) : m_folder(folder) {}
 
 RecoveryStore::Place RecoveryStore::newPlace() const
 {
-    if (m_folder.isEmpty() || !QDir().mkpath(m_folder))
-        return {};
-    const QString file = QStringLiteral("%1/review-%2.json")
-                             .arg(m_folder, QUuid::createUuid().toString(QUuid::WithoutBraces));
-    const std::shared_ptr<QLockFile> lock = lockFor(file);
-    return lock ? Place{file, lock} : Place{};
+    return newOwnedFile(m_folder, namePrefix);
 }
 
 std::vector<RecoveredReview> RecoveryStore::found() const
 {
-    const QDir folder(m_folder);
-    if (m_folder.isEmpty() || !folder.exists())
-        return {};
-    // Locks that killed programs left without a review.
-    for (const QString& name :
-         folder.entryList({namePattern + QStringLiteral(".lock")}, QDir::Files))
-        lockFor(folder.filePath(name).chopped(5));
     std::vector<RecoveredReview> reviews;
-    const QStringList names = folder.entryList({namePattern}, QDir::Files, QDir::Time);
-    for (const QString& name : names.mid(0, mostFiles)) {
-        const QString file = folder.filePath(name);
-        if (!lockFor(file))
-            continue;
-        platform::removeAbandonedParts(file);
+    const QStringList files = abandonedFiles(m_folder, namePrefix);
+    for (const QString& file : files)
         reviews.push_back(read(file));
-    }
     return reviews;
 }
 
 bool RecoveryStore::remove(const QString& file) const
 {
-    const std::shared_ptr<QLockFile> lock = lockFor(file);
+    const std::shared_ptr<QLockFile> lock = takeOwnership(file);
     return lock && QFile::remove(file);
 }
 

@@ -2,12 +2,11 @@
 
 #include "Base/Failure.h"
 #include "Project/ProjectFile.h"
+#include "Review/ownedFiles.h"
 
 #include <QByteArray>
 #include <QDateTime>
-#include <QLockFile>
 #include <QString>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -38,11 +37,7 @@ public:
 
     /// A name for the next review that this program works on, and its lock. Empty if the folder
     /// cannot be written.
-    struct Place
-    {
-        QString file;
-        std::shared_ptr<QLockFile> lock;
-    };
+    using Place = OwnedFile;
     Place newPlace() const;
 
     /// The reviews that no running program works on, the newest first. Damaged ones are among them,

@@ -260,6 +260,10 @@ public:
     QString framesExportNote() const { return m_framesExportNote; }
     const Status& videoExportResult() const { return m_videoExportResult; }
 
+    /// Where the last series and the last video were asked to be written.
+    QString framesExportFolder() const { return m_framesExportFolder; }
+    QString videoExportFile() const { return m_videoExportFile; }
+
     /// Takes the log of the parser into the overlay, and redraws a paused picture. Once per log;
     /// `thermalStatusChanged` follows each time.
     Q_INVOKABLE void updateLogData();
@@ -398,6 +402,8 @@ private:
     Status m_framesExportResult;
     QString m_framesExportNote;
     Status m_videoExportResult;
+    QString m_framesExportFolder;
+    QString m_videoExportFile;
     bool m_seeking = false;
     PendingWish m_wish;
     bool m_wishUnderWay = false;

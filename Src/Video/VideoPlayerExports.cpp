@@ -151,6 +151,7 @@ bool VideoPlayer::exportSpecificFrames(QList<int> positionsMs, QString folder,
             Failure{Failure::Kind::notFound, tr("There is no folder %1.").arg(folder)};
         return false;
     }
+    m_framesExportFolder = folder;
     const auto cancelled = beginFramesExport(positionsMs.size());
     const auto count = [this](const QString&, const Status& saved) { countExportedFrame(saved); };
     for (int i = 0; i < positionsMs.size(); ++i) {
@@ -254,6 +255,7 @@ bool VideoPlayer::exportVideo(QString file)
         return false;
     }
     m_exportCancelled = false;
+    m_videoExportFile = file;
     toWorker([this, file](OpenCvWorker& worker) {
         Status status;
         const bool isPositionBack = worker.exportVideo(file, m_exportCancelled, &status);

@@ -46,9 +46,10 @@ void UiFixture::prepare()
 UiFixture::UiFixture()
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settingsFolder.path());
-    // Unsaved work of an earlier test.
-    QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/recovery")
-        .removeRecursively();
+    // Unsaved work and unfinished jobs of an earlier test.
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QDir(data + "/recovery").removeRecursively();
+    QDir(data + "/jobs").removeRecursively();
     makeEngine();
 }
 

@@ -1,0 +1,36 @@
+import QtQuick 2.7
+import QtQuick.Controls 1.4
+import QtQuick.Controls.Styles 1.4
+import "."
+
+// A check box on the ground of the dialogs: its tick is on a field like that of a radio button.
+CheckBox {
+    id: corvCheckBox
+
+    Accessible.name: text
+
+    style: CheckBoxStyle {
+        spacing: 6
+        indicator: Rectangle {
+            implicitWidth: 14
+            implicitHeight: 14
+            radius: 2
+            color: control.enabled ? Theme.radio : Theme.radioDisabled
+            border.width: control.activeFocus ? 2 : 1
+            border.color: control.activeFocus ? Theme.accent : Theme.radioBorder
+
+            Rectangle {
+                anchors.centerIn: parent
+                width: 8
+                height: 8
+                radius: 1
+                color: Theme.radioMark
+                visible: control.checked
+            }
+        }
+        label: Text {
+            text: control.text
+            color: control.enabled ? Theme.text : Theme.textDisabled
+        }
+    }
+}

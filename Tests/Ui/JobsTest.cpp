@@ -1,0 +1,151 @@
+#include "ReviewSuite.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QSignalSpy>
+
+using namespace corv::test;
+
+/// Takes the place of the desktop, which opens a folder in a program of its own.
+class Desktop : public QObject
+{
+    Q_OBJECT
+
+public:
+    QList<QUrl> opened;
+
+public slots:
+    void open(const QUrl& url) { opened << url; }
+};
+
+/// What a job leaves on screen, and what quitting makes of those that run.
+class JobsTest : public ReviewSuite
+{
+    Q_OBJECT
+
+private slots:
+    void aFinishedSeriesOpensItsFolder();
+    void quittingCancelsAndTheNextStartSaysSo();
+    void quittingWaitsWhereTheSettingsSaySo();
+    void quittingTwiceCancelsWhatItWaitedFor();
+    void nothingRunningEndsAtOnce();
+    void theSettingIsKept();
+
+private:
+    void openFlight();
+    void startSeries(int spacing);
+    int writing() const { return m_ui->evaluate("review.jobs.writing").toInt(); }
+    QString bar() const
+    {
+        QQuickItem* const item = m_ui->item("unfinishedBar");
+        return item->isVisible() ? m_ui->get("unfinishedText", "text").toString() : QString();
+    }
+
+    QString m_folder;
+};
+
+void JobsTest::openFlight()
+{
+    QVERIFY(m_ui->openVideo());
+    m_folder = FlightMedia::instance().newFolder();
+}
+
+void JobsTest::startSeries(int spacing)
+{
+    QVERIFY(m_ui->evaluate(QString("videoPlayer.exportFrames(0, 5000, %1, '%2', 'Frame')")
+                               .arg(spacing)
+                               .arg(m_folder))
+                .toBool());
+    QCOMPARE(writing(), 1);
+}
+
+void JobsTest::aFinishedSeriesOpensItsFolder()
+{
+    Desktop desktop;
+    QDesktopServices::setUrlHandler("file", &desktop, "open");
+    openFlight();
+    startSeries(60);
+    QVERIFY(m_ui->click("jobsButton"));
+    QTRY_COMPARE(writing(), 0);
+    QTRY_VERIFY(m_ui->item("openJobFolderButton") &&
+                m_ui->item("openJobFolderButton")->isVisible());
+    m_ui->screenshot("finished-job");
+    QVERIFY(m_ui->click("openJobFolderButton"));
+    QTRY_COMPARE(desktop.opened.size(), 1);
+    QCOMPARE(QDir(desktop.opened.first().toLocalFile()), QDir(m_folder));
+    QDesktopServices::unsetUrlHandler("file");
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void JobsTest::quittingCancelsAndTheNextStartSaysSo()
+{
+    openFlight();
+    startSeries(1);
+    QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
+    m_ui->call("goExit");
+    QCOMPARE(quit.size(), 1);
+    QVERIFY(m_ui->reload());
+    QTRY_VERIFY(!bar().isEmpty());
+    m_ui->screenshot("unfinished");
+    QVERIFY2(bar().startsWith("Not finished when Vistrel last ended: Save pictures (") &&
+                 bar().contains(m_folder),
+             qPrintable(bar()));
+    QVERIFY(m_ui->click("closeUnfinishedButton"));
+    QTRY_COMPARE(bar(), QString());
+    QVERIFY(m_ui->reload());
+    QCOMPARE(bar(), QString());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void JobsTest::quittingWaitsWhereTheSettingsSaySo()
+{
+    openFlight();
+    m_ui->evaluate("generalSettings.finishJobsFirst = true");
+    startSeries(10);
+    QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
+    m_ui->window()->close();
+    QVERIFY(m_ui->window()->isVisible());
+    QVERIFY(m_ui->get("noticeText", "text").toString().contains("quits when its jobs are done"));
+    QCOMPARE(quit.size(), 0);
+    QTRY_COMPARE(quit.size(), 1);
+    QCOMPARE(writing(), 0);
+    QVERIFY(m_ui->reload());
+    QCOMPARE(bar(), QString());
+}
+
+void JobsTest::quittingTwiceCancelsWhatItWaitedFor()
+{
+    openFlight();
+    m_ui->evaluate("generalSettings.finishJobsFirst = true");
+    startSeries(1);
+    QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
+    m_ui->call("goExit");
+    QCOMPARE(quit.size(), 0);
+    m_ui->call("goExit");
+    QCOMPARE(quit.size(), 1);
+    QCOMPARE(writing(), 1);
+}
+
+void JobsTest::nothingRunningEndsAtOnce()
+{
+    m_ui->evaluate("generalSettings.finishJobsFirst = true");
+    QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
+    m_ui->call("goExit");
+    QCOMPARE(quit.size(), 1);
+}
+
+void JobsTest::theSettingIsKept()
+{
+    QVERIFY(m_ui->trigger("generalSettingsMenuItem"));
+    QTRY_VERIFY(UiFixture::visibleWindow("Settings"));
+    QQuickWindow* const window = UiFixture::visibleWindow("Settings");
+    m_ui->screenshot("settings");
+    UiFixture::click(m_ui->item("finishJobsBox", window));
+    UiFixture::click(m_ui->item("okButton", window));
+    QTRY_VERIFY(m_ui->evaluate("mainWindow.finishJobsFirst").toBool());
+    QVERIFY(m_ui->reload());
+    QVERIFY(m_ui->evaluate("mainWindow.finishJobsFirst").toBool());
+}
+
+QTEST_MAIN(JobsTest)
+#include "JobsTest.moc"
