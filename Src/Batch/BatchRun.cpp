@@ -3,7 +3,6 @@
 #include "Batch/flightStatus.h"
 #include "Platform/childProcess.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTimer>
@@ -80,21 +79,7 @@ void BatchRun::startNext()
 {
     while (!m_cancelled && m_next < m_jobs.size() && m_workers.size() < m_mostAtOnce) {
         const FlightJob& job = m_jobs[m_next];
-        const QString jobFile =
-            m_jobFiles.filePath(QStringLiteral("%1.json").arg(m_next, 4, 10, QLatin1Char('0')));
         ++m_next;
-        QFile file(jobFile);
-        const QByteArray text = QJsonDocument(job.toJson()).toJson();
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush()) {
-            emit reported(finishedEvent(
-                job.folder, {{QStringLiteral("start"),
-                              {Failure::Kind::noRoom,
-                               QStringLiteral("The job could not be written to the folder for "
-                                              "temporary files: %1.")
-                                   .arg(file.errorString())}}}));
-            finishFlight(job.folder, Outcome::failed);
-            continue;
-        }
         auto* process = new WorkerProcess(this);
         m_workers.insert(process, {job.folder, {}, {}});
         connect(process, &QProcess::readyReadStandardOutput, this,
@@ -109,8 +94,10 @@ void BatchRun::startNext()
             if (e == QProcess::FailedToStart)
                 onEnded(process, false);
         });
-        process->start(m_command.program, m_command.arguments + QStringList{jobFile},
-                       QIODevice::ReadOnly);
+        process->start(m_command.program, m_command.arguments);
+        // By its standard input, so that nothing is left behind if this process is killed.
+        process->write(QJsonDocument(job.toJson()).toJson());
+        process->closeWriteChannel();
     }
     if (m_workers.isEmpty() && (m_cancelled || m_next == m_jobs.size()) && !m_hasFinished) {
         m_hasFinished = true;

@@ -10,7 +10,6 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
 
 namespace corv {
 
@@ -34,7 +33,7 @@ public:
     struct Command
     {
         QString program;
-        QStringList arguments; ///< the job's file is put behind them
+        QStringList arguments; ///< reads the job from its standard input
     };
 
     BatchRun(Command command, QList<FlightJob> jobs, int mostAtOnce, QObject* parent = nullptr);
@@ -75,7 +74,6 @@ private:
     const Command m_command;
     const QList<FlightJob> m_jobs;
     const int m_mostAtOnce;
-    QTemporaryDir m_jobFiles;
     int m_next = 0;
     bool m_cancelled = false;
     bool m_hasFinished = false;

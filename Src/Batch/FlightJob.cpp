@@ -1,6 +1,10 @@
 #include "Batch/FlightJob.h"
 
+#include "Batch/FlightManifest.h"
+
+#include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSet>
@@ -18,8 +22,10 @@ bool isForbiddenInNames(QChar character)
 {
     // The characters that vfat and exFAT refuse; a leading "-" would look like an option.
     static const QString forbidden = QStringLiteral("/\\:*?\"<>|");
-    return character < QLatin1Char(' ') || character == QChar(0x7f) ||
-           character.category() == QChar::Other_Format || forbidden.contains(character);
+    return character.category() == QChar::Other_Control ||
+           character.category() == QChar::Other_Format ||
+           character.category() == QChar::Separator_Line ||
+           character.category() == QChar::Separator_Paragraph || forbidden.contains(character);
 }
 
 bool isDroppedAtEnds(QChar character)
@@ -55,6 +61,28 @@ QStringList stringsOf(const QJsonArray& array)
 Failure refused(const QString& why)
 {
     return {Failure::Kind::notRecognised, QStringLiteral("The job cannot be taken: %1.").arg(why)};
+}
+
+using FoldersByFlight = QHash<QByteArray, QStringList>;
+
+// The folders that flights have by now, by the flight; several where videos are copies of each
+// other, in the order in which they were named.
+FoldersByFlight foldersIn(const QString& outFolder)
+{
+    FoldersByFlight folders;
+    if (outFolder.isEmpty())
+        return folders;
+    const QDir out(outFolder);
+    for (const QString& name : out.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QByteArray identity = FlightManifest(out.filePath(name)).identity();
+        if (!identity.isEmpty() && isPlainFolderName(name))
+            folders[identity] << name;
+    }
+    for (QStringList& names : folders)
+        std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
+            return a.size() != b.size() ? a.size() < b.size() : a < b;
+        });
+    return folders;
 }
 
 } // namespace
@@ -137,7 +165,7 @@ QString flightFolderName(const FlightJob& job)
     return parts.isEmpty() ? QStringLiteral("flight") : parts.join(QLatin1Char('_'));
 }
 
-void nameFolders(QList<FlightJob>* jobs)
+void nameFolders(QList<FlightJob>* jobs, const QString& outFolder)
 {
     QList<FlightJob*> ordered;
     for (FlightJob& job : *jobs)
@@ -145,9 +173,21 @@ void nameFolders(QList<FlightJob>* jobs)
     std::sort(ordered.begin(), ordered.end(), [](const FlightJob* a, const FlightJob* b) {
         return a->videos.value(0) < b->videos.value(0);
     });
+    FoldersByFlight known = foldersIn(outFolder);
     // Compared as file systems compare that do not tell upper from lower case.
     QSet<QString> taken;
+    for (const QStringList& folders : qAsConst(known))
+        for (const QString& folder : folders)
+            taken.insert(folder.toLower());
+    QList<FlightJob*> unnamed;
     for (FlightJob* job : qAsConst(ordered)) {
+        const auto own = known.find(identityOf(job->videos));
+        if (own == known.end() || own->isEmpty())
+            unnamed << job;
+        else
+            job->folder = own->takeFirst();
+    }
+    for (FlightJob* job : qAsConst(unnamed)) {
         const QString base = flightFolderName(*job);
         job->folder = base;
         for (int number = 2; taken.contains(job->folder.toLower()); ++number)

@@ -46,8 +46,9 @@ QString folderNamePart(const QString& name);
 /// "<date>_<mission>_<flight>_<number>"; without a naming "<date>_<name of the first video>".
 QString flightFolderName(const FlightJob& job);
 
-/// Gives each job its folder name. Jobs that would share one get "_2", "_3" ... in
-/// the order of their videos' paths, so that the same card gives the same names again.
-void nameFolders(QList<FlightJob>* jobs);
+/// Gives each job its folder name. A flight that has a folder in `outFolder` keeps it. The others
+/// avoid what other flights have there, and one another: they get "_2", "_3" ... in the order of
+/// their videos' paths, so that the same card gives the same names again.
+void nameFolders(QList<FlightJob>* jobs, const QString& outFolder = {});
 
 } // namespace corv

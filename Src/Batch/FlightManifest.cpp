@@ -97,6 +97,20 @@ Status FlightManifest::write() const
     return replaceFile(QDir(m_folder).filePath(manifestName), QJsonDocument(root).toJson());
 }
 
+Status FlightManifest::claimFor(const QByteArray& identity)
+{
+    m_identity = identity;
+    return write();
+}
+
+QByteArray identityOf(const QStringList& videos)
+{
+    QStringList words;
+    for (const QString& path : videos)
+        words << QFileInfo(path).fileName() << QString::number(QFileInfo(path).size());
+    return fingerprintOf(words, {});
+}
+
 QByteArray fingerprintOf(const QStringList& words, const QStringList& files)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
@@ -108,7 +122,7 @@ QByteArray fingerprintOf(const QStringList& words, const QStringList& files)
         add(word);
     for (const QString& path : files) {
         const QFileInfo file(path);
-        add(path);
+        add(file.fileName());
         add(QString::number(file.exists() ? file.size() : -1));
         add(QString::number(file.exists() ? file.lastModified().toMSecsSinceEpoch() : -1));
     }

@@ -13,7 +13,7 @@ namespace corv {
 /// files that came out, with their sizes. Kept as "manifest.json" in the flight's folder, replaced
 /// atomically after each step, so that a run that was killed goes on where it was.
 ///
-/// One run at a time works on a folder; the manifest does not guard against two.
+/// One run at a time works on a folder; the manifest does not guard against two, `FlightRun` does.
 class FlightManifest
 {
 public:
@@ -38,7 +38,9 @@ public:
 
     /// Which flight the folder is for, so that another flight of the same name is not mixed in.
     QByteArray identity() const { return m_identity; }
-    void setIdentity(const QByteArray& identity) { m_identity = identity; }
+
+    /// Makes the folder that of a flight, and writes the manifest.
+    Status claimFor(const QByteArray& identity);
 
 private:
     struct Step
@@ -57,7 +59,12 @@ private:
 };
 
 /// A fingerprint of the words of a step and of files: names, sizes and last-modified times of the
-/// files, not their contents, which would have to be read in full. Missing files count as such.
+/// files, not their contents, which would have to be read in full, and not their folders, since a
+/// card is not always mounted in the same place. Missing files count as such.
 QByteArray fingerprintOf(const QStringList& words, const QStringList& files);
+
+/// Which flight these videos are, whichever machine and folder they are on: by their names and
+/// sizes.
+QByteArray identityOf(const QStringList& videos);
 
 } // namespace corv

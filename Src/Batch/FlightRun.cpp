@@ -1,6 +1,10 @@
 #include "Batch/FlightRun.h"
 
 #include "Base/FileReplacement.h"
+#include "Platform/FileLock.h"
+#include "Platform/childProcess.h"
+#include "Platform/fileSystem.h"
+#include "Project/ReportFolder.h"
 #include "Project/ReportWriter.h"
 #include "Threads/pool.h"
 #include "Threads/post.h"
@@ -14,10 +18,11 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <atomic>
 #include <filesystem>
+#include <optional>
 
 namespace corv {
 namespace {
@@ -28,6 +33,10 @@ const QString printedReportName = QStringLiteral("report.pdf");
 const QString videoName = QStringLiteral("video.mp4");
 const QString resultName = QStringLiteral("result.json");
 const QString workFolder = QStringLiteral(".work");
+const QString lockName = QStringLiteral(".lock");
+const QString openStep = QStringLiteral("open");
+const QString projectStep = QStringLiteral("project");
+const QString copyStep = QStringLiteral("copy");
 constexpr int printTimeLimitMs = 10 * 60 * 1000;
 
 QString pictureName(int index)
@@ -36,9 +45,14 @@ QString pictureName(int index)
         .arg(pictureFolder, QString::number(index + 1).rightJustified(3, QLatin1Char('0')));
 }
 
-Failure notMade(const QString& path)
+Status makeFolder(const QString& path)
 {
-    return {Failure::Kind::notWritable, QStringLiteral("%1 cannot be made.").arg(path)};
+    std::error_code error;
+    std::filesystem::create_directories(path.toStdString(), error);
+    if (error)
+        return platform::failureOfError(error.value(),
+                                        QStringLiteral("%1 cannot be made").arg(path));
+    return {};
 }
 
 QString wordProcessor()
@@ -48,26 +62,22 @@ QString wordProcessor()
                              : program;
 }
 
-/// Puts a finished file in place of an earlier one, atomically. Both are on one volume.
+/// Puts a finished file or folder in place of an earlier file, atomically. Both are on one volume.
 Status putInPlace(const QString& from, const QString& to)
 {
     std::error_code error;
     std::filesystem::rename(from.toStdString(), to.toStdString(), error);
     if (error)
-        return Failure{Failure::Kind::notWritable,
-                       QStringLiteral("%1 cannot be replaced: %2.")
-                           .arg(to, QString::fromLocal8Bit(error.message().c_str()))};
+        return platform::failureOfError(error.value(),
+                                        QStringLiteral("%1 cannot be replaced").arg(to));
     return {};
 }
 
-/// The flight, whichever machine and folder its files are on.
-QByteArray identityOf(const FlightJob& job)
+class WordProcessor : public QProcess
 {
-    QStringList words;
-    for (const QString& path : job.files())
-        words << QFileInfo(path).fileName() << QString::number(QFileInfo(path).size());
-    return fingerprintOf(words, {});
-}
+protected:
+    void setupChildProcess() override { platform::endWithParent(); }
+};
 
 } // namespace
 
@@ -75,13 +85,20 @@ FlightRun::FlightRun(FlightJob job, FlightOptions options, const QString& outFol
     : m_job(std::move(job)), m_options(options), m_report(std::move(report)),
       m_folder(QDir(outFolder).absoluteFilePath(m_job.folder)),
       m_projectPath(m_folder.filePath(m_job.folder + QStringLiteral(".ecor"))),
+      m_lock(std::make_unique<platform::FileLock>(m_folder.filePath(lockName))),
       m_manifest(m_folder.path())
 {
 }
 
-QJsonObject FlightRun::lastResult(const QString& outFolder, const QString& folder)
+FlightRun::~FlightRun() = default;
+
+QJsonObject FlightRun::lastResult(const QString& outFolder, const FlightJob& job)
 {
-    QFile file(QDir(outFolder).filePath(folder + QLatin1Char('/') + resultName));
+    const QDir folder(QDir(outFolder).filePath(job.folder));
+    const bool isThere = QFileInfo::exists(job.videos.value(0));
+    if (isThere && FlightManifest(folder.path()).identity() != identityOf(job.videos))
+        return {};
+    QFile file(folder.filePath(resultName));
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return QJsonDocument::fromJson(file.readAll()).object();
@@ -104,15 +121,24 @@ void FlightRun::fail(const QString& stepName, const Failure& failure)
 
 FlightRun::Summary FlightRun::run()
 {
-    Status status = prepareFolder();
+    Status status = checkVideos();
+    if (status)
+        status = takeFolder();
     if (status)
         status = open();
     if (status)
         status = makeProject();
     if (!status) {
-        fail(QStringLiteral("open"), status.failure());
+        fail(openStep, status.failure());
         return finish();
     }
+    ++m_summary.doneSteps;
+    work();
+    return finish();
+}
+
+void FlightRun::work()
+{
     const QVariantList pois = m_flight.review().allPois();
     const QByteArray project = projectDigest();
     const QStringList inputs = m_job.files();
@@ -132,7 +158,6 @@ FlightRun::Summary FlightRun::run()
     if (m_options.writesVideo)
         step(QStringLiteral("video"), fingerprint(QStringLiteral("video 1")),
              [this] { return writeVideo(); });
-    return finish();
 }
 
 void FlightRun::step(const QString& name, const QByteArray& fingerprint, const Action& action)
@@ -143,8 +168,8 @@ void FlightRun::step(const QString& name, const QByteArray& fingerprint, const A
     }
     progress(name, 0, 0);
     QDir(workPath(QString())).removeRecursively();
-    if (!m_folder.mkpath(workFolder)) {
-        fail(name, notMade(workPath(QString())));
+    if (const Status made = makeFolder(workPath(QString())); !made) {
+        fail(name, made.failure());
         return;
     }
     const Result<QStringList> files = action();
@@ -159,63 +184,170 @@ void FlightRun::step(const QString& name, const QByteArray& fingerprint, const A
         ++m_summary.doneSteps;
 }
 
-Status FlightRun::prepareFolder()
+Status FlightRun::checkVideos() const
 {
-    if (!QDir().mkpath(m_folder.path()))
-        return notMade(m_folder.path());
-    const QByteArray identity = identityOf(m_job);
-    if (!m_manifest.identity().isEmpty() && m_manifest.identity() != identity)
+    for (const QString& video : m_job.videos)
+        if (!QFileInfo(video).isFile())
+            return Failure{Failure::Kind::notFound,
+                           QStringLiteral("The video %1 is not there.").arg(video)};
+    return {};
+}
+
+Status FlightRun::takeFolder()
+{
+    if (const Status made = makeFolder(m_folder.path()); !made)
+        return made;
+    if (!m_lock->take(platform::FileLock::Wait::no)) {
+        progress(QStringLiteral("waiting"), 0, 0);
+        m_lock->take(platform::FileLock::Wait::untilFree);
+    }
+    m_manifest = FlightManifest(m_folder.path());
+    const QByteArray identity = identityOf(m_job.videos);
+    m_ownsFolder = m_manifest.identity().isEmpty() || m_manifest.identity() == identity;
+    if (!m_ownsFolder)
         return Failure{Failure::Kind::notPossible,
                        QStringLiteral("%1 holds the results of another flight. Choose another "
                                       "output folder, or move that one away.")
                            .arg(m_folder.path())};
-    m_manifest.setIdentity(identity);
-    return {};
+    sweepLeftovers();
+    // A run that is killed must not leave the result of an earlier one.
+    QFile::remove(m_folder.filePath(resultName));
+    return m_manifest.identity().isEmpty() ? m_manifest.claimFor(identity) : Status();
+}
+
+// What a killed run left: nobody else works here.
+void FlightRun::sweepLeftovers()
+{
+    QDir(workPath(QString())).removeRecursively();
+    static const QRegularExpression unfinished(
+        QStringLiteral("^(manifest\\.json|result\\.json|points\\.csv|points\\.json)\\.[A-Za-z]{6}$"
+                       "|^\\..*\\.[0-9]+(\\..*)?\\.part$"));
+    const QFileInfoList entries =
+        m_folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo& entry : entries) {
+        if (!unfinished.match(entry.fileName()).hasMatch())
+            continue;
+        if (entry.isDir())
+            QDir(entry.filePath()).removeRecursively();
+        else
+            QFile::remove(entry.filePath());
+    }
+}
+
+// A copy needs no card; without copies the project leads to the place where the card is.
+QByteArray FlightRun::projectFingerprint() const
+{
+    QStringList words{QStringLiteral("project 1"),
+                      m_options.showsThermal ? QStringLiteral("thermal") : QString()};
+    if (!m_options.copiesMedia)
+        words << m_job.files();
+    return fingerprintOf(words, m_job.files());
+}
+
+QByteArray FlightRun::copiesFingerprint() const
+{
+    return fingerprintOf({QStringLiteral("copy 1")}, m_job.files());
+}
+
+bool FlightRun::needsCopies() const
+{
+    return m_options.copiesMedia && !m_manifest.isDone(copyStep, copiesFingerprint());
 }
 
 // A project that is there holds what somebody may have added since; only one that is still as this
-// program made it follows changed media.
+// program made it follows changed media and options.
 Status FlightRun::open()
 {
-    progress(QStringLiteral("open"), 0, 0);
-    const QByteArray media = fingerprintOf({QStringLiteral("project 1")}, m_job.files());
-    const bool isOurs = m_manifest.digest(QStringLiteral("project")) == projectDigest();
-    const bool isCurrent = m_manifest.isDone(QStringLiteral("project"), media);
+    progress(openStep, 0, 0);
+    const QByteArray made = m_manifest.digest(projectStep);
+    const bool isOurs = !made.isEmpty() && made == projectDigest();
+    const bool isCurrent = m_manifest.isDone(projectStep, projectFingerprint()) && !needsCopies();
     const bool opensProject = QFile::exists(m_projectPath) && (isCurrent || !isOurs);
     const Status status = opensProject ? m_flight.openProject(m_projectPath)
                                        : m_flight.openParts(m_job.videos, m_job.log);
-    if (status && m_flight.review().openProblem())
-        fail(QStringLiteral("log"), *m_flight.review().openProblem());
+    if (status)
+        noteLogProblem();
     return status;
+}
+
+void FlightRun::noteLogProblem()
+{
+    const std::optional<Failure>& problem = m_flight.review().openProblem();
+    if (!problem)
+        return;
+    // The sentence names the log of the card also where the copy of it has been read.
+    Failure failure = *problem;
+    for (const QString& copy : copies())
+        failure.sentence.replace(m_folder.filePath(copy), m_job.log);
+    fail(QStringLiteral("log"), failure);
+}
+
+QStringList FlightRun::copies() const
+{
+    const QString videos = m_job.folder + QStringLiteral("_video");
+    const QDir series(m_folder.filePath(videos));
+    QStringList files;
+    for (const QString& name : m_folder.entryList(QDir::Files))
+        if (name.startsWith(videos + QLatin1Char('.')) ||
+            name.startsWith(m_job.folder + QStringLiteral("_log.")))
+            files << name;
+    for (const QString& name : series.entryList(QDir::Files))
+        files << videos + QLatin1Char('/') + name;
+    return files;
+}
+
+void FlightRun::removeCopies()
+{
+    for (const QString& copy : copies())
+        QFile::remove(m_folder.filePath(copy));
+    QDir().rmdir(m_folder.filePath(m_job.folder + QStringLiteral("_video")));
 }
 
 Status FlightRun::makeProject()
 {
-    const QString name = QStringLiteral("project");
-    if (m_flight.review().projectPath().isEmpty()) {
+    const bool isNew = m_flight.review().projectPath().isEmpty();
+    if (isNew) {
         m_flight.player().setShowIR(m_options.showsThermal);
-        // Copies of a run that was killed before it saved its project.
-        const QString base = m_job.folder;
-        QDir(m_folder.filePath(base + QStringLiteral("_video"))).removeRecursively();
-        for (const QString& copy : m_folder.entryList(
-                 {base + QStringLiteral("_video.*"), base + QStringLiteral("_log.*")}, QDir::Files))
-            QFile::remove(m_folder.filePath(copy));
+        // Those of other media, or of a run that was killed before it saved its project.
+        removeCopies();
         // All at once, whether their pictures have been read by now or not.
         m_flight.review().pois()->setFromList(m_flight.review().allPois());
-        const bool isSaved = m_options.copiesMedia ? m_flight.review().saveAs(m_projectPath)
-                                                   : m_flight.review().save(m_projectPath);
-        if (!isSaved)
-            return m_flight.projectFiles().lastSave();
-        if (m_options.copiesMedia && m_flight.projectFiles().copyProblem())
-            fail(QStringLiteral("copy"), *m_flight.projectFiles().copyProblem());
     }
-    ++m_summary.doneSteps;
-    const QByteArray media = fingerprintOf({QStringLiteral("project 1")}, m_job.files());
-    const bool isKnown =
-        m_manifest.isDone(name, media) || m_manifest.digest(name) != projectDigest();
-    if (isKnown && m_manifest.hasStep(name))
+    Status status;
+    if (isNew || needsCopies())
+        status = saveProject();
+    const QStringList files{QFileInfo(m_projectPath).fileName()};
+    if (status && isNew)
+        status = m_manifest.setDone(projectStep, projectFingerprint(), files, projectDigest());
+    // One that was there before the manifest may be somebody's work, so it has no digest of ours.
+    else if (status && !m_manifest.hasStep(projectStep))
+        status = m_manifest.setDone(projectStep, projectFingerprint(), files);
+    if (!status && isNew) {
+        // Without its record it would count as somebody's from now on.
+        QFile::remove(m_projectPath);
+        removeCopies();
+    }
+    return status;
+}
+
+Status FlightRun::saveProject()
+{
+    if (!m_options.copiesMedia)
+        return m_flight.review().save(m_projectPath) ? Status()
+                                                     : m_flight.projectFiles().lastSave();
+    progress(copyStep, 0, 0);
+    if (!m_flight.review().saveAs(m_projectPath))
+        return m_flight.projectFiles().lastSave();
+    if (copies().size() < m_job.files().size()) {
+        // The project leads to the card then. No copy is begun that does not fit.
+        const Failure noRoom{Failure::Kind::noRoom,
+                             QStringLiteral("There is no room for copies of the video and the log "
+                                            "in %1.")
+                                 .arg(m_folder.path())};
+        fail(copyStep, m_flight.projectFiles().copyProblem().value_or(noRoom));
         return {};
-    return m_manifest.setDone(name, media, {QFileInfo(m_projectPath).fileName()}, projectDigest());
+    }
+    return m_manifest.setDone(copyStep, copiesFingerprint(), copies());
 }
 
 QByteArray FlightRun::projectDigest() const
@@ -229,8 +361,8 @@ QByteArray FlightRun::projectDigest() const
 Result<QStringList> FlightRun::writePictures(const QVariantList& pois)
 {
     const QString name = QStringLiteral("pictures");
-    if (!QDir().mkpath(workPath(pictureFolder)))
-        return notMade(workPath(pictureFolder));
+    if (const Status made = makeFolder(workPath(pictureFolder)); !made)
+        return made.failure();
     QStringList files;
     std::optional<Failure> firstFailure;
     int answered = 0;
@@ -251,13 +383,12 @@ Result<QStringList> FlightRun::writePictures(const QVariantList& pois)
             if (image.isNull())
                 failure = Failure{Failure::Kind::damaged,
                                   QStringLiteral("There is no picture at %1 ms.").arg(timeMs)};
-            else if (!savePictureFile(image, path))
-                failure = notMade(path);
+            else if (const Status saved = savePictureFile(image, path); !saved)
+                failure = saved.failure();
             post(&loop, [answer, failure] { answer(failure); });
         };
         if (!m_flight.player().getFrameAsync(QTime(0, 0).addMSecs(timeMs), save))
-            return Failure{Failure::Kind::notPossible,
-                           QStringLiteral("No video is open for the pictures.")};
+            save(QImage());
     }
     if (!pois.isEmpty())
         loop.exec();
@@ -265,8 +396,9 @@ Result<QStringList> FlightRun::writePictures(const QVariantList& pois)
         return *firstFailure;
     // The folder as one: a picture of an earlier run must not stay beside those of this one.
     QDir(m_folder.filePath(pictureFolder)).removeRecursively();
-    if (!QDir().rename(workPath(pictureFolder), m_folder.filePath(pictureFolder)))
-        return notMade(m_folder.filePath(pictureFolder));
+    if (const Status placed = putInPlace(workPath(pictureFolder), m_folder.filePath(pictureFolder));
+        !placed)
+        return placed.failure();
     return files;
 }
 
@@ -327,8 +459,9 @@ Result<QStringList> FlightRun::writeReport(const QVariantList& pois)
 Result<QStringList> FlightRun::printReport()
 {
     // A profile of its own: a word processor that runs already would take the work and end at once.
-    const QTemporaryDir profile;
-    QProcess process;
+    ReportFolder::sweep();
+    const ReportFolder profile;
+    WordProcessor process;
     process.start(wordProcessor(),
                   {QStringLiteral("-env:UserInstallation=file://") + profile.path(),
                    QStringLiteral("--headless"), QStringLiteral("--convert-to"),
@@ -373,7 +506,7 @@ Result<QStringList> FlightRun::writeVideo()
     if (!result)
         return result.failure();
     if (!isWritten)
-        return notMade(path);
+        return Failure{Failure::Kind::other, QStringLiteral("%1 was not written.").arg(path)};
     const Status placed = putInPlace(path, m_folder.filePath(videoName));
     if (!placed)
         return placed.failure();
@@ -382,16 +515,20 @@ Result<QStringList> FlightRun::writeVideo()
 
 FlightRun::Summary FlightRun::finish()
 {
-    QDir(workPath(QString())).removeRecursively();
-    const QJsonObject event = finishedEvent(m_job.folder, m_summary.failures, m_summary.doneSteps);
-    if (m_folder.exists()) {
-        const Status written =
-            replaceFile(m_folder.filePath(resultName), QJsonDocument(event).toJson());
-        if (!written)
-            fail(QStringLiteral("result"), written.failure());
-    }
+    if (m_ownsFolder)
+        writeResult();
     m_report(finishedEvent(m_job.folder, m_summary.failures, m_summary.doneSteps));
     return m_summary;
+}
+
+void FlightRun::writeResult()
+{
+    QDir(workPath(QString())).removeRecursively();
+    const QJsonObject event = finishedEvent(m_job.folder, m_summary.failures, m_summary.doneSteps);
+    const Status written =
+        replaceFile(m_folder.filePath(resultName), QJsonDocument(event).toJson());
+    if (!written)
+        fail(QStringLiteral("result"), written.failure());
 }
 
 } // namespace corv

@@ -12,8 +12,13 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 
 namespace corv {
+
+namespace platform {
+class FileLock;
+}
 
 /// What is wanted of each flight beside its project, points of interest, pictures and report.
 struct FlightOptions
@@ -29,7 +34,8 @@ struct FlightOptions
 ///
 /// A project that somebody has worked on since is never replaced: the run opens it and makes the
 /// pictures, tables and report of what it holds now. Results are written beside and renamed, so
-/// that a run that is killed leaves each of them as it was, or whole.
+/// that a run that is killed leaves each of them as it was, or whole. Of two runs of one flight,
+/// on whichever machines, the second waits for the first.
 ///
 /// Made for one run, on a thread that allows nested event loops.
 class FlightRun
@@ -44,13 +50,15 @@ public:
     };
 
     FlightRun(FlightJob job, FlightOptions options, const QString& outFolder, Report report);
+    ~FlightRun();
 
     /// Does the work. The last event that is reported is `finishedEvent`; it is kept in the
     /// flight's folder, too.
     Summary run();
 
-    /// The event that the last run of a flight ended with; empty if there is none.
-    static QJsonObject lastResult(const QString& outFolder, const QString& folder);
+    /// The event that the last run of this flight ended with; empty if it has not ended, or the
+    /// folder is that of another flight.
+    static QJsonObject lastResult(const QString& outFolder, const FlightJob& job);
 
 private:
     /// Gives the files that it made, relative to the flight's folder.
@@ -58,9 +66,19 @@ private:
 
     void step(const QString& name, const QByteArray& fingerprint, const Action& action);
     void fail(const QString& stepName, const Failure& failure);
-    Status prepareFolder();
+    Status checkVideos() const;
+    Status takeFolder();
+    void sweepLeftovers();
+    void removeCopies();
+    QStringList copies() const;
+    QByteArray projectFingerprint() const;
+    QByteArray copiesFingerprint() const;
+    bool needsCopies() const;
+    void noteLogProblem();
+    void work();
     Status open();
     Status makeProject();
+    Status saveProject();
     Result<QStringList> writePictures(const QVariantList& pois);
     Result<QStringList> writeTables(const QVariantList& pois);
     Result<QStringList> writeReport(const QVariantList& pois);
@@ -68,6 +86,7 @@ private:
     Result<QStringList> writeVideo();
     QByteArray projectDigest() const;
     Summary finish();
+    void writeResult();
     void progress(const QString& stepName, qint64 done, qint64 total) const;
     QString workPath(const QString& name) const;
 
@@ -76,6 +95,8 @@ private:
     const Report m_report;
     const QDir m_folder;
     const QString m_projectPath;
+    std::unique_ptr<platform::FileLock> m_lock;
+    bool m_ownsFolder = false; ///< locked, and that of this flight
     FlightManifest m_manifest;
     OpenFlight m_flight;
     Summary m_summary;

@@ -36,6 +36,19 @@ QStringList filesByNumber(const FlightMatchData& first,
     return files.isEmpty() ? QStringList{firstPath} : files;
 }
 
+QStringList remarksOnUnusedLogs(const QList<QFileInfo>& logs, const QList<FlightJob>& jobs)
+{
+    QSet<QString> used;
+    for (const FlightJob& job : jobs)
+        used.insert(job.log);
+    QStringList remarks;
+    for (const QFileInfo& log : logs)
+        if (!used.contains(log.absoluteFilePath()))
+            remarks << QStringLiteral("The log %1 belongs to none of the videos that were found.")
+                           .arg(log.absoluteFilePath());
+    return remarks;
+}
+
 } // namespace
 
 QList<FlightJob> jobsOfMatches(const QList<FlightMatchData>& matches)
@@ -62,11 +75,11 @@ QList<FlightJob> jobsOfMatches(const QList<FlightMatchData>& matches)
             taken.insert(file);
         jobs << job;
     }
-    nameFolders(&jobs);
     return jobs;
 }
 
-FlightList listFlights(const QStringList& locations, const std::atomic<bool>& abortFlag)
+FlightList listFlights(const QStringList& locations, const QString& outFolder,
+                       const std::atomic<bool>& abortFlag)
 {
     FlightList list;
     QList<QFileInfo> videos;
@@ -80,6 +93,8 @@ FlightList listFlights(const QStringList& locations, const std::atomic<bool>& ab
     }
     FlightFilesMatcher matcher(&abortFlag);
     list.jobs = jobsOfMatches(matcher.matchFlightFiles(videos, logs, false, nullptr));
+    nameFolders(&list.jobs, outFolder);
+    list.remarks << remarksOnUnusedLogs(logs, list.jobs);
     return list;
 }
 

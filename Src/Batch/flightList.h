@@ -18,11 +18,13 @@ struct FlightList
 };
 
 /// Finds and pairs the flights of all locations together, as the importer's full search does: a log
-/// may lie on another card than its video. Each location is a card or a folder. Blocks; may run on
-/// any thread. Empty after an abort.
-FlightList listFlights(const QStringList& locations, const std::atomic<bool>& abortFlag);
+/// may lie on another card than its video. Each location is a card or a folder. The folders are
+/// named with regard to what is in `outFolder` by now (`nameFolders`). Blocks; may run on any
+/// thread. Empty after an abort.
+FlightList listFlights(const QStringList& locations, const QString& outFolder,
+                       const std::atomic<bool>& abortFlag);
 
-/// One job a flight: the videos that are parts of one flight become one job, and each is named.
+/// One job a flight: the videos that are parts of one flight become one job. Not named yet.
 QList<FlightJob> jobsOfMatches(const QList<FlightMatchData>& matches);
 
 } // namespace corv

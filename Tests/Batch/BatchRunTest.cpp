@@ -41,9 +41,8 @@ private:
         const QString path = m_folder.filePath("worker.sh");
         QFile file(path);
         if (file.open(QIODevice::WriteOnly))
-            file.write(
-                "#!/bin/sh\nflight=$(sed -n 's/.*\"folder\": \"\\(.*\\)\",/\\1/p' \"$1\")\n" +
-                body);
+            file.write("#!/bin/sh\nflight=$(sed -n 's/.*\"folder\": \"\\(.*\\)\",/\\1/p')\n" +
+                       body);
         return {"/bin/sh", {path}};
     }
 

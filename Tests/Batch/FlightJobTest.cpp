@@ -1,6 +1,9 @@
 #include "Batch/FlightJob.h"
+#include "Batch/FlightManifest.h"
 
+#include <QDir>
 #include <QJsonDocument>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace corv;
@@ -52,6 +55,14 @@ private slots:
                                                      << "Site 3";
         QTest::newRow("letters of any language")
             << QStringLiteral("Zürich 東京") << QStringLiteral("Zürich 東京");
+        QTest::newRow("empty") << ""
+                               << "";
+        QTest::newRow("blanks alone") << " \t "
+                                      << "_";
+        QTest::newRow("slashes alone") << "//"
+                                       << "__";
+        QTest::newRow("steers a terminal")
+            << QStringLiteral("a\x1b[2Jb\u009bc") << QStringLiteral("a_[2Jb_c");
         QTest::newRow("long") << QString(200, 'x') << QString(60, 'x');
         QTest::newRow("long, cut in a pair")
             << QString(59, 'x') + QStringLiteral("\U0001F681y") << QString(59, 'x');
@@ -103,6 +114,46 @@ private slots:
         QCOMPARE(jobs[1].folder, QStringLiteral("2026-11-21_Roof_North_1"));
         QCOMPARE(jobs[2].folder, QStringLiteral("2026-11-21_ROOF_north_1_2"));
         QCOMPARE(jobs[0].folder, QStringLiteral("2026-11-21_Roof_North_1_3"));
+    }
+
+    void flightKeepsTheFolderThatItHas()
+    {
+        const QTemporaryDir out;
+        const QString base = "2026-11-21_Roof_North_1";
+        const auto claim = [&out](const QString& folder, const QStringList& videos) {
+            QVERIFY(QDir(out.path()).mkpath(folder));
+            QVERIFY(FlightManifest(out.filePath(folder)).claimFor(identityOf(videos)).ok());
+        };
+        claim(base, {"/monday/B.MOV"});
+        claim(base + "_2", {"/monday/A.MOV"});
+        claim("2026-11-21_D", {"/monday/D.MOV"});
+        // Another card, in another place, with two flights of that name that are not known yet;
+        // of one the name was not known before.
+        QList<FlightJob> jobs;
+        for (const char* video : {"/x/A.MOV", "/x/B.MOV", "/x/C.MOV", "/x/D.MOV", "/x/E.MOV"})
+            jobs << jobOf(video, "Roof", "North", 1);
+        nameFolders(&jobs, out.path());
+        QStringList folders;
+        for (const FlightJob& job : qAsConst(jobs))
+            folders << job.folder;
+        QCOMPARE(folders,
+                 QStringList({base + "_2", base, base + "_3", "2026-11-21_D", base + "_4"}));
+    }
+
+    void copiesOfOneVideoKeepTheirFolders()
+    {
+        const QTemporaryDir out;
+        QList<FlightJob> jobs{jobOf("/a/A.MOV", "Roof", "North", 1),
+                              jobOf("/b/A.MOV", "Roof", "North", 1)};
+        nameFolders(&jobs, out.path());
+        for (const FlightJob& job : qAsConst(jobs)) {
+            QVERIFY(QDir(out.path()).mkpath(job.folder));
+            QVERIFY(FlightManifest(out.filePath(job.folder)).claimFor(identityOf(job.videos)).ok());
+        }
+        QList<FlightJob> again = jobs;
+        nameFolders(&again, out.path());
+        QCOMPARE(again[0].folder, jobs[0].folder);
+        QCOMPARE(again[1].folder, jobs[1].folder);
     }
 
     void jobComesBackFromItsText()

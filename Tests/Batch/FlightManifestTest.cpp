@@ -80,8 +80,7 @@ private slots:
         const QTemporaryDir folder;
         FlightManifest manifest(folder.path());
         QVERIFY(manifest.identity().isEmpty());
-        manifest.setIdentity("flight");
-        QVERIFY(manifest.setDone("project", "f", {}).ok());
+        QVERIFY(manifest.claimFor("flight").ok());
         QCOMPARE(FlightManifest(folder.path()).identity(), QByteArray("flight"));
     }
 
@@ -97,6 +96,11 @@ private slots:
         QVERIFY(fingerprintOf({"b"}, {path}) != there);
         write(path, "12345");
         QVERIFY(fingerprintOf({"a"}, {path}) != there);
+        // The same card in another place.
+        const QTemporaryDir other;
+        QVERIFY(QFile::rename(path, other.filePath("video.mov")));
+        QVERIFY(fingerprintOf({"a"}, {path}) == missing);
+        QVERIFY(fingerprintOf({"a"}, {other.filePath("video.mov")}) != missing);
         QVERIFY(fingerprintOf({"a", "b"}, {}) != fingerprintOf({"ab"}, {}));
     }
 };

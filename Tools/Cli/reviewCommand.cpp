@@ -4,6 +4,7 @@
 #include "Batch/flightList.h"
 #include "Cli/Command.h"
 #include "Cli/ReviewProgress.h"
+#include "Log/printable.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -93,11 +94,12 @@ ExitStatus listJobs(const FlightList& list, bool json)
         if (json)
             text += QJsonDocument(job.toJson()).toJson(QJsonDocument::Compact);
         else
-            text +=
-                QStringLiteral("%1\t%2\t%3")
-                    .arg(job.folder, QFileInfo(job.videos.first()).fileName(),
-                         job.log.isEmpty() ? QStringLiteral("-") : QFileInfo(job.log).fileName())
-                    .toUtf8();
+            text += QStringList{printable(job.folder),
+                                printable(QFileInfo(job.videos.first()).fileName()),
+                                job.log.isEmpty() ? QStringLiteral("-")
+                                                  : printable(QFileInfo(job.log).fileName())}
+                        .join(QLatin1Char('\t'))
+                        .toUtf8();
         text += '\n';
     }
     return writeOut(text);
@@ -122,13 +124,13 @@ ExitStatus gather(const QCommandLineParser& line)
     ReviewProgress progress(jobs.size());
     int counts[3] = {0, 0, 0}; // failed, partial, done
     for (const FlightJob& job : qAsConst(jobs)) {
-        QJsonObject event = FlightRun::lastResult(line.value(outOption), job.folder);
+        QJsonObject event = FlightRun::lastResult(line.value(outOption), job);
         if (event.isEmpty())
             event = finishedEvent(job.folder,
                                   {{QStringLiteral("start"),
                                     {Failure::Kind::other,
                                      QStringLiteral("No machine has worked on this flight, or its "
-                                                    "work was ended before anything was done.")}}});
+                                                    "work was ended before it was done.")}}});
         progress.show(event);
         const QString status = event.value(QLatin1String("status")).toString();
         ++counts[status == QLatin1String("done") ? 2 : status == QLatin1String("partial") ? 1 : 0];
@@ -142,7 +144,7 @@ ExitStatus runAll(const QCommandLineParser& line, const FlightList& list, int at
     const BatchRun::Command command{
         program,
         QStringList{QStringLiteral("review"), QStringLiteral("--out"), line.value(outOption)} +
-            wordsOf(line) + QStringList{QStringLiteral("--job")}};
+            wordsOf(line) + QStringList{QStringLiteral("--job"), QStringLiteral("-")}};
     BatchRun run(command, list.jobs, atOnce);
     ReviewProgress progress(list.jobs.size());
     QObject::connect(&run, &BatchRun::reported,
@@ -175,9 +177,9 @@ ExitStatus review(const QCommandLineParser& line)
             return fail(QStringLiteral("%1: no folder that can be read").arg(location));
     }
     const std::atomic<bool> abortFlag{false};
-    const FlightList list = listFlights(locations, abortFlag);
+    const FlightList list = listFlights(locations, line.value(outOption), abortFlag);
     for (const QString& remark : list.remarks)
-        std::fprintf(stderr, "vistrel-cli: %s\n", remark.toLocal8Bit().constData());
+        fail(remark);
     if (line.isSet(listOption))
         return listJobs(list, line.isSet(jsonOption));
     if (list.jobs.isEmpty())

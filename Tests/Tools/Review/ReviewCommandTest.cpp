@@ -12,6 +12,7 @@
 #include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
@@ -85,7 +86,13 @@ private slots:
     void badFlightStopsNoOther();
     void killedRunGoesOn();
     void jobsGiveTheSameAsOneRun();
-    void fullFolderOfAnotherFlightIsLeftAlone();
+    void folderOfAnotherFlightIsLeftAlone();
+    void changedOptionsAreFollowed();
+    void copiesAreMadeForTheProjectOfThePilot();
+    void projectWithoutManifestIsKept();
+    void twoAtOnceDoNotDisturbEachOther();
+    void killedRunLeavesNoEarlierResult();
+    void missingVideoIsSaid();
     void refusals_data();
     void refusals();
 
@@ -248,17 +255,114 @@ void ReviewCommandTest::jobsGiveTheSameAsOneRun()
     QCOMPARE(resultsIn(flightFolder()).keys(), resultsIn(other.filePath(m_flightName)).keys());
 }
 
-void ReviewCommandTest::fullFolderOfAnotherFlightIsLeftAlone()
+void ReviewCommandTest::folderOfAnotherFlightIsLeftAlone()
 {
+    const ProgramRun list = run({"--list", "--json", "--out", out(), m_card.path()});
+    write(out("jobs.jsonl"), list.out);
     QVERIFY(QDir().mkpath(flightFolder()));
     const QByteArray manifest = "{\"version\":1,\"identity\":\"another\",\"steps\":{}}";
     write(flightFolder() + "/manifest.json", manifest);
-    const ProgramRun review = run({"--out", out(), m_card.path()});
-    QCOMPARE(review.status, 1);
-    const QJsonArray failures = linesOf(review.out).last()["failures"].toArray();
+    write(flightFolder() + "/result.json", "{\"status\":\"done\"}");
+
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    QVERIFY(QFile::exists(flightFolder() + "_2/report.docx"));
+    // A list from before that flight came.
+    const ProgramRun stale = run({"--job", out("jobs.jsonl"), "--out", out()});
+    QCOMPARE(stale.status, 1);
+    const QJsonArray failures = linesOf(stale.out).last()["failures"].toArray();
     QVERIFY(failures[0].toObject()["message"].toString().contains("another flight"));
+    QCOMPARE(run({"--gather", out("jobs.jsonl"), "--out", out()}).status, 1);
     QCOMPARE(contentsOf(flightFolder() + "/manifest.json"), manifest);
-    QVERIFY(!QFile::exists(flightFolder() + "/report.docx"));
+    QCOMPARE(contentsOf(flightFolder() + "/result.json"), QByteArray("{\"status\":\"done\"}"));
+    QCOMPARE(QDir(flightFolder()).entryList(QDir::Files | QDir::Hidden).size(), 2);
+}
+
+void ReviewCommandTest::changedOptionsAreFollowed()
+{
+    const QString project = flightFolder() + '/' + m_flightName + ".ecor";
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    const QByteArray plain = contentsOf(project);
+    const QByteArray picture = contentsOf(flightFolder() + "/pictures/POI001.jpg");
+    QCOMPARE(run({"--out", out(), "--thermal", "--copy", m_card.path()}).status, 0);
+    QVERIFY(contentsOf(project) != plain);
+    QVERIFY(contentsOf(flightFolder() + "/pictures/POI001.jpg") != picture);
+    QCOMPARE(QDir(flightFolder() + '/' + m_flightName + "_video").entryList(QDir::Files).size(), 2);
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    QCOMPARE(contentsOf(project), plain);
+    QCOMPARE(contentsOf(flightFolder() + "/pictures/POI001.jpg"), picture);
+    QVERIFY(!QFile::exists(flightFolder() + '/' + m_flightName + "_video"));
+}
+
+void ReviewCommandTest::copiesAreMadeForTheProjectOfThePilot()
+{
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    const QString project = flightFolder() + '/' + m_flightName + ".ecor";
+    QByteArray text = contentsOf(project);
+    write(project, text.replace("\"name\": \"POI 1\"", "\"name\": \"Hot cell\""));
+    QCOMPARE(run({"--out", out(), "--copy", m_card.path()}).status, 0);
+    QVERIFY(contentsOf(project).contains("Hot cell"));
+    const QString copy = flightFolder() + '/' + m_flightName + "_video/CORV0001.MOV";
+    QVERIFY(QFile::exists(copy));
+    // One that was lost comes back, and the project is still the pilot's.
+    QVERIFY(QFile::remove(copy));
+    const ProgramRun again = run({"--out", out(), "--copy", m_card.path()});
+    QVERIFY(again.status == 0 || again.status == 1);
+    QVERIFY(contentsOf(project).contains("Hot cell"));
+}
+
+// A project is replaced only where the manifest says that the program made it.
+void ReviewCommandTest::projectWithoutManifestIsKept()
+{
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    const QString project = flightFolder() + '/' + m_flightName + ".ecor";
+    QByteArray text = contentsOf(project);
+    write(project, text.replace("\"name\": \"POI 1\"", "\"name\": \"Hot cell\""));
+    QVERIFY(QFile::remove(flightFolder() + "/manifest.json"));
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    QCOMPARE(run({"--out", out(), "--thermal", m_card.path()}).status, 0);
+    QCOMPARE(contentsOf(project), text);
+}
+
+void ReviewCommandTest::twoAtOnceDoNotDisturbEachOther()
+{
+    QProcess first;
+    first.setProcessEnvironment(withoutWordProcessor());
+    first.start(VISTREL_CLI, {"review", "--out", out(), "--video", m_card.path()});
+    QVERIFY(first.waitForReadyRead(60000));
+    const ProgramRun second = run({"--out", out(), "--video", m_card.path()});
+    QVERIFY(first.waitForFinished(60000));
+    QCOMPARE(first.exitCode(), 0);
+    QCOMPARE(second.status, 0);
+    QVERIFY(second.out.contains("\"waiting\""));
+    QVERIFY(!second.out.contains("\"report\"")); // which the first has made
+    QCOMPARE(resultsIn(out()).keys().filter(QRegularExpression("/\\.")), QStringList());
+}
+
+void ReviewCommandTest::killedRunLeavesNoEarlierResult()
+{
+    const ProgramRun list = run({"--list", "--json", "--out", out(), m_card.path()});
+    write(out("jobs.jsonl"), list.out);
+    QCOMPARE(run({"--job", out("jobs.jsonl"), "--out", out()}).status, 0);
+    QCOMPARE(run({"--gather", out("jobs.jsonl"), "--out", out()}).status, 0);
+    QProcess process;
+    process.setProcessEnvironment(withoutWordProcessor());
+    process.start(VISTREL_CLI, {"review", "--video", "--out", out(), "--job", out("jobs.jsonl")});
+    while (!process.readAllStandardOutput().contains("\"video\""))
+        QVERIFY(process.waitForReadyRead(60000));
+    process.kill();
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(run({"--gather", out("jobs.jsonl"), "--out", out()}).status, 1);
+}
+
+void ReviewCommandTest::missingVideoIsSaid()
+{
+    const ProgramRun list = run({"--list", "--json", "--out", out(), m_card.path()});
+    write(out("jobs.jsonl"), QByteArray(list.out).replace(".MOV", ".MOW"));
+    const ProgramRun review = run({"--job", out("jobs.jsonl"), "--out", out()});
+    QCOMPARE(review.status, 1);
+    const QJsonObject failure = linesOf(review.out).last()["failures"].toArray()[0].toObject();
+    QCOMPARE(failure["kind"].toString(), QStringLiteral("notFound"));
+    QVERIFY(failure["message"].toString().contains("CORV0001.MOW is not there"));
 }
 
 void ReviewCommandTest::refusals_data()
