@@ -12,7 +12,7 @@ set(VISTREL_PICTURES
     slider_pointer_down slider_pointer_up
     icon_horizontal_pos icon_vertical_pos icon_time_offset icon_contrast icon_brightness
     button_icon_reset_defaults button_edit_field
-    vistitle splash_logo cam_pitch)
+    vistitle vistitle_light splash_logo splash_logo_light cam_pitch)
 # The sizes that a desktop asks of a window's icon.
 set(VISTREL_ICON_SIZES 16 24 32 48 64 128 256)
 

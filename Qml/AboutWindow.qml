@@ -4,7 +4,6 @@ import QtQuick.Controls.Styles 1.4
 import QtQuick.Window 2.2
 import corv.AppInfo 1.0
 import "."
-import "constants.js" as Cst
 import "licenses.js" as Licenses
 
 Window {
@@ -34,7 +33,7 @@ Window {
             objectName: "splashLogo"
             anchors.fill: parent
             anchors.margins: 12
-            source: "images/splash_logo.png"
+            source: Theme.light ? "images/splash_logo_light.png" : "images/splash_logo.png"
             fillMode: Image.PreserveAspectFit
             Accessible.role: Accessible.Graphic
             Accessible.name: "Vistrel"
@@ -89,14 +88,14 @@ Window {
             background: Rectangle {
                 implicitWidth: 80
                 implicitHeight: 25
-                color: control.pressed ? Cst.pressedColor
-                                       : control.hovered || control.activeFocus ? Cst.btnColorHover
-                                                                                : Cst.btnColor
+                color: control.pressed ? Theme.buttonPressed
+                                       : control.hovered || control.activeFocus ? Theme.buttonHovered
+                                                                                : Theme.button
             }
             label: Text {
                 horizontalAlignment: Text.AlignHCenter
                 verticalAlignment: Text.AlignVCenter
-                color: control.pressed ? Cst.btnTextPressedColor : Cst.btnTextColor
+                color: control.pressed ? Theme.buttonTextPressed : Theme.buttonText
                 text: control.text
             }
         }

@@ -1,13 +1,11 @@
 import QtQuick 2.7
 import "."
 import QtQuick.Controls 1.4
-import QtQuick.Controls.Styles 1.4
 import QtQuick.Dialogs 1.2
 import QtQuick.Layouts 1.1
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 import DirectoryParser 1.0
-import "constants.js" as Cst
 import "importerRows.js" as Rows
 import "paths.js" as Paths
 
@@ -44,6 +42,9 @@ Window {
     // A search that waits for the end of an aborted one.
     property bool searchWaits: false
 
+    // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
+    readonly property int hiddenHeight: Math.max(0, y + height - Screen.virtualY - Screen.height)
+
     // In place of a drive's path: the row of a chosen folder.
     readonly property string folderMarker: "DIR"
 
@@ -53,7 +54,7 @@ Window {
     minimumWidth: 840
     minimumHeight: 620
     modality: Qt.WindowModal
-    color: Cst.bgndColor
+    color: Theme.dialog
     // By whatever way it closes, no search goes on behind it.
     onClosing: {
         if (isBusy)
@@ -429,7 +430,7 @@ Window {
             id: chooserContainer
             anchors { left: parent.left; right: parent.right; top: parent.top }
             height: 156
-            color: Cst.headerColor
+            color: Theme.dialogBand
 
             Text {
                 id: chooserTitle
@@ -525,7 +526,7 @@ Window {
             onClicked: autoImporter.parseChosenDirs()
         }
 
-        CheckBox {
+        CorvCheckBox {
             id: checkBoxFastSearch
             objectName: "checkBoxFastSearch"
             anchors {
@@ -533,12 +534,6 @@ Window {
                 verticalCenter: parseButton.verticalCenter
             }
             text: "Fast search (ignores metadata)"
-            style: CheckBoxStyle {
-                label: Text {
-                    text: control.text
-                    color: Theme.text
-                }
-            }
         }
 
         ImporterTable {
@@ -580,7 +575,7 @@ Window {
             objectName: "okButton"
             anchors {
                 right: parent.right; rightMargin: 20
-                bottom: parent.bottom; bottomMargin: 16
+                bottom: parent.bottom; bottomMargin: 16 + autoImporter.hiddenHeight
             }
             width: 130
             height: 30

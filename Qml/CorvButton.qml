@@ -1,5 +1,5 @@
 import QtQuick 2.7
-import "constants.js" as Cst
+import "."
 
 CorvButtonBase {
     id: corvButton
@@ -7,9 +7,9 @@ CorvButtonBase {
     property alias text: label.text
 
     name: text
-    color: pressed ? Cst.pressedColor : hovered ? Cst.btnColorHover : Cst.btnColor
+    color: pressed ? Theme.buttonPressed : hovered ? Theme.buttonHovered : Theme.button
     border.width: 1
-    border.color: pressed ? Cst.pressedColor : hovered ? Cst.btnColorHover : Cst.btnColor
+    border.color: pressed ? Theme.buttonPressed : hovered ? Theme.buttonHovered : Theme.button
     opacity: enabled ? 1 : 0.5
 
     Behavior on color { ColorAnimation { duration: 100 } }
@@ -18,6 +18,6 @@ CorvButtonBase {
     Text {
         id: label
         anchors.centerIn: parent
-        color: corvButton.pressed ? Cst.btnTextPressedColor : Cst.btnTextColor
+        color: corvButton.pressed ? Theme.buttonTextPressed : Theme.buttonText
     }
 }

@@ -13,6 +13,8 @@ Rectangle {
     implicitHeight: 25
     color: readOnly ? Theme.fieldReadOnly
                     : !enabled ? Theme.fieldDisabled : hovered ? Theme.fieldHovered : Theme.field
+    border.width: readOnly || Theme.light ? 1 : 0
+    border.color: Theme.fieldBorder
 
     Behavior on color { ColorAnimation { duration: 100 } }
 }

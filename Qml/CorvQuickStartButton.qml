@@ -1,6 +1,5 @@
 import QtQuick 2.7
 import "."
-import "constants.js" as Cst
 
 CorvButtonBase {
     id: corvQuickStartButton
@@ -8,9 +7,9 @@ CorvButtonBase {
     property alias text: label.text
 
     name: text
-    color: pressed ? Cst.pressedColor : hovered ? Cst.btnColorHover : Theme.clear
+    color: pressed ? Theme.buttonPressed : hovered ? Theme.buttonHovered : Theme.clear
     border.width: 1
-    border.color: pressed ? Cst.pressedColor : Cst.btnColorHover
+    border.color: pressed ? Theme.buttonPressed : Theme.buttonLine
 
     Behavior on color { ColorAnimation { duration: 75 } }
     Behavior on border.color { ColorAnimation { duration: 75 } }
@@ -26,9 +25,13 @@ CorvButtonBase {
     Text {
         id: label
         anchors.centerIn: parent
+        width: Math.min(implicitWidth, parent.width - 12)
+        elide: Text.ElideRight
+        horizontalAlignment: Text.AlignHCenter
+        textFormat: Text.PlainText
         color: corvQuickStartButton.pressed
-               ? Cst.btnTextPressedColor
-               : corvQuickStartButton.hovered ? Cst.btnTextColor : Cst.btnColorHover
+               ? Theme.buttonTextPressed
+               : corvQuickStartButton.hovered ? Theme.buttonText : Theme.buttonLine
         Behavior on color { ColorAnimation { duration: 75 } }
     }
 }

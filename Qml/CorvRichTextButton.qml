@@ -1,5 +1,5 @@
 import QtQuick 2.7
-import "constants.js" as Cst
+import "."
 
 // The button of the dialogs that are also answered by keys: those call pressButton().
 CorvButtonBase {
@@ -14,7 +14,7 @@ CorvButtonBase {
     name: caption
     width: label.contentWidth + 14
     height: 25
-    color: hovered ? Cst.btnColorHover : Cst.btnColor
+    color: hovered ? Theme.buttonHovered : Theme.button
 
     Behavior on color { ColorAnimation { duration: 100 } }
 

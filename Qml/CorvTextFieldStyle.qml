@@ -5,7 +5,7 @@ import "."
 // A text field in black on grey, a shade lighter where the text goes.
 TextFieldStyle {
     textColor: Theme.fieldText
-    placeholderTextColor: Theme.plate
+    placeholderTextColor: Theme.fieldPlaceholder
     selectionColor: Theme.fieldSelection
     selectedTextColor: Theme.fieldSelectedText
     background: Rectangle {

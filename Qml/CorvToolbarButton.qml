@@ -1,6 +1,5 @@
 import QtQuick 2.7
 import "."
-import "constants.js" as Cst
 
 CorvButtonBase {
     id: corvToolbarButton
@@ -9,11 +8,11 @@ CorvButtonBase {
 
     width: 25
     height: 25
-    color: enabled && hovered ? Cst.btnColorTbHover : Theme.clear
+    color: enabled && hovered ? Theme.toolHovered : Theme.clear
 
     TintedIcon {
         id: icon
         anchors.centerIn: parent
-        color: corvToolbarButton.enabled ? Cst.btnTextPressedColor : Cst.disabledCheckedBtnFg
+        color: corvToolbarButton.enabled ? Theme.toolIcon : Theme.toolIconDisabled
     }
 }

@@ -1,6 +1,5 @@
 import QtQuick 2.7
 import "."
-import "constants.js" as Cst
 
 CorvButtonBase {
     id: corvToolbarTextButton
@@ -11,10 +10,10 @@ CorvButtonBase {
     name: text
     width: 100
     height: 25
-    color: enabled && hovered ? Cst.btnColorTbHover : Theme.clear
+    color: enabled && hovered ? Theme.toolHovered : Theme.clear
 
     IconAndLabel {
         id: face
-        color: corvToolbarTextButton.enabled ? Cst.btnTextPressedColor : Cst.disabledCheckedBtnFg
+        color: corvToolbarTextButton.enabled ? Theme.toolIcon : Theme.toolIconDisabled
     }
 }

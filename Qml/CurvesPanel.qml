@@ -34,6 +34,7 @@ Rectangle {
     LogCurves {
         id: logCurves
         objectName: "logCurves"
+        light: Theme.light
         anchors.fill: parent
         Accessible.role: Accessible.Graphic
         Accessible.name: curves.length === 0 ? "Curves of the log, none chosen"
@@ -139,8 +140,9 @@ Rectangle {
                     height: 10
                     border.width: 1
                     border.color: Theme.textDim
-                    color: row.isShown && logCurves.curves ? logCurves.colourOf(row.name)
-                                                           : Theme.clear
+                    // Anew where the curves or their colours change.
+                    color: row.isShown && logCurves.curves && [logCurves.light]
+                           ? logCurves.colourOf(row.name) : Theme.clear
                 }
 
                 Text {

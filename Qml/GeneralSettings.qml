@@ -4,6 +4,7 @@ import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
+import corv.Appearance 1.0
 import "."
 
 Window {
@@ -21,6 +22,8 @@ Window {
         radioThermalOfFile.checked = !settings.thermalAsOnScreen;
         radioThermalOnScreen.checked = settings.thermalAsOnScreen;
         finishJobsBox.checked = settings.finishJobsFirst;
+        radioLookDark.checked = !Appearance.light;
+        radioLookLight.checked = Appearance.light;
     }
 
     // A number with leading "0" up to a length.
@@ -64,10 +67,11 @@ Window {
 
     ExclusiveGroup { id: unitTypeGroup }
     ExclusiveGroup { id: thermalPictureGroup }
+    ExclusiveGroup { id: lookGroup }
 
     Column {
         anchors { left: parent.left; right: parent.right; top: parent.top; margins: 14 }
-        spacing: 10
+        spacing: 8
 
         Text {
             text: "Unit system"
@@ -127,6 +131,31 @@ Window {
             }
         }
 
+        Text {
+            text: "Appearance"
+            color: Theme.text
+            font.bold: true
+        }
+
+        Row {
+            spacing: 24
+
+            CorvRadioButton {
+                id: radioLookDark
+                objectName: "radioLookDark"
+                text: "Dark"
+                checked: true
+                exclusiveGroup: lookGroup
+            }
+
+            CorvRadioButton {
+                id: radioLookLight
+                objectName: "radioLookLight"
+                text: "Light, for bright sun"
+                exclusiveGroup: lookGroup
+            }
+        }
+
         CorvCheckBox {
             id: finishJobsBox
             objectName: "finishJobsBox"
@@ -157,6 +186,7 @@ Window {
             generalSettings.thermalAsOnScreen = settings.thermalAsOnScreen;
             settings.finishJobsFirst = finishJobsBox.checked;
             generalSettings.finishJobsFirst = settings.finishJobsFirst;
+            Appearance.light = radioLookLight.checked;
             generalSettings.ok = true;
             generalSettings.close();
         }

@@ -1,6 +1,5 @@
 import QtQuick 2.7
 import "."
-import "constants.js" as Cst
 
 // The mark of a row: its colour says whether there is a log, the shape on it what that rests on. A
 // check for time and length, a double arrow for length, a triangle for time alone or for a doubt, a
@@ -28,8 +27,8 @@ Item {
         objectName: "mark"
         anchors.fill: parent
         radius: width / 2
-        color: importerMark.matchFound ? Cst.accentColor : Theme.textMissingMark
-        border { width: 1; color: Theme.window }
+        color: importerMark.matchFound ? Theme.mark : Theme.textMissingMark
+        border { width: 1; color: Theme.markEdge }
     }
 
     Canvas {
@@ -50,7 +49,7 @@ Item {
             context.lineTo(width * 0.08, height * 0.82);
             context.closePath();
             context.fill();
-            context.strokeStyle = Theme.window;
+            context.strokeStyle = Theme.markEdge;
             context.lineWidth = 1;
             context.stroke();
             context.lineWidth = width * 0.1;

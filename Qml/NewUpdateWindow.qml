@@ -31,7 +31,7 @@ Window {
             objectName: "image1"
             anchors.fill: parent
             anchors.margins: 12
-            source: "images/splash_logo.png"
+            source: Theme.light ? "images/splash_logo_light.png" : "images/splash_logo.png"
             fillMode: Image.PreserveAspectFit
             Accessible.role: Accessible.Graphic
             Accessible.name: "Vistrel"

@@ -1,52 +1,64 @@
 pragma Singleton
 import QtQuick 2.7
+import corv.Appearance 1.0
 import "constants.js" as Cst
 
-// Every colour of the windows, by its role. Those of the buttons are in constants.js.
+// Every colour of the windows, by its role: dark, or light for bright sun. The picture with what lies
+// on it, the flight data and the timeline look the same in both.
 QtObject {
-    // Surfaces.
-    readonly property color window: "#222222"
-    readonly property color videoGround: "#1a1a1a"
-    readonly property color timelineGround: "#2b2b2b"
-    readonly property color curvesGround: "#1c1c1c"
-    readonly property color strip: "#333333"
-    readonly property color panel: "#444444"
-    readonly property color flightPanel: "#777777"
-    readonly property color dialog: Cst.bgndColor
-    readonly property color dialogBand: Cst.headerColor
-    readonly property color dialogHead: "#222222"
-    readonly property color editDialog: "#494949"
-    // Behind a stated text that would be too faint on its surface.
-    readonly property color plate: "#1f1f1f"
-    readonly property color flightPlate: "#444444"
-    readonly property color updateBand: "#848484"
-    readonly property color tab: "#2a2a2a"
-    readonly property color tabHovered: "#3a3a3a"
-    readonly property color tabSelected: panel
-    readonly property color menu: "#3a3a3a"
-    readonly property color menuBorder: "#777777"
-    readonly property color menuTitleOpen: "#555555"
-    readonly property color menuSelected: "#2c7440"
-    readonly property color menuSeparator: "#666666"
+    readonly property bool light: Appearance.light
 
+    // Surfaces.
+    readonly property color window: light ? "#e4e4e4" : "#222222"
+    // Behind the quick start panel, and around a picture.
+    readonly property color startGround: light ? "#f2f2f2" : "#1a1a1a"
+    readonly property color videoGround: "#1a1a1a"
+    // What lies on a picture.
+    readonly property color overlay: "#1f1f1f"
+    readonly property color overlayBorder: "#777777"
+    readonly property color overlayText: "#ffffff"
+    readonly property color timelineGround: light ? "#d2d2d2" : "#2b2b2b"
+    readonly property color curvesGround: light ? "#ffffff" : "#1c1c1c"
+    readonly property color strip: light ? "#d6d6d6" : "#333333"
+    readonly property color panel: light ? "#ececec" : "#444444"
+    readonly property color flightPanel: "#777777"
+    readonly property color dialog: light ? "#e9e9e9" : Cst.bgndColor
+    readonly property color dialogBand: light ? "#dcdcdc" : Cst.headerColor
+    readonly property color dialogHead: light ? "#cfcfcf" : "#222222"
+    readonly property color editDialog: light ? "#e9e9e9" : "#494949"
+    // Behind a text that would be too faint on its surface.
+    readonly property color plate: light ? "#ffffff" : "#1f1f1f"
+    readonly property color flightPlate: light ? "#ececec" : "#444444"
+    readonly property color updateBand: light ? "#c4c4c4" : "#848484"
+    readonly property color tab: light ? "#c9c9c9" : "#2a2a2a"
+    readonly property color tabHovered: light ? "#dadada" : "#3a3a3a"
+    readonly property color tabSelected: panel
+    readonly property color menu: light ? "#f6f6f6" : "#3a3a3a"
+    readonly property color menuBorder: light ? "#8a8a8a" : "#777777"
+    readonly property color menuTitleOpen: light ? "#bdbdbd" : "#555555"
+    readonly property color menuSelected: light ? "#b4dfc1" : "#2c7440"
+    readonly property color menuSeparator: light ? "#b4b4b4" : "#666666"
+
+    // Dark enough for the dash of a name that is missing.
+    readonly property color listGround: light ? "#ffffff" : "#000000"
     readonly property color listSelected: menuSelected
-    readonly property color listHovered: "#505050"
+    readonly property color listHovered: light ? "#dddddd" : "#505050"
 
     // Text and icons on those surfaces.
-    readonly property color text: "#ffffff"
-    readonly property color textSoft: "#dddddd"
-    readonly property color textBand: "#cccccc"
-    readonly property color textDim: "#aaaaaa"
-    readonly property color textLabel: "#a8a8a8"
-    readonly property color textDisabled: "#888888"
-    readonly property color textMissing: "#777777"
-    readonly property color textMissingMark: "#999999"
+    readonly property color text: light ? "#000000" : "#ffffff"
+    readonly property color textSoft: light ? "#222222" : "#dddddd"
+    readonly property color textBand: light ? "#222222" : "#cccccc"
+    readonly property color textDim: light ? "#3d3d3d" : "#aaaaaa"
+    readonly property color textLabel: light ? "#3f3f3f" : "#a8a8a8"
+    readonly property color textDisabled: light ? "#757575" : "#888888"
+    readonly property color textMissing: light ? "#3a3a3a" : "#777777"
+    readonly property color textMissingMark: light ? "#6e6e6e" : "#999999"
     readonly property color textOnLight: "#000000"
-    readonly property color menuText: "#eeeeee"
-    readonly property color menuShortcut: "#cccccc"
-    readonly property color welcomeTitle: "#949494"
-    readonly property color welcomeText: "#a4a4a4"
-    readonly property color namingMissing: "#cccccc"
+    readonly property color menuText: light ? "#000000" : "#eeeeee"
+    readonly property color menuShortcut: light ? "#333333" : "#cccccc"
+    readonly property color welcomeTitle: light ? "#444444" : "#949494"
+    readonly property color welcomeText: light ? "#3a3a3a" : "#a4a4a4"
+    readonly property color namingMissing: light ? "#333333" : "#cccccc"
 
     // What the pairing of a video with its log rests on.
     readonly property color evidenceCheck: "#0a2e12"
@@ -56,54 +68,73 @@ QtObject {
     readonly property color evidenceNone: "#444444"
 
     // Controls.
-    readonly property color transportPressed: Cst.btnColorTbChecked
-    readonly property color transportHovered: Cst.btnColorTbHover
-    readonly property color transportIcon: "#aaaaaa"
-    readonly property color groove: "#222222"
-    readonly property color stripe: "#111111"
-    readonly property color handle: "#999999"
-    readonly property color handleHovered: "#cccccc"
-    readonly property color handleDisabled: "#555555"
-    readonly property color rangePointer: "#cccccc"
-    readonly property color rangePointerHovered: "#ffffff"
-    readonly property color rangePointerDisabled: "#777777"
-    readonly property color setterIcon: "#ffffff"
-    readonly property color setterIconDisabled: "#aaaaaa"
-    readonly property color resetButton: "#444444"
-    readonly property color resetButtonHovered: "#333333"
-    readonly property color resetIcon: "#cccccc"
-    readonly property color resetIconDisabled: "#888888"
-    readonly property color field: "#aaaaaa"
-    readonly property color fieldHovered: "#cccccc"
-    readonly property color fieldReadOnly: "#3a3a3a"
-    readonly property color fieldDisabled: "#888888"
+    readonly property color button: light ? "#cbcbcb" : Cst.btnColor
+    readonly property color buttonHovered: light ? "#b2b2b2" : Cst.btnColorHover
+    readonly property color buttonPressed: light ? "#b30000" : Cst.pressedColor
+    readonly property color buttonText: Cst.btnTextColor
+    readonly property color buttonTextPressed: Cst.btnTextPressedColor
+    // The frame and the text of a button without a ground of its own.
+    readonly property color buttonLine: light ? "#3f3f3f" : Cst.btnColorHover
+    readonly property color buttonLineHovered: light ? "#b2b2b2" : Cst.btnColorHover
+    readonly property color toolHovered: light ? "#bdbdbd" : Cst.btnColorTbHover
+    readonly property color toolIcon: light ? "#111111" : Cst.btnTextPressedColor
+    readonly property color toolIconDisabled: light ? "#8a8a8a" : Cst.disabledCheckedBtnFg
+    readonly property color toolChecked: light ? "#ffffff" : Cst.btnColorTbChecked
+    readonly property color toolCheckedDisabled: light ? "#c9c9c9" : Cst.btnColorTbCheckedDisabled
+    readonly property color toolCheckedIcon: light ? "#0a6e2a" : Cst.checkedBtnFg
+    readonly property color transportPressed: toolChecked
+    readonly property color transportHovered: toolHovered
+    readonly property color transportIcon: light ? "#333333" : "#aaaaaa"
+    readonly property color groove: light ? "#8f8f8f" : "#222222"
+    readonly property color stripe: light ? "#b5b5b5" : "#111111"
+    readonly property color handle: light ? "#5a5a5a" : "#999999"
+    readonly property color handleHovered: light ? "#303030" : "#cccccc"
+    readonly property color handleDisabled: light ? "#b0b0b0" : "#555555"
+    readonly property color rangePointer: light ? "#333333" : "#cccccc"
+    readonly property color rangePointerHovered: light ? "#000000" : "#ffffff"
+    readonly property color rangePointerDisabled: light ? "#9a9a9a" : "#777777"
+    readonly property color setterIcon: light ? "#000000" : "#ffffff"
+    readonly property color setterIconDisabled: light ? "#808080" : "#aaaaaa"
+    readonly property color resetButton: light ? "#ececec" : "#444444"
+    readonly property color resetButtonHovered: light ? "#c6c6c6" : "#333333"
+    readonly property color resetIcon: light ? "#222222" : "#cccccc"
+    readonly property color resetIconDisabled: light ? "#8c8c8c" : "#888888"
+    readonly property color field: light ? "#ffffff" : "#aaaaaa"
+    readonly property color fieldHovered: light ? "#f4f9f5" : "#cccccc"
+    readonly property color fieldBorder: light ? "#6f6f6f" : "#999999"
+    readonly property color fieldReadOnly: light ? "#d0d0d0" : "#3a3a3a"
+    readonly property color fieldDisabled: light ? "#d0d0d0" : "#888888"
     readonly property color fieldText: "#000000"
-    readonly property color fieldTextDisabled: "#444444"
-    readonly property color editField: "#888888"
-    readonly property color editFieldFocused: Qt.lighter(editField, 1.15)
-    readonly property color editFieldBorder: "#666666"
-    readonly property color editFieldBorderFocused: "#cccccc"
-    readonly property color fieldSelection: "#333333"
+    readonly property color fieldTextDisabled: light ? "#6a6a6a" : "#444444"
+    readonly property color editField: light ? "#ffffff" : "#888888"
+    readonly property color editFieldFocused: light ? "#ffffff" : Qt.lighter(editField, 1.15)
+    readonly property color editFieldBorder: light ? "#6f6f6f" : "#666666"
+    readonly property color editFieldBorderFocused: light ? "#0a6e2a" : "#cccccc"
+    readonly property color fieldPlaceholder: light ? "#595959" : "#1f1f1f"
+    readonly property color fieldSelection: light ? "#1d6b3a" : "#333333"
     readonly property color fieldSelectedText: "#ffffff"
-    readonly property color box: "#222222"
-    readonly property color boxBorder: "#666666"
-    readonly property color boxText: "#dddddd"
-    readonly property color boxTextDisabled: "#888888"
-    readonly property color boxArrow: "#aaaaaa"
-    readonly property color boxArrowHovered: "#ffffff"
-    readonly property color boxArrowDisabled: "#666666"
-    readonly property color radio: "#222222"
-    readonly property color radioDisabled: "#444444"
-    readonly property color radioBorder: "#dddddd"
-    readonly property color radioMark: "#ffffff"
+    readonly property color box: light ? "#ffffff" : "#222222"
+    readonly property color boxBorder: light ? "#6f6f6f" : "#666666"
+    readonly property color boxText: light ? "#000000" : "#dddddd"
+    readonly property color boxTextDisabled: light ? "#757575" : "#888888"
+    readonly property color boxArrow: light ? "#333333" : "#aaaaaa"
+    readonly property color boxArrowHovered: light ? "#000000" : "#ffffff"
+    readonly property color boxArrowDisabled: light ? "#a0a0a0" : "#666666"
+    readonly property color radio: light ? "#ffffff" : "#222222"
+    readonly property color radioDisabled: light ? "#dcdcdc" : "#444444"
+    readonly property color radioBorder: light ? "#333333" : "#dddddd"
+    readonly property color radioMark: light ? "#0a6e2a" : "#ffffff"
     readonly property color scrollGround: Qt.rgba(0.5, 0.5, 0.5, 0.85)
     readonly property color scrollBorder: "#a9a9a9"
     readonly property color scrollHandle: "#000000"
     readonly property color scrollHandlePressed: Cst.pressedColor
-    readonly property color toolTip: "#000000"
-    readonly property color toolTipText: "#ffffff"
-    readonly property color accent: Cst.accentColor
-    readonly property color progress: Cst.progressBarBg
+    readonly property color toolTip: light ? "#ffffff" : "#000000"
+    readonly property color toolTipText: light ? "#000000" : "#ffffff"
+    readonly property color accent: light ? "#005c1f" : Cst.accentColor
+    readonly property color progress: light ? "#7cc793" : Cst.progressBarBg
+    // The round mark of a flight that has a log.
+    readonly property color mark: Cst.accentColor
+    readonly property color markEdge: "#222222"
     readonly property color hottest: "#ff6a4d"
     readonly property color coldest: "#7ac8ff"
     // From the coldest to the hottest, by the number of the player's palette.

@@ -16,7 +16,7 @@ Rectangle {
                                                                     : player.irMappingMaxValue
 
     width: 54
-    color: Theme.plate
+    color: Theme.overlay
     Accessible.role: Accessible.StaticText
     Accessible.name: "Thermal range from " + lowestText.text + " to " + highestText.text
 
@@ -24,7 +24,7 @@ Rectangle {
         id: highestText
         objectName: "highestText"
         anchors { top: parent.top; topMargin: 4; horizontalCenter: parent.horizontalCenter }
-        color: Theme.text
+        color: Theme.overlayText
         font.pixelSize: 11
         text: Math.round(thermalBar.highest)
     }
@@ -60,7 +60,7 @@ Rectangle {
         id: lowestText
         objectName: "lowestText"
         anchors { bottom: parent.bottom; bottomMargin: 4; horizontalCenter: parent.horizontalCenter }
-        color: Theme.text
+        color: Theme.overlayText
         font.pixelSize: 11
         text: Math.round(thermalBar.lowest)
     }

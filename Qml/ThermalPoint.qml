@@ -6,7 +6,7 @@ Item {
     id: thermalPoint
 
     property real value: 0
-    property color mark: Theme.text
+    property color mark: Theme.overlayText
     // Whether a ring is drawn around the point.
     property bool ringed: true
 
@@ -26,12 +26,12 @@ Item {
         y: -height / 2
         width: label.width + 8
         height: label.height + 4
-        color: Theme.plate
+        color: Theme.overlay
 
         Text {
             id: label
             anchors.centerIn: parent
-            color: Theme.text
+            color: Theme.overlayText
             font.pixelSize: 11
             text: Math.round(thermalPoint.value)
         }

@@ -38,9 +38,9 @@ Item {
         width: 208
         height: picture.height + timeText.height + 12
         visible: timelinePreview.pointed && timelinePreview.videoOpen
-        color: Theme.plate
+        color: Theme.overlay
         border.width: 1
-        border.color: Theme.menuBorder
+        border.color: Theme.overlayBorder
 
         PictureItem {
             id: picture
@@ -55,7 +55,7 @@ Item {
             id: timeText
             objectName: "timelinePreviewTime"
             anchors { top: picture.bottom; topMargin: 3; horizontalCenter: parent.horizontalCenter }
-            color: Theme.text
+            color: Theme.overlayText
             text: timelinePreview.visible && timelinePreview.navigator !== null
                   ? timelinePreview.navigator.timeTextAt(timelinePreview.pointerX) : ""
         }

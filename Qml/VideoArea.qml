@@ -85,7 +85,7 @@ Rectangle {
     signal browseRemovableDevicesClicked()
     signal recentProjectChosen(string path)
 
-    color: Theme.videoGround
+    color: videoOpen ? Theme.videoGround : Theme.startGround
 
     RecentProjectsList {
         objectName: "recentProjectsList"
@@ -214,13 +214,13 @@ Rectangle {
         width: zoomText.width + 16
         height: zoomText.height + 8
         visible: videoArea.zoom > 1
-        color: Theme.plate
+        color: Theme.overlay
 
         Text {
             id: zoomText
             objectName: "zoomText"
             anchors.centerIn: parent
-            color: Theme.text
+            color: Theme.overlayText
             text: Math.round(videoArea.zoom * 100) + " %"
         }
     }

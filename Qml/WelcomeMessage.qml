@@ -16,7 +16,7 @@ Rectangle {
     Image {
         id: logo
         anchors { top: parent.top; horizontalCenter: parent.horizontalCenter }
-        source: "images/vistitle.png"
+        source: Theme.light ? "images/vistitle_light.png" : "images/vistitle.png"
         Accessible.ignored: true
     }
 

@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QPalette>
 #include <QPointer>
+#include <QProxyStyle>
 #include <QStyle>
 #include <QStyleFactory>
 #include <QTimer>
@@ -15,31 +16,64 @@
 namespace corv {
 namespace {
 
-QPalette darkPalette()
+struct DialogColours
 {
-    const QColor ground(0x3a, 0x3a, 0x3a);
-    const QColor field(0x2b, 0x2b, 0x2b);
-    const QColor button(0x55, 0x55, 0x55);
-    const QColor text(0xee, 0xee, 0xee);
-    const QColor faint(0x9c, 0x9c, 0x9c);
-    QPalette palette;
-    palette.setColor(QPalette::Window, ground);
-    palette.setColor(QPalette::Base, field);
-    palette.setColor(QPalette::AlternateBase, QColor(0x33, 0x33, 0x33));
-    palette.setColor(QPalette::Button, button);
-    palette.setColor(QPalette::ToolTipBase, Qt::black);
+    QRgb ground;
+    QRgb field;
+    QRgb otherRow;
+    QRgb button;
+    QRgb toolTip;
+    QRgb text;
+    QRgb faint;
+    QRgb highlight;
+    QRgb highlightedText;
+    QRgb link;
+    QRgb visitedLink;
+};
+
+DialogColours coloursOf(bool light)
+{
+    if (light)
+        return {0xe9e9e9, 0xffffff, 0xf2f2f2, 0xd0d0d0, 0xffffff, 0x000000,
+                0x757575, 0xb4dfc1, 0x000000, 0x0b4ea2, 0x5b2c91};
+    return {0x3a3a3a, 0x2b2b2b, 0x333333, 0x555555, 0x000000, 0xeeeeee,
+            0x9c9c9c, 0x2c7440, 0xffffff, 0x7ac8ff, 0xc0a8ff};
+}
+
+QPalette paletteOf(const DialogColours& colours)
+{
+    QPalette palette(QColor(colours.button), QColor(colours.ground));
+    palette.setColor(QPalette::Base, colours.field);
+    palette.setColor(QPalette::AlternateBase, colours.otherRow);
+    palette.setColor(QPalette::ToolTipBase, colours.toolTip);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
                             QPalette::ToolTipText, QPalette::BrightText})
-        palette.setColor(role, text);
+        palette.setColor(role, colours.text);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, faint);
-    palette.setColor(QPalette::PlaceholderText, faint);
-    palette.setColor(QPalette::Highlight, QColor(0x2c, 0x74, 0x40));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, QColor(0x7a, 0xc8, 0xff));
-    palette.setColor(QPalette::LinkVisited, QColor(0xc0, 0xa8, 0xff));
+        palette.setColor(QPalette::Disabled, role, colours.faint);
+    palette.setColor(QPalette::PlaceholderText, colours.faint);
+    palette.setColor(QPalette::Highlight, colours.highlight);
+    palette.setColor(QPalette::HighlightedText, colours.highlightedText);
+    palette.setColor(QPalette::Link, colours.link);
+    palette.setColor(QPalette::LinkVisited, colours.visitedLink);
     return palette;
 }
+
+// Draws from the palette alone, without the small pictures on buttons, which blur on a dense
+// screen.
+class DialogStyle : public QProxyStyle
+{
+public:
+    using QProxyStyle::QProxyStyle;
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returned) const override
+    {
+        if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+            return 0;
+        return QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+};
 
 // The boxes are made deep inside the interface's modules; they are met when they are shown.
 class MessageBoxWatch : public QObject
@@ -105,12 +139,17 @@ void followScreenScale()
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }
 
+void useDialogColours(bool light)
+{
+    QApplication::setPalette(paletteOf(coloursOf(light)));
+}
+
 void dressDialogs(QApplication& application)
 {
     // The one style that draws everything from the palette.
     if (QStyle* style = QStyleFactory::create(QStringLiteral("Fusion")))
-        QApplication::setStyle(style);
-    QApplication::setPalette(darkPalette());
+        QApplication::setStyle(new DialogStyle(style));
+    useDialogColours(false);
     application.installEventFilter(new MessageBoxWatch(&application));
 }
 

@@ -13,4 +13,7 @@ void followScreenScale();
 /// top of the others. Interface thread, once; for as long as the application lives.
 void dressDialogs(QApplication& application);
 
+/// Changes those colours to the light or the dark ones; what is open follows. Interface thread.
+void useDialogColours(bool light);
+
 } // namespace corv

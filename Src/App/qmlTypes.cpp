@@ -1,5 +1,6 @@
 #include "App/qmlTypes.h"
 
+#include "App/Appearance.h"
 #include "App/FileChoice.h"
 #include "Discovery/DirectoryParser.h"
 #include "Log/LogParser.h"
@@ -43,6 +44,7 @@ void registerSingleton(const char* module, const char* name)
 
 void registerQmlTypes()
 {
+    registerSingleton<Appearance>("corv.Appearance", "Appearance");
     registerSingleton<AppInfo>("corv.AppInfo", "AppInfo");
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
     registerSingleton<LogParser>("corv.LogParsing", "LogParser");

@@ -31,14 +31,9 @@ int yOf(float value, const ValueRange& range, int height)
            static_cast<int>(std::lround(share * static_cast<float>(height - 1 - 2 * kMarginPx)));
 }
 
-// The colours of the curves, in their order.
-QColor colourAt(size_t index)
-{
-    static const std::array<QColor, 6> colours{QColor(0x12, 0xff, 0x54), QColor(0xff, 0xb0, 0x00),
-                                               QColor(0x64, 0xb5, 0xff), QColor(0xff, 0x6e, 0xb4),
-                                               QColor(0xf0, 0xf0, 0x50), QColor(0xd0, 0xd0, 0xd0)};
-    return colours[index % colours.size()];
-}
+// The colours of the curves, in their order: each can be told from its ground.
+constexpr std::array<QRgb, 6> kOnDark{0x12ff54, 0xffb000, 0x64b5ff, 0xff6eb4, 0xf0f050, 0xd0d0d0};
+constexpr std::array<QRgb, 6> kOnLight{0x0a6e2a, 0x8f5000, 0x0b4ea2, 0xa3125f, 0x5f5f00, 0x444444};
 
 } // namespace
 
@@ -71,6 +66,11 @@ const CurvePainter::Curve* CurvePainter::find(const QString& name) const
         return curve.column.name == name;
     });
     return found == m_curves.end() ? nullptr : &*found;
+}
+
+QColor CurvePainter::colourAt(size_t index) const
+{
+    return QColor((m_light ? kOnLight : kOnDark)[index % kOnDark.size()]);
 }
 
 QColor CurvePainter::colourOf(const QString& name) const
@@ -216,7 +216,7 @@ void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineVie
     }
     const int cursorX = pxOfMs(cursorMs, view);
     if (cursorX >= 0 && cursorX < size.width()) {
-        painter.setPen(Qt::white);
+        painter.setPen(m_light ? Qt::black : Qt::white);
         painter.drawLine(cursorX, 0, cursorX, size.height() - 1);
     }
     paintLegend(painter, cursorMs);
@@ -232,7 +232,7 @@ void CurvePainter::paintLegend(QPainter& painter, int cursorMs) const
             text += QStringLiteral("  %1 %2").arg(double(*value), 0, 'g', 5).arg(curve.column.unit);
         const QRect place(kMarginPx, kMarginPx + static_cast<int>(i) * kLegendLinePx,
                           metrics.horizontalAdvance(text) + 2 * kMarginPx, kLegendLinePx);
-        painter.fillRect(place, QColor(0, 0, 0, 160));
+        painter.fillRect(place, m_light ? QColor(255, 255, 255, 200) : QColor(0, 0, 0, 160));
         painter.setPen(colourAt(i));
         painter.drawText(place, Qt::AlignCenter, text);
     }

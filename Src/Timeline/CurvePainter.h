@@ -52,6 +52,10 @@ public:
     void setChosen(const QStringList& names);
     const QStringList& chosen() const { return m_names; }
 
+    /// Colours for a light ground, instead of a dark one.
+    void setLight(bool light) { m_light = light; }
+    bool isLight() const { return m_light; }
+
     /// Paints at the painter's origin. `cursorMs` is the time of the cursor on the video's axis.
     /// The curves are computed anew where size, view, clock or curves have changed, and not where
     /// only the cursor has, as in playback.
@@ -91,6 +95,7 @@ private:
     };
 
     void lookUp();
+    QColor colourAt(size_t index) const;
     void place(const QSize& size, const TimelineView& view);
     const Curve* find(const QString& name) const;
     bool isSynced() const { return m_log && m_clock && m_clock->synced; }
@@ -102,6 +107,7 @@ private:
     std::shared_ptr<const LogFile> m_log;
     std::shared_ptr<const FlightClock> m_clock;
     QStringList m_names;
+    bool m_light = false;
     std::vector<Curve> m_curves;
     Place m_place;
     std::vector<QVector<QLine>> m_lines; ///< of the curves at their place; empty if not computed

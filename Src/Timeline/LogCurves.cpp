@@ -66,6 +66,15 @@ void LogCurves::setCurves(const QStringList& curves)
     update();
 }
 
+void LogCurves::setLight(bool light)
+{
+    if (light == isLight())
+        return;
+    m_painter.setLight(light);
+    emit lightChanged();
+    update();
+}
+
 QVariantList LogCurves::available(const QString& filter) const
 {
     QVariantList result;

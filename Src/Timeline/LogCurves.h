@@ -23,6 +23,7 @@ class LogCurves : public QQuickPaintedItem
     Q_PROPERTY(int contentX READ contentX WRITE setContentX NOTIFY contentXChanged)
     Q_PROPERTY(QTime cursorPosition READ cursorPosition WRITE setCursorPosition NOTIFY
                    cursorPositionChanged)
+    Q_PROPERTY(bool light READ isLight WRITE setLight NOTIFY lightChanged)
     Q_PROPERTY(QStringList curves READ curves WRITE setCurves NOTIFY curvesChanged)
 
 public:
@@ -43,6 +44,10 @@ public:
     void setCursorPosition(QTime cursorPosition);
     void setCurves(const QStringList& curves);
 
+    /// Colours for a light ground, instead of a dark one.
+    bool isLight() const { return m_painter.isLight(); }
+    void setLight(bool light);
+
     /// The columns of the log that can be curves and whose name contains `filter`, in any case, as
     /// maps of "name", "group" and "unit". Empty without a log.
     Q_INVOKABLE QVariantList available(const QString& filter) const;
@@ -61,6 +66,7 @@ signals:
     void contentXChanged();
     void cursorPositionChanged();
     void curvesChanged();
+    void lightChanged();
 
     /// Another log is there, or none: `available` has changed.
     void logChanged();

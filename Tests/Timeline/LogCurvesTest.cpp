@@ -21,6 +21,7 @@ private slots:
     void drawsPeaksThatFallBetweenPixels();
     void followsTheCorrection();
     void showsNothingWithoutASynchronisedLog();
+    void isDarkOnALightGround();
     void keepsItsChoiceForTheNextLog();
     void survivesAnyScale_data();
     void survivesAnyScale();
@@ -183,6 +184,20 @@ void LogCurvesTest::showsNothingWithoutASynchronisedLog()
     QVERIFY(picture() != empty);
     m_parser->closeLog();
     QCOMPARE(picture(), empty);
+}
+
+void LogCurvesTest::isDarkOnALightGround()
+{
+    QVERIFY(load(flight()));
+    m_curves->toggle("engine.rpm");
+    m_curves->setCursorPosition(timeAt(59000));
+    const QImage onDark = picture();
+    m_curves->setLight(true);
+    QVERIFY(m_curves->colourOf("engine.rpm").lightness() < 100);
+    QCOMPARE(picture().pixelColor(590, 5), QColor(Qt::black)); // the cursor
+    m_curves->setLight(false);
+    QCOMPARE(m_curves->colourOf("engine.rpm"), firstColour);
+    QCOMPARE(picture(), onDark);
 }
 
 void LogCurvesTest::keepsItsChoiceForTheNextLog()

@@ -2,6 +2,8 @@
 
 #include "Shell/AppInfo.h"
 
+#include <QApplication>
+#include <QPalette>
 #include <QSettings>
 #include <QSignalSpy>
 
@@ -36,6 +38,7 @@ private slots:
     void settingsAreSaved_data();
     void settingsAreSaved();
     void thermalClockIsShownAndSaved();
+    void theLookChangesAtOnceAndIsKept();
     void settingsCancelled_data();
     void settingsCancelled();
     void settingsPad_data();
@@ -123,6 +126,28 @@ void SettingsWindowsTest::thermalClockIsShownAndSaved()
     QTRY_VERIFY(QSettings().value("userPreferences/thermalAsOnScreen").toBool());
     QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
     QVERIFY(m_host->part("radioThermalOnScreen")->property("checked").toBool());
+}
+
+void SettingsWindowsTest::theLookChangesAtOnceAndIsKept()
+{
+    QVERIFY(m_host->make("GeneralSettings.qml"));
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
+    QVERIFY(m_host->show());
+    QVERIFY(m_host->part("radioLookDark")->property("checked").toBool());
+    m_host->click("radioLookLight");
+    // Only "Save settings" changes anything.
+    QCOMPARE(m_host->get("color").value<QColor>(), QColor("#555555"));
+    accept(false, "okButton");
+    QVERIFY(m_host->get("color").value<QColor>().lightness() > 200);
+    QVERIFY(QApplication::palette().color(QPalette::Window).lightness() > 200);
+    QCOMPARE(QSettings().value("userPreferences/lightTheme").toBool(), true);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "init"));
+    QVERIFY(m_host->part("radioLookLight")->property("checked").toBool());
+    QVERIFY(m_host->show());
+    m_host->click("radioLookDark");
+    accept(false, "okButton");
+    QCOMPARE(m_host->get("color").value<QColor>(), QColor("#555555"));
+    QVERIFY(QApplication::palette().color(QPalette::Window).lightness() < 80);
 }
 
 void SettingsWindowsTest::settingsCancelled_data()
