@@ -6,6 +6,8 @@ Text {
 
     elide: Text.ElideMiddle
     textFormat: Text.PlainText
+    // Rows of names in several scripts start at one edge.
+    horizontalAlignment: Text.AlignLeft
 
     Accessible.role: Accessible.StaticText
     Accessible.name: text

@@ -23,6 +23,7 @@ Item {
     Text {
         id: label
         anchors.left: iconPlace.right
+        anchors.leftMargin: 2
         anchors.verticalCenter: parent.verticalCenter
         color: parent.color
     }

@@ -24,6 +24,8 @@ Item {
         textFormat: Text.PlainText
         maximumLineCount: 1
         elide: Text.ElideRight
+        // A name that runs to the left would touch the next column.
+        horizontalAlignment: Text.AlignLeft
         verticalAlignment: Text.AlignVCenter
     }
 }

@@ -12,15 +12,27 @@ Item {
     readonly property bool hovered: rowMouseArea.containsMouse
     readonly property string shownName: flight.partText === "" ? flight.name
         : flight.name.replace(" : ", " (" + flight.partText + ") : ")
+    // The row that "Load selected" takes: it shows the highlight of the list.
+    property bool chosen: false
     // What a row says beyond its columns.
     readonly property string details: flight.evidenceText + "\n" + flight.fileText
     signal clicked()
     signal doubleClicked()
 
     Accessible.role: Accessible.ListItem
+    Accessible.selectable: true
+    Accessible.selected: chosen
     Accessible.name: shownName
     Accessible.description: details
     Accessible.onPressAction: clicked()
+
+    // The texts are too faint on the highlight of the dark look.
+    Rectangle {
+        objectName: "plate"
+        anchors { fill: parent; leftMargin: parent.height; topMargin: 2; rightMargin: 2; bottomMargin: 2 }
+        visible: importerRow.chosen && !Theme.light
+        color: Theme.listGround
+    }
 
     ImporterMark {
         objectName: "evidenceMark"

@@ -1,7 +1,6 @@
 import QtQuick 2.7
 import "."
 import QtQuick.Controls 1.4
-import "constants.js" as Cst
 
 // The flights that the importer found, under the headings of their columns. One of them is chosen
 // by a click or by the arrow keys, and Return or a double click accepts it.
@@ -66,8 +65,19 @@ Item {
             left: parent.left; right: parent.right
             top: matchingsListHeader.bottom; bottom: parent.bottom
         }
-        color: Theme.strip
-        border { width: matchingsListView.activeFocus ? 1 : 0; color: Cst.btnColorHover }
+        color: Theme.listGround
+        border { width: matchingsListView.activeFocus ? 1 : 0; color: Theme.buttonHovered }
+
+        Text {
+            objectName: "emptyListText"
+            anchors { left: parent.left; right: parent.right; margins: 40; verticalCenter: parent.verticalCenter }
+            visible: matchingsListView.count === 0
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.WordWrap
+            color: Theme.textDim
+            text: "No flights listed yet. Choose above where the log files and the video files are, "
+                  + "then press \"Search flights\"."
+        }
 
         ScrollView {
             anchors { fill: parent; margins: 1 }
@@ -81,7 +91,7 @@ Item {
                 keyNavigationEnabled: true
                 model: importerTable.flights
                 boundsBehavior: Flickable.StopAtBounds
-                highlight: Rectangle { color: Cst.progressBarBg }
+                highlight: Rectangle { color: Theme.progress }
                 highlightMoveDuration: 0
                 highlightResizeDuration: 0
                 Accessible.role: Accessible.List
@@ -94,6 +104,7 @@ Item {
                     width: matchingsListView.width
                     height: matchingsListHeader.height
                     flight: model
+                    chosen: ListView.isCurrentItem
                     onClicked: {
                         matchingsListView.currentIndex = index;
                         matchingsListView.forceActiveFocus();

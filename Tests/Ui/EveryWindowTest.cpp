@@ -1,0 +1,357 @@
+#include "CardWorld.h"
+#include "Discovery/PersistentData.h"
+#include "ReviewFixture.h"
+#include "WindowTexts.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QScreen>
+#include <QSettings>
+#include <functional>
+#include <memory>
+
+using namespace corv::test;
+
+/// Every window in every state, in both themes, in small and large windows and with names in
+/// several scripts: no text is cut off or over another, and each can be read. The display of the
+/// test sets the scale. Pictures of all are kept where VISTREL_SCREENSHOTS says.
+class EveryWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void isWholeAndReadable_data();
+    void isWholeAndReadable();
+
+private:
+    struct Names
+    {
+        QString file;
+        QString mission;
+        QString flight;
+        QString poi;
+    };
+
+    using Step = std::function<void()>;
+
+    static Names namesOf(const QString& language);
+    void start(bool light, const QString& size, const Names& names);
+    void openFlight(const Names& names);
+    void lookAt(const QString& state);
+    void lookAtMenus();
+    void lookAtWindow(const QString& state, const QString& title, const Step& open);
+    void lookAtDialog(const QString& state, const Step& open);
+    void lookAtPanels(const Names& names);
+    void lookAtImporter(const Names& names);
+    void report(const QString& state, const QStringList& faults);
+    void keep(const QString& state, const QImage& picture) const;
+    static QVariant evaluateIn(QObject* window, const QString& expression);
+
+    std::unique_ptr<CardWorld> m_world;
+    std::unique_ptr<ReviewFixture> m_ui;
+    QString m_video;
+    QStringList m_faults;
+};
+
+void EveryWindowTest::initTestCase()
+{
+    UiFixture::prepare();
+    CardParser::registerInPlaceOfTheReal();
+}
+
+void EveryWindowTest::isWholeAndReadable_data()
+{
+    QTest::addColumn<bool>("light");
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<QString>("language");
+    const auto add = [](bool light, const char* size, const char* language) {
+        QTest::addRow("%s, %s, %s", light ? "light" : "dark", size, language)
+            << light << size << language;
+    };
+    // On the four displays together, each theme, each size and each script meet each other.
+    const int dpi = qEnvironmentVariableIntValue("VISTREL_TEST_DPI");
+    add(false, dpi == 96 || dpi == 192 ? "screen" : "smallest",
+        dpi == 144   ? "Arabic"
+        : dpi == 192 ? "English"
+        : dpi == 288 ? "German"
+                     : "Japanese");
+    add(true, dpi == 96 || dpi == 192 ? "smallest" : "screen",
+        dpi == 144   ? "German"
+        : dpi == 192 ? "Japanese"
+        : dpi == 288 ? "Arabic"
+                     : "English");
+}
+
+EveryWindowTest::Names EveryWindowTest::namesOf(const QString& language)
+{
+    if (language == "German")
+        return {QString::fromUtf8("Hochspannungsfreileitung Großräschen–Überlingen, Abschnitt Süd"),
+                QString::fromUtf8("Freileitungsüberwachung Großkreutz"),
+                QString::fromUtf8("Isolatorenprüfung Mast 117 (Öst)"),
+                QString::fromUtf8("Längsriss am Überspannungsableiter der Traverse")};
+    if (language == "Japanese")
+        return {QString::fromUtf8("太陽光発電所点検飛行第七回午前の記録"),
+                QString::fromUtf8("太陽光発電所の定期点検飛行"),
+                QString::fromUtf8("第七ストリング北側列"),
+                QString::fromUtf8("パネルの亀裂と過熱の疑い")};
+    if (language == "Arabic")
+        return {QString::fromUtf8("رحلة تفتيش خط الكهرباء الشمالي"),
+                QString::fromUtf8("تفتيش خطوط الضغط العالي"), QString::fromUtf8("البرج رقم ١١٧"),
+                QString::fromUtf8("شق في العازل العلوي")};
+    return {"CORV0001", "Line 12", "North pier", "Crack"};
+}
+
+QVariant EveryWindowTest::evaluateIn(QObject* window, const QString& expression)
+{
+    return QQmlExpression(qmlContext(window), window, expression).evaluate();
+}
+
+void EveryWindowTest::keep(const QString& state, const QImage& picture) const
+{
+    const QString folder = qEnvironmentVariable("VISTREL_SCREENSHOTS");
+    if (folder.isEmpty())
+        return;
+    QDir().mkpath(folder);
+    picture.save(
+        QString("%1/%2 - %3.png").arg(folder, QString::fromLatin1(QTest::currentDataTag()), state));
+}
+
+void EveryWindowTest::report(const QString& state, const QStringList& faults)
+{
+    for (const QString& fault : faults)
+        m_faults << state + ": " + fault;
+}
+
+// Each window that shows, but for the main one where others are in front of it.
+void EveryWindowTest::lookAt(const QString& state)
+{
+    QTest::mouseMove(m_ui->window(), QPoint(5, 5));
+    QQuickWindow* shown = m_ui->window();
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        auto* quick = qobject_cast<QQuickWindow*>(window);
+        if (quick && quick->isVisible() && quick != m_ui->window())
+            shown = quick;
+    }
+    QTest::mouseMove(shown, QPoint(5, 5));
+    // What has changed is drawn, and the colours that fade have arrived.
+    QSignalSpy drawn(shown, &QQuickWindow::frameSwapped);
+    shown->update();
+    QTRY_VERIFY(drawn.count() > 0);
+    const QImage picture = shown->grabWindow();
+    report(state, faultsOf(shown, picture));
+    keep(state, picture);
+}
+
+void EveryWindowTest::lookAtWindow(const QString& state, const QString& title, const Step& open)
+{
+    open();
+    QTRY_VERIFY2(UiFixture::visibleWindow(title), qPrintable(state));
+    QQuickWindow* window = UiFixture::visibleWindow(title);
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    lookAt(state);
+    window->close();
+    window->setVisible(false);
+}
+
+void EveryWindowTest::lookAtDialog(const QString& state, const Step& open)
+{
+    open();
+    const auto dialog = []() -> QWidget* {
+        if (QWidget* box = UiFixture::messageBox())
+            return box;
+        return UiFixture::fileDialog();
+    };
+    QTRY_VERIFY2(dialog() && dialog()->isVisible(), qPrintable(state));
+    report(state, faultsOf(dialog()));
+    keep(state, dialog()->grab().toImage());
+    QVERIFY(QGuiApplication::primaryScreen()->geometry().contains(dialog()->frameGeometry()) ||
+            dialog()->height() > QGuiApplication::primaryScreen()->size().height());
+    dialog()->close();
+    QTRY_VERIFY(!dialog());
+}
+
+void EveryWindowTest::start(bool light, const QString& size, const Names& names)
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    const QString folder = media().newFolder();
+    m_video = folder + '/' + names.file + ".mp4";
+    QVERIFY(QFile::copy(media().video(), m_video));
+    QFile project(folder + '/' + names.file + ".ecor");
+    QVERIFY(project.open(QIODevice::WriteOnly));
+    QSettings().setValue("recentProjects/paths",
+                         QStringList{project.fileName(), folder + "/" + names.mission + ".ecor"});
+    QSettings().setValue("userPreferences/lightTheme", light);
+    QVERIFY(m_ui->load());
+    const QSize most = m_ui->window()->screen()->availableSize() - QSize(20, 60);
+    const QSize wanted = size == "smallest" ? m_ui->window()->minimumSize()
+                                            : most.expandedTo(m_ui->window()->minimumSize());
+    m_ui->window()->resize(wanted);
+    QTRY_COMPARE(m_ui->window()->size(), wanted);
+    QTRY_COMPARE(m_ui->item("infoTab")->width(), double(wanted.width()));
+}
+
+void EveryWindowTest::openFlight(const Names& names)
+{
+    m_ui->call("loadVideo", {m_video});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QVERIFY(m_ui->importLog());
+    QTRY_COMPARE(m_ui->poiNames().size(), 2);
+    m_ui->evaluate(
+        QString("timelineContent.setPOIsFromList([{time: 1000, name: '%1', comment: '%1'},"
+                "{time: 1200, name: '%1', comment: ''}])")
+            .arg(names.poi));
+    m_ui->call("nameFlight", {names.mission, names.flight, 117});
+    QTRY_VERIFY(!m_ui->evaluate("videoPlayer.isBusy").toBool());
+}
+
+namespace {
+
+// The caption of a menu in the bar, whose letter of access may be underlined.
+QQuickItem* menuTitle(QQuickItem* from, const QString& title)
+{
+    QString text = from->property("text").toString();
+    if (from->inherits("QQuickText") && from->isVisible() &&
+        text.remove("<u>").remove("</u>") == title)
+        return from;
+    for (QQuickItem* child : from->childItems())
+        if (QQuickItem* found = menuTitle(child, title))
+            return found;
+    return nullptr;
+}
+
+} // namespace
+
+void EveryWindowTest::lookAtMenus()
+{
+    for (const char* title : {"File", "Review", "Export", "Settings", "Help"}) {
+        QQuickItem* caption = menuTitle(m_ui->window()->contentItem(), title);
+        QVERIFY2(caption, title);
+        UiFixture::click(caption);
+        const auto popup = [this]() -> QWindow* {
+            for (QWindow* window : QGuiApplication::topLevelWindows())
+                if (window->isVisible() && window != m_ui->window() &&
+                    qobject_cast<QQuickWindow*>(window))
+                    return window;
+            return nullptr;
+        };
+        QTRY_VERIFY(popup());
+        lookAt(QString("menu %1").arg(title));
+        // It is gone before the key is released.
+        QTest::keyPress(popup(), Qt::Key_Escape);
+        QTRY_VERIFY(!popup());
+    }
+    m_ui->call("refocusMainActions");
+}
+
+void EveryWindowTest::lookAtPanels(const Names& names)
+{
+    m_ui->evaluate("panelSettings.poiListShown = true; curvesPanel.open = true;"
+                   "curvesPanel.curves = ['mission_info.flight_number']");
+    QTRY_VERIFY(m_ui->item("poiRow1"));
+    lookAt("list and curves");
+    m_ui->evaluate("panelSettings.sidebarShown = false; curvesPanel.open = false");
+    m_ui->evaluate("jobsPanel.visible = true");
+    lookAt("jobs, sidebar folded");
+    m_ui->evaluate("jobsPanel.visible = false; panelSettings.sidebarShown = true;"
+                   "panelSettings.poiListShown = false");
+    QVERIFY(m_ui->showAdjustments());
+    lookAt("adjustments");
+    m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.autoIRMapping = false;"
+                   "videoPlayer.updateControlsStates()");
+    lookAt("thermal");
+    m_ui->evaluate("videoPlayer.showIR = false; tabsContainer.currentIndex = 0");
+    m_ui->evaluate("videoRect.zoom = 2");
+    m_ui->evaluate("infoTab.showNotice('Deleted: " + names.poi + "')");
+    lookAt("zoomed, notice");
+    m_ui->evaluate("videoRect.fit()");
+    QVERIFY(m_ui->selectPoiAt(2000));
+    m_ui->call("startMovingPoi");
+    lookAt("move mode");
+    m_ui->call("stopMovingPoi");
+    m_ui->evaluate("LogParser.isParsing = true");
+    m_ui->call("logParsingProgress", {2, 80, 100});
+    lookAt("reading a log");
+    m_ui->evaluate("LogParser.isParsing = false");
+}
+
+void EveryWindowTest::lookAtImporter(const Names& names)
+{
+    const QString card = m_world->machine.addDrive("CARD", names.mission, true);
+    m_world->addVideo(card + "/DCIM/100HDDVR/" + names.file + ".mp4", 0);
+    m_world->addLog(card + "/" + names.file + ".log", 100, names.flight.toUtf8().left(40));
+    m_world->addVideo(card + "/DCIM/100HDDVR/noon.mp4", 5000);
+    m_world->addVideo(card + "/DCIM/100HDDVR/evening.mp4", 10'000);
+    m_world->addLog(card + "/late.log", 10'100, "Tower 2", 20'000);
+    m_ui->call("goExploreRemovableDevices");
+    QTRY_VERIFY(UiFixture::visibleWindow("Auto importer"));
+    QQuickWindow* importer = UiFixture::visibleWindow("Auto importer");
+    lookAt("importer idle");
+    m_world->held = true;
+    evaluateIn(importer, "parseChosenDirs()");
+    m_world->reached.acquire();
+    lookAt("importer searching");
+    m_world->release();
+    QTRY_VERIFY(!importer->property("isBusy").toBool());
+    QTRY_VERIFY(m_ui->item("matchingRow2", importer));
+    lookAt("importer results");
+    evaluateIn(importer, "matchingsTable.currentIndex = 1");
+    lookAt("importer second row");
+    lookAtDialog("importer message", [&] {
+        evaluateIn(importer, "showMessage('Flight search', 'No matches found. Please check your "
+                             "drive or directory selection.')");
+    });
+    evaluateIn(importer, "cancelAndClose()");
+    QTRY_VERIFY(!importer->isVisible());
+}
+
+void EveryWindowTest::isWholeAndReadable()
+{
+    QFETCH(bool, light);
+    QFETCH(QString, size);
+    QFETCH(QString, language);
+    m_faults.clear();
+    const Names names = namesOf(language);
+    corv::PersistentData::instance()->setDirectoryList({});
+    m_world = std::make_unique<CardWorld>();
+    start(light, size, names);
+    lookAt("start");
+    lookAtImporter(names);
+    openFlight(names);
+    lookAt("flight");
+    lookAtMenus();
+    lookAtPanels(names);
+    const auto script = [this](const QString& text) {
+        return [this, text] { m_ui->evaluate(text); };
+    };
+    lookAtWindow("settings", "Settings", script("goSettings()"));
+    lookAtWindow("shortcuts", "Keyboard Shortcuts",
+                 script("secondaryWindows.openPlain('ShortcutsWindow.qml')"));
+    lookAtWindow("about", "About Vistrel", script("secondaryWindows.openPlain('AboutWindow.qml')"));
+    lookAtWindow("frames export", "Export frames", script("secondaryWindows.openFramesExport()"));
+    lookAtWindow("video export", "Export video", script("secondaryWindows.openVideoExport()"));
+    lookAtWindow("restore", "Restore POIs from flight data", script("goChooseRestorePOIsAction()"));
+    lookAtWindow("properties of a point", "Edit point of interest", script("editSelectedPoi()"));
+    lookAtWindow("flight properties", "Edit flight properties", script("editFlightProperties()"));
+    lookAtWindow("update", "Update now",
+                 script("launchUpdateWindow('2.1.0.7', ['" + names.poi + "', 'Faster'])"));
+    lookAtWindow("export operation", "Export operation", script("showVideoExport()"));
+    lookAtDialog("error", [&] {
+        m_ui->call("displayErrorDialog",
+                   {"Invalid file", "Video file " + m_video + " could not be read."});
+    });
+    lookAtDialog("question",
+                 script("question.ask('Replace file', '" + m_video +
+                        " already exists.\\nDo you want to replace it?', function() {})"));
+    lookAtDialog("save dialog", script("goSaveProjectAs()"));
+    const QStringList scriptErrors = m_ui->scriptErrors();
+    m_ui.reset();
+    m_world.reset();
+    QCOMPARE(scriptErrors, QStringList());
+    QVERIFY2(m_faults.isEmpty(), qPrintable('\n' + m_faults.join('\n')));
+}
+
+QTEST_MAIN(EveryWindowTest)
+#include "EveryWindowTest.moc"
