@@ -37,6 +37,8 @@ class NoClient : public WorkerClient
 {
 public:
     void onVideoFilesProcessed(int, const OpenedTimeline&) override {}
+    void onOpeningProgress(int, double) override {}
+    void onFirstPicture(int, QSize, const QVideoFrame&) override {}
     void onCurrentFile(int, const QString&) override {}
     void onFrameReady(int, const PlayerFrame&, FrameUse) override {}
     void onSeekFailed(int) override {}

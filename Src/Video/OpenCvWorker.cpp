@@ -11,6 +11,7 @@
 
 #include <QDebug>
 #include <QElapsedTimer>
+#include <QTimer>
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -37,6 +38,9 @@ bool isOfAPointer(const SeekWish& wish)
 {
     return wish.steps == 0 && wish.from != SeekWish::From::frame;
 }
+
+// From one look at the index of a file to the next, while it is being read.
+constexpr int indexLookMs = 20;
 
 // What decoding costs until it has been measured.
 constexpr double assumedNsPerPixel = 2.0;
@@ -83,21 +87,77 @@ void OpenCvWorker::setVideoSources(const QStringList& files, int opening)
     }
     qInfo() << files;
     m_sourceFiles = files;
+    openFiles(m_openingTurn);
+}
+
+// One file after the other: a card reads two at once more slowly.
+void OpenCvWorker::openFiles(int turn)
+{
+    if (turn != m_openingTurn)
+        return;
+    for (;;) {
+        if (!m_openingTimeline.isMeasured()) {
+            if (waitsForIndex(turn))
+                return;
+            m_openingTimeline.measure();
+        }
+        if (m_triedFiles == m_sourceFiles.size())
+            break;
+        const QString& file = m_sourceFiles.at(m_triedFiles++);
+        if (!m_openingTimeline.open(file, m_sourceFiles.size(), *m_backend))
+            m_failedFiles << file;
+    }
+    finishOpening();
+}
+
+bool OpenCvWorker::waitsForIndex(int turn)
+{
+    const FrameSource& source = *m_openingTimeline.entry(m_openingTimeline.size() - 1).capture;
+    if (source.isIndexReady())
+        return false;
+    const double part = (m_triedFiles - 1 + source.indexProgress()) / m_sourceFiles.size();
+    tellClient([opening = m_opening, part](WorkerClient& client) {
+        client.onOpeningProgress(opening, part);
+    });
+    showFirstPicture();
+    QTimer::singleShot(indexLookMs, this, [this, turn] { openFiles(turn); });
+    return true;
+}
+
+void OpenCvWorker::showFirstPicture()
+{
+    if (std::exchange(m_firstPictureShown, true))
+        return;
+    Frame frame;
+    if (m_openingTimeline.entry(0).capture->read(frame) != ReadOutcome::frame)
+        return;
+    try {
+        tellClient([opening = m_opening, size = frame.size, picture = pictureForScreen(frame, 0)](
+                       WorkerClient& client) { client.onFirstPicture(opening, size, picture); });
+    } catch (const std::exception& error) {
+        qWarning() << "Giving up the first picture" << error.what();
+    }
+}
+
+void OpenCvWorker::finishOpening()
+{
+    m_timeline = std::exchange(m_openingTimeline, {});
     OpenedTimeline opened;
-    opened.failedFiles = m_timeline.open(files, *m_backend);
+    opened.failedFiles = m_failedFiles;
     opened.fps = m_timeline.fps();
     opened.totalFrames = m_timeline.totalFrames();
     opened.durationMs = m_timeline.durationMs();
     opened.size = m_timeline.frameSize();
     if (m_timeline.size() > 1)
         opened.secondFileMs = truncateToInt(m_timeline.entry(1).startMs);
-    tellClient(
-        [opening, opened](WorkerClient& client) { client.onVideoFilesProcessed(opening, opened); });
+    tellClient([opening = m_opening, opened](WorkerClient& client) {
+        client.onVideoFilesProcessed(opening, opened);
+    });
     if (m_timeline.isEmpty())
         return;
     m_frameCostMs = opened.size.width() * opened.size.height() * assumedNsPerPixel / 1e6;
     m_currentSource = 0;
-    tellClient([opening, file = current().file](WorkerClient& client) {
+    tellClient([opening = m_opening, file = current().file](WorkerClient& client) {
         client.onCurrentFile(opening, file);
     });
 }
@@ -109,7 +169,12 @@ void OpenCvWorker::closeSources()
     m_stillSource.reset();
     m_stillFile = noFile;
     m_timeline.close();
+    m_openingTimeline.close();
     m_sourceFiles.clear();
+    m_failedFiles.clear();
+    m_triedFiles = 0;
+    m_firstPictureShown = false;
+    ++m_openingTurn;
     m_overlay.clear();
 }
 

@@ -45,7 +45,8 @@ public:
     bool isStopping() const { return m_stopRequested.load(std::memory_order_relaxed); }
 
     /// Closes what is open and opens these files. Everything handed over from here on carries the
-    /// number `opening`.
+    /// number `opening`. Where a file must be read through first, the first picture and the
+    /// progress are handed over meanwhile, and other jobs are served as if nothing were open.
     void setVideoSources(const QStringList& files, int opening);
 
     /// Answers the waiting requests with null and closes all files. The picture last read stays.
@@ -111,6 +112,10 @@ private:
     /// How reading a frame ended.
     enum class Produced { frame, end, failure };
 
+    void openFiles(int turn);
+    bool waitsForIndex(int turn);
+    void showFirstPicture();
+    void finishOpening();
     VideoFileEntry& current() { return m_timeline.entry(m_currentSource); }
     Produced produceFrame(FrameUse use);
     void leaveFileFor(int file);
@@ -140,6 +145,11 @@ private:
 
     int m_opening = 0;
     QStringList m_sourceFiles;
+    QStringList m_failedFiles;
+    int m_triedFiles = 0;  // of the source files, opened or not
+    int m_openingTurn = 0; // counts what was begun to be opened or closed
+    bool m_firstPictureShown = false;
+    VideoTimeline m_openingTimeline; // so far; the timeline once it is whole
     VideoTimeline m_timeline;
     int m_currentSource = noFile;
 

@@ -72,6 +72,8 @@ void VideoPlayer::setSource(const QString& source)
         return;
     }
     m_openingUnderWay = true;
+    m_firstPictureShown = false;
+    setOpeningProgress(1.0);
     dropWishes();
     toWorker([files = m_sourceFiles, opening = ++m_opening](OpenCvWorker& worker) {
         worker.setVideoSources(files, opening);
@@ -85,6 +87,7 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
     if (opening != m_opening)
         return;
     m_openingUnderWay = false;
+    setOpeningProgress(1.0);
     for (const QString& file : timeline.failedFiles) {
         qWarning() << "Failed to open" << file;
         emit sourceOpenError(file);
@@ -100,7 +103,8 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
     m_surfaceFormat = QVideoSurfaceFormat(
         QSize(truncateToInt(timeline.size.width()), truncateToInt(timeline.size.height())),
         QVideoFrame::Format_YUV420P);
-    startSurface();
+    if (!std::exchange(m_firstPictureShown, false)) // which would vanish for a moment
+        startSurface();
     setFrameCount(timeline.totalFrames);
     m_secondFileMs = timeline.secondFileMs;
     m_duration = timeOfMs(timeline.durationMs);
@@ -110,6 +114,30 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
     if (m_surface)
         m_surface->start(m_surfaceFormat);
     startSeek([](OpenCvWorker& worker) { worker.seekAtFrameIndex(0); });
+}
+
+void VideoPlayer::onOpeningProgress(int opening, double part)
+{
+    if (opening == m_opening)
+        setOpeningProgress(part);
+}
+
+void VideoPlayer::onFirstPicture(int opening, QSize size, const QVideoFrame& picture)
+{
+    if (opening != m_opening || !m_surface)
+        return;
+    m_surfaceFormat = QVideoSurfaceFormat(size, QVideoFrame::Format_YUV420P);
+    startSurface();
+    takeColoursOf(picture);
+    m_firstPictureShown = m_surface->present(picture);
+}
+
+void VideoPlayer::setOpeningProgress(double part)
+{
+    if (m_openingProgress == part)
+        return;
+    m_openingProgress = part;
+    emit openingProgressChanged();
 }
 
 void VideoPlayer::setFrameCount(int frameCount)
@@ -221,6 +249,8 @@ void VideoPlayer::close()
         pause();
     const bool workerHasFiles = hasVideoOpened() || m_openingUnderWay;
     m_openingUnderWay = false;
+    m_firstPictureShown = false;
+    setOpeningProgress(1.0);
     ++m_opening;
     if (!m_source.isEmpty()) {
         m_source.clear();

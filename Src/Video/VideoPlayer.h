@@ -71,6 +71,7 @@ class VideoPlayer : public QQuickItem, private WorkerClient
     Q_PROPERTY(QAbstractVideoSurface* videoSurface READ videoSurface WRITE setVideoSurface NOTIFY
                    videoSurfaceChanged)
     Q_PROPERTY(QTime exactTimePosition READ timePosition NOTIFY exactTimePositionChanged)
+    Q_PROPERTY(double openingProgress READ openingProgress NOTIFY openingProgressChanged)
     Q_PROPERTY(int frameCount READ frameCount NOTIFY frameCountChanged)
     Q_PROPERTY(bool thermalAsOnScreen READ thermalAsOnScreen WRITE setThermalAsOnScreen NOTIFY
                    thermalAsOnScreenChanged)
@@ -105,6 +106,10 @@ public:
 
     /// Length of the timeline; invalid until a video has opened, 00:00:00.000 after `close`.
     QTime duration() const { return m_duration; }
+
+    /// Some containers must be read through before a video is open. Meanwhile its first picture is
+    /// on screen, and this is the part that has been read, from 0 to below 1; at any other time 1.
+    double openingProgress() const { return m_openingProgress; }
 
     /// Frames of the timeline; 0 while no video is open.
     int frameCount() const { return m_frameCount; }
@@ -304,6 +309,7 @@ signals:
     void videoSurfaceChanged();
     void exactTimePositionChanged(QTime position);
     void frameCountChanged();
+    void openingProgressChanged();
     void thermalAsOnScreenChanged();
     void irPaletteChanged();
     void thermalReadingChanged();
@@ -322,6 +328,8 @@ private slots:
 private:
     // The worker's answers.
     void onVideoFilesProcessed(int opening, const OpenedTimeline& timeline) override;
+    void onOpeningProgress(int opening, double part) override;
+    void onFirstPicture(int opening, QSize size, const QVideoFrame& picture) override;
     void onCurrentFile(int opening, const QString& file) override;
     void onFrameReady(int opening, const PlayerFrame& frame, FrameUse use) override;
     void onSeekFailed(int opening) override;
@@ -355,6 +363,7 @@ private:
     void countExportedFrame(const Status& saved);
     void finishFramesExport();
     void setFrameCount(int frameCount);
+    void setOpeningProgress(double part);
     bool goTo(const SeekWish& place);
     void serveWish();
     void dropWishes();
@@ -421,6 +430,8 @@ private:
     std::atomic<double> m_irDataMax{65535.0};
     int m_opening = 0;
     bool m_openingUnderWay = false;
+    double m_openingProgress = 1.0;
+    bool m_firstPictureShown = false; // of a video that is not open yet
     bool m_burstUnderWay = false;
     bool m_burstWanted = false;
     std::unique_ptr<OpenCvWorker> m_worker;

@@ -14,50 +14,53 @@ int VideoFileEntry::timelineMs(double fileMs) const
     return truncateToInt(truncateToInt(fileMs) + startMs);
 }
 
-QStringList VideoTimeline::open(const QStringList& files, const VideoBackend& backend)
+bool VideoTimeline::open(const QString& file, int files, const VideoBackend& backend)
 {
-    close();
-    QStringList failed;
-    double startMs = 0.0;
-    for (const QString& file : files) {
-        Result<std::unique_ptr<FrameSource>> opened = backend.openSource(file);
-        if (!opened) {
-            qWarning() << "Failed to open" << file;
-            failed << file;
-            continue;
-        }
-        auto capture = std::make_unique<CachedFrameSource>(
-            std::move(*opened), CachedFrameSource::defaultLimitBytes / files.size());
-        VideoFileEntry entry;
-        entry.file = file;
-        entry.frameCount = capture->frameCount();
-        entry.fps = capture->fps();
-        if (capture->isConstantRate()) {
-            entry.durationMs = truncateToInt(wrappingProduct(entry.frameCount, 1000) / entry.fps);
-            entry.lengthMs = entry.frameCount * 1000.0 / entry.fps;
-        } else {
-            entry.lengthMs = capture->durationMs();
-            entry.durationMs = truncateToInt(entry.lengthMs);
-        }
-        entry.firstFrameIndex = m_totalFrames;
-        entry.startMs = startMs;
-        const QSize entrySize = capture->size();
-        if (m_size.isEmpty())
-            m_size = entrySize;
-        qInfo() << "Info " << file << "; FPS:" << entry.fps << "; Total frames:" << entry.frameCount
-                << "; Duration ms: " << truncateToInt(entry.frameCount / entry.fps * 1000.0)
-                << "; Size:" << entrySize.width() << entrySize.height();
-        m_totalFrames += entry.frameCount;
-        startMs += entry.lengthMs;
-        entry.capture = std::move(capture);
-        m_entries.push_back(std::move(entry));
+    Result<std::unique_ptr<FrameSource>> opened = backend.openSource(file);
+    if (!opened) {
+        qWarning() << "Failed to open" << file;
+        return false;
     }
-    return failed;
+    VideoFileEntry entry;
+    entry.file = file;
+    entry.capture = std::make_unique<CachedFrameSource>(
+        std::move(*opened), CachedFrameSource::defaultLimitBytes / files);
+    entry.fps = entry.capture->fps();
+    if (m_size.isEmpty())
+        m_size = entry.capture->size();
+    m_entries.push_back(std::move(entry));
+    return true;
+}
+
+void VideoTimeline::measure()
+{
+    VideoFileEntry& entry = m_entries.back();
+    const FrameSource& capture = *entry.capture;
+    entry.frameCount = capture.frameCount();
+    if (capture.isConstantRate()) {
+        entry.durationMs = truncateToInt(wrappingProduct(entry.frameCount, 1000) / entry.fps);
+        entry.lengthMs = entry.frameCount * 1000.0 / entry.fps;
+    } else {
+        entry.lengthMs = capture.durationMs();
+        entry.durationMs = truncateToInt(entry.lengthMs);
+    }
+    if (m_measured > 0) {
+        const VideoFileEntry& before = m_entries[m_entries.size() - 2];
+        entry.startMs = before.startMs + before.lengthMs;
+    }
+    entry.firstFrameIndex = m_totalFrames;
+    m_totalFrames += entry.frameCount;
+    m_measured = size();
+    qInfo() << "Info " << entry.file << "; FPS:" << entry.fps
+            << "; Total frames:" << entry.frameCount
+            << "; Duration ms: " << truncateToInt(entry.frameCount / entry.fps * 1000.0)
+            << "; Size:" << capture.size().width() << capture.size().height();
 }
 
 void VideoTimeline::close()
 {
     m_entries.clear();
+    m_measured = 0;
     m_totalFrames = 0;
     m_size = QSizeF();
 }

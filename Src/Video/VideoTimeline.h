@@ -30,9 +30,16 @@ struct VideoFileEntry
 class VideoTimeline
 {
 public:
-    /// Opens the files in order; what does not open is logged and left out.
-    /// Returns the files that were left out.
-    QStringList open(const QStringList& files, const VideoBackend& backend);
+    /// Opens one more file, as one of `files`. False, with a line in the log, if it does not open.
+    /// Its place is not known before it is measured.
+    bool open(const QString& file, int files, const VideoBackend& backend);
+
+    /// Whether the file opened last has been measured, or none is open.
+    bool isMeasured() const { return m_measured == size(); }
+
+    /// Gives the file opened last its place; waits for its index.
+    void measure();
+
     void close();
 
     bool isEmpty() const { return m_entries.empty(); }
@@ -73,6 +80,7 @@ private:
     bool keepsOneRate() const;
 
     std::vector<VideoFileEntry> m_entries;
+    int m_measured = 0; // entries
     int m_totalFrames = 0;
     QSizeF m_size;
 };

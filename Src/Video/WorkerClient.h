@@ -2,6 +2,7 @@
 
 #include "Base/Result.h"
 
+#include <QSize>
 #include <QSizeF>
 #include <QString>
 #include <QStringList>
@@ -56,6 +57,12 @@ class WorkerClient
 {
 public:
     virtual void onVideoFilesProcessed(int opening, const OpenedTimeline& timeline) = 0;
+
+    /// The files must be read through before they are open: the part that has been, from 0 to 1.
+    virtual void onOpeningProgress(int opening, double part) = 0;
+
+    /// The first picture of files that are not open yet; once, if at all.
+    virtual void onFirstPicture(int opening, QSize size, const QVideoFrame& picture) = 0;
 
     /// The worker now reads `file`.
     virtual void onCurrentFile(int opening, const QString& file) = 0;

@@ -44,6 +44,7 @@ struct Medium
 {
     std::atomic<qint64> bytesRead{0};
     std::atomic<qint64> lostFrom{-1}; ///< reads from here on fail; -1: none
+    std::atomic<qint64> heldAt{-1};   ///< reads that touch this place wait; -1: none
 
     /// Opens files on this medium.
     static ByteSourceFactory factory(const std::shared_ptr<Medium>& medium);
@@ -62,6 +63,8 @@ public:
     qint64 readAt(qint64 position, uchar* bytes, qint64 count) override
     {
         const qint64 lostFrom = m_medium->lostFrom;
+        while (m_medium->heldAt >= position && m_medium->heldAt < position + count)
+            QThread::yieldCurrentThread();
         if (lostFrom >= 0 && position + count > lostFrom)
             return -1;
         const qint64 came = m_bytes->readAt(position, bytes, count);

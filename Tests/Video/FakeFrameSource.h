@@ -32,6 +32,7 @@ struct FakeFile
     std::atomic<int> clones{0};            ///< clones made
     std::atomic<bool> positioning{true};   ///< false: every move to another frame fails
     std::atomic<bool> blocked{false};      ///< reading waits while this is set
+    std::atomic<bool> isRead{true};        ///< false: the index is still being read
     std::atomic<bool> throwsInPlay{false}; ///< frames come in a form that no conversion takes
 };
 
@@ -41,7 +42,14 @@ public:
     explicit FakeFrameSource(std::shared_ptr<FakeFile> file) : m_file(std::move(file)) {}
 
     double fps() const override { return m_file->fps; }
-    int frameCount() const override { return m_file->frames; }
+    int frameCount() const override
+    {
+        while (!m_file->isRead)
+            QThread::yieldCurrentThread();
+        return m_file->frames;
+    }
+    bool isIndexReady() const override { return m_file->isRead; }
+    double indexProgress() const override { return m_file->isRead ? 1.0 : 0.5; }
     QSize size() const override { return m_file->size; }
     int nextFrame() const override { return m_next; }
     bool isConstantRate() const override { return m_file->timesMs.empty(); }
@@ -87,6 +95,8 @@ public:
             ++m_next;
         if (m_next >= m_file->frames)
             return ReadOutcome::end;
+        if (m_next > 0)
+            frameCount();
         if (m_file->unreadable.count(m_next))
             return ReadOutcome::failed;
         ++m_file->reads;
@@ -94,7 +104,7 @@ public:
         if (m_file->throwsInPlay)
             frame.size = {0, 0};
         frame.index = m_next;
-        frame.timeMs = frameTimeMs(m_next);
+        frame.timeMs = m_next == 0 ? 0.0 : frameTimeMs(m_next);
         ++m_next;
         return ReadOutcome::frame;
     }
