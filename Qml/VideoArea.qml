@@ -15,6 +15,8 @@ Rectangle {
     // The projects opened last: maps of "path", "name" and "exists".
     property var recentProjects: []
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
+    // A video without an index is being read through; its first picture is there already.
+    readonly property bool videoBeingRead: player !== null && player.openingProgress < 1
 
     // How many times the picture is larger than it fits; it keeps to the area as it is moved.
     property real zoom: 1
@@ -102,7 +104,7 @@ Rectangle {
         anchors.centerIn: parent
         // This place is narrower than the panel in the narrowest window.
         width: Math.min(560, parent.width - 8)
-        visible: !videoArea.videoOpen
+        visible: !videoArea.videoOpen && !videoArea.videoBeingRead
         onOpenProjectClicked: videoArea.openProjectClicked()
         onOpenSingleClicked: videoArea.openVideoClicked()
         onBrowseRemovableDevicesClicked: videoArea.browseRemovableDevicesClicked()
@@ -127,6 +129,26 @@ Rectangle {
         objectName: "busyIndicator"
         anchors.centerIn: parent
         running: videoArea.player !== null && videoArea.player.isBusy
+    }
+
+    Rectangle {
+        objectName: "openingPlate"
+        anchors { bottom: parent.bottom; bottomMargin: 16; horizontalCenter: parent.horizontalCenter }
+        width: openingText.width + 24
+        height: openingText.height + 12
+        visible: videoArea.videoBeingRead
+        color: Theme.plate
+
+        Text {
+            id: openingText
+            objectName: "openingText"
+            anchors.centerIn: parent
+            color: Theme.text
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+            text: videoArea.player === null ? "" : "Reading through the video: "
+                    + Math.floor(videoArea.player.openingProgress * 100) + " %"
+        }
     }
 
     HoverHandler {

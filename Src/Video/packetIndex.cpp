@@ -24,7 +24,7 @@ constexpr int mostBoxes = 200000;
 // More packets than a day at 200 frames a second.
 constexpr int mostPackets = 20000000;
 
-constexpr int packetsBetweenReports = 64;
+constexpr int packetsBetweenReports = 8;
 
 // What looks into a packet looks at its head.
 constexpr qint64 headBytesZeroed = 256;
