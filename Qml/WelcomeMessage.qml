@@ -89,17 +89,4 @@ Rectangle {
             }
         }
     }
-
-    // What the last run left when it crashed. The program sets it; a document shown alone has none.
-    Text {
-        objectName: "crashText"
-        anchors { top: actions.bottom; topMargin: 12; left: parent.left; right: parent.right }
-        visible: text !== ""
-        text: typeof crashNotice === "undefined" ? "" : crashNotice
-        textFormat: Text.PlainText
-        color: Theme.textSoft
-        wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-        horizontalAlignment: Text.AlignHCenter
-        Accessible.name: text
-    }
 }

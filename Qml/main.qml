@@ -12,6 +12,7 @@ import Review 1.0
 import Timeline 1.0
 import "."
 import "constants.js" as Cst
+import "paths.js" as Paths
 
 ReviewWindow {
     id: mainWindow
@@ -48,6 +49,10 @@ ReviewWindow {
     keyboardPlace: videoTab
 
     finishJobsFirst: generalSettings.finishJobsFirst
+
+    // What to say of a crash of the last run, and where its report is. The program sets them.
+    property string crashNotice: ""
+    property string crashReportPath: ""
 
     onClosing: close.accepted = mayQuit()
 
@@ -387,26 +392,6 @@ ReviewWindow {
                 onVideoExportComplete: mainWindow.videoExportComplete(result)
             }
 
-            RecoveryBar {
-                id: recoveryBar
-                objectName: "recoveryBar"
-                anchors.left: parent.left
-                anchors.right: parent.right
-                anchors.top: parent.top
-                recovery: recovery
-                z: 1
-            }
-
-            UnfinishedBar {
-                objectName: "unfinishedBar"
-                anchors.left: parent.left
-                anchors.right: parent.right
-                anchors.top: recoveryBar.visible ? recoveryBar.bottom : parent.top
-                z: 1
-                text: jobJournal.unfinishedText
-                onClosed: jobJournal.forgetUnfinished()
-            }
-
             MouseArea {
                 id: videoMouseArea
                 objectName: "videoMouseArea"
@@ -417,6 +402,31 @@ ReviewWindow {
                     videoPlayer.togglePlayPause();
                 }
             }
+        }
+
+        // Above all that is drawn on the video.
+        RecoveryBar {
+            id: recoveryBar
+            objectName: "recoveryBar"
+            anchors.left: videoRect.left
+            anchors.right: videoRect.right
+            anchors.top: videoRect.top
+            recovery: recovery
+            crashText: mainWindow.crashNotice
+            onCrashReportWanted: Qt.openUrlExternally(Paths.toUrl(mainWindow.crashReportPath))
+            onCrashNoticeClosed: {
+                mainWindow.crashNotice = "";
+                mainWindow.refocusMainActions();
+            }
+        }
+
+        UnfinishedBar {
+            objectName: "unfinishedBar"
+            anchors.left: videoRect.left
+            anchors.right: videoRect.right
+            anchors.top: recoveryBar.visible ? recoveryBar.bottom : videoRect.top
+            text: jobJournal.unfinishedText
+            onClosed: jobJournal.forgetUnfinished()
         }
 
         PoiPanel {

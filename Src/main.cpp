@@ -137,15 +137,16 @@ int main(int argc, char** argv)
                      });
     engine.rootContext()->setContextProperty(QStringLiteral("applicationDirPath"),
                                              QApplication::applicationDirPath());
-    // For the interface: what to say of a crash of the last run, empty where there was none.
-    engine.rootContext()->setContextProperty(QStringLiteral("crashNotice"),
-                                             crash ? corv::crashReport::notice(*crash) : QString());
     engine.load(QUrl(QStringLiteral("qrc:/main.qml")));
     if (engine.rootObjects().isEmpty())
         return reportMissingInterface(reasons);
     QObject* root = engine.rootObjects().constFirst();
     if (auto* window = qobject_cast<QWindow*>(root))
         window->setIcon(QIcon(QStringLiteral(":/logo.ico")));
+    if (crash) {
+        root->setProperty("crashNotice", corv::crashReport::notice(*crash));
+        root->setProperty("crashReportPath", crash->filePath);
+    }
     if (!line.file.isEmpty())
         openFirstArgument(root, line.file);
 

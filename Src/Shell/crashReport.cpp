@@ -1,5 +1,6 @@
 #include "Shell/crashReport.h"
 
+#include "Base/FileReplacement.h"
 #include "Platform/wholeWrite.h"
 #include "Shell/AppInfo.h"
 
@@ -11,8 +12,10 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <cxxabi.h>
 #include <execinfo.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -164,6 +167,41 @@ QString valueOf(const QByteArray& report, const char* key)
     return {};
 }
 
+/// A line of the stack with the function as it is written in the sources. The handler may not do
+/// this, as it takes memory.
+QByteArray readableLine(const QByteArray& line)
+{
+    const auto begin = line.indexOf("(_Z") + 1;
+    const auto end = line.indexOf('+', begin);
+    if (begin <= 0 || end < 0)
+        return line;
+    int status = 0;
+    char* name =
+        abi::__cxa_demangle(line.mid(begin, end - begin).constData(), nullptr, nullptr, &status);
+    const QByteArray readable =
+        status == 0 ? line.left(begin) + QByteArray(name) + line.mid(end) : line;
+    std::free(name);
+    return readable;
+}
+
+void makeReadable(const QString& filePath)
+{
+    QFile report(filePath);
+    if (!report.open(QIODevice::ReadOnly))
+        return;
+    constexpr qint64 largestReportBytes = 1024 * 1024; // the handler writes a third of it
+    QList<QByteArray> lines = report.read(largestReportBytes).split('\n');
+    report.close();
+    for (QByteArray& line : lines) {
+        if (line == "last lines of the log:")
+            break;
+        line = readableLine(line);
+    }
+    if (const Status written = replaceFile(filePath, lines.join('\n')); !written)
+        qWarning() << "The names in the report of a crash stay as they are:"
+                   << written.failure().sentence;
+}
+
 void removeOldReports(const QDir& folder)
 {
     QStringList reports =
@@ -226,6 +264,7 @@ std::optional<Summary> take(const QString& logFilePath)
         qWarning() << "The report of a crash cannot be moved:" << report.fileName();
         return std::nullopt; // or it would be shown at every start
     }
+    makeReadable(summary.filePath);
     removeOldReports(folder);
     qInfo() << "The last run crashed with" << summary.reason << "; report:" << summary.filePath;
     return summary;

@@ -22,7 +22,8 @@ struct Summary
 void install(const QString& logFilePath);
 
 /// The report that a crashed run left beside `logFilePath`. It is moved aside, so that each crash
-/// is returned once; the five latest are kept. Nothing where the last run did not crash. Interface
+/// is returned once, and its stack is written with the names of the sources; the five latest are
+/// kept. Nothing where the last run did not crash. Interface
 /// thread.
 std::optional<Summary> take(const QString& logFilePath);
 

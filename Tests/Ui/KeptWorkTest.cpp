@@ -298,6 +298,13 @@ void KeptWorkTest::unsavedWorkIsOfferedAtTheNextStart()
     QTRY_COMPARE_WITH_TIMEOUT(kept.entryList({"*.json"}).size(), 1, 15000);
     QVERIFY(m_ui->reload());
     QVERIFY(m_ui->item("recoveryBar")->isVisible());
+    // Beside what is said of a crash, which does not take the offer away.
+    m_ui->root()->setProperty("crashNotice", "Vistrel crashed.");
+    QTRY_VERIFY(m_ui->item("crashText")->isVisible());
+    QVERIFY(m_ui->item("recoveryText")->isVisible());
+    QVERIFY(m_ui->click("closeCrashNoticeButton"));
+    QTRY_VERIFY(!m_ui->item("crashRow")->isVisible());
+    QVERIFY(m_ui->item("recoveryBar")->isVisible());
     QVERIFY(m_ui->get("recoveryText", "text").toString().contains("(1 point of interest)"));
     QVERIFY(m_ui->click("restoreRecoveryButton"));
     QTRY_COMPARE(m_ui->poiNames(), QStringList("New POI"));

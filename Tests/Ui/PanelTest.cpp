@@ -37,6 +37,7 @@ private slots:
     void unitsChangeAtTheNextStart();
     void helpAndInstallersGoToTheShell();
     void anInstallerThatChangedIsNotOpened();
+    void aCrashIsSaidUntilItIsClosed();
     void theWindowOffersAnUpdate();
 };
 
@@ -446,6 +447,28 @@ void PanelTest::anInstallerThatChangedIsNotOpened()
         "The installer of Vistrel 9.1.0.0 has changed since it was downloaded."));
     QVERIFY(UiFixture::dismissMessageBox());
     QVERIFY(shell.urls.isEmpty());
+}
+
+void PanelTest::aCrashIsSaidUntilItIsClosed()
+{
+    UrlCatcher shell;
+    QVERIFY(!m_ui->item("recoveryBar")->isVisible());
+    m_ui->root()->setProperty("crashNotice", "Vistrel crashed on 21 November, 20:55 (SIGSEGV).");
+    m_ui->root()->setProperty("crashReportPath", "/tmp/a folder/Vistrel-crash-1.txt");
+    QTRY_VERIFY(m_ui->item("recoveryBar")->isVisible());
+    QVERIFY(m_ui->get("crashText", "text").toString().contains("(SIGSEGV)"));
+    QVERIFY(!m_ui->item("discardRecoveryButton")->isVisible());
+
+    // Also over an open flight, where no start page is.
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->item("crashText")->isVisible());
+    QVERIFY(m_ui->click("showCrashReportButton"));
+    QTRY_COMPARE(shell.urls.size(), 1);
+    QCOMPARE(shell.urls.first(), QUrl::fromLocalFile("/tmp/a folder/Vistrel-crash-1.txt"));
+    QVERIFY(m_ui->click("closeCrashNoticeButton"));
+    QTRY_VERIFY(!m_ui->item("recoveryBar")->isVisible());
+    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void PanelTest::theWindowOffersAnUpdate()
