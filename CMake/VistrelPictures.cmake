@@ -6,7 +6,7 @@ find_program(ICOTOOL icotool REQUIRED)
 set(VISTREL_PICTURES
     begin prev play pause next end
     button_camera button_copy button_poi_add button_poi_remove button_poi_edit button_poi_move
-    button_list button_sidebar button_sort button_jobs button_extremes button_units
+    button_list button_picture_alone button_sidebar button_sort button_jobs button_extremes button_units
     icon_check_ok icon_cross_cancel
     button_show_ir button_ir_fullscreen button_transparency button_auto button_lock_levels
     slider_pointer_down slider_pointer_up

@@ -13,6 +13,7 @@ MenuBar {
     // Whether the work at hand is bound to a project file.
     property bool projectOpen: false
     property bool curvesOpen: false
+    property bool pictureAlone: false
     property RecentProjects recentProjects: null
     // The functions that the entries run: the main window's, and its windows on demand.
     property var verbs: null
@@ -188,6 +189,14 @@ MenuBar {
             text: "&Full screen"
             shortcut: "F11"
             onTriggered: menuBar.verbs.toggleFullScreen()
+        }
+        MenuItem {
+            objectName: "pictureAloneMenuItem"
+            text: "&Picture alone on full screen"
+            shortcut: "F"
+            // The way back is a key of the window, which then has no menu bar.
+            enabled: menuBar.videoOpen && !menuBar.pictureAlone
+            onTriggered: menuBar.verbs.togglePictureAlone()
         }
         MenuItem {
             objectName: "curvesMenuItem"

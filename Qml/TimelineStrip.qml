@@ -15,6 +15,8 @@ Rectangle {
     // Says where the pointer is over the timeline.
     property HoverHandler pointer: null
     readonly property alias scrollBar: timelineScrollBar
+    // A point of interest was chosen among those that cover each other.
+    signal poiChosen()
 
     // The timeline has moved below its view.
     function scrolled() {
@@ -61,9 +63,18 @@ Rectangle {
     TimelinePreview {
         anchors.fill: strip
         pointed: timelineStrip.pointer !== null && timelineStrip.pointer.hovered
+                 && !overlapList.shown
         pointerX: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.x : 0
         player: timelineStrip.player
         navigator: timelineStrip.navigator
+    }
+
+    OverlapList {
+        id: overlapList
+        anchors.fill: strip
+        navigator: timelineStrip.navigator
+        pointer: timelineStrip.pointer
+        onChosen: timelineStrip.poiChosen()
     }
 
     MyScrollBar {

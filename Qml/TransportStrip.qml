@@ -22,6 +22,9 @@ Rectangle {
     signal poiListToggled(bool shown)
     signal sidebarToggled(bool shown)
 
+    property bool pictureAlone: false
+    signal pictureAloneToggled()
+
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
     readonly property bool poiSelected: timeline !== null && !isNaN(timeline.selectedPoiTime)
     readonly property bool moveMode: timeline !== null && timeline.movePOIMode
@@ -234,11 +237,21 @@ Rectangle {
         anchors.rightMargin: 4
 
         CorvToolbarToggleButton {
+            id: pictureAloneButton
+            objectName: "pictureAloneButton"
+            source: "images/button_picture_alone.png"
+            tooltiptext: "Picture alone on full screen"
+            keyName: "F"
+            enabled: transportStrip.videoOpen
+            onToggle: transportStrip.pictureAloneToggled()
+        }
+        CorvToolbarToggleButton {
             id: poiListButton
             objectName: "poiListButton"
             source: "images/button_list.png"
             tooltiptext: "List of the points of interest"
             keyName: "F7"
+            visible: !transportStrip.pictureAlone
             checked: transportStrip.poiListShown
             onToggle: transportStrip.poiListToggled(checked)
         }
@@ -248,11 +261,13 @@ Rectangle {
             source: "images/button_sidebar.png"
             tooltiptext: "Flight data and adjustments"
             keyName: "F8"
+            visible: !transportStrip.pictureAlone
             checked: transportStrip.sidebarShown
             onToggle: transportStrip.sidebarToggled(checked)
         }
     }
 
+    Binding { target: pictureAloneButton; property: "checked"; value: transportStrip.pictureAlone }
     Binding { target: poiListButton; property: "checked"; value: transportStrip.poiListShown }
     Binding { target: sidebarButton; property: "checked"; value: transportStrip.sidebarShown }
 

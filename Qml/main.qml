@@ -62,6 +62,7 @@ ReviewWindow {
         recentProjects: recentProjects
         projectOpen: currentProject.fileActive
         curvesOpen: curvesPanel.open
+        pictureAlone: pictureAlone.on
         verbs: mainWindow
         windows: secondaryWindows
     }
@@ -72,7 +73,16 @@ ReviewWindow {
         refocusMainActions();
     }
 
+    function togglePictureAlone() {
+        pictureAlone.toggle();
+        refocusMainActions();
+    }
+
     function toggleFullScreen() {
+        if (pictureAlone.on) {
+            pictureAlone.leave();
+            return;
+        }
         visibility = visibility === Window.FullScreen ? Window.Windowed : Window.FullScreen;
     }
 
@@ -127,6 +137,21 @@ ReviewWindow {
     TimelineNavigator {
         id: timelineNavigator
         timeline: timelineContent
+    }
+
+    PictureAlone {
+        id: pictureAlone
+        objectName: "pictureAlone"
+        window: mainWindow
+        controls: controlsTab
+        videoOpen: videoPlayer.hasVideoOpened
+        escapeIsTaken: timelineContent.movePOIMode
+    }
+
+    Binding {
+        target: mainWindow.menuBar.__contentItem
+        property: "visible"
+        value: !pictureAlone.on
     }
 
     ReviewKeys {
@@ -266,7 +291,7 @@ ReviewWindow {
     JobsPanel {
         id: jobsPanel
         objectName: "jobsPanel"
-        z: 2
+        z: 3
         anchors.right: parent.right
         anchors.bottom: infoTab.top
         visible: false
@@ -277,6 +302,8 @@ ReviewWindow {
 
     StatusLine {
         id: infoTab
+        z: 1
+        visible: pictureAlone.controlsShown
         jobs: review.jobs
         onJobsClicked: jobsPanel.visible = !jobsPanel.visible
         objectName: "infoTab"
@@ -289,6 +316,8 @@ ReviewWindow {
 
     CurvesPanel {
         id: curvesPanel
+        z: 1
+        visible: open && pictureAlone.controlsShown
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: infoTab.top
@@ -301,7 +330,9 @@ ReviewWindow {
     TimelineStrip {
         id: timelineTab
         objectName: "timelineTab"
-        z: 1
+        // Above the tools, which the list of covered flags lies over.
+        z: 2
+        visible: pictureAlone.controlsShown
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: curvesPanel.top
@@ -309,6 +340,7 @@ ReviewWindow {
         timeline: timelineContent
         navigator: timelineNavigator
         pointer: timelinePointer
+        onPoiChosen: mainWindow.refocusMainActions()
 
         TimelineContent {
             id: timelineContent
@@ -347,6 +379,10 @@ ReviewWindow {
     TransportStrip {
         id: controlsTab
         objectName: "controlsTab"
+        z: 1
+        visible: pictureAlone.controlsShown
+        pictureAlone: pictureAlone.on
+        onPictureAloneToggled: mainWindow.togglePictureAlone()
         player: videoPlayer
         timeline: timelineContent
         verbs: mainWindow
@@ -366,7 +402,7 @@ ReviewWindow {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        anchors.bottom: controlsTab.top
+        anchors.bottom: pictureAlone.on ? parent.bottom : controlsTab.top
         focus: true
 
         VideoArea {
@@ -397,6 +433,7 @@ ReviewWindow {
                 objectName: "videoMouseArea"
                 anchors.fill: parent
                 visible: videoPlayer.hasVideoOpened
+                cursorShape: pictureAlone.controlsShown ? Qt.ArrowCursor : Qt.BlankCursor
                 onClicked: {
                     mainWindow.refocusMainActions();
                     videoPlayer.togglePlayPause();
@@ -436,7 +473,7 @@ ReviewWindow {
             anchors.top: parent.top
             anchors.bottom: parent.bottom
             width: 240
-            visible: panelSettings.poiListShown
+            visible: panelSettings.poiListShown && !pictureAlone.on
             timeline: timelineContent
             navigator: timelineNavigator
             onEditRequested: mainWindow.editSelectedPoi()
@@ -450,7 +487,7 @@ ReviewWindow {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             width: mainWindow.sidebarWidth
-            visible: panelSettings.sidebarShown
+            visible: panelSettings.sidebarShown && !pictureAlone.on
             color: Theme.panel
 
             Sidebar {

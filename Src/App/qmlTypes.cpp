@@ -13,6 +13,7 @@
 #include "Review/Review.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
+#include "Shell/PointerRest.h"
 #include "Shell/Shortcut.h"
 #include "Timeline/FramePreview.h"
 #include "Timeline/HeadUpDisplay.h"
@@ -55,6 +56,7 @@ void registerQmlTypes()
     qmlRegisterType<VideoPlayer>("VideoPlayer", 1, 0, "VideoPlayer");
     qmlRegisterType<PoiReportExporter>("PoiReportExporter", 1, 0, "PoiReportExporter");
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
+    qmlRegisterType<PointerRest>("Pointer", 1, 0, "PointerRest");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
     qmlRegisterType<TimelineNavigator>("Timeline", 1, 0, "TimelineNavigator");

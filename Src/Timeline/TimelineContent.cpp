@@ -273,18 +273,33 @@ void TimelineContent::mouseDoubleClickEvent(QMouseEvent* event)
         event->ignore();
 }
 
+bool TimelineContent::hasFlagAt(const Poi& poi, const QPoint& point) const
+{
+    if (point.y() < hoverTop || point.y() > hoverBottom)
+        return false;
+    const long long left = pxOfTime(poi.time);
+    return left <= point.x() && point.x() < left + poi.thumbnail.width() + 1;
+}
+
 QTime TimelineContent::poiAt(const QPoint& point) const
 {
     QTime hit;
-    if (point.y() < hoverTop || point.y() > hoverBottom)
-        return hit;
     // The latest of overlapping ones wins: it is painted on top.
     for (auto poi = firstPoiInTickRange(); isInTickRange(poi); ++poi) {
-        const long long left = pxOfTime(poi->time);
-        if (left <= point.x() && point.x() < left + poi->thumbnail.width() + 1)
+        if (hasFlagAt(*poi, point))
             hit = poi->time;
     }
     return hit;
+}
+
+std::vector<Poi> TimelineContent::poisAt(const QPoint& point) const
+{
+    std::vector<Poi> hits;
+    for (auto poi = firstPoiInTickRange(); isInTickRange(poi); ++poi) {
+        if (hasFlagAt(*poi, point))
+            hits.push_back(*poi);
+    }
+    return hits;
 }
 
 void TimelineContent::hover(QHoverEvent* event)

@@ -115,6 +115,9 @@ public:
     /// Puts the selected point at the cursor, over any other there. At its own place it is lost.
     Q_INVOKABLE void confirmNewPOIPositionAndExitMoveMode();
 
+    /// The points whose flags are at a place of the item, in ascending time; the last is on top.
+    std::vector<Poi> poisAt(const QPoint& point) const;
+
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -163,6 +166,7 @@ private:
     void forgetFlight();
     void select(QTime poiTime);
 
+    bool hasFlagAt(const Poi& poi, const QPoint& point) const;
     QTime poiAt(const QPoint& point) const;
     void hover(QHoverEvent* event);
 

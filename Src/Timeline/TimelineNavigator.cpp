@@ -68,6 +68,29 @@ QString TimelineNavigator::timeTextAt(double x) const
     return timeAt(x).toString(QStringLiteral("mm:ss.zzz"));
 }
 
+QVariantList TimelineNavigator::poisAt(double x, double y) const
+{
+    QVariantList list;
+    if (!m_timeline)
+        return list;
+    for (const Poi& poi : m_timeline->poisAt(QPointF(x, y).toPoint()))
+        list << QVariantMap{
+            {QStringLiteral("time"), poi.time},
+            {QStringLiteral("timeText"), poi.time.toString(QStringLiteral("mm:ss.zzz"))},
+            {QStringLiteral("name"), poi.name},
+            {QStringLiteral("thumbnail"), poi.thumbnail}};
+    return list;
+}
+
+bool TimelineNavigator::samePois(const QVariantList& one, const QVariantList& other) const
+{
+    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                      [](const QVariant& first, const QVariant& second) {
+                          return first.toMap().value(QStringLiteral("time")) ==
+                                 second.toMap().value(QStringLiteral("time"));
+                      });
+}
+
 void TimelineNavigator::zoom(bool in)
 {
     if (!m_timeline)

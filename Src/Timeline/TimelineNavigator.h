@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QVariantList>
 
 namespace corv {
 
@@ -38,6 +39,13 @@ public:
     /// The time at an item x, within the video, and as minutes, seconds and milliseconds.
     Q_INVOKABLE QTime timeAt(double x) const;
     Q_INVOKABLE QString timeTextAt(double x) const;
+
+    /// The points of interest whose flags are at a place of the item, in ascending time: maps of
+    /// "time" (QTime), "timeText", "name" and "thumbnail" (QImage).
+    Q_INVOKABLE QVariantList poisAt(double x, double y) const;
+
+    /// Whether two such lists are of the same points.
+    Q_INVOKABLE bool samePois(const QVariantList& one, const QVariantList& other) const;
 
     /// The whole video in view.
     Q_INVOKABLE void zoomToFit();

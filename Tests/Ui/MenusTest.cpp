@@ -63,6 +63,7 @@ void MenusTest::entries_data()
     row("copyFrameMenuItem", "&Copy current frame to clipboard", "Ctrl+C");
     row("generalSettingsMenuItem", "General settings", "");
     row("fullScreenMenuItem", "&Full screen", "F11");
+    row("pictureAloneMenuItem", "&Picture alone on full screen", "F");
     row("curvesMenuItem", "Show &curves of the flight log", "Ctrl+U");
     row("restorePoisMenuItem", "Restore POIs from flight data...", "");
     row("userGuideMenuItem", "User guide...", "F1");

@@ -21,6 +21,7 @@ private slots:
     void keysPlayFasterAndPause();
     void theWheelZoomsThePictureAndADragMovesIt();
     void theTimelineShowsThePictureAtThePointer();
+    void flagsThatCoverEachOtherAreListed();
     void theThermalBarHasTheEndsOfTheRange();
     void unitsSwitchAtOnce();
     void aSeriesOfPicturesIsAJobWithAnEnd();
@@ -227,6 +228,42 @@ void PanelsTest::theThermalBarHasTheEndsOfTheRange()
     QTRY_VERIFY(m_ui->item("thermalBar")->isVisible());
     QCOMPARE(m_ui->get("lowestText", "text").toString(), QString("7000"));
     QCOMPARE(m_ui->get("highestText", "text").toString(), QString("9000"));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::flagsThatCoverEachOtherAreListed()
+{
+    openFlight();
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'lowest'},"
+                   "{time: 1040, name: 'middle'}, {time: 1080, name: 'top'},"
+                   "{time: 4000, name: 'apart'}])");
+    QQuickItem* const strip = m_ui->item("timelineContent");
+    const double msPerPx = strip->property("msPerPx").toDouble();
+    const auto at = [&](int ms) {
+        return strip->mapToScene(QPointF(ms / msPerPx + 20, 70)).toPoint();
+    };
+    const auto flagsAt = [&](int ms) {
+        return m_ui->evaluate(QString("timelineNavigator.poisAt(%1, 70).length").arg(ms / msPerPx))
+            .toInt();
+    };
+    QTRY_COMPARE(flagsAt(1090), 3); // each has its picture
+    QTest::mouseMove(m_ui->window(), at(4000));
+    QTest::mouseMove(m_ui->window(), at(4000) + QPoint(1, 0));
+    QTRY_VERIFY(m_ui->item("timelinePreview")->isVisible());
+    QVERIFY(!m_ui->item("overlapList")->isVisible());
+
+    QTest::mouseMove(m_ui->window(), at(1080));
+    QTRY_VERIFY(m_ui->item("overlapList")->isVisible());
+    QVERIFY(!m_ui->item("timelinePreview")->isVisible());
+    m_ui->screenshot("overlap");
+    // On the way to the list the pointer is over the ruler.
+    QTest::mouseMove(m_ui->window(), at(1080) - QPoint(0, 60));
+    QVERIFY(m_ui->item("overlapList")->isVisible());
+    QTRY_VERIFY(m_ui->item("overlapRow0"));
+    UiFixture::click(m_ui->item("overlapRow0"));
+    QTRY_COMPARE(selected(), 1000);
+    QTRY_COMPARE(position(), 1000);
+    QTRY_VERIFY(!m_ui->item("overlapList")->isVisible());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 

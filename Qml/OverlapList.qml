@@ -1,0 +1,137 @@
+import QtQuick 2.15
+import Timeline 1.0
+import VideoPlayer 1.0
+import "."
+
+// Over the timeline: the points of interest whose flags cover each other at the pointer, each with
+// its picture, so that every one can be chosen. It stays long enough for the pointer to reach it.
+Item {
+    id: overlapList
+
+    property TimelineNavigator navigator: null
+    // Says where the pointer is over the timeline.
+    property HoverHandler pointer: null
+    readonly property alias shown: frame.visible
+    signal chosen()
+
+    // Of the points: maps of "time", "timeText", "name" and "thumbnail".
+    property var points: []
+    property real pointedX: 0
+
+    function follow() {
+        var place = pointer.point.position;
+        var found = pointer.hovered ? navigator.poisAt(place.x, place.y) : [];
+        if (found.length > 1) {
+            // The list stays in its place while the same flags are under the pointer.
+            if (!navigator.samePois(found, points)) {
+                points = found;
+                pointedX = place.x;
+            }
+            leaving.stop();
+        } else if (points.length > 0 && !leaving.running && !over.hovered) {
+            leaving.start();
+        }
+    }
+
+    function choose(time) {
+        points = [];
+        navigator.goToPoi(time);
+        chosen();
+    }
+
+    Connections {
+        target: overlapList.pointer
+
+        function onPointChanged() {
+            overlapList.follow();
+        }
+
+        function onHoveredChanged() {
+            overlapList.follow();
+        }
+    }
+
+    Timer {
+        id: leaving
+        interval: 700
+        onTriggered: overlapList.points = []
+    }
+
+    Rectangle {
+        id: frame
+        objectName: "overlapList"
+        x: Math.max(0, Math.min(overlapList.width - width, overlapList.pointedX - width / 2))
+        y: -height
+        width: 240
+        height: Math.min(list.contentHeight, 4.5 * 44) + 8
+        visible: overlapList.points.length > 1
+        color: Theme.plate
+        border.width: 1
+        border.color: Theme.menuBorder
+
+        HoverHandler {
+            id: over
+            onHoveredChanged: {
+                if (hovered)
+                    leaving.stop();
+                else
+                    leaving.start();
+            }
+        }
+
+        ListView {
+            id: list
+            anchors.fill: parent
+            anchors.margins: 4
+            clip: true
+            boundsBehavior: Flickable.StopAtBounds
+            model: overlapList.points
+            Accessible.role: Accessible.List
+            Accessible.name: "Points of interest at the pointer"
+
+            delegate: Rectangle {
+                objectName: "overlapRow" + index
+                width: list.width
+                height: 44
+                color: rowHover.hovered ? Theme.listHovered : Theme.clear
+                Accessible.role: Accessible.ListItem
+                Accessible.name: modelData.timeText + " " + modelData.name
+
+                PictureItem {
+                    id: picture
+                    anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
+                    width: 64
+                    height: 36
+                    picture: modelData.thumbnail
+                }
+
+                ElidedText {
+                    id: nameText
+                    anchors {
+                        left: picture.right
+                        leftMargin: 6
+                        right: parent.right
+                        rightMargin: 6
+                        top: parent.top
+                        topMargin: 4
+                    }
+                    color: Theme.text
+                    text: modelData.name
+                }
+
+                Text {
+                    anchors { left: nameText.left; top: nameText.bottom; topMargin: 2 }
+                    color: Theme.text
+                    font.pixelSize: 11
+                    text: modelData.timeText
+                }
+
+                HoverHandler { id: rowHover }
+
+                TapHandler {
+                    onTapped: overlapList.choose(modelData.time)
+                }
+            }
+        }
+    }
+}

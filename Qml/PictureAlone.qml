@@ -1,0 +1,79 @@
+import QtQuick 2.15
+import QtQuick.Window 2.2
+import Pointer 1.0
+
+// The picture alone on the full screen. What is around it is hidden by the window that shows this;
+// the controls come with the pointer and go once it rests, but for a pointer that is over them.
+Item {
+    id: pictureAlone
+
+    property Window window: null
+    // The topmost of the controls: from there on down the pointer is over them.
+    property Item controls: null
+    property bool videoOpen: false
+    // Escape has another use while a point of interest is being moved.
+    property bool escapeIsTaken: false
+    readonly property bool on: wanted && videoOpen
+    readonly property bool controlsShown: !on || !pointer.resting || overControls
+    property alias restMs: pointer.restMs
+
+    property bool wanted: false
+    property int visibilityBefore: Window.Windowed
+    // Nothing is above the contents of the window then.
+    readonly property bool overControls: controls !== null && pointer.position.y >= controls.y
+
+    function toggle() {
+        if (on)
+            leave();
+        else if (videoOpen)
+            enter();
+    }
+
+    function enter() {
+        visibilityBefore = window.visibility;
+        wanted = true;
+        window.visibility = Window.FullScreen;
+    }
+
+    function leave() {
+        if (!wanted)
+            return;
+        wanted = false;
+        window.visibility = visibilityBefore;
+    }
+
+    onVideoOpenChanged: {
+        if (!videoOpen)
+            leave();
+    }
+
+    PointerRest {
+        id: pointer
+        window: pictureAlone.window
+        watching: pictureAlone.on
+    }
+
+    // The desktop may end the full screen, too.
+    Connections {
+        target: pictureAlone.wanted ? pictureAlone.window : null
+
+        function onVisibilityChanged() {
+            var visibility = pictureAlone.window.visibility;
+            if (visibility === Window.Windowed || visibility === Window.Maximized)
+                pictureAlone.wanted = false;
+        }
+    }
+
+    Shortcut {
+        sequence: "F"
+        autoRepeat: false
+        enabled: pictureAlone.on
+        onActivated: pictureAlone.leave()
+    }
+    Shortcut {
+        sequence: "Esc"
+        autoRepeat: false
+        enabled: pictureAlone.on && !pictureAlone.escapeIsTaken
+        onActivated: pictureAlone.leave()
+    }
+}
