@@ -3,6 +3,7 @@
 #include "Discovery/filePairing.h"
 #include "Log/LogDecoder.h"
 #include "Log/LogFile.h"
+#include "Platform/fileSystem.h"
 #include "Threads/pool.h"
 #include "Video/VideoInfoReader.h"
 
@@ -99,6 +100,11 @@ private:
 
 } // namespace
 
+QDateTime FlightFilesMatcher::timeOfLastWrite(const QFileInfo& file)
+{
+    return platform::lastWriteTime(file.filePath());
+}
+
 VideoLength FlightFilesMatcher::readVideoLength(const QString& path)
 {
     VideoLength length;
@@ -144,7 +150,7 @@ QList<FlightMatchData> FlightFilesMatcher::matchFlightFiles(const QList<QFileInf
                                                             const Progress& progress,
                                                             const VideoProgress& videoProgress)
 {
-    Search search = pair(videos, logs);
+    Search search = pair(videos, logs, quickMode);
     if (hasAborted())
         return {};
     if (quickMode)
@@ -169,7 +175,8 @@ bool FlightFilesMatcher::hasAborted() const
 }
 
 FlightFilesMatcher::Search FlightFilesMatcher::pair(const QList<QFileInfo>& videos,
-                                                    const QList<QFileInfo>& logs) const
+                                                    const QList<QFileInfo>& logs,
+                                                    bool quickMode) const
 {
     const std::vector<TimedFile> timedVideos = sortedByTime(videos, m_facts.time);
     const std::vector<TimedFile> timedLogs = sortedByTime(logs, m_facts.time);
@@ -198,15 +205,19 @@ FlightFilesMatcher::Search FlightFilesMatcher::pair(const QList<QFileInfo>& vide
             const TimedFile& pairedFile = timedLogs[static_cast<size_t>(paired[i])];
             match.logFile = pairedFile.file;
             match.evidence = PairingEvidence::Time;
-            log = positionOf(pairedFile);
+            if (!quickMode) // which reads no log, and links cost a question per folder
+                log = positionOf(pairedFile);
         }
         search.matches.append(match);
+        if (quickMode)
+            continue;
         search.logOfMatch.push_back(log);
         search.videos.push_back({video.file.absoluteFilePath(), timeOf(video), -1, log});
     }
     search.logsByTime = search.logs.size();
-    for (const TimedFile& log : timedLogs)
-        positionOf(log);
+    if (!quickMode)
+        for (const TimedFile& log : timedLogs)
+            positionOf(log);
     return search;
 }
 

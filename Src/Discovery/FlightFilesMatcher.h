@@ -49,9 +49,7 @@ public:
     struct FileFacts
     {
         /// When the file was last written, which a careful copy keeps; invalid if unknown.
-        std::function<QDateTime(const QFileInfo&)> time = [](const QFileInfo& file) {
-            return file.lastModified();
-        };
+        std::function<QDateTime(const QFileInfo&)> time = timeOfLastWrite;
         std::function<VideoLength(const QString&)> videoLength = readVideoLength;
         /// Reads a log; ends early once the flag is set.
         std::function<LogFacts(const QString&, const std::atomic<bool>*, const LogStages&)> log =
@@ -75,13 +73,14 @@ public:
 private:
     struct Search;
 
+    static QDateTime timeOfLastWrite(const QFileInfo& file);
     static VideoLength readVideoLength(const QString& path);
     static LogFacts readLogFacts(const QString& path, const std::atomic<bool>* abortFlag,
                                  const LogStages& stages);
     static int coresOfMachine();
     bool isAbortRequested() const;
     bool hasAborted() const;
-    Search pair(const QList<QFileInfo>& videos, const QList<QFileInfo>& logs) const;
+    Search pair(const QList<QFileInfo>& videos, const QList<QFileInfo>& logs, bool quickMode) const;
     void readLengths(Search& search, const VideoProgress& progress) const;
     bool readLogs(Search& search, size_t from, size_t end, const Progress& progress) const;
     bool weigh(Search& search, const Progress& progress) const;

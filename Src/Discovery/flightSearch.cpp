@@ -65,7 +65,8 @@ QVariantMap matchingRow(const FlightMatchData& match)
         {QStringLiteral("part"), match.part},
         {QStringLiteral("partText"), partText(match)},
         {QStringLiteral("partStart"), match.partStartMs},
-        {QStringLiteral("videoTime"), match.videoTime.toString(Qt::ISODate)},
+        {QStringLiteral("videoTime"),
+         match.videoTime.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))},
         {QStringLiteral("videoSize"), match.videoFile.size()},
     };
 }

@@ -61,6 +61,13 @@ QString kernelName(const QByteArray& device)
     return name.replace(QLatin1Char('/'), QLatin1Char('!'));
 }
 
+// As nearly all names are; decoding takes longer than reading them.
+bool isAscii(const QByteArray& name)
+{
+    return std::all_of(name.begin(), name.end(),
+                       [](char letter) { return static_cast<signed char>(letter) >= 0; });
+}
+
 } // namespace
 
 QList<Volume> mountedVolumes()
@@ -89,7 +96,7 @@ int undecodableNames(const QString& folder, const QStringList& extensions)
     int count = 0;
     while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
         const QByteArray name(entry->d_name);
-        if (QFile::encodeName(QFile::decodeName(name)) == name)
+        if (isAscii(name) || QFile::encodeName(QFile::decodeName(name)) == name)
             continue;
         const QByteArray lower = name.toLower();
         count += std::any_of(extensions.begin(), extensions.end(), [&](const QString& extension) {

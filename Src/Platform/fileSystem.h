@@ -3,6 +3,7 @@
 #include "Base/Failure.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 #include <QtGlobal>
 #include <atomic>
@@ -103,5 +104,10 @@ private:
 /// The reason behind an error number, for `what` was to be done: "The project /a/b.ecor cannot be
 /// saved" gives "The project /a/b.ecor cannot be saved: No space left on device.".
 Failure failureOfError(int error, const QString& what);
+
+/// When a file was last written, in local time and with its offset from UTC; invalid if unknown.
+/// Links are followed. Qt's own looks for the rules of the time zone on the disk, for each file
+/// anew, which takes several times as long.
+QDateTime lastWriteTime(const QString& path);
 
 } // namespace corv::platform

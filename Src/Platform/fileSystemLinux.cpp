@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
@@ -367,6 +368,21 @@ Failure failureOfError(int error, const QString& what)
     return {kindOfError(error), error == ECANCELED
                                     ? what + QStringLiteral(": cancelled.")
                                     : QStringLiteral("%1: %2.").arg(what, qt_error_string(error))};
+}
+
+QDateTime lastWriteTime(const QString& path)
+{
+    struct stat attributes
+    {
+    };
+    if (::stat(QFile::encodeName(path).constData(), &attributes) != 0)
+        return {};
+    tm local{};
+    if (localtime_r(&attributes.st_mtim.tv_sec, &local) == nullptr)
+        return {};
+    return QDateTime::fromMSecsSinceEpoch(qint64(attributes.st_mtim.tv_sec) * 1000 +
+                                              attributes.st_mtim.tv_nsec / 1'000'000,
+                                          Qt::OffsetFromUTC, static_cast<int>(local.tm_gmtoff));
 }
 
 } // namespace corv::platform
