@@ -22,9 +22,11 @@
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQuickWindow>
+#include <QThreadPool>
 #include <QTimer>
 #include <QWindow>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 
 namespace {
@@ -88,6 +90,20 @@ void connectUpdater(corv::UpdateManager& updater, QObject* root)
                      SLOT(showInstallerRefused(QVariant)), Qt::QueuedConnection);
 }
 
+// All objects wait for their tasks when they end. What is left on the pool after them is a search
+// of a medium that does not answer, for which Qt would wait for ever.
+class LastWait
+{
+public:
+    ~LastWait()
+    {
+        constexpr int longestMs = 150;
+        if (!QThreadPool::globalInstance()->waitForDone(longestMs))
+            std::_Exit(exitCode);
+    }
+    int exitCode = 0;
+};
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -101,6 +117,7 @@ int main(int argc, char** argv)
     // First of all messages, so that it covers the start of the scene graph too.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.scenegraph.general=true"));
     QApplication application(argc, argv);
+    LastWait lastWait;
     // Read again: the application has taken out Qt's own options, such as -platform.
     const corv::CommandLine line = corv::readCommandLine(QApplication::arguments());
     if (line.wish != corv::CommandLine::Wish::openWindow)
@@ -155,6 +172,7 @@ int main(int argc, char** argv)
     QTimer::singleShot(updateCheckDelayMs, &updater, &corv::UpdateManager::checkUpdate);
 
     const int exitCode = QApplication::exec();
+    lastWait.exitCode = exitCode;
     qInfo() << "Bye! Exit code: " << exitCode;
     // The destructors that follow no longer write to the log.
     qInstallMessageHandler(nullptr);

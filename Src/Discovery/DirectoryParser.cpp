@@ -6,9 +6,17 @@
 #include "Threads/post.h"
 
 #include <QDebug>
+#include <QThread>
+#include <QTimer>
 #include <utility>
 
 namespace corv {
+namespace {
+
+// A search that has not ended so long after its abort waits for its medium.
+constexpr int longestUnwindingMs = 150;
+
+} // namespace
 
 struct DirectoryParser::Result
 {
@@ -18,10 +26,42 @@ struct DirectoryParser::Result
     QStringList remarks;
 };
 
+/// Takes what a search reports, on the parser's thread, for as long as there is a parser. The
+/// search may outlive it.
+class DirectoryParser::Listener : public QObject
+{
+public:
+    explicit Listener(DirectoryParser* parser) : m_parser(parser) {}
+
+    void leave() { m_parser = nullptr; }
+
+    /// Has `job` run with the parser. From the search's threads.
+    void tell(std::function<void(DirectoryParser& parser)> job)
+    {
+        post(this, [this, job = std::move(job)] {
+            if (m_parser)
+                job(*m_parser);
+        });
+    }
+
+private:
+    DirectoryParser* m_parser;
+};
+
+std::shared_ptr<DirectoryParser::Listener> DirectoryParser::makeListener()
+{
+    return {new Listener(this), [](Listener* listener) {
+                if (listener->thread() == QThread::currentThread())
+                    delete listener;
+                else
+                    listener->deleteLater();
+            }};
+}
+
 DirectoryParser::DirectoryParser(QObject* parent) : DirectoryParser(Machine(), parent) {}
 
 DirectoryParser::DirectoryParser(Machine machine, QObject* parent)
-    : QObject(parent), m_machine(std::move(machine))
+    : QObject(parent), m_machine(std::move(machine)), m_listener(makeListener())
 {
     if (!m_machine.hasDriveService)
         return;
@@ -34,7 +74,9 @@ DirectoryParser::~DirectoryParser()
 {
     if (m_abortRequested)
         m_abortRequested->store(true, std::memory_order_relaxed);
-    m_search.waitForDone();
+    m_listener->leave();
+    if (!m_search.isDoneWithin(longestUnwindingMs))
+        m_search.replaceThread();
 }
 
 void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirectory,
@@ -48,21 +90,22 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
     // after the next one has started.
     const auto abortRequested = std::make_shared<std::atomic<bool>>(false);
     m_abortRequested = abortRequested;
-    const auto reportProgress = [this, abortRequested](int file, int files, int step, int done,
-                                                       int total) {
-        post(this, [this, abortRequested, file, files, step, done, total] {
+    const auto reportProgress = [listener = m_listener, abortRequested](
+                                    int file, int files, int step, int done, int total) {
+        listener->tell([=](DirectoryParser& parser) {
             if (!abortRequested->load(std::memory_order_relaxed))
-                emit matchingProgress(file, files, step, done, total);
+                emit parser.matchingProgress(file, files, step, done, total);
         });
     };
-    const auto reportVideo = [this, abortRequested](int video, int videos) {
-        post(this, [this, abortRequested, video, videos] {
+    const auto reportVideo = [listener = m_listener, abortRequested](int video, int videos) {
+        listener->tell([=](DirectoryParser& parser) {
             if (!abortRequested->load(std::memory_order_relaxed))
-                emit videoProgress(video, videos);
+                emit parser.videoProgress(video, videos);
         });
     };
     m_search = runOnPool(
-        [this, abortRequested, reportProgress, reportVideo, quickMode, facts = m_machine.files,
+        [listener = m_listener, abortRequested, reportProgress, reportVideo, quickMode,
+         facts = m_machine.files,
          locations = SearchLocations{videoDirectory, logDirectory, videoFromDrive, logFromDrive}] {
             qInfo() << "Starting the directory parser";
             const auto result = std::make_shared<Result>();
@@ -75,7 +118,9 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
                 result->rows = matchingRows(result->matches);
             }
             result->remarks = corv::searchRemarks(locations, files);
-            post(this, [this, result, abortRequested] { endSearch(*result, *abortRequested); });
+            listener->tell([result, abortRequested](DirectoryParser& parser) {
+                parser.endSearch(*result, *abortRequested);
+            });
         });
     emit searchingChanged();
 }
@@ -156,8 +201,12 @@ QVariantMap DirectoryParser::autodetectDrivesWithData()
 
 void DirectoryParser::abortParsing()
 {
-    if (m_abortRequested)
+    if (m_abortRequested) {
         m_abortRequested->exchange(true);
+        // A hung search is not to keep the pool's threads from everybody else.
+        QTimer::singleShot(longestUnwindingMs, this,
+                           [search = m_search] { search.replaceThread(); });
+    }
     qInfo() << "Aborting...";
 }
 

@@ -41,7 +41,8 @@ public:
     explicit DirectoryParser(QObject* parent = nullptr);
     explicit DirectoryParser(Machine machine, QObject* parent = nullptr);
 
-    /// Aborts a running search and waits for its worker.
+    /// Aborts a running search and waits for its worker, but not for a medium that does not answer:
+    /// its search ends by itself, and nothing of it is heard any more.
     ~DirectoryParser() override;
 
     bool isSearching() const { return m_abortRequested != nullptr; }
@@ -89,13 +90,16 @@ signals:
 
 private:
     struct Result;
+    class Listener;
 
+    std::shared_ptr<Listener> makeListener();
     void endSearch(const Result& result, const std::atomic<bool>& abortRequested);
     void afterDirectoriesParsed(const Result& result, const std::atomic<bool>& abortRequested);
 
     Machine m_machine;
     std::unique_ptr<platform::DriveService> m_driveService; ///< null if the machine has none
     std::shared_ptr<std::atomic<bool>> m_abortRequested; ///< of the running search, null when idle
+    std::shared_ptr<Listener> m_listener;                ///< what searches post to
     PoolTask m_search;
 };
 

@@ -12,7 +12,10 @@ namespace corv {
 
 struct PoolTask::State
 {
+    enum class Thread { own, replaced, returned };
+
     std::atomic<bool> running{true};
+    std::atomic<Thread> thread{Thread::own};
     QSemaphore done;
 };
 
@@ -34,6 +37,9 @@ public:
         m_job();
         m_job = nullptr; // what the job held dies before the task counts as ended
         const std::shared_ptr<PoolTask::State> state = std::move(m_state);
+        if (state->thread.exchange(PoolTask::State::Thread::returned) ==
+            PoolTask::State::Thread::replaced)
+            QThreadPool::globalInstance()->reserveThread();
         annotateRelease(state.get());
         state->running.store(false, std::memory_order_release);
         state->done.release();
@@ -56,6 +62,24 @@ void PoolTask::waitForDone() const
     m_state->done.acquire();
     m_state->done.release(); // the next one who waits finds it done as well
     annotateAcquire(m_state.get());
+}
+
+bool PoolTask::isDoneWithin(int ms) const
+{
+    if (!m_state)
+        return true;
+    if (!m_state->done.tryAcquire(1, ms))
+        return false;
+    m_state->done.release();
+    annotateAcquire(m_state.get());
+    return true;
+}
+
+void PoolTask::replaceThread() const
+{
+    State::Thread expected = State::Thread::own;
+    if (m_state && m_state->thread.compare_exchange_strong(expected, State::Thread::replaced))
+        QThreadPool::globalInstance()->releaseThread();
 }
 
 PoolTask runOnPool(std::function<void()> job)

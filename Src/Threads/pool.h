@@ -19,6 +19,13 @@ public:
     /// Returns once the job has returned, with everything it did visible to the caller.
     void waitForDone() const;
 
+    /// The same, but gives up after `ms` milliseconds; true if the job has returned.
+    bool isDoneWithin(int ms) const;
+
+    /// Gives the pool another thread in place of the one of this task, until its job returns: for a
+    /// job that waits for a medium that does not answer. Any thread, once or more.
+    void replaceThread() const;
+
 private:
     struct State;
     friend PoolTask runOnPool(std::function<void()> job);

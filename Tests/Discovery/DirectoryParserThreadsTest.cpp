@@ -1,7 +1,10 @@
 #include "Discovery/PersistentData.h"
 #include "Support/MessageLog.h"
+#include "Threads/pool.h"
 #include "searchSetup.h"
 
+#include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QThread>
 #include <QThreadPool>
 #include <QtTest>
@@ -29,6 +32,9 @@ private slots:
     void theEndOfTheParserWaitsForTheSearch_data();
     void theEndOfTheParserWaitsForTheSearch();
     void searchAbortSearchRecallClose();
+    void theEndOfTheParserDoesNotWaitForAMedium_data();
+    void theEndOfTheParserDoesNotWaitForAMedium();
+    void anAbortedSearchKeepsNoThreadFromOthers();
 };
 
 void DirectoryParserThreadsTest::init()
@@ -259,6 +265,7 @@ void DirectoryParserThreadsTest::theEndOfTheParserWaitsForTheSearch()
     std::thread opener([&s] { s.release(); });
     s.parser.reset();
     opener.join();
+    QThreadPool::globalInstance()->waitForDone(); // a slow machine is like a slow medium
     // The worker has come to an end of its own, by the flag or just before it was set.
     QVERIFY(messages.contains("Aborted. (flightFilesMatcher)") ||
             (!aborted && messages.contains("Correct event")));
@@ -288,6 +295,79 @@ void DirectoryParserThreadsTest::searchAbortSearchRecallClose()
         QCOMPARE(rowsOf(complete).size(), 5);
         search();
     }
+}
+
+void DirectoryParserThreadsTest::theEndOfTheParserDoesNotWaitForAMedium_data()
+{
+    QTest::addColumn<QString>("hungIn");
+    QTest::newRow("time of a file") << "time";
+    QTest::newRow("length of a video") << "length";
+    QTest::newRow("reading a log") << "log";
+}
+
+void DirectoryParserThreadsTest::theEndOfTheParserDoesNotWaitForAMedium()
+{
+    QFETCH(QString, hungIn);
+    FlightCards cards;
+    cards.addVideo(cards.path("videos/v.mp4"), 0);
+    cards.addLog(cards.path("logs/l.log"), 10);
+    DirectoryParser::Machine machine = cards.parserMachine();
+    const auto hang = [&cards, hungIn](const QString& what) {
+        if (hungIn != what)
+            return;
+        cards.reached.release();
+        cards.gate.acquire();
+    };
+    const FlightFilesMatcher::FileFacts real = machine.files;
+    machine.files.time = [=](const QFileInfo& file) {
+        hang("time");
+        return real.time(file);
+    };
+    machine.files.videoLength = [=](const QString& path) {
+        hang("length");
+        return real.videoLength(path);
+    };
+    machine.files.log = [=](const QString& path, const std::atomic<bool>* abort,
+                            const FlightFilesMatcher::LogStages& stages) {
+        hang("log");
+        return real.log(path, abort, stages);
+    };
+    auto parser = std::make_unique<DirectoryParser>(machine);
+    QSignalSpy complete(parser.get(), &DirectoryParser::matchingComplete);
+    parser->parseDirectories(cards.path("videos"), cards.path("logs"), false, false, false);
+    cards.reached.acquire();
+    QElapsedTimer clock;
+    clock.start();
+    parser.reset();
+    const qint64 closedMs = clock.elapsed();
+    cards.release(); // the medium answers, and nobody listens any more
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    QVERIFY2(closedMs < 500, qPrintable(QString::number(closedMs)));
+    QCOMPARE(complete.size(), 0);
+}
+
+void DirectoryParserThreadsTest::anAbortedSearchKeepsNoThreadFromOthers()
+{
+    QThreadPool* pool = QThreadPool::globalInstance();
+    const int threads = pool->maxThreadCount();
+    const auto restore = qScopeGuard([=] { pool->setMaxThreadCount(threads); });
+    pool->setMaxThreadCount(1);
+    Setup s;
+    s.addVideo(s.path("videos/v.mp4"), 0);
+    s.addLog(s.path("logs/l.log"), 10);
+    s.held = true;
+    s.searchFolders();
+    s.reached.acquire();
+    s.parser->abortParsing();
+    std::atomic<bool> ran{false};
+    const PoolTask other = runOnPool([&ran] { ran = true; });
+    QTRY_VERIFY(ran);
+    QVERIFY(s.parser->isSearching());
+    s.release();
+    QTRY_VERIFY(!s.parser->isSearching());
+    QCOMPARE(pool->activeThreadCount(), 0);
+    QCOMPARE(pool->maxThreadCount(), 1);
 }
 
 QTEST_GUILESS_MAIN(DirectoryParserThreadsTest)
