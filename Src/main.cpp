@@ -1,3 +1,4 @@
+#include "App/logCategory.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
 #include "App/saveDialogSuffix.h"
@@ -54,7 +55,7 @@ int answer(const corv::CommandLine& line)
 void openFirstArgument(QObject* root, const QString& argument)
 {
     const QString path = corv::platform::longPath(argument);
-    qInfo() << "First argument:" << path;
+    qCInfo(lcApp) << "First argument:" << path;
     const QFileInfo file(path);
     const QString suffix = file.suffix().toLower();
     const bool isVideo = suffix == QLatin1String("mp4") || suffix == QLatin1String("mov");
@@ -67,7 +68,7 @@ void openFirstArgument(QObject* root, const QString& argument)
 int reportMissingInterface(const QStringList& reasons)
 {
     constexpr int mostReasons = 5;
-    qCritical() << "The interface could not be loaded" << reasons;
+    qCCritical(lcApp) << "The interface could not be loaded" << reasons;
     const QString text =
         QStringLiteral("The window of Vistrel could not be loaded. Part of the installation is "
                        "missing or damaged: install the package again. What is missing:\n\n") +
@@ -129,8 +130,8 @@ int main(int argc, char** argv)
     corv::crashReport::install(logFilePath);
 
     const corv::AppInfo appInfo;
-    qInfo("Vistrel version %s started; process id: %d", qPrintable(appInfo.versionString()),
-          static_cast<int>(QApplication::applicationPid()));
+    qCInfo(lcApp, "Vistrel version %s started; process id: %d", qPrintable(appInfo.versionString()),
+           static_cast<int>(QApplication::applicationPid()));
 
     const corv::SystemInfo systemInfo;
     if (!systemInfo.fileExists())
@@ -173,7 +174,7 @@ int main(int argc, char** argv)
 
     const int exitCode = QApplication::exec();
     lastWait.exitCode = exitCode;
-    qInfo() << "Bye! Exit code: " << exitCode;
+    qCInfo(lcApp) << "Bye! Exit code: " << exitCode;
     // The destructors that follow no longer write to the log.
     qInstallMessageHandler(nullptr);
     return exitCode;

@@ -1,5 +1,6 @@
 #include "Azure/AzureStorage.h"
 
+#include "Azure/logCategory.h"
 #include "Azure/sharedKey.h"
 
 #include <QDateTime>
@@ -86,12 +87,12 @@ AzureStorage::AzureStorage(QObject* parent, CloudShare share)
 void AzureStorage::downloadFile(QString path)
 {
     if (path.isEmpty()) {
-        qWarning() << "Empty file path";
+        qCWarning(lcAzure) << "Empty file path";
         return;
     }
     if (path.startsWith(QLatin1Char('/'))) {
-        qWarning() << "File path is relative to the Azure storage and it mustn't "
-                      "start with a /";
+        qCWarning(lcAzure) << "File path is relative to the Azure storage and it mustn't "
+                              "start with a /";
         return;
     }
     // The resource is signed as it was given, unescaped, while the address is read tolerantly.
@@ -134,13 +135,13 @@ void AzureStorage::finished(QNetworkReply* reply)
     const QUrl url = reply->url();
     const QString error = errorOf(*reply);
     if (!error.isEmpty()) {
-        qWarning() << "Download of" << url.toEncoded() << " failed; error:" << error;
+        qCWarning(lcAzure) << "Download of" << url.toEncoded() << " failed; error:" << error;
         emit downloadError(error);
         return;
     }
     const QString text = url.toString();
     if (text.size() < m_share.baseUrl.size()) {
-        qWarning() << "Unexpected URL for downloaded file:" << text;
+        qCWarning(lcAzure) << "Unexpected URL for downloaded file:" << text;
         return;
     }
     emit fileDownloaded(text.mid(m_share.baseUrl.size()), reply->readAll());

@@ -3,6 +3,7 @@
 #include "Discovery/PersistentData.h"
 #include "Discovery/cardLayouts.h"
 #include "Discovery/flightSearch.h"
+#include "Discovery/logCategory.h"
 #include "Threads/post.h"
 
 #include <QDebug>
@@ -83,7 +84,7 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
                                        bool videoFromDrive, bool logFromDrive, bool quickMode)
 {
     if (m_abortRequested) {
-        qWarning() << "Previous parsing didn't finish!";
+        qCWarning(lcDiscovery) << "Previous parsing didn't finish!";
         return;
     }
     // A flag of its own for each search: whatever an aborted one has still on its way stays silent
@@ -107,7 +108,7 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
         [listener = m_listener, abortRequested, reportProgress, reportVideo, quickMode,
          facts = m_machine.files,
          locations = SearchLocations{videoDirectory, logDirectory, videoFromDrive, logFromDrive}] {
-            qInfo() << "Starting the directory parser";
+            qCInfo(lcDiscovery) << "Starting the directory parser";
             const auto result = std::make_shared<Result>();
             const FlightFiles files = gatherFlightFiles(locations);
             result->matched = !files.videos.isEmpty() && !files.logs.isEmpty();
@@ -142,7 +143,7 @@ void DirectoryParser::afterDirectoriesParsed(const Result& result,
                                              const std::atomic<bool>& abortRequested)
 {
     if (abortRequested.load(std::memory_order_relaxed)) {
-        qInfo() << "Aborted (directoryParser)";
+        qCInfo(lcDiscovery) << "Aborted (directoryParser)";
         return;
     }
     if (!result.remarks.isEmpty())
@@ -182,16 +183,16 @@ QVariantMap DirectoryParser::autodetectDrivesWithData()
     for (const QVariant& entry : drives) {
         QVariantMap drive = entry.toMap();
         if (drive[QStringLiteral("type")].toInt() != platform::driveRemovable) {
-            qInfo() << "Skipping non-removable drive:" << drive;
+            qCInfo(lcDiscovery) << "Skipping non-removable drive:" << drive;
             continue;
         }
-        qInfo() << "Analyzing" << drive;
+        qCInfo(lcDiscovery) << "Analyzing" << drive;
         for (const CardLayout& layout : cardLayouts()) {
             const QList<QFileInfo> files = findFiles(drive[QStringLiteral("path")].toString(),
                                                      layout.subPath, layout.extension);
             if (files.isEmpty())
                 continue;
-            qInfo() << layout.droneModel << "eligible; files:" << files;
+            qCInfo(lcDiscovery) << layout.droneModel << "eligible; files:" << files;
             drive[QStringLiteral("droneModel")] = layout.droneModel;
             (layout.kind == CardLayout::Log ? withLogs : withVideos).append(drive);
         }
@@ -207,7 +208,7 @@ void DirectoryParser::abortParsing()
         QTimer::singleShot(longestUnwindingMs, this,
                            [search = m_search] { search.replaceThread(); });
     }
-    qInfo() << "Aborting...";
+    qCInfo(lcDiscovery) << "Aborting...";
 }
 
 } // namespace corv

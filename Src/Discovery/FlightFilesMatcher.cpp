@@ -1,6 +1,7 @@
 #include "Discovery/FlightFilesMatcher.h"
 
 #include "Discovery/filePairing.h"
+#include "Discovery/logCategory.h"
 #include "Log/LogDecoder.h"
 #include "Log/LogFile.h"
 #include "Platform/fileSystem.h"
@@ -170,7 +171,7 @@ bool FlightFilesMatcher::hasAborted() const
 {
     const bool aborted = isAbortRequested();
     if (aborted)
-        qInfo() << "Aborted. (flightFilesMatcher)";
+        qCInfo(lcDiscovery) << "Aborted. (flightFilesMatcher)";
     return aborted;
 }
 
@@ -180,8 +181,8 @@ FlightFilesMatcher::Search FlightFilesMatcher::pair(const QList<QFileInfo>& vide
 {
     const std::vector<TimedFile> timedVideos = sortedByTime(videos, m_facts.time);
     const std::vector<TimedFile> timedLogs = sortedByTime(logs, m_facts.time);
-    qInfo() << "Logs: " << logs.size() << " entries";
-    qInfo() << "Videos: " << videos.size() << " entries";
+    qCInfo(lcDiscovery) << "Logs: " << logs.size() << " entries";
+    qCInfo(lcDiscovery) << "Videos: " << videos.size() << " entries";
     const std::vector<int> paired = pairVideosWithLogs(timedVideos, timedLogs);
     Search search;
     search.matches.reserve(videos.size());
@@ -228,13 +229,13 @@ void FlightFilesMatcher::readLengths(Search& search, const VideoProgress& progre
             break; // a card may hold hundreds
         if (progress)
             progress(i + 1, search.matches.size());
-        qInfo() << "Getting time for video" << i;
+        qCInfo(lcDiscovery) << "Getting time for video" << i;
         const QString path = search.matches[i].videoFile.absoluteFilePath();
         const VideoLength length = m_facts.videoLength(path);
         search.matches[i].videoDuration = length.coarseMs;
         search.matches[i].flightLengthMs = length.exactMs;
         search.videos[static_cast<size_t>(i)].lengthMs = length.exactMs;
-        qInfo() << "Duration:" << length.coarseMs << "msecs";
+        qCInfo(lcDiscovery) << "Duration:" << length.coarseMs << "msecs";
     }
 }
 
@@ -246,7 +247,7 @@ bool FlightFilesMatcher::readLogs(Search& search, size_t from, size_t end,
     const auto work = [this, &search, jobs, total](const Progress& report) {
         size_t job = 0;
         while (!isAbortRequested() && jobs->take(&job)) {
-            qInfo() << "Start analyzing...";
+            qCInfo(lcDiscovery) << "Start analyzing...";
             const int number = static_cast<int>(job) + 1;
             Search::Log& log = search.logs[job];
             log.facts = m_facts.log(log.file.file.absoluteFilePath(), m_abortFlag,

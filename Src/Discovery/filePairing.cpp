@@ -1,5 +1,7 @@
 #include "Discovery/filePairing.h"
 
+#include "Discovery/logCategory.h"
+
 #include <QDebug>
 #include <algorithm>
 #include <iterator>
@@ -42,9 +44,10 @@ Position firstFrom(const TimedFile& video, Position begin, Position end, qint64 
 
 void list(const TimedFile& video, const TimedFile& log)
 {
-    qInfo() << "Log file: " << log.file.fileName() << ", metadataChangeTime " << log.timeText;
+    qCInfo(lcDiscovery) << "Log file: " << log.file.fileName() << ", metadataChangeTime "
+                        << log.timeText;
     if (video.time.isValid() && log.time.isValid())
-        qInfo() << "Difference with video: " << secsFrom(video, log) << " secs";
+        qCInfo(lcDiscovery) << "Difference with video: " << secsFrom(video, log) << " secs";
 }
 
 void listNeighbours(const TimedFile& video, const std::vector<TimedFile>& logs, int paired)
@@ -69,7 +72,7 @@ std::vector<TimedFile> sortedByTime(const QList<QFileInfo>& files,
     for (const QFileInfo& file : files) {
         const QDateTime time = timeOf(file);
         if (!time.isValid())
-            qWarning() << "No time for file" << file.filePath();
+            qCWarning(lcDiscovery) << "No time for file" << file.filePath();
         timed.push_back({file, time, time.toMSecsSinceEpoch(),
                          time.toString(QStringLiteral("dd/MM/yyyy hh:mm:ss"))});
     }
@@ -111,8 +114,8 @@ std::vector<int> pairVideosWithLogs(const std::vector<TimedFile>& videos,
     std::vector<int> paired;
     paired.reserve(videos.size());
     for (const TimedFile& video : videos) {
-        qInfo() << "Video file  : " << video.file.fileName() << ", metadataChangeTime "
-                << video.timeText;
+        qCInfo(lcDiscovery) << "Video file  : " << video.file.fileName() << ", metadataChangeTime "
+                            << video.timeText;
         paired.push_back(pairedLog(video, logs));
         if (!listAll)
             listNeighbours(video, logs, paired.back());

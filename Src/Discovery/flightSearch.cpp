@@ -1,5 +1,6 @@
 #include "Discovery/flightSearch.h"
 
+#include "Discovery/logCategory.h"
 #include "Platform/Platform.h"
 
 #include <QDebug>
@@ -140,8 +141,8 @@ FlightFiles gatherFlightFiles(const SearchLocations& locations, const QList<Card
     KindSearch logs(layouts, CardLayout::Log);
     logs.look(locations.logDirectory, locations.logFromDrive);
     const FlightFiles files{videos.files, logs.files, videos.skippedNames + logs.skippedNames};
-    qInfo() << "Videos files list:" << files.videos;
-    qInfo() << "Log files list:" << files.logs;
+    qCInfo(lcDiscovery) << "Videos files list:" << files.videos;
+    qCInfo(lcDiscovery) << "Log files list:" << files.logs;
     return files;
 }
 

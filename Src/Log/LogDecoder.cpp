@@ -4,6 +4,7 @@
 #include "Log/PacketCounter.h"
 #include "Log/PacketScan.h"
 #include "Log/RowWriter.h"
+#include "Log/logCategory.h"
 #include "Log/logFailures.h"
 
 #include <QDebug>
@@ -19,16 +20,17 @@ void logCounters(const LogDecodeCounters& counters)
 {
     const auto total = static_cast<double>(counters.total);
     const auto ratio = [total](qint64 count) { return static_cast<double>(count) / total; };
-    qInfo() << counters.total << " total packets counted, including:";
-    qInfo() << counters.valid << " valid packets counted (" << ratio(counters.valid) << "%)";
-    qInfo() << counters.wrongCrc << " packets had a wrong CRC (" << ratio(counters.wrongCrc)
-            << "%)";
-    qInfo() << counters.wrongSize << " packets had a wrong size (" << ratio(counters.wrongSize)
-            << "%)";
-    qInfo() << counters.wrongId << " packets had a wrong id (" << ratio(counters.wrongId) << "%)";
+    qCInfo(lcLog) << counters.total << " total packets counted, including:";
+    qCInfo(lcLog) << counters.valid << " valid packets counted (" << ratio(counters.valid) << "%)";
+    qCInfo(lcLog) << counters.wrongCrc << " packets had a wrong CRC (" << ratio(counters.wrongCrc)
+                  << "%)";
+    qCInfo(lcLog) << counters.wrongSize << " packets had a wrong size ("
+                  << ratio(counters.wrongSize) << "%)";
+    qCInfo(lcLog) << counters.wrongId << " packets had a wrong id (" << ratio(counters.wrongId)
+                  << "%)";
     if (counters.incompleteLast)
-        qInfo() << "Oh, and the last packet is incomplete,"
-                << "so it was dropped.";
+        qCInfo(lcLog) << "Oh, and the last packet is incomplete,"
+                      << "so it was dropped.";
 }
 
 namespace {
@@ -163,7 +165,7 @@ public:
 private:
     Status countPackets()
     {
-        qInfo() << "Packet counting...  ";
+        qCInfo(lcLog) << "Packet counting...  ";
         m_progress(1, 0, 0);
         FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte,
                           FileWindow::kNarrowBytes);
@@ -196,7 +198,7 @@ private:
 
     Status storePackets()
     {
-        qInfo() << "Data parsing: ";
+        qCInfo(lcLog) << "Data parsing: ";
         const qint64 total = m_decoder.m_counters.total;
         m_progress(2, 0, clampToInt(total));
         FileWindow window(m_opening.file.get(), m_opening.beginByte, m_opening.endByte,
@@ -209,7 +211,7 @@ private:
         if (const Status status = scanStatus(m_opening.path, window, whole); !status)
             return status;
         store.finish();
-        qInfo() << "Done.";
+        qCInfo(lcLog) << "Done.";
         m_opening.logElapsed();
         return {};
     }
@@ -226,7 +228,7 @@ Result<std::unique_ptr<LogFile>> LogDecoder::read(const QString& path, const Pro
     try {
         return Run(this, progress).decode(path);
     } catch (const std::bad_alloc&) {
-        qWarning() << "ERROR: no memory left for the log" << path;
+        qCWarning(lcLog) << "ERROR: no memory left for the log" << path;
         return logNoMemory(path);
     }
 }

@@ -1,4 +1,5 @@
 #include "Log/LogDecoder.h"
+#include "Log/logCategory.h"
 
 #include <QDebug>
 
@@ -71,9 +72,9 @@ int takeMatch(const RecEvent& event, int videoDuration, LogSyncResult* result)
     result->logTimeOffset = static_cast<int>(event.startTime);
     const int difference = wrappingDifference(static_cast<quint32>(videoDuration),
                                               static_cast<quint32>(result->matchedDuration));
-    qInfo() << "Video duration:" << videoDuration << "ms";
-    qInfo() << "Recording match duration:" << result->matchedDuration << "ms";
-    qInfo() << "Difference:" << difference << "ms";
+    qCInfo(lcLog) << "Video duration:" << videoDuration << "ms";
+    qCInfo(lcLog) << "Recording match duration:" << result->matchedDuration << "ms";
+    qCInfo(lcLog) << "Difference:" << difference << "ms";
     return difference;
 }
 
@@ -112,12 +113,12 @@ LogSyncResult LogDecoder::findLogTimeOffset(const std::vector<RecEvent>& events,
             takeMatch(events[static_cast<size_t>(bestIndex)], videoDuration, &result);
         result.probablyNotMatching = wrappingAbs(difference) >= kWeakMatchMs;
     } else if (!events.empty() && events.front().startTime != 0) {
-        qInfo() << "Defaulting to first recording event";
+        qCInfo(lcLog) << "Defaulting to first recording event";
         takeMatch(events.front(), videoDuration, &result);
         result.probablyNotMatching = true;
     } else {
         result.found = false;
-        qInfo() << "Failed to sync video and log: no valid video event in log file";
+        qCInfo(lcLog) << "Failed to sync video and log: no valid video event in log file";
         return result;
     }
     const quint32 delay = bestIndex > 0 ? kLaterRecordingDelayMs : kFirstRecordingDelayMs;
@@ -138,7 +139,7 @@ QList<FlightNamingEvent> LogDecoder::readFlightNamingEvents(const LogFile* log) 
     if (!missionNames || missionNames->getNbPackets() < 1)
         return events;
     if (!times || !flightNames || !flightNumbers) {
-        qWarning() << "Flight naming is incompletely described in the log";
+        qCWarning(lcLog) << "Flight naming is incompletely described in the log";
         return events;
     }
     FlightNamingEvent event;
@@ -166,25 +167,25 @@ FlightNamingEvent LogDecoder::findNamingForFlight(const QList<FlightNamingEvent>
 {
     FlightNamingEvent result;
     int latest = 0;
-    qInfo() << "Reference start" << referenceStart << "end" << referenceEnd;
+    qCInfo(lcLog) << "Reference start" << referenceStart << "end" << referenceEnd;
     for (int index = 0; index < events.size(); ++index) {
         const FlightNamingEvent& event = events[index];
-        qInfo() << "At position " << index << ", time" << event.time;
-        qInfo() << "Mission" << event.missionName;
-        qInfo() << "Flight" << event.flightName;
-        qInfo() << "Flight number" << event.flightNumber;
+        qCInfo(lcLog) << "At position " << index << ", time" << event.time;
+        qCInfo(lcLog) << "Mission" << event.missionName;
+        qCInfo(lcLog) << "Flight" << event.flightName;
+        qCInfo(lcLog) << "Flight number" << event.flightNumber;
         if (event.time > latest && event.time < referenceEnd) {
             result = event;
             latest = event.time;
-            qInfo() << "Set as candidate";
+            qCInfo(lcLog) << "Set as candidate";
         } else {
-            qInfo() << "Rejected";
+            qCInfo(lcLog) << "Rejected";
         }
     }
-    qInfo() << "Correct event";
-    qInfo() << "Mission" << result.missionName;
-    qInfo() << "Flight" << result.flightName;
-    qInfo() << "Flight number" << result.flightNumber;
+    qCInfo(lcLog) << "Correct event";
+    qCInfo(lcLog) << "Mission" << result.missionName;
+    qCInfo(lcLog) << "Flight" << result.flightName;
+    qCInfo(lcLog) << "Flight number" << result.flightNumber;
     return result;
 }
 
@@ -196,7 +197,7 @@ int LogDecoder::findThermalCameraHwVersion(const LogFile* log) const
     quint8 version = 255;
     for (int row = 0; row < types->getNbPackets(); ++row) {
         types->getU8(0, row, &version);
-        qInfo() << "Lepton version:" << version;
+        qCInfo(lcLog) << "Lepton version:" << version;
     }
     return version;
 }

@@ -1,5 +1,6 @@
 #include "Log/LogOpening.h"
 
+#include "Log/logCategory.h"
 #include "Log/logFailures.h"
 
 #include <QDebug>
@@ -12,7 +13,7 @@ constexpr qint64 kHeadBytes = 4096; // enough to see whether a file begins like 
 
 void logUnreadable()
 {
-    qInfo() << "ERROR: Unable to read file.\n";
+    qCInfo(lcLog) << "ERROR: Unable to read file.\n";
 }
 
 QByteArray headOf(QFile* file)
@@ -26,7 +27,7 @@ Failure parseFailure(const LogOpening& opening, const LogDescription::Fault& fau
         logUnreadable();
         return logReadFailure(opening.path, opening.file->size() < opening.beginByte);
     }
-    qInfo() << "ERROR: log parsing: " << fault.text;
+    qCInfo(lcLog) << "ERROR: log parsing: " << fault.text;
     switch (fault.kind) {
     case LogDescription::Fault::Kind::tooLong:
         return logDescriptionTooLarge(opening.path, headOf(opening.file.get()),
@@ -43,18 +44,18 @@ Failure parseFailure(const LogOpening& opening, const LogDescription::Fault& fau
 
 void LogOpening::logElapsed() const
 {
-    qInfo() << "Elapsed time: " << static_cast<double>(timer.elapsed()) / 1000.0 << "s.";
+    qCInfo(lcLog) << "Elapsed time: " << static_cast<double>(timer.elapsed()) / 1000.0 << "s.";
 }
 
 Failure abortedLog(const QString& path)
 {
-    qInfo() << "Aborted.";
+    qCInfo(lcLog) << "Aborted.";
     return logCancelled(path);
 }
 
 Failure tooManyPackets(const QString& path)
 {
-    qWarning() << "ERROR: log with more packets of one kind than can be numbered";
+    qCWarning(lcLog) << "ERROR: log with more packets of one kind than can be numbered";
     return {Failure::Kind::tooLarge,
             QStringLiteral("The log \"%1\" has more packets of one kind than can be numbered.")
                 .arg(path)};
@@ -88,7 +89,7 @@ Result<LogOpening> openLog(const QString& path,
     }
     opening.log->setFileName(path.toStdString());
 
-    qInfo() << "XML parsing...  ";
+    qCInfo(lcLog) << "XML parsing...  ";
     opening.timer.start();
     opening.beginByte = LogDescription::findLength(opening.file.get(), &abortFlag);
     if (opening.beginByte < 0) {
@@ -102,13 +103,13 @@ Result<LogOpening> openLog(const QString& path,
         return parseFailure(opening, *fault);
     if (isAborted())
         return abortedLog(path);
-    qInfo() << "Parsed.";
-    qInfo() << "Retrieving log version...  ";
+    qCInfo(lcLog) << "Parsed.";
+    qCInfo(lcLog) << "Retrieving log version...  ";
     progress(0, 0, 0);
     if (!description.build(opening.log.get(), &abortFlag))
         return abortedLog(path);
     opening.version = description.version();
-    qInfo() << "Retrieved. Log version is version " << opening.version << ".";
+    qCInfo(lcLog) << "Retrieved. Log version is version " << opening.version << ".";
     opening.logElapsed();
 
     opening.described = description.takeGroups();
@@ -129,17 +130,17 @@ Status allocateVar(const QString& path, LogGroup* group, const DescribedVar& ite
     };
     if (var.getData() && group->getNbPackets() > 0 &&
         var.getElementSize() != LogVar::typeSize(item.type)) {
-        qWarning() << "ERROR: log field declared twice with elements of different sizes:"
-                   << group->getName().c_str() << var.getName().c_str();
+        qCWarning(lcLog) << "ERROR: log field declared twice with elements of different sizes:"
+                         << group->getName().c_str() << var.getName().c_str();
         return Failure{Failure::Kind::damaged,
                        QStringLiteral("The log \"%1\" declares the field %2 twice, with elements "
                                       "of different sizes.")
                            .arg(path, name())};
     }
     if (!var.allocate(item.nb, group->getNbPackets(), item.type, dense)) {
-        qWarning() << "ERROR: log field too large, 2 GiB or more or no memory left:"
-                   << group->getName().c_str() << var.getName().c_str() << "with" << item.nb
-                   << "elements in each of" << group->getNbPackets() << "packets";
+        qCWarning(lcLog) << "ERROR: log field too large, 2 GiB or more or no memory left:"
+                         << group->getName().c_str() << var.getName().c_str() << "with" << item.nb
+                         << "elements in each of" << group->getNbPackets() << "packets";
         if (LogVar::fits(item.nb, group->getNbPackets(), item.type))
             return logNoMemory(path);
         return Failure{Failure::Kind::tooLarge,

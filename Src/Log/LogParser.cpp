@@ -1,6 +1,7 @@
 #include "Log/LogParser.h"
 
 #include "Log/LogDecoder.h"
+#include "Log/logCategory.h"
 #include "Threads/post.h"
 
 #include <QDebug>
@@ -77,7 +78,7 @@ bool LogParser::parseLog(const QString& filename, bool ignoreNaming)
 // On the pool. The parser outlives its tasks, so it can be posted to.
 void LogParser::run(const std::shared_ptr<Parse>& parse)
 {
-    qInfo() << "Parsing log in separate thread";
+    qCInfo(lcLog) << "Parsing log in separate thread";
     LogParser* const owner = parse->owner;
     post(owner, [owner, parse] { owner->begin(parse); });
     const std::shared_ptr<Outcome> outcome = parseLogConcurrently(parse);
@@ -102,7 +103,7 @@ LogParser::parseLogConcurrently(const std::shared_ptr<Parse>& parse)
         outcome->failure = decoded.failure();
     const LogFile* const log = outcome->log.get();
     if (!log) {
-        qInfo() << "Log decoding returned null";
+        qCInfo(lcLog) << "Log decoding returned null";
         return outcome;
     }
     // The player may have learnt the duration while the log was being decoded.
@@ -114,7 +115,7 @@ LogParser::parseLogConcurrently(const std::shared_ptr<Parse>& parse)
     outcome->naming = decoder.findNamingForFlight(decoder.readFlightNamingEvents(log), offset,
                                                   wrappingSum(offset, durationMs));
     outcome->thermalCameraVersion = knownThermalCamera(decoder.findThermalCameraHwVersion(log));
-    qInfo() << "Thermal camera HW version:" << outcome->thermalCameraVersion;
+    qCInfo(lcLog) << "Thermal camera HW version:" << outcome->thermalCameraVersion;
     return outcome;
 }
 

@@ -2,6 +2,7 @@
 #include "Log/LogOpening.h"
 #include "Log/PacketCounter.h"
 #include "Log/RowWriter.h"
+#include "Log/logCategory.h"
 #include "Log/logFailures.h"
 
 #include <QDebug>
@@ -448,7 +449,7 @@ Result<LogDigest> LogDecoder::readForPairing(const QString& path, const Progress
             return status.failure();
         return digestOf(reading.log());
     } catch (const std::bad_alloc&) {
-        qWarning() << "ERROR: no memory left for the log" << path;
+        qCWarning(lcLog) << "ERROR: no memory left for the log" << path;
         return logNoMemory(path);
     }
 }
@@ -476,7 +477,7 @@ Result<LogSurvey> LogDecoder::survey(const QString& path, const Progress& progre
             survey.log = reading.takeLog();
         }
     } catch (const std::bad_alloc&) {
-        qWarning() << "ERROR: no memory left for the log" << path;
+        qCWarning(lcLog) << "ERROR: no memory left for the log" << path;
         return logNoMemory(path);
     }
     if (!survey.log) {

@@ -2,6 +2,7 @@
 
 #include "Platform/fileSystem.h"
 #include "Project/MediaCopy.h"
+#include "Project/logCategory.h"
 #include "Video/fileNames.h"
 
 #include <QDebug>
@@ -44,7 +45,7 @@ QByteArray readAll(QFile& file, const QString& path)
 {
     if (file.size() <= ProjectFileLoader::largestProjectBytes)
         return file.readAll();
-    qWarning() << "Project file is too large" << path;
+    qCWarning(lcProject) << "Project file is too large" << path;
     return {};
 }
 
@@ -60,8 +61,8 @@ QVariantList poisOf(const QJsonArray& poi)
 {
     if (poi.size() <= ProjectFileLoader::mostPois)
         return poi.toVariantList();
-    qWarning() << "Too many POIs in file, kept" << ProjectFileLoader::mostPois << "of"
-               << poi.size();
+    qCWarning(lcProject) << "Too many POIs in file, kept" << ProjectFileLoader::mostPois << "of"
+                         << poi.size();
     QVariantList pois;
     pois.reserve(ProjectFileLoader::mostPois);
     for (int i = 0; i < ProjectFileLoader::mostPois; ++i)
@@ -166,16 +167,16 @@ void ProjectFileLoader::setPieceCopied(std::function<void(qint64)> pieceCopied)
 void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString fileProjectPath,
                                     QVariantMap flightProperties)
 {
-    qInfo() << "Saving this project l" << logPath << "v" << videoPath << " file "
-            << fileProjectPath;
+    qCInfo(lcProject) << "Saving this project l" << logPath << "v" << videoPath << " file "
+                      << fileProjectPath;
     const QDir folder = folderOf(fileProjectPath);
     const QString relativeVideo = folder.relativeFilePath(videoPath);
     const QString relativeLog = isNoLog(logPath) ? QString() : folder.relativeFilePath(logPath);
-    qInfo() << "Log path:" << logPath;
-    qInfo() << "Video path:" << videoPath;
-    qInfo() << "Project path" << fileProjectPath;
-    qInfo() << "Log relative dir:" << relativeLog;
-    qInfo() << "Video relative dir:" << relativeVideo;
+    qCInfo(lcProject) << "Log path:" << logPath;
+    qCInfo(lcProject) << "Video path:" << videoPath;
+    qCInfo(lcProject) << "Project path" << fileProjectPath;
+    qCInfo(lcProject) << "Log relative dir:" << relativeLog;
+    qCInfo(lcProject) << "Video relative dir:" << relativeVideo;
 
     QJsonObject files{{QStringLiteral("video"), relativeVideo},
                       {QStringLiteral("log"), relativeLog}};
@@ -189,7 +190,7 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
     }
     const QJsonDocument document(projectDocument(files, flightProperties));
     const QString path = withoutFilePrefix(fileProjectPath);
-    qInfo() << "Project file path:" << path;
+    qCInfo(lcProject) << "Project file path:" << path;
     // UTF-8, the encoding that the reader expects, also where a bare environment names no encoding
     // at all and the local one would turn letters into question marks.
     const int error = platform::replaceFile(path, document.toJson(QJsonDocument::Indented));
@@ -199,14 +200,14 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
                         parts.isEmpty() ? QStringList(videoPath) : parts};
         return;
     }
-    qInfo() << "Unable to save file" << qt_error_string(error);
+    qCInfo(lcProject) << "Unable to save file" << qt_error_string(error);
     m_lastSave = platform::failureOfError(
         error, QStringLiteral("The project %1 could not be saved").arg(path));
 }
 
 QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
 {
-    qInfo() << "Start loading project" << fileProjectPath;
+    qCInfo(lcProject) << "Start loading project" << fileProjectPath;
     const QFileInfo project(fileProjectPath);
     platform::removeAbandonedParts(fileProjectPath);
     platform::removeAbandonedParts(project.absolutePath() + QLatin1Char('/') +
@@ -217,7 +218,7 @@ QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
     QFile file(fileProjectPath);
     // A pipe or a device would hold the interface for as long as nobody writes to it.
     if (!QFileInfo(fileProjectPath).isFile() || !file.open(QIODevice::ReadOnly)) {
-        qWarning() << "Impossible to open file";
+        qCWarning(lcProject) << "Impossible to open file";
         if (!m_loadProblem)
             m_loadProblem = Failure{Failure::Kind::unreadable,
                                     QStringLiteral("The project %1 cannot be read: %2.")
@@ -230,15 +231,15 @@ QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
     const QString storedVideo = files.value(QLatin1String("video")).toString();
     const QString storedLog = files.value(QLatin1String("log")).toString();
     const QJsonValue poi = flight.value(QLatin1String("poi"));
-    qInfo() << (poi.isArray() ? "File has POIs inside" : "File has no POIs inside");
+    qCInfo(lcProject) << (poi.isArray() ? "File has POIs inside" : "File has no POIs inside");
     if (storedLog.isEmpty())
-        qWarning() << "Unable to find log path";
+        qCWarning(lcProject) << "Unable to find log path";
     else
-        qInfo() << "Log path" << storedLog;
+        qCInfo(lcProject) << "Log path" << storedLog;
     if (storedVideo.isEmpty())
-        qWarning() << "Unable to find video path";
+        qCWarning(lcProject) << "Unable to find video path";
     else
-        qInfo() << "Video path" << storedVideo;
+        qCInfo(lcProject) << "Video path" << storedVideo;
 
     const QDir folder = folderOf(fileProjectPath);
     m_contents.videoFile = resolvedPath(storedVideo, folder);
@@ -277,15 +278,17 @@ bool ProjectFileLoader::canSourceFilesBeCopied(QString originalLogPath, QString 
     const qint64 logBytes = isNoLog(originalLogPath) ? 0 : QFile(originalLogPath).size();
     const qint64 videoBytes = bytesOf(filesOf(originalVideoPath));
     const qint64 freeBytes = volume.bytesAvailable();
-    qInfo() << "File size (log):" << logBytes << "bytes";
-    qInfo() << "File size (video):" << videoBytes << "bytes";
-    qInfo() << "Remaining space on drive" << volume.displayName() << ":" << freeBytes << "bytes";
+    qCInfo(lcProject) << "File size (log):" << logBytes << "bytes";
+    qCInfo(lcProject) << "File size (video):" << videoBytes << "bytes";
+    qCInfo(lcProject) << "Remaining space on drive" << volume.displayName() << ":" << freeBytes
+                      << "bytes";
     const bool fits = sourceFilesFit(logBytes, videoBytes, freeBytes);
     if (fits)
-        qInfo() << "Copy possible, enough space free or free space can't be determined but "
-                   "sufficient space is expected";
+        qCInfo(lcProject)
+            << "Copy possible, enough space free or free space can't be determined but "
+               "sufficient space is expected";
     else
-        qInfo() << "Not enough space to copy files";
+        qCInfo(lcProject) << "Not enough space to copy files";
     return fits;
 }
 
@@ -295,7 +298,7 @@ bool ProjectFileLoader::copySourceFilesAndSaveProject(QString originalLogPath,
                                                       QVariantMap flightProperties)
 {
     if (isCopying()) {
-        qWarning() << "Copying already";
+        qCWarning(lcProject) << "Copying already";
         return false;
     }
     const QFileInfo project(withoutFilePrefix(fileProjectPath));
@@ -346,7 +349,7 @@ void ProjectFileLoader::noteCopyProblem(const QString& path, int error)
 
 bool ProjectFileLoader::stage(const QString& source, const QString& target, Copied& copied)
 {
-    qInfo() << "Copy" << source << "to" << target;
+    qCInfo(lcProject) << "Copy" << source << "to" << target;
     copied.targets << target;
     if (isSameFile(source, target))
         return true;
@@ -368,7 +371,7 @@ ProjectFileLoader::Copied ProjectFileLoader::copyLog(const QString& source, cons
     copied.original = source;
     copied.isComplete =
         stage(source, base + QLatin1String("_log.") + QFileInfo(source).suffix(), copied);
-    qInfo() << (copied.isComplete ? "Logs copy completed" : "Logs copy failed");
+    qCInfo(lcProject) << (copied.isComplete ? "Logs copy completed" : "Logs copy failed");
     return copied;
 }
 
@@ -399,7 +402,7 @@ ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QStringList& parts,
         copied.isComplete =
             stage(source, base + QLatin1String("_video.") + QFileInfo(source).suffix(), copied);
     }
-    qInfo() << (copied.isComplete ? "Video copy completed" : "Video copy failed");
+    qCInfo(lcProject) << (copied.isComplete ? "Video copy completed" : "Video copy failed");
     return copied;
 }
 

@@ -1,5 +1,7 @@
 #include "Project/ReportFolder.h"
 
+#include "Project/logCategory.h"
+
 #include <QCoreApplication>
 #include <QDebug>
 #include <QFileInfo>
@@ -41,8 +43,8 @@ void ReportFolder::sweep(const QString& parent)
         QDir(parent).entryInfoList({namePrefix + QLatin1Char('*')}, QDir::Dirs | QDir::NoSymLinks);
     for (const QFileInfo& folder : folders) {
         if (isAbandoned(folder) && QDir(folder.filePath()).removeRecursively())
-            qInfo() << "Removed the pictures of a report that was not finished:"
-                    << folder.filePath();
+            qCInfo(lcProject) << "Removed the pictures of a report that was not finished:"
+                              << folder.filePath();
     }
 }
 

@@ -3,6 +3,7 @@
 #include "Base/videoTime.h"
 #include "Docx/DocxMerger.h"
 #include "Project/ReportFolder.h"
+#include "Project/logCategory.h"
 #include "Video/VideoPlayer.h"
 #include "Video/pictureFile.h"
 
@@ -43,11 +44,11 @@ QString receiveFrame(QImage image, int timeMs, const QString& framePath)
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
     if (image.isNull()) {
-        qWarning() << "Failed to extract frame at ms" << timeMs;
+        qCWarning(lcProject) << "Failed to extract frame at ms" << timeMs;
         return {};
     }
     if (!savePictureFile(image, framePath)) {
-        qWarning() << "Failed to save frame to file" << framePath;
+        qCWarning(lcProject) << "Failed to save frame to file" << framePath;
         return QStringLiteral("The picture of the frame at %1 could not be saved as %2.")
             .arg(reportTime(timeMs), framePath);
     }
@@ -106,11 +107,11 @@ Status ReportWriter::writeDocument(const QString& path, VideoPlayer* player,
                                    const Progress& progress)
 {
     const Failure cancelled{Failure::Kind::cancelled, QStringLiteral("The report was given up.")};
-    qInfo() << "Vistrel will create a POI report at path:" << path;
+    qCInfo(lcProject) << "Vistrel will create a POI report at path:" << path;
     ReportFolder::sweep();
     m_frameFolder = std::make_shared<ReportFolder>();
     if (!QFileInfo::exists(m_templatePath)) {
-        qWarning() << "DFW export template not found at:" << m_templatePath;
+        qCWarning(lcProject) << "DFW export template not found at:" << m_templatePath;
         return Failure{Failure::Kind::notFound,
                        QStringLiteral("DFW export template not found at: %1").arg(m_templatePath)};
     }
@@ -133,7 +134,7 @@ Status ReportWriter::writeDocument(const QString& path, VideoPlayer* player,
                 if (poi.contains(timeKey))
                     pastePage(merger, player, poi, framePath);
             } catch (const std::exception& error) {
-                qInfo() << error.what();
+                qCInfo(lcProject) << error.what();
                 continue;
             }
             if (!isAborted() && progress)
@@ -144,7 +145,7 @@ Status ReportWriter::writeDocument(const QString& path, VideoPlayer* player,
         merger.save(path);
         return {};
     } catch (const std::exception& error) {
-        qWarning() << "Exception:" << error.what();
+        qCWarning(lcProject) << "Exception:" << error.what();
         merger.close();
         return Failure{Failure::Kind::notWritable,
                        QString::fromLocal8Bit(error.what()).simplified()};

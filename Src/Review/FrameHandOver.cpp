@@ -1,6 +1,7 @@
 #include "Review/FrameHandOver.h"
 
 #include "Review/Poi.h"
+#include "Review/logCategory.h"
 #include "Threads/post.h"
 #include "Video/VideoPlayer.h"
 
@@ -37,9 +38,9 @@ void FrameHandOver::request(VideoPlayer& player, QTime time, NullFrameWarning wa
         time, [inbox = m_inbox, time, warning, store = std::move(store)](const QImage& frame) {
             if (frame.isNull()) {
                 if (warning == NullFrameWarning::withTime)
-                    qWarning() << "Null frame at" << time;
+                    qCWarning(lcReview) << "Null frame at" << time;
                 else
-                    qWarning() << "Null frame";
+                    qCWarning(lcReview) << "Null frame";
                 return;
             }
             // A frame of just this size would come back as it is, on memory of the worker's.

@@ -1,6 +1,7 @@
 #include "Review/JobJournal.h"
 
 #include "Platform/fileSystem.h"
+#include "Review/logCategory.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -134,8 +135,8 @@ void JobJournal::update()
         }
         const int error = platform::replaceFile(place.file, textOf(lines));
         if (error != 0)
-            qWarning() << "The running jobs cannot be kept in" << place.file
-                       << qt_error_string(error);
+            qCWarning(lcReview) << "The running jobs cannot be kept in" << place.file
+                                << qt_error_string(error);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "Base/videoTime.h"
 #include "Review/UndoSteps.h"
+#include "Review/logCategory.h"
 #include "Review/logPois.h"
 
 #include <QDebug>
@@ -292,7 +293,7 @@ void PoiModel::addMissingFromLog(As as)
     for (const int ms : logPoiTimesMs(*m_logParser)) {
         const QTime time = timeOfMs(ms);
         if (find(time)) {
-            qInfo() << "Already added POI at" << time;
+            qCInfo(lcReview) << "Already added POI at" << time;
         } else {
             requestFrame(time, FrameHandOver::NullFrameWarning::withTime,
                          [this, time, index, as, batch](const QImage& thumbnail) {
@@ -361,7 +362,7 @@ void PoiModel::insertLogPoiWhereFree(QTime time, int index, const QImage& thumbn
          ++taken)
         ++freeMs;
     if (freeMs >= durationMs) {
-        qWarning() << "Couldn't insert POI at " << time;
+        qCWarning(lcReview) << "Couldn't insert POI at " << time;
         return;
     }
     const QTime freeTime = timeOfMs(freeMs);
@@ -410,7 +411,7 @@ void PoiModel::storeThumbnail(QTime time, const QImage& thumbnail)
 {
     Poi* const poi = findMutable(time);
     if (!poi) {
-        qWarning() << "POI not found anymore";
+        qCWarning(lcReview) << "POI not found anymore";
         return;
     }
     poi->thumbnail = thumbnailOf(thumbnail);

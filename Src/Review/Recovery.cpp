@@ -2,6 +2,7 @@
 
 #include "Base/videoTime.h"
 #include "Platform/fileSystem.h"
+#include "Review/logCategory.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -178,7 +179,8 @@ void Recovery::write()
         }
         const int error = platform::replaceFile(file, recoveryText(review));
         if (error != 0)
-            qWarning() << "The unsaved review cannot be kept in" << file << qt_error_string(error);
+            qCWarning(lcReview) << "The unsaved review cannot be kept in" << file
+                                << qt_error_string(error);
     });
 }
 

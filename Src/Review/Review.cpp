@@ -2,6 +2,7 @@
 
 #include "Base/videoTime.h"
 #include "Review/UndoSteps.h"
+#include "Review/logCategory.h"
 #include "Review/logPois.h"
 #include "Review/proposedName.h"
 #include "Threads/post.h"
@@ -219,7 +220,7 @@ bool Review::openProject(const QString& path)
     if (!loaded.value(QStringLiteral("loaded")).toBool())
         text = QStringLiteral("Failed to load project. Corrupt project file.");
     else
-        qInfo() << "Project opened";
+        qCInfo(lcReview) << "Project opened";
     if (text.isEmpty() && !project.videoFileExists())
         text = missingFileText(QStringLiteral("video"), project.videoFile);
     if (!text.isEmpty()) {
@@ -290,7 +291,7 @@ void Review::logProgressed(int, int done, int total)
 void Review::logParsed(bool result)
 {
     m_logParser->setIsParsing(false);
-    qInfo() << "Log parsing complete";
+    qCInfo(lcReview) << "Log parsing complete";
     if (!result) {
         const std::optional<Failure>& cause = m_logParser->failure();
         m_openProblem = cause.value_or(

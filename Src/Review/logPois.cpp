@@ -2,6 +2,7 @@
 
 #include "Log/LogParser.h"
 #include "Log/clocks.h"
+#include "Review/logCategory.h"
 
 #include <QDebug>
 #include <algorithm>
@@ -25,7 +26,7 @@ std::vector<int> logPoiTimesMs(const LogParser& parser)
         return {};
     const LogColumn<quint32> entries = group->column<quint32>("point_of_interest");
     if (entries.size() > logPoisMax)
-        qWarning() << "Too many POIs in the log, taking the first" << logPoisMax;
+        qCWarning(lcReview) << "Too many POIs in the log, taking the first" << logPoisMax;
 
     const std::shared_ptr<const FlightClock> clock = parser.clock();
     std::vector<int> timesMs(static_cast<size_t>(std::min(entries.size(), logPoisMax)));

@@ -1,5 +1,6 @@
 #include "Shell/AppInfo.h"
 
+#include "Shell/logCategory.h"
 #include "Shell/version.h"
 
 #include <QDebug>
@@ -26,7 +27,7 @@ bool AppInfo::isLowerThan(QString other) const
 {
     const QStringList parts = other.split(QLatin1Char('.'), Qt::KeepEmptyParts);
     if (parts.size() != static_cast<int>(ownVersion.size())) {
-        qInfo() << "Invalid version:" << other;
+        qCInfo(lcShell) << "Invalid version:" << other;
         return false;
     }
     for (int i = 0; i < parts.size(); ++i) {

@@ -1,17 +1,19 @@
 #include "Shell/ApplicationTelemetry.h"
 
+#include "Shell/logCategory.h"
+
 #include <QDebug>
 
 namespace corv {
 
 void ApplicationTelemetry::vistrelEvent(QString name)
 {
-    qInfo() << name;
+    qCInfo(lcShell) << name;
 }
 
 void ApplicationTelemetry::vistrelEvent(QString name, QString context)
 {
-    qInfo() << name << ":" << context;
+    qCInfo(lcShell) << name << ":" << context;
 }
 
 } // namespace corv

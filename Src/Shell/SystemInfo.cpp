@@ -2,6 +2,7 @@
 
 #include "Base/FileReplacement.h"
 #include "Platform/Platform.h"
+#include "Shell/logCategory.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -54,10 +55,10 @@ void SystemInfo::writeToFile() const
 
     // An empty file would count as written at every later start.
     if (const Status written = replaceFile(m_filePath, QJsonDocument(root).toJson()); !written) {
-        qWarning() << "System info not written:" << written.failure().sentence;
+        qCWarning(lcShell) << "System info not written:" << written.failure().sentence;
         return;
     }
-    qInfo() << "System info written in the json " << m_filePath;
+    qCInfo(lcShell) << "System info written in the json " << m_filePath;
 }
 
 } // namespace corv

@@ -1,6 +1,7 @@
 #include "Shell/applicationLogging.h"
 
 #include "Platform/wholeWrite.h"
+#include "Shell/logCategory.h"
 
 #include <QDebug>
 #include <QDir>
@@ -33,14 +34,14 @@ void ApplicationLogging::init()
 {
     const QDir folder = QFileInfo(m_filePath).dir();
     if (!folder.mkpath(QStringLiteral("."))) {
-        qWarning() << "Unable to create folder: " << folder.path();
+        qCWarning(lcShell) << "Unable to create folder: " << folder.path();
         return;
     }
     m_file.close();
     m_file.setFileName(m_filePath);
     // Unbuffered: a line is one append to the file, and nothing waits in memory for a crash.
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)) {
-        qWarning() << "Unable to open log file : " << m_filePath;
+        qCWarning(lcShell) << "Unable to open log file : " << m_filePath;
         return;
     }
     if (m_file.size() >= rotationSizeBytes) {

@@ -3,6 +3,7 @@
 #include "Base/FileReplacement.h"
 #include "Platform/wholeWrite.h"
 #include "Shell/AppInfo.h"
+#include "Shell/logCategory.h"
 
 #include <QDebug>
 #include <QDir>
@@ -198,8 +199,8 @@ void makeReadable(const QString& filePath)
         line = readableLine(line);
     }
     if (const Status written = replaceFile(filePath, lines.join('\n')); !written)
-        qWarning() << "The names in the report of a crash stay as they are:"
-                   << written.failure().sentence;
+        qCWarning(lcShell) << "The names in the report of a crash stay as they are:"
+                           << written.failure().sentence;
 }
 
 void removeOldReports(const QDir& folder)
@@ -220,7 +221,7 @@ void install(const QString& logFilePath)
     if (!keep(prepared.reportPath, QFile::encodeName(reportPathBeside(logFilePath))) ||
         !keep(prepared.logPath, QFile::encodeName(logFilePath)) ||
         !keep(prepared.version, AppInfo().versionString().toLatin1())) {
-        qWarning() << "No crash reports: the path is too long:" << logFilePath;
+        qCWarning(lcShell) << "No crash reports: the path is too long:" << logFilePath;
         return;
     }
     // The first call loads a library, which a handler must not do.
@@ -261,12 +262,13 @@ std::optional<Summary> take(const QString& logFilePath)
             .arg(QLocale::c().toString(summary.moment, QStringLiteral("yyyyMMdd-HHmmss"))));
     QFile::remove(summary.filePath);
     if (!QFile::rename(report.fileName(), summary.filePath)) {
-        qWarning() << "The report of a crash cannot be moved:" << report.fileName();
+        qCWarning(lcShell) << "The report of a crash cannot be moved:" << report.fileName();
         return std::nullopt; // or it would be shown at every start
     }
     makeReadable(summary.filePath);
     removeOldReports(folder);
-    qInfo() << "The last run crashed with" << summary.reason << "; report:" << summary.filePath;
+    qCInfo(lcShell) << "The last run crashed with" << summary.reason
+                    << "; report:" << summary.filePath;
     return summary;
 }
 

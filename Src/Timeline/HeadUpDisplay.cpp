@@ -1,6 +1,7 @@
 #include "Timeline/HeadUpDisplay.h"
 
 #include "Timeline/WaitCursor.h"
+#include "Timeline/logCategory.h"
 #include "Timeline/timelineGeometry.h"
 
 #include <QDebug>
@@ -43,12 +44,12 @@ void HeadUpDisplay::updateLogData()
 {
     m_painter.setLog(nullptr);
     if (!m_logParser) {
-        qWarning() << "No log parser";
+        qCWarning(lcTimeline) << "No log parser";
         return;
     }
     const std::shared_ptr<const LogFile> log = m_logParser->log();
     if (!log) {
-        qWarning() << "No log file";
+        qCWarning(lcTimeline) << "No log file";
         return;
     }
     const WaitCursor waitCursor;

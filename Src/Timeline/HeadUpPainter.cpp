@@ -1,6 +1,7 @@
 #include "Timeline/HeadUpPainter.h"
 
 #include "Base/arithmetic.h"
+#include "Timeline/logCategory.h"
 
 #include <QDebug>
 #include <QPainter>
@@ -41,7 +42,7 @@ void logMissing(const std::string& group, const char* MissingTexts::*text)
 {
     for (const MissingTexts& texts : missingTexts) {
         if (group == texts.group && texts.*text)
-            qInfo("%s", texts.*text);
+            qCInfo(lcTimeline, "%s", texts.*text);
     }
 }
 

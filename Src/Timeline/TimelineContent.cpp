@@ -3,6 +3,7 @@
 #include "Base/arithmetic.h"
 #include "Timeline/TimelinePoi.h"
 #include "Timeline/WaitCursor.h"
+#include "Timeline/logCategory.h"
 #include "Timeline/timelinePainting.h"
 
 #include <QCursor>
@@ -371,8 +372,8 @@ void TimelineContent::paint(QPainter* painter)
 
 void TimelineContent::paintPois(QPainter& painter) const
 {
-    // A mark without a picture is a black stem and nothing more, and a damaged project can bring
-    // thousands of them to a pixel: once is enough, unless they are translucent.
+    // A point of interest without a picture is a black stem and nothing more, and a damaged project
+    // can bring thousands of them to a pixel: once is enough, unless they are translucent.
     std::optional<int> lastStemX;
     for (auto poi = firstPoiInTickRange(); isInTickRange(poi); ++poi) {
         const int x = pxOfTime(poi->time);
@@ -435,7 +436,7 @@ void TimelineContent::addPoiAtPosition()
 {
     moveCursorToShownFrame();
     if (m_pois->find(m_cursorPosition)) {
-        qInfo() << "Not adding POI, already one at same place";
+        qCInfo(lcTimeline) << "Not adding POI, already one at same place";
         emit poiRefused(m_cursorPosition);
     } else {
         m_pois->create(m_cursorPosition);
@@ -481,7 +482,7 @@ void TimelineContent::updatePoi(QTime poiTime, const QVariantMap& poiData)
         return poiData.value(QLatin1String(key)).toString();
     };
     if (!m_pois->setTexts(m_selectedPoiTime, text("name"), text("comment")))
-        qWarning() << "POI not found:" << poiTime << ";" << poiData;
+        qCWarning(lcTimeline) << "POI not found:" << poiTime << ";" << poiData;
 }
 
 void TimelineContent::enterMovePOIMode()

@@ -5,6 +5,7 @@
 #include "Threads/annotate.h"
 #include "Threads/post.h"
 #include "Update/UpdateWorker.h"
+#include "Update/logCategory.h"
 #include "Update/updateNames.h"
 
 #include <QCoreApplication>
@@ -69,7 +70,7 @@ QString UpdateManager::getDownloadDir()
 {
     QDir folder = localDataFolder();
     if (!folder.mkpath(downloadFolderName) || !folder.cd(downloadFolderName))
-        qWarning() << "Failed to create the 'update' dir in:" << folder.path();
+        qCWarning(lcUpdate) << "Failed to create the 'update' dir in:" << folder.path();
     return folder.path();
 }
 
@@ -98,7 +99,8 @@ void UpdateManager::notifyUpdateAvailable(const QString& version, const QStringL
                       updateNames::notificationText(QDateTime::currentDateTimeUtc()));
     settings.sync();
     if (settings.status() != QSettings::NoError)
-        qWarning() << "Failed to remember the time of the notification in" << settings.fileName();
+        qCWarning(lcUpdate) << "Failed to remember the time of the notification in"
+                            << settings.fileName();
     post(this, [this, version, releaseNotes, installer] {
         m_offeredVersion = version;
         m_offered = installer;
@@ -109,13 +111,13 @@ void UpdateManager::notifyUpdateAvailable(const QString& version, const QStringL
 void UpdateManager::checkUpdate()
 {
     if (AppInfo().isUnversioned()) {
-        qInfo() << "Skipping update check for unversioned Vistrel";
+        qCInfo(lcUpdate) << "Skipping update check for unversioned Vistrel";
         return;
     }
     if (m_thread)
         return;
     if (!m_share.isConfigured()) {
-        qInfo() << "Skipping update check: this build names no update share";
+        qCInfo(lcUpdate) << "Skipping update check: this build names no update share";
         return;
     }
     if (!shouldCheckForUpdate())
@@ -147,7 +149,7 @@ void UpdateManager::cancel()
 void UpdateManager::installNewVersion(QString newVersion)
 {
     const QString file = getDownloadDir() + QLatin1Char('/') + getInstallerFileName(newVersion);
-    qInfo() << "Installing new version..." << file;
+    qCInfo(lcUpdate) << "Installing new version..." << file;
     const ExpectedInstaller expected =
         newVersion == m_offeredVersion ? m_offered : ExpectedInstaller();
     if (!expected.isGiven()) {
@@ -167,7 +169,7 @@ void UpdateManager::installNewVersion(QString newVersion)
 
 void UpdateManager::refuse(const QString& version, const QString& file, const QString& difference)
 {
-    qWarning() << "Refused to start the installer:" << difference << file;
+    qCWarning(lcUpdate) << "Refused to start the installer:" << difference << file;
     QFile::remove(file);
     // The offer no longer counts: without this no check would follow for days.
     QSettings().remove(lastNotificationKey);
@@ -181,7 +183,7 @@ void UpdateManager::launch(const QString& file)
             post(QCoreApplication::instance(), [] { QCoreApplication::quit(); });
             return;
         }
-        qWarning() << "Failed to launch the installer: " << file;
+        qCWarning(lcUpdate) << "Failed to launch the installer: " << file;
         emit installingNewVersionFailed(QVariant(file));
     });
 }

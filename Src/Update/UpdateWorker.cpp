@@ -5,6 +5,7 @@
 #include "Base/limits.h"
 #include "Shell/AppInfo.h"
 #include "Update/UpdateManager.h"
+#include "Update/logCategory.h"
 #include "Update/updateNames.h"
 
 #include <QCryptographicHash>
@@ -24,7 +25,7 @@ UpdateWorker::UpdateWorker(UpdateManager* manager, CloudShare share)
 void UpdateWorker::start()
 {
     if (m_state != Idle) {
-        qWarning() << "UpdateWorker not idle; current state:" << m_state;
+        qCWarning(lcUpdate) << "UpdateWorker not idle; current state:" << m_state;
         return;
     }
     m_state = FetchingManifest;
@@ -49,16 +50,16 @@ void UpdateWorker::azureFileDownloaded(QString azureFilePath, QByteArray fileCon
 {
     switch (m_state) {
     case FetchingManifest:
-        qInfo() << "Downloaded" << azureFilePath << ":" << fileContent;
+        qCInfo(lcUpdate) << "Downloaded" << azureFilePath << ":" << fileContent;
         onUpdateJsonDownloaded(QJsonDocument::fromJson(fileContent));
         break;
     case FetchingInstaller:
-        qInfo() << "Downloaded" << azureFilePath;
+        qCInfo(lcUpdate) << "Downloaded" << azureFilePath;
         onNewInstallerDownloaded(azureFilePath, fileContent);
         emit finished();
         break;
     default:
-        qWarning() << "Error; update manager in the wrong state:" << m_state;
+        qCWarning(lcUpdate) << "Error; update manager in the wrong state:" << m_state;
         m_state = Failed;
         emit finished();
     }
@@ -66,7 +67,7 @@ void UpdateWorker::azureFileDownloaded(QString azureFilePath, QByteArray fileCon
 
 void UpdateWorker::azureDownloadError(QString errorMessage)
 {
-    qWarning() << "Download error:" << errorMessage;
+    qCWarning(lcUpdate) << "Download error:" << errorMessage;
     m_state = Failed;
     emit finished();
 }
@@ -75,31 +76,31 @@ void UpdateWorker::onUpdateJsonDownloaded(const QJsonDocument& document)
 {
     const std::optional<UpdateManifest> manifest = UpdateManifest::fromJson(document);
     if (!manifest) {
-        qWarning() << "Unrecognized JSON document:" << document.toJson();
+        qCWarning(lcUpdate) << "Unrecognized JSON document:" << document.toJson();
         emit finished();
         return;
     }
     m_manifest = *manifest;
     if (!AppInfo().isLowerThan(m_manifest.version)) {
-        qInfo() << "Already using the latest version";
+        qCInfo(lcUpdate) << "Already using the latest version";
         emit finished();
         return;
     }
     if (!m_manifest.namesAreSafe()) {
-        qWarning() << "Refused the version or path of the manifest:" << m_manifest.version
-                   << m_manifest.path;
+        qCWarning(lcUpdate) << "Refused the version or path of the manifest:" << m_manifest.version
+                            << m_manifest.path;
         emit finished();
         return;
     }
     if (!m_manifest.installer.isReadable) {
-        qWarning() << "Refused the digest or size of the manifest:" << document.toJson();
+        qCWarning(lcUpdate) << "Refused the digest or size of the manifest:" << document.toJson();
         emit finished();
         return;
     }
     const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') +
                          UpdateManager::getInstallerFileName(m_manifest.version);
     if (isInstallerOnDisk(file)) {
-        qInfo() << "Installer already downloaded" << file;
+        qCInfo(lcUpdate) << "Installer already downloaded" << file;
         m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes,
                                          m_manifest.installer);
         emit finished();
@@ -115,7 +116,7 @@ bool UpdateWorker::isInstallerOnDisk(const QString& file) const
     const QString difference = m_manifest.installer.differenceFromFile(file);
     if (difference.isEmpty())
         return true;
-    qWarning() << "The installer on disk is fetched again:" << difference << file;
+    qCWarning(lcUpdate) << "The installer on disk is fetched again:" << difference << file;
     return false;
 }
 
@@ -135,7 +136,7 @@ void UpdateWorker::fetchInstaller()
 
 void UpdateWorker::deleteOldInstallers()
 {
-    qInfo() << "Deleting old installers...";
+    qCInfo(lcUpdate) << "Deleting old installers...";
     // Where the folder could not be made, its parent is used instead, which holds the user's data.
     const QString folder = UpdateManager::getDownloadDir();
     if (!UpdateManager::isDownloadDir(folder))
@@ -151,7 +152,7 @@ void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArra
 {
     const QString fileName = path.split(QLatin1Char('/')).last();
     if (!updateNames::isSafeFileElement(fileName)) {
-        qWarning() << "Refused the name of the installer:" << fileName;
+        qCWarning(lcUpdate) << "Refused the name of the installer:" << fileName;
         return;
     }
     QByteArray sha256;
@@ -159,23 +160,23 @@ void UpdateWorker::onNewInstallerDownloaded(const QString& path, const QByteArra
         sha256 = QCryptographicHash::hash(content, QCryptographicHash::Sha256);
     const QString difference = m_manifest.installer.differenceFrom(content.size(), sha256);
     if (!difference.isEmpty()) {
-        qWarning() << "Refused the installer:" << difference;
+        qCWarning(lcUpdate) << "Refused the installer:" << difference;
         return;
     }
     const QString file = UpdateManager::getDownloadDir() + QLatin1Char('/') + fileName;
-    qInfo() << "Saving new installer as" << file;
+    qCInfo(lcUpdate) << "Saving new installer as" << file;
     // Written beside and renamed: a partial file would count as downloaded at the next start.
     FileReplacement installer(file, FileReplacement::InLockedFolder::refuse);
     if (const Status opened = installer.open(); !opened) {
-        qWarning() << "Failed to open to the installer file for writing";
-        qWarning() << opened.failure().sentence;
+        qCWarning(lcUpdate) << "Failed to open to the installer file for writing";
+        qCWarning(lcUpdate) << opened.failure().sentence;
         return;
     }
     installer.write(content);
     const Status written = installer.commit(QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
     if (!written) {
-        qWarning() << "Failed to write to the installer file";
-        qWarning() << written.failure().sentence;
+        qCWarning(lcUpdate) << "Failed to write to the installer file";
+        qCWarning(lcUpdate) << written.failure().sentence;
         return;
     }
     m_manager->notifyUpdateAvailable(m_manifest.version, m_manifest.notes, m_manifest.installer);

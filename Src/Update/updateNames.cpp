@@ -1,5 +1,7 @@
 #include "Update/updateNames.h"
 
+#include "Update/logCategory.h"
+
 #include <QDebug>
 #include <QLocale>
 #include <QRegularExpression>
@@ -21,7 +23,7 @@ QString channelOf(const QString& value)
         return official;
     if (value == official || value == QLatin1String("preview") || value == QLatin1String("dev"))
         return value;
-    qWarning() << "Unrecognized value for env var [CorvenityUpdateChannel]:" << value;
+    qCWarning(lcUpdate) << "Unrecognized value for env var [CorvenityUpdateChannel]:" << value;
     return official;
 }
 
@@ -31,7 +33,7 @@ QString flavourOf(const QString& architecture)
         return QStringLiteral("x64");
     if (architecture == QLatin1String("i386"))
         return QStringLiteral("x86");
-    qWarning() << "Unsupported architecture:" << architecture;
+    qCWarning(lcUpdate) << "Unsupported architecture:" << architecture;
     return architecture;
 }
 

@@ -1,6 +1,7 @@
 #include "Video/ExportTarget.h"
 
 #include "Video/fileNames.h"
+#include "Video/logCategory.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -88,7 +89,7 @@ Status ExportTarget::finish()
     const int readable = readableFrames();
     if (readable >= m_written)
         return ended ? rename() : ended;
-    qWarning() << "Exported video is incomplete: frames" << readable << "of" << m_written;
+    qCWarning(lcVideo) << "Exported video is incomplete: frames" << readable << "of" << m_written;
     const Failure::Kind kind = wasFull ? Failure::Kind::noRoom : Failure::Kind::notWritable;
     if (readable == 0) {
         QFile::remove(m_file);

@@ -1,6 +1,7 @@
 #include "Video/OpenCvFrameWriter.h"
 
 #include "Video/frameConversion.h"
+#include "Video/logCategory.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -23,7 +24,7 @@ struct OpenCvFrameWriter::Target
             writer.write(bgrView(frame, picture));
         } catch (const std::exception& error) {
             ++lostFrames;
-            qWarning() << "Failed to write frame:" << error.what();
+            qCWarning(lcVideo) << "Failed to write frame:" << error.what();
         }
     }
 };
@@ -40,7 +41,7 @@ OpenCvFrameWriter::~OpenCvFrameWriter()
 {
     const Status ended = finish();
     if (!ended)
-        qWarning().noquote() << ended.failure().sentence;
+        qCWarning(lcVideo).noquote() << ended.failure().sentence;
     QThreadPool::globalInstance()->reserveThread();
 }
 
@@ -53,7 +54,7 @@ bool OpenCvFrameWriter::open(const QString& file, double fps, QSize size)
                                      cv::CAP_FFMPEG, cv::VideoWriter::fourcc('m', 'p', '4', 'v'),
                                      fps, cv::Size(size.width(), size.height()), true);
     } catch (const std::exception& error) {
-        qWarning() << "Failed to open the video for writing:" << error.what();
+        qCWarning(lcVideo) << "Failed to open the video for writing:" << error.what();
         return false;
     }
 }
@@ -70,7 +71,7 @@ Status OpenCvFrameWriter::finish()
     try {
         m_target->writer.release();
     } catch (const std::exception& error) {
-        qWarning() << "Failed to close the video:" << error.what();
+        qCWarning(lcVideo) << "Failed to close the video:" << error.what();
         return Failure{Failure::Kind::notWritable,
                        QCoreApplication::translate("FrameWriter", "The video was not ended.")};
     }

@@ -7,6 +7,7 @@
 #include "Threads/post.h"
 #include "Video/VideoExporter.h"
 #include "Video/frameConversion.h"
+#include "Video/logCategory.h"
 #include "Video/partialDrawing.h"
 
 #include <QDebug>
@@ -59,7 +60,7 @@ OpenCvWorker::OpenCvWorker(WorkerClient* client, QObject* context,
 
 OpenCvWorker::~OpenCvWorker()
 {
-    qInfo() << "Joining worker thread..." << m_thread.isRunning();
+    qCInfo(lcVideo) << "Joining worker thread..." << m_thread.isRunning();
     if (!m_thread.isRunning())
         return;
     m_stopRequested = true;
@@ -82,10 +83,10 @@ void OpenCvWorker::setVideoSources(const QStringList& files, int opening)
     closeSources();
     m_opening = opening;
     if (files.isEmpty()) {
-        qWarning() << "Empty";
+        qCWarning(lcVideo) << "Empty";
         return;
     }
-    qInfo() << files;
+    qCInfo(lcVideo) << files;
     m_sourceFiles = files;
     openFiles(m_openingTurn);
 }
@@ -135,7 +136,7 @@ void OpenCvWorker::showFirstPicture()
         tellClient([opening = m_opening, size = frame.size, picture = pictureForScreen(frame, 0)](
                        WorkerClient& client) { client.onFirstPicture(opening, size, picture); });
     } catch (const std::exception& error) {
-        qWarning() << "Giving up the first picture" << error.what();
+        qCWarning(lcVideo) << "Giving up the first picture" << error.what();
     }
 }
 
@@ -186,7 +187,7 @@ void OpenCvWorker::produceNextFrame(bool seekResult)
 OpenCvWorker::Produced OpenCvWorker::produceFrame(FrameUse use)
 {
     if (m_currentSource == noFile) {
-        qWarning() << "Invalid video capture";
+        qCWarning(lcVideo) << "Invalid video capture";
         return Produced::end;
     }
     if (current().capture->nextFrame() == current().frameCount && !moveToNextFile())
@@ -201,8 +202,8 @@ OpenCvWorker::Produced OpenCvWorker::produceFrame(FrameUse use)
     if (outcome == ReadOutcome::end) // fewer came than the container promises
         return moveToNextFile() ? produceFrame(use) : Produced::end;
     if (outcome == ReadOutcome::failed) {
-        qInfo() << "Read failed in" << entry.file << "for frame " << position << " at ms"
-                << truncateToInt(fileMs);
+        qCInfo(lcVideo) << "Read failed in" << entry.file << "for frame " << position << " at ms"
+                        << truncateToInt(fileMs);
         endPlayback();
         return Produced::failure;
     }
@@ -219,13 +220,13 @@ bool OpenCvWorker::moveToNextFile()
 {
     if (m_currentSource + 1 >= m_timeline.size()) {
         m_currentSource = noFile;
-        qInfo() << "Reached the end of stream";
+        qCInfo(lcVideo) << "Reached the end of stream";
         endPlayback();
         return false;
     }
     leaveFileFor(m_currentSource + 1);
     if (!current().capture->seekToFrame(0)) {
-        qInfo() << "Failed to seek in the beginning for" << current().file;
+        qCInfo(lcVideo) << "Failed to seek in the beginning for" << current().file;
         endPlayback();
         return false;
     }
@@ -259,7 +260,7 @@ void OpenCvWorker::seekAtTime(QTime time)
     }
     const int file = m_timeline.fileForSeek(ms);
     if (file < 0) {
-        qWarning() << "Seek at time" << time << "out of bounds";
+        qCWarning(lcVideo) << "Seek at time" << time << "out of bounds";
         return;
     }
     leaveFileFor(file);
@@ -278,7 +279,8 @@ void OpenCvWorker::seekAtFrameIndex(int index)
     }
     const int file = m_timeline.fileForFrame(index);
     if (file < 0) {
-        qWarning() << "Seek frame index " << index << "out of bounds:" << m_timeline.totalFrames();
+        qCWarning(lcVideo) << "Seek frame index " << index
+                           << "out of bounds:" << m_timeline.totalFrames();
         return;
     }
     leaveFileFor(file);
@@ -338,7 +340,8 @@ OpenCvWorker::Produced OpenCvWorker::goToFrame(int index, FrameUse use)
     if (index == m_lastFrameIndex && !m_lastFrame.isNull())
         return renderLastFrame(use);
     if (!entry.capture->seekToFrame(index - entry.firstFrameIndex)) {
-        qInfo() << "Failed to seek in" << entry.file << "to frame" << index - entry.firstFrameIndex;
+        qCInfo(lcVideo) << "Failed to seek in" << entry.file << "to frame"
+                        << index - entry.firstFrameIndex;
         return Produced::failure;
     }
     return produceFrame(use);
@@ -431,7 +434,7 @@ OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int f
         });
         return Produced::frame;
     } catch (const std::exception& error) {
-        qWarning() << "Giving up frame" << frameIndex << error.what();
+        qCWarning(lcVideo) << "Giving up frame" << frameIndex << error.what();
         return Produced::failure;
     }
 }
@@ -460,13 +463,13 @@ QVideoFrame OpenCvWorker::pictureForScreen(const Frame& picture, int timeMs)
 QImage OpenCvWorker::getFrameAt(QTime time)
 {
     if (m_currentSource == noFile) {
-        qWarning() << "Invalid video capture";
+        qCWarning(lcVideo) << "Invalid video capture";
         return {};
     }
     const int ms = msOfTime(time);
     const int file = m_timeline.fileForPicture(ms);
     if (file < 0) {
-        qWarning() << "Out of bounds:" << ms;
+        qCWarning(lcVideo) << "Out of bounds:" << ms;
         return {};
     }
     VideoFileEntry& entry = m_timeline.entry(file);
@@ -478,8 +481,8 @@ QImage OpenCvWorker::getFrameAt(QTime time)
     const int savedPosition = playing.nextFrame();
     QImage image = extractFrame(*entry.capture, entry, fileMs);
     if (!playing.seekToFrame(savedPosition))
-        qWarning() << "Failed to set back to original pos"
-                   << savedPosition * 1000.0 / playing.fps();
+        qCWarning(lcVideo) << "Failed to set back to original pos"
+                           << savedPosition * 1000.0 / playing.fps();
     return image;
 }
 
@@ -498,7 +501,7 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& en
         return {};
     Frame frame;
     if (capture.read(frame) != ReadOutcome::frame) {
-        qInfo() << "Read failed for frame " << fileMs;
+        qCInfo(lcVideo) << "Read failed for frame " << fileMs;
         return {};
     }
     try {
@@ -509,7 +512,7 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& en
         m_overlay.applyPictureEffects(m_stillFrame, overlayMs, m_settings, false, {});
         return cvMatToQImage(m_stillFrame);
     } catch (const std::exception& error) {
-        qWarning() << "Giving up frame at" << fileMs << error.what();
+        qCWarning(lcVideo) << "Giving up frame at" << fileMs << error.what();
         return {};
     }
 }
@@ -524,13 +527,13 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
                                Status* status)
 {
     if (m_currentSource == noFile) {
-        qWarning() << "Invalid video capture";
+        qCWarning(lcVideo) << "Invalid video capture";
         *status = Failure{Failure::Kind::notPossible,
                           tr("No video is open, or it has been played to its end.")};
         return false;
     }
     if (isOneOfFiles(file, m_sourceFiles)) {
-        qWarning() << "Refused to export over a file of the flight:" << file;
+        qCWarning(lcVideo) << "Refused to export over a file of the flight:" << file;
         *status = Failure{Failure::Kind::notPossible,
                           tr("%1 is a file of the flight itself. Choose another name.").arg(file)};
         return false;

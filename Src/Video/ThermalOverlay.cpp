@@ -1,5 +1,6 @@
 #include "Video/ThermalOverlay.h"
 
+#include "Video/logCategory.h"
 #include "Video/thermalPicture.h"
 
 #include <QCoreApplication>
@@ -54,25 +55,25 @@ void ThermalOverlay::updateLogData(bool hasParser, const std::shared_ptr<const L
 {
     clear();
     if (!hasParser) {
-        qWarning() << "No log parser";
+        qCWarning(lcVideo) << "No log parser";
         return;
     }
     if (!log) {
-        qWarning() << "No log file";
+        qCWarning(lcVideo) << "No log file";
         return;
     }
     bool usable = false;
     try {
         usable = readLog(*log);
     } catch (const std::exception& error) {
-        qWarning() << "No memory for the thermal frames:" << error.what();
+        qCWarning(lcVideo) << "No memory for the thermal frames:" << error.what();
         clear();
         m_status = Failure{Failure::Kind::noMemory,
                            text("There is too little memory for the thermal pictures of the log.")};
         return;
     }
     if (!usable) {
-        qWarning() << "Thermal frames of the log cannot be used";
+        qCWarning(lcVideo) << "Thermal frames of the log cannot be used";
         clear();
         m_status = Failure{Failure::Kind::damaged,
                            text("The thermal pictures of the log cannot be used.")};
@@ -167,7 +168,7 @@ void ThermalOverlay::draw(cv::Mat& part, cv::Point origin, cv::Size frame, int t
         composeFrame(m_frameTimes.frameAt(logTimeOfVideo(timeMs, *m_clock)));
         warnOnce(layOverFrame(part, origin, frame, settings, invertColours));
     } catch (const cv::Exception& error) {
-        qWarning() << "Thermal overlay given up:" << error.what();
+        qCWarning(lcVideo) << "Thermal overlay given up:" << error.what();
     }
 }
 
@@ -207,13 +208,13 @@ void ThermalOverlay::warnOnce(Refusal refusal)
     case Refusal::None:
         break;
     case Refusal::Frame:
-        qWarning() << "No place for the thermal overlay in the frame";
+        qCWarning(lcVideo) << "No place for the thermal overlay in the frame";
         break;
     case Refusal::Mapping:
-        qWarning() << "No thermal overlay: its colours are mapped to an empty range";
+        qCWarning(lcVideo) << "No thermal overlay: its colours are mapped to an empty range";
         break;
     case Refusal::Rectangle:
-        qWarning() << "Thermal overlay reaches beyond the frame";
+        qCWarning(lcVideo) << "Thermal overlay reaches beyond the frame";
         break;
     }
 }
@@ -230,7 +231,7 @@ void ThermalOverlay::applyPictureEffects(cv::Mat& frame, int timeMs, VideoDispla
     try {
         applyContrastAndBrightness(frame, settings.contrast, settings.brightness);
     } catch (const cv::Exception& error) {
-        qWarning() << "Contrast and brightness given up:" << error.what();
+        qCWarning(lcVideo) << "Contrast and brightness given up:" << error.what();
     }
     if (report)
         reportRange(settings, report);

@@ -3,6 +3,7 @@
 #include "Base/arithmetic.h"
 #include "Video/ExportTarget.h"
 #include "Video/frameConversion.h"
+#include "Video/logCategory.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -55,7 +56,7 @@ void VideoExporter::writeAll(ExportTarget& target, QSize size)
     for (int file = 0; file < m_timeline.size() && !m_hooks.isCancelled() && !m_isDiskFull;
          ++file) {
         VideoFileEntry& entry = m_timeline.entry(file);
-        qInfo() << "Starting to export video" << entry.file;
+        qCInfo(lcVideo) << "Starting to export video" << entry.file;
         exportFile(entry, target, size, done);
         done += entry.frameCount;
     }
@@ -69,9 +70,9 @@ void VideoExporter::exportFile(VideoFileEntry& entry, ExportTarget& target, QSiz
         const bool isThere = capture.seekToFrame(i);
         if (!isThere || capture.read(frame) != ReadOutcome::frame) {
             if (isThere)
-                qInfo() << "Read failed for frame " << i;
+                qCInfo(lcVideo) << "Read failed for frame " << i;
             else
-                qInfo() << "Forcefully stopping at frame " << i;
+                qCInfo(lcVideo) << "Forcefully stopping at frame " << i;
             noteLoss(entry, i, entry.frameCount - 1);
             m_leftOutMs += entry.lengthMs - capture.frameTimeMs(i);
             return;
@@ -142,7 +143,7 @@ Frame VideoExporter::withEffects(const Frame& frame, int timeMs)
         m_hooks.applyEffects(picture, timeMs);
         return bgrFrame(picture);
     } catch (const std::exception& error) {
-        qWarning() << "Exporting without effects the frame at ms" << timeMs << error.what();
+        qCWarning(lcVideo) << "Exporting without effects the frame at ms" << timeMs << error.what();
         return frame;
     }
 }

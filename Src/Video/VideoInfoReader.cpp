@@ -2,6 +2,7 @@
 
 #include "Base/arithmetic.h"
 #include "Video/AvFrameSource.h"
+#include "Video/logCategory.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -32,7 +33,7 @@ bool readPromisedLength(const QString& file, PromisedLength& length)
         length.frames = truncateToInt(capture.get(cv::CAP_PROP_FRAME_COUNT));
         return true;
     } catch (const std::exception& error) {
-        qWarning() << "Video back-end:" << error.what();
+        qCWarning(lcVideo) << "Video back-end:" << error.what();
         return false;
     }
 }
@@ -45,12 +46,12 @@ int VideoInfoReader::getDurationMs() const
 {
     PromisedLength length;
     if (!readPromisedLength(m_file, length)) {
-        qWarning() << "Failed to open video file" << m_file;
+        qCWarning(lcVideo) << "Failed to open video file" << m_file;
         return -1;
     }
     const int fps = truncateToInt(length.fps);
     if (fps <= 0) {
-        qWarning() << "No whole frame per second in video file" << m_file;
+        qCWarning(lcVideo) << "No whole frame per second in video file" << m_file;
         return -1;
     }
     return wrappingProduct(length.frames / fps, 1000);

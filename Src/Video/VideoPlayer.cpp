@@ -5,6 +5,7 @@
 #include "Threads/post.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/fileNames.h"
+#include "Video/logCategory.h"
 
 #include <QDebug>
 #include <utility>
@@ -89,13 +90,13 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
     m_openingUnderWay = false;
     setOpeningProgress(1.0);
     for (const QString& file : timeline.failedFiles) {
-        qWarning() << "Failed to open" << file;
+        qCWarning(lcVideo) << "Failed to open" << file;
         emit sourceOpenError(file);
     }
     if (opening != m_opening) // closed by a receiver of the error
         return;
     if (timeline.failedFiles.size() == m_sourceFiles.size()) {
-        qWarning() << "Nothing do to; failed to open the videos";
+        qCWarning(lcVideo) << "Nothing do to; failed to open the videos";
         return;
     }
     m_hasVideoOpened = true;

@@ -1,4 +1,5 @@
 #include "Video/VideoPlayer.h"
+#include "Video/logCategory.h"
 
 #include "Base/sameFile.h"
 #include "Base/videoTime.h"
@@ -41,12 +42,12 @@ Failure noVideo()
 Status saveImage(const QImage& image, const QString& fileName, QTime time)
 {
     if (image.isNull()) {
-        qWarning() << "Failed to extract frame";
+        qCWarning(lcVideo) << "Failed to extract frame";
         return noPictureAt(time);
     }
     Status saved = savePictureFile(image, fileName);
     if (!saved)
-        qWarning() << "Failed to save frame to file" << fileName;
+        qCWarning(lcVideo) << "Failed to save frame to file" << fileName;
     return saved;
 }
 
@@ -71,7 +72,7 @@ bool VideoPlayer::requestFrame(QTime time, std::function<void(const QImage&)> ca
                                Cancelled cancelled)
 {
     if (!hasVideoOpened() || !callback) {
-        qWarning() << "!m_hasVideoOpened || !frameResultCallback";
+        qCWarning(lcVideo) << "!m_hasVideoOpened || !frameResultCallback";
         return false;
     }
     toWorker([time, callback = std::move(callback), cancelled](OpenCvWorker& worker) {
@@ -97,19 +98,19 @@ Status VideoPlayer::requestSaving(QTime time, QString fileName, bool overwriteIf
                                   const Cancelled& cancelled, const SavedCallback& saved)
 {
     if (fileName.isEmpty()) {
-        qWarning() << "Empty path";
+        qCWarning(lcVideo) << "Empty path";
         return Failure{Failure::Kind::notPossible, tr("No file name was given.")};
     }
     while (!overwriteIfExists && QFileInfo::exists(fileName)) {
-        qInfo() << "File" << fileName << " exists; constructing different name...";
+        qCInfo(lcVideo) << "File" << fileName << " exists; constructing different name...";
         fileName = differentFileName(fileName);
     }
     if (isOneOfFiles(fileName, m_sourceFiles)) {
-        qWarning() << "Refused to save a frame over a file of the flight:" << fileName;
+        qCWarning(lcVideo) << "Refused to save a frame over a file of the flight:" << fileName;
         return Failure{Failure::Kind::notPossible,
                        tr("%1 is a file of the flight itself. Choose another name.").arg(fileName)};
     }
-    qInfo() << "Saving frame at" << time << "ms in file" << fileName;
+    qCInfo(lcVideo) << "Saving frame at" << time << "ms in file" << fileName;
     const auto save = [this, time, fileName, cancelled, saved](const QImage& image) {
         const Status status = isSet(cancelled)
                                   ? Status(Failure{Failure::Kind::cancelled, tr("It was stopped.")})
@@ -125,7 +126,7 @@ void VideoPlayer::copyFrameToClipboard(QTime timePosition)
 {
     const auto copy = [this, timePosition](const QImage& image) {
         if (image.isNull())
-            qWarning() << "Failed to extract frame";
+            qCWarning(lcVideo) << "Failed to extract frame";
         post(this, [this, image, timePosition] {
             if (!image.isNull())
                 QGuiApplication::clipboard()->setImage(image);
@@ -146,7 +147,7 @@ bool VideoPlayer::exportSpecificFrames(QList<int> positionsMs, QString folder,
                                        QString fileNamePreffix)
 {
     if (!QFileInfo(folder).dir().exists()) {
-        qWarning() << "Folder doesn't exist:" << folder;
+        qCWarning(lcVideo) << "Folder doesn't exist:" << folder;
         m_framesExportResult =
             Failure{Failure::Kind::notFound, tr("There is no folder %1.").arg(folder)};
         return false;
@@ -173,7 +174,7 @@ bool VideoPlayer::exportFrames(int startPositionMs, int stopPositionMs, int fram
 {
     const qint64 stepMs = static_cast<qint64>(m_frameDurationMs) * frameSpacingMs;
     if (stepMs < 1) {
-        qWarning() << "No way forward with a spacing of" << frameSpacingMs << "frames";
+        qCWarning(lcVideo) << "No way forward with a spacing of" << frameSpacingMs << "frames";
         m_framesExportResult =
             Failure{Failure::Kind::notPossible,
                     tr("A series needs a spacing of at least one frame and an open video.")};
@@ -244,7 +245,7 @@ void VideoPlayer::cancelExportFrames()
 bool VideoPlayer::exportVideo(QString file)
 {
     if (!hasVideoOpened() || file.isEmpty()) {
-        qWarning() << "!m_hasVideoOpened || file.isEmpty()";
+        qCWarning(lcVideo) << "!m_hasVideoOpened || file.isEmpty()";
         // The receiver may begin to wait for the end only after this call.
         post(this, [this, isOpen = hasVideoOpened()] {
             m_videoExportResult =

@@ -2,6 +2,7 @@
 
 #include "Base/arithmetic.h"
 #include "Video/CachedFrameSource.h"
+#include "Video/logCategory.h"
 
 #include <QDebug>
 #include <algorithm>
@@ -18,7 +19,7 @@ bool VideoTimeline::open(const QString& file, int files, const VideoBackend& bac
 {
     Result<std::unique_ptr<FrameSource>> opened = backend.openSource(file);
     if (!opened) {
-        qWarning() << "Failed to open" << file;
+        qCWarning(lcVideo) << "Failed to open" << file;
         return false;
     }
     VideoFileEntry entry;
@@ -51,10 +52,10 @@ void VideoTimeline::measure()
     entry.firstFrameIndex = m_totalFrames;
     m_totalFrames += entry.frameCount;
     m_measured = size();
-    qInfo() << "Info " << entry.file << "; FPS:" << entry.fps
-            << "; Total frames:" << entry.frameCount
-            << "; Duration ms: " << truncateToInt(entry.frameCount / entry.fps * 1000.0)
-            << "; Size:" << capture.size().width() << capture.size().height();
+    qCInfo(lcVideo) << "Info " << entry.file << "; FPS:" << entry.fps
+                    << "; Total frames:" << entry.frameCount
+                    << "; Duration ms: " << truncateToInt(entry.frameCount / entry.fps * 1000.0)
+                    << "; Size:" << capture.size().width() << capture.size().height();
 }
 
 void VideoTimeline::close()

@@ -1,5 +1,6 @@
 #include "Video/frameConversion.h"
 
+#include "Video/logCategory.h"
 #include "Video/pictureScaling.h"
 
 #include <QAbstractPlanarVideoBuffer>
@@ -214,7 +215,7 @@ QImage cvMatToQImage(const cv::Mat& picture)
         format = QImage::Format_ARGB32;
         break;
     default:
-        qWarning() << "cv::Mat image type not handled in switch:" << pixels->type();
+        qCWarning(lcVideo) << "cv::Mat image type not handled in switch:" << pixels->type();
         return {};
     }
     cv::Mat* owned = pixels.release();

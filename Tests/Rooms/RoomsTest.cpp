@@ -90,6 +90,7 @@ private slots:
     void whatTheLineNamesIsIncludedAndCompiles_data();
     void whatTheLineNamesIsIncludedAndCompiles();
     void noIncludeClimbsOutOfItsFolder();
+    void everyLogLineIsOfTheCategoryOfItsRoom();
     void linkLinesHaveNoCircle();
     void architectureDocumentHasTheLinkLines();
 
@@ -268,6 +269,22 @@ void RoomsTest::noIncludeClimbsOutOfItsFolder()
         const QStringList climbing = includesOf(file).filter("..");
         QVERIFY2(climbing.isEmpty(), qPrintable(file + ": " + climbing.join(' ')));
     }
+}
+
+void RoomsTest::everyLogLineIsOfTheCategoryOfItsRoom()
+{
+    static const QRegularExpression logging("(?<!\\w)qC?(?:Debug|Info|Warning|Critical)\\((\\w*)");
+    int lines = 0;
+    for (const QString& room : m_lines.keys()) {
+        QDirIterator sources(QStringLiteral(SOURCES "/") + room, {"*.h", "*.cpp"}, QDir::Files);
+        while (sources.hasNext()) {
+            const QString file = sources.next();
+            auto matches = logging.globalMatch(QString::fromUtf8(contentsOf(file)));
+            for (; matches.hasNext(); ++lines)
+                QVERIFY2(matches.next().captured(1) == "lc" + room, qPrintable(file));
+        }
+    }
+    QVERIFY(lines > 100);
 }
 
 void RoomsTest::linkLinesHaveNoCircle()

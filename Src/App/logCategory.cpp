@@ -1,0 +1,3 @@
+#include "App/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcApp, "vistrel.app")

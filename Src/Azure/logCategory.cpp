@@ -1,0 +1,3 @@
+#include "Azure/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcAzure, "vistrel.azure")

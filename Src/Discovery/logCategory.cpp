@@ -1,0 +1,3 @@
+#include "Discovery/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcDiscovery, "vistrel.discovery")

@@ -1,0 +1,3 @@
+#include "Log/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcLog, "vistrel.log")

@@ -1,0 +1,3 @@
+#include "Project/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcProject, "vistrel.project")

@@ -1,0 +1,3 @@
+#include "Review/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcReview, "vistrel.review")

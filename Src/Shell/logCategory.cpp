@@ -1,0 +1,3 @@
+#include "Shell/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcShell, "vistrel.shell")

@@ -1,0 +1,3 @@
+#include "Timeline/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcTimeline, "vistrel.timeline")

@@ -1,0 +1,3 @@
+#include "Update/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcUpdate, "vistrel.update")

@@ -1,0 +1,3 @@
+#include "Video/logCategory.h"
+
+Q_LOGGING_CATEGORY(lcVideo, "vistrel.video")
