@@ -13,18 +13,17 @@
 namespace corv::bench {
 namespace {
 
-constexpr int markCount = 10000;
+constexpr int poiCount = 10000;
 
 QVariantMap flightProperties()
 {
-    QVariantList marks;
-    for (int i = 0; i < markCount; ++i)
-        marks << QVariantMap{
-            {QStringLiteral("time"), i * 700},
-            {QStringLiteral("name"), QStringLiteral("Mark %1").arg(i)},
-            {QStringLiteral("comment"),
-             QStringLiteral("Seen from the north, %1 m above ground").arg(i % 90)}};
-    return {{QStringLiteral("properties"), QVariantMap()}, {QStringLiteral("poi"), marks}};
+    QVariantList pois;
+    for (int i = 0; i < poiCount; ++i)
+        pois << QVariantMap{{QStringLiteral("time"), i * 700},
+                            {QStringLiteral("name"), QStringLiteral("POI %1").arg(i)},
+                            {QStringLiteral("comment"),
+                             QStringLiteral("Seen from the north, %1 m above ground").arg(i % 90)}};
+    return {{QStringLiteral("properties"), QVariantMap()}, {QStringLiteral("poi"), pois}};
 }
 
 const Benchmark project("project", [](Report& report) {
@@ -42,7 +41,7 @@ const Benchmark project("project", [](Report& report) {
         QJsonDocument::fromJson(text).object().toVariantMap();
     };
     report.row(QStringLiteral("project: save and load"), timeRatio(ours, alone, 9), 2.0,
-               QStringLiteral("10,000 marks, against QJsonDocument"));
+               QStringLiteral("10,000 points of interest, against QJsonDocument"));
 });
 
 /// A minute's worth of a slow card, of which three seconds are copied before the cancel: what the

@@ -14,8 +14,8 @@
 namespace corv::bench {
 namespace {
 
-constexpr int markCount = 100;
-constexpr int markSpacingMs = 330;
+constexpr int poiCount = 100;
+constexpr int poiSpacingMs = 330;
 
 /// A 1080p video as a camera writes it, made once.
 QString videoIn(const QString& folder)
@@ -43,22 +43,22 @@ bool open(VideoPlayer& player, const QString& video)
     return loop.exec() == 0;
 }
 
-QVariantList marks()
+QVariantList pois()
 {
     QVariantList list;
-    for (int i = 0; i < markCount; ++i)
-        list << QVariantMap{{QStringLiteral("time"), i * markSpacingMs},
-                            {QStringLiteral("name"), QStringLiteral("Mark %1").arg(i)},
+    for (int i = 0; i < poiCount; ++i)
+        list << QVariantMap{{QStringLiteral("time"), i * poiSpacingMs},
+                            {QStringLiteral("name"), QStringLiteral("POI %1").arg(i)},
                             {QStringLiteral("comment"), QStringLiteral("Comment")}};
     return list;
 }
 
 void fetchOneAfterTheOther(VideoPlayer& player, const QString& folder)
 {
-    for (int i = 0; i < markCount; ++i) {
+    for (int i = 0; i < poiCount; ++i) {
         QSemaphore saved;
         const QString path = QStringLiteral("%1/%2.png").arg(folder).arg(i);
-        player.getFrameAsync(QTime(0, 0).addMSecs(i * markSpacingMs), [&](const QImage& image) {
+        player.getFrameAsync(QTime(0, 0).addMSecs(i * poiSpacingMs), [&](const QImage& image) {
             image.save(path);
             saved.release();
         });
@@ -76,11 +76,11 @@ const Benchmark report("report", [](Report& table) {
     const std::atomic<bool> abortFlag{false};
     const auto write = [&] {
         ReportWriter writer(&abortFlag, QStringLiteral(VISTREL_REPORT_TEMPLATE));
-        writer.writeWordReport(folder.filePath(QStringLiteral("report.docx")), &player, marks(),
+        writer.writeWordReport(folder.filePath(QStringLiteral("report.docx")), &player, pois(),
                                {{QStringLiteral("undefined"), true}}, {});
     };
     const auto fetch = [&] { fetchOneAfterTheOther(player, folder.path()); };
-    table.row(QStringLiteral("report: 100 marks"), timeRatio(write, fetch, 1), 1.5,
+    table.row(QStringLiteral("report: 100 points of interest"), timeRatio(write, fetch, 1), 1.5,
               QStringLiteral("1080p, against fetching and saving the frames"));
 });
 

@@ -123,19 +123,19 @@ public:
     }
 };
 
-void setMarks(TimelineContent& timeline, int firstMs, int lastMs, int stepMs)
+void setPois(TimelineContent& timeline, int firstMs, int lastMs, int stepMs)
 {
     QVariantList list;
     for (int ms = firstMs; ms <= lastMs; ms += stepMs)
         list.append(QVariantMap{{QStringLiteral("time"), ms},
-                                {QStringLiteral("name"), QStringLiteral("mark")}});
+                                {QStringLiteral("name"), QStringLiteral("poi")}});
     timeline.setPOIsFromList(list);
     QCoreApplication::sendPostedEvents();
 }
 
 void benchPaint(Report& report)
 {
-    // 10 ms per pixel: 16 s of 1600 in view, a mark every 0.8 s.
+    // 10 ms per pixel: 16 s of 1600 in view, a point of interest every 0.8 s.
     InstantPlayer player;
     TimelineContent all;
     TimelineContent inView;
@@ -146,8 +146,8 @@ void benchPaint(Report& report)
         timeline->setContentWidth(160120);
         timeline->setContentX(80000);
     }
-    setMarks(all, 0, 1599999, 800);
-    setMarks(inView, 800000, 815999, 800);
+    setPois(all, 0, 1599999, 800);
+    setPois(inView, 800000, 815999, 800);
     QImage image(1600, 120, QImage::Format_ARGB32_Premultiplied);
     const auto paint = [&image](TimelineContent& timeline) {
         for (int round = 0; round < 20; ++round) {
@@ -156,16 +156,17 @@ void benchPaint(Report& report)
         }
     };
     const double ratio = timeRatio([&] { paint(all); }, [&] { paint(inView); }, 9);
-    report.row(QStringLiteral("timeline paint, 2000 marks / the 20 in view"), ratio, 1.5,
-               QStringLiteral("1600x120, marks every 80 px"));
+    report.row(QStringLiteral("timeline paint, 2000 pois / the 20 in view"), ratio, 1.5,
+               QStringLiteral("1600x120, points of interest every 80 px"));
 }
 
-// --- Marks of a log while a video plays ------------------------------------------------------
+// --- Points of interest of a log while a video plays
+// ------------------------------------------------------
 
 constexpr int videoFps = 30;
 constexpr int videoFrames = 900;
 constexpr int videoMs = videoFrames * 1000 / videoFps;
-constexpr int markCount = 500;
+constexpr int poiCount = 500;
 
 QString testVideo(const QString& folder)
 {
@@ -183,18 +184,18 @@ QString testVideo(const QString& folder)
     return path;
 }
 
-QString markedLog(const QString& folder)
+QString logWithPois(const QString& folder)
 {
-    const QString path = folder + QStringLiteral("/timeline-marks.log");
+    const QString path = folder + QStringLiteral("/timeline-pois.log");
     if (QFile::exists(path))
         return path;
     FlightLogWriter log(path);
     const Recording recording(&log);
-    const int marks = log.describe("point_of_interest", {{"point_of_interest", "UINT32", 1}});
+    const int pois = log.describe("point_of_interest", {{"point_of_interest", "UINT32", 1}});
     log.begin();
     recording.write(&log, videoMs);
-    for (unsigned mark = 0; mark < markCount; ++mark)
-        log.write(marks, Payload().u32(videoStartMs + mark * videoMs / markCount));
+    for (unsigned poi = 0; poi < poiCount; ++poi)
+        log.write(pois, Payload().u32(videoStartMs + poi * videoMs / poiCount));
     log.finish(0);
     return path;
 }
@@ -220,10 +221,10 @@ double longestHoldMs(const std::function<void()>& start, int forMs)
     return longest;
 }
 
-void benchMarksWhilePlaying(Report& report)
+void benchPoisWhilePlaying(Report& report)
 {
     LogParser parser;
-    parse(parser, markedLog(report.inputFolder()), videoMs);
+    parse(parser, logWithPois(report.inputFolder()), videoMs);
     CountingSurface surface;
     VideoPlayer player;
     player.setVideoSurface(&surface);
@@ -258,18 +259,18 @@ void benchMarksWhilePlaying(Report& report)
         const int beside = presentedDuring([&] { timeline.updateLogData(); }, &holdMs);
         holdsMs.push_back(holdMs);
         shares.push_back(static_cast<double>(beside) / std::max(alone, 1));
-        waitUntil([&] { return timeline.getPOIs().size() == markCount; });
+        waitUntil([&] { return timeline.getPOIs().size() == poiCount; });
     }
-    const QString input = QStringLiteral("%1 marks, 720p at 30 fps").arg(markCount);
-    report.row(QStringLiteral("marks of a log: longest hold / 50 ms"), median(holdsMs) / 50, 1,
+    const QString input = QStringLiteral("%1 points of interest, 720p at 30 fps").arg(poiCount);
+    report.row(QStringLiteral("pois of a log: longest hold / 50 ms"), median(holdsMs) / 50, 1,
                input);
-    report.row(QStringLiteral("marks of a log: frames presented / without"), median(shares), 0.6,
+    report.row(QStringLiteral("pois of a log: frames presented / without"), median(shares), 0.6,
                input, false);
 }
 
 const Benchmark hud("hud", benchHud);
 const Benchmark paint("timelinePaint", benchPaint);
-const Benchmark marks("timelineMarks", benchMarksWhilePlaying);
+const Benchmark pois("timelinePois", benchPoisWhilePlaying);
 
 } // namespace
 } // namespace corv::bench

@@ -155,11 +155,11 @@ std::vector<Step> stepsOfAReview(const QString& video, const QString& log, const
         {"open the video", QString("loadVideo('%1')").arg(video), "videoPlayer.duration > 0"},
         {"import the log", QString("afterFlightDataImportChoice('file://%1')").arg(log),
          "!LogParser.isParsing"},
-        {"set 200 marks",
-         "{ var marks = []; for (var i = 0; i < 200; ++i) marks.push({time: i * 30000, name: 'a', "
-         "comment: ''}); timelineContent.setPOIsFromList(marks) }",
+        {"set 200 points of interest",
+         "{ var pois = []; for (var i = 0; i < 200; ++i) pois.push({time: i * 30000, name: 'a', "
+         "comment: ''}); timelineContent.setPOIsFromList(pois) }",
          "timelineContent.getPOIs().length >= 200"},
-        {"add a mark", "addNewPoiAtPosition()", "true"},
+        {"add a point of interest", "addNewPoiAtPosition()", "true"},
         {"seek", "videoPlayer.seekAtTime(new Date(1970, 0, 1, 1, 30, 0, 0))",
          "videoPlayer.currentFrameIndex > 0"},
         {"zoom", "timelineContent.contentWidth = 2000000", "true"},

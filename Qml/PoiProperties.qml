@@ -13,7 +13,7 @@ Window {
     property bool ok: false
     property string poiName: ""
     property string poiDescription: ""
-    // The key of the mark, handed through untouched.
+    // The key of the point of interest, handed through untouched.
     property var poiTime
     // Owns the message about a missing name.
     property QtObject messageOwner: propertiesWindow

@@ -12,9 +12,9 @@
 
 namespace corv {
 
-/// Starts, follows and gives up the Word report of a flight's marks. Declared once in the main
-/// window and used on the interface thread, where its signals come from as well; the report itself
-/// is written on the global thread pool.
+/// Starts, follows and gives up the Word report of a flight's points of interest. Declared once in
+/// the main window and used on the interface thread, where its signals come from as well; the
+/// report itself is written on the global thread pool.
 class PoiReportExporter : public QObject
 {
     Q_OBJECT
@@ -30,8 +30,9 @@ public:
     VideoPlayer* videoPlayer() const { return m_videoPlayer; }
     void setVideoPlayer(VideoPlayer* videoPlayer);
 
-    /// Starts a report of the marks `poiList`, in list form, to the document `path`; the naming is
-    /// in its map form. Does nothing while one is being written. `exportComplete` marks the end.
+    /// Starts a report of the points of interest `poiList`, in list form, to the document `path`;
+    /// the naming is in its map form. Does nothing while one is being written. `exportComplete`
+    /// marks the end.
     Q_INVOKABLE void createPoiReport(QVariantList poiList, QString path,
                                      QVariantMap flightNamingMap);
 
@@ -49,7 +50,7 @@ signals:
     /// started at once.
     void exportComplete(bool result);
 
-    /// `done` of `total` marks are in the document.
+    /// `done` of `total` points of interest are in the document.
     void exportProgress(int done, int total);
 
 private:

@@ -16,9 +16,9 @@ class DocxMerger;
 class ReportFolder;
 class VideoPlayer;
 
-/// Writes the report of a flight's marks: a Word document with a cover and one page per mark. Made
-/// for one report, on the thread that writes it, which is never the interface's: it waits there for
-/// each frame.
+/// Writes the report of a flight's points of interest: a Word document with a cover and one page
+/// per point of interest. Made for one report, on the thread that writes it, which is never the
+/// interface's: it waits there for each frame.
 class ReportWriter
 {
 public:
@@ -33,10 +33,10 @@ public:
     /// The template that is delivered beside the program.
     static QString deliveredTemplatePath();
 
-    /// `poiList` are the marks in list form, sorted by time; those at its start that have no usable
-    /// time are passed over. `flightNaming` is the map form of the naming. Returns whether the
-    /// document was written; on false the reason is in the log, and a file that was there before is
-    /// as it was.
+    /// `poiList` are the points of interest in list form, sorted by time; those at its start that
+    /// have no usable time are passed over. `flightNaming` is the map form of the naming. Returns
+    /// whether the document was written; on false the reason is in the log, and a file that was
+    /// there before is as it was.
     bool writeWordReport(QString path, VideoPlayer* player, QVariantList poiList,
                          QVariantMap flightNaming, Progress progress);
 
@@ -60,7 +60,8 @@ private:
     Status m_result;
 };
 
-/// Minutes, seconds and milliseconds of a mark as the report shows them: 65,007 ms reads 01:05.7.
+/// Minutes, seconds and milliseconds of a point of interest as the report shows them: 65,007 ms
+/// reads 01:05.7.
 QString reportTime(int timeMs);
 
 } // namespace corv

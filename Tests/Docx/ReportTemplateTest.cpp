@@ -12,16 +12,16 @@ using namespace corv::test;
 
 namespace {
 
-struct Mark
+struct Poi
 {
     QString name;
     QString time;
     QString comment;
 };
 
-const QVector<Mark>& marks()
+const QVector<Poi>& pois()
 {
-    static const QVector<Mark> all = {
+    static const QVector<Poi> all = {
         {"Crack at the tip", "01:05.7", "First line\nSecond line"},
         {"Markup <&>\"", "60:00.0", "</w:t> & so on"},
         {QString::fromUtf8("שלום"), "00:59.999", QString::fromUtf8("Éolienne")},
@@ -55,10 +55,10 @@ class ReportTemplateTest : public QObject
         }
         merger.setClipboardValue("Cover", "GenerationDate", "Mon May 21 10:11:12 2018");
         merger.paste("Cover");
-        for (const Mark& mark : marks()) {
-            merger.setClipboardValue("Page", "Name", mark.name);
-            merger.setClipboardValue("Page", "Time", mark.time);
-            merger.setClipboardValue("Page", "Comment", mark.comment);
+        for (const Poi& poi : pois()) {
+            merger.setClipboardValue("Page", "Name", poi.name);
+            merger.setClipboardValue("Page", "Time", poi.time);
+            merger.setClipboardValue("Page", "Comment", poi.comment);
             merger.setClipboardValue("Page", "Image", path("frame.png"));
             merger.paste("Page");
         }
@@ -96,16 +96,15 @@ class ReportTemplateTest : public QObject
     {
         convert(document, "pdf");
         const QStringList pages = pagesOf(path("out/report.pdf"));
-        QCOMPARE(pages.size(), 1 + marks().size());
+        QCOMPARE(pages.size(), 1 + pois().size());
         for (const char* text : {"North coast", "Turbine 12", "3", "Mon May 21 10:11:12 2018"})
             QVERIFY2(pages[0].contains(text), qPrintable(pages[0]));
         QVERIFY(!pages[0].contains(QRegularExpression("1 ?/ ?5")));
-        for (int i = 0; i < marks().size(); ++i) {
+        for (int i = 0; i < pois().size(); ++i) {
             const QString& page = pages[i + 1];
-            QVERIFY2(page.contains(marks()[i].name), qPrintable(page));
-            QVERIFY2(page.indexOf(marks()[i].time) > page.indexOf(marks()[i].name),
-                     qPrintable(page));
-            for (const QString& line : marks()[i].comment.split('\n'))
+            QVERIFY2(page.contains(pois()[i].name), qPrintable(page));
+            QVERIFY2(page.indexOf(pois()[i].time) > page.indexOf(pois()[i].name), qPrintable(page));
+            for (const QString& line : pois()[i].comment.split('\n'))
                 QVERIFY2(page.indexOf(line) >= 0, qPrintable(page));
             const QRegularExpression number(QString("%1 ?/ ?5").arg(i + 2));
             QVERIFY2(page.contains(number), qPrintable(page));
@@ -122,8 +121,8 @@ private slots:
         const QByteArray document = parts["word/document.xml"];
         QVERIFY(!document.contains("w:sdt"));
         QVERIFY(!document.contains("bookmark"));
-        // The logo and a frame for each mark; the sample frame has gone.
-        QCOMPARE(parts.keys().filter("word/media/").size(), 1 + marks().size());
+        // The logo and a frame for each point of interest; the sample frame has gone.
+        QCOMPARE(parts.keys().filter("word/media/").size(), 1 + pois().size());
     }
 
     void textIsInOrder()
@@ -132,8 +131,8 @@ private slots:
         const QString text = documentText(readZip(path("report.docx")));
         QString::size_type position = 0;
         QStringList expected = {"North coast", "Turbine 12", "3", "Mon May 21 10:11:12 2018"};
-        for (const Mark& mark : marks())
-            expected << mark.name << mark.time << mark.comment;
+        for (const Poi& poi : pois())
+            expected << poi.name << poi.time << poi.comment;
         for (const QString& piece : expected) {
             const auto found = text.indexOf(piece, position);
             QVERIFY2(found >= 0, qPrintable(piece + " in " + text));
@@ -168,7 +167,7 @@ private slots:
         const Parts parts = readZip(path("report.docx"));
         QCOMPARE(brokenRules(parts).join('\n'), QString());
         QVERIFY(!parts["word/document.xml"].contains("w:sdt"));
-        QCOMPARE(parts.keys().filter("word/media/").size(), 1 + marks().size());
+        QCOMPARE(parts.keys().filter("word/media/").size(), 1 + pois().size());
         checkPages(path("report.docx"));
     }
 };

@@ -18,11 +18,11 @@ using namespace corv::test;
 
 namespace {
 
-QVariantList marks(int count)
+QVariantList pois(int count)
 {
     QVariantList list;
     for (int i = 0; i < count; ++i)
-        list << QVariantMap{{"time", 40 * i}, {"name", QString("Mark %1").arg(i)}};
+        list << QVariantMap{{"time", 40 * i}, {"name", QString("POI %1").arg(i)}};
     return list;
 }
 
@@ -92,9 +92,9 @@ private slots:
             QCOMPARE(QThread::currentThread(), thread());
             events << (result ? "written" : "failed");
         });
-        exporter.createPoiReport(marks(3), path("out.docx"), naming());
+        exporter.createPoiReport(pois(3), path("out.docx"), naming());
         QTRY_COMPARE(events, QStringList({"1/3", "2/3", "3/3", "written"}));
-        QVERIFY(documentText(readZip(path("out.docx"))).contains("Mark 2"));
+        QVERIFY(documentText(readZip(path("out.docx"))).contains("POI 2"));
     }
 
     void aSecondReportIsIgnoredWhileOneIsWritten()
@@ -104,9 +104,9 @@ private slots:
         PoiReportExporter exporter;
         exporter.setVideoPlayer(&player);
         QSignalSpy complete(&exporter, &PoiReportExporter::exportComplete);
-        exporter.createPoiReport(marks(1), path("first.docx"), naming());
+        exporter.createPoiReport(pois(1), path("first.docx"), naming());
         QTRY_COMPARE(player.requests(), 1);
-        exporter.createPoiReport(marks(1), path("second.docx"), naming());
+        exporter.createPoiReport(pois(1), path("second.docx"), naming());
         player.release();
         QTRY_COMPARE(complete.count(), 1);
         QVERIFY(QFileInfo::exists(path("first.docx")));
@@ -137,7 +137,7 @@ private slots:
         exporter.setVideoPlayer(&player);
         QSignalSpy complete(&exporter, &PoiReportExporter::exportComplete);
         QSignalSpy progress(&exporter, &PoiReportExporter::exportProgress);
-        exporter.createPoiReport(marks(3), path("out.docx"), naming());
+        exporter.createPoiReport(pois(3), path("out.docx"), naming());
         QTRY_COMPARE(player.requests(), 1);
         exporter.abortExportOperation();
         QTRY_COMPARE(complete.count(), 1);
@@ -146,7 +146,7 @@ private slots:
         QVERIFY(!QFileInfo::exists(path("out.docx")));
 
         player.release(); // the frame comes after the end, and the next report goes through
-        exporter.createPoiReport(marks(2), path("out.docx"), naming());
+        exporter.createPoiReport(pois(2), path("out.docx"), naming());
         QTRY_COMPARE(complete.count(), 2);
         QCOMPARE(complete[1][0].toBool(), true);
     }
@@ -159,7 +159,7 @@ private slots:
         exporter.setVideoPlayer(&player);
         QSignalSpy complete(&exporter, &PoiReportExporter::exportComplete);
         MessageLog log;
-        exporter.createPoiReport(marks(1), path("out.docx"), naming());
+        exporter.createPoiReport(pois(1), path("out.docx"), naming());
         QTRY_COMPARE(complete.count(), 1);
         QCOMPARE(complete[0][0].toBool(), false);
         QVERIFY(log.contains("DFW export template not found at:"));
@@ -172,7 +172,7 @@ private slots:
         {
             PoiReportExporter exporter;
             exporter.setVideoPlayer(&player);
-            exporter.createPoiReport(marks(3), path("out.docx"), naming());
+            exporter.createPoiReport(pois(3), path("out.docx"), naming());
             QTRY_COMPARE(player.requests(), 1);
         }
         QVERIFY(!QFileInfo::exists(path("out.docx")));
@@ -187,7 +187,7 @@ private slots:
         PoiReportExporter exporter;
         exporter.setVideoPlayer(player.get());
         QSignalSpy complete(&exporter, &PoiReportExporter::exportComplete);
-        exporter.createPoiReport(marks(3), path("out.docx"), naming());
+        exporter.createPoiReport(pois(3), path("out.docx"), naming());
         QTRY_COMPARE(player->requests(), 1);
         player.reset();
         QCOMPARE(exporter.videoPlayer(), nullptr);
@@ -203,7 +203,7 @@ private slots:
             PoiReportExporter exporter;
             exporter.setVideoPlayer(&player);
             QSignalSpy complete(&exporter, &PoiReportExporter::exportComplete);
-            exporter.createPoiReport(marks(2), path("out.docx"), naming());
+            exporter.createPoiReport(pois(2), path("out.docx"), naming());
             // The random moment is what is tested, so this is no wait for a condition.
             std::this_thread::sleep_for(std::chrono::microseconds(random() % 150000));
             if (round % 3 == 0)

@@ -27,9 +27,9 @@ private slots:
 
     void writesTheStatedDocument()
     {
-        const QVariantList marks{mark(1000, "A", "line\nline"), mark(2000, "B")};
+        const QVariantList pois{poi(1000, "A", "line\nline"), poi(2000, "B")};
         m_loader.saveProject(path("in/a.log"), path("in/a.mp4"), path("p.ecor"),
-                             flightProperties(marks));
+                             flightProperties(pois));
 
         const QByteArray text = readFile(path("p.ecor"));
         QVERIFY(text.startsWith("{\n    \"contents\": {\n        \"flights\": [\n"));
@@ -67,7 +67,7 @@ private slots:
     {
         MessageLog log;
         m_loader.saveProject("/m/a.log", "/m/a.mp4", "file://" + path("p.ecor"),
-                             flightProperties({mark(5, "A")}));
+                             flightProperties({poi(5, "A")}));
         QVERIFY(log.contains("Project file path: \"//" + path("p.ecor") + '"'));
         QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 1);
     }
@@ -88,7 +88,7 @@ private slots:
     void anythingComesBackAsItWas()
     {
         QFETCH(QString, name);
-        const QVariantMap properties = flightProperties({mark(86399999, name, name + name)});
+        const QVariantMap properties = flightProperties({poi(86399999, name, name + name)});
         m_loader.saveProject(path("v.log"), path("v.mp4"), path("p.ecor"), properties);
         const QVariantMap loaded = m_loader.loadProject(path("p.ecor"));
         QCOMPARE(loaded["poi"].toList().size(), 1);
@@ -188,7 +188,7 @@ private slots:
     void logsTheLoading()
     {
         m_loader.saveProject(path("v.log"), path("v.mp4"), path("p.ecor"),
-                             flightProperties({mark(1, "A")}));
+                             flightProperties({poi(1, "A")}));
         MessageLog log;
         m_loader.loadProject(path("p.ecor"));
         QCOMPARE(
@@ -232,7 +232,7 @@ private slots:
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<bool>("hasVideo");
         QTest::addColumn<bool>("hasLog");
-        QTest::addColumn<int>("marks"); // -1: no list
+        QTest::addColumn<int>("pois"); // -1: no list
         const QByteArray files = R"("files":{"video":"v","log":"l"})";
         QTest::newRow("empty") << QByteArray() << false << false << -1;
         QTest::newRow("no JSON") << QByteArray("\xff\xfe\x00garbage", 10) << false << false << -1;
@@ -277,7 +277,7 @@ private slots:
         QFETCH(QByteArray, text);
         QFETCH(bool, hasVideo);
         QFETCH(bool, hasLog);
-        QFETCH(int, marks);
+        QFETCH(int, pois);
         writeFile(path("p.ecor"), text);
         MessageLog log;
         const QVariantMap loaded = m_loader.loadProject(path("p.ecor"));
@@ -288,12 +288,12 @@ private slots:
         QCOMPARE(loaded["videoFileExists"], QVariant(false));
         QCOMPARE(loaded["logFileExists"], QVariant(false));
         QCOMPARE(loaded["properties"], QVariant(QVariantMap()));
-        QCOMPARE(loaded.contains("poi"), marks >= 0);
-        QCOMPARE(loaded["poi"].toList().size(), qMax(0, marks));
+        QCOMPARE(loaded.contains("poi"), pois >= 0);
+        QCOMPARE(loaded["poi"].toList().size(), qMax(0, pois));
         QCOMPARE(log.count("Unable to find video path"), hasVideo ? 0 : 1);
         QCOMPARE(log.count("Unable to find log path"), hasLog ? 0 : 1);
-        QCOMPARE(log.count("File has POIs inside"), marks >= 0 ? 1 : 0);
-        QCOMPARE(log.count("File has no POIs inside"), marks >= 0 ? 0 : 1);
+        QCOMPARE(log.count("File has POIs inside"), pois >= 0 ? 1 : 0);
+        QCOMPARE(log.count("File has no POIs inside"), pois >= 0 ? 0 : 1);
     }
 
     void gigabytesAreNotRead()
@@ -331,9 +331,9 @@ private slots:
         writeFile(path("p.ecor"),
                   project(R"({"files":{"video":"v","log":"l"},"poi":[)" + poi + "]}"));
         MessageLog log;
-        const QVariantList marks = m_loader.loadProject(path("p.ecor"))["poi"].toList();
-        QCOMPARE(marks.size(), ProjectFileLoader::mostPois);
-        QCOMPARE(marks.first().toMap()["time"].toInt(), 0);
+        const QVariantList pois = m_loader.loadProject(path("p.ecor"))["poi"].toList();
+        QCOMPARE(pois.size(), ProjectFileLoader::mostPois);
+        QCOMPARE(pois.first().toMap()["time"].toInt(), 0);
         QVERIFY(log.contains("Too many POIs in file, kept 100000 of 1000000"));
     }
 };

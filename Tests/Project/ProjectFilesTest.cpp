@@ -19,12 +19,12 @@ using namespace corv::test;
 
 namespace {
 
-QVariantList marksNamed(const QString& name, int count)
+QVariantList poisNamed(const QString& name, int count)
 {
-    QVariantList marks;
+    QVariantList pois;
     for (int i = 0; i < count; ++i)
-        marks.append(mark(i * 40, name));
-    return marks;
+        pois.append(poi(i * 40, name));
+    return pois;
 }
 
 } // namespace
@@ -40,9 +40,9 @@ private slots:
 
     void replacesAnExistingProjectAsAWhole()
     {
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("A", 500)));
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(poisNamed("A", 500)));
         QVERIFY(QFile::setPermissions(path("p.ecor"), QFile::ReadOwner | QFile::WriteOwner));
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("B", 2)));
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(poisNamed("B", 2)));
         QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 2);
         QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
                  QStringList({"p.ecor"}));
@@ -54,32 +54,32 @@ private slots:
         QVERIFY(QDir().mkpath(path("real")));
         writeFile(path("real/p.ecor"), "old");
         QVERIFY(QFile::link(path("real/p.ecor"), path("p.ecor")));
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({mark(1, "A")}));
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({poi(1, "A")}));
         QVERIFY(QFileInfo(path("p.ecor")).isSymLink());
         QCOMPARE(savedFlight(path("real/p.ecor"))["poi"].toArray().size(), 1);
     }
 
     void onAFullDiskTheEarlierProjectIsWhole_data()
     {
-        QTest::addColumn<int>("marks");
+        QTest::addColumn<int>("pois");
         QTest::addColumn<int>("room");
         QTest::newRow("less than a buffer") << 5 << 100;
         QTest::newRow("no room at all") << 5 << 0;
         QTest::newRow("the last buffer") << 200 << 16384;
-        QTest::newRow("many marks") << 5000 << 8192;
+        QTest::newRow("many points of interest") << 5000 << 8192;
     }
 
     void onAFullDiskTheEarlierProjectIsWhole()
     {
-        QFETCH(int, marks);
+        QFETCH(int, pois);
         QFETCH(int, room);
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("A", 50)));
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(poisNamed("A", 50)));
         const QByteArray before = readFile(path("p.ecor"));
         MessageLog log;
         {
             const FullDisk disk(static_cast<rlim_t>(room));
             m_loader.saveProject("/l", "/v", path("p.ecor"),
-                                 flightProperties(marksNamed("B", marks)));
+                                 flightProperties(poisNamed("B", pois)));
         }
         QCOMPARE(readFile(path("p.ecor")), before);
         QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
@@ -102,7 +102,7 @@ private slots:
         QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x5555)));
         {
             const PlainUser user;
-            m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({mark(1, "A")}));
+            m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties({poi(1, "A")}));
         }
         QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7755)));
         QCOMPARE(savedFlight(path("p.ecor"))["poi"].toArray().size(), 1);
@@ -112,7 +112,7 @@ private slots:
     {
         QElapsedTimer timer;
         timer.start();
-        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(marksNamed("0", 300)));
+        m_loader.saveProject("/l", "/v", path("p.ecor"), flightProperties(poisNamed("0", 300)));
         const auto fewSavesUs = static_cast<unsigned long>(timer.nsecsElapsed() / 1000 * 3 + 2000);
         std::mt19937 random(20180521);
         QSet<QString> survivors;
@@ -124,7 +124,7 @@ private slots:
                 for (int version = 1;; ++version) {
                     const QString name = QString::number(version);
                     m_loader.saveProject("/l", "/v", path("p.ecor"),
-                                         flightProperties(marksNamed(name, 300)));
+                                         flightProperties(poisNamed(name, 300)));
                 }
             }
             // The random moment is what is tested, so this is no wait for a condition.
@@ -132,10 +132,10 @@ private slots:
             kill(child, SIGKILL);
             QCOMPARE(waitpid(child, nullptr, 0), child);
 
-            const QVariantList marks = m_loader.loadProject(path("p.ecor"))["poi"].toList();
-            QCOMPARE(marks.size(), 300);
-            const QString name = marks.first().toMap()["name"].toString();
-            for (const QVariant& poi : marks)
+            const QVariantList pois = m_loader.loadProject(path("p.ecor"))["poi"].toList();
+            QCOMPARE(pois.size(), 300);
+            const QString name = pois.first().toMap()["name"].toString();
+            for (const QVariant& poi : pois)
                 QCOMPARE(poi.toMap()["name"].toString(), name);
             survivors.insert(name);
             QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),

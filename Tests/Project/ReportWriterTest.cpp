@@ -19,7 +19,7 @@ namespace {
 
 using Steps = QList<QPair<int, int>>;
 
-QVariantMap mark(int timeMs, const QString& name = "Name", const QString& comment = "Comment")
+QVariantMap poi(int timeMs, const QString& name = "Name", const QString& comment = "Comment")
 {
     return {{"time", timeMs}, {"name", name}, {"comment", comment}};
 }
@@ -53,13 +53,13 @@ private:
 
     QString path(const QString& name) const { return m_folder->filePath(name); }
 
-    bool write(VideoPlayer* player, const QVariantList& marks,
+    bool write(VideoPlayer* player, const QVariantList& pois,
                const QVariantMap& flightNaming = naming(),
                const QString& templateFile = VISTREL_REPORT_TEMPLATE)
     {
         ReportWriter writer(&m_abort, templateFile);
         return writer.writeWordReport(
-            path("out.docx"), player, marks, flightNaming,
+            path("out.docx"), player, pois, flightNaming,
             [this](int done, int total) { m_steps << qMakePair(done, total); });
     }
 
@@ -106,7 +106,7 @@ private slots:
     {
         ScriptedPlayer player(frameAt);
         MessageLog log;
-        QVERIFY(write(&player, {mark(7, "First", "one\ntwo"), mark(65007, "Second", "three")}));
+        QVERIFY(write(&player, {poi(7, "First", "one\ntwo"), poi(65007, "Second", "three")}));
         QVERIFY(
             log.contains("Vistrel will create a POI report at path: \"" + path("out.docx") + '"'));
         QCOMPARE(log.messages(QtWarningMsg), QStringList());
@@ -165,9 +165,9 @@ private slots:
             frames = framesInUse();
             return frameAt(timeMs);
         });
-        const QVariantList marks = {mark(-2, "A"), mark(-1, "B"), mark(1, "C"), mark(2, "D"),
-                                    mark(3, "E")};
-        QVERIFY(write(&player, marks));
+        const QVariantList pois = {poi(-2, "A"), poi(-1, "B"), poi(1, "C"), poi(2, "D"),
+                                   poi(3, "E")};
+        QVERIFY(write(&player, pois));
         QCOMPARE(m_steps, Steps({{1, 3}, {2, 3}, {3, 3}}));
         QCOMPARE(player.requests(), 3);
         // As the last frame was asked for, the two before it were there, numbered by their places.
@@ -179,7 +179,7 @@ private slots:
     void anEntryWithoutTimeInTheMiddleCountsButHasNoPage()
     {
         ScriptedPlayer player(frameAt);
-        QVERIFY(write(&player, {mark(1, "A"), QVariantMap{{"name", "B"}}, mark(2, "C")}));
+        QVERIFY(write(&player, {poi(1, "A"), QVariantMap{{"name", "B"}}, poi(2, "C")}));
         QCOMPARE(m_steps, Steps({{1, 2}, {2, 2}}));
         QVERIFY(!text().contains("B\n"));
         QVERIFY(text().contains("C\n"));
@@ -196,7 +196,7 @@ private slots:
     {
         ScriptedPlayer player([](int) { return QImage(); });
         MessageLog log;
-        QVERIFY(write(&player, {mark(65007, "Lost")}));
+        QVERIFY(write(&player, {poi(65007, "Lost")}));
         QCOMPARE(log.messages(QtWarningMsg), QStringList({"Failed to extract frame at ms 65007"}));
         QVERIFY(text().contains("Lost\n"));
         QCOMPARE(media(), QStringList());
@@ -210,7 +210,7 @@ private slots:
             return frameAt(timeMs);
         });
         MessageLog log;
-        QVERIFY(write(&player, {mark(5, "Lost")}));
+        QVERIFY(write(&player, {poi(5, "Lost")}));
         QCOMPARE(log.messages(QtWarningMsg).size(), 1);
         const QString warning = log.messages(QtWarningMsg).first();
         QVERIFY2(warning.startsWith("Failed to save frame to file \"" + path("tmp")) &&
@@ -226,7 +226,7 @@ private slots:
         qputenv("TMPDIR", QFile::encodeName(path("file")));
         ScriptedPlayer player(frameAt);
         MessageLog log;
-        QVERIFY(write(&player, {mark(5)}));
+        QVERIFY(write(&player, {poi(5)}));
         QVERIFY(log.messages(QtWarningMsg).contains("Failed to save frame to file \"\""));
         QCOMPARE(media(), QStringList());
     }
@@ -235,9 +235,9 @@ private slots:
     {
         VideoPlayer withoutVideo;
         MessageLog log;
-        QVERIFY(write(&withoutVideo, {mark(5, "A")}));
+        QVERIFY(write(&withoutVideo, {poi(5, "A")}));
         QVERIFY(log.contains("Failed to extract frame at ms 5"));
-        QVERIFY(write(nullptr, {mark(6, "A")}));
+        QVERIFY(write(nullptr, {poi(6, "A")}));
         QVERIFY(log.contains("Failed to extract frame at ms 6"));
     }
 
@@ -248,7 +248,7 @@ private slots:
             return frameAt(timeMs);
         });
         MessageLog log;
-        QVERIFY(!write(&player, {mark(5), mark(6), mark(7)}));
+        QVERIFY(!write(&player, {poi(5), poi(6), poi(7)}));
         QCOMPARE(player.requests(), 1);
         QCOMPARE(m_steps, Steps());
         QVERIFY(!QFileInfo::exists(path("out.docx")));
@@ -259,7 +259,7 @@ private slots:
     {
         m_abort = true;
         ScriptedPlayer player(frameAt);
-        QVERIFY(!write(&player, {mark(5)}));
+        QVERIFY(!write(&player, {poi(5)}));
         QCOMPARE(player.requests(), 0);
         QVERIFY(!QFileInfo::exists(path("out.docx")));
     }
@@ -274,7 +274,7 @@ private slots:
             m_abort = true;
         });
         MessageLog log;
-        QVERIFY(!write(&player, {mark(5)}));
+        QVERIFY(!write(&player, {poi(5)}));
         aborting.join();
         QCOMPARE(framesInUse(), QStringList());
         player.release();
@@ -288,7 +288,7 @@ private slots:
     {
         ScriptedPlayer player(frameAt);
         MessageLog log;
-        QVERIFY(!write(&player, {mark(5)}, naming(), path("none.dfw")));
+        QVERIFY(!write(&player, {poi(5)}, naming(), path("none.dfw")));
         QCOMPARE(log.messages(QtWarningMsg),
                  QStringList({"DFW export template not found at: \"" + path("none.dfw") + '"'}));
     }
@@ -306,7 +306,7 @@ private slots:
         broken.close();
         ScriptedPlayer player(frameAt);
         MessageLog log;
-        QVERIFY(!write(&player, {mark(5)}, naming(), path("broken.dfw")));
+        QVERIFY(!write(&player, {poi(5)}, naming(), path("broken.dfw")));
         QCOMPARE(log.messages(QtWarningMsg).filter("Exception: ").size(), 1);
         QVERIFY(log.contains("cannot be unpacked"));
     }
@@ -316,7 +316,7 @@ private slots:
         writeZip(path("t.dfw"), templateParts(control("Page", paragraph(run("p")))));
         ScriptedPlayer player(frameAt);
         MessageLog log;
-        QVERIFY(!write(&player, {mark(5)}, naming(), path("t.dfw")));
+        QVERIFY(!write(&player, {poi(5)}, naming(), path("t.dfw")));
         QCOMPARE(log.messages(QtWarningMsg),
                  QStringList({"Exception: the template has no item \"Cover\""}));
     }
@@ -326,7 +326,7 @@ private slots:
         writeZip(path("t.dfw"), templateParts(control("Cover", paragraph(run("c")))));
         ScriptedPlayer player(frameAt);
         MessageLog log;
-        QVERIFY(write(&player, {mark(5), mark(6)}, naming(), path("t.dfw")));
+        QVERIFY(write(&player, {poi(5), poi(6)}, naming(), path("t.dfw")));
         QCOMPARE(log.messages(QtInfoMsg).filter("the template has no item \"Page\"").size(), 2);
         QCOMPARE(m_steps, Steps());
         QCOMPARE(text(), QString("c\n"));
@@ -337,7 +337,7 @@ private slots:
         QVERIFY(QDir().mkpath(path("out.docx")));
         ScriptedPlayer player(frameAt);
         MessageLog log;
-        QVERIFY(!write(&player, {mark(5)}));
+        QVERIFY(!write(&player, {poi(5)}));
         QCOMPARE(log.messages(QtWarningMsg).filter("Exception: cannot write").size(), 1);
     }
 };

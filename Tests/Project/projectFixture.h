@@ -13,20 +13,20 @@
 
 namespace corv::test {
 
-/// A mark in list form.
-inline QVariantMap mark(int timeMs, const QString& name, const QString& comment = {})
+/// A point of interest in list form.
+inline QVariantMap poi(int timeMs, const QString& name, const QString& comment = {})
 {
     return {{"time", timeMs}, {"name", name}, {"comment", comment}};
 }
 
 /// What the interface hands over to be saved.
-inline QVariantMap flightProperties(const QVariantList& marks = {})
+inline QVariantMap flightProperties(const QVariantList& pois = {})
 {
     const QVariantMap display{{"brightness", 0.25}, {"contrast", 1.5}};
     const QVariantMap designation{{"flight_name", QString::fromUtf8("Été «7»")},
                                   {"flight_number", 7}};
     return {{"properties", QVariantMap{{"display", display}, {"designation", designation}}},
-            {"poi", marks}};
+            {"poi", pois}};
 }
 
 /// Writes a file, and makes the folders on the way.

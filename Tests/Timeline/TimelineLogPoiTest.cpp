@@ -39,7 +39,7 @@ struct LoggedStrip
     }
 
     // "time name", in ascending time
-    QStringList marks() const
+    QStringList pois() const
     {
         QStringList list;
         for (const QVariant& poi : timeline.getPOIs()) {
@@ -106,7 +106,7 @@ void TimelineLogPoiTest::updateAddsWhatIsMissing()
     QCOMPARE(strip.player.requestedTimes(), expected);
     QCOMPARE(log.messages(), QStringList{logLine("Already added POI at", 10000)});
     strip.answerAll();
-    QCOMPARE(strip.marks(), (QStringList{"10000 mine", "20000 POI 3", "30000 POI 1"}));
+    QCOMPARE(strip.pois(), (QStringList{"10000 mine", "20000 POI 3", "30000 POI 1"}));
     QCOMPARE(strip.timeline.getPOIs().last().toMap().value(QStringLiteral("comment")).toString(),
              QString());
 }
@@ -115,11 +115,11 @@ void TimelineLogPoiTest::poiOfTheLogExistsWithItsFrameOnly()
 {
     LoggedStrip strip({start + 30000});
     strip.timeline.updateLogData();
-    QVERIFY(strip.marks().isEmpty());
+    QVERIFY(strip.pois().isEmpty());
     strip.player.answer(frameOf(Qt::green));
-    QVERIFY(strip.marks().isEmpty());
+    QVERIFY(strip.pois().isEmpty());
     deliver();
-    QCOMPARE(strip.marks(), QStringList{"30000 POI 1"});
+    QCOMPARE(strip.pois(), QStringList{"30000 POI 1"});
     QCOMPARE(painted(strip.timeline).pixelColor(320, 70), QColor(Qt::green));
 }
 
@@ -141,7 +141,7 @@ void TimelineLogPoiTest::nullFramesMakeNoPoi()
     const MessageLog log;
     strip.answerAll(QImage());
     QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Null frame at", 30000)});
-    QVERIFY(strip.marks().isEmpty());
+    QVERIFY(strip.pois().isEmpty());
 }
 
 void TimelineLogPoiTest::updatingTwiceAddsNothing()
@@ -154,7 +154,7 @@ void TimelineLogPoiTest::updatingTwiceAddsNothing()
     QVERIFY(strip.player.requests.empty());
     QCOMPARE(log.messages(QtInfoMsg), (QStringList{logLine("Already added POI at", 10000),
                                                    logLine("Already added POI at", 20000)}));
-    QCOMPARE(strip.marks(), (QStringList{"10000 POI 1", "20000 POI 2"}));
+    QCOMPARE(strip.pois(), (QStringList{"10000 POI 1", "20000 POI 2"}));
 }
 
 void TimelineLogPoiTest::updateBringsBackWhatWasDeleted()
@@ -164,10 +164,10 @@ void TimelineLogPoiTest::updateBringsBackWhatWasDeleted()
     strip.answerAll();
     strip.timeline.setCursorPosition(timeAt(20000));
     strip.timeline.deletePoiAtPosition();
-    QCOMPARE(strip.marks(), QStringList{"10000 POI 1"});
+    QCOMPARE(strip.pois(), QStringList{"10000 POI 1"});
     strip.timeline.updateLogData();
     strip.answerAll();
-    QCOMPARE(strip.marks(), (QStringList{"10000 POI 1", "20000 POI 2"}));
+    QCOMPARE(strip.pois(), (QStringList{"10000 POI 1", "20000 POI 2"}));
 }
 
 void TimelineLogPoiTest::poisBeforeTheVideo()
@@ -177,10 +177,10 @@ void TimelineLogPoiTest::poisBeforeTheVideo()
     strip.timeline.restoreMissingPOIsWithLogData();
     QCOMPARE(strip.player.requestedTimes(), std::vector<QTime>{timeAt(10000)});
     strip.answerAll();
-    QCOMPARE(strip.marks(), QStringList{"10000 POI 2"});
+    QCOMPARE(strip.pois(), QStringList{"10000 POI 2"});
     strip.timeline.updateLogData();
     strip.answerAll();
-    QCOMPARE(strip.marks(), (QStringList{"10000 POI 2", "86398000 POI 1"}));
+    QCOMPARE(strip.pois(), (QStringList{"10000 POI 2", "86398000 POI 1"}));
 }
 
 void TimelineLogPoiTest::correctionMovesNoPoi()
@@ -192,7 +192,7 @@ void TimelineLogPoiTest::correctionMovesNoPoi()
     strip.parser.setManualLogTimeOffset(-500);
     strip.timeline.updateLogData();
     strip.answerAll();
-    QCOMPARE(strip.marks(), QStringList{"10000 POI 1"});
+    QCOMPARE(strip.pois(), QStringList{"10000 POI 1"});
 }
 
 void TimelineLogPoiTest::theLaterOfEqualEntriesWins()
@@ -200,7 +200,7 @@ void TimelineLogPoiTest::theLaterOfEqualEntriesWins()
     LoggedStrip strip({start + 10000, start + 10000});
     strip.timeline.updateLogData();
     strip.answerAll();
-    QCOMPARE(strip.marks(), QStringList{"10000 POI 2"});
+    QCOMPARE(strip.pois(), QStringList{"10000 POI 2"});
 }
 
 void TimelineLogPoiTest::updateReplacesWhatCameInBetween()
@@ -210,7 +210,7 @@ void TimelineLogPoiTest::updateReplacesWhatCameInBetween()
     strip.timeline.setCursorPosition(timeAt(10000));
     strip.timeline.addPoiAtPosition();
     strip.answerAll();
-    QCOMPARE(strip.marks(), QStringList{"10000 POI 1"});
+    QCOMPARE(strip.pois(), QStringList{"10000 POI 1"});
 }
 
 void TimelineLogPoiTest::restoreAddsWithinTheVideoOnly()
@@ -222,7 +222,7 @@ void TimelineLogPoiTest::restoreAddsWithinTheVideoOnly()
     QCOMPARE(strip.player.requestedTimes(), expected);
     QVERIFY(log.messages().isEmpty());
     strip.answerAll();
-    QCOMPARE(strip.marks(), (QStringList{"0 POI 2", "59999 POI 3"}));
+    QCOMPARE(strip.pois(), (QStringList{"0 POI 2", "59999 POI 3"}));
     QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Couldn't insert POI at ", 60000)});
 }
 
@@ -233,8 +233,8 @@ void TimelineLogPoiTest::restoringTwiceDoubles()
         strip.timeline.restoreMissingPOIsWithLogData();
         strip.answerAll();
     }
-    QCOMPARE(strip.marks(), (QStringList{"10000 POI 1", "10001 POI 1", "10002 POI 1", "20000 POI 2",
-                                         "20001 POI 2", "20002 POI 2"}));
+    QCOMPARE(strip.pois(), (QStringList{"10000 POI 1", "10001 POI 1", "10002 POI 1", "20000 POI 2",
+                                        "20001 POI 2", "20002 POI 2"}));
 }
 
 void TimelineLogPoiTest::restoreFindsTheNextFreeMillisecond()
@@ -242,7 +242,7 @@ void TimelineLogPoiTest::restoreFindsTheNextFreeMillisecond()
     LoggedStrip strip({start + 10000, start + 10000, start + 10001});
     strip.timeline.restoreMissingPOIsWithLogData();
     strip.answerAll();
-    QCOMPARE(strip.marks(), (QStringList{"10000 POI 1", "10001 POI 2", "10002 POI 3"}));
+    QCOMPARE(strip.pois(), (QStringList{"10000 POI 1", "10001 POI 2", "10002 POI 3"}));
 }
 
 void TimelineLogPoiTest::restoreGivesUpAtTheEnd()
@@ -251,7 +251,7 @@ void TimelineLogPoiTest::restoreGivesUpAtTheEnd()
     const MessageLog log;
     strip.timeline.restoreMissingPOIsWithLogData();
     strip.answerAll();
-    QCOMPARE(strip.marks(), (QStringList{"59998 POI 1", "59999 POI 2"}));
+    QCOMPARE(strip.pois(), (QStringList{"59998 POI 1", "59999 POI 2"}));
     QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Couldn't insert POI at ", 59998)});
 }
 
@@ -262,7 +262,7 @@ void TimelineLogPoiTest::restoreAsksTheDurationWhenTheFrameComes()
     strip.timeline.restoreMissingPOIsWithLogData();
     strip.timeline.setDuration(timeAt(30000));
     strip.answerAll();
-    QVERIFY(strip.marks().isEmpty());
+    QVERIFY(strip.pois().isEmpty());
     QCOMPARE(log.messages(QtWarningMsg), QStringList{logLine("Couldn't insert POI at ", 40000)});
 }
 
@@ -306,7 +306,7 @@ void TimelineLogPoiTest::logsOfAnotherShape_data()
     QTest::addColumn<QByteArray>("var");
     QTest::addColumn<QByteArray>("type");
     QTest::addColumn<int>("columns");
-    QTest::addColumn<int>("marks");
+    QTest::addColumn<int>("pois");
     const QByteArray name = "point_of_interest";
     QTest::newRow("as it should be") << name << name << QByteArray("UINT32") << 1 << 2;
     QTest::newRow("more columns") << name << name << QByteArray("UINT32") << 3 << 2;
@@ -326,7 +326,7 @@ void TimelineLogPoiTest::logsOfAnotherShape()
     QFETCH(QByteArray, var);
     QFETCH(QByteArray, type);
     QFETCH(int, columns);
-    QFETCH(int, marks);
+    QFETCH(int, pois);
     LogBuilder log = recordingLog(durationMs);
     log.addGroup(group, 3, {{var, type, columns}, {"tail", "UINT8", 1}});
     const int elementSize = type == "UINT8" ? 1 : type == "UINT16" ? 2 : type == "DOUBLE" ? 8 : 4;
@@ -343,9 +343,9 @@ void TimelineLogPoiTest::logsOfAnotherShape()
     timeline.setLogParser(&parser);
     const MessageLog messages;
     timeline.updateLogData();
-    QCOMPARE(static_cast<int>(player.requests.size()), marks);
+    QCOMPARE(static_cast<int>(player.requests.size()), pois);
     timeline.restoreMissingPOIsWithLogData();
-    QCOMPARE(static_cast<int>(player.requests.size()), 2 * marks);
+    QCOMPARE(static_cast<int>(player.requests.size()), 2 * pois);
     QVERIFY(messages.messages().isEmpty());
 }
 

@@ -50,7 +50,7 @@ void TimelineNavigatorTest::poisFollowEachOther()
     Strip strip;
     TimelineNavigator navigator;
     navigator.setTimeline(&strip.timeline);
-    strip.addMarks({1000, 20000, 40000});
+    strip.addPois({1000, 20000, 40000});
     strip.timeline.setCursorPosition(timeAt(20000));
     strip.taken();
     navigator.selectNextPoi();
@@ -98,7 +98,7 @@ void TimelineNavigatorTest::zoomToSelectionShowsTenSecondsAroundIt()
     Strip strip;
     TimelineNavigator navigator;
     navigator.setTimeline(&strip.timeline);
-    strip.addMarks({20000});
+    strip.addPois({20000});
     strip.select(20000);
     navigator.zoomToSelection();
     const double msPerPx = static_cast<double>(strip.timeline.msPerPx());

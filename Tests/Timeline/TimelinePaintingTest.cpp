@@ -25,7 +25,7 @@ QList<int> columnsOfColour(const QImage& image, int y, const QColor& colour)
 
 } // namespace
 
-/// What is on screen, whatever the scale and the marks.
+/// What is on screen, whatever the scale and the points of interest.
 class TimelinePaintingTest : public QObject
 {
     Q_OBJECT
@@ -171,7 +171,7 @@ void TimelinePaintingTest::paintsPoisInOrder()
 void TimelinePaintingTest::paintsTheHoveredPoiOnTop()
 {
     Strip strip;
-    strip.addMarks({20000, 22000}, QColor(0, 100, 0));
+    strip.addPois({20000, 22000}, QColor(0, 100, 0));
     strip.hover(215, 100);
     const QImage image = painted(strip.timeline);
     QCOMPARE(image.pixelColor(255, 40), white);
@@ -188,7 +188,7 @@ void TimelinePaintingTest::paintsTheHoveredPoiOnTop()
 void TimelinePaintingTest::paintsMoveMode()
 {
     Strip strip;
-    strip.addMarks({20000, 40000}, QColor(0, 200, 0));
+    strip.addPois({20000, 40000}, QColor(0, 200, 0));
     strip.hover(215, 100);
     strip.press(215, 100);
     strip.timeline.enterMovePOIMode();
@@ -222,10 +222,10 @@ void TimelinePaintingTest::poisOutOfViewAreNotPainted()
     QList<int> times;
     for (int i = 0; i < 2000; ++i)
         times.append(i * 30);
-    strip.addMarks(times);
+    strip.addPois(times);
     strip.timeline.setContentX(30000);
     const QImage all = painted(strip.timeline);
-    strip.addMarks(times.mid(970, 90));
+    strip.addPois(times.mid(970, 90));
     QCOMPARE(painted(strip.timeline), all);
 }
 
@@ -252,7 +252,7 @@ void TimelinePaintingTest::paintingAfterRemovalOfPoisIsHarmless()
 {
     Strip strip;
     const QImage bare = painted(strip.timeline);
-    strip.addMarks({20000});
+    strip.addPois({20000});
     strip.hover(215, 100);
     strip.press(215, 100);
     strip.timeline.setPOIsFromList({});
@@ -261,7 +261,7 @@ void TimelinePaintingTest::paintingAfterRemovalOfPoisIsHarmless()
     QCOMPARE(painted(strip.timeline), bare);
     strip.timeline.exitMovePOIMode();
     strip.taken();
-    // The pointer has not moved: a press still seeks to where the mark was.
+    // The pointer has not moved: a press still seeks to where the point of interest was.
     strip.press(215, 100);
     QCOMPARE(strip.taken(), (QStringList{"clicked", "seek 20000"}));
 }
@@ -289,7 +289,7 @@ void TimelinePaintingTest::oddScalesArePaintedHarmlessly()
     QFETCH(int, contentWidth);
     QFETCH(int, contentX);
     Strip strip;
-    strip.addMarks({0, 1, 30000, 86399999});
+    strip.addPois({0, 1, 30000, 86399999});
     strip.timeline.setDuration(timeAt(durationMs));
     strip.timeline.setContentWidth(contentWidth);
     strip.timeline.setContentX(contentX);

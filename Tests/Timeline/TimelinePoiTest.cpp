@@ -7,7 +7,7 @@
 using namespace corv;
 using namespace corv::test;
 
-/// One mark: its thumbnail, and how it is drawn.
+/// One point of interest: its thumbnail, and how it is drawn.
 class TimelinePoiTest : public QObject
 {
     Q_OBJECT

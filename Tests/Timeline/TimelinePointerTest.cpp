@@ -105,7 +105,7 @@ void TimelinePointerTest::pressBelowTheRulerDoesNotDrag()
 {
     QFETCH(int, y);
     Strip strip;
-    strip.addMarks({18000});
+    strip.addPois({18000});
     strip.hover(200, y);
     if (y < 37) {
         QVERIFY(strip.press(200, y));
@@ -149,7 +149,7 @@ void TimelinePointerTest::dragDoesNotScrollBeforeTheRelease()
 void TimelinePointerTest::pressOnAPoiSelectsAndSeeks()
 {
     Strip strip;
-    strip.addMarks({20000});
+    strip.addPois({20000});
     strip.hover(230, 100);
     QVERIFY(strip.press(230, 100));
     QCOMPARE(strip.taken(), (QStringList{"clicked", "select 20000", "seek 20000"}));
@@ -164,7 +164,7 @@ void TimelinePointerTest::pressOnAPoiSelectsAndSeeks()
 void TimelinePointerTest::selectingThePoiAtThePlayheadIsSeen()
 {
     Strip strip;
-    strip.addMarks({20000});
+    strip.addPois({20000});
     QQuickWindow window;
     window.resize(720, 160);
     strip.timeline.setParentItem(window.contentItem());
@@ -188,7 +188,7 @@ void TimelinePointerTest::selectingThePoiAtThePlayheadIsSeen()
 void TimelinePointerTest::pressOnBareStripClearsTheSelection()
 {
     Strip strip;
-    strip.addMarks({20000});
+    strip.addPois({20000});
     strip.hover(230, 100);
     strip.press(230, 100);
     strip.taken();
@@ -200,7 +200,7 @@ void TimelinePointerTest::pressOnBareStripClearsTheSelection()
 void TimelinePointerTest::pressInMoveModeOnlyMovesTheCursor()
 {
     Strip strip;
-    strip.addMarks({20000, 40000});
+    strip.addPois({20000, 40000});
     strip.hover(230, 100);
     strip.press(230, 100);
     strip.timeline.enterMovePOIMode();
@@ -214,7 +214,7 @@ void TimelinePointerTest::pressInMoveModeOnlyMovesTheCursor()
 void TimelinePointerTest::doubleClickOnAPoi()
 {
     Strip strip;
-    strip.addMarks({20000});
+    strip.addPois({20000});
     strip.hover(230, 100);
     QVERIFY(strip.doubleClick(230, 100));
     QCOMPARE(strip.taken(), QStringList{"doubleClicked 20000"});
@@ -250,7 +250,7 @@ void TimelinePointerTest::hoverHitsPois()
     QFETCH(int, x);
     QFETCH(int, y);
     Strip strip;
-    strip.addMarks({20000});
+    strip.addPois({20000});
     strip.hover(x, y);
     QTEST(strip.doubleClick(x, y), "hit");
 }
@@ -258,7 +258,7 @@ void TimelinePointerTest::hoverHitsPois()
 void TimelinePointerTest::latestOfOverlappingPoisIsHit()
 {
     Strip strip;
-    strip.addMarks({20000, 22000, 24000});
+    strip.addPois({20000, 22000, 24000});
     strip.hover(245, 100);
     strip.doubleClick(245, 100);
     strip.hover(235, 100);
@@ -280,12 +280,12 @@ void TimelinePointerTest::poiWithoutThumbnailIsOnePixelWide()
 void TimelinePointerTest::hoverAcceptsInOppositeSenses_data()
 {
     QTest::addColumn<QEvent::Type>("type");
-    QTest::addColumn<bool>("onMark");
+    QTest::addColumn<bool>("onPoi");
     QTest::addColumn<bool>("acceptedBefore");
     QTest::addColumn<bool>("accepted");
-    QTest::newRow("enter on a mark") << QEvent::HoverEnter << true << false << true;
+    QTest::newRow("enter on a point of interest") << QEvent::HoverEnter << true << false << true;
     QTest::newRow("enter beside") << QEvent::HoverEnter << false << true << false;
-    QTest::newRow("move on a mark") << QEvent::HoverMove << true << true << false;
+    QTest::newRow("move on a point of interest") << QEvent::HoverMove << true << true << false;
     QTest::newRow("move beside, accepted before") << QEvent::HoverMove << false << true << true;
     QTest::newRow("move beside, ignored before") << QEvent::HoverMove << false << false << false;
 }
@@ -293,18 +293,18 @@ void TimelinePointerTest::hoverAcceptsInOppositeSenses_data()
 void TimelinePointerTest::hoverAcceptsInOppositeSenses()
 {
     QFETCH(QEvent::Type, type);
-    QFETCH(bool, onMark);
+    QFETCH(bool, onPoi);
     QFETCH(bool, acceptedBefore);
     Strip strip;
-    strip.addMarks({20000});
-    QTEST(strip.hover(onMark ? 230 : 500, 100, type, acceptedBefore), "accepted");
-    QCOMPARE(strip.doubleClick(230, 100), onMark);
+    strip.addPois({20000});
+    QTEST(strip.hover(onPoi ? 230 : 500, 100, type, acceptedBefore), "accepted");
+    QCOMPARE(strip.doubleClick(230, 100), onPoi);
 }
 
 void TimelinePointerTest::hoverChangesTheCursorShape()
 {
     Strip strip;
-    strip.addMarks({20000});
+    strip.addPois({20000});
     const auto shape = [&strip] { return strip.timeline.cursor().shape(); };
     strip.hover(230, 24);
     QCOMPARE(shape(), Qt::SizeHorCursor);
@@ -322,7 +322,7 @@ void TimelinePointerTest::hoverChangesTheCursorShape()
     strip.hover(230, 10);
     strip.hover(0, 0, QEvent::HoverLeave);
     QCOMPARE(shape(), Qt::ArrowCursor);
-    // Neither ruler nor mark are under the pointer any more.
+    // Neither ruler nor point of interest are under the pointer any more.
     strip.taken();
     QVERIFY(!strip.doubleClick(230, 100));
     strip.press(300, 10);
@@ -345,7 +345,7 @@ void TimelinePointerTest::nothingIsHitBeforeTheFirstPaint()
 void TimelinePointerTest::hitTestUsesTheRangeOfTheLastPaint()
 {
     Strip strip(6120);
-    strip.addMarks({50000});
+    strip.addPois({50000});
     strip.timeline.setContentX(4900);
     strip.hover(100, 100);
     QVERIFY(!strip.doubleClick(100, 100));
@@ -359,7 +359,7 @@ void TimelinePointerTest::hitTestUsesTheRangeOfTheLastPaint()
 void TimelinePointerTest::worksInAWindow()
 {
     Strip strip;
-    strip.addMarks({20000});
+    strip.addPois({20000});
     QQuickWindow window;
     window.resize(720, 160);
     strip.timeline.setParentItem(window.contentItem());

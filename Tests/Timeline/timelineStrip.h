@@ -71,7 +71,7 @@ struct Strip
         QCoreApplication::sendEvent(&timeline, &event);
     }
 
-    /// Selects the mark at `ms` with the pointer, as the user does.
+    /// Selects the point of interest at `ms` with the pointer, as the user does.
     void select(int ms)
     {
         painted(timeline);
@@ -79,8 +79,8 @@ struct Strip
         press(ms / 100, 60);
     }
 
-    /// Marks with thumbnails of one colour, 60 pixels wide.
-    void addMarks(const QList<int>& timesMs, const QColor& colour = Qt::green)
+    /// Points of interest with thumbnails of one colour, 60 pixels wide.
+    void addPois(const QList<int>& timesMs, const QColor& colour = Qt::green)
     {
         QVariantList list;
         for (const int ms : timesMs)
@@ -91,7 +91,7 @@ struct Strip
         painted(timeline);
     }
 
-    /// The colour where the thumbnail of the mark at `ms` is painted, if it has one.
+    /// The colour where the thumbnail of the point of interest at `ms` is painted, if it has one.
     QColor thumbnailColour(int ms) { return painted(timeline).pixelColor(ms / 100 + 20, 70); }
 
     FramePlayer player;

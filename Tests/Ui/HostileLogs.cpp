@@ -8,7 +8,7 @@
 namespace corv::test {
 namespace {
 
-enum GroupId { startRec = 1, stopRec, mission, marks, camera, state, servo, video, status };
+enum GroupId { startRec = 1, stopRec, mission, pois, camera, state, servo, video, status };
 
 constexpr quint32 startMs = 10'000;
 constexpr quint32 recordingMs = 7'000;
@@ -20,7 +20,7 @@ struct Flight
 {
     QByteArray timeType = "UINT32";
     QByteArray angleType = "FLOAT";
-    QByteArray markType = "UINT32";
+    QByteArray poiType = "UINT32";
     QByteArray counterType = "UINT32";
     QByteArray imageType = "UINT16";
     QByteArray partType = "UINT8";
@@ -28,7 +28,7 @@ struct Flight
     int imageWords = thermalPixels / 4;
     int missionColumns = 16;
     int recColumns = 1;
-    int markCount = 3;
+    int poiCount = 3;
     int thermalFrames = 6;
     quint32 firstCounter = 1;
     bool withStatusRows = true;
@@ -68,7 +68,7 @@ void describe(LogBuilder& log, const Flight& flight)
                   {"mission_name", "STRING", flight.missionColumns},
                   {"flight_name", "STRING", flight.missionColumns},
                   {"flight_number", "UINT8", 1}});
-    log.addGroup("point_of_interest", marks, {{"point_of_interest", flight.markType, 1}});
+    log.addGroup("point_of_interest", pois, {{"point_of_interest", flight.poiType, 1}});
     log.addGroup("lepton_info", camera, {{"lepton_type", "UINT8", 1}});
     std::vector<LogBuilder::Var> states{{"euler_angles", flight.angleType, flight.angles},
                                         {"altitude", flight.angleType, 1}};
@@ -116,8 +116,8 @@ QByteArray logOf(const Flight& flight)
                                LogBuilder::text("Bridge", flight.missionColumns) +
                                LogBuilder::text("North pier", flight.missionColumns) +
                                LogBuilder::u8(7));
-    for (int index = 0; index < flight.markCount; ++index)
-        log.addPacket(marks, valueOf(flight.markType, firstFrameMs + 1 + 7u * quint32(index)));
+    for (int index = 0; index < flight.poiCount; ++index)
+        log.addPacket(pois, valueOf(flight.poiType, firstFrameMs + 1 + 7u * quint32(index)));
     for (quint32 ms = 0; ms < recordingMs; ms += 100) {
         QByteArray row =
             valuesOf(flight.angleType, ms / 100, flight.angles) + valueOf(flight.angleType, 12);
@@ -197,7 +197,8 @@ void addMisdescribedLogs(std::vector<HostileLog>& logs)
         const QByteArray word(type);
         logs.push_back({"times of " + word, changed([&](Flight& f) { f.timeType = word; })});
         logs.push_back({"angles of " + word, changed([&](Flight& f) { f.angleType = word; })});
-        logs.push_back({"marks of " + word, changed([&](Flight& f) { f.markType = word; })});
+        logs.push_back(
+            {"points of interest of " + word, changed([&](Flight& f) { f.poiType = word; })});
         logs.push_back({"counters of " + word, changed([&](Flight& f) { f.counterType = word; })});
         logs.push_back({"parts of " + word, changed([&](Flight& f) { f.partType = word; })});
         logs.push_back({"pictures of " + word, changed([&](Flight& f) {
@@ -245,7 +246,8 @@ void addOverflowingLogs(std::vector<HostileLog>& logs)
     logs.push_back({"no recording", changed([](Flight& f) { f.withRecordings = false; })});
     logs.push_back(
         {"counters that wrap", changed([](Flight& f) { f.firstCounter = 0xFFFFFFFDu; })});
-    logs.push_back({"a million marks", changed([](Flight& f) { f.markCount = 1'000'000; })});
+    logs.push_back(
+        {"a million points of interest", changed([](Flight& f) { f.poiCount = 1'000'000; })});
     logs.push_back({"one huge counter", changed([](Flight& f) {
                         f.more = [](LogBuilder& log) {
                             log.addPacket(status, LogBuilder::u32(0xFFFFFFFFu) +

@@ -14,7 +14,7 @@ struct HostileLog
 };
 
 /// A sound log of a flight with everything in it: a recording that fits the video of
-/// `FlightMedia`, a naming, marks, movements of the drone and thermal pictures.
+/// `FlightMedia`, a naming, points of interest, movements of the drone and thermal pictures.
 QByteArray soundLog();
 
 /// Logs with one thing wrong each: cut off, spoilt, described wrongly, or overflowing.

@@ -339,7 +339,7 @@ void MenusTest::moveMode()
     QVERIFY(m_ui->item("toolbarSpecialModeButtons")->isVisible());
     QVERIFY(!m_ui->item("toolbarSaveButtons")->isVisible());
     m_ui->screenshot("move mode");
-    // The keys of marks are dead meanwhile, only "N" is not.
+    // The keys of points of interest are dead meanwhile, only "N" is not.
     key(Qt::Key_X);
     QCOMPARE(m_ui->poiNames().count("Crack"), 1);
     key(Qt::Key_Escape);

@@ -19,7 +19,8 @@ public:
     const QString& video() const { return m_video; }
     const QString& log() const { return m_log; }
 
-    /// A log of the same names and marks, whose only recording is far longer than the video.
+    /// A log of the same names and points of interest, whose only recording is far longer than the
+    /// video.
     const QString& otherLog() const { return m_otherLog; }
 
     /// A log of the flight by a drone with this thermal camera, -1 for none.
@@ -53,7 +54,7 @@ public:
     /// Imports a log and waits until it is read and no message of it is left unanswered.
     bool importLog(const QString& path = FlightMedia::instance().log());
 
-    /// Adds a mark at the playhead and selects it, as a click on its flag does.
+    /// Adds a point of interest at the playhead and selects it, as a click on its flag does.
     bool selectPoiAt(int timeMs);
 
     /// Shows the adjustments and waits for their contents.

@@ -77,18 +77,19 @@ void SameReportTest::windowAndCommandAgree_data()
 {
     QTest::addColumn<QByteArray>("poi");
     QTest::addColumn<QByteArray>("properties");
-    QTest::addColumn<int>("marks"); // two more than those of the project are in the log
+    QTest::addColumn<int>("pois"); // two more than those of the project are in the log
     const auto row = [](const char* name, const QByteArray& poi, const QByteArray& properties,
-                        int marks) { QTest::newRow(name) << poi << properties << marks; };
-    row("marks of the log alone", "[]", "{}", 2);
-    row("marks and a naming", R"([{"time":500,"name":"Rust","comment":"a\nb"}])",
+                        int pois) { QTest::newRow(name) << poi << properties << pois; };
+    row("points of interest of the log alone", "[]", "{}", 2);
+    row("points of interest and a naming", R"([{"time":500,"name":"Rust","comment":"a\nb"}])",
         R"({"designation":{"mission_name":"<&>","flight_name":"\u05e9\u05dc","flight_number":12}})",
         3);
     row("a naming without a number", "[]",
         R"({"designation":{"mission_name":"Dam","flight_name":"East"}})", 2);
     row("a naming of other kinds", "[]",
         R"({"designation":{"mission_name":5,"flight_name":null,"flight_number":"7"}})", 2);
-    row("the mark of a log renamed", R"([{"time":1000,"name":"Mine","comment":""}])", "{}", 2);
+    row("the point of interest of a log renamed", R"([{"time":1000,"name":"Mine","comment":""}])",
+        "{}", 2);
     row("times that are none", R"([{"name":"lost"},{"time":"x","name":"text"},{"time":"250"},
         {"time":2.6,"name":"half"},{"time":true,"name":"true"},null,5])",
         "{}", 6);
@@ -108,12 +109,12 @@ void SameReportTest::windowAndCommandAgree()
 {
     QFETCH(QByteArray, poi);
     QFETCH(QByteArray, properties);
-    QFETCH(int, marks);
+    QFETCH(int, pois);
     const QString project = writeProject(poi, properties);
     m_ui->call("loadProject", {project});
     QTRY_VERIFY(m_ui->hasVideo());
     QTRY_VERIFY(m_ui->log().contains("Log parsing complete"));
-    QTRY_COMPARE(m_ui->evaluate("timelineContent.getPOIs()").toList().size(), marks);
+    QTRY_COMPARE(m_ui->evaluate("timelineContent.getPOIs()").toList().size(), pois);
 
     const QString folder = FlightMedia::instance().newFolder();
     m_ui->call("doCreatePoiReport", {folder + "/window.docx"});

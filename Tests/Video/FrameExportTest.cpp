@@ -132,7 +132,7 @@ void FrameExportTest::aSeriesOfGivenTimes()
     addFile("a.mp4");
     open("a.mp4");
     QVERIFY(QDir().mkpath(path("out")));
-    QVERIFY(m_player->exportSpecificFrames({800, 0, 400}, path("out"), "Mark"));
+    QVERIFY(m_player->exportSpecificFrames({800, 0, 400}, path("out"), "POI"));
     QTRY_COMPARE(QDir(path("out")).entryList(QDir::Files).size(), 3);
     QTRY_COMPARE(numberIn(QImage(path("out/Mark002.jpg"))), 10);
     QCOMPARE(numberIn(QImage(path("out/Mark000.jpg"))), 20);

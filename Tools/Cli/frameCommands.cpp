@@ -176,7 +176,7 @@ ExitStatus frames(const QCommandLineParser& line)
 {
     const QString out = line.value(outOption);
     const QString prefix = line.value(prefixOption);
-    const bool ofMarks = line.isSet(poiOption);
+    const bool ofPois = line.isSet(poiOption);
     const bool ofRange =
         line.isSet(fromOption) || line.isSet(toOption) || line.isSet(spacingOption);
     int fromMs = 0;
@@ -184,7 +184,7 @@ ExitStatus frames(const QCommandLineParser& line)
     int spacing = 0;
     if (!readNumber(line, fromOption, 0, &fromMs) ||
         !readNumber(line, toOption, std::numeric_limits<int>::max(), &toMs) ||
-        !readNumber(line, spacingOption, standardSpacing, &spacing) || (ofMarks && ofRange) ||
+        !readNumber(line, spacingOption, standardSpacing, &spacing) || (ofPois && ofRange) ||
         fromMs < 0 || toMs < fromMs || spacing < 1 || out.isEmpty() || prefix.isEmpty())
         return WrongUsage;
     OpenFlight flight;
@@ -193,11 +193,11 @@ ExitStatus frames(const QCommandLineParser& line)
         return status;
     if (!QDir().mkpath(out))
         return fail(out + QStringLiteral(": cannot be made"));
-    const QList<int> positions = ofMarks ? positionsOfPois(flight)
-                                         : positionsOfRange(flight.player(), fromMs, toMs, spacing);
+    const QList<int> positions =
+        ofPois ? positionsOfPois(flight) : positionsOfRange(flight.player(), fromMs, toMs, spacing);
     if (positions.isEmpty())
-        return fail(ofMarks ? QStringLiteral("the flight has no points of interest")
-                            : QStringLiteral("no frame lies in the range"));
+        return fail(ofPois ? QStringLiteral("the flight has no points of interest")
+                           : QStringLiteral("no frame lies in the range"));
     QList<Picture> pictures;
     for (const int timeMs : positions) {
         const QString number = QString::number(pictures.size()).rightJustified(3, QLatin1Char('0'));

@@ -89,13 +89,13 @@ int SampleFlight::logTimeOffset() const
     return static_cast<int>(m_recordings.back().startMs) + delay;
 }
 
-std::vector<int> SampleFlight::marksMs() const
+std::vector<int> SampleFlight::poisMs() const
 {
-    std::vector<int> marks;
+    std::vector<int> pois;
     for (double pass = FlightCourse::firstPassS; pass * 1000.0 < videoDurationMs();
          pass += FlightCourse::passPeriodS)
-        marks.push_back(static_cast<int>(pass * 1000.0));
-    return marks;
+        pois.push_back(static_cast<int>(pass * 1000.0));
+    return pois;
 }
 
 QStringList SampleFlight::videoFiles() const
@@ -218,10 +218,10 @@ bool SampleFlight::writeCard(const QString& folder) const
 
 bool SampleFlight::writeProject(const QString& path) const
 {
-    QJsonArray marks;
+    QJsonArray pois;
     int number = 0;
-    for (const int timeMs : marksMs()) {
-        marks.append(QJsonObject{
+    for (const int timeMs : poisMs()) {
+        pois.append(QJsonObject{
             {QStringLiteral("time"), timeMs},
             {QStringLiteral("name"), QStringLiteral("Hot cell, pass %1").arg(++number)},
             {QStringLiteral("comment"),
@@ -248,7 +248,7 @@ bool SampleFlight::writeProject(const QString& path) const
                             {QStringLiteral("log"), logFile()}};
     const QJsonObject flight{{QStringLiteral("files"), files},
                              {QStringLiteral("properties"), properties},
-                             {QStringLiteral("poi"), marks}};
+                             {QStringLiteral("poi"), pois}};
     const QJsonObject project{
         {QStringLiteral("format_ver"), QStringLiteral("1.0")},
         {QStringLiteral("contents"), QJsonObject{{QStringLiteral("flights"), QJsonArray{flight}}}}};

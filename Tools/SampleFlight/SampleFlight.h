@@ -66,9 +66,9 @@ public:
     /// Log time of the video's first frame.
     int logTimeOffset() const;
 
-    /// The marks that the pilot set in flight, as the hot cell came past: in milliseconds of the
-    /// video.
-    std::vector<int> marksMs() const;
+    /// The points of interest that the pilot set in flight, as the hot cell came past: in
+    /// milliseconds of the video.
+    std::vector<int> poisMs() const;
 
     /// The state of the drone at a moment of the log, as its records give it.
     struct State

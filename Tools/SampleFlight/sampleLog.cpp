@@ -31,7 +31,7 @@ struct SampleFlight::PacketIds
     int start = 0;
     int stop = 0;
     int mission = 0;
-    int mark = 0;
+    int poi = 0;
     int thermalInfo = 0;
     int thermalStatus = 0;
     int thermalVideo = 0;
@@ -52,7 +52,7 @@ SampleFlight::PacketIds SampleFlight::describe(FlightLogWriter& log) const
                                                 {"mission_name", "INT8", nameBytes},
                                                 {"flight_name", "INT8", nameBytes},
                                                 {"flight_number", "UINT8", 1}});
-    ids.mark = log.describe("point_of_interest", {{"point_of_interest", "UINT32", 1}});
+    ids.poi = log.describe("point_of_interest", {{"point_of_interest", "UINT32", 1}});
     if (m_options.thermalCamera == 0)
         return ids;
     ids.thermalInfo = log.describe("lepton_info", {{"lepton_type", "UINT8", 1}});
@@ -122,10 +122,10 @@ void SampleFlight::writeEvents(FlightLogWriter& log, const PacketIds& ids, quint
         if (isWithin(recording.stopMs, fromMs, toMs))
             log.write(ids.stop, Payload().u32(recording.stopMs));
     }
-    for (const int markMs : marksMs()) {
-        const auto logMs = static_cast<quint32>(markMs + logTimeOffset());
+    for (const int poiMs : poisMs()) {
+        const auto logMs = static_cast<quint32>(poiMs + logTimeOffset());
         if (isWithin(logMs, fromMs, toMs))
-            log.write(ids.mark, Payload().u32(logMs));
+            log.write(ids.poi, Payload().u32(logMs));
     }
 }
 

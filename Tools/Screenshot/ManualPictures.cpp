@@ -38,7 +38,7 @@ void ManualPictures::takeAll()
     takeImporter();
     m_review.open(m_project);
     takeFlight();
-    takeMarkProperties();
+    takePoiProperties();
     takeMove();
     takeAdjustments();
     takeFramesExport();
@@ -82,16 +82,16 @@ void ManualPictures::takeFlight()
     m_review.showMoment(m_review.mostInterestingMoment());
 }
 
-void ManualPictures::takeMarkProperties()
+void ManualPictures::takePoiProperties()
 {
-    const QVariantList marks =
+    const QVariantList pois =
         m_review.evaluate(QStringLiteral("timelineContent.getPOIs()")).toList();
-    if (marks.size() < 2)
+    if (pois.size() < 2)
         throw std::runtime_error("the project has fewer than two points of interest");
-    selectMark(marks[1].toMap()[QStringLiteral("time")].toInt());
+    selectPoi(pois[1].toMap()[QStringLiteral("time")].toInt());
     m_review.evaluate(QStringLiteral("editSelectedPoi()"));
     QQuickWindow* properties = m_review.waitForWindow(QStringLiteral("poiPropertiesWindow"));
-    save(properties->grabWindow(), QStringLiteral("mark"));
+    save(properties->grabWindow(), QStringLiteral("poi"));
     evaluateIn(properties, QStringLiteral("cancelPressed()"));
 }
 
@@ -131,7 +131,7 @@ void ManualPictures::takeFramesExport()
     frames->close();
 }
 
-void ManualPictures::selectMark(int timeMs)
+void ManualPictures::selectPoi(int timeMs)
 {
     constexpr int insideFlagPx = 4;
     constexpr int flagMiddlePx = 60;
@@ -141,7 +141,7 @@ void ManualPictures::selectMark(int timeMs)
         m_review.evaluate(QStringLiteral("timelineContent.contentX")).toDouble();
     m_review.click(strip.topLeft() + QPointF(x + insideFlagPx, flagMiddlePx));
     const QTime moment = timeOfMs(timeMs);
-    m_review.waitFor(QStringLiteral("the selected mark"), [&] {
+    m_review.waitFor(QStringLiteral("the selected point of interest"), [&] {
         return m_review.evaluate(QStringLiteral("timelineContent.selectedPoiTime")).toTime() ==
                moment;
     });

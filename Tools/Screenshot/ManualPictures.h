@@ -22,12 +22,12 @@ private:
     void takeStart();
     void takeImporter();
     void takeFlight();
-    void takeMarkProperties();
+    void takePoiProperties();
     void takeMove();
     void takeAdjustments();
     void takeFramesExport();
 
-    void selectMark(int timeMs);
+    void selectPoi(int timeMs);
     QRect placeOf(const char* id) const;
     void save(const QImage& picture, const QString& name) const;
 

@@ -101,9 +101,9 @@ void WindowUnderReview::click(const QPointF& position) const
 
 QTime WindowUnderReview::mostInterestingMoment() const
 {
-    const QVariantList marks = evaluate(QStringLiteral("timelineContent.getPOIs()")).toList();
-    const int timeMs = marks.isEmpty() ? msOfTime(m_player->duration()) / 2
-                                       : marks.constFirst().toMap()[QStringLiteral("time")].toInt();
+    const QVariantList pois = evaluate(QStringLiteral("timelineContent.getPOIs()")).toList();
+    const int timeMs = pois.isEmpty() ? msOfTime(m_player->duration()) / 2
+                                      : pois.constFirst().toMap()[QStringLiteral("time")].toInt();
     return timeOfMs(timeMs);
 }
 

@@ -107,9 +107,9 @@ void FrameCommandsTest::initTestCase()
 
 void FrameCommandsTest::writeProject(const QString& file, const QString& log) const
 {
-    const auto mark = [](int timeMs) {
+    const auto poi = [](int timeMs) {
         return QJsonObject{{QStringLiteral("time"), timeMs},
-                           {QStringLiteral("name"), QStringLiteral("mark")},
+                           {QStringLiteral("name"), QStringLiteral("poi")},
                            {QStringLiteral("comment"), QString()}};
     };
     const QJsonObject properties{
@@ -127,7 +127,7 @@ void FrameCommandsTest::writeProject(const QString& file, const QString& log) co
                             {QStringLiteral("log"), log}};
     const QJsonObject flight{{QStringLiteral("files"), files},
                              {QStringLiteral("properties"), properties},
-                             {QStringLiteral("poi"), QJsonArray{mark(100), mark(1200)}}};
+                             {QStringLiteral("poi"), QJsonArray{poi(100), poi(1200)}}};
     const QJsonObject contents{{QStringLiteral("flights"), QJsonArray{flight}}};
     QFile target(file);
     QVERIFY(target.open(QIODevice::WriteOnly));
@@ -244,7 +244,7 @@ void FrameCommandsTest::framesOfARange()
 
 void FrameCommandsTest::framesOfThePois()
 {
-    const QString out = path("marks");
+    const QString out = path("pois");
     const ProgramRun outcome = run({QStringLiteral("frames"), QStringLiteral("--poi"), m_project,
                                     QStringLiteral("--out"), out});
     QCOMPARE(outcome.error, QByteArray());
@@ -375,7 +375,8 @@ void FrameCommandsTest::refusals_data()
     QTest::newRow("unknown option") << "frame PROJECT --at-ms 0 --out DIR/a.png --red" << 2;
     QTest::newRow("spacing of 0") << "frames PROJECT --spacing 0 --out DIR/x" << 2;
     QTest::newRow("range upside down") << "frames PROJECT --from-ms 9 --to-ms 8 --out DIR/x" << 2;
-    QTest::newRow("marks and a range") << "frames PROJECT --poi --to-ms 8 --out DIR/x" << 2;
+    QTest::newRow("points of interest and a range")
+        << "frames PROJECT --poi --to-ms 8 --out DIR/x" << 2;
     QTest::newRow("frames without target") << "frames PROJECT" << 2;
     QTest::newRow("video without target") << "video PROJECT" << 2;
     QTest::newRow("three files") << "video PROJECT VIDEO LOG --out DIR/x.mp4" << 2;
@@ -383,7 +384,7 @@ void FrameCommandsTest::refusals_data()
     QTest::newRow("a day later") << "frame PROJECT --at-ms 86400000 --out DIR/a.png" << 1;
     QTest::newRow("behind the end") << "frame PROJECT --at-ms 99999 --out DIR/a.png" << 1;
     QTest::newRow("range behind the end") << "frames PROJECT --from-ms 99999 --out DIR/x" << 1;
-    QTest::newRow("no marks") << "frames VIDEO --poi --out DIR/x" << 1;
+    QTest::newRow("no points of interest") << "frames VIDEO --poi --out DIR/x" << 1;
     QTest::newRow("unknown format") << "frame PROJECT --at-ms 0 --out DIR/a.picture" << 1;
     QTest::newRow("missing folder") << "frame PROJECT --at-ms 0 --out DIR/none/a.png" << 1;
     QTest::newRow("no folder to be made") << "frames PROJECT --out LOG/x" << 1;

@@ -43,15 +43,15 @@ class ReportCommandTest : public QObject
         const QString text = documentText(parts);
         QVERIFY2(text.contains(corv::SampleFlight::missionName()), qPrintable(text));
         QVERIFY2(text.contains(corv::SampleFlight::flightName()), qPrintable(text));
-        QCOMPARE(text.count("Video time "), static_cast<int>(m_flight.marksMs().size()));
-        QCOMPARE(parts.keys().filter("/frame").size(), static_cast<int>(m_flight.marksMs().size()));
+        QCOMPARE(text.count("Video time "), static_cast<int>(m_flight.poisMs().size()));
+        QCOMPARE(parts.keys().filter("/frame").size(), static_cast<int>(m_flight.poisMs().size()));
     }
 
 private slots:
     void initTestCase()
     {
         QVERIFY(m_flight.writeCard(m_folder.path()));
-        QVERIFY(!m_flight.marksMs().empty());
+        QVERIFY(!m_flight.poisMs().empty());
     }
 
     void writesTheReportOfAProject()

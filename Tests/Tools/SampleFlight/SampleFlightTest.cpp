@@ -173,11 +173,11 @@ void SampleFlightTest::logIsWhole()
     QCOMPARE(decoded.decoder.findThermalCameraHwVersion(log),
              thermalCamera == 0 ? -1 : thermalCamera);
 
-    std::vector<quint32> marks;
-    for (const int markMs : decoded.flight.marksMs())
-        marks.push_back(static_cast<quint32>(markMs + sync.logTimeOffset));
-    QVERIFY(decoded.times("point_of_interest", "point_of_interest") == marks);
-    QCOMPARE(marks.size(), size_t(1));
+    std::vector<quint32> pois;
+    for (const int poiMs : decoded.flight.poisMs())
+        pois.push_back(static_cast<quint32>(poiMs + sync.logTimeOffset));
+    QVERIFY(decoded.times("point_of_interest", "point_of_interest") == pois);
+    QCOMPARE(pois.size(), size_t(1));
 }
 
 void SampleFlightTest::damageIsAsAsked()
@@ -377,7 +377,7 @@ void SampleFlightTest::card()
     QVERIFY(thermal[QStringLiteral("translucent")].toBool());
     QCOMPARE(properties[QStringLiteral("designation")][QStringLiteral("mission_name")].toString(),
              SampleFlight::missionName());
-    QCOMPARE(first[QStringLiteral("poi")].toArray().size(), int(flight.marksMs().size()));
+    QCOMPARE(first[QStringLiteral("poi")].toArray().size(), int(flight.poisMs().size()));
     QVERIFY(!SampleFlight(options).writeCard(folder.filePath(SampleFlight::logFile())));
 }
 

@@ -22,8 +22,9 @@ QVariantMap texts(const QString& name, const QString& comment)
 
 } // namespace
 
-/// The marks of a timeline: made, edited, moved and deleted, and their pictures that come later.
-class TimelineMarksTest : public QObject
+/// The points of interest of a timeline: made, edited, moved and deleted, and their pictures that
+/// come later.
+class TimelinePoisTest : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +61,7 @@ private slots:
 
 // --- The user's operations -------------------------------------------------------------------
 
-void TimelineMarksTest::addsOncePerPlace()
+void TimelinePoisTest::addsOncePerPlace()
 {
     Strip strip;
     const MessageLog log;
@@ -78,7 +79,7 @@ void TimelineMarksTest::addsOncePerPlace()
     QCOMPARE(strip.timeline.getPOIs().size(), 2);
 }
 
-void TimelineMarksTest::listsInAscendingTime()
+void TimelinePoisTest::listsInAscendingTime()
 {
     Strip strip;
     for (const int ms : {30000, 10000, 20000}) {
@@ -91,7 +92,7 @@ void TimelineMarksTest::listsInAscendingTime()
     QCOMPARE(times, (QList<int>{10000, 20000, 30000}));
 }
 
-void TimelineMarksTest::replacesAllByAList()
+void TimelinePoisTest::replacesAllByAList()
 {
     Strip strip;
     strip.timeline.addPoiAtPosition();
@@ -117,7 +118,7 @@ void TimelineMarksTest::replacesAllByAList()
     QVERIFY(log.messages().isEmpty());
 }
 
-void TimelineMarksTest::anEmptyListKeepsAStaleSelection()
+void TimelinePoisTest::anEmptyListKeepsAStaleSelection()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -135,7 +136,7 @@ void TimelineMarksTest::anEmptyListKeepsAStaleSelection()
     QCOMPARE(strip.thumbnailColour(3000), ground);
 }
 
-void TimelineMarksTest::deletesAtTheCursor()
+void TimelinePoisTest::deletesAtTheCursor()
 {
     Strip strip;
     strip.timeline.setPOIsFromList(
@@ -150,7 +151,7 @@ void TimelineMarksTest::deletesAtTheCursor()
     QCOMPARE(strip.timeline.selectedPoiTime(), selected);
 }
 
-void TimelineMarksTest::deletesTheSelected()
+void TimelinePoisTest::deletesTheSelected()
 {
     Strip strip;
     strip.timeline.setPOIsFromList(
@@ -166,7 +167,7 @@ void TimelineMarksTest::deletesTheSelected()
     QCOMPARE(selection.size(), 2);
 }
 
-void TimelineMarksTest::clearsAll()
+void TimelinePoisTest::clearsAll()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -183,7 +184,7 @@ void TimelineMarksTest::clearsAll()
     QCOMPARE(selection.size(), 2);
 }
 
-void TimelineMarksTest::updatesTheSelectedWhateverTheTimeSays()
+void TimelinePoisTest::updatesTheSelectedWhateverTheTimeSays()
 {
     Strip strip;
     strip.timeline.setPOIsFromList(
@@ -198,7 +199,7 @@ void TimelineMarksTest::updatesTheSelectedWhateverTheTimeSays()
     QCOMPARE(strip.timeline.getPOIs().last().toMap(), poiMap(9000, QString()));
 }
 
-void TimelineMarksTest::updatingNothingIsLogged()
+void TimelinePoisTest::updatingNothingIsLogged()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -211,7 +212,7 @@ void TimelineMarksTest::updatingNothingIsLogged()
     QCOMPARE(strip.timeline.getPOIs(), (QVariantList{poiMap(3000, QStringLiteral("one"))}));
 }
 
-void TimelineMarksTest::nothingIsSelectedAtFirst()
+void TimelinePoisTest::nothingIsSelectedAtFirst()
 {
     Strip strip;
     QVERIFY(strip.timeline.getSelectedPOI().isEmpty());
@@ -220,7 +221,7 @@ void TimelineMarksTest::nothingIsSelectedAtFirst()
 
 // --- Moving ----------------------------------------------------------------------------------
 
-void TimelineMarksTest::moveModeNeedsASelection()
+void TimelinePoisTest::moveModeNeedsASelection()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -251,7 +252,7 @@ void TimelineMarksTest::moveModeNeedsASelection()
     QVERIFY(strip.player.requests.empty());
 }
 
-void TimelineMarksTest::movesTheSelected()
+void TimelinePoisTest::movesTheSelected()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"), QStringLiteral("text"))});
@@ -277,7 +278,7 @@ void TimelineMarksTest::movesTheSelected()
     QCOMPARE(strip.thumbnailColour(40000), QColor(Qt::blue));
 }
 
-void TimelineMarksTest::movesOverAnother()
+void TimelinePoisTest::movesOverAnother()
 {
     Strip strip;
     strip.timeline.setPOIsFromList(
@@ -289,7 +290,7 @@ void TimelineMarksTest::movesOverAnother()
     QCOMPARE(strip.timeline.getPOIs(), (QVariantList{poiMap(40000, QStringLiteral("one"))}));
 }
 
-void TimelineMarksTest::movingOntoItsOwnPlaceLosesIt()
+void TimelinePoisTest::movingOntoItsOwnPlaceLosesIt()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -310,7 +311,7 @@ void TimelineMarksTest::movingOntoItsOwnPlaceLosesIt()
     QVERIFY(strip.timeline.getPOIs().isEmpty());
 }
 
-void TimelineMarksTest::movingAStaleSelectionMakesAnEmptyPoi()
+void TimelinePoisTest::movingAStaleSelectionMakesAnEmptyPoi()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(3000, QStringLiteral("one"))});
@@ -326,7 +327,7 @@ void TimelineMarksTest::movingAStaleSelectionMakesAnEmptyPoi()
 
 namespace {
 
-// Leaves a mark that waits for its picture, with the cursor on it, at 40 s.
+// Leaves a point of interest that waits for its picture, with the cursor on it, at 40 s.
 void makeWaitingPoi(Strip& strip, const QString& how)
 {
     if (how == QLatin1String("moved")) {
@@ -360,12 +361,12 @@ QString nullFrameAt(int ms)
 
 } // namespace
 
-void TimelineMarksTest::thumbnailArrives_data()
+void TimelinePoisTest::thumbnailArrives_data()
 {
     addRowsOfOperations();
 }
 
-void TimelineMarksTest::thumbnailArrives()
+void TimelinePoisTest::thumbnailArrives()
 {
     QFETCH(QString, how);
     Strip strip;
@@ -381,12 +382,12 @@ void TimelineMarksTest::thumbnailArrives()
     QVERIFY(log.messages().isEmpty());
 }
 
-void TimelineMarksTest::nullFrameIsLogged_data()
+void TimelinePoisTest::nullFrameIsLogged_data()
 {
     addRowsOfOperations();
 }
 
-void TimelineMarksTest::nullFrameIsLogged()
+void TimelinePoisTest::nullFrameIsLogged()
 {
     QFETCH(QString, how);
     Strip strip;
@@ -401,12 +402,12 @@ void TimelineMarksTest::nullFrameIsLogged()
     QCOMPARE(strip.thumbnailColour(40000), ground);
 }
 
-void TimelineMarksTest::deletedPoiStaysDeleted_data()
+void TimelinePoisTest::deletedPoiStaysDeleted_data()
 {
     addRowsOfOperations();
 }
 
-void TimelineMarksTest::deletedPoiStaysDeleted()
+void TimelinePoisTest::deletedPoiStaysDeleted()
 {
     QFETCH(QString, how);
     Strip strip;
@@ -420,7 +421,7 @@ void TimelineMarksTest::deletedPoiStaysDeleted()
     QVERIFY(strip.timeline.getPOIs().isEmpty());
 }
 
-void TimelineMarksTest::replacedPoiTakesTheFrame()
+void TimelinePoisTest::replacedPoiTakesTheFrame()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(40000, QStringLiteral("first"))});
@@ -434,7 +435,7 @@ void TimelineMarksTest::replacedPoiTakesTheFrame()
     QCOMPARE(strip.thumbnailColour(40000), QColor(Qt::blue));
 }
 
-void TimelineMarksTest::framesMayComeInAnyOrder()
+void TimelinePoisTest::framesMayComeInAnyOrder()
 {
     Strip strip;
     strip.timeline.setPOIsFromList(
@@ -448,7 +449,7 @@ void TimelineMarksTest::framesMayComeInAnyOrder()
     QCOMPARE(strip.thumbnailColour(45000), QColor(Qt::red));
 }
 
-void TimelineMarksTest::withoutAPlayerNoFrameIsAskedFor()
+void TimelinePoisTest::withoutAPlayerNoFrameIsAskedFor()
 {
     TimelineContent timeline;
     timeline.addPoiAtPosition();
@@ -461,7 +462,7 @@ void TimelineMarksTest::withoutAPlayerNoFrameIsAskedFor()
     QCOMPARE(timeline.getPOIs().size(), 1);
 }
 
-void TimelineMarksTest::aDestroyedItemNeedsNoFrames()
+void TimelinePoisTest::aDestroyedItemNeedsNoFrames()
 {
     FramePlayer player;
     auto timeline = std::make_unique<TimelineContent>();
@@ -477,7 +478,7 @@ void TimelineMarksTest::aDestroyedItemNeedsNoFrames()
     QCOMPARE(log.messages(), QStringList{QStringLiteral("Null frame")});
 }
 
-void TimelineMarksTest::thumbnailsDoNotHoldTheFramesMemory()
+void TimelinePoisTest::thumbnailsDoNotHoldTheFramesMemory()
 {
     Strip strip;
     strip.timeline.setPOIsFromList({poiMap(40000, QString())});
@@ -490,5 +491,5 @@ void TimelineMarksTest::thumbnailsDoNotHoldTheFramesMemory()
     QCOMPARE(strip.thumbnailColour(40000), QColor(Qt::green));
 }
 
-QTEST_MAIN(TimelineMarksTest)
-#include "TimelineMarksTest.moc"
+QTEST_MAIN(TimelinePoisTest)
+#include "TimelinePoisTest.moc"
