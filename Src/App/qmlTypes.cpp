@@ -15,6 +15,7 @@
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/PointerRest.h"
 #include "Shell/Shortcut.h"
+#include "Timeline/ExportInstruments.h"
 #include "Timeline/FramePreview.h"
 #include "Timeline/HeadUpDisplay.h"
 #include "Timeline/LogCurves.h"
@@ -61,6 +62,7 @@ void registerQmlTypes()
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
     qmlRegisterType<TimelineNavigator>("Timeline", 1, 0, "TimelineNavigator");
     qmlRegisterType<PictureItem>("Timeline", 1, 0, "PictureItem");
+    qmlRegisterType<ExportInstruments>("Timeline", 1, 0, "ExportInstruments");
     qmlRegisterType<FramePreview>("Timeline", 1, 0, "FramePreview");
     qmlRegisterType<PoiFilter>("Timeline", 1, 0, "PoiFilter");
     qmlRegisterType<ExportJobs>("Review", 1, 0, "ExportJobs");

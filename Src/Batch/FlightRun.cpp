@@ -8,6 +8,7 @@
 #include "Project/ReportWriter.h"
 #include "Threads/pool.h"
 #include "Threads/post.h"
+#include "Timeline/ExportInstruments.h"
 #include "Timeline/HeadUpPainter.h"
 #include "Timeline/poiTable.h"
 #include "Video/pictureFile.h"
@@ -142,8 +143,9 @@ void FlightRun::work()
     const QVariantList pois = m_flight.review().allPois();
     const QByteArray project = projectDigest();
     const QStringList inputs = m_job.files();
+    const QStringList shown = showInstruments();
     const auto fingerprint = [&](const QString& what) {
-        return fingerprintOf({what, QString::fromLatin1(project)}, inputs);
+        return fingerprintOf(QStringList{what, QString::fromLatin1(project)} + shown, inputs);
     };
     step(QStringLiteral("pictures"), fingerprint(QStringLiteral("pictures 1")),
          [this, &pois] { return writePictures(pois); });
@@ -158,6 +160,23 @@ void FlightRun::work()
     if (m_options.writesVideo)
         step(QStringLiteral("video"), fingerprint(QStringLiteral("video 1")),
              [this] { return writeVideo(); });
+}
+
+// Gives the words for the fingerprints of what shows or lists them. A flight without values for
+// them shows none.
+QStringList FlightRun::showInstruments()
+{
+    ExportInstruments instruments;
+    instruments.setShown(m_options.showsInstruments);
+    instruments.setImperialUnits(m_options.imperialUnits);
+    instruments.setLogParser(&m_flight.logParser());
+    instruments.setPlayer(&m_flight.player());
+    QStringList words;
+    if (m_options.showsInstruments)
+        words << QStringLiteral("instruments");
+    if (m_options.imperialUnits)
+        words << QStringLiteral("imperial");
+    return words;
 }
 
 void FlightRun::step(const QString& name, const QByteArray& fingerprint, const Action& action)
@@ -387,7 +406,7 @@ Result<QStringList> FlightRun::writePictures(const QVariantList& pois)
                 failure = saved.failure();
             post(&loop, [answer, failure] { answer(failure); });
         };
-        if (!m_flight.player().getFrameAsync(QTime(0, 0).addMSecs(timeMs), save))
+        if (!m_flight.player().getExportFrameAsync(QTime(0, 0).addMSecs(timeMs), save))
             save(QImage());
     }
     if (!pois.isEmpty())
@@ -407,6 +426,7 @@ Result<QStringList> FlightRun::writeTables(const QVariantList& pois)
     HeadUpPainter instruments;
     instruments.setLog(m_flight.logParser().log());
     instruments.setClock(m_flight.logParser().clock());
+    instruments.setImperialUnits(m_options.imperialUnits);
     QList<PoiTableRow> rows = poiTableRows(pois, instruments, m_flight.logParser().clock().get());
     for (int i = 0; i < rows.size(); ++i) {
         if (QFile::exists(m_folder.filePath(pictureName(i))))

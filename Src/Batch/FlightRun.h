@@ -26,6 +26,8 @@ struct FlightOptions
     bool copiesMedia = false; ///< video and log beside the project, so that the folder can travel
     bool showsThermal = false;
     bool writesVideo = false;
+    bool showsInstruments = false; ///< in a corner of pictures, report and video
+    bool imperialUnits = false;    ///< lengths in feet
 };
 
 /// Works on one flight without a window: opens it, and puts its results into the folder of the job
@@ -79,6 +81,7 @@ private:
     Status open();
     Status makeProject();
     Status saveProject();
+    QStringList showInstruments();
     Result<QStringList> writePictures(const QVariantList& pois);
     Result<QStringList> writeTables(const QVariantList& pois);
     Result<QStringList> writeReport(const QVariantList& pois);

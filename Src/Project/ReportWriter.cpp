@@ -195,12 +195,12 @@ void ReportWriter::saveFrame(VideoPlayer* player, int timeMs, const QString& fra
     const auto request = std::make_shared<FrameRequest>();
     request->folder = m_frameFolder;
     const bool accepted =
-        player &&
-        player->getFrameAsync(timeOfMs(timeMs), [request, timeMs, framePath](const QImage& image) {
-            request->problem = receiveFrame(image, timeMs, framePath);
-            request->done.store(true, std::memory_order_release);
-            request->wakeUp.release();
-        });
+        player && player->getExportFrameAsync(
+                      timeOfMs(timeMs), [request, timeMs, framePath](const QImage& image) {
+                          request->problem = receiveFrame(image, timeMs, framePath);
+                          request->done.store(true, std::memory_order_release);
+                          request->wakeUp.release();
+                      });
     if (!accepted) { // then no one will ever call back
         receiveFrame(QImage(), timeMs, framePath);
         return;

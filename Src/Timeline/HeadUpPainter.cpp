@@ -155,6 +155,29 @@ QString HeadUpPainter::textAt(size_t row, int videoMs) const
     return hasValue(row) ? textOf(m_rows[row], valueAt(row, videoMs)) : QString();
 }
 
+std::optional<float> HeadUpPainter::needleAt(size_t row, int videoMs) const
+{
+    if (m_rows[row].dial == HudRow::Dial::none || !hasValue(row))
+        return std::nullopt;
+    return valueAt(row, videoMs);
+}
+
+bool HeadUpPainter::hasValues() const
+{
+    for (size_t row = 0; row < m_rows.size(); ++row)
+        if (hasValue(row))
+            return true;
+    return false;
+}
+
+HeadUpPainter HeadUpPainter::withoutDials() const
+{
+    HeadUpPainter numbers = *this;
+    for (HudRow& row : numbers.m_rows)
+        row.dial = HudRow::Dial::none;
+    return numbers;
+}
+
 // --- Painting --------------------------------------------------------------------------------
 
 // The top of the row below `row`, whose own top is `y`.
@@ -171,6 +194,17 @@ double HeadUpPainter::heightAt(double width) const
     for (const HudRow& row : m_rows)
         y = behindRow(row, y, width);
     return y;
+}
+
+QRectF HeadUpPainter::rectOfRow(size_t row, QSizeF panel) const
+{
+    int top = 0;
+    for (size_t i = 0; i < row; ++i)
+        top = behindRow(m_rows[i], top, naturalWidth);
+    const double scale =
+        std::min(panel.width() / naturalWidth, panel.height() / heightAt(naturalWidth));
+    return {0.0, top * scale, panel.width(),
+            (behindRow(m_rows[row], top, naturalWidth) - top) * scale};
 }
 
 void HeadUpPainter::paint(QPainter& painter, double width, int videoMs) const
@@ -202,6 +236,7 @@ QRectF HeadUpPainter::paintInto(QPainter& painter, const QRectF& target, int vid
         painter.fillRect(covered, *plate);
     painter.translate(covered.topLeft());
     painter.scale(scale, scale);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     // Font sizes are of the screen; the panel is designed for those of its natural width.
     QFont font = painter.font();
     font.setPixelSize(13);

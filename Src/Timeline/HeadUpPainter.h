@@ -56,8 +56,20 @@ public:
     QRectF paintInto(QPainter& painter, const QRectF& target, int videoMs,
                      const std::optional<QColor>& plate = std::nullopt) const;
 
+    /// Where a row is in a panel that paintInto() makes as large as `panel`, from its origin.
+    QRectF rectOfRow(size_t row, QSizeF panel) const;
+
     /// The number and unit of an instrument at a moment, as painted; empty without a value.
     QString textAt(size_t row, int videoMs) const;
+
+    /// What the needle of an instrument follows; none without a dial or a value.
+    std::optional<float> needleAt(size_t row, int videoMs) const;
+
+    /// Whether any instrument has a value.
+    bool hasValues() const;
+
+    /// The same instruments as numbers alone.
+    HeadUpPainter withoutDials() const;
 
     const std::vector<HudRow>& rows() const { return m_rows; }
 

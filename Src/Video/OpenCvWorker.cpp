@@ -7,6 +7,7 @@
 #include "Threads/post.h"
 #include "Video/VideoExporter.h"
 #include "Video/frameConversion.h"
+#include "Video/insetBlending.h"
 #include "Video/logCategory.h"
 #include "Video/partialDrawing.h"
 
@@ -51,7 +52,7 @@ constexpr double assumedNsPerPixel = 2.0;
 OpenCvWorker::OpenCvWorker(WorkerClient* client, QObject* context,
                            std::shared_ptr<const VideoBackend> backend)
     : m_client(client), m_context(context), m_backend(std::move(backend)),
-      m_stills([this](QTime time) { return getFrameAt(time); }, this)
+      m_stills([this](QTime time, PictureInset* inset) { return getFrameAt(time, inset); }, this)
 {
     connect(&m_thread, &QThread::finished, [this] { annotateRelease(&m_thread); });
     moveToThread(&m_thread);
@@ -460,7 +461,7 @@ QVideoFrame OpenCvWorker::pictureForScreen(const Frame& picture, int timeMs)
     return toVideoFrame(m_effectFrame, picture);
 }
 
-QImage OpenCvWorker::getFrameAt(QTime time)
+QImage OpenCvWorker::getFrameAt(QTime time, PictureInset* inset)
 {
     if (m_currentSource == noFile) {
         qCWarning(lcVideo) << "Invalid video capture";
@@ -475,11 +476,11 @@ QImage OpenCvWorker::getFrameAt(QTime time)
     VideoFileEntry& entry = m_timeline.entry(file);
     const double fileMs = ms - entry.startMs;
     if (FrameSource* still = stillSource(file))
-        return extractFrame(*still, entry, fileMs);
+        return extractFrame(*still, entry, fileMs, inset);
     // The file cannot be opened a second time: borrow the capture of playback.
     FrameSource& playing = *current().capture;
     const int savedPosition = playing.nextFrame();
-    QImage image = extractFrame(*entry.capture, entry, fileMs);
+    QImage image = extractFrame(*entry.capture, entry, fileMs, inset);
     if (!playing.seekToFrame(savedPosition))
         qCWarning(lcVideo) << "Failed to set back to original pos"
                            << savedPosition * 1000.0 / playing.fps();
@@ -495,7 +496,8 @@ FrameSource* OpenCvWorker::stillSource(int file)
     return m_stillSource.get();
 }
 
-QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs)
+QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs,
+                                  PictureInset* inset)
 {
     if (!capture.seekToTime(fileMs))
         return {};
@@ -510,6 +512,8 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& en
         const int overlayMs =
             m_settings.thermalAsOnScreen ? entry.timelineMs(frame.timeMs) : truncateToInt(fileMs);
         m_overlay.applyPictureEffects(m_stillFrame, overlayMs, m_settings, false, {});
+        if (inset)
+            blendInset(m_stillFrame, inset->partAt(entry.timelineMs(frame.timeMs), frame.size));
         return cvMatToQImage(m_stillFrame);
     } catch (const std::exception& error) {
         qCWarning(lcVideo) << "Giving up frame at" << fileMs << error.what();
@@ -517,10 +521,10 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& en
     }
 }
 
-void OpenCvWorker::requestFrame(QTime time, StillFrameQueue::Callback callback,
+void OpenCvWorker::requestFrame(QTime time, StillFrameQueue::Callback callback, bool isForExport,
                                 StillFrameQueue::Cancelled cancelled)
 {
-    m_stills.add(time, std::move(callback), std::move(cancelled));
+    m_stills.add(time, std::move(callback), std::move(cancelled), isForExport ? m_inset : nullptr);
 }
 
 bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& cancelled,
@@ -543,6 +547,11 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
     hooks.applyEffects = [this](cv::Mat& frame, int timeMs) {
         m_overlay.applyPictureEffects(frame, timeMs, m_settings, false, {});
     };
+    if (m_inset) {
+        hooks.inset = [this](int timeMs, QSize picture) {
+            return m_inset->partAt(timeMs, picture);
+        };
+    }
     hooks.reportProgress = [this](int exportedFrames, int totalFrames) {
         emit videoExportProgress(exportedFrames, totalFrames);
     };

@@ -81,13 +81,17 @@ public:
     /// the flight before if both are at the same frame.
     void forgetLastFrame();
 
-    /// The picture at a time, null if there is none. Playback goes on as if nothing had happened.
-    QImage getFrameAt(QTime time);
+    /// The picture at a time, null if there is none, with an inset if one is given. Playback goes
+    /// on as if nothing had happened.
+    QImage getFrameAt(QTime time, PictureInset* inset = nullptr);
 
     /// Puts a request for the picture at a time behind those that wait. Where `cancelled` is given
-    /// and set, the answer is null.
-    void requestFrame(QTime time, StillFrameQueue::Callback callback,
+    /// and set, the answer is null. A picture for export has the inset of this moment.
+    void requestFrame(QTime time, StillFrameQueue::Callback callback, bool isForExport,
                       StillFrameQueue::Cancelled cancelled = {});
+
+    /// What is shown in a part of exported pictures and videos; null for nothing.
+    void setInset(std::shared_ptr<PictureInset> inset) { m_inset = std::move(inset); }
 
     /// Writes the whole timeline as a new video. False if there is none, if the target is one of
     /// the flight's own files or cannot be written, or if playback could not be put back in place.
@@ -130,7 +134,8 @@ private:
     Produced renderLastFrame(FrameUse use);
     QVideoFrame pictureForScreen(const Frame& picture, int timeMs);
     FrameSource* stillSource(int file);
-    QImage extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs);
+    QImage extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs,
+                        PictureInset* inset);
     void endPlayback();
 
     template <typename Call>
@@ -163,6 +168,7 @@ private:
 
     VideoDisplaySettings m_settings;
     ThermalOverlay m_overlay;
+    std::shared_ptr<PictureInset> m_inset;
     const ThermalOverlay::RangeReport m_reportRange = [this](double min, double max) {
         emit irDataChanged(min, max);
     };

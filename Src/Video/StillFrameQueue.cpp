@@ -9,7 +9,7 @@ constexpr int delayMs = 50;
 
 } // namespace
 
-StillFrameQueue::StillFrameQueue(std::function<QImage(QTime)> fetch, QObject* parent)
+StillFrameQueue::StillFrameQueue(Fetch fetch, QObject* parent)
     : QObject(parent), m_fetch(std::move(fetch)), m_turn(this)
 {
     m_turn.setSingleShot(true);
@@ -17,10 +17,10 @@ StillFrameQueue::StillFrameQueue(std::function<QImage(QTime)> fetch, QObject* pa
     connect(&m_turn, &QTimer::timeout, this, &StillFrameQueue::serveOne);
 }
 
-void StillFrameQueue::add(QTime time, Callback callback, Cancelled cancelled)
+void StillFrameQueue::add(QTime time, Callback callback, Cancelled cancelled, Inset inset)
 {
     m_requests.push_back({QDeadlineTimer(delayMs, Qt::PreciseTimer), time, std::move(callback),
-                          std::move(cancelled)});
+                          std::move(cancelled), std::move(inset)});
     if (!m_turn.isActive())
         waitForNext();
 }
@@ -46,7 +46,7 @@ void StillFrameQueue::serveOne()
         m_requests.pop_front();
         const bool isWanted =
             !request.cancelled || !request.cancelled->load(std::memory_order_relaxed);
-        request.callback(isWanted ? m_fetch(request.time) : QImage());
+        request.callback(isWanted ? m_fetch(request.time, request.inset.get()) : QImage());
     }
     waitForNext();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Video/PictureInset.h"
+
 #include <QDeadlineTimer>
 #include <QImage>
 #include <QObject>
@@ -25,11 +27,16 @@ public:
     /// Set, by any thread, when the picture is no longer wanted; null if that cannot be.
     using Cancelled = std::shared_ptr<const std::atomic<bool>>;
 
-    /// `fetch` gives the picture at a time, or a null one.
-    explicit StillFrameQueue(std::function<QImage(QTime)> fetch, QObject* parent = nullptr);
+    /// What is shown in a part of the picture; null for nothing.
+    using Inset = std::shared_ptr<PictureInset>;
+
+    /// Gives the picture at a time, or a null one.
+    using Fetch = std::function<QImage(QTime time, PictureInset* inset)>;
+
+    explicit StillFrameQueue(Fetch fetch, QObject* parent = nullptr);
 
     /// Answers with null, without fetching, if `cancelled` is set when the turn comes.
-    void add(QTime time, Callback callback, Cancelled cancelled = {});
+    void add(QTime time, Callback callback, Cancelled cancelled = {}, Inset inset = {});
 
     /// Answers all that wait with a null image, in order.
     void answerNull();
@@ -44,12 +51,13 @@ private:
         QTime time;
         Callback callback;
         Cancelled cancelled;
+        Inset inset;
     };
 
     void serveOne();
     void waitForNext();
 
-    std::function<QImage(QTime)> m_fetch;
+    Fetch m_fetch;
     std::deque<Request> m_requests;
     // One for all: thousands of timers at once would cost the event loop seconds. With nothing left
     // to wait for it fires in the next turn, when no posted event is left.

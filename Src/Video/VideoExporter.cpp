@@ -3,7 +3,9 @@
 #include "Base/arithmetic.h"
 #include "Video/ExportTarget.h"
 #include "Video/frameConversion.h"
+#include "Video/insetBlending.h"
 #include "Video/logCategory.h"
+#include "Video/partialDrawing.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -131,21 +133,36 @@ int VideoExporter::placeOf(double timelineMs) const
     return truncateToInt(std::ceil(place - 0.5 - placeTolerance));
 }
 
-// A picture that no effect changes is written as it was decoded.
+// A picture that nothing changes is written as it was decoded.
 Frame VideoExporter::withEffects(const Frame& frame, int timeMs)
 {
-    if (!m_hooks.changesPictures())
-        return frame;
     try {
-        m_turn = 1 - m_turn;
-        cv::Mat& picture = m_pictures.at(m_turn);
-        toBgr(frame, picture);
-        m_hooks.applyEffects(picture, timeMs);
-        return bgrFrame(picture);
+        const PictureInset::Part inset =
+            m_hooks.inset ? m_hooks.inset(timeMs, frame.size) : PictureInset::Part();
+        return drawnOn(frame, timeMs, inset);
     } catch (const std::exception& error) {
         qCWarning(lcVideo) << "Exporting without effects the frame at ms" << timeMs << error.what();
         return frame;
     }
+}
+
+// Where the inset alone changes the picture, only its part is converted.
+Frame VideoExporter::drawnOn(const Frame& frame, int timeMs, const PictureInset::Part& inset)
+{
+    const cv::Size size(frame.size.width(), frame.size.height());
+    const cv::Rect part = evenPart(changedBy(inset, size), size);
+    const bool hasEffects = m_hooks.changesPictures();
+    if (!hasEffects && part.empty())
+        return frame;
+    if (!hasEffects && canDrawOnPart(frame))
+        return drawOnPart(frame, part, [&](cv::Mat& bgr) { blendInset(bgr, inset, part.tl()); });
+    m_turn = 1 - m_turn;
+    cv::Mat& picture = m_pictures.at(m_turn);
+    toBgr(frame, picture);
+    if (hasEffects)
+        m_hooks.applyEffects(picture, timeMs);
+    blendInset(picture, inset);
+    return bgrFrame(picture);
 }
 
 void VideoExporter::noteLoss(const VideoFileEntry& entry, int firstFrame, int lastFrame)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Result.h"
+#include "Video/PictureInset.h"
 #include "Video/VideoBackend.h"
 #include "Video/VideoTimeline.h"
 
@@ -25,6 +26,8 @@ public:
         /// Whether applyEffects() would change a picture.
         std::function<bool()> changesPictures;
         std::function<void(cv::Mat& picture, int timeMs)> applyEffects;
+        /// What is shown in a part of the picture; empty for nothing.
+        std::function<PictureInset::Part(int timeMs, QSize picture)> inset;
         std::function<void(int exportedFrames, int totalFrames)> reportProgress;
         std::function<bool()> isCancelled;
     };
@@ -58,6 +61,7 @@ private:
     void place(const VideoFileEntry& entry, const Frame& frame, ExportTarget& target);
     void holdUntil(double timelineMs, ExportTarget& target);
     Frame withEffects(const Frame& frame, int timeMs);
+    Frame drawnOn(const Frame& frame, int timeMs, const PictureInset::Part& inset);
     void noteLoss(const VideoFileEntry& entry, int firstFrame, int lastFrame);
     Status statusOf(const ExportTarget& target, const Status& finished) const;
     int placeOf(double timelineMs) const;

@@ -2,6 +2,7 @@
 
 #include "Base/Result.h"
 #include "Log/LogParser.h"
+#include "Video/PictureInset.h"
 #include "Video/PlaybackClock.h"
 #include "Video/SeekWish.h"
 #include "Video/VideoDisplaySettings.h"
@@ -186,6 +187,13 @@ public:
     /// call, if no video is open or the callback is empty. Callable from any thread.
     virtual bool getFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback);
 
+    /// The same for a picture that leaves the program: with the inset of exports.
+    bool getExportFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback);
+
+    /// What is shown in a part of the pictures and videos that are asked for from now on: saved,
+    /// copied, exported and in reports. Null for nothing.
+    void setExportInset(std::shared_ptr<PictureInset> inset);
+
     /// False if no video is open.
     Q_INVOKABLE bool play();
     Q_INVOKABLE bool pause();
@@ -353,7 +361,7 @@ private:
     using SavedCallback = std::function<void(const QString& fileName, const Status& saved)>;
 
     void toWorker(std::function<void(OpenCvWorker&)> job);
-    bool requestFrame(QTime time, std::function<void(const QImage&)> callback,
+    bool requestFrame(QTime time, std::function<void(const QImage&)> callback, bool isForExport,
                       std::shared_ptr<const std::atomic<bool>> cancelled);
     Status requestSaving(QTime time, QString fileName, bool overwriteIfExists,
                          const std::shared_ptr<const std::atomic<bool>>& cancelled,
@@ -395,6 +403,7 @@ private:
     int m_currentFrameIndex = 0;
     QTime m_duration;
     bool m_playing = false;
+    std::atomic<bool> m_hasExportInset{false};
     int m_playSpeed = 1;
     int m_frameDurationMs = 0;
     int m_frameCount = 0;

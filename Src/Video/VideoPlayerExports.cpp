@@ -65,18 +65,32 @@ QString noteOn(const QStringList& otherThermal)
 
 bool VideoPlayer::getFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback)
 {
-    return requestFrame(time, std::move(frameResultCallback), {});
+    return requestFrame(time, std::move(frameResultCallback), false, {});
+}
+
+bool VideoPlayer::getExportFrameAsync(QTime time,
+                                      std::function<void(const QImage&)> frameResultCallback)
+{
+    if (!m_hasExportInset.load(std::memory_order_relaxed))
+        return getFrameAsync(time, std::move(frameResultCallback));
+    return requestFrame(time, std::move(frameResultCallback), true, {});
+}
+
+void VideoPlayer::setExportInset(std::shared_ptr<PictureInset> inset)
+{
+    m_hasExportInset.store(inset != nullptr, std::memory_order_relaxed);
+    toWorker([inset = std::move(inset)](OpenCvWorker& worker) { worker.setInset(inset); });
 }
 
 bool VideoPlayer::requestFrame(QTime time, std::function<void(const QImage&)> callback,
-                               Cancelled cancelled)
+                               bool isForExport, Cancelled cancelled)
 {
     if (!hasVideoOpened() || !callback) {
         qCWarning(lcVideo) << "!m_hasVideoOpened || !frameResultCallback";
         return false;
     }
-    toWorker([time, callback = std::move(callback), cancelled](OpenCvWorker& worker) {
-        worker.requestFrame(time, callback, cancelled);
+    toWorker([time, callback = std::move(callback), isForExport, cancelled](OpenCvWorker& worker) {
+        worker.requestFrame(time, callback, isForExport, cancelled);
     });
     return true;
 }
@@ -118,7 +132,7 @@ Status VideoPlayer::requestSaving(QTime time, QString fileName, bool overwriteIf
         post(this, [saved, fileName, status] { saved(fileName, status); });
     };
     const bool isRequested =
-        cancelled ? requestFrame(time, save, cancelled) : getFrameAsync(time, save);
+        cancelled ? requestFrame(time, save, true, cancelled) : getExportFrameAsync(time, save);
     return isRequested ? Status() : noVideo();
 }
 
@@ -133,7 +147,7 @@ void VideoPlayer::copyFrameToClipboard(QTime timePosition)
             finishCopying(image.isNull() ? Status(noPictureAt(timePosition)) : Status());
         });
     };
-    if (!getFrameAsync(timePosition, copy))
+    if (!getExportFrameAsync(timePosition, copy))
         post(this, [this] { finishCopying(noVideo()); });
 }
 

@@ -1,5 +1,6 @@
 #include "Base/videoTime.h"
 #include "Cli/Command.h"
+#include "Cli/instruments.h"
 #include "Cli/thermalClock.h"
 #include "Review/OpenFlight.h"
 #include "Threads/post.h"
@@ -68,8 +69,8 @@ QString whyNoOverlay(OpenFlight& flight)
     return {};
 }
 
-// Opens the one flight that the line names, if `out` is none of its files; a bare video shows the
-// overlay on request.
+// Opens the one flight that the line names, if `out` is none of its files, and shows what the line
+// asks for.
 ExitStatus open(OpenFlight& flight, const QCommandLineParser& line, const QString& out)
 {
     const QStringList arguments = line.positionalArguments();
@@ -78,6 +79,8 @@ ExitStatus open(OpenFlight& flight, const QCommandLineParser& line, const QStrin
     const Status opened = flight.open(arguments, out);
     if (!opened)
         return fail(opened.failure());
+    if (const Status shown = showInstruments(line, flight); !shown)
+        return fail(shown.failure());
     if (!line.isSet(thermalOption))
         return Done;
     flight.player().setShowIR(true);
@@ -126,7 +129,7 @@ ExitStatus savePictures(OpenFlight& flight, const QList<Picture>& pictures)
                 failure = picture.file + QStringLiteral(": cannot be written");
             post(&loop, [answer, failure] { answer(failure); });
         };
-        flight.player().getFrameAsync(timeOfMs(picture.timeMs), save);
+        flight.player().getExportFrameAsync(timeOfMs(picture.timeMs), save);
     }
     loop.exec();
     if (failures.isEmpty())
@@ -255,7 +258,7 @@ ExitStatus video(const QCommandLineParser& line)
 
 std::vector<Command> frameCommands()
 {
-    const QString flight = QStringLiteral("(PROJECT | VIDEO [LOG]) [--thermal]");
+    const QString flight = QStringLiteral("(PROJECT | VIDEO [LOG]) [--thermal]") + instrumentsUsage;
     const QCommandLineOption thermal =
         flag(thermalOption, QStringLiteral("draws the thermal overlay in any case"));
     const auto out = [](const char* valueName, const char* description) {
@@ -268,28 +271,30 @@ std::vector<Command> frameCommands()
                                        QStringLiteral("beginning of the file names: Frame"));
     prefix.setDefaultValue(QStringLiteral("Frame"));
     const QString pictures = flight + QStringLiteral(" [--thermal-clock file|screen]");
-    return {
-        {QStringLiteral("frame"),
-         pictures + QStringLiteral(" --at-ms N --out IMAGE"),
-         QStringLiteral("one picture, in the format of its suffix"),
-         {thermal, thermalClockOption(), number(timeOption, "time in the flight, in milliseconds"),
-          out("IMAGE", "the picture to write")},
-         frame},
-        {QStringLiteral("frames"),
-         pictures + QStringLiteral(" --out FOLDER [--prefix P] "
-                                   "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
-         QStringLiteral("a series of pictures, or one of each point of interest"),
-         {thermal, thermalClockOption(), out("FOLDER", "where to write the pictures"), prefix,
-          flag(poiOption, QStringLiteral("one picture of each point of interest")),
-          number(fromOption, "start of the range, in milliseconds: 0"),
-          number(toOption, "end of the range, in milliseconds: that of the flight"),
-          number(spacingOption, "a picture every N frames: 10")},
-         frames},
-        {QStringLiteral("video"),
-         flight + QStringLiteral(" --out VIDEO"),
-         QStringLiteral("the whole flight as a new video"),
-         {thermal, out("VIDEO", "the video to write")},
-         video}};
+    return {{QStringLiteral("frame"), pictures + QStringLiteral(" --at-ms N --out IMAGE"),
+             QStringLiteral("one picture, in the format of its suffix"),
+             QList<QCommandLineOption>{thermal, thermalClockOption(),
+                                       number(timeOption, "time in the flight, in milliseconds"),
+                                       out("IMAGE", "the picture to write")} +
+                 instrumentOptions(),
+             frame},
+            {QStringLiteral("frames"),
+             pictures + QStringLiteral(" --out FOLDER [--prefix P] "
+                                       "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
+             QStringLiteral("a series of pictures, or one of each point of interest"),
+             QList<QCommandLineOption>{
+                 thermal, thermalClockOption(), out("FOLDER", "where to write the pictures"),
+                 prefix, flag(poiOption, QStringLiteral("one picture of each point of interest")),
+                 number(fromOption, "start of the range, in milliseconds: 0"),
+                 number(toOption, "end of the range, in milliseconds: that of the flight"),
+                 number(spacingOption, "a picture every N frames: 10")} +
+                 instrumentOptions(),
+             frames},
+            {QStringLiteral("video"), flight + QStringLiteral(" --out VIDEO"),
+             QStringLiteral("the whole flight as a new video"),
+             QList<QCommandLineOption>{thermal, out("VIDEO", "the video to write")} +
+                 instrumentOptions(),
+             video}};
 }
 
 } // namespace corv::cli

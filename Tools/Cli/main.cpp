@@ -1,6 +1,11 @@
 #include "Cli/Command.h"
+#include "Cli/diagnostics.h"
+#include "Cli/instruments.h"
 
-#include <QCoreApplication>
+#include <QFile>
+#include <QGuiApplication>
+#include <QTextCodec>
+#include <memory>
 
 namespace corv::cli {
 namespace {
@@ -14,12 +19,34 @@ std::vector<Command> allCommands()
     return commands;
 }
 
+// Texts in pictures need fonts, which only an application for windows has; it gets a screen that is
+// not there.
+std::unique_ptr<QCoreApplication> makeApplication(const QStringList& arguments, char** argv)
+{
+    static int noArguments = 1; // the words of the line are the tool's own
+    if (!arguments.contains(QStringLiteral("--") + instrumentsOption))
+        return std::make_unique<QCoreApplication>(noArguments, argv);
+    constexpr const char* platform = "QT_QPA_PLATFORM";
+    const bool wasSet = qEnvironmentVariableIsSet(platform);
+    const QByteArray before = qgetenv(platform);
+    installDiagnostics(arguments.contains(QLatin1String("--verbose"))); // of the start as well
+    qputenv(platform, "offscreen");
+    auto application = std::make_unique<QGuiApplication>(noArguments, argv);
+    // Programs that are started from here get the environment as it was.
+    wasSet ? qputenv(platform, before) : qunsetenv(platform);
+    return application;
+}
+
 } // namespace
 } // namespace corv::cli
 
 int main(int argc, char** argv)
 {
-    QCoreApplication application(argc, argv);
     using namespace corv::cli;
-    return runLine(allCommands(), QCoreApplication::arguments());
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments += QFile::decodeName(argv[i]);
+    const auto application = makeApplication(arguments, argv);
+    return runLine(allCommands(), arguments);
 }

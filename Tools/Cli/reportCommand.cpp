@@ -1,4 +1,5 @@
 #include "Cli/Command.h"
+#include "Cli/instruments.h"
 #include "Cli/thermalClock.h"
 #include "Project/ReportWriter.h"
 #include "Review/OpenFlight.h"
@@ -55,6 +56,8 @@ ExitStatus report(const QCommandLineParser& line)
     const Status opened = flight.open(arguments, path);
     if (!opened)
         return fail(opened.failure());
+    if (const Status shown = showInstruments(line, flight); !shown)
+        return fail(shown.failure());
     const Status written = writeReport(flight, path);
     return written ? Done : fail(written.failure());
 }
@@ -64,10 +67,13 @@ ExitStatus report(const QCommandLineParser& line)
 std::vector<Command> reportCommands()
 {
     return {{QStringLiteral("report"),
-             QStringLiteral("PROJECT|VIDEO [LOG] [--thermal-clock file|screen] --out FILE.docx"),
+             QStringLiteral("(PROJECT | VIDEO [LOG])") + instrumentsUsage +
+                 QStringLiteral(" [--thermal-clock file|screen] --out FILE.docx"),
              QStringLiteral("a Word document with a page for each point of interest"),
-             {thermalClockOption(), valued(QStringLiteral("out"), QStringLiteral("FILE.docx"),
-                                           QStringLiteral("the document to write"))},
+             QList<QCommandLineOption>{thermalClockOption(),
+                                       valued(QStringLiteral("out"), QStringLiteral("FILE.docx"),
+                                              QStringLiteral("the document to write"))} +
+                 instrumentOptions(),
              report}};
 }
 

@@ -4,6 +4,7 @@
 #include "Batch/flightList.h"
 #include "Cli/Command.h"
 #include "Cli/ReviewProgress.h"
+#include "Cli/instruments.h"
 #include "Log/printable.h"
 
 #include <QCoreApplication>
@@ -38,6 +39,8 @@ FlightOptions flightOptions(const QCommandLineParser& line)
     options.copiesMedia = line.isSet(copyOption);
     options.showsThermal = line.isSet(thermalOption);
     options.writesVideo = line.isSet(videoOption);
+    options.showsInstruments = line.isSet(instrumentsOption);
+    options.imperialUnits = line.isSet(imperialOption);
     return options;
 }
 
@@ -45,7 +48,8 @@ FlightOptions flightOptions(const QCommandLineParser& line)
 QStringList wordsOf(const QCommandLineParser& line)
 {
     QStringList words;
-    for (const QString& option : {copyOption, thermalOption, videoOption})
+    for (const QString& option :
+         {copyOption, thermalOption, videoOption, instrumentsOption, imperialOption})
         if (line.isSet(option))
             words << QStringLiteral("--") + option;
     return words;
@@ -196,20 +200,23 @@ std::vector<Command> reviewCommands()
     return {
         {QStringLiteral("review"),
          QStringLiteral("(LOCATION... [--list [--json]] | --job FILE | --gather FILE) --out DIR "
-                        "[--copy] [--thermal] [--video] [--at-once N]"),
+                        "[--copy] [--thermal] [--video] [--instruments] [--imperial] "
+                        "[--at-once N]"),
          QStringLiteral("the whole review of cards, one folder a flight"),
-         {valued(outOption, QStringLiteral("DIR"), QStringLiteral("where the folders go")),
-          flag(listOption, QStringLiteral("prints the flights and works on none")),
-          flag(jsonOption, QStringLiteral("with --list: one job a line, as JSON")),
-          valued(jobOption, QStringLiteral("FILE"),
-                 QStringLiteral("works on one flight of such a list; - is standard input")),
-          valued(gatherOption, QStringLiteral("FILE"),
-                 QStringLiteral("prints how the flights of such a list ended")),
-          flag(copyOption, QStringLiteral("copies video and log beside the project")),
-          flag(thermalOption, QStringLiteral("shows the thermal overlay")),
-          flag(videoOption, QStringLiteral("writes the video as shown, too")),
-          valued(atOnceOption, QStringLiteral("N"),
-                 QStringLiteral("flights at once; as many as there are processors"))},
+         QList<QCommandLineOption>{
+             valued(outOption, QStringLiteral("DIR"), QStringLiteral("where the folders go")),
+             flag(listOption, QStringLiteral("prints the flights and works on none")),
+             flag(jsonOption, QStringLiteral("with --list: one job a line, as JSON")),
+             valued(jobOption, QStringLiteral("FILE"),
+                    QStringLiteral("works on one flight of such a list; - is standard input")),
+             valued(gatherOption, QStringLiteral("FILE"),
+                    QStringLiteral("prints how the flights of such a list ended")),
+             flag(copyOption, QStringLiteral("copies video and log beside the project")),
+             flag(thermalOption, QStringLiteral("shows the thermal overlay")),
+             flag(videoOption, QStringLiteral("writes the video as shown, too")),
+             valued(atOnceOption, QStringLiteral("N"),
+                    QStringLiteral("flights at once; as many as there are processors"))} +
+             instrumentOptions(),
          review}};
 }
 

@@ -3,6 +3,8 @@
 #include "SampleFlight/frameStrip.h"
 #include "Support/FullDisk.h"
 #include "Support/ProgramRun.h"
+#include "Timeline/ExportInstruments.h"
+#include "Timeline/InstrumentsInset.h"
 #include "Video/VideoPlayer.h"
 
 #include <QDir>
@@ -64,6 +66,9 @@ private slots:
     void framesOfARange();
     void framesOfThePois();
     void thermalClockOfTheScreen();
+    void instrumentsInACorner_data();
+    void instrumentsInACorner();
+    void instrumentsOfAVideo();
     void anOverlayThatCannotBeSaysWhy();
     void wholeVideo();
     void sourcesAreNeverWrittenOver_data();
@@ -274,6 +279,68 @@ void FrameCommandsTest::thermalClockOfTheScreen()
                                      QStringLiteral("wall")})
                  .status,
              2);
+}
+
+void FrameCommandsTest::instrumentsInACorner_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("imperial");
+    QTest::newRow("metric") << QStringList{"--instruments"} << false;
+    QTest::newRow("imperial") << QStringList{"--instruments", "--imperial"} << true;
+}
+
+// As the window exports them, with the correction of the project.
+void FrameCommandsTest::instrumentsInACorner()
+{
+    QFETCH(QStringList, options);
+    QFETCH(bool, imperial);
+    const QString out = path("instruments.png");
+    const ProgramRun outcome =
+        run(QStringList{"frame", m_project, "--at-ms", "500", "--out", out} + options);
+    QCOMPARE(outcome.error, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    const auto window = openWindow();
+    QVERIFY(window);
+    const QString bare = path("nowhere.png");
+    QSignalSpy saved(&window->player, &VideoPlayer::frameSaveComplete);
+    QVERIFY(window->player.saveFrame(QTime(0, 0, 0, 500), bare, true));
+    QTRY_COMPARE(saved.size(), 1);
+    ExportInstruments instruments;
+    instruments.setPlayer(&window->player);
+    instruments.setLogParser(&window->parser);
+    instruments.setImperialUnits(imperial);
+    instruments.setShown(true);
+    const QString shown = path("shown.png");
+    QVERIFY(window->player.saveFrame(QTime(0, 0, 0, 500), shown, true));
+    QTRY_COMPARE(saved.size(), 2);
+    const QImage picture(out);
+    const QImage without(bare);
+    const QRect place = instrumentsPlace(picture.size(), 510, 150).rect;
+    QVERIFY(picture.copy(place) != without.copy(place));
+    // Fonts differ between the window system and none; the numbers' widths do by a little.
+    const QImage ofWindow(shown);
+    QCOMPARE(picture.copy(0, 0, place.left(), picture.height()),
+             ofWindow.copy(0, 0, place.left(), picture.height()));
+    QVERIFY(ofWindow.copy(place) != without.copy(place));
+    const QRect below(place.left(), place.bottom() + 1, place.width(),
+                      picture.height() - place.bottom() - 1);
+    QCOMPARE(picture.copy(below), without.copy(below));
+}
+
+void FrameCommandsTest::instrumentsOfAVideo()
+{
+    const QString out = path("corner.mp4");
+    const ProgramRun outcome = run({"video", m_project, "--instruments", "--out", out});
+    QCOMPARE(outcome.error, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    const std::vector<cv::Mat> frames = framesOf(out);
+    QCOMPARE(int(frames.size()), 60);
+    for (int i = 0; i < 60; ++i)
+        QCOMPARE(readFrameNumber(frames[static_cast<size_t>(i)]), i);
+    const ProgramRun noLog = run({"video", m_video, "--instruments", "--out", path("none.mp4")});
+    QCOMPARE(noLog.status, 1);
+    QCOMPARE(noLog.error, QByteArray("vistrel-cli: --instruments needs a flight log.\n"));
+    QVERIFY(!QFile::exists(path("none.mp4")));
 }
 
 void FrameCommandsTest::anOverlayThatCannotBeSaysWhy()
