@@ -21,6 +21,9 @@ Window {
     property int poiCount: 0
     property bool ok: false
     property bool exportPOI: false
+    // Whether the pictures show the flight instruments; without a log they cannot.
+    property alias instruments: instrumentsCheckBox.checked
+    property alias instrumentsEnabled: instrumentsCheckBox.enabled
 
     function setPosition(newPosition) {
         position = newPosition;
@@ -328,7 +331,7 @@ Window {
             id: folderRect
             anchors.top: startStopRect.bottom
             width: parent.width
-            height: 80
+            height: 112
             color: Theme.dialog
 
             Text {
@@ -370,6 +373,13 @@ Window {
                 height: 25
                 text: "Browse..."
                 onClicked: fileDialog.visible = true
+            }
+
+            CorvCheckBox {
+                id: instrumentsCheckBox
+                objectName: "instrumentsCheckBox"
+                anchors { left: folderLabel.left; bottom: parent.bottom; bottomMargin: 10 }
+                text: "Show the flight instruments in a corner"
             }
         }
     }

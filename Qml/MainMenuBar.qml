@@ -14,6 +14,8 @@ MenuBar {
     property bool projectOpen: false
     property bool curvesOpen: false
     property bool pictureAlone: false
+    // Whether exports show the flight instruments.
+    property bool instrumentsExported: false
     property RecentProjects recentProjects: null
     // The functions that the entries run: the main window's, and its windows on demand.
     property var verbs: null
@@ -171,6 +173,17 @@ MenuBar {
             shortcut: "Ctrl+C"
             enabled: menuBar.videoOpen
             onTriggered: menuBar.player.copyFrameToClipboard(menuBar.player.timePosition)
+        }
+        MenuSeparator {}
+        MenuItem {
+            objectName: "exportInstrumentsMenuItem"
+            text: "Show flight &instruments in exports"
+            checkable: true
+            checked: menuBar.instrumentsExported
+            onTriggered: {
+                menuBar.verbs.showInstrumentsInExports(!menuBar.instrumentsExported);
+                checked = Qt.binding(function() { return menuBar.instrumentsExported; });
+            }
         }
     }
 

@@ -37,6 +37,23 @@ MenuBarStyle {
             color: styleData.enabled ? Theme.menuShortcut : Theme.textMissing
             text: styleData.shortcut
         }
+        itemDelegate.checkmarkIndicator: Rectangle {
+            x: 2
+            width: 12
+            height: 12
+            radius: 2
+            color: Theme.clear
+            border.width: 1
+            border.color: Theme.menuShortcut
+
+            CheckTick {
+                anchors.centerIn: parent
+                width: 9
+                height: 9
+                color: Theme.menuText
+                visible: styleData.checked
+            }
+        }
         itemDelegate.submenuIndicator: Text {
             color: styleData.enabled ? Theme.menuText : Theme.textDisabled
             font.pixelSize: 8

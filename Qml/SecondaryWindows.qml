@@ -22,6 +22,10 @@ Item {
     // What the frames export held when it was last closed, and for which video.
     property var framesEntered: null
 
+    // Whether exports show the flight instruments, and what was chosen in a window.
+    property bool instrumentsShown: false
+    signal instrumentsChosen(bool shown)
+
     // The units chosen in the settings.
     signal unitsChosen(bool imperialUnits)
     // Whether quitting is to wait for the jobs, as chosen there.
@@ -96,15 +100,22 @@ Item {
         window.position = player.timePosition;
         window.duration = player.duration;
         window.poiCount = timeline.getPOIs().length;
+        offerInstruments(window);
         if (framesEntered !== null && framesEntered.video === player.source)
             window.enter(framesEntered);
         window.show();
+    }
+
+    function offerInstruments(window) {
+        window.instruments = instrumentsShown;
+        window.instrumentsEnabled = LogParser.source !== "";
     }
 
     function openVideoExport() {
         player.pause();
         var window = make("VideoExport.qml", videoExportConnection);
         window.proposedName = review.proposedName() + ".mp4";
+        offerInstruments(window);
         window.show();
     }
 
@@ -201,8 +212,10 @@ Item {
                 return;
             windows.framesEntered = window.entered();
             windows.framesEntered.video = windows.player.source;
-            if (window.ok)
-                windows.exportFrames(window);
+            if (!window.ok)
+                return;
+            windows.instrumentsChosen(window.instruments);
+            windows.exportFrames(window);
         }
     }
 
@@ -216,6 +229,7 @@ Item {
                 return;
             var path = Paths.decodedPath(window.videoUrl);
             windows.verbs.askBeforeReplacing(path, window.suffixAdded ? "" : path, function() {
+                windows.instrumentsChosen(window.instruments);
                 windows.exportVideo(window.videoUrl);
             });
         }

@@ -18,6 +18,9 @@ Window {
     // The name that the dialog proposes.
     property string proposedName: ""
     property bool ok: false
+    // Whether the video shows the flight instruments; without a log it cannot.
+    property alias instruments: instrumentsCheckBox.checked
+    property alias instrumentsEnabled: instrumentsCheckBox.enabled
 
     title: "Export video"
     width: 600
@@ -129,6 +132,13 @@ Window {
             onClicked: fileDialog.visible = true
         }
 
+        CorvCheckBox {
+            id: instrumentsCheckBox
+            objectName: "instrumentsCheckBox"
+            anchors { left: folderLabel.left; top: browseButton.bottom; topMargin: 12 }
+            text: "Show the flight instruments in a corner"
+        }
+
         Text {
             id: note
             objectName: "note"
@@ -136,7 +146,7 @@ Window {
                 left: folderLabel.left
                 right: parent.right
                 rightMargin: 10
-                top: browseButton.bottom
+                top: instrumentsCheckBox.bottom
                 topMargin: 12
             }
             wrapMode: Text.WordWrap

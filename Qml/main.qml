@@ -63,6 +63,7 @@ ReviewWindow {
         projectOpen: currentProject.fileActive
         curvesOpen: curvesPanel.open
         pictureAlone: pictureAlone.on
+        instrumentsExported: exportSettings.instruments
         verbs: mainWindow
         windows: secondaryWindows
     }
@@ -84,6 +85,10 @@ ReviewWindow {
             return;
         }
         visibility = visibility === Window.FullScreen ? Window.Windowed : Window.FullScreen;
+    }
+
+    function showInstrumentsInExports(shown) {
+        exportSettings.instruments = shown;
     }
 
     Settings {
@@ -124,6 +129,12 @@ ReviewWindow {
         id: saveReportSettings
         category: "saveReport"
         property string folder: ""
+    }
+
+    Settings {
+        id: exportSettings
+        category: "exports"
+        property bool instruments: false
     }
 
     Settings {
@@ -218,6 +229,15 @@ ReviewWindow {
         onExportProgress: mainWindow.documentExportProgress(done, total)
     }
 
+    ExportInstruments {
+        id: exportInstruments
+        objectName: "exportInstruments"
+        player: videoPlayer
+        logParser: LogParser
+        shown: exportSettings.instruments
+        imperialUnits: generalSettings.imperialUnits
+    }
+
     ExportJobs {
         player: videoPlayer
         reports: poiReportExporter
@@ -266,6 +286,8 @@ ReviewWindow {
         fastLoadingChecked: currentProject.fastLoadingChecked
         onFastLoadingChosen: currentProject.fastLoadingChecked = checked
         onFinishJobsFirstChosen: generalSettings.finishJobsFirst = finish
+        instrumentsShown: exportSettings.instruments
+        onInstrumentsChosen: exportSettings.instruments = shown
         // Fails: a tab has no such member. The display keeps its units until the next start, as the
         // settings window announces.
         onUnitsChosen: tabsContainer.getTab(0).informationTabContents.imperialUnits = imperialUnits

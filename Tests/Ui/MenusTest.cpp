@@ -18,6 +18,8 @@ private slots:
     void openersShowTheirDialog();
     void openersShowTheirWindow_data();
     void openersShowTheirWindow();
+    void instrumentsInExportsAreRemembered();
+    void instrumentsAreChosenInTheExportWindows();
     void fullScreenIsToggled();
     void exitEndsTheProgram();
     void menuKeysWork_data();
@@ -61,6 +63,7 @@ void MenusTest::entries_data()
     row("exportFramesMenuItem", "Export frames as images...", "");
     row("exportVideoMenuItem", "Export video file...", "");
     row("copyFrameMenuItem", "&Copy current frame to clipboard", "Ctrl+C");
+    row("exportInstrumentsMenuItem", "Show flight &instruments in exports", "");
     row("generalSettingsMenuItem", "General settings", "");
     row("fullScreenMenuItem", "&Full screen", "F11");
     row("pictureAloneMenuItem", "&Picture alone on full screen", "F");
@@ -92,8 +95,8 @@ void MenusTest::enabledStates_data()
     };
     for (const char* always :
          {"newFromVideoMenuItem", "newFromDevicesMenuItem", "openProjectMenuItem", "exitMenuItem",
-          "generalSettingsMenuItem", "fullScreenMenuItem", "userGuideMenuItem", "shortcutsMenuItem",
-          "aboutMenuItem"})
+          "exportInstrumentsMenuItem", "generalSettingsMenuItem", "fullScreenMenuItem",
+          "userGuideMenuItem", "shortcutsMenuItem", "aboutMenuItem"})
         row(always, true, true, true, true);
     for (const char* video : {"importLogMenuItem", "saveProjectMenuItem", "saveProjectAsMenuItem",
                               "closeProjectMenuItem", "exportFramesMenuItem", "exportVideoMenuItem",
@@ -219,6 +222,69 @@ void MenusTest::openersShowTheirWindow()
     UiFixture::visibleWindow(title)->close();
     QTRY_VERIFY(!UiFixture::visibleWindow(title));
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void MenusTest::instrumentsInExportsAreRemembered()
+{
+    const auto shown = [this] { return m_ui->get("exportInstruments", "shown").toBool(); };
+    const auto checked = [this] {
+        return m_ui->get("exportInstrumentsMenuItem", "checked").toBool();
+    };
+    QVERIFY(!shown() && !checked());
+    const QString folder = FlightMedia::instance().newFolder();
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog(media().logWithInstruments()));
+    const auto saved = [&](const char* name) {
+        const QString file = folder + '/' + name;
+        m_ui->evaluate("videoPlayer.saveFrame(videoPlayer.timePosition, '" + file + "', true)");
+        return QTest::qWaitFor([&] { return !QImage(file).isNull(); }) ? QImage(file) : QImage();
+    };
+    const QImage bare = saved("bare.png");
+    QVERIFY(m_ui->trigger("exportInstrumentsMenuItem"));
+    QVERIFY(shown() && checked());
+    const QImage corner = saved("corner.png");
+    QVERIFY(!bare.isNull() && corner.size() == bare.size());
+    QVERIFY(corner != bare);
+    QVERIFY(m_ui->reload());
+    QVERIFY(shown() && checked());
+    QVERIFY(m_ui->trigger("exportInstrumentsMenuItem"));
+    QVERIFY(!shown() && !checked());
+    QVERIFY(m_ui->trigger("exportInstrumentsMenuItem"));
+    QVERIFY(shown() && checked());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void MenusTest::instrumentsAreChosenInTheExportWindows()
+{
+    const auto shown = [this] { return m_ui->get("exportInstruments", "shown").toBool(); };
+    QVERIFY(m_ui->openVideo());
+    for (const char* opener : {"exportFramesMenuItem", "exportVideoMenuItem"}) {
+        const QString title =
+            qstrcmp(opener, "exportVideoMenuItem") == 0 ? "Export video" : "Export frames";
+        QVERIFY(m_ui->trigger(opener));
+        QTRY_VERIFY(UiFixture::visibleWindow(title));
+        QVERIFY(!UiFixture::visibleWindow(title)->property("instrumentsEnabled").toBool());
+        UiFixture::visibleWindow(title)->close();
+        QTRY_VERIFY(!UiFixture::visibleWindow(title));
+    }
+    QVERIFY(m_ui->importLog());
+    for (const bool wanted : {true, false}) {
+        const QString folder = FlightMedia::instance().newFolder();
+        QVERIFY(m_ui->trigger("exportFramesMenuItem"));
+        QTRY_VERIFY(UiFixture::visibleWindow("Export frames"));
+        QQuickWindow* window = UiFixture::visibleWindow("Export frames");
+        QVERIFY(window->property("instrumentsEnabled").toBool());
+        QCOMPARE(window->property("instruments").toBool(), !wanted);
+        window->setProperty("framesUrl", QUrl::fromLocalFile(folder));
+        QVERIFY(UiFixture::visibleWindow("Export frames") == window);
+        UiFixture::click(m_ui->item("instrumentsCheckBox", window));
+        QCOMPARE(window->property("instruments").toBool(), wanted);
+        QCOMPARE(shown(), !wanted);
+        m_ui->screenshot("Export frames with instruments");
+        QMetaObject::invokeMethod(window, "exportImages");
+        QTRY_VERIFY(!UiFixture::visibleWindow("Export frames"));
+        QCOMPARE(shown(), wanted);
+    }
 }
 
 void MenusTest::fullScreenIsToggled()

@@ -26,7 +26,8 @@ bool writeVideo(const QString& path)
     return writer.isOpened();
 }
 
-bool writeLog(const QString& path, quint32 recordingMs, int leptonType = -1)
+bool writeLog(const QString& path, quint32 recordingMs, int leptonType = -1,
+              bool hasInstruments = false)
 {
     constexpr quint32 start = 10'000;
     constexpr quint32 firstFrame = start + 690;
@@ -48,6 +49,10 @@ bool writeLog(const QString& path, quint32 recordingMs, int leptonType = -1)
     log.addPacket(4, LogBuilder::u32(firstFrame + 1000));
     log.addPacket(4, LogBuilder::u32(firstFrame + 3000));
     log.addPacket(2, LogBuilder::u32(start + recordingMs));
+    if (hasInstruments) {
+        log.addGroup("camera_cmd", 6, {{"time", "UINT32", 1}, {"servo_angle", "FLOAT", 1}});
+        log.addPacket(6, LogBuilder::u32(firstFrame) + LogBuilder::f32(-30));
+    }
     return log.save(path);
 }
 
@@ -69,6 +74,12 @@ FlightMedia::FlightMedia()
                       broken.write("no log at all") > 0;
     if (!made)
         qFatal("cannot make the media of the test flight");
+}
+
+QString FlightMedia::logWithInstruments() const
+{
+    const QString path = m_folder.filePath("instruments.log");
+    return writeLog(path, videoMs + 1000, -1, true) ? path : QString();
 }
 
 QString FlightMedia::logOfCamera(int leptonType) const

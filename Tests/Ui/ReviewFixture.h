@@ -26,6 +26,9 @@ public:
     /// A log of the flight by a drone with this thermal camera, -1 for none.
     QString logOfCamera(int leptonType) const;
 
+    /// A log of the flight with the angle of its camera.
+    QString logWithInstruments() const;
+
     /// A file that no decoder reads as a log.
     const QString& brokenLog() const { return m_brokenLog; }
 

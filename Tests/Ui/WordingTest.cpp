@@ -143,16 +143,20 @@ void WordingTest::secondaryWindows_data()
                                            "frames",
                                            "Export images to folder:",
                                            "Browse...",
+                                           "Show the flight instruments in a corner",
                                            "Cancel",
                                            "Export images"};
     QTest::newRow("video")
         << "openVideoExport()"
         << "Export video"
-        << QStringList{"Video file to export:", "Browse...",
+        << QStringList{"Video file to export:",
+                       "Browse...",
+                       "Show the flight instruments in a corner",
                        "Video will be rendered with the same apparance as on the player. "
                        "This includes thermal camera overlay visibility and adjustments, "
                        "image brightness and contrast.\n",
-                       "Cancel", "Ok"};
+                       "Cancel",
+                       "Ok"};
     QTest::newRow("settings") << "openSettings()"
                               << "Settings"
                               << QStringList{"Unit system", "Metric", "Imperial",
