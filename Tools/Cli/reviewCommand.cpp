@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QStorageInfo>
 #include <QThread>
 #include <atomic>
 #include <cstdio>
@@ -109,6 +110,20 @@ ExitStatus listJobs(const FlightList& list, bool json)
     return writeOut(text);
 }
 
+// Why a flight may have no result. A full disk takes none.
+Failure noResult(const QCommandLineParser& line)
+{
+    constexpr qint64 roomOfAResult = 64 * 1024;
+    const QString out = line.value(outOption);
+    const QStorageInfo disk(out);
+    if (disk.isValid() && disk.bytesAvailable() < roomOfAResult)
+        return {Failure::Kind::noRoom,
+                QStringLiteral("The disk of %1 is full: this flight has no result.").arg(out)};
+    return {Failure::Kind::other,
+            QStringLiteral("No machine has worked on this flight, or its work was ended before it "
+                           "was done.")};
+}
+
 /// Reads the results of jobs that ran elsewhere: one line a flight, as on one machine.
 ExitStatus gather(const QCommandLineParser& line)
 {
@@ -130,11 +145,7 @@ ExitStatus gather(const QCommandLineParser& line)
     for (const FlightJob& job : qAsConst(jobs)) {
         QJsonObject event = FlightRun::lastResult(line.value(outOption), job);
         if (event.isEmpty())
-            event = finishedEvent(job.folder,
-                                  {{QStringLiteral("start"),
-                                    {Failure::Kind::other,
-                                     QStringLiteral("No machine has worked on this flight, or its "
-                                                    "work was ended before it was done.")}}});
+            event = finishedEvent(job.folder, {{QStringLiteral("start"), noResult(line)}});
         progress.show(event);
         const QString status = event.value(QLatin1String("status")).toString();
         ++counts[status == QLatin1String("done") ? 2 : status == QLatin1String("partial") ? 1 : 0];
