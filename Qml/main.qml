@@ -480,12 +480,21 @@ ReviewWindow {
         }
 
         UnfinishedBar {
+            id: unfinishedBar
             objectName: "unfinishedBar"
             anchors.left: videoRect.left
             anchors.right: videoRect.right
             anchors.top: recoveryBar.visible ? recoveryBar.bottom : videoRect.top
             text: jobJournal.unfinishedText
             onClosed: jobJournal.forgetUnfinished()
+        }
+
+        MissingMediaBar {
+            objectName: "missingMediaBar"
+            anchors.left: videoRect.left
+            anchors.right: videoRect.right
+            anchors.top: unfinishedBar.bottom
+            missing: review.missingMedia
         }
 
         PoiPanel {

@@ -71,6 +71,8 @@ void registerQmlTypes()
     qmlRegisterType<Recovery>("Review", 1, 0, "Recovery");
     qmlRegisterType<RecentProjects>("Review", 1, 0, "RecentProjects");
     qmlRegisterUncreatableType<Job>("Review", 1, 0, "Job", QStringLiteral("made by a review"));
+    qmlRegisterUncreatableType<MissingMedia>("Review", 1, 0, "MissingMedia",
+                                             QStringLiteral("made by a review"));
     qRegisterMetaType<PoiModel*>();
     qRegisterMetaType<JobList*>();
     qRegisterMetaType<ProjectFileLoader*>();

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace corv {
 namespace {
@@ -23,19 +24,30 @@ bool ProjectContents::logFileExists() const
     return isExistingFile(logFile);
 }
 
-QStringList ProjectContents::missingFiles() const
+QStringList ProjectContents::namedFiles() const
 {
     QStringList named = parts.isEmpty() ? QStringList(videoFile) : parts;
     if (!namesVideo)
         named.clear();
     if (namesLog)
         named << logFile;
+    return named;
+}
+
+QStringList ProjectContents::missingFiles() const
+{
     QStringList missing;
-    for (const QString& file : qAsConst(named)) {
+    for (const QString& file : namedFiles()) {
         if (!isExistingFile(file))
             missing << file;
     }
     return missing;
+}
+
+QStringList ProjectContents::openableParts() const
+{
+    const auto firstMissing = std::find_if_not(parts.begin(), parts.end(), isExistingFile);
+    return parts.mid(0, static_cast<int>(firstMissing - parts.begin()));
 }
 
 bool isNoLog(const QString& logPath)

@@ -3,6 +3,7 @@
 #include "Base/Failure.h"
 #include "Base/Result.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -32,8 +33,19 @@ struct ProjectContents
     bool videoFileExists() const;
     bool logFileExists() const;
 
-    /// The files that the project names and that are not there.
+    /// The sizes in bytes that the files had when the project was saved, by their paths; of an old
+    /// project there are none.
+    QHash<QString, qint64> sizes;
+
+    /// All files that the project names: those of the video, and the log.
+    QStringList namedFiles() const;
+
+    /// Those of them that are not there.
     QStringList missingFiles() const;
+
+    /// The parts up to the first that is missing: past a gap, every time would mean another
+    /// picture.
+    QStringList openableParts() const;
 };
 
 /// The text of a path that names no log.

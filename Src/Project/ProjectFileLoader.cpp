@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -28,13 +29,28 @@ QDir folderOf(const QString& fileProjectPath)
     return folder;
 }
 
-QJsonObject projectDocument(const QJsonObject& files, const QVariantMap& flightProperties)
+/// The sizes by which the files are found again where they have been moved to.
+QJsonObject sizesOf(const QStringList& paths, const QDir& projectFolder)
+{
+    QJsonObject sizes;
+    for (const QString& path : paths) {
+        const QFileInfo file(path);
+        if (!path.isEmpty() && file.isFile())
+            sizes.insert(projectFolder.relativeFilePath(path), file.size());
+    }
+    return sizes;
+}
+
+QJsonObject projectDocument(const QJsonObject& files, const QJsonObject& sizes,
+                            const QVariantMap& flightProperties)
 {
     const QJsonObject given = QJsonObject::fromVariantMap(flightProperties);
-    const QJsonObject flight{
+    QJsonObject flight{
         {QStringLiteral("files"), files},
         {QStringLiteral("properties"), given.value(QLatin1String("properties")).toObject()},
         {QStringLiteral("poi"), given.value(QLatin1String("poi")).toArray()}};
+    if (!sizes.isEmpty())
+        flight.insert(QStringLiteral("sizes"), sizes);
     const QJsonObject contents{{QStringLiteral("flights"), QJsonArray{flight}}};
     return {{QStringLiteral("format_ver"), QStringLiteral("1.0")},
             {QStringLiteral("contents"), contents}};
@@ -105,6 +121,18 @@ qint64 bytesOf(const QStringList& files)
     for (const QString& file : files)
         bytes += QFile(file).size();
     return bytes;
+}
+
+QHash<QString, qint64> resolvedSizes(const QJsonObject& stored, const QDir& projectFolder)
+{
+    constexpr double mostBytes = 1e15; // each whole number below is one of JSON's
+    QHash<QString, qint64> sizes;
+    for (auto size = stored.begin(); size != stored.end(); ++size) {
+        const double bytes = size.value().toDouble(-1);
+        if (bytes >= 0 && bytes < mostBytes)
+            sizes.insert(resolvedPath(size.key(), projectFolder), static_cast<qint64>(bytes));
+    }
+    return sizes;
 }
 
 bool isSameFile(const QString& a, const QString& b)
@@ -188,7 +216,9 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
             relativeParts.append(folder.relativeFilePath(part));
         files.insert(QStringLiteral("parts"), relativeParts);
     }
-    const QJsonDocument document(projectDocument(files, flightProperties));
+    const QJsonObject sizes =
+        sizesOf(parts + QStringList{videoPath, isNoLog(logPath) ? QString() : logPath}, folder);
+    const QJsonDocument document(projectDocument(files, sizes, flightProperties));
     const QString path = withoutFilePrefix(fileProjectPath);
     qCInfo(lcProject) << "Project file path:" << path;
     // UTF-8, the encoding that the reader expects, also where a bare environment names no encoding
@@ -245,6 +275,7 @@ QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
     m_contents.videoFile = resolvedPath(storedVideo, folder);
     m_contents.logFile = resolvedPath(storedLog, folder);
     m_contents.parts = resolvedParts(files.value(QLatin1String("parts")).toArray(), folder);
+    m_contents.sizes = resolvedSizes(flight.value(QLatin1String("sizes")).toObject(), folder);
     m_contents.namesLog = !isNoLog(storedLog);
     m_contents.namesVideo = !storedVideo.isEmpty();
     m_contents.properties = flight.value(QLatin1String("properties")).toObject().toVariantMap();

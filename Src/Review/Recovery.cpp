@@ -237,15 +237,16 @@ void Recovery::restore()
         return;
     const RecoveredReview review = *m_offer;
     offer(std::nullopt);
-    m_review->whenOpened(review.contents.videoFile, review.contents.parts, [this, review] {
-        m_review->restore(review.projectPath, review.contents);
-        // Kept under the new name before the old one goes.
-        m_isAlwaysUnsaved = true;
-        flush();
-        if (QFile::exists(m_place.file))
-            RecoveryStore(m_folder).remove(review.file);
-        offer(std::nullopt);
-    });
+    m_review->whenOpened(review.contents.videoFile, review.contents.openableParts(),
+                         [this, review] {
+                             m_review->restore(review.projectPath, review.contents);
+                             // Kept under the new name before the old one goes.
+                             m_isAlwaysUnsaved = true;
+                             flush();
+                             if (QFile::exists(m_place.file))
+                                 RecoveryStore(m_folder).remove(review.file);
+                             offer(std::nullopt);
+                         });
 }
 
 void Recovery::discard()

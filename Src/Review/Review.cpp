@@ -56,6 +56,8 @@ Review::Review(QObject* parent) : QObject(parent), m_undoStack(std::make_unique<
     connect(m_undoStack.get(), &QUndoStack::indexChanged, this, &Review::undoChanged);
     connect(m_undoStack.get(), &QUndoStack::undoTextChanged, this, &Review::undoChanged);
     connect(m_undoStack.get(), &QUndoStack::redoTextChanged, this, &Review::undoChanged);
+    connect(this, &Review::closing, &m_missingMedia, &MissingMedia::dismiss);
+    connect(&m_missingMedia, &MissingMedia::located, this, &Review::openLocated);
 }
 
 // The stack outlives the model that its steps refer to, and must emit nothing at its end.
@@ -138,7 +140,8 @@ void Review::whenOpened(const QString& videoPath, const QStringList& parts,
 {
     m_openProblem.reset();
     emit closing();
-    if (m_player->hasVideoOpened() && m_openedVideo == videoPath) {
+    if (m_player->hasVideoOpened() && m_openedVideo == videoPath &&
+        (parts.isEmpty() || parts == m_openedParts)) {
         continuation();
         return;
     }
@@ -158,6 +161,8 @@ void Review::videoOpened(bool isOpen)
 {
     m_openedVideo = isOpen ? m_player->source() : QString();
     m_openedParts = isOpen ? m_player->sourceFiles() : QStringList();
+    m_unopenedParts.clear();
+    m_missingLog.clear();
     emit openedVideoChanged();
     // Left behind by a video that could not be opened, it must not take the next one for its own.
     if (!isOpen || m_awaitedVideo != m_openedVideo || !m_continuation)
@@ -197,18 +202,6 @@ void Review::openFlight(const QString& videoPath, const QString& logPath)
     });
 }
 
-/// The files that are there; what is missing is said.
-QStringList Review::existingParts(const ProjectContents& project)
-{
-    QStringList parts = project.parts;
-    const QStringList missing = project.missingFiles();
-    for (const QString& file : missing) {
-        if (parts.removeAll(file) > 0)
-            emit notice(tr("A part of the flight is missing: %1").arg(file));
-    }
-    return parts;
-}
-
 bool Review::openProject(const QString& path)
 {
     if (!isFreeToChange())
@@ -224,13 +217,28 @@ bool Review::openProject(const QString& path)
     if (text.isEmpty() && !project.videoFileExists())
         text = missingFileText(QStringLiteral("video"), project.videoFile);
     if (!text.isEmpty()) {
+        if (project.namesVideo)
+            m_missingMedia.offer(path, project);
         emit problem(tr("Error"), withCause(text, cause));
         emit openFailed(cause.value_or(Failure{Failure::Kind::other, text}));
         return false;
     }
-    whenOpened(project.videoFile, existingParts(project),
-               [this, path, project] { restore(path, project); });
+    openContents(path, project);
     return true;
+}
+
+void Review::openContents(const QString& path, const ProjectContents& project)
+{
+    whenOpened(project.videoFile, project.openableParts(),
+               [this, path, project] { restore(path, project); });
+}
+
+void Review::openLocated(const QString& path, const ProjectContents& project)
+{
+    if (!project.videoFileExists() || !isFreeToChange())
+        return;
+    emit notice(tr("Missing files found. Save the project to keep their places."));
+    openContents(path, project);
 }
 
 void Review::restore(const QString& path, const ProjectContents& project)
@@ -246,6 +254,12 @@ void Review::restore(const QString& path, const ProjectContents& project)
     m_pois.setFromList(project.pois.value_or(QVariantList()));
     bindToProject(path);
     m_copies = {};
+    m_unopenedParts = project.parts.mid(project.openableParts().size());
+    m_missingLog = project.namesLog && !hasLog ? project.logFile : QString();
+    m_missingMedia.offer(path, project);
+    if (!m_unopenedParts.isEmpty())
+        emit notice(tr("A part of the flight is missing: %1. The flight ends before it.")
+                        .arg(m_unopenedParts.first()));
     const ReviewProperties properties = ReviewProperties::fromJson(
         project.properties, ReviewProperties::of(*m_player, *m_logParser));
     m_logParser->setFlightNaming(properties.naming());
@@ -418,9 +432,10 @@ bool Review::writeProject(const QString& path, Save mode)
 
 ProjectFileLoader::SavedFiles Review::filesToSave() const
 {
-    ProjectFileLoader::SavedFiles files{m_logParser->source(), m_openedVideo, m_openedParts};
+    ProjectFileLoader::SavedFiles files{m_logParser->source(), m_openedVideo,
+                                        m_openedParts + m_unopenedParts};
     if (isNoLog(files.log))
-        files.log.clear();
+        files.log = m_missingLog;
     if (m_copies.video.isEmpty() || m_copiedFrom.video != m_openedVideo)
         return files;
     files.video = m_copies.video;

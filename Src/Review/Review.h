@@ -3,6 +3,7 @@
 #include "Base/Result.h"
 #include "Project/ProjectFileLoader.h"
 #include "Review/JobList.h"
+#include "Review/MissingMedia.h"
 #include "Review/PoiModel.h"
 #include "Review/ReviewProperties.h"
 
@@ -33,6 +34,7 @@ class Review : public QObject
     Q_PROPERTY(corv::ProjectFileLoader* projectFiles READ projectFiles WRITE setProjectFiles)
     Q_PROPERTY(corv::PoiModel* pois READ pois CONSTANT)
     Q_PROPERTY(corv::JobList* jobs READ jobs CONSTANT)
+    Q_PROPERTY(corv::MissingMedia* missingMedia READ missingMedia CONSTANT)
     Q_PROPERTY(QString projectPath READ projectPath NOTIFY projectPathChanged)
     Q_PROPERTY(QString openedVideo READ openedVideo NOTIFY openedVideoChanged)
     Q_PROPERTY(corv::Job* copyJob READ copyJob NOTIFY copyJobChanged)
@@ -53,6 +55,10 @@ public:
     void setProjectFiles(ProjectFileLoader* projectFiles);
     PoiModel* pois() { return &m_pois; }
     JobList* jobs() { return &m_jobs; }
+
+    /// What the project opened last names and is not there, and the search for it: what is found
+    /// is opened, and named by the next save.
+    MissingMedia* missingMedia() { return &m_missingMedia; }
 
     /// The project that the work is bound to; empty for none.
     QString projectPath() const { return m_projectPath; }
@@ -197,7 +203,8 @@ private:
     bool saveProject(const QString& path, Save mode);
     bool writeProject(const QString& path, Save mode);
     void finishOpening();
-    QStringList existingParts(const ProjectContents& project);
+    void openContents(const QString& path, const ProjectContents& project);
+    void openLocated(const QString& path, const ProjectContents& project);
     void bindToProject(const QString& path);
     void copyingChanged(bool isCopying);
     bool isFreeToChange();
@@ -208,12 +215,15 @@ private:
     std::unique_ptr<QUndoStack> m_undoStack; // before the model, whose steps it holds
     PoiModel m_pois;
     JobList m_jobs;
+    MissingMedia m_missingMedia{m_jobs};
     QPointer<Job> m_copyJob;
     QPointer<Job> m_logJob;
 
     QString m_projectPath;
     QString m_openedVideo;
     QStringList m_openedParts;
+    QStringList m_unopenedParts; ///< of the project, from the first missing one on
+    QString m_missingLog;        ///< of the project: named again by the next save
     std::optional<Failure> m_openProblem;
 
     // The copies that the project refers to, for as long as the same files are open.

@@ -1,11 +1,6 @@
 #include "Review/Review.h"
 #include "Base/videoTime.h"
-#include "Log/LogParser.h"
-#include "Project/ProjectFileLoader.h"
-#include "Review/Recovery.h"
-#include "Support/LogBuilder.h"
-#include "Support/TestVideo.h"
-#include "Video/VideoPlayer.h"
+#include "Desk.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,70 +13,6 @@
 
 using namespace corv;
 using namespace corv::test;
-
-namespace {
-
-constexpr int framesPerFile = 25;
-constexpr int fileMs = 1000;
-
-/// A review with its objects, as the window and the tool have it.
-struct Desk
-{
-    explicit Desk(const QString& recoveryFolder = QString())
-    {
-        player.setLogParser(&parser);
-        review.setVideoPlayer(&player);
-        review.setLogParser(&parser);
-        review.setProjectFiles(&files);
-        recovery.setReview(&review);
-        recovery.setFolder(recoveryFolder);
-        QObject::connect(&review, &Review::problem,
-                         [this](const QString&, const QString& text) { problems << text; });
-        QObject::connect(&review, &Review::warning,
-                         [this](const QString& title, const QString&) { warnings << title; });
-    }
-
-    bool openFlight(const QString& video, const QString& log = QString())
-    {
-        QSignalSpy opened(&review, &Review::opened);
-        review.openFlight(video, log);
-        return !opened.isEmpty() || opened.wait(20000);
-    }
-
-    bool openProject(const QString& path)
-    {
-        QSignalSpy opened(&review, &Review::opened);
-        return review.openProject(path) && (!opened.isEmpty() || opened.wait(20000));
-    }
-
-    QStringList poiNames()
-    {
-        QStringList names;
-        for (const Poi& poi : review.pois()->pois())
-            names << poi.name;
-        return names;
-    }
-
-    LogParser parser;
-    VideoPlayer player;
-    ProjectFileLoader files;
-    Review review;
-    Recovery recovery;
-    QStringList problems;
-    QStringList warnings;
-};
-
-QJsonObject filesIn(const QString& project)
-{
-    QFile file(project);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QJsonObject contents =
-        QJsonDocument::fromJson(file.readAll()).object()["contents"].toObject();
-    return contents["flights"].toArray()[0].toObject()["files"].toObject();
-}
-
-} // namespace
 
 /// One open flight: opened, saved, opened again, closed, and found again after an end without
 /// saving.
@@ -97,25 +28,7 @@ class ReviewTest : public QObject
     QString first() const { return media("CORV0001.MOV"); }
 
 private slots:
-    void initTestCase()
-    {
-        for (int number = 1; number <= 3; ++number) {
-            TestVideo video;
-            video.frames = framesPerFile;
-            video.fps = "25";
-            video.size = QSize(160, 120);
-            video.firstNumber = (number - 1) * framesPerFile;
-            QVERIFY(video.write(media(QString("CORV000%1.MOV").arg(number))));
-        }
-        LogBuilder log;
-        log.addGroup("mobius_start_rec", 1, {{"mobius_start_rec", "UINT32", 1}});
-        log.addGroup("mobius_stop_rec", 2, {{"mobius_stop_rec", "UINT32", 1}});
-        log.addGroup("point_of_interest", 3, {{"point_of_interest", "UINT32", 1}});
-        log.addPacket(1, LogBuilder::u32(10000));
-        log.addPacket(3, LogBuilder::u32(10690 + 1500));
-        log.addPacket(2, LogBuilder::u32(10000 + 1000 + 3 * fileMs));
-        QVERIFY(log.save(media("f.log")));
-    }
+    void initTestCase() { QVERIFY(makeFlight(m_media.path())); }
 
     void init() { m_folder = std::make_unique<QTemporaryDir>(); }
 

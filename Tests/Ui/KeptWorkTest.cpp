@@ -35,6 +35,7 @@ private slots:
     void aFlightWithoutANumberShowsNone();
     void unsavedWorkIsOfferedAtTheNextStart();
     void recentProjectsAreOnTheStartPage();
+    void missingMediaAreLookedForWhereThePilotSays();
 };
 
 namespace {
@@ -330,6 +331,31 @@ void KeptWorkTest::recentProjectsAreOnTheStartPage()
     QVERIFY(m_ui->trigger("clearRecentProjectsMenuItem"));
     QTRY_VERIFY(!m_ui->item("recentProjectsList")->isVisible());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
+{
+    const QString folder = media().newFolder();
+    QVERIFY(QDir().mkpath(folder + "/card"));
+    QVERIFY(QFile::copy(media().video(), folder + "/card/CORV0001.MP4"));
+    m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(folder + "/card/CORV0001.MP4")});
+    QTRY_VERIFY(m_ui->hasVideo());
+    m_ui->call("doSaveProject", {folder + "/p.ecor"});
+    restart();
+    QVERIFY(QDir().rename(folder + "/card", folder + "/moved"));
+    m_ui->call("loadProject", {folder + "/p.ecor"});
+    QTRY_VERIFY(UiFixture::messageBox());
+    QVERIFY(UiFixture::dismissMessageBox());
+    QVERIFY(m_ui->item("missingMediaBar")->isVisible());
+    QCOMPARE(m_ui->get("missingMediaText", "text").toString(),
+             QString("Missing of p.ecor: CORV0001.MP4."));
+    QVERIFY(m_ui->click("locateMediaButton"));
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(UiFixture::acceptFile(folder));
+    QTRY_VERIFY(m_ui->hasVideo());
+    QTRY_VERIFY(!m_ui->item("missingMediaBar")->isVisible());
+    QVERIFY(m_ui->trigger("saveProjectMenuItem"));
+    QCOMPARE(filesIn(folder + "/p.ecor")["video"].toString(), QString("moved/CORV0001.MP4"));
 }
 
 QTEST_MAIN(KeptWorkTest)

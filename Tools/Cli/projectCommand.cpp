@@ -1,5 +1,6 @@
 #include "Cli/Command.h"
 #include "Project/ProjectFileLoader.h"
+#include "Project/mediaSearch.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -72,17 +73,40 @@ QString text(const ProjectContents& project)
     return lines;
 }
 
+// The project with the places of its files, everything else as it was.
+Status write(ProjectFileLoader& loader, const ProjectContents& project, const QString& path)
+{
+    loader.saveProject(project.namesLog ? project.logFile : QString(), project.videoFile,
+                       QFileInfo(path).absoluteFilePath(),
+                       {{QStringLiteral("parts"), project.parts},
+                        {QStringLiteral("properties"), project.properties},
+                        {QStringLiteral("poi"), project.pois.value_or(QVariantList())}});
+    return loader.lastSave();
+}
+
 ExitStatus project(const QCommandLineParser& line)
 {
     const QStringList arguments = line.positionalArguments();
-    if (arguments.size() != 1)
+    const QString folder = line.value(QStringLiteral("locate"));
+    const QString target = line.value(QStringLiteral("out"));
+    const bool isLocated = line.isSet(QStringLiteral("locate"));
+    if (arguments.size() != 1 || (line.isSet(QStringLiteral("out")) && !isLocated))
         return WrongUsage;
     const bool asJson = line.isSet(QStringLiteral("json"));
     ProjectFileLoader loader;
     loader.loadProject(arguments[0]);
-    const ProjectContents& contents = loader.contents();
+    ProjectContents contents = loader.contents();
     if (!contents.namesVideo)
         return fail(*loader.loadProblem());
+    if (isLocated && !QFileInfo(folder).isDir())
+        return fail(QStringLiteral("%1: is no folder").arg(folder));
+    if (isLocated)
+        contents = withMediaIn(contents, QFileInfo(folder).absoluteFilePath(), false);
+    if (!target.isEmpty()) {
+        const Status written = write(loader, contents, target);
+        if (!written)
+            return fail(written.failure());
+    }
     return writeOut(asJson ? QJsonDocument(json(arguments[0], contents)).toJson()
                            : text(contents).toUtf8());
 }
@@ -92,9 +116,13 @@ ExitStatus project(const QCommandLineParser& line)
 std::vector<Command> projectCommands()
 {
     return {{QStringLiteral("project"),
-             QStringLiteral("FILE [--json]"),
+             QStringLiteral("FILE [--locate DIR [--out PROJECT]] [--json]"),
              QStringLiteral("what a project holds, and what of it is missing"),
-             {flag(QStringLiteral("json"), QStringLiteral("writes JSON"))},
+             {valued(QStringLiteral("locate"), QStringLiteral("DIR"),
+                     QStringLiteral("looks for missing files in and below DIR")),
+              valued(QStringLiteral("out"), QStringLiteral("PROJECT"),
+                     QStringLiteral("writes the project with the places found")),
+              flag(QStringLiteral("json"), QStringLiteral("writes JSON"))},
              project}};
 }
 

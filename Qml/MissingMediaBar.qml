@@ -1,0 +1,73 @@
+import QtQuick 2.7
+import QtQuick.Dialogs 1.3
+import Qt.labs.settings 1.0
+import Review 1.0
+import "."
+import "paths.js" as Paths
+
+// Says which files of a project are missing, and looks for them where the pilot says. It stays for
+// as long as they are missing: a card may have to be found first.
+Rectangle {
+    id: missingMediaBar
+
+    property MissingMedia missing: null
+
+    visible: missing !== null && missing.offered
+    height: Math.max(missingText.implicitHeight + 16, 42)
+    color: Theme.panel
+    border.color: Theme.text
+    border.width: 1
+
+    Settings {
+        id: settings
+        category: "locateMedia"
+        property url folder: ""
+    }
+
+    FileDialog {
+        id: folderDialog
+        objectName: "locateDialog"
+        title: "Please choose the folder with the missing files"
+        selectFolder: true
+        folder: settings.folder
+        onAccepted: {
+            settings.folder = fileUrl;
+            missingMediaBar.missing.locate(Paths.decodedPath(fileUrl));
+        }
+    }
+
+    Text {
+        id: missingText
+        objectName: "missingMediaText"
+        anchors { left: parent.left; right: buttons.left; margins: 10; verticalCenter: parent.verticalCenter }
+        color: Theme.text
+        wrapMode: Text.Wrap
+        textFormat: Text.PlainText
+        text: missingMediaBar.missing === null ? ""
+              : missingMediaBar.missing.searching ? "Looking for the missing files..."
+                                                  : missingMediaBar.missing.text
+    }
+
+    Row {
+        id: buttons
+        anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
+        spacing: 8
+
+        CorvQuickStartButton {
+            objectName: "locateMediaButton"
+            width: 90
+            height: 26
+            enabled: missingMediaBar.missing !== null && !missingMediaBar.missing.searching
+            text: "Locate…"
+            onClicked: folderDialog.open()
+        }
+        CorvQuickStartButton {
+            objectName: "dismissMissingMediaButton"
+            width: 90
+            height: 26
+            text: missingMediaBar.missing !== null && missingMediaBar.missing.searching ? "Cancel"
+                                                                                        : "Later"
+            onClicked: missingMediaBar.missing.dismiss()
+        }
+    }
+}
