@@ -190,6 +190,23 @@ void PoiModel::remove(QTime time)
         perform(tr("delete %1").arg(quoted(poi->name)), {{time, *poi, std::nullopt}}, noBatch);
 }
 
+void PoiModel::removeAll(std::vector<QTime> times)
+{
+    std::sort(times.begin(), times.end());
+    times.erase(std::unique(times.begin(), times.end()), times.end());
+    std::vector<PoiChange> changes;
+    for (const QTime time : times) {
+        if (const Poi* poi = find(time))
+            changes.push_back({time, *poi, std::nullopt});
+    }
+    if (changes.size() == 1) {
+        remove(changes.front().time);
+    } else if (!changes.empty()) {
+        const QString text = tr("delete %1 points of interest").arg(changes.size());
+        perform(text, std::move(changes), noBatch);
+    }
+}
+
 bool PoiModel::setTexts(QTime time, const QString& name, const QString& comment)
 {
     const Poi* poi = find(time);

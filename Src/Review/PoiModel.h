@@ -78,6 +78,9 @@ public:
     /// Nothing if there is none.
     void remove(QTime time);
 
+    /// The same for several, as one step.
+    void removeAll(std::vector<QTime> times);
+
     /// False if there is none at `time`.
     bool setTexts(QTime time, const QString& name, const QString& comment);
 

@@ -1,6 +1,8 @@
 #include "Timeline/PoiFilter.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace corv {
 
@@ -81,13 +83,11 @@ int PoiFilter::rowOfTime(QTime time) const
 
 void PoiFilter::removeRowsOf(const QVariantList& rows)
 {
-    QVector<QTime> times;
+    std::vector<QTime> times;
     for (const QVariant& row : rows)
-        times.append(timeOfRow(row.toInt()));
-    for (const QTime& time : qAsConst(times)) {
-        if (m_pois && time.isValid())
-            m_pois->remove(time);
-    }
+        times.push_back(timeOfRow(row.toInt()));
+    if (m_pois)
+        m_pois->removeAll(std::move(times));
 }
 
 bool PoiFilter::filterAcceptsRow(int row, const QModelIndex&) const

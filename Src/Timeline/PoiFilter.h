@@ -50,7 +50,7 @@ public:
     /// The row of the point at `time`; -1 if the list does not show it.
     Q_INVOKABLE int rowOfTime(QTime time) const;
 
-    /// Deletes the points of these rows.
+    /// Deletes the points of these rows, as one step.
     Q_INVOKABLE void removeRowsOf(const QVariantList& rows);
 
 signals:

@@ -172,6 +172,23 @@ private slots:
         }
     }
 
+    void deletingSeveralIsOneStep()
+    {
+        Pois pois;
+        pois.model.setFromList({entry(1000, "a"), entry(2000, "b"), entry(3000, "c")});
+        const QStringList all = pois.names();
+        pois.model.removeAll({timeAt(3000), timeAt(1000), timeAt(3000), timeAt(7000), QTime()});
+        QCOMPARE(pois.names(), QStringList("2000 b"));
+        QCOMPARE(pois.stack.count(), 1);
+        QCOMPARE(pois.stack.undoText(), QString("delete 2 points of interest"));
+        pois.stack.undo();
+        QCOMPARE(pois.names(), all);
+        pois.model.removeAll({timeAt(2000)});
+        QCOMPARE(pois.stack.undoText(), QString("delete 'b'"));
+        pois.model.removeAll({timeAt(2000)});
+        QCOMPARE(pois.stack.count(), 1);
+    }
+
     void aRestoreFromTheLogIsOneStep()
     {
         Pois pois;
