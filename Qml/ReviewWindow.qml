@@ -223,6 +223,13 @@ ApplicationWindow {
             refocusMainActions();
     }
 
+    // Those of a project that was opened.
+    function showCurves(names) {
+        curves.curves = names;
+        if (names.length > 0)
+            curves.open = true;
+    }
+
     function goOpenHelp() {
         var manual = Paths.urlInFolder(applicationDirPath, "manual.pdf");
         if (!Qt.openUrlExternally(Qt.resolvedUrl(manual)))

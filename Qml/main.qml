@@ -198,6 +198,7 @@ ReviewWindow {
         onProblem: mainWindow.displayErrorDialog(title, text)
         onWarning: mainWindow.displayWarningDialog(title, text)
         onNotice: infoTab.showNotice(text)
+        onCurvesChanged: mainWindow.showCurves(curves)
         onAdjustmentsChanged: mainWindow.showAdjustments()
         onProjectPathChanged: recentProjects.add(projectPath)
     }
@@ -347,6 +348,7 @@ ReviewWindow {
         msPerPx: timelineContent.msPerPx
         contentX: timelineContent.contentX
         cursorPosition: videoPlayer.timePosition
+        onCurvesChanged: review.curves = curves
     }
 
     TimelineStrip {

@@ -94,6 +94,7 @@ Recovery::Contents Recovery::contentsNow() const
         properties.irMappingMax = ReviewProperties().irMappingMax;
     }
     contents.properties = properties.toJson();
+    putCurves(m_review->curves(), &contents.properties);
     for (const Poi& poi : m_review->pois()->pois())
         contents.pois.emplace_hint(contents.pois.end(), msOfTime(poi.time), listForm(poi));
     return contents;

@@ -99,13 +99,22 @@ void Review::followProperties(QObject* object)
 {
     const QMetaMethod follower = QMetaMethod::fromSignal(&Review::propertiesChanged);
     for (const char* name : {"contrast", "brightness", "showIR", "irOverlayTransparent",
-                             "autoIRMapping", "irMappingMinValue", "irMappingMaxValue", "irOffsetX",
-                             "irOffsetY", "manualLogTimeOffset", "flightNaming"}) {
+                             "autoIRMapping", "irMappingMinValue", "irMappingMaxValue", "irPalette",
+                             "irOffsetX", "irOffsetY", "manualLogTimeOffset", "flightNaming"}) {
         const QMetaObject* const meta = object->metaObject();
         const QMetaProperty property = meta->property(meta->indexOfProperty(name));
         if (property.isValid() && property.hasNotifySignal())
             connect(object, property.notifySignal(), this, follower);
     }
+}
+
+void Review::setCurves(const QStringList& curves)
+{
+    if (curves == m_curves)
+        return;
+    m_curves = curves;
+    emit curvesChanged();
+    emit propertiesChanged();
 }
 
 void Review::setProjectFiles(ProjectFileLoader* projectFiles)
@@ -269,6 +278,7 @@ void Review::restore(const QString& path, const ProjectContents& project)
     // Again: the parse keeps it instead of the names in the log.
     m_logParser->setManualLogTimeOffset(properties.logOffsetMs);
     m_logParser->setFlightNaming(properties.naming());
+    setCurves(curvesIn(project.properties).value_or(m_curves));
     emit adjustmentsChanged();
     emit started();
     if (hasLog)
@@ -448,8 +458,9 @@ ProjectFileLoader::SavedFiles Review::filesToSave() const
 
 QVariantMap Review::contents() const
 {
-    return {{QStringLiteral("properties"), ReviewProperties::of(*m_player, *m_logParser).toJson()},
-            {QStringLiteral("poi"), m_pois.list()}};
+    QVariantMap properties = ReviewProperties::of(*m_player, *m_logParser).toJson();
+    putCurves(m_curves, &properties);
+    return {{QStringLiteral("properties"), properties}, {QStringLiteral("poi"), m_pois.list()}};
 }
 
 void Review::bindToProject(const QString& path)

@@ -35,6 +35,7 @@ class Review : public QObject
     Q_PROPERTY(corv::PoiModel* pois READ pois CONSTANT)
     Q_PROPERTY(corv::JobList* jobs READ jobs CONSTANT)
     Q_PROPERTY(corv::MissingMedia* missingMedia READ missingMedia CONSTANT)
+    Q_PROPERTY(QStringList curves READ curves WRITE setCurves NOTIFY curvesChanged)
     Q_PROPERTY(QString projectPath READ projectPath NOTIFY projectPathChanged)
     Q_PROPERTY(QString openedVideo READ openedVideo NOTIFY openedVideoChanged)
     Q_PROPERTY(corv::Job* copyJob READ copyJob NOTIFY copyJobChanged)
@@ -59,6 +60,10 @@ public:
     /// What the project opened last names and is not there, and the search for it: what is found
     /// is opened, and named by the next save.
     MissingMedia* missingMedia() { return &m_missingMedia; }
+
+    /// The curves of the log that are shown, by name, kept by the project.
+    const QStringList& curves() const { return m_curves; }
+    void setCurves(const QStringList& curves);
 
     /// The project that the work is bound to; empty for none.
     QString projectPath() const { return m_projectPath; }
@@ -161,6 +166,7 @@ public:
 
 signals:
     void projectPathChanged();
+    void curvesChanged();
     void openedVideoChanged();
     void copyJobChanged();
     void undoChanged();
@@ -219,6 +225,7 @@ private:
     QPointer<Job> m_copyJob;
     QPointer<Job> m_logJob;
 
+    QStringList m_curves;
     QString m_projectPath;
     QString m_openedVideo;
     QStringList m_openedParts;

@@ -4,6 +4,7 @@
 #include "Video/VideoPlayer.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -56,6 +57,18 @@ void takeInt(const QVariantMap& map, const char* key, int& field)
         field = static_cast<int>(value.toDouble());
 }
 
+// As the file names them, by their number.
+constexpr std::array paletteNames{"rainbow", "even", "grey"};
+
+ThermalPalette paletteNamed(const QString& name)
+{
+    for (size_t i = 0; i < paletteNames.size(); ++i) {
+        if (name == QLatin1String(paletteNames[i]))
+            return static_cast<ThermalPalette>(i);
+    }
+    return ThermalPalette::rainbow;
+}
+
 QString textIn(const QVariantMap& map, const char* key)
 {
     const QVariant value = map.value(QLatin1String(key));
@@ -74,6 +87,7 @@ ReviewProperties ReviewProperties::of(const VideoPlayer& player, const LogParser
     properties.irMappingAuto = player.autoIRMapping();
     properties.irMappingMin = player.irMappingMinValue();
     properties.irMappingMax = player.irMappingMaxValue();
+    properties.irPalette = static_cast<ThermalPalette>(player.irPalette());
     properties.irOffsetX = player.irOffsetX();
     properties.irOffsetY = player.irOffsetY();
     properties.logOffsetMs = logParser.getManualLogTimeOffset();
@@ -102,6 +116,7 @@ ReviewProperties ReviewProperties::fromJson(const QVariantMap& properties,
     takeFlag(thermal, "translucent", read.irTranslucent);
     takeFlag(thermal, "colormap_auto", read.irMappingAuto);
     takeFlag(thermal, "visible", read.showIr);
+    read.irPalette = paletteNamed(textIn(thermal, "palette"));
     takeInt(mapIn(properties, "correction"), "log_offset", read.logOffsetMs);
 
     const QVariantMap designation = mapIn(properties, "designation");
@@ -115,17 +130,21 @@ ReviewProperties ReviewProperties::fromJson(const QVariantMap& properties,
 
 QVariantMap ReviewProperties::toJson() const
 {
+    QVariantMap thermal{{QStringLiteral("visible"), showIr},
+                        {QStringLiteral("translucent"), irTranslucent},
+                        {QStringLiteral("colormap_auto"), irMappingAuto},
+                        {QStringLiteral("colormap_min"), irMappingMin},
+                        {QStringLiteral("colormap_max"), irMappingMax},
+                        {QStringLiteral("align_offset_x"), irOffsetX},
+                        {QStringLiteral("align_offset_y"), irOffsetY}};
+    if (irPalette != ThermalPalette::rainbow)
+        thermal.insert(
+            QStringLiteral("palette"),
+            QLatin1String(paletteNames[static_cast<size_t>(irPalette) % paletteNames.size()]));
     QVariantMap json{
         {QStringLiteral("display"), QVariantMap{{QStringLiteral("contrast"), contrast},
                                                 {QStringLiteral("brightness"), brightness}}},
-        {QStringLiteral("thermal_video"),
-         QVariantMap{{QStringLiteral("visible"), showIr},
-                     {QStringLiteral("translucent"), irTranslucent},
-                     {QStringLiteral("colormap_auto"), irMappingAuto},
-                     {QStringLiteral("colormap_min"), irMappingMin},
-                     {QStringLiteral("colormap_max"), irMappingMax},
-                     {QStringLiteral("align_offset_x"), irOffsetX},
-                     {QStringLiteral("align_offset_y"), irOffsetY}}},
+        {QStringLiteral("thermal_video"), thermal},
         {QStringLiteral("correction"), QVariantMap{{QStringLiteral("log_offset"), logOffsetMs}}}};
     if (!hasNaming)
         return json;
@@ -151,6 +170,7 @@ void ReviewProperties::applyTo(VideoPlayer& player) const
 {
     player.setContrast(contrast);
     player.setBrightness(brightness);
+    player.setIrPalette(static_cast<int>(irPalette));
     player.setIrOffsetX(irOffsetX);
     player.setIrOffsetY(irOffsetY);
     player.setIrOverlayTransparent(irTranslucent);
@@ -158,6 +178,30 @@ void ReviewProperties::applyTo(VideoPlayer& player) const
     player.setIrMappingMaxValue(irMappingMax);
     player.setAutoIRMapping(irMappingAuto);
     player.setShowIR(showIr);
+}
+
+std::optional<QStringList> curvesIn(const QVariantMap& properties)
+{
+    constexpr int mostCurves = 100;
+    const QVariant stored = mapIn(properties, "log_curves").value(QStringLiteral("shown"));
+    if (stored.userType() != QMetaType::QVariantList)
+        return std::nullopt;
+    QStringList curves;
+    for (const QVariant& name : stored.toList().mid(0, mostCurves)) {
+        if (name.userType() == QMetaType::QString)
+            curves << name.toString();
+    }
+    curves.removeDuplicates();
+    return curves;
+}
+
+void putCurves(const QStringList& curves, QVariantMap* properties)
+{
+    if (!curves.isEmpty())
+        properties->insert(
+            QStringLiteral("log_curves"),
+            QVariantMap{{QStringLiteral("shown"),
+                         QVariant::fromValue(QVariantList(curves.begin(), curves.end()))}});
 }
 
 } // namespace corv

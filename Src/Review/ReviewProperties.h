@@ -1,7 +1,11 @@
 #pragma once
 
+#include "Video/VideoDisplaySettings.h"
+
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
+#include <optional>
 
 namespace corv {
 
@@ -19,6 +23,7 @@ struct ReviewProperties
     bool irMappingAuto = true;
     double irMappingMin = 0.0;
     double irMappingMax = 16383.0;
+    ThermalPalette irPalette = ThermalPalette::rainbow;
     double irOffsetX = 0.0;
     double irOffsetY = 0.0;
     int logOffsetMs = 0;
@@ -34,7 +39,8 @@ struct ReviewProperties
 
     /// From the "properties" of a project file. What is missing there or of another type is as in
     /// `otherwise`; numbers beyond what the interface's controls allow are brought to their limits,
-    /// except for the time shift, which any int can be. The names come from the file alone.
+    /// except for the time shift, which any int can be. The names and the palette come from the
+    /// file alone.
     static ReviewProperties fromJson(const QVariantMap& properties,
                                      const ReviewProperties& otherwise);
 
@@ -47,5 +53,12 @@ struct ReviewProperties
     /// Hands everything but the time shift and the names to the player.
     void applyTo(VideoPlayer& player) const;
 };
+
+/// The curves of the log that "properties" keep, by name; none of an old project, which leaves the
+/// choice as it is.
+std::optional<QStringList> curvesIn(const QVariantMap& properties);
+
+/// Adds them.
+void putCurves(const QStringList& curves, QVariantMap* properties);
 
 } // namespace corv

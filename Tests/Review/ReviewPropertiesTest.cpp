@@ -35,6 +35,7 @@ private slots:
         saved.irMappingMax = 9000;
         saved.irOffsetX = 0.05;
         saved.irOffsetY = -0.05;
+        saved.irPalette = ThermalPalette::grey;
         saved.logOffsetMs = 7'000'000;
         saved.hasNaming = true;
         saved.missionName = "Bridge";
@@ -44,6 +45,42 @@ private slots:
         const ReviewProperties read = ReviewProperties::fromJson(fromText(text), {});
         QCOMPARE(read.toJson(), saved.toJson());
         QCOMPARE(read.naming().value("flightNumber").toInt(), 7);
+        QCOMPARE(read.irPalette, ThermalPalette::grey);
+    }
+
+    void anOldProjectHasTheOldPalette_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("none") << QByteArray("{}");
+        QTest::newRow("unknown") << QByteArray(R"({"thermal_video":{"palette":"pink"}})");
+        QTest::newRow("number") << QByteArray(R"({"thermal_video":{"palette":2}})");
+    }
+
+    void anOldProjectHasTheOldPalette()
+    {
+        QFETCH(QByteArray, text);
+        ReviewProperties otherwise;
+        otherwise.irPalette = ThermalPalette::even;
+        QCOMPARE(ReviewProperties::fromJson(fromText(text), otherwise).irPalette,
+                 ThermalPalette::rainbow);
+        // And what an old project has looks as it did.
+        QVERIFY(!ReviewProperties().toJson()["thermal_video"].toMap().contains("palette"));
+    }
+
+    void curvesAreKeptByName()
+    {
+        QVariantMap properties;
+        putCurves({}, &properties);
+        QVERIFY(properties.isEmpty());
+        QVERIFY(!curvesIn(properties));
+        putCurves({"altitude", "speed[1]"}, &properties);
+        const QByteArray text = QJsonDocument(QJsonObject::fromVariantMap(properties)).toJson();
+        QCOMPARE(curvesIn(fromText(text)).value_or(QStringList()),
+                 (QStringList{"altitude", "speed[1]"}));
+        QVERIFY(!curvesIn(fromText(R"({"log_curves":{"shown":"altitude"}})")));
+        QCOMPARE(curvesIn(fromText(R"({"log_curves":{"shown":[1,"a",null,"a"]}})"))
+                     .value_or(QStringList()),
+                 QStringList("a"));
     }
 
     void aFlightWithoutANumberSavesNone()
@@ -106,6 +143,7 @@ private slots:
         given.irMappingAuto = false;
         given.irMappingMax = 8000;
         given.showIr = true;
+        given.irPalette = ThermalPalette::even;
         given.applyTo(player);
         QCOMPARE(ReviewProperties::of(player, parser).toJson(), given.toJson());
     }

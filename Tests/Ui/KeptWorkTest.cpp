@@ -36,6 +36,7 @@ private slots:
     void unsavedWorkIsOfferedAtTheNextStart();
     void recentProjectsAreOnTheStartPage();
     void missingMediaAreLookedForWhereThePilotSays();
+    void theShownCurvesAndThePaletteComeBack();
 };
 
 namespace {
@@ -356,6 +357,22 @@ void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
     QTRY_VERIFY(!m_ui->item("missingMediaBar")->isVisible());
     QVERIFY(m_ui->trigger("saveProjectMenuItem"));
     QCOMPARE(filesIn(folder + "/p.ecor")["video"].toString(), QString("moved/CORV0001.MP4"));
+}
+
+void KeptWorkTest::theShownCurvesAndThePaletteComeBack()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->evaluate("curvesPanel.curves = ['attitude.roll', 'gps.alt']");
+    m_ui->evaluate("videoPlayer.irPalette = 2");
+    const QString path = media().newFolder() + "/p.ecor";
+    m_ui->call("doSaveProject", {path});
+    restart();
+    m_ui->call("loadProject", {path});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QTRY_COMPARE(m_ui->evaluate("curvesPanel.curves.join()").toString(),
+                 QString("attitude.roll,gps.alt"));
+    QVERIFY(m_ui->evaluate("curvesPanel.open").toBool());
+    QCOMPARE(player("irPalette").toInt(), 2);
 }
 
 QTEST_MAIN(KeptWorkTest)
