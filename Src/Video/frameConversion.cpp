@@ -173,8 +173,37 @@ void fillChroma(const uchar* above, const uchar* below, uchar* chroma, int colum
     }
 }
 
+// Whether lines of the planes are longer than the picture.
+bool hasRoomBehindLines(const Frame& frame)
+{
+    const int width = frame.size.width();
+    return frame.planes[0].bytesPerLine != width || frame.planes[1].bytesPerLine != width / 2 ||
+           frame.planes[2].bytesPerLine != width / 2;
+}
+
+// The screen takes a line with the room behind it as one texture, and blends the last column of a
+// picture that it makes larger with that room: a green edge where a decoder left nothing there.
+Frame withoutRoomBehindLines(const Frame& frame)
+{
+    const auto planes = std::make_shared<std::array<cv::Mat, 3>>();
+    Frame tight = frame;
+    for (size_t plane = 0; plane < planes->size(); ++plane) {
+        const int part = plane == 0 ? 1 : 2;
+        cv::Mat& own = (*planes)[plane];
+        cv::Mat(frame.size.height() / part, frame.size.width() / part, CV_8UC1,
+                const_cast<uchar*>(frame.planes[plane].data),
+                static_cast<size_t>(frame.planes[plane].bytesPerLine))
+            .copyTo(own);
+        tight.planes[plane] = {own.data, static_cast<int>(own.step)};
+    }
+    tight.pixels = planes;
+    return tight;
+}
+
 QVideoFrame onScreen(Frame frame)
 {
+    if (hasRoomBehindLines(frame))
+        frame = withoutRoomBehindLines(frame);
     const QVideoSurfaceFormat::YCbCrColorSpace colourSpace = screenColourSpace(frame);
     const QSize size = frame.size;
     QVideoFrame result(new FrameBuffer(std::move(frame)), size, QVideoFrame::Format_YUV420P);

@@ -33,7 +33,8 @@ void toBgr(const Frame& frame, cv::Mat& bgr);
 /// need it; its memory stays if it fits. Throws.
 void createForScaling(cv::Mat& bgr, QSize size);
 
-/// A frame for the screen: its own planes, without a copy, where the screen can take them. Throws.
+/// A frame for the screen: its own planes, without a copy, where the screen can take them and their
+/// lines end with the picture. Throws.
 QVideoFrame toVideoFrame(const Frame& frame);
 
 /// A BGR picture made from a frame, for the screen, in the colours of that frame: a surface that

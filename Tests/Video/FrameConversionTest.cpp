@@ -155,6 +155,7 @@ private slots:
     void everyColumnIsConverted_data();
     void everyColumnIsConverted();
     void planesOfTheDecoderAreNotCopied();
+    void theScreenGetsNothingBehindAPicture();
     void aPictureWithoutPixelsThrows();
     void mappingTwiceIsRefused();
 };
@@ -303,8 +304,11 @@ void FrameConversionTest::everyColumnIsConverted()
 
 void FrameConversionTest::planesOfTheDecoderAreNotCopied()
 {
-    const Frame planar =
-        planarFrame(QColor(30, 60, 90), Frame::Matrix::bt709, Frame::Range::limited);
+    Frame planar = planarFrame(QColor(30, 60, 90), Frame::Matrix::bt709, Frame::Range::limited);
+    // Lines that end with the picture.
+    planar.size.setWidth(64);
+    planar.planes[1].bytesPerLine = 32;
+    planar.planes[2].bytesPerLine = 32;
     QVideoFrame frame = toVideoFrame(planar);
     QVERIFY(frame.map(QAbstractVideoBuffer::ReadOnly));
     QCOMPARE(frame.planeCount(), 3);
@@ -315,6 +319,24 @@ void FrameConversionTest::planesOfTheDecoderAreNotCopied()
     }
     frame.unmap();
     QVERIFY(!frame.map(QAbstractVideoBuffer::WriteOnly));
+}
+
+void FrameConversionTest::theScreenGetsNothingBehindAPicture()
+{
+    Frame planar = planarFrame(QColor(30, 60, 90), Frame::Matrix::bt709, Frame::Range::limited);
+    planar.size.setWidth(14);
+    QVideoFrame frame = toVideoFrame(planar);
+    QVERIFY(frame.map(QAbstractVideoBuffer::ReadOnly));
+    for (int plane = 0; plane < 3; ++plane) {
+        const int columns = plane == 0 ? 14 : 7;
+        const Frame::Plane& own = planar.planes[static_cast<size_t>(plane)];
+        QCOMPARE(frame.bytesPerLine(plane), columns);
+        for (int row = 0; row < (plane == 0 ? 16 : 8); ++row)
+            QVERIFY(std::equal(own.data + row * own.bytesPerLine,
+                               own.data + row * own.bytesPerLine + columns,
+                               frame.bits(plane) + row * columns));
+    }
+    frame.unmap();
 }
 
 void FrameConversionTest::aPictureWithoutPixelsThrows()
