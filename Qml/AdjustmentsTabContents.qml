@@ -160,6 +160,12 @@ Rectangle {
             onClicked: adjustmentsRect.giveBackFocusToEditor()
         }
 
+        DisabledToolTips {
+            objectName: "thermalToolTips"
+            row: thermalButtons
+        }
+        DisabledToolTips { row: mappingButtons }
+
         Column {
             id: sections
             width: parent.width
@@ -167,6 +173,7 @@ Rectangle {
             SectionBand { text: "Thermal camera display" }
 
             Row {
+                id: thermalButtons
                 x: 8
                 height: 37
                 spacing: 6
@@ -186,6 +193,7 @@ Rectangle {
                     id: fullIRButton
                     objectName: "fullIRButton"
                     anchors.verticalCenter: parent.verticalCenter
+                    disabledReason: "show the thermal picture first"
                     source: "images/button_ir_fullscreen.png"
                     tooltiptext: "Thermal picture over the whole frame"
                     onToggle: player.fullScreenIR = checked
@@ -195,6 +203,7 @@ Rectangle {
                     id: irOverlayTransparentButton
                     objectName: "irOverlayTransparentButton"
                     anchors.verticalCenter: parent.verticalCenter
+                    disabledReason: "show the thermal picture first"
                     source: "images/button_transparency.png"
                     tooltiptext: "Transparent thermal picture"
                     onToggle: player.irOverlayTransparent = checked
@@ -257,6 +266,7 @@ Rectangle {
             }
 
             Row {
+                id: mappingButtons
                 x: 8
                 height: 33
                 spacing: 6
@@ -264,6 +274,7 @@ Rectangle {
                 CorvToolbarToggleButton {
                     id: autoIRMappingButton
                     objectName: "autoIRMappingButton"
+                    disabledReason: "show the thermal picture first"
                     source: "images/button_auto.png"
                     tooltiptext: "Automatic color mapping: the range of each thermal frame"
                     onToggle: player.autoIRMapping = checked
@@ -275,6 +286,7 @@ Rectangle {
                     width: 60
                     text: "Lock"
                     tooltiptext: "Keep the color range of the frame on screen"
+                    disabledReason: "show the thermal picture first"
                     source: "images/button_lock_levels.png"
                     onClicked: {
                         player.autoIRMapping = false;
@@ -288,6 +300,7 @@ Rectangle {
                     objectName: "extremesButton"
                     enabled: adjustmentsRect.thermalShown
                     checked: adjustmentsRect.extremesShown
+                    disabledReason: "show the thermal picture first"
                     source: "images/button_extremes.png"
                     tooltiptext: "Mark the hottest and the coldest point"
                     onToggle: adjustmentsRect.extremesToggled(checked)

@@ -10,6 +10,8 @@ Rectangle {
     property string tooltiptext: ""
     // The key that does the same, named in the tool tip.
     property string keyName: ""
+    // What has to be done before the button can be used. A DisabledToolTips behind it shows it.
+    property string disabledReason: ""
     // For a screen reader; the tool tip if it is empty.
     property string name: ""
     readonly property alias hovered: buttonMouseArea.containsMouse
@@ -20,7 +22,8 @@ Rectangle {
 
     Accessible.role: Accessible.Button
     Accessible.name: name !== "" ? name : tooltiptext
-    Accessible.description: toolTip.text
+    Accessible.description: enabled || disabledReason === "" ? toolTip.text
+                                                             : toolTip.text + ": " + disabledReason
     Accessible.focusable: true
     Accessible.onPressAction: clicked()
 

@@ -27,6 +27,9 @@ Rectangle {
 
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
     readonly property bool poiSelected: timeline !== null && !isNaN(timeline.selectedPoiTime)
+    // Why a tool cannot be used.
+    readonly property string openVideoFirst: "open a video first"
+    readonly property string selectPoiFirst: videoOpen ? "select a POI first" : openVideoFirst
     readonly property bool moveMode: timeline !== null && timeline.movePOIMode
 
     height: 25
@@ -170,6 +173,11 @@ Rectangle {
         }
     }
 
+    DisabledToolTips {
+        objectName: "saveButtonsToolTips"
+        row: toolbarSaveButtons
+    }
+
     Row {
         id: toolbarSaveButtons
         objectName: "toolbarSaveButtons"
@@ -182,6 +190,7 @@ Rectangle {
             objectName: "saveImageButton"
             source: "images/button_camera.png"
             tooltiptext: "Save current frame as image"
+            disabledReason: transportStrip.openVideoFirst
             enabled: transportStrip.videoOpen
             onClicked: transportStrip.verbs.saveCurrentFrame()
         }
@@ -191,6 +200,7 @@ Rectangle {
             source: "images/button_copy.png"
             tooltiptext: "Copy current frame to clipboard"
             keyName: "Ctrl+C"
+            disabledReason: transportStrip.openVideoFirst
             enabled: transportStrip.videoOpen
             onClicked: player.copyFrameToClipboard(player.timePosition)
         }
@@ -200,6 +210,7 @@ Rectangle {
             source: "images/button_poi_add.png"
             tooltiptext: "Create POI at playhead position"
             keyName: "N"
+            disabledReason: transportStrip.openVideoFirst
             enabled: transportStrip.videoOpen
             onClicked: transportStrip.verbs.addNewPoiAtPosition()
         }
@@ -209,6 +220,7 @@ Rectangle {
             source: "images/button_poi_remove.png"
             tooltiptext: "Delete selected POI"
             keyName: "X"
+            disabledReason: transportStrip.selectPoiFirst
             enabled: transportStrip.videoOpen && transportStrip.poiSelected
             onClicked: transportStrip.verbs.deleteSelectedPoi()
         }
@@ -218,6 +230,7 @@ Rectangle {
             source: "images/button_poi_edit.png"
             tooltiptext: "Edit selected POI"
             keyName: "E"
+            disabledReason: transportStrip.selectPoiFirst
             enabled: transportStrip.videoOpen && transportStrip.poiSelected
             onClicked: transportStrip.verbs.editSelectedPoi()
         }
@@ -227,6 +240,7 @@ Rectangle {
             source: "images/button_poi_move.png"
             tooltiptext: "Move selected POI"
             keyName: "M"
+            disabledReason: transportStrip.selectPoiFirst
             enabled: transportStrip.videoOpen && transportStrip.poiSelected
             onClicked: transportStrip.verbs.startMovingPoi()
         }

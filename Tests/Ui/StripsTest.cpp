@@ -9,6 +9,7 @@ class StripsTest : public ReviewSuite
 
 private slots:
     void toolTipsNameKeysAndUnits();
+    void toolTipsSayWhyAToolCannotBeUsed();
     void aShortenedNameIsInItsToolTip();
     void onlyAnOpenFileIsNamed();
     void namesStayWhereTheyAreWhileTheTimeCounts();
@@ -26,6 +27,26 @@ private:
         return toolTip ? toolTip->property("text").toString() : QString();
     }
 };
+
+void StripsTest::toolTipsSayWhyAToolCannotBeUsed()
+{
+    const auto tip = [this] { return toolTipOf(m_ui->item("saveButtonsToolTips")); };
+    UiFixture::hover(m_ui->item("removePoiButton"));
+    QTRY_COMPARE(tip(), QString("Delete selected POI: open a video first"));
+    QVERIFY(m_ui->openVideo());
+    UiFixture::hover(m_ui->item("removePoiButton"));
+    QTRY_COMPARE(tip(), QString("Delete selected POI: select a POI first"));
+    // One that can be used has its own.
+    UiFixture::hover(m_ui->item("addPoiButton"));
+    QTRY_COMPARE(toolTipOf(m_ui->item("addPoiButton")),
+                 QString("Create POI at playhead position (N)"));
+    QTRY_COMPARE(tip(), QString());
+    QVERIFY(m_ui->showAdjustments());
+    UiFixture::hover(m_ui->item("fullIRButton"));
+    QTRY_COMPARE(toolTipOf(m_ui->item("thermalToolTips")),
+                 QString("Thermal picture over the whole frame: show the thermal picture first"));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
 
 void StripsTest::toolTipsNameKeysAndUnits()
 {
