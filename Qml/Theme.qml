@@ -12,6 +12,10 @@ QtObject {
     readonly property color window: light ? "#e4e4e4" : "#222222"
     // Behind the quick start panel, and around a picture.
     readonly property color startGround: light ? "#f2f2f2" : "#1a1a1a"
+    readonly property color startRow: light ? "#ffffff" : "#262626"
+    readonly property color startRowBorder: light ? "#8a8a8a" : "#4a4a4a"
+    readonly property color startText: light ? "#000000" : "#e6e6e6"
+    readonly property color startTextMissing: light ? "#4a4a4a" : "#a4a4a4"
     readonly property color videoGround: "#1a1a1a"
     // What lies on a picture.
     readonly property color overlay: "#1f1f1f"

@@ -2,6 +2,7 @@ import QtQuick 2.15
 import QtQuick.Window 2.2
 import QtQuick.Controls 1.4
 import QtMultimedia 5.5
+import Timeline 1.0
 import VideoPlayer 1.0
 import "."
 
@@ -14,6 +15,7 @@ Rectangle {
     property VideoPlayer player: null
     // The projects opened last: maps of "path", "name" and "exists".
     property var recentProjects: []
+    property ProjectPictures projectPictures: null
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
     // A video without an index is being read through; its first picture is there already.
     readonly property bool videoBeingRead: player !== null && player.openingProgress < 1
@@ -92,9 +94,11 @@ Rectangle {
     RecentProjectsList {
         objectName: "recentProjectsList"
         anchors { top: welcome.bottom; topMargin: 8; horizontalCenter: parent.horizontalCenter }
-        width: Math.min(360, parent.width - 8)
+        width: Math.min(420, parent.width - 16)
+        mostHeight: parent.height - welcome.y - welcome.height - 16
         visible: welcome.visible && projects.length > 0
         projects: videoArea.recentProjects
+        pictures: videoArea.projectPictures
         onChosen: videoArea.recentProjectChosen(path)
     }
 

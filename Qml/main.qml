@@ -200,7 +200,21 @@ ReviewWindow {
         onNotice: infoTab.showNotice(text)
         onCurvesChanged: mainWindow.showCurves(curves)
         onAdjustmentsChanged: mainWindow.showAdjustments()
-        onProjectPathChanged: recentProjects.add(projectPath)
+        onOpened: Qt.callLater(takePicture)
+        onProjectPathChanged: {
+            recentProjects.add(projectPath);
+            Qt.callLater(takePicture);
+        }
+
+        function takePicture() {
+            projectPictures.take(projectPath, timelineContent.getPOIs());
+        }
+    }
+
+    ProjectPictures {
+        id: projectPictures
+        player: videoPlayer
+        projects: recentProjects.projects
     }
 
     RecentProjects {
@@ -437,6 +451,7 @@ ReviewWindow {
             anchors.rightMargin: hUDRectangle.visible ? 3 + mainWindow.sidebarWidth : 0
             player: videoPlayer
             recentProjects: recentProjects.projects
+            projectPictures: projectPictures
             onRecentProjectChosen: mainWindow.openRecentProject(path)
             onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
             onOpenVideoClicked: mainWindow.goOpenVideo("welcome_screen")

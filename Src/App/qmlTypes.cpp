@@ -21,6 +21,7 @@
 #include "Timeline/LogCurves.h"
 #include "Timeline/PictureItem.h"
 #include "Timeline/PoiFilter.h"
+#include "Timeline/ProjectPictures.h"
 #include "Timeline/TimelineContent.h"
 #include "Timeline/TimelineNavigator.h"
 #include "Video/VideoPlayer.h"
@@ -65,6 +66,7 @@ void registerQmlTypes()
     qmlRegisterType<ExportInstruments>("Timeline", 1, 0, "ExportInstruments");
     qmlRegisterType<FramePreview>("Timeline", 1, 0, "FramePreview");
     qmlRegisterType<PoiFilter>("Timeline", 1, 0, "PoiFilter");
+    qmlRegisterType<ProjectPictures>("Timeline", 1, 0, "ProjectPictures");
     qmlRegisterType<ExportJobs>("Review", 1, 0, "ExportJobs");
     qmlRegisterType<JobJournal>("Review", 1, 0, "JobJournal");
     qmlRegisterType<Review>("Review", 1, 0, "Review");

@@ -320,12 +320,17 @@ void KeptWorkTest::recentProjectsAreOnTheStartPage()
     const QString folder = media().newFolder();
     m_ui->call("doSaveProject", {folder + "/first.ecor"});
     m_ui->call("doSaveProject", {folder + "/second.ecor"});
+    QTRY_VERIFY(!m_ui->evaluate("projectPictures.pictureOf('" + folder + "/second.ecor')")
+                     .toUrl()
+                     .isEmpty());
     QVERIFY(QFile::remove(folder + "/first.ecor"));
     QVERIFY(m_ui->reload());
     QTRY_VERIFY(m_ui->item("recentProjectButton1"));
     QCOMPARE(m_ui->get("recentProjectButton0", "text").toString(), QString("second"));
     QCOMPARE(m_ui->get("recentProjectButton1", "text").toString(), QString("first"));
     QVERIFY(!m_ui->item("recentProjectButton1")->isEnabled());
+    constexpr int ready = 1;
+    QTRY_COMPARE(m_ui->get("recentPicture0", "status").toInt(), ready);
     QVERIFY(m_ui->click("recentProjectButton0"));
     QTRY_COMPARE(m_ui->get("currentProject", "filePath").toString(), folder + "/second.ecor");
     m_ui->call("goCloseProject");
