@@ -46,6 +46,8 @@ QString lengthErrorOf(const QNetworkReply& reply)
         return reply.property(lengthRequiredProperty).toBool()
                    ? QStringLiteral("the server did not give the file's length")
                    : QString();
+    if (reply.rawHeader("Content-Length").contains(','))
+        return QStringLiteral("the server gave two lengths");
     const qint64 arrived = reply.bytesAvailable();
     if (arrived == promised.toLongLong())
         return {};

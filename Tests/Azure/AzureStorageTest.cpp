@@ -36,6 +36,7 @@ private slots:
     void aDownloadThatBreaksOffIsNoFile();
     void asksForTheBytesAsTheyAre();
     void refusesAnEncodedAnswer();
+    void twoLengthsAreNone();
     void aLengthThatIsMissing_data();
     void aLengthThatIsMissing();
     void usesTheProxyOfTheSystem();
@@ -311,6 +312,22 @@ void AzureStorageTest::refusesAnEncodedAnswer()
     QVERIFY2(failed[0][0].toString().contains(QStringLiteral("deflate")),
              qPrintable(failed[0][0].toString()));
     QCOMPARE(downloaded.count(), 0);
+}
+
+void AzureStorageTest::twoLengthsAreNone()
+{
+    HttpServer server;
+    HttpServer::Answer answer(200, "which of them is it?");
+    answer.twoLengths = true;
+    server.setAnswer("f", answer);
+    AzureStorage storage(nullptr, share(server.address()));
+    QSignalSpy downloaded(&storage, &AzureStorage::fileDownloaded);
+    QSignalSpy failed(&storage, &AzureStorage::downloadError);
+    storage.downloadFile(QStringLiteral("f"));
+    QTRY_COMPARE(failed.count() + downloaded.count(), 1);
+    QCOMPARE(failed.count(), 1);
+    QVERIFY2(failed[0][0].toString().contains(QStringLiteral("two lengths")),
+             qPrintable(failed[0][0].toString()));
 }
 
 void AzureStorageTest::aLengthThatIsMissing_data()

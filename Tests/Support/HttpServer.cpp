@@ -41,6 +41,8 @@ void HttpServer::serve()
         const qint64 length =
             answer.announcedLength < 0 ? answer.body.size() : answer.announcedLength;
         QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) + " X\r\n";
+        if (answer.twoLengths)
+            head += "Content-Length: " + QByteArray::number(length - 1) + "\r\n";
         if (!answer.withoutLength)
             head += "Content-Length: " + QByteArray::number(length) + "\r\n";
         if (!answer.encoding.isEmpty())

@@ -33,6 +33,7 @@ public:
         qint64 announcedLength;     ///< Content-Length to promise instead of the body's; the
                                     ///< connection closes after the body
         QByteArray encoding;        ///< Content-Encoding to name; the body is sent as it is
+        bool twoLengths = false;    ///< a second Content-Length, of a byte less, comes first
         bool withoutLength = false; ///< no Content-Length: the end of the connection ends the body
     };
 
