@@ -73,7 +73,6 @@ Rectangle {
             width: 20
             height: 20
             anchors.verticalCenter: parent.verticalCenter
-            fillMode: Image.Pad
             color: propertySetterControl.enabled ? Theme.setterIcon : Theme.setterIconDisabled
         }
 

@@ -1,5 +1,6 @@
 // Starts, shows one window, and ends with its first frame: what benchWindow.cpp takes the time of.
 //   vistrel-bench-window full|empty
+#include "App/look.h"
 #include "App/qmlTypes.h"
 
 #include <QApplication>
@@ -30,6 +31,9 @@ const char* const emptyWindow = R"(
 
 int main(int argc, char** argv)
 {
+    // As the program does it.
+    if (argc > 1 && qstrcmp(argv[1], "full") == 0)
+        corv::keepGlyphsInMemory();
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Corvenity"));
     QApplication::setApplicationName(QStringLiteral("Vistrel-bench"));

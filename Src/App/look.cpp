@@ -139,6 +139,14 @@ void followScreenScale()
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }
 
+void keepGlyphsInMemory()
+{
+    // The way in which Qt does it for graphics units that cannot read their own textures.
+    const char* const name = "QT_ENABLE_GLYPH_CACHE_WORKAROUND";
+    if (!qEnvironmentVariableIsSet(name))
+        qputenv(name, "1");
+}
+
 void useDialogColours(bool light)
 {
     QApplication::setPalette(paletteOf(coloursOf(light)));

@@ -8,6 +8,11 @@ namespace corv {
 /// application object is made.
 void followScreenScale();
 
+/// Keeps the glyphs of texts in memory too, so that their texture grows without a program for the
+/// graphics unit, which would be compiled before the first frame. Before the application object is
+/// made.
+void keepGlyphsInMemory();
+
 /// Gives what Qt draws by itself (message boxes, file dialogs, lists, scroll bars) the colours of
 /// the windows. A message box shows its text as it is, never as markup, and the newest one lies on
 /// top of the others. Interface thread, once; for as long as the application lives.

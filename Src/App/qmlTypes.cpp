@@ -2,6 +2,7 @@
 
 #include "App/Appearance.h"
 #include "App/FileChoice.h"
+#include "App/TintedPicture.h"
 #include "Discovery/DirectoryParser.h"
 #include "Log/LogParser.h"
 #include "Project/PoiReportExporter.h"
@@ -58,6 +59,7 @@ void registerQmlTypes()
     qmlRegisterType<VideoPlayer>("VideoPlayer", 1, 0, "VideoPlayer");
     qmlRegisterType<PoiReportExporter>("PoiReportExporter", 1, 0, "PoiReportExporter");
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
+    qmlRegisterType<TintedPicture>("Pictures", 1, 0, "TintedPicture");
     qmlRegisterType<PointerRest>("Pointer", 1, 0, "PointerRest");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");

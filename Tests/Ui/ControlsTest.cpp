@@ -22,6 +22,7 @@ private slots:
     void disabledButtonsReportNothing();
     void togglesFlipBeforeTheyReport_data();
     void togglesFlipBeforeTheyReport();
+    void iconsAreInTheirColour();
     void toggleColours_data();
     void toggleColours();
     void theToolTipNeedsATextAndThePointer();
@@ -242,6 +243,33 @@ void ControlsTest::togglesFlipBeforeTheyReport()
         QCOMPARE(toggled.takeFirst().first().toBool(), expected);
         QCOMPARE(m_ui->get(button, "checked").toBool(), expected);
     }
+}
+
+void ControlsTest::iconsAreInTheirColour()
+{
+    open(R"(
+    Rectangle {
+        width: 100; height: 50; color: "black"
+        TintedIcon { objectName: "icon"; width: 100; height: 50; color: "#ff0000"
+                     source: "images/play.png" }
+        TintedIcon { objectName: "missing"; source: "" }
+    })");
+    QQuickItem* const icon = m_ui->item("icon");
+    QVERIFY(icon->implicitWidth() > 0 && icon->implicitWidth() < 50);
+    QCOMPARE(icon->implicitHeight(), icon->implicitWidth());
+    // The triangle is in the middle of the item, whatever the size of that.
+    const QPoint middle = icon->mapToScene(QPointF(50, 25)).toPoint();
+    const auto colourAt = [&](const QPoint& place) {
+        const QImage window = m_ui->window()->grabWindow();
+        return window.pixelColor(place * qRound(window.devicePixelRatio()));
+    };
+    QTRY_COMPARE(colourAt(middle), QColor("#ff0000"));
+    QCOMPARE(colourAt(middle - QPoint(40, 0)), QColor("black"));
+    icon->setProperty("color", QColor("#0000ff"));
+    QTRY_COMPARE(colourAt(middle), QColor("#0000ff"));
+    icon->setProperty("source", QUrl());
+    QTRY_COMPARE(colourAt(middle), QColor("black"));
+    QCOMPARE(icon->implicitWidth(), 0.0);
 }
 
 void ControlsTest::toggleColours_data()
