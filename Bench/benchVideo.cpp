@@ -8,6 +8,7 @@
 #include "Log/LogParser.h"
 #include "SampleFlight/SampleFlight.h"
 #include "Threads/post.h"
+#include "Timeline/FramePreview.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/VideoPlayer.h"
 
@@ -222,6 +223,42 @@ void seeks(Report& report)
                QStringLiteral("1080p, GOP 30, 40 seeks"));
 }
 
+/// From the pointer's move to the picture at the timeline.
+void pictureAtThePointer(Report& report)
+{
+    const QString file = cameraVideo(report, {1920, 1080}, 10, 30, 25);
+    CountingSurface surface;
+    VideoPlayer player;
+    player.setVideoSurface(&surface);
+    player.setSource(file);
+    waitUntil([&] { return surface.presented >= 1; });
+    FramePreview preview;
+    preview.setPlayer(&player);
+    int shown = 0;
+    QObject::connect(&preview, &FramePreview::pictureChanged, [&shown] { ++shown; });
+    const auto show = [&](int frame) {
+        const int wanted = shown + 1;
+        preview.show(timeOfMs(frame * 1000 / 30));
+        waitUntil([&] { return shown >= wanted; });
+    };
+    show(0);
+    cv::VideoCapture capture(file.toStdString(), cv::CAP_FFMPEG);
+    cv::Mat frame;
+    std::mt19937 random(7);
+    std::vector<double> ours;
+    std::vector<double> bare;
+    for (int i = 0; i < 60; ++i) {
+        const int wanted = static_cast<int>(random() % 299);
+        ours.push_back(secondsOf([&] { show(wanted); }));
+        bare.push_back(secondsOf([&] {
+            capture.set(cv::CAP_PROP_POS_FRAMES, wanted);
+            capture.read(frame);
+        }));
+    }
+    report.row(QStringLiteral("picture at the pointer, 1080p GOP 30"), median(ours) / median(bare),
+               1.1, QStringLiteral("60 places, to one exact seek"));
+}
+
 double percentile95(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
@@ -260,6 +297,7 @@ const Benchmark video("video", [](Report& report) {
     steps(report);
     seeks(report);
 });
+const Benchmark preview("preview", pictureAtThePointer);
 
 } // namespace
 } // namespace corv::bench

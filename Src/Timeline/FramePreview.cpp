@@ -59,7 +59,7 @@ void FramePreview::ask(QTime time)
 {
     if (!m_player)
         return;
-    m_isAsked = m_player->getFrameAsync(time, [inbox = m_inbox](const QImage& frame) {
+    m_isAsked = m_player->getPreviewAsync(time, [inbox = m_inbox](const QImage& frame) {
         // A frame of just this size would come back as it is, on memory of the worker's.
         QImage picture = frame.isNull()
                              ? QImage()

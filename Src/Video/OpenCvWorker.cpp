@@ -527,6 +527,11 @@ void OpenCvWorker::requestFrame(QTime time, StillFrameQueue::Callback callback, 
     m_stills.add(time, std::move(callback), std::move(cancelled), isForExport ? m_inset : nullptr);
 }
 
+void OpenCvWorker::requestPreview(QTime time, StillFrameQueue::Callback callback)
+{
+    m_stills.addFirst(time, std::move(callback));
+}
+
 bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& cancelled,
                                Status* status)
 {

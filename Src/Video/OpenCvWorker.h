@@ -90,6 +90,9 @@ public:
     void requestFrame(QTime time, StillFrameQueue::Callback callback, bool isForExport,
                       StillFrameQueue::Cancelled cancelled = {});
 
+    /// The same before those that wait, and without delay: for one request at a time.
+    void requestPreview(QTime time, StillFrameQueue::Callback callback);
+
     /// What is shown in a part of exported pictures and videos; null for nothing.
     void setInset(std::shared_ptr<PictureInset> inset) { m_inset = std::move(inset); }
 

@@ -25,6 +25,12 @@ void StillFrameQueue::add(QTime time, Callback callback, Cancelled cancelled, In
         waitForNext();
 }
 
+void StillFrameQueue::addFirst(QTime time, Callback callback)
+{
+    m_requests.push_front({QDeadlineTimer(0), time, std::move(callback), {}, {}});
+    waitForNext();
+}
+
 void StillFrameQueue::answerNull()
 {
     std::deque<Request> waiting = std::move(m_requests);

@@ -38,6 +38,9 @@ public:
     /// Answers with null, without fetching, if `cancelled` is set when the turn comes.
     void add(QTime time, Callback callback, Cancelled cancelled = {}, Inset inset = {});
 
+    /// Puts a request before all that wait, to be served in the next turn.
+    void addFirst(QTime time, Callback callback);
+
     /// Answers all that wait with a null image, in order.
     void answerNull();
 

@@ -187,6 +187,10 @@ public:
     /// call, if no video is open or the callback is empty. Callable from any thread.
     virtual bool getFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback);
 
+    /// The same without delay and before all that wait, for a picture that follows the pointer. Ask
+    /// again only after the answer.
+    bool getPreviewAsync(QTime time, std::function<void(const QImage&)> callback);
+
     /// The same for a picture that leaves the program: with the inset of exports.
     bool getExportFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback);
 

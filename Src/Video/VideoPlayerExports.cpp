@@ -82,6 +82,16 @@ void VideoPlayer::setExportInset(std::shared_ptr<PictureInset> inset)
     toWorker([inset = std::move(inset)](OpenCvWorker& worker) { worker.setInset(inset); });
 }
 
+bool VideoPlayer::getPreviewAsync(QTime time, std::function<void(const QImage&)> callback)
+{
+    if (!hasVideoOpened() || !callback)
+        return false;
+    toWorker([time, callback = std::move(callback)](OpenCvWorker& worker) {
+        worker.requestPreview(time, callback);
+    });
+    return true;
+}
+
 bool VideoPlayer::requestFrame(QTime time, std::function<void(const QImage&)> callback,
                                bool isForExport, Cancelled cancelled)
 {

@@ -15,7 +15,29 @@ private slots:
     void stillFramesBorrowTheCaptureIfTheyMust();
     void stillFramesThatFail();
     void closingAnswersWaitingStillFrames();
+    void aPreviewComesBeforeWaitingStillFrames();
 };
+
+void VideoStillsTest::aPreviewComesBeforeWaitingStillFrames()
+{
+    addFile("a.mp4", 60);
+    VideoPlayer player(m_files->factory());
+    QVERIFY(!player.getPreviewAsync(timeAt(0), [](const QImage&) {}));
+    open(player, "a.mp4");
+    std::atomic<int> served{0};
+    std::atomic<int> servedBefore{-1};
+    std::atomic<bool> isShown{false};
+    constexpr int waiting = 30;
+    for (int i = 0; i < waiting; ++i)
+        QVERIFY(player.getFrameAsync(timeAt(i * 10), [&](const QImage&) { ++served; }));
+    QVERIFY(player.getPreviewAsync(timeAt(300), [&](const QImage& picture) {
+        isShown = !picture.isNull();
+        servedBefore = served.load();
+    }));
+    QTRY_COMPARE(served.load(), waiting);
+    QVERIFY(isShown);
+    QVERIFY2(servedBefore == 0, qPrintable(QString::number(servedBefore)));
+}
 
 void VideoStillsTest::stillFramesLeavePlaybackAlone()
 {
