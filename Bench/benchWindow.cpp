@@ -1,7 +1,9 @@
 #include "App/qmlTypes.h"
 #include "Bench.h"
 #include "SampleFlight/SampleFlight.h"
+#include "VideoInputs.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -16,6 +18,8 @@
 #include <algorithm>
 #include <limits>
 #include <opencv2/videoio.hpp>
+#include <random>
+#include <time.h>
 #include <vector>
 
 namespace corv::bench {
@@ -208,6 +212,114 @@ void longestHold(Report& report)
                QStringLiteral("two-hour flight, longest: ") + slowest);
 }
 
+double threadSeconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+/// The CPU time of each turn of this thread's event loop, which has one event or more.
+class TurnMeter : public QObject
+{
+public:
+    TurnMeter()
+    {
+        QAbstractEventDispatcher* const loop = QAbstractEventDispatcher::instance();
+        connect(loop, &QAbstractEventDispatcher::awake, this,
+                [this] { m_begin = threadSeconds(); });
+        connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
+            if (m_begin > 0)
+                m_turns.push_back(threadSeconds() - m_begin);
+        });
+    }
+
+    size_t count() const { return m_turns.size(); }
+
+    double percentile999()
+    {
+        std::sort(m_turns.begin(), m_turns.end());
+        return m_turns.at(m_turns.size() * 999 / 1000);
+    }
+
+private:
+    double m_begin = 0;
+    std::vector<double> m_turns;
+};
+
+/// Anything that a reviewer does, at random.
+QString randomAction(std::mt19937& random)
+{
+    static const std::vector<QString> actions{
+        "videoPlayer.step(1)",
+        "videoPlayer.step(-1)",
+        "timelineNavigator.jump(1000)",
+        "timelineNavigator.jump(-1000)",
+        "timelineNavigator.selectNextPoi()",
+        "timelineNavigator.selectPreviousPoi()",
+        "timelineNavigator.zoomIn()",
+        "timelineNavigator.zoomIn()",
+        "timelineNavigator.zoomOut()",
+        "timelineNavigator.zoomToFit()",
+        "timelineNavigator.zoomToSelection()",
+        "timelineTab.scrollBar.scrollLeft()",
+        "timelineTab.scrollBar.scrollRight()",
+        "videoPlayer.togglePlayPause()",
+        "addNewPoiAtPosition()",
+        "deleteSelectedPoi()",
+        "undo()",
+        "redo()",
+        "videoRect.zoomAt(1.25, 300, 200)",
+        "videoRect.fit()",
+        "tabsContainer.currentIndex = 1 - tabsContainer.currentIndex",
+        "LogParser.manualLogTimeOffset += 100",
+        "LogParser.manualLogTimeOffset = 0",
+        "panelSettings.poiListShown = !panelSettings.poiListShown",
+        "videoPlayer.contrast = 1.2",
+        "videoPlayer.contrast = 1"};
+    if (random() % 4 == 0)
+        return QStringLiteral("videoPlayer.goToTime(timelineNavigator.timeAt(%1))")
+            .arg(random() % 1300);
+    return actions[random() % actions.size()];
+}
+
+void randomReview(Report& report)
+{
+    constexpr int reviewMs = 120'000;
+    const QString video = cameraVideo(report, {1920, 1080}, 10, 30, 25);
+    const QString log = longLog(report.inputFolder());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, report.inputFolder());
+    registerQmlTypes();
+    Interface ui;
+    ui.settle(500);
+    ui.evaluate(QString("loadVideo('%1')").arg(video));
+    ui.waitFor("videoPlayer.duration > 0");
+    ui.evaluate(QString("afterFlightDataImportChoice('file://%1')").arg(log));
+    ui.waitFor("!LogParser.isParsing");
+    ui.evaluate(
+        "{ var points = []; for (var i = 0; i < 500; ++i) points.push({time: i * 19, "
+        "name: 'point ' + i, comment: 'crack'}); timelineContent.setPOIsFromList(points) }");
+    ui.evaluate("panelSettings.poiListShown = true; curvesPanel.open = true;"
+                "curvesPanel.curves = curvesPanel.found.slice(0, 3).map(function(one) {"
+                "return one.name || one; })");
+    ui.settle(3000);
+
+    std::mt19937 random(11);
+    TurnMeter turns;
+    QTimer acting;
+    QObject::connect(&acting, &QTimer::timeout, [&] { ui.evaluate(randomAction(random)); });
+    acting.start(30);
+    ui.settle(reviewMs);
+    acting.stop();
+    report.row(QStringLiteral("interface thread: CPU per event, 99.9th percentile / 50 ms"),
+               turns.percentile999() * 1000 / 50, 1,
+               QStringLiteral("2 minutes of random review, 1080p, 500 points, curves, list; "
+                              "%1 turns")
+                   .arg(turns.count()));
+    ui.evaluate("videoPlayer.pause()");
+}
+
+const Benchmark events("window-events", randomReview);
 const Benchmark start("window-start", coldStart);
 const Benchmark hold("window-hold", longestHold);
 

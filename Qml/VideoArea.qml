@@ -12,6 +12,8 @@ Rectangle {
     id: videoArea
 
     default property alias content: top.data
+    // What lies over the upper edge takes this much of it.
+    property real coveredHeight: 0
     property VideoPlayer player: null
     // The projects opened last: maps of "path", "name" and "exists".
     property var recentProjects: []
@@ -181,8 +183,13 @@ Rectangle {
 
     ThermalBar {
         objectName: "thermalBar"
-        anchors { right: parent.right; top: parent.top; margins: 8 }
-        height: Math.min(260, parent.height - 60)
+        anchors {
+            right: parent.right
+            top: parent.top
+            margins: 8
+            topMargin: 8 + videoArea.coveredHeight
+        }
+        height: Math.min(260, parent.height - 60 - videoArea.coveredHeight)
         visible: videoArea.thermalShown
         player: videoArea.player
     }

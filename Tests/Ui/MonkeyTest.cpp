@@ -96,11 +96,15 @@ void MonkeyTest::click()
 void MonkeyTest::key()
 {
     static const QVector<Qt::Key> keys{
-        Qt::Key_Home,   Qt::Key_Left,   Qt::Key_Space, Qt::Key_Right,    Qt::Key_End,
-        Qt::Key_N,      Qt::Key_X,      Qt::Key_E,     Qt::Key_M,        Qt::Key_Return,
-        Qt::Key_Escape, Qt::Key_Tab,    Qt::Key_Up,    Qt::Key_Down,     Qt::Key_5,
-        Qt::Key_Enter,  Qt::Key_Delete, Qt::Key_Minus, Qt::Key_Backspace};
-    static const QVector<Qt::Key> commands{Qt::Key_N, Qt::Key_L, Qt::Key_O, Qt::Key_S, Qt::Key_C};
+        Qt::Key_Home,   Qt::Key_Left,   Qt::Key_Space, Qt::Key_Right,     Qt::Key_End,
+        Qt::Key_N,      Qt::Key_X,      Qt::Key_E,     Qt::Key_M,         Qt::Key_Return,
+        Qt::Key_Escape, Qt::Key_Tab,    Qt::Key_Up,    Qt::Key_Down,      Qt::Key_5,
+        Qt::Key_Enter,  Qt::Key_Delete, Qt::Key_Minus, Qt::Key_Backspace, Qt::Key_F,
+        Qt::Key_J,      Qt::Key_K,      Qt::Key_L,     Qt::Key_PageUp,    Qt::Key_PageDown,
+        Qt::Key_Plus,   Qt::Key_0,      Qt::Key_Z,     Qt::Key_1,         Qt::Key_F7,
+        Qt::Key_F8,     Qt::Key_F11};
+    static const QVector<Qt::Key> commands{Qt::Key_N, Qt::Key_L, Qt::Key_O, Qt::Key_S,
+                                           Qt::Key_C, Qt::Key_U, Qt::Key_Z};
     QQuickWindow* window = anyWindow();
     if (upTo(8) == 0)
         QTest::keyClick(window, commands[upTo(commands.size())], Qt::ControlModifier);
