@@ -6,6 +6,7 @@ import QtQuick.Layouts 1.1
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 import DirectoryParser 1.0
+import Review 1.0
 import "importerRows.js" as Rows
 import "paths.js" as Paths
 
@@ -34,6 +35,9 @@ Window {
     // video begins within the flight, in milliseconds.
     property var chosenFlightFiles: []
     property int chosenPartStart: 0
+
+    // The list of jobs that shows the searches, if there is one.
+    property var jobs: null
 
     // The rows of the list as the parser gave them.
     property var matchings: []
@@ -238,8 +242,12 @@ Window {
     }
 
     function onSearchingChanged() {
-        if (searchWaits && !directoryParser.searching)
+        if (directoryParser.searching)
+            return;
+        if (searchWaits)
             parseChosenDirs();
+        else
+            isBusy = false; // also where the list of jobs has cancelled it
     }
 
     // A card that came or went: the lists follow, the choice stays where its drive is still there.
@@ -401,6 +409,11 @@ Window {
         onSearchRemarks: autoImporter.remarks = remarks.join("\n")
         onSearchingChanged: autoImporter.onSearchingChanged()
         onDrivesChanged: autoImporter.onDrivesChanged()
+    }
+
+    SearchJobs {
+        jobs: autoImporter.jobs
+        parser: directoryParser
     }
 
     ListModel { id: driveListModelOne }

@@ -63,6 +63,7 @@ Item {
         player.pause();
         var window = make("AutoImporter.qml", autoImporterConnection);
         window.fastLoadingChecked = windows.fastLoadingChecked;
+        window.jobs = review.jobs;
         window.init();
         window.show();
     }

@@ -12,6 +12,7 @@
 #include "Review/RecentProjects.h"
 #include "Review/Recovery.h"
 #include "Review/Review.h"
+#include "Review/SearchJobs.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/PointerRest.h"
@@ -70,6 +71,7 @@ void registerQmlTypes()
     qmlRegisterType<PoiFilter>("Timeline", 1, 0, "PoiFilter");
     qmlRegisterType<ProjectPictures>("Timeline", 1, 0, "ProjectPictures");
     qmlRegisterType<ExportJobs>("Review", 1, 0, "ExportJobs");
+    qmlRegisterType<SearchJobs>("Review", 1, 0, "SearchJobs");
     qmlRegisterType<JobJournal>("Review", 1, 0, "JobJournal");
     qmlRegisterType<Review>("Review", 1, 0, "Review");
     qmlRegisterType<Recovery>("Review", 1, 0, "Recovery");

@@ -1,5 +1,6 @@
 #include "Discovery/PersistentData.h"
 #include "ImporterSuite.h"
+#include "Review/JobList.h"
 
 #include <QAccessible>
 
@@ -26,6 +27,7 @@ private slots:
     void aDoubleClickLoads();
     void escapeCloses();
     void searchAfterAbortStartsWhenTheOldHasEnded();
+    void aSearchCancelledInTheListOfJobsEnds();
     void closingTheWindowAborts();
     void videosAreCountedWhileTheirLengthsAreRead();
     void pairIconShowsTheEvidence_data();
@@ -297,6 +299,26 @@ void ImporterTest::searchAfterAbortStartsWhenTheOldHasEnded()
     QTRY_VERIFY(!m_importer->property("isBusy").toBool());
     QCOMPARE(rowCount(), 3);
     QVERIFY(!m_ui->log().contains("Previous parsing didn't finish!"));
+}
+
+void ImporterTest::aSearchCancelledInTheListOfJobsEnds()
+{
+    const QString card = m_world->machine.addDrive("CARD", "", true);
+    addDay(card + "/DCIM/100HDDVR", card);
+    openImporter();
+    JobList jobs;
+    m_importer->setProperty("jobs", QVariant::fromValue(&jobs));
+    m_world->held = true;
+    click("parseButton");
+    m_world->reached.acquire();
+    QCOMPARE(jobs.running(), 1);
+    jobs.job(0)->cancel();
+    m_world->release();
+    QTRY_VERIFY(!m_importer->property("isBusy").toBool());
+    QCOMPARE(jobs.job(0)->state(), Job::Cancelled);
+    search();
+    QCOMPARE(rowCount(), 3);
+    QCOMPARE(jobs.job(1)->resultText(), QString("3 videos found, 2 with a log."));
 }
 
 void ImporterTest::closingTheWindowAborts()

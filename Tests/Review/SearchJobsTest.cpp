@@ -1,0 +1,177 @@
+#include "Review/SearchJobs.h"
+
+#include "Discovery/DirectoryParser.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace corv;
+
+namespace {
+
+/// Two videos and a log that belongs to the first, and a gate at which the lengths are held.
+class Card
+{
+public:
+    Card()
+    {
+        for (const char* name : {"a.mp4", "b.mp4", "l.log"}) {
+            QFile file(m_folder.filePath(QString::fromLatin1(name)));
+            file.open(QIODevice::WriteOnly);
+        }
+    }
+
+    DirectoryParser::Machine machine()
+    {
+        DirectoryParser::Machine made;
+        made.hasDriveService = false;
+        made.files.time = [](const QFileInfo& file) {
+            const QDateTime noon(QDate(2018, 6, 1), QTime(12, 0));
+            return file.fileName() == QLatin1String("b.mp4")   ? noon.addSecs(5000)
+                   : file.fileName() == QLatin1String("l.log") ? noon.addSecs(70)
+                                                               : noon;
+        };
+        made.files.videoLength = [this](const QString&) {
+            reached.release();
+            gate.acquire();
+            return VideoLength{60'000, 60'000};
+        };
+        made.files.log = [](const QString&, const std::atomic<bool>*,
+                            const FlightFilesMatcher::LogStages&) {
+            LogFacts facts;
+            facts.read = true;
+            facts.recordings = {{10'000, 71'000}};
+            return facts;
+        };
+        return made;
+    }
+
+    void search(DirectoryParser& parser) const
+    {
+        parser.parseDirectories(m_folder.path(), m_folder.path(), false, false, false);
+    }
+
+    QSemaphore reached;
+    QSemaphore gate;
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+class SearchJobsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aSearchIsAJobWithProgressAndResult();
+    void cancellingTheJobAbortsTheSearch();
+    void anAbortedSearchIsACancelledJob();
+    void withoutAListNothingIsKept();
+    void theResultIsASentence_data();
+    void theResultIsASentence();
+};
+
+void SearchJobsTest::aSearchIsAJobWithProgressAndResult()
+{
+    Card card;
+    JobList list;
+    DirectoryParser parser(card.machine());
+    SearchJobs jobs;
+    jobs.setJobs(&list);
+    jobs.setParser(&parser);
+    QCOMPARE(list.rowCount(), 0);
+    card.search(parser);
+    QCOMPARE(list.rowCount(), 1);
+    Job* job = list.job(0);
+    QCOMPARE(job->kind(), Job::Kind::search);
+    QVERIFY(!job->isWriting());
+    QVERIFY(job->isCancellable());
+    card.gate.release();
+    QTRY_COMPARE(job->progressText(), QStringLiteral("1 of 2"));
+    QVERIFY(job->isRunning());
+    card.gate.release();
+    QTRY_COMPARE(job->state(), Job::Succeeded);
+    QCOMPARE(job->resultText(), QStringLiteral("2 videos found, 1 with a log."));
+    QCOMPARE(list.running(), 0);
+}
+
+void SearchJobsTest::cancellingTheJobAbortsTheSearch()
+{
+    Card card;
+    JobList list;
+    DirectoryParser parser(card.machine());
+    SearchJobs jobs;
+    jobs.setJobs(&list);
+    jobs.setParser(&parser);
+    QSignalSpy complete(&parser, &DirectoryParser::matchingComplete);
+    card.search(parser);
+    card.reached.acquire();
+    list.job(0)->cancel();
+    QVERIFY(list.job(0)->isRunning()); // until the search has ended
+    card.gate.release(2);
+    QTRY_COMPARE(list.job(0)->state(), Job::Cancelled);
+    QVERIFY(!parser.isSearching());
+    QCOMPARE(complete.size(), 0);
+}
+
+void SearchJobsTest::anAbortedSearchIsACancelledJob()
+{
+    Card card;
+    JobList list;
+    DirectoryParser parser(card.machine());
+    SearchJobs jobs;
+    jobs.setJobs(&list);
+    jobs.setParser(&parser);
+    card.search(parser);
+    card.reached.acquire();
+    parser.abortParsing();
+    card.gate.release(4);
+    QTRY_COMPARE(list.job(0)->state(), Job::Cancelled);
+    card.search(parser);
+    QTRY_COMPARE(list.rowCount(), 2);
+    QTRY_COMPARE(list.job(1)->state(), Job::Succeeded);
+}
+
+void SearchJobsTest::withoutAListNothingIsKept()
+{
+    Card card;
+    DirectoryParser parser(card.machine());
+    SearchJobs jobs;
+    jobs.setParser(&parser);
+    QSignalSpy complete(&parser, &DirectoryParser::matchingComplete);
+    card.gate.release(2);
+    card.search(parser);
+    QVERIFY(complete.wait());
+}
+
+void SearchJobsTest::theResultIsASentence_data()
+{
+    QTest::addColumn<int>("videos");
+    QTest::addColumn<int>("withLog");
+    QTest::addColumn<int>("doubtful");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("nothing") << 0 << 0 << 0 << "No flights found.";
+    QTest::newRow("one") << 1 << 1 << 0 << "1 video found, 1 with a log.";
+    QTest::newRow("doubts") << 12 << 10 << 3
+                            << "12 videos found, 10 with a log, 3 of them not certain.";
+}
+
+void SearchJobsTest::theResultIsASentence()
+{
+    QFETCH(int, videos);
+    QFETCH(int, withLog);
+    QFETCH(int, doubtful);
+    QVariantList rows;
+    for (int i = 0; i < videos; ++i)
+        rows.append(QVariantMap{{"matchFound", i < withLog}, {"doubtful", i < doubtful}});
+    QTEST(textOfMatchings(rows), "text");
+}
+
+QTEST_GUILESS_MAIN(SearchJobsTest)
+#include "SearchJobsTest.moc"
