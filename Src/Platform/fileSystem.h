@@ -56,6 +56,14 @@ private:
 /// its name.
 void removeAbandonedParts(const QString& path);
 
+/// A text that two files share only if they are one and the same, unchanged: its place on the
+/// volume, its size and the time of its last write. Empty if there is no such file.
+QByteArray fileIdentity(int descriptor);
+QByteArray fileIdentity(const QString& path);
+
+/// No process of this machine has this number.
+bool isProcessGone(qint64 process);
+
 /// Replaces the contents of a file atomically: afterwards it has the earlier ones or the new ones,
 /// whatever happens. Keeps its permissions. Only where the folder forbids a second file is an
 /// existing one written directly.

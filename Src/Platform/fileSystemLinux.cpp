@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <limits>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -251,6 +252,33 @@ int NewFile::giveName(Over over)
         return errno;
     m_partPath.clear();
     return 0;
+}
+
+QByteArray fileIdentity(int descriptor)
+{
+    struct stat file
+    {
+    };
+    if (::fstat(descriptor, &file) != 0 || !S_ISREG(file.st_mode))
+        return {};
+    return QByteArray::number(static_cast<qulonglong>(file.st_dev)) + ':' +
+           QByteArray::number(static_cast<qulonglong>(file.st_ino)) + ':' +
+           QByteArray::number(static_cast<qlonglong>(file.st_size)) + ':' +
+           QByteArray::number(static_cast<qlonglong>(file.st_mtim.tv_sec)) + '.' +
+           QByteArray::number(static_cast<qlonglong>(file.st_mtim.tv_nsec));
+}
+
+QByteArray fileIdentity(const QString& path)
+{
+    const Descriptor file(::open(QFile::encodeName(path).constData(),
+                                 O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    return file.isOpen() ? fileIdentity(file.number()) : QByteArray();
+}
+
+bool isProcessGone(qint64 process)
+{
+    return process > 0 && process <= std::numeric_limits<pid_t>::max() &&
+           ::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH;
 }
 
 void removeAbandonedParts(const QString& path)

@@ -1,6 +1,7 @@
 #include "Project/ProjectFileLoader.h"
 
 #include "Platform/fileSystem.h"
+#include "Project/CopyIntent.h"
 #include "Project/MediaCopy.h"
 #include "Project/logCategory.h"
 #include "Video/fileNames.h"
@@ -239,6 +240,7 @@ QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
 {
     qCInfo(lcProject) << "Start loading project" << fileProjectPath;
     const QFileInfo project(fileProjectPath);
+    CopyIntent::removeAbandoned(project.absolutePath());
     platform::removeAbandonedParts(fileProjectPath);
     platform::removeAbandonedParts(project.absolutePath() + QLatin1Char('/') +
                                    project.completeBaseName() + QLatin1String("_video"));
@@ -336,6 +338,7 @@ bool ProjectFileLoader::copySourceFilesAndSaveProject(QString originalLogPath,
     const QString base = project.absolutePath() + QLatin1Char('/') + project.completeBaseName();
     const qint64 totalBytes = QFile(originalLogPath).size() + bytesOf(filesOf(originalVideoPath));
     m_copyProblem.reset();
+    CopyIntent::removeAbandoned(project.absolutePath());
     MediaCopy copy;
     copy.setPieceCopied(m_pieceCopied);
     m_copy = &copy;
@@ -350,6 +353,12 @@ bool ProjectFileLoader::copySourceFilesAndSaveProject(QString originalLogPath,
         log.undo();
         video.undo();
     }
+    CopyIntent intent(project.filePath());
+    for (const Copied* copied : {&log, &video})
+        for (const Copied::Staged& staged : copied->staged)
+            intent.add(staged.target, staged.file->descriptor(), copied->seriesFolder);
+    // Without it the copies are as good: only a kill at this moment needs it.
+    intent.write();
     publish(log);
     publish(video);
     flightProperties.insert(QStringLiteral("parts"), video.parts());
