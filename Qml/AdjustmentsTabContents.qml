@@ -306,7 +306,7 @@ Rectangle {
                     onToggle: adjustmentsRect.extremesToggled(checked)
                 }
 
-                ComboBox {
+                CorvComboBox {
                     id: paletteBox
                     objectName: "paletteBox"
                     width: 110

@@ -478,7 +478,7 @@ Window {
                     color: Theme.text
                 }
 
-                ComboBox {
+                CorvComboBox {
                     id: cardOneDriveDropdown
                     objectName: "cardOneDriveDropdown"
                     Layout.fillWidth: true
@@ -503,7 +503,7 @@ Window {
                     color: Theme.text
                 }
 
-                ComboBox {
+                CorvComboBox {
                     id: cardTwoDriveDropdown
                     objectName: "cardTwoDriveDropdown"
                     Layout.fillWidth: true
@@ -525,6 +525,16 @@ Window {
             }
         }
 
+        CorvCheckBox {
+            id: checkBoxFastSearch
+            objectName: "checkBoxFastSearch"
+            anchors {
+                right: parseButton.left; rightMargin: 16
+                verticalCenter: parseButton.verticalCenter
+            }
+            text: "Fast search (ignores metadata)"
+        }
+
         CorvButton {
             id: parseButton
             objectName: "parseButton"
@@ -537,16 +547,6 @@ Window {
             enabled: !autoImporter.isBusy
             text: "Search flights"
             onClicked: autoImporter.parseChosenDirs()
-        }
-
-        CorvCheckBox {
-            id: checkBoxFastSearch
-            objectName: "checkBoxFastSearch"
-            anchors {
-                right: parseButton.left; rightMargin: 16
-                verticalCenter: parseButton.verticalCenter
-            }
-            text: "Fast search (ignores metadata)"
         }
 
         ImporterTable {

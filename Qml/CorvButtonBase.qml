@@ -24,7 +24,7 @@ Rectangle {
     Accessible.name: name !== "" ? name : tooltiptext
     Accessible.description: enabled || disabledReason === "" ? toolTip.text
                                                              : toolTip.text + ": " + disabledReason
-    Accessible.focusable: true
+    Accessible.focusable: enabled
     Accessible.onPressAction: clicked()
 
     // Before the window's own shortcut of this key.

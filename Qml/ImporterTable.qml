@@ -66,7 +66,7 @@ Item {
             top: matchingsListHeader.bottom; bottom: parent.bottom
         }
         color: Theme.listGround
-        border { width: matchingsListView.activeFocus ? 1 : 0; color: Theme.buttonHovered }
+        border { width: matchingsListView.activeFocus ? 1 : 0; color: Theme.accent }
 
         Text {
             objectName: "emptyListText"

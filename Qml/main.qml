@@ -398,6 +398,20 @@ ReviewWindow {
             Accessible.role: Accessible.Slider
             Accessible.name: "Timeline"
             Accessible.description: infoTab.positionText
+            Accessible.onIncreaseAction: videoPlayer.step(1)
+            Accessible.onDecreaseAction: videoPlayer.step(-1)
+
+            // The number of the frame, for a screen reader, which may set it.
+            property int value: 0
+            readonly property int minimumValue: 0
+            readonly property int maximumValue: Math.max(0, videoPlayer.frameCount - 1)
+            readonly property int stepSize: 1
+
+            Binding on value { value: videoPlayer.currentFrameIndex }
+            onValueChanged: {
+                if (value !== videoPlayer.currentFrameIndex)
+                    videoPlayer.goToFrame(value);
+            }
 
             onDurationChanged: updateLogData()
             onSeekRequest: videoPlayer.goToTime(time)
