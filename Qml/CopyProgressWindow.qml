@@ -10,13 +10,15 @@ Window {
     objectName: "copyProgressWindow"
 
     property Job job: null
+    // What cannot be copied, as soon as it is known.
+    property string problem: ""
 
     visible: job !== null
     title: "Copying the files of the flight"
     width: 560
-    height: 120
+    height: minimumHeight
     minimumWidth: 400
-    minimumHeight: 120
+    minimumHeight: problem === "" ? 120 : 136 + problemText.implicitHeight
     color: Theme.dialog
     flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint
     modality: Qt.ApplicationModal
@@ -49,6 +51,19 @@ Window {
         value: copyProgressWindow.job !== null && copyProgressWindow.job.total > 0
                ? copyProgressWindow.job.done / copyProgressWindow.job.total : 0
         Accessible.name: "Progress of the copy"
+    }
+
+    Text {
+        id: problemText
+        objectName: "copyProblemText"
+        anchors { left: parent.left; right: parent.right; top: progressBar.bottom; margins: 14 }
+        visible: copyProgressWindow.problem !== ""
+        color: Theme.text
+        wrapMode: Text.Wrap
+        textFormat: Text.PlainText
+        text: copyProgressWindow.problem + " The project will refer to it where it is."
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 
     CorvQuickStartButton {

@@ -136,6 +136,18 @@ QHash<QString, qint64> resolvedSizes(const QJsonObject& stored, const QDir& proj
     return sizes;
 }
 
+QString logTarget(const QString& base, const QString& log)
+{
+    return base + QLatin1String("_log.") + QFileInfo(log).suffix();
+}
+
+/// The folder of a series, or the file.
+QString videoTarget(const QString& base, const QStringList& parts)
+{
+    return parts.size() > 1 ? base + QLatin1String("_video")
+                            : base + QLatin1String("_video.") + QFileInfo(parts.first()).suffix();
+}
+
 bool isSameFile(const QString& a, const QString& b)
 {
     const QString real = QFileInfo(a).canonicalFilePath();
@@ -338,6 +350,7 @@ bool ProjectFileLoader::copySourceFilesAndSaveProject(QString originalLogPath,
     const QString base = project.absolutePath() + QLatin1Char('/') + project.completeBaseName();
     const qint64 totalBytes = QFile(originalLogPath).size() + bytesOf(filesOf(originalVideoPath));
     m_copyProblem.reset();
+    emit copyProblemChanged();
     CopyIntent::removeAbandoned(project.absolutePath());
     MediaCopy copy;
     copy.setPieceCopied(m_pieceCopied);
@@ -346,9 +359,12 @@ bool ProjectFileLoader::copySourceFilesAndSaveProject(QString originalLogPath,
             [this, totalBytes](qint64 doneBytes) { emit copyProgress(doneBytes, totalBytes); });
     emit copyingChanged(true);
 
+    QStringList parts = flightProperties.value(QStringLiteral("parts")).toStringList();
+    if (parts.isEmpty())
+        parts = filesOf(originalVideoPath);
+    noteWhatIsInTheWay(originalLogPath, parts, base);
     Copied log = copyLog(originalLogPath, base);
-    const QStringList parts = flightProperties.value(QStringLiteral("parts")).toStringList();
-    Copied video = copyVideo(parts.isEmpty() ? filesOf(originalVideoPath) : parts, base);
+    Copied video = copyVideo(parts, base);
     if (copy.isCancelled()) {
         log.undo();
         video.undo();
@@ -382,9 +398,27 @@ void ProjectFileLoader::cancelCopying()
 
 void ProjectFileLoader::noteCopyProblem(const QString& path, int error)
 {
-    if (!m_copyProblem)
-        m_copyProblem =
-            platform::failureOfError(error, QStringLiteral("%1 could not be copied").arg(path));
+    if (m_copyProblem)
+        return;
+    m_copyProblem =
+        platform::failureOfError(error, QStringLiteral("%1 could not be copied").arg(path));
+    emit copyProblemChanged();
+}
+
+void ProjectFileLoader::noteWhatIsInTheWay(const QString& log, const QStringList& parts,
+                                           const QString& base)
+{
+    const auto check = [this](const QString& source, const QString& copied, const QString& target) {
+        if (!QFileInfo(source).isReadable())
+            noteCopyProblem(source, QFileInfo::exists(source) ? EACCES : ENOENT);
+        else if (QFileInfo::exists(target) && !isSameFile(copied, target))
+            noteCopyProblem(source, EEXIST);
+    };
+    if (!isNoLog(log))
+        check(log, log, logTarget(base, log));
+    for (const QString& part : parts)
+        check(part, parts.size() > 1 ? QFileInfo(part).absolutePath() : part,
+              videoTarget(base, parts));
 }
 
 bool ProjectFileLoader::stage(const QString& source, const QString& target, Copied& copied)
@@ -409,8 +443,7 @@ ProjectFileLoader::Copied ProjectFileLoader::copyLog(const QString& source, cons
     if (isNoLog(source))
         return copied;
     copied.original = source;
-    copied.isComplete =
-        stage(source, base + QLatin1String("_log.") + QFileInfo(source).suffix(), copied);
+    copied.isComplete = stage(source, logTarget(base, source), copied);
     qCInfo(lcProject) << (copied.isComplete ? "Logs copy completed" : "Logs copy failed");
     return copied;
 }
@@ -424,7 +457,7 @@ ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QStringList& parts,
     copied.original = source;
     copied.originalParts = parts;
     if (copied.originalParts.size() > 1) {
-        copied.seriesFolder = base + QLatin1String("_video");
+        copied.seriesFolder = videoTarget(base, parts);
         platform::removeAbandonedParts(copied.seriesFolder);
         // Whatever else is of this name is not ours.
         if (QFileInfo::exists(copied.seriesFolder) &&
@@ -439,8 +472,7 @@ ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QStringList& parts,
                       copied);
         }
     } else {
-        copied.isComplete =
-            stage(source, base + QLatin1String("_video.") + QFileInfo(source).suffix(), copied);
+        copied.isComplete = stage(source, videoTarget(base, parts), copied);
     }
     qCInfo(lcProject) << (copied.isComplete ? "Video copy completed" : "Video copy failed");
     return copied;

@@ -23,6 +23,7 @@ class ProjectFileLoader : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(bool copying READ isCopying NOTIFY copyingChanged)
+    Q_PROPERTY(QString copyProblemText READ copyProblemText NOTIFY copyProblemChanged)
 
 public:
     explicit ProjectFileLoader(QObject* parent = nullptr);
@@ -93,12 +94,17 @@ public:
     /// Why the last copy was not complete; none if it was.
     const std::optional<Failure>& copyProblem() const { return m_copyProblem; }
 
+    /// The same as a sentence, empty for none. What is in the way of a copy is known before the
+    /// first byte is copied.
+    QString copyProblemText() const { return m_copyProblem ? m_copyProblem->sentence : QString(); }
+
     /// For tests and benchmarks: called by the copying thread after each piece.
     void setPieceCopied(std::function<void(qint64 bytes)> pieceCopied);
 
 signals:
     void copyingChanged(bool copying);
     void copyProgress(qint64 doneBytes, qint64 totalBytes);
+    void copyProblemChanged();
 
 private:
     struct Copied;
@@ -108,6 +114,7 @@ private:
     bool stage(const QString& source, const QString& target, Copied& copied);
     void publish(Copied& copied);
     void noteCopyProblem(const QString& path, int error);
+    void noteWhatIsInTheWay(const QString& log, const QStringList& parts, const QString& base);
 
     Status m_lastSave;
     SavedFiles m_savedFiles;

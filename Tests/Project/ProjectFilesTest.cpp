@@ -49,6 +49,39 @@ private slots:
         QCOMPARE(QFile::permissions(path("p.ecor")) & QFile::ReadOther, QFile::Permissions());
     }
 
+    void whatIsInTheWayOfACopyIsSaidBeforeTheFirstByte_data()
+    {
+        QTest::addColumn<QString>("inTheWay");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("nothing") << QString() << QString();
+        QTest::newRow("a video") << "p_video.mov"
+                                 << "a.mov could not be copied: File exists.";
+        QTest::newRow("a log") << "p_log.log"
+                               << "a.log could not be copied: File exists.";
+    }
+
+    void whatIsInTheWayOfACopyIsSaidBeforeTheFirstByte()
+    {
+        QFETCH(QString, inTheWay);
+        QFETCH(QString, said);
+        const QTemporaryDir media;
+        writeFile(media.filePath("a.mov"), "video");
+        writeFile(media.filePath("a.log"), "log");
+        if (!inTheWay.isEmpty())
+            writeFile(path(inTheWay), "mine");
+        QStringList texts;
+        QObject::connect(&m_loader, &ProjectFileLoader::copyProgress, this,
+                         [&] { texts << m_loader.copyProblemText(); });
+        const bool isCopied = m_loader.copySourceFilesAndSaveProject(
+            media.filePath("a.log"), media.filePath("a.mov"), path("p.ecor"), flightProperties());
+        m_loader.disconnect(this);
+        QCOMPARE(isCopied, inTheWay.isEmpty());
+        QVERIFY(!texts.isEmpty());
+        QCOMPARE(texts.first(), said.isEmpty() ? QString() : media.filePath(said));
+        if (!inTheWay.isEmpty())
+            QCOMPARE(readFile(path(inTheWay)), QByteArray("mine"));
+    }
+
     void aLinkStaysALink()
     {
         QVERIFY(QDir().mkpath(path("real")));
