@@ -226,6 +226,7 @@ ReviewWindow {
         objectName: "recovery"
         review: review
         folder: standardFolder
+        onNotKept: infoTab.showNotice(text)
     }
 
     QuestionDialog {
@@ -235,6 +236,7 @@ ReviewWindow {
     CopyProgressWindow {
         id: copyProgressWindow
         job: review.copyJob
+        problem: projectFileLoader.copyProblemText
     }
 
     PoiReportExporter {

@@ -3,9 +3,11 @@
 #include "Base/videoTime.h"
 #include "Platform/fileSystem.h"
 #include "Review/logCategory.h"
+#include "Threads/post.h"
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
@@ -70,6 +72,9 @@ void Recovery::setFolder(const QString& folder)
     if (folder == m_folder)
         return;
     m_folder = folder;
+    if (!folder.isEmpty() && (!QDir().mkpath(folder) || !QFileInfo(folder).isWritable()))
+        // Not before the interface can hear it.
+        post(this, [this] { sayNotKept(tr("the folder cannot be written")); });
     const std::vector<RecoveredReview> found = RecoveryStore(m_folder).found();
     if (!found.empty())
         offer(found.front());
@@ -109,6 +114,14 @@ void Recovery::settle()
     m_saved = contentsNow();
     if (!m_place.file.isEmpty())
         QFile::remove(m_place.file);
+}
+
+void Recovery::sayNotKept(const QString& reason)
+{
+    if (std::exchange(m_hasSaidNotKept, true))
+        return;
+    emit notKept(
+        tr("Unsaved work cannot be kept in %1: %2. Save the project often.").arg(m_folder, reason));
 }
 
 /// The names come from the log, when it has been read.
@@ -173,15 +186,17 @@ void Recovery::write()
     for (const auto& poi : now.pois)
         pois.append(poi.second);
     review.contents.pois = pois;
-    m_writing = runOnPool([file = m_place.file, lock = m_place.lock, differs, review] {
+    m_writing = runOnPool([this, file = m_place.file, lock = m_place.lock, differs, review] {
         if (!differs) {
             QFile::remove(file);
             return;
         }
         const int error = platform::replaceFile(file, recoveryText(review));
-        if (error != 0)
-            qCWarning(lcReview) << "The unsaved review cannot be kept in" << file
-                                << qt_error_string(error);
+        if (error == 0)
+            return;
+        qCWarning(lcReview) << "The unsaved review cannot be kept in" << file
+                            << qt_error_string(error);
+        post(this, [this, error] { sayNotKept(qt_error_string(error)); });
     });
 }
 

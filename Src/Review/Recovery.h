@@ -71,6 +71,9 @@ public:
 signals:
     void offerChanged();
 
+    /// Unsaved work cannot be kept, and why. Once in a run.
+    void notKept(const QString& text);
+
 private:
     /// What differs is worth keeping: adjustments, names, points of interest by their time.
     struct Contents
@@ -91,13 +94,15 @@ private:
     void write();
     void begin();
     void finishPending();
+    void sayNotKept(const QString& reason);
     void offerFor(const QString& videoPath, const QString& projectPath);
     void offer(std::optional<RecoveredReview> review);
 
     QPointer<Review> m_review;
     QString m_folder;
     QTimer m_timer;
-    Contents m_saved;               ///< what needs no recovery
+    Contents m_saved; ///< what needs no recovery
+    bool m_hasSaidNotKept = false;
     bool m_isAlwaysUnsaved = false; ///< a restored review, until it is saved
     RecoveryStore::Place m_place;   ///< of the flight that is open
     PoolTask m_writing;

@@ -5,6 +5,7 @@
 #include "Review/logCategory.h"
 #include "Review/logPois.h"
 #include "Review/proposedName.h"
+#include "Review/reviewTexts.h"
 #include "Threads/post.h"
 
 #include <QDateTime>
@@ -18,37 +19,6 @@
 #include <utility>
 
 namespace corv {
-namespace {
-
-QString missingFileText(const QString& kind, const QString& path)
-{
-    return QStringLiteral(
-               "Project could be opened, but referenced %1 file not found.\nFile could have been "
-               "deleted, or project could have been copied/moved to a different place without the "
-               "associated log & video files. Be sure to keep video & log files in the same "
-               "relative "
-               "location to the project file.\n\nExpected %1 file location:\n")
-               .arg(kind) +
-           path;
-}
-
-QString notCopiedText(const QString& videoPath, const QString& logPath)
-{
-    return QStringLiteral(
-               "Could not copy video or log next to the project file. Moving the project "
-               "file to a different location after creation may break its association "
-               "with log and video files. Make sure to keep those files in the same "
-               "relative location from the project file. \n\nVideo was loaded from:\n\n") +
-           videoPath + QStringLiteral("\n\nLog was loaded from\n\n") + logPath;
-}
-
-/// A stated text, followed by the cause where it is known.
-QString withCause(const QString& text, const std::optional<Failure>& cause)
-{
-    return cause ? text + QStringLiteral("\n\n") + cause->sentence : text;
-}
-
-} // namespace
 
 Review::Review(QObject* parent) : QObject(parent), m_undoStack(std::make_unique<QUndoStack>())
 {
@@ -410,6 +380,8 @@ bool Review::writeProject(const QString& path, Save mode)
     QVariantMap project = contents();
     project.insert(QStringLiteral("parts"), sources.parts);
     const bool wantsCopies = mode != Save::plain;
+    const QString name = QFileInfo(path).fileName();
+    QPointer<Job> job = m_jobs.start(Job::Kind::saving, tr("Save %1").arg(name));
     const bool hasRoom =
         wantsCopies && m_projectFiles->canSourceFilesBeCopied(sources.log, sources.video, path);
     const bool isCopied = hasRoom && m_projectFiles->copySourceFilesAndSaveProject(
@@ -417,6 +389,10 @@ bool Review::writeProject(const QString& path, Save mode)
     if (!hasRoom)
         m_projectFiles->saveProject(sources.log, sources.video, path, project);
     const Status written = m_projectFiles->lastSave();
+    if (job && written)
+        job->succeed(tr("%1 is saved.").arg(name));
+    else if (job)
+        job->fail(written.failure());
     if (!written) {
         emit problem(
             tr("Project not saved"),

@@ -199,6 +199,50 @@ private slots:
         QCOMPARE(desk.review.projectPath(), path("p.ecor"));
     }
 
+    void aSaveIsAJobWithItsResult()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first()));
+        QVERIFY(desk.review.save(path("p.ecor")));
+        QVERIFY(!desk.review.save(path("none/q.ecor")));
+        const JobList& jobs = *desk.review.jobs();
+        QCOMPARE(jobs.rowCount(), 2);
+        QCOMPARE(jobs.job(0)->kind(), Job::Kind::saving);
+        QCOMPARE(jobs.job(0)->title(), QString("Save p.ecor"));
+        QCOMPARE(jobs.job(0)->resultText(), QString("p.ecor is saved."));
+        QCOMPARE(jobs.job(1)->state(), Job::Failed);
+        QVERIFY(jobs.job(1)->resultText().contains("No such file or directory"));
+    }
+
+    void saysOnceThatUnsavedWorkCannotBeKept()
+    {
+        Desk desk;
+        QSignalSpy notKept(&desk.recovery, &Recovery::notKept);
+        desk.recovery.setFolder("/proc/vistrel/recovery");
+        QTRY_COMPARE(notKept.size(), 1);
+        QCOMPARE(notKept[0][0].toString(),
+                 QString("Unsaved work cannot be kept in /proc/vistrel/recovery: the folder cannot "
+                         "be written. Save the project often."));
+        QVERIFY(desk.openFlight(first()));
+        desk.review.pois()->create(timeOfMs(100));
+        desk.recovery.flush();
+        QCoreApplication::processEvents();
+        QCOMPARE(notKept.size(), 1);
+        QVERIFY(desk.review.save(path("p.ecor")));
+    }
+
+    void saysThatUnsavedWorkIsNotKeptAnyMore()
+    {
+        Desk desk(path("recovery"));
+        QSignalSpy notKept(&desk.recovery, &Recovery::notKept);
+        QVERIFY(desk.openFlight(first()));
+        QVERIFY(QDir(path("recovery")).removeRecursively()); // as of a disk that went away
+        desk.review.pois()->create(timeOfMs(100));
+        desk.recovery.flush();
+        QTRY_COMPARE(notKept.size(), 1);
+        QVERIFY(notKept[0][0].toString().contains("No such file or directory"));
+    }
+
     void nothingOpenIsNotSaved()
     {
         Desk desk;
