@@ -4,6 +4,8 @@
 
 #include <QDebug>
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <iterator>
 
 namespace corv {
@@ -62,6 +64,19 @@ void listNeighbours(const TimedFile& video, const std::vector<TimedFile>& logs, 
         list(video, logs[static_cast<size_t>(paired)]);
 }
 
+// As the format "dd/MM/yyyy hh:mm:ss" gives it, which takes several times as long.
+QString textOf(const QDateTime& time)
+{
+    if (!time.isValid())
+        return {};
+    const QDate date = time.date();
+    const QTime clock = time.time();
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%02d/%02d/%04d %02d:%02d:%02d", date.day(),
+                  date.month(), date.year(), clock.hour(), clock.minute(), clock.second());
+    return QString::fromLatin1(text.data());
+}
+
 } // namespace
 
 std::vector<TimedFile> sortedByTime(const QList<QFileInfo>& files,
@@ -73,8 +88,7 @@ std::vector<TimedFile> sortedByTime(const QList<QFileInfo>& files,
         const QDateTime time = timeOf(file);
         if (!time.isValid())
             qCWarning(lcDiscovery) << "No time for file" << file.filePath();
-        timed.push_back({file, time, time.toMSecsSinceEpoch(),
-                         time.toString(QStringLiteral("dd/MM/yyyy hh:mm:ss"))});
+        timed.push_back({file, time, time.toMSecsSinceEpoch(), textOf(time)});
     }
     std::stable_sort(timed.begin(), timed.end(), [](const TimedFile& a, const TimedFile& b) {
         if (a.time.isValid() != b.time.isValid())

@@ -18,6 +18,7 @@ namespace {
 constexpr double doubtByTimeAndLength = 3e-4;
 constexpr double doubtByLength = 2e-5;
 constexpr double doubtBySoundTimes = 0.01;
+constexpr double doubtByKeptTimes = 0.1;
 constexpr double likely = 0.5;
 constexpr double usuallyMissing = 0.2; // share of the files, as the alignment assumes
 
@@ -197,6 +198,7 @@ private:
     std::vector<std::vector<AlignmentClaim>> m_claims; // by place in m_order
     bool m_timesAreSound = false;
     bool m_timesAreLost = false;
+    bool m_timesAreKept = false;         // as far as they show by themselves
     std::vector<bool> m_timesSayNothing; // by log
     double m_missingFiles = 1; // how much likelier than usual a log and a video are missing
 };
@@ -219,6 +221,7 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
     };
     input.timesAreKept = likelihoodOfKeptTimes(videos);
     m_timesAreLost = input.timesAreKept < likely;
+    m_timesAreKept = input.timesAreKept > 0.9;
     m_claims = alignFlights(input);
     m_timesAreSound = nothingContradictsTimes();
     m_timesSayNothing = logsOfOtherLengths(logs.size());
@@ -345,10 +348,13 @@ std::vector<bool> Decision::logsOfOtherLengths(size_t logs) const
 bool Decision::isDoubtful(const PairingVideo& video, const LogBelief& byTime) const
 {
     const double doubt = 1 - byTime.probability;
+    const bool timesSpeak =
+        m_timesAreKept && !m_timesSayNothing[static_cast<size_t>(video.logByTime)];
+    if ((m_timesAreSound || (timesSpeak && doubt < doubtByKeptTimes)) &&
+        m_delay.followsAtOnce(video, m_recordings[static_cast<size_t>(byTime.best.recording)]))
+        return false;
     if (m_timesAreSound)
-        return doubt > doubtBySoundTimes &&
-               !m_delay.followsAtOnce(video,
-                                      m_recordings[static_cast<size_t>(byTime.best.recording)]);
+        return doubt > doubtBySoundTimes;
     return doubt * m_missingFiles > (m_timesSayNothing[static_cast<size_t>(video.logByTime)]
                                          ? doubtByLength
                                          : doubtByTimeAndLength);

@@ -159,12 +159,13 @@ QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& f
     };
     addIfGone(locations.logDirectory, files.logs);
     addIfGone(locations.videoDirectory, files.videos);
-    if (files.skippedNames > 0)
-        remarks.append(
-            QStringLiteral("%1 left out: the name is not valid text (UTF-8). Rename to include.")
-                .arg(files.skippedNames == 1
-                         ? QStringLiteral("1 file is")
-                         : QStringLiteral("%1 files are").arg(files.skippedNames)));
+    if (files.skippedNames == 1)
+        remarks.append(QStringLiteral("1 file is left out: its name is not valid text (UTF-8). "
+                                      "Rename it to have it listed."));
+    else if (files.skippedNames > 1)
+        remarks.append(QStringLiteral("%1 files are left out: their names are not valid text "
+                                      "(UTF-8). Rename them to have them listed.")
+                           .arg(files.skippedNames));
     return remarks;
 }
 

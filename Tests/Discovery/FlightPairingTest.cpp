@@ -54,6 +54,7 @@ private slots:
     void lengthsAgreeBelowThreeSeconds_data();
     void lengthsAgreeBelowThreeSeconds();
     void equalLengthsLeaveNoDoubtWhereTimesAgree();
+    void oneWrongPairLeavesTheOthersCertain();
     void lostTimesAreReplacedByLengths();
     void orderOfNamesDecidesBetweenEqualLengths();
     void gapInTimesIsFilledByLength();
@@ -156,6 +157,20 @@ void FlightPairingTest::equalLengthsLeaveNoDoubtWhereTimesAgree()
         QCOMPARE(pairings[i].evidence, PairingEvidence::TimeAndLength);
         QVERIFY(!pairings[i].doubtful);
     }
+}
+
+void FlightPairingTest::oneWrongPairLeavesTheOthersCertain()
+{
+    // The second video was cut short, the third has lost its log; times are as the camera set them.
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0001.MOV", 20'000, 0, 0), video("CORV0003.MOV", 21'000, 1, 3600),
+         video("CORV0005.MOV", 90'000, -1, 9000), video("CORV0007.MOV", 47'000, 2, 12'000)},
+        {logOf("1.log", {20'900}, 40), logOf("2.log", {35'900}, 3640),
+         logOf("3.log", {47'900}, 12'040)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 1, -1, 2}));
+    QVERIFY(!pairings[0].doubtful);
+    QVERIFY(pairings[1].doubtful);
+    QVERIFY(!pairings[3].doubtful);
 }
 
 void FlightPairingTest::lostTimesAreReplacedByLengths()
