@@ -118,6 +118,7 @@ private:
     std::vector<size_t> m_firstCandidate;          // of each segment, counted through all
     size_t m_candidates = 0;
     std::vector<ScaledRow> m_forward; // per video: ways to have come to each place before it
+    std::vector<std::vector<double>> m_arriving; // per video: ways to come to each recording next
     std::vector<double> m_probabilities;
 };
 
@@ -246,6 +247,14 @@ void Alignment::weigh(const AlignmentInput& input, bool withTimes)
                           : candidate.lengthFit;
 }
 
+std::array<double, gaps.size()> sharesOfGaps(double inOrder)
+{
+    std::array<double, gaps.size()> shares{};
+    for (size_t gap = 0; gap < gaps.size(); ++gap)
+        shares[gap] = inOrder * gaps[gap].share * (1 - gaps[gap].skip);
+    return shares;
+}
+
 // From the ways to be at each place to those to come to each recording next.
 std::vector<double> Alignment::arrivals(const std::vector<double>& row, const Belief& belief) const
 {
@@ -254,12 +263,16 @@ std::vector<double> Alignment::arrivals(const std::vector<double>& row, const Be
         all += value;
     const double jumped = belief.jump * all / static_cast<double>(m_recordings);
     std::vector<double> in(m_recordings, jumped);
-    for (const Gap& gap : gaps) {
-        double passing = 0;
-        for (size_t r = 0; r < m_recordings; ++r) {
-            passing = row[r] + gap.skip * passing;
-            in[r] += belief.inOrder * gap.share * (1 - gap.skip) * passing;
+    const std::array<double, gaps.size()> shares = sharesOfGaps(belief.inOrder);
+    std::array<double, gaps.size()>
+        passing{}; // side by side, since each waits for its own last one
+    for (size_t r = 0; r < m_recordings; ++r) {
+        double passed = 0;
+        for (size_t gap = 0; gap < gaps.size(); ++gap) {
+            passing[gap] = row[r] + gaps[gap].skip * passing[gap];
+            passed += shares[gap] * passing[gap];
         }
+        in[r] += passed;
     }
     return in;
 }
@@ -273,12 +286,15 @@ std::vector<double> Alignment::departures(const std::vector<double>& worth,
         all += value;
     const double jumped = belief.jump * all / static_cast<double>(m_recordings);
     std::vector<double> out(m_recordings + 1, jumped);
-    for (const Gap& gap : gaps) {
-        double passing = 0;
-        for (size_t r = m_recordings; r-- > 0;) {
-            passing = worth[r] + gap.skip * passing;
-            out[r] += belief.inOrder * gap.share * (1 - gap.skip) * passing;
+    const std::array<double, gaps.size()> shares = sharesOfGaps(belief.inOrder);
+    std::array<double, gaps.size()> passing{};
+    for (size_t r = m_recordings; r-- > 0;) {
+        double passed = 0;
+        for (size_t gap = 0; gap < gaps.size(); ++gap) {
+            passing[gap] = worth[r] + gaps[gap].skip * passing[gap];
+            passed += shares[gap] * passing[gap];
         }
+        out[r] += passed;
     }
     return out;
 }
@@ -291,10 +307,11 @@ double Alignment::strayFit(const Segment& segment, const Belief& belief) const
     return fit * belief.stray / static_cast<double>(m_recordings);
 }
 
-void scaleToOne(ScaledRow& row)
+void keepInRange(ScaledRow& row)
 {
     const double largest = *std::max_element(row.values.begin(), row.values.end());
-    if (!(largest > 0))
+    constexpr double room = 1e30; // both ways; few rows leave it
+    if (!(largest > 0) || (largest > 1 / room && largest < room))
         return;
     for (double& value : row.values)
         value /= largest;
@@ -307,11 +324,11 @@ void Alignment::forwards(const Belief& belief)
     m_forward.assign(m_videos + 1, {});
     m_forward[0] = {std::vector<double>(m_recordings + 1, 0.0), 0.0};
     m_forward[0].values[0] = 1;
-    std::vector<std::vector<double>> arriving(m_videos); // for the segments still to end
+    m_arriving.assign(m_videos, {});
     for (size_t after = 1; after <= m_videos; ++after) {
         const ScaledRow& before = m_forward[after - 1];
         if (!m_startingAt[after - 1].empty())
-            arriving[after - 1] = arrivals(before.values, belief);
+            m_arriving[after - 1] = arrivals(before.values, belief);
         ScaledRow& row = m_forward[after];
         row.logScale = before.logScale;
         for (const size_t s : m_endingAt[after])
@@ -329,15 +346,13 @@ void Alignment::forwards(const Belief& belief)
             const double paired = (1 - videoHasNoLog) * factor(m_forward[first]);
             for (const Candidate& candidate : segment.candidates) {
                 const auto r = static_cast<size_t>(candidate.recording);
-                row.values[r + 1] += paired * arriving[first][r] * candidate.fit;
+                row.values[r + 1] += paired * m_arriving[first][r] * candidate.fit;
             }
             const double stray = paired * strayFit(segment, belief);
             for (size_t place = 0; place <= m_recordings; ++place)
                 row.values[place] += stray * m_forward[first].values[place];
         }
-        scaleToOne(row);
-        if (after >= mostParts)
-            arriving[after - mostParts].clear();
+        keepInRange(row);
     }
 }
 
@@ -391,15 +406,15 @@ Alignment::Outcome Alignment::backwards(const Belief& belief) const
         for (double& value : row.values)
             value *= unpaired;
         if (!m_startingAt[video].empty()) {
-            const std::vector<double> arriving = arrivals(m_forward[video].values, belief);
             std::vector<double> worth(m_recordings, 0.0);
             for (const size_t s : m_startingAt[video])
-                addWaysOn(s, belief, {restAfter(s), arriving, logAllWays}, worth, row, outcome);
+                addWaysOn(s, belief, {restAfter(s), m_arriving[video], logAllWays}, worth, row,
+                          outcome);
             const std::vector<double> out = departures(worth, belief);
             for (size_t place = 0; place <= m_recordings; ++place)
                 row.values[place] += out[place];
         }
-        scaleToOne(row);
+        keepInRange(row);
         if (video + mostParts + 1 <= m_videos)
             backward[video + mostParts + 1] = {}; // no segment reaches that far
     }
@@ -439,6 +454,7 @@ void Alignment::run(const AlignmentInput& input)
         best = std::max(best, outcomes.back().logWeight);
     }
     m_forward.clear();
+    m_arriving.clear();
     double all = 0;
     for (const Outcome& outcome : outcomes)
         all += std::exp(outcome.logWeight - best);
