@@ -6,6 +6,7 @@
 
 #include "Log/LogParser.h"
 #include "SampleFlight/SampleFlight.h"
+#include "Timeline/ExportInstruments.h"
 #include "Timeline/timelineGeometry.h"
 #include "Video/VideoPlayer.h"
 #include "Video/frameConversion.h"
@@ -93,6 +94,38 @@ void withOverlay(Report& report)
                QStringLiteral("300 frames, to the same without"), false);
 }
 
+// Both with the thermal overlay; one with the flight instruments, whose values change all the time.
+void withInstruments(Report& report)
+{
+    const QString file = cameraVideo(report, {1920, 1080}, 10, 30, 25);
+    const QTemporaryDir folder;
+    const SampleFlight flight;
+    const QString log = folder.filePath(SampleFlight::logFile());
+    if (!flight.writeLog(log))
+        return;
+    LogParser parser;
+    parser.setDuration(timeOfMs(flight.videoDurationMs()));
+    parser.parseLog(log, false);
+    waitUntil([&parser] { return parser.isSynced(); });
+    const auto bare = openedPlayer(file);
+    const auto instrumented = openedPlayer(file);
+    for (VideoPlayer* player : {bare.get(), instrumented.get()}) {
+        player->setLogParser(&parser);
+        player->setAutoIRMapping(true);
+        player->setShowIR(true);
+        player->updateLogData();
+    }
+    ExportInstruments instruments;
+    instruments.setPlayer(instrumented.get());
+    instruments.setLogParser(&parser);
+    instruments.setShown(true);
+    const QString target = folder.filePath(QStringLiteral("out.mp4"));
+    const double ratio = ratioInTurn([&] { exportVideo(*bare, target); },
+                                     [&] { exportVideo(*instrumented, target); }, 5);
+    report.row(QStringLiteral("export: 1080p with overlay and instruments"), ratio, 0.93,
+               QStringLiteral("300 frames, to the same without instruments"), false);
+}
+
 // 100 frames, every tenth, decoded in order and saved.
 void saveInOrder(const QString& file, const QDir& folder)
 {
@@ -143,6 +176,7 @@ void series(Report& report)
 const Benchmark exports("export", [](Report& report) {
     wholeVideo(report, QStringLiteral("export: whole video 1080p"), {1920, 1080}, 10, 25, 0.8);
     withOverlay(report);
+    withInstruments(report);
     wholeVideo(report, QStringLiteral("export: whole video 4K"), {3840, 2160}, 3, 100, 0.55);
     series(report);
 });

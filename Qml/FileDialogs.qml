@@ -43,6 +43,11 @@ Item {
         createPoiReport.open();
     }
 
+    function askWhereToSavePoiTable() {
+        savePoiTableDialog.proposedName = review.proposedName();
+        savePoiTableDialog.open();
+    }
+
     // Without a suffix: the chosen format has it.
     function askWhereToSaveImage() {
         saveImageDialog.proposedName = review.proposedFrameName();
@@ -55,6 +60,7 @@ Item {
     property alias videoImportDialog: videoImportDialog
     property alias logImportDialog: logImportDialog
     property alias saveImageDialog: saveImageDialog
+    property alias savePoiTableDialog: savePoiTableDialog
 
     FileChoice {
         id: saveProjectDialog
@@ -110,6 +116,25 @@ Item {
             var path = Paths.withSuffix(typed, selectedNameFilter);
             fileDialogs.verbs.askBeforeReplacing(path, typed, function() {
                 fileDialogs.verbs.doCreatePoiReport(path);
+            });
+        }
+    }
+
+    FileChoice {
+        id: savePoiTableDialog
+        objectName: "savePoiTableDialog"
+        title: "Save points of interest as..."
+        nameFilters: ["CSV table (*.csv)", "JSON (*.json)"]
+        selectExisting: false
+        folder: fileDialogs.reportFolder
+        onAccepted: {
+            fileDialogs.reportFolderChosen(folder);
+            var typed = Paths.decodedLocalPath(fileUrl);
+            if (typed === "")
+                return;
+            var path = Paths.withSuffix(typed, selectedNameFilter, nameFilters);
+            fileDialogs.verbs.askBeforeReplacing(path, typed, function() {
+                fileDialogs.verbs.doExportPoiTable(path);
             });
         }
     }

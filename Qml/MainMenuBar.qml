@@ -168,6 +168,12 @@ MenuBar {
             onTriggered: menuBar.windows.openVideoExport()
         }
         MenuItem {
+            objectName: "exportPoiTableMenuItem"
+            text: "Export points of interest as a table..."
+            enabled: menuBar.videoOpen
+            onTriggered: menuBar.verbs.goExportPoiTable()
+        }
+        MenuItem {
             objectName: "copyFrameMenuItem"
             text: "&Copy current frame to clipboard"
             shortcut: "Ctrl+C"

@@ -19,6 +19,7 @@ ApplicationWindow {
     property TimelineContent timeline: null
     property Review review: null
     property PoiReportExporter reports: null
+    property PoiTableExport poiTables: null
     // The state of the work at hand that belongs to no native object.
     property Item currentProject: null
 
@@ -210,6 +211,17 @@ ApplicationWindow {
             return;
         player.pause();
         fileDialogs.askWhereToSaveReport();
+    }
+
+    function goExportPoiTable() {
+        if (!player.hasVideoOpened)
+            return;
+        player.pause();
+        fileDialogs.askWhereToSavePoiTable();
+    }
+
+    function doExportPoiTable(path) {
+        poiTables.write(timeline.getPOIs(), path);
     }
 
     function saveCurrentFrame() {

@@ -38,6 +38,7 @@ ReviewWindow {
     timeline: timelineContent
     review: review
     reports: poiReportExporter
+    poiTables: poiTableExport
     currentProject: currentProject
     fileDialogs: fileDialogs
     question: question
@@ -244,6 +245,14 @@ ReviewWindow {
         videoPlayer: videoPlayer
         onExportComplete: mainWindow.documentExportComplete(result)
         onExportProgress: mainWindow.documentExportProgress(done, total)
+    }
+
+    PoiTableExport {
+        id: poiTableExport
+        logParser: LogParser
+        imperialUnits: generalSettings.imperialUnits
+        onWritten: infoTab.showNotice(text)
+        onFailed: mainWindow.displayErrorDialog("Points of interest", text)
     }
 
     ExportInstruments {

@@ -23,6 +23,7 @@
 #include "Timeline/LogCurves.h"
 #include "Timeline/PictureItem.h"
 #include "Timeline/PoiFilter.h"
+#include "Timeline/PoiTableExport.h"
 #include "Timeline/ProjectPictures.h"
 #include "Timeline/TimelineContent.h"
 #include "Timeline/TimelineNavigator.h"
@@ -68,6 +69,7 @@ void registerQmlTypes()
     qmlRegisterType<PictureItem>("Timeline", 1, 0, "PictureItem");
     qmlRegisterType<ExportInstruments>("Timeline", 1, 0, "ExportInstruments");
     qmlRegisterType<FramePreview>("Timeline", 1, 0, "FramePreview");
+    qmlRegisterType<PoiTableExport>("Timeline", 1, 0, "PoiTableExport");
     qmlRegisterType<PoiFilter>("Timeline", 1, 0, "PoiFilter");
     qmlRegisterType<ProjectPictures>("Timeline", 1, 0, "ProjectPictures");
     qmlRegisterType<ExportJobs>("Review", 1, 0, "ExportJobs");

@@ -1,6 +1,7 @@
 #include "Batch/FlightRun.h"
 
 #include "Base/FileReplacement.h"
+#include "Batch/logTables.h"
 #include "Platform/FileLock.h"
 #include "Platform/childProcess.h"
 #include "Platform/fileSystem.h"
@@ -9,7 +10,6 @@
 #include "Threads/pool.h"
 #include "Threads/post.h"
 #include "Timeline/ExportInstruments.h"
-#include "Timeline/HeadUpPainter.h"
 #include "Timeline/poiTable.h"
 #include "Video/pictureFile.h"
 
@@ -29,6 +29,7 @@ namespace corv {
 namespace {
 
 const QString pictureFolder = QStringLiteral("pictures");
+const QString tableFolder = QStringLiteral("tables");
 const QString reportName = QStringLiteral("report.docx");
 const QString printedReportName = QStringLiteral("report.pdf");
 const QString videoName = QStringLiteral("video.mp4");
@@ -149,8 +150,15 @@ void FlightRun::work()
     };
     step(QStringLiteral("pictures"), fingerprint(QStringLiteral("pictures 1")),
          [this, &pois] { return writePictures(pois); });
-    step(QStringLiteral("points"), fingerprint(QStringLiteral("points 1")),
+    step(QStringLiteral("points"), fingerprint(QStringLiteral("points 2")),
          [this, &pois] { return writeTables(pois); });
+    if (!m_options.tables.isEmpty())
+        step(QStringLiteral("tables"),
+             fingerprintOf(
+                 QStringList{QStringLiteral("tables 1"), QString::number(m_options.tableRateHz)} +
+                     m_options.tables,
+                 inputs),
+             [this] { return writeLogTables(); });
     step(QStringLiteral("report"), fingerprint(QStringLiteral("report 1")),
          [this, &pois] { return writeReport(pois); });
     if (!wordProcessor().isEmpty() && QFile::exists(m_folder.filePath(reportName)))
@@ -423,22 +431,38 @@ Result<QStringList> FlightRun::writePictures(const QVariantList& pois)
 
 Result<QStringList> FlightRun::writeTables(const QVariantList& pois)
 {
-    HeadUpPainter instruments;
-    instruments.setLog(m_flight.logParser().log());
-    instruments.setClock(m_flight.logParser().clock());
-    instruments.setImperialUnits(m_options.imperialUnits);
-    QList<PoiTableRow> rows = poiTableRows(pois, instruments, m_flight.logParser().clock().get());
-    for (int i = 0; i < rows.size(); ++i) {
+    PoiTable table = poiTable(pois, m_flight.logParser(), m_options.imperialUnits);
+    for (int i = 0; i < table.rows.size(); ++i) {
         if (QFile::exists(m_folder.filePath(pictureName(i))))
-            rows[i].picture = pictureName(i);
+            table.rows[i].picture = pictureName(i);
     }
     const QStringList files{QStringLiteral("points.csv"), QStringLiteral("points.json")};
-    const QByteArray texts[] = {poiTableCsv(rows), poiTableJson(rows)};
-    for (int i = 0; i < files.size(); ++i) {
-        const Status written = replaceFile(m_folder.filePath(files[i]), texts[i]);
+    for (const QString& file : files) {
+        const Status written = writePoiTable(table, m_folder.filePath(file), isJsonName(file));
         if (!written)
             return written.failure();
     }
+    return files;
+}
+
+// The folder as one, also where a table is missing: what can be made is there.
+Result<QStringList> FlightRun::writeLogTables()
+{
+    const std::shared_ptr<const LogFile> log = m_flight.logParser().log();
+    if (!log)
+        return Failure{Failure::Kind::notFound,
+                       QStringLiteral("The flight has no log to make tables of.")};
+    if (const Status made = makeFolder(workPath(tableFolder)); !made)
+        return made.failure();
+    const Result<QStringList> written =
+        ::corv::writeLogTables(log, m_options.tables, m_options.tableRateHz, workPath(tableFolder));
+    QDir(m_folder.filePath(tableFolder)).removeRecursively();
+    const Status placed = putInPlace(workPath(tableFolder), m_folder.filePath(tableFolder));
+    if (!written || !placed)
+        return written ? placed.failure() : written.failure();
+    QStringList files;
+    for (const QString& name : *written)
+        files << tableFolder + QLatin1Char('/') + name;
     return files;
 }
 

@@ -26,6 +26,8 @@ struct FlightOptions
     bool copiesMedia = false; ///< video and log beside the project, so that the folder can travel
     bool showsThermal = false;
     bool writesVideo = false;
+    QStringList tables;            ///< of the log: "GROUP" or "GROUP:COLUMN,COLUMN"
+    double tableRateHz = 0;        ///< most rows a second of a table; 0 for all
     bool showsInstruments = false; ///< in a corner of pictures, report and video
     bool imperialUnits = false;    ///< lengths in feet
 };
@@ -84,6 +86,7 @@ private:
     QStringList showInstruments();
     Result<QStringList> writePictures(const QVariantList& pois);
     Result<QStringList> writeTables(const QVariantList& pois);
+    Result<QStringList> writeLogTables();
     Result<QStringList> writeReport(const QVariantList& pois);
     Result<QStringList> printReport();
     Result<QStringList> writeVideo();

@@ -1,5 +1,6 @@
 #include "Log/LogTable.h"
 
+#include "Base/csv.h"
 #include "Log/logUnits.h"
 #include "Log/printable.h"
 
@@ -17,13 +18,6 @@ constexpr size_t kMostColumns = 0xffff;
 constexpr int kLongestText = 50; // of `LogVar::getString`
 constexpr size_t kChunkBytes = size_t(256) << 10;
 constexpr size_t kLongestNumber = 32;
-
-QByteArray quoted(QByteArray field)
-{
-    if (field.contains(',') || field.contains('"') || field.contains('\n') || field.contains('\r'))
-        field = '"' + field.replace("\"", "\"\"") + '"';
-    return field;
-}
 
 bool hasTextName(const LogVar& var)
 {
@@ -58,6 +52,20 @@ char* writeAs(char* to, char* end, const unsigned char* from)
 }
 
 } // namespace
+
+const LogGroup* findGroup(const LogFile& log, const QString& name)
+{
+    if (const LogGroup* group = log.getGroup(name.toStdString()))
+        return group;
+    bool isNumber = false;
+    const int id = name.midRef(1).toInt(&isNumber);
+    if (!name.startsWith(QLatin1Char('#')) || !isNumber)
+        return nullptr;
+    const auto& groups = log.getGroups();
+    const auto found = std::find_if(groups.begin(), groups.end(),
+                                    [id](const LogGroup& group) { return group.getId() == id; });
+    return found == groups.end() ? nullptr : &*found;
+}
 
 bool LogTable::isText(const LogVar& var)
 {
@@ -103,7 +111,7 @@ Status LogTable::addColumns(const LogGroup& group, const LogVar& var, int elemen
     const QByteArray name = printable(QString::fromStdString(var.getName())).toUtf8();
     const QByteArray unit = logUnit(group.getName(), var.getName());
     const auto titled = [&unit](const QByteArray& title) {
-        return quoted(unit.isEmpty() ? title : title + " (" + unit + ')');
+        return csvText(QString::fromUtf8(unit.isEmpty() ? title : title + " (" + unit + ')'));
     };
     if (asText) {
         m_columns.push_back({titled(name), &var, nullptr, var.getType(), true});
@@ -218,7 +226,7 @@ bool LogTable::write(const std::function<bool(const char* bytes, size_t size)>& 
         const int row = m_allRows ? i : m_rows[static_cast<size_t>(i)];
         for (const Column& column : m_columns) {
             if (column.isText) {
-                const QByteArray text = quoted(printable(column.var->getString(row)).toUtf8());
+                const QByteArray text = csvText(printable(column.var->getString(row)));
                 if (!hasRoom(static_cast<size_t>(text.size()) + 1))
                     return false;
                 at = std::copy(text.begin(), text.end(), at);

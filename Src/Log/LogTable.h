@@ -26,6 +26,9 @@ struct LogTableOptions
     bool textAsText = true;
 };
 
+/// A group by its name, or by its id as "#3"; null if the log has none.
+const LogGroup* findGroup(const LogFile& log, const QString& name);
+
 /// The packets of a group of a log as a table of comma-separated values: one row for each packet,
 /// in the order of the log, numbers in the shortest form that gives the same value again.
 ///

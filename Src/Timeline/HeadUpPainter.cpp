@@ -140,19 +140,36 @@ float HeadUpPainter::valueAt(size_t row, int videoMs) const
     return modulo > 0 ? fmodf(value, static_cast<float>(modulo)) : value;
 }
 
-QString HeadUpPainter::textOf(const HudRow& row, float value) const
+QString HeadUpPainter::numberOf(const HudRow& row, float value) const
 {
-    const bool isLength = row.unit == HudRow::Unit::length;
-    const float shown = isLength && m_imperialUnits ? value * feetPerMetre : value;
-    const QString number = QString::number(static_cast<double>(shown), 'f', row.decimals);
-    if (!isLength)
-        return number + QStringLiteral("°");
-    return number + (m_imperialUnits ? QStringLiteral(" ft") : QStringLiteral(" m"));
+    const bool isInFeet = row.unit == HudRow::Unit::length && m_imperialUnits;
+    const float shown = isInFeet ? value * feetPerMetre : value;
+    return QString::number(static_cast<double>(shown), 'f', row.decimals);
+}
+
+QString HeadUpPainter::numberAt(size_t row, int videoMs) const
+{
+    QString number = hasValue(row) ? numberOf(m_rows[row], valueAt(row, videoMs)) : QString();
+    if (number.startsWith(QLatin1Char('-')) && number.toDouble() == 0.0)
+        number.remove(0, 1);
+    return number;
+}
+
+QString HeadUpPainter::unitOf(size_t row) const
+{
+    if (m_rows[row].unit == HudRow::Unit::degrees)
+        return QStringLiteral("deg");
+    return m_imperialUnits ? QStringLiteral("ft") : QStringLiteral("m");
 }
 
 QString HeadUpPainter::textAt(size_t row, int videoMs) const
 {
-    return hasValue(row) ? textOf(m_rows[row], valueAt(row, videoMs)) : QString();
+    if (!hasValue(row))
+        return {};
+    const QString number = numberOf(m_rows[row], valueAt(row, videoMs));
+    if (m_rows[row].unit == HudRow::Unit::degrees)
+        return number + QStringLiteral("°");
+    return number + QLatin1Char(' ') + unitOf(row);
 }
 
 std::optional<float> HeadUpPainter::needleAt(size_t row, int videoMs) const

@@ -62,6 +62,11 @@ public:
     /// The number and unit of an instrument at a moment, as painted; empty without a value.
     QString textAt(size_t row, int videoMs) const;
 
+    /// The number of an instrument at a moment and the name of its unit ("deg", "m" or "ft"), for
+    /// tables. The number is as painted, without the sign of a zero; empty without a value.
+    QString numberAt(size_t row, int videoMs) const;
+    QString unitOf(size_t row) const;
+
     /// What the needle of an instrument follows; none without a dial or a value.
     std::optional<float> needleAt(size_t row, int videoMs) const;
 
@@ -84,7 +89,7 @@ private:
     void addSeriesOf(const LogGroup& group);
     bool hasValue(size_t row) const;
     float valueAt(size_t row, int videoMs) const;
-    QString textOf(const HudRow& row, float value) const;
+    QString numberOf(const HudRow& row, float value) const;
     static int behindRow(const HudRow& row, int y, double width);
     void paintTexts(QPainter& painter, size_t row, int y, double width, int videoMs) const;
     void paintDial(QPainter& painter, size_t row, const Dial& dial, int videoMs) const;

@@ -1,95 +1,90 @@
 #include "Timeline/poiTable.h"
 
+#include "Base/FileReplacement.h"
+#include "Base/csv.h"
+#include "Log/clocks.h"
+#include "Timeline/HeadUpPainter.h"
+
 #include <QByteArrayList>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStringList>
 #include <QTime>
 #include <QVariantMap>
 
 namespace corv {
 namespace {
 
-QByteArray csvField(const QString& text)
+QByteArray csvLine(const QByteArrayList& fields)
 {
-    const bool needsQuotes = text.contains(QLatin1Char(',')) || text.contains(QLatin1Char('"')) ||
-                             text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r'));
-    if (!needsQuotes)
-        return text.toUtf8();
-    QString quoted = text;
-    quoted.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return '"' + quoted.toUtf8() + '"';
+    return fields.join(',') + "\r\n";
 }
 
-QByteArray csvLine(const QStringList& fields)
+QByteArray clockText(int timeMs)
 {
-    QByteArrayList cells;
-    for (const QString& field : fields)
-        cells << csvField(field);
-    return cells.join(',') + "\r\n";
+    return QTime(0, 0).addMSecs(timeMs).toString(QStringLiteral("HH:mm:ss.zzz")).toLatin1();
 }
 
-// A heading as programs like it: "Cam pitch" gives "cam_pitch".
-QString columnName(const QString& label)
+QJsonValue numberJson(const QString& number)
 {
-    return label.toLower().replace(QLatin1Char(' '), QLatin1Char('_'));
-}
-
-QString clockText(int timeMs)
-{
-    return QTime(0, 0).addMSecs(timeMs).toString(QStringLiteral("HH:mm:ss.zzz"));
+    return number.isEmpty() ? QJsonValue() : QJsonValue(number.toDouble());
 }
 
 } // namespace
 
-QList<PoiTableRow> poiTableRows(const QVariantList& pois, const HeadUpPainter& painter,
-                                const FlightClock* clock)
+PoiTable poiTable(const QVariantList& pois, const LogParser& parser, bool imperialUnits)
 {
-    QList<PoiTableRow> rows;
+    HeadUpPainter painter;
+    painter.setLog(parser.log());
+    painter.setClock(parser.clock());
+    painter.setImperialUnits(imperialUnits);
+    PoiTable table;
+    for (size_t i = 0; i < painter.rows().size(); ++i) {
+        table.instruments << QString::fromUtf8(painter.rows()[i].label);
+        table.units << painter.unitOf(i);
+    }
     for (const QVariant& entry : pois) {
         const QVariantMap poi = entry.toMap();
         PoiTableRow row;
         row.timeMs = poi.value(QStringLiteral("time")).toInt();
         row.name = poi.value(QStringLiteral("name")).toString();
         row.description = poi.value(QStringLiteral("comment")).toString();
-        if (clock && clock->synced)
-            row.logTimeMs = static_cast<quint32>(logTimeOfVideo(row.timeMs, *clock));
+        if (parser.isSynced())
+            row.logTimeMs = static_cast<quint32>(logTimeOfVideo(row.timeMs, *parser.clock()));
         for (size_t i = 0; i < painter.rows().size(); ++i)
-            row.instruments.append(
-                {QString::fromUtf8(painter.rows()[i].label), painter.textAt(i, row.timeMs)});
-        rows.append(row);
+            row.numbers << painter.numberAt(i, row.timeMs);
+        table.rows.append(row);
     }
-    return rows;
+    return table;
 }
 
-QByteArray poiTableCsv(const QList<PoiTableRow>& rows)
+QByteArray poiTableCsv(const PoiTable& table)
 {
-    QStringList heading{QStringLiteral("time_ms"), QStringLiteral("time"),
-                        QStringLiteral("log_time_ms"), QStringLiteral("name"),
-                        QStringLiteral("description")};
-    if (!rows.isEmpty())
-        for (const auto& instrument : rows.first().instruments)
-            heading << columnName(instrument.first);
-    QByteArray text = csvLine(heading << QStringLiteral("picture"));
-    for (const PoiTableRow& row : rows) {
-        QStringList fields{QString::number(row.timeMs), clockText(row.timeMs),
-                           row.logTimeMs ? QString::number(*row.logTimeMs) : QString(), row.name,
-                           row.description};
-        for (const auto& instrument : row.instruments)
-            fields << instrument.second;
-        text += csvLine(fields << row.picture);
+    QByteArrayList heading{"time (ms)", "time", "log time (ms)", "name", "description"};
+    for (int i = 0; i < table.instruments.size(); ++i)
+        heading << csvText(
+            QStringLiteral("%1 (%2)").arg(table.instruments[i].toLower(), table.units[i]));
+    QByteArray text = csvLine(heading << "picture");
+    for (const PoiTableRow& row : table.rows) {
+        QByteArrayList fields{QByteArray::number(row.timeMs), clockText(row.timeMs),
+                              row.logTimeMs ? QByteArray::number(*row.logTimeMs) : QByteArray(),
+                              csvText(row.name), csvText(row.description)};
+        for (const QString& number : row.numbers)
+            fields << number.toLatin1();
+        text += csvLine(fields << csvText(row.picture));
     }
     return text;
 }
 
-QByteArray poiTableJson(const QList<PoiTableRow>& rows)
+QByteArray poiTableJson(const PoiTable& table)
 {
     QJsonArray array;
-    for (const PoiTableRow& row : rows) {
+    for (const PoiTableRow& row : table.rows) {
         QJsonObject instruments;
-        for (const auto& instrument : row.instruments)
-            instruments.insert(instrument.first, instrument.second);
+        for (int i = 0; i < table.instruments.size(); ++i)
+            instruments.insert(table.instruments[i],
+                               QJsonObject{{QStringLiteral("value"), numberJson(row.numbers[i])},
+                                           {QStringLiteral("unit"), table.units[i]}});
         array.append(QJsonObject{
             {QStringLiteral("timeMs"), row.timeMs},
             {QStringLiteral("logTimeMs"),
@@ -100,6 +95,16 @@ QByteArray poiTableJson(const QList<PoiTableRow>& rows)
             {QStringLiteral("picture"), row.picture}});
     }
     return QJsonDocument(array).toJson();
+}
+
+bool isJsonName(const QString& path)
+{
+    return path.endsWith(QLatin1String(".json"), Qt::CaseInsensitive);
+}
+
+Status writePoiTable(const PoiTable& table, const QString& path, bool asJson)
+{
+    return replaceFile(path, asJson ? poiTableJson(table) : poiTableCsv(table));
 }
 
 } // namespace corv

@@ -1,40 +1,53 @@
 #pragma once
 
-#include "Log/clocks.h"
-#include "Timeline/HeadUpPainter.h"
+#include "Base/Result.h"
+#include "Log/LogParser.h"
 
 #include <QByteArray>
 #include <QList>
-#include <QPair>
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 #include <optional>
 
 namespace corv {
 
-/// A point of interest with all that is known of its moment: for tables and other programs.
+/// A point of interest with all that is known of its moment.
 struct PoiTableRow
 {
     int timeMs = 0;                  ///< from the start of the video
     std::optional<qint64> logTimeMs; ///< on the clock of the log; none without one
     QString name;
     QString description;
-    QList<QPair<QString, QString>> instruments; ///< label and value as shown, "" without one
-    QString picture;                            ///< its file, relative to the table; empty for none
+    QStringList numbers; ///< by instrument, as the head-up display shows them; "" without a value
+    QString picture;     ///< its file, relative to the table; empty for none
 };
 
-/// The rows of points of interest in list form, in the order given. `clock` may be null; `painter`
-/// has the flight's log and clock. Call on the thread of the painter.
-QList<PoiTableRow> poiTableRows(const QVariantList& pois, const HeadUpPainter& painter,
-                                const FlightClock* clock);
+/// Points of interest for spreadsheets and other programs.
+struct PoiTable
+{
+    QStringList instruments; ///< their names: "Pitch"
+    QStringList units;       ///< by instrument: "deg", "m" or "ft"
+    QList<PoiTableRow> rows;
+};
 
-/// Comma-separated values with a heading, in UTF-8: "time_ms", "time", "log_time_ms", "name",
-/// "description", one column an instrument, "picture". Lines end in CR LF, fields with commas,
-/// quotes or line ends are quoted, as spreadsheets expect.
-QByteArray poiTableCsv(const QList<PoiTableRow>& rows);
+/// The table of points of interest in list form, in the order given, with what the log of `parser`
+/// says of their moments. On the thread of the parser.
+PoiTable poiTable(const QVariantList& pois, const LogParser& parser, bool imperialUnits);
+
+/// Comma-separated values with a heading: "time (ms)", "time", "log time (ms)", "name",
+/// "description", one column an instrument ("pitch (deg)"), "picture". UTF-8; lines end in CR LF;
+/// texts as csvText() has them.
+QByteArray poiTableCsv(const PoiTable& table);
 
 /// An array of objects with "timeMs", "logTimeMs" (null without a log), "name", "description",
-/// "instruments" (an object of texts by label) and "picture".
-QByteArray poiTableJson(const QList<PoiTableRow>& rows);
+/// "instruments" (by name an object with "value", null without one, and "unit") and "picture".
+QByteArray poiTableJson(const PoiTable& table);
+
+/// Whether a file of this name is to be JSON.
+bool isJsonName(const QString& path);
+
+/// Writes the table to a file, atomically, as JSON or as CSV.
+Status writePoiTable(const PoiTable& table, const QString& path, bool asJson);
 
 } // namespace corv

@@ -18,6 +18,8 @@ private slots:
     void openersShowTheirDialog();
     void openersShowTheirWindow_data();
     void openersShowTheirWindow();
+    void pointsOfInterestAsATable_data();
+    void pointsOfInterestAsATable();
     void instrumentsInExportsAreRemembered();
     void instrumentsAreChosenInTheExportWindows();
     void fullScreenIsToggled();
@@ -62,6 +64,7 @@ void MenusTest::entries_data()
     row("createReportMenuItem", "Create inspection report...", "");
     row("exportFramesMenuItem", "Export frames as images...", "");
     row("exportVideoMenuItem", "Export video file...", "");
+    row("exportPoiTableMenuItem", "Export points of interest as a table...", "");
     row("copyFrameMenuItem", "&Copy current frame to clipboard", "Ctrl+C");
     row("exportInstrumentsMenuItem", "Show flight &instruments in exports", "");
     row("generalSettingsMenuItem", "General settings", "");
@@ -100,7 +103,7 @@ void MenusTest::enabledStates_data()
         row(always, true, true, true, true);
     for (const char* video : {"importLogMenuItem", "saveProjectMenuItem", "saveProjectAsMenuItem",
                               "closeProjectMenuItem", "exportFramesMenuItem", "exportVideoMenuItem",
-                              "copyFrameMenuItem", "restorePoisMenuItem"})
+                              "exportPoiTableMenuItem", "copyFrameMenuItem", "restorePoisMenuItem"})
         row(video, false, true, true, true);
     row("createReportMenuItem", false, false, true, true);
     row("saveProjectCopyMenuItem", false, false, false, true);
@@ -161,6 +164,9 @@ void MenusTest::openersShowTheirDialog_data()
         << "Save project as..." << QStringList("Vistrel projects (*.ecor)") << true;
     QTest::newRow("createReportMenuItem")
         << "Save POI report as..." << QStringList("Word Document (*.docx)") << true;
+    QTest::newRow("exportPoiTableMenuItem")
+        << "Save points of interest as..." << QStringList{"CSV table (*.csv)", "JSON (*.json)"}
+        << true;
     QTest::newRow("saveImageButton")
         << "Save image as..." << QStringList{"JPEG (*.jpg)", "Bitmap (*.bmp)", "PNG (*.png)"}
         << true;
@@ -221,6 +227,35 @@ void MenusTest::openersShowTheirWindow()
     QCOMPARE(window->type(), Qt::Dialog);
     UiFixture::visibleWindow(title)->close();
     QTRY_VERIFY(!UiFixture::visibleWindow(title));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void MenusTest::pointsOfInterestAsATable_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("start");
+    QTest::newRow("CSV") << "marks ü.csv" << QByteArray("time (ms),time,log time (ms),name,");
+    QTest::newRow("JSON") << "marks ü.json" << QByteArray("[\n    {\n");
+    QTest::newRow("by the filter") << "marks" << QByteArray("time (ms),time,log time (ms),name,");
+}
+
+void MenusTest::pointsOfInterestAsATable()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, start);
+    const QString folder = media().newFolder();
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog(media().logWithInstruments()));
+    QTRY_COMPARE(m_ui->poiNames().size(), 2);
+    QVERIFY(m_ui->trigger("exportPoiTableMenuItem"));
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(UiFixture::acceptFile(folder + '/' + file));
+    QFile written(folder + '/' + file + (file.contains('.') ? "" : ".csv"));
+    QTRY_VERIFY(written.exists());
+    QVERIFY(written.open(QIODevice::ReadOnly));
+    const QByteArray text = written.readAll();
+    QVERIFY2(text.startsWith(start), text.constData());
+    QVERIFY(text.contains("-30"));
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 

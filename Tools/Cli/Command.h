@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QJsonDocument>
 #include <QList>
 #include <QString>
 #include <functional>
@@ -50,12 +51,17 @@ std::vector<Command> logCommands();
 std::vector<Command> matchCommands();
 std::vector<Command> projectCommands();
 std::vector<Command> frameCommands();
+std::vector<Command> pointsCommands();
 std::vector<Command> reportCommands();
 std::vector<Command> reviewCommands();
 
 /// Runs the command of `commands` that the line names, or prints the help or the version.
 /// `arguments` begin with the name of the program.
 ExitStatus runLine(const std::vector<Command>& commands, const QStringList& arguments);
+
+/// JSON to be printed: the characters that steer a terminal and that JSON allows are escaped.
+QByteArray printedJson(const QJsonDocument& document,
+                       QJsonDocument::JsonFormat format = QJsonDocument::Indented);
 
 /// Writes to standard output; `Failed` with a message when nobody takes it.
 ExitStatus writeOut(const QByteArray& bytes);

@@ -1,25 +1,18 @@
 #include "Base/videoTime.h"
-#include "Cli/Command.h"
+#include "Cli/flightPictures.h"
 #include "Cli/instruments.h"
 #include "Cli/thermalClock.h"
-#include "Review/OpenFlight.h"
-#include "Threads/post.h"
-#include "Video/pictureFile.h"
 
 #include <QDir>
 #include <QEventLoop>
-#include <QImage>
 #include <algorithm>
-#include <cstdio>
 #include <limits>
-#include <unistd.h>
 
 namespace corv::cli {
 namespace {
 
 constexpr int standardSpacing = 10;
 constexpr int msPerDay = 24 * 60 * 60 * 1000;
-const QString thermalOption = QStringLiteral("thermal");
 const QString timeOption = QStringLiteral("at-ms");
 const QString outOption = QStringLiteral("out");
 const QString prefixOption = QStringLiteral("prefix");
@@ -28,117 +21,14 @@ const QString fromOption = QStringLiteral("from-ms");
 const QString toOption = QStringLiteral("to-ms");
 const QString spacingOption = QStringLiteral("spacing");
 
-// How far a long job is, in a line on standard error if that is a terminal.
-class ProgressLine
+ExitStatus saveAll(OpenFlight& flight, const QList<Picture>& pictures)
 {
-public:
-    explicit ProgressLine(const char* what) : m_what(what) {}
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
-    ~ProgressLine()
-    {
-        if (m_shownPercent >= 0)
-            std::fprintf(stderr, "\r%*s\r", 40, "");
-    }
-
-    void show(int done, int total)
-    {
-        const int percent = total > 0 ? static_cast<int>(done * 100LL / total) : m_shownPercent;
-        if (!m_isOnTerminal || percent == m_shownPercent)
-            return;
-        m_shownPercent = percent;
-        std::fprintf(stderr, "\r%s %3d %%", m_what, percent);
-        std::fflush(stderr);
-    }
-
-private:
-    const char* m_what;
-    const bool m_isOnTerminal = isatty(STDERR_FILENO) == 1;
-    int m_shownPercent = -1;
-};
-
-// Why the pictures of the flight cannot have a thermal overlay; empty if they can.
-QString whyNoOverlay(OpenFlight& flight)
-{
-    if (!flight.logParser().log())
-        return QStringLiteral("--thermal needs a log with thermal pictures");
-    if (!flight.player().thermalStatus())
-        return flight.player().thermalStatus().failure().sentence;
-    if (!flight.logParser().isSynced())
-        return QStringLiteral("no thermal pictures: the log holds no recording of the video");
-    return {};
-}
-
-// Opens the one flight that the line names, if `out` is none of its files, and shows what the line
-// asks for.
-ExitStatus open(OpenFlight& flight, const QCommandLineParser& line, const QString& out)
-{
-    const QStringList arguments = line.positionalArguments();
-    if (!OpenFlight::isFlight(arguments))
-        return WrongUsage;
-    const Status opened = flight.open(arguments, out);
-    if (!opened)
-        return fail(opened.failure());
-    if (const Status shown = showInstruments(line, flight); !shown)
-        return fail(shown.failure());
-    if (!line.isSet(thermalOption))
+    const QStringList results = savePictures(flight, pictures);
+    const QString failure = failureOf(results);
+    if (failure.isEmpty())
         return Done;
-    flight.player().setShowIR(true);
-    const QString reason = whyNoOverlay(flight);
-    return reason.isEmpty() ? Done : fail(reason);
-}
-
-// The same for commands that save pictures.
-ExitStatus openForPictures(OpenFlight& flight, const QCommandLineParser& line, const QString& out)
-{
-    return takeThermalClock(line, flight.player()) ? open(flight, line, out) : WrongUsage;
-}
-
-QString noPictureAt(int timeMs)
-{
-    return QStringLiteral("no picture at %1 ms").arg(timeMs);
-}
-
-struct Picture
-{
-    int timeMs;
-    QString file;
-};
-
-// Fetches all pictures at once, as the window does, and saves each on the thread that makes it.
-ExitStatus savePictures(OpenFlight& flight, const QList<Picture>& pictures)
-{
-    const int total = pictures.size();
-    ProgressLine progress("frames");
-    QStringList failures;
-    int answered = 0;
-    QEventLoop loop;
-    const auto answer = [&](const QString& failure) {
-        if (!failure.isEmpty())
-            failures << failure;
-        progress.show(++answered, total);
-        if (answered == total)
-            loop.quit();
-    };
-    for (const Picture& picture : pictures) {
-        const auto save = [&loop, answer, picture](const QImage& image) {
-            QString failure;
-            if (image.isNull())
-                failure = noPictureAt(picture.timeMs);
-            else if (!savePictureFile(image, picture.file))
-                failure = picture.file + QStringLiteral(": cannot be written");
-            post(&loop, [answer, failure] { answer(failure); });
-        };
-        flight.player().getExportFrameAsync(timeOfMs(picture.timeMs), save);
-    }
-    loop.exec();
-    if (failures.isEmpty())
-        return Done;
-    return fail(failures.size() == 1 ? failures.first()
-                                     : QStringLiteral("%1 of %2 frames failed; the first: %3")
-                                           .arg(failures.size())
-                                           .arg(total)
-                                           .arg(failures.first()));
+    fail(failure);
+    return results.contains(QString()) ? PartlyDone : Failed;
 }
 
 ExitStatus frame(const QCommandLineParser& line)
@@ -154,15 +44,7 @@ ExitStatus frame(const QCommandLineParser& line)
         return status;
     if (timeMs >= msPerDay) // the times of the player begin anew there
         return fail(noPictureAt(timeMs));
-    return savePictures(flight, {{timeMs, out}});
-}
-
-QList<int> positionsOfPois(OpenFlight& flight)
-{
-    QList<int> positions;
-    for (const QVariant& poi : flight.review().allPois())
-        positions << poi.toMap().value(QStringLiteral("time")).toInt();
-    return positions;
+    return saveAll(flight, {{timeMs, out}});
 }
 
 QList<int> positionsOfRange(const VideoPlayer& player, int fromMs, int toMs, int spacing)
@@ -201,12 +83,7 @@ ExitStatus frames(const QCommandLineParser& line)
     if (positions.isEmpty())
         return fail(ofPois ? QStringLiteral("the flight has no points of interest")
                            : QStringLiteral("no frame lies in the range"));
-    QList<Picture> pictures;
-    for (const int timeMs : positions) {
-        const QString number = QString::number(pictures.size()).rightJustified(3, QLatin1Char('0'));
-        pictures.append({timeMs, QDir(out).filePath(prefix + number + QStringLiteral(".jpg"))});
-    }
-    return savePictures(flight, pictures);
+    return saveAll(flight, numbered(positions, out, prefix));
 }
 
 ExitStatus video(const QCommandLineParser& line)
@@ -215,7 +92,7 @@ ExitStatus video(const QCommandLineParser& line)
     if (out.isEmpty())
         return WrongUsage;
     OpenFlight flight;
-    const ExitStatus status = open(flight, line, out);
+    const ExitStatus status = openFlight(flight, line, out);
     if (status != Done)
         return status;
     ProgressLine progress("video");
@@ -243,7 +120,8 @@ ExitStatus video(const QCommandLineParser& line)
     loop.exec();
     const Status& exported = flight.player().videoExportResult();
     if (!exported)
-        return fail(out + QStringLiteral(": ") + exported.failure().sentence);
+        return fail(Failure{exported.failure().kind,
+                            out + QStringLiteral(": ") + exported.failure().sentence});
     if (!isWritten)
         return fail(out + QStringLiteral(": cannot be written"));
     if (written < total)

@@ -22,21 +22,6 @@ const QString rateOption = QStringLiteral("rate");
 const QString bytesOption = QStringLiteral("bytes");
 const QString durationOption = QStringLiteral("duration-ms");
 
-// JSON as it is printed: the characters that steer a terminal and that JSON allows are escaped.
-QByteArray printed(const QJsonDocument& document)
-{
-    QByteArray json;
-    const QString text = QString::fromUtf8(document.toJson());
-    for (const QChar c : text) {
-        const ushort code = c.unicode();
-        if (code >= 0x7f && code < 0xa0)
-            json += "\\u00" + QByteArray::number(code, 16);
-        else
-            json += QString(c).toUtf8();
-    }
-    return json;
-}
-
 // The logs that the arguments name: files, and all logs in folders and the folders below them.
 struct LogArguments
 {
@@ -92,25 +77,10 @@ ExitStatus logInfo(const QCommandLineParser& line)
     if (json && !(logs.isOneFile && noneRead)) {
         const QJsonDocument document =
             logs.isOneFile ? QJsonDocument(all[0].toObject()) : QJsonDocument(all);
-        if (writeOut(printed(document)) != Done)
+        if (writeOut(printedJson(document)) != Done)
             return Failed;
     }
     return noneRead ? Failed : failed > 0 ? PartlyDone : Done;
-}
-
-// A group by its name, or by its id as "#3".
-const LogGroup* groupOf(const LogFile& log, const QString& name)
-{
-    if (const LogGroup* group = log.getGroup(name.toStdString()))
-        return group;
-    bool isNumber = false;
-    const int id = name.midRef(1).toInt(&isNumber);
-    if (!name.startsWith(QLatin1Char('#')) || !isNumber)
-        return nullptr;
-    const auto& groups = log.getGroups();
-    const auto found = std::find_if(groups.begin(), groups.end(),
-                                    [id](const LogGroup& group) { return group.getId() == id; });
-    return found == groups.end() ? nullptr : &*found;
 }
 
 ExitStatus noGroup(const QString& name, const QString& path)
@@ -145,7 +115,7 @@ ExitStatus logCsv(const QCommandLineParser& line)
     OpenLog open;
     if (const Status status = open.open(arguments[0]); !status)
         return fail(status.failure().sentence);
-    const LogGroup* group = groupOf(open.log(), arguments[1]);
+    const LogGroup* group = findGroup(open.log(), arguments[1]);
     if (!group)
         return noGroup(arguments[1], arguments[0]);
     const Result<LogTable> table = LogTable::make(open.shared(), *group, options);
@@ -164,7 +134,7 @@ ExitStatus logRaw(const QCommandLineParser& line)
     OpenLog open;
     if (const Status status = open.open(arguments[0]); !status)
         return fail(status.failure().sentence);
-    const LogGroup* group = groupOf(open.log(), arguments[1]);
+    const LogGroup* group = findGroup(open.log(), arguments[1]);
     if (!group)
         return noGroup(arguments[1], arguments[0]);
     const LogVar* var = group->getVar(arguments[2].toStdString());
@@ -191,7 +161,7 @@ ExitStatus sync(const QCommandLineParser& line)
         return fail(status.failure().sentence);
     const SyncedLog synced = syncedLog(open, durationMs);
     const QByteArray shown =
-        json ? printed(QJsonDocument(syncJson(synced))) : syncText(synced).toUtf8();
+        json ? printedJson(QJsonDocument(syncJson(synced))) : syncText(synced).toUtf8();
     if ((json || synced.match.found) && writeOut(shown) != Done)
         return Failed;
     if (!synced.match.found)

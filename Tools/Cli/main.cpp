@@ -14,7 +14,7 @@ std::vector<Command> allCommands()
 {
     std::vector<Command> commands;
     for (const auto& set : {logCommands(), matchCommands(), projectCommands(), frameCommands(),
-                            reportCommands(), reviewCommands()})
+                            pointsCommands(), reportCommands(), reviewCommands()})
         commands.insert(commands.end(), set.begin(), set.end());
     return commands;
 }

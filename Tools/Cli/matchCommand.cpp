@@ -1,6 +1,7 @@
 #include "Cli/Command.h"
 #include "Discovery/FlightFilesMatcher.h"
 #include "Discovery/flightSearch.h"
+#include "Log/printable.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -18,10 +19,24 @@ const QString quickOption = QStringLiteral("quick");
 const QString jsonOption = QStringLiteral("json");
 
 // In the order of the search result.
-const char* const kKeys[] = {"videoFile",    "videoFilename",  "logFile",     "logFilename",
-                             "matchFound",   "namingDefined",  "missionName", "flightName",
-                             "flightNumber", "videoDuration",  "evidence",    "doubtful",
-                             "flightLength", "recordingLength"};
+const char* const kKeys[] = {"videoFile",      "videoFilename",    "logFile",     "logFilename",
+                             "matchFound",     "namingDefined",    "missionName", "flightName",
+                             "flightNumber",   "videoDurationMs",  "evidence",    "doubtful",
+                             "flightLengthMs", "recordingLengthMs"};
+
+// The rows of the search, with the unit in the names of lengths.
+QVariantList rowsToPrint(const QVariantList& found)
+{
+    QVariantList rows;
+    for (const QVariant& entry : found) {
+        QVariantMap row = entry.toMap();
+        for (const char* length : {"videoDuration", "flightLength", "recordingLength", "partStart"})
+            row.insert(QLatin1String(length) + QLatin1String("Ms"),
+                       row.take(QLatin1String(length)));
+        rows.append(row);
+    }
+    return rows;
+}
 
 // A name may hold anything; a field of the table ends at a tab, a row at a line feed.
 QString field(QString text)
@@ -29,7 +44,7 @@ QString field(QString text)
     for (QChar& character : text)
         if (character < QLatin1Char(' '))
             character = QLatin1Char(' ');
-    return text;
+    return printable(text);
 }
 
 QByteArray table(const QVariantList& rows)
@@ -91,9 +106,9 @@ ExitStatus match(const QCommandLineParser& line)
     const QStringList remarks = searchRemarks(locations, files);
     for (const QString& remark : remarks)
         fail(remark);
-    const QVariantList rows = matchingRows(matches);
-    const ExitStatus written =
-        writeOut(json ? QJsonDocument(QJsonArray::fromVariantList(rows)).toJson() : table(rows));
+    const QVariantList rows = rowsToPrint(matchingRows(matches));
+    const ExitStatus written = writeOut(
+        json ? printedJson(QJsonDocument(QJsonArray::fromVariantList(rows))) : table(rows));
     if (written != Done)
         return written;
     const bool allSettled = matches.size() == files.videos.size() && remarks.isEmpty() &&

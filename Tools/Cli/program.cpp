@@ -1,4 +1,5 @@
 #include "Cli/Command.h"
+#include "Cli/completion.h"
 #include "Cli/diagnostics.h"
 #include "Log/printable.h"
 
@@ -14,6 +15,13 @@ QList<QCommandLineOption> commonOptions()
             flag(QStringLiteral("verbose"), QStringLiteral("shows diagnostics on standard error"))};
 }
 
+QList<QCommandLineOption> leadingOptions()
+{
+    return {flag(QStringLiteral("version"), QStringLiteral("shows the version")),
+            valued(QStringLiteral("completion"), completionShells().join(QLatin1Char('|')),
+                   QStringLiteral("prints what a shell needs to complete the lines"))};
+}
+
 QByteArray help(const std::vector<Command>& commands)
 {
     QString text = QStringLiteral("usage: vistrel-cli [--verbose] COMMAND ...\n\n");
@@ -24,6 +32,8 @@ QByteArray help(const std::vector<Command>& commands)
     text +=
         QStringLiteral("\n  --help     shows this; COMMAND --help shows the options of a command\n"
                        "  --version  shows the version\n"
+                       "  --completion bash|zsh|fish\n"
+                       "             prints what a shell needs to complete the lines\n"
                        "  --verbose  shows diagnostics on standard error\n\n"
                        "Exit status: 0 done, 1 failed, 2 wrong usage, 3 done in part.\n");
     return text.toUtf8();
@@ -75,7 +85,7 @@ ExitStatus runLine(const std::vector<Command>& commands, const QStringList& argu
     QCommandLineParser line; // up to the command's name; what follows is the command's own
     line.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     line.addOptions(commonOptions());
-    line.addOption(flag(QStringLiteral("version"), QStringLiteral("shows the version")));
+    line.addOptions(leadingOptions());
     const bool understood = line.parse(arguments);
     const QString wanted = QStringLiteral("COMMAND ..., see --help");
     if (!understood)
@@ -84,6 +94,13 @@ ExitStatus runLine(const std::vector<Command>& commands, const QStringList& argu
         return writeOut(help(commands));
     if (line.isSet(QStringLiteral("version")))
         return writeOut("vistrel-cli " VISTREL_CLI_VERSION "\n");
+    if (line.isSet(QStringLiteral("completion"))) {
+        const QString shell = line.value(QStringLiteral("completion"));
+        const QByteArray script = completion(shell, commands, commonOptions(), leadingOptions());
+        return script.isEmpty()
+                   ? showUsage(wanted + QStringLiteral("; no completion for \"%1\"").arg(shell))
+                   : writeOut(script);
+    }
     const QStringList rest = line.positionalArguments();
     if (rest.isEmpty())
         return showUsage(wanted);
@@ -94,6 +111,21 @@ ExitStatus runLine(const std::vector<Command>& commands, const QStringList& argu
     if (command == commands.end())
         return showUsage(wanted + QStringLiteral("; no command \"%1\"").arg(rest.constFirst()));
     return runCommand(*command, rest, line.isSet(QStringLiteral("verbose")));
+}
+
+QByteArray printedJson(const QJsonDocument& document, QJsonDocument::JsonFormat format)
+{
+    QByteArray json;
+    const QString text = QString::fromUtf8(document.toJson(format));
+    int from = 0;
+    for (int i = 0; i < text.size(); ++i) {
+        const ushort code = text[i].unicode();
+        if (code < 0x7f || code >= 0xa0)
+            continue;
+        json += text.midRef(from, i - from).toUtf8() + "\\u00" + QByteArray::number(code, 16);
+        from = i + 1;
+    }
+    return json + text.midRef(from).toUtf8();
 }
 
 ExitStatus writeOut(const QByteArray& bytes)

@@ -1,4 +1,5 @@
 #include "Cli/Command.h"
+#include "Log/printable.h"
 #include "Project/ProjectFileLoader.h"
 #include "Project/mediaSearch.h"
 
@@ -24,14 +25,19 @@ QJsonObject json(const QString& path, const ProjectContents& project)
     QJsonArray parts;
     for (const QString& part : project.parts)
         parts.append(fileEntry(part));
+    QJsonArray pois;
+    for (const QVariant& entry : project.pois.value_or(QVariantList())) {
+        QJsonObject poi = QJsonObject::fromVariantMap(entry.toMap());
+        poi.insert(QStringLiteral("timeMs"), poi.take(QStringLiteral("time")));
+        pois.append(poi);
+    }
     QJsonObject object{
         {QStringLiteral("project"), path},
         {QStringLiteral("video"), fileEntry(project.videoFile)},
         {QStringLiteral("parts"), parts},
         {QStringLiteral("missing"), QJsonArray::fromStringList(project.missingFiles())},
         {QStringLiteral("properties"), QJsonObject::fromVariantMap(project.properties)},
-        {QStringLiteral("poi"),
-         QJsonArray::fromVariantList(project.pois.value_or(QVariantList()))}};
+        {QStringLiteral("poi"), pois}};
     object.insert(QStringLiteral("log"), project.namesLog ? QJsonValue(fileEntry(project.logFile))
                                                           : QJsonValue(QJsonValue::Null));
     return object;
@@ -40,13 +46,14 @@ QJsonObject json(const QString& path, const ProjectContents& project)
 // A name may hold anything; a line of the listing ends at a line feed.
 QString oneLine(const QVariant& text)
 {
-    return text.toString().simplified();
+    return printable(text.toString().simplified());
 }
 
 QString fileLine(const QString& what, const QString& path)
 {
     return QStringLiteral("%1: %2%3\n")
-        .arg(what, path, QFileInfo(path).isFile() ? QString() : QStringLiteral(" (missing)"));
+        .arg(what, printable(path),
+             QFileInfo(path).isFile() ? QString() : QStringLiteral(" (missing)"));
 }
 
 QString text(const ProjectContents& project)
@@ -107,7 +114,7 @@ ExitStatus project(const QCommandLineParser& line)
         if (!written)
             return fail(written.failure());
     }
-    return writeOut(asJson ? QJsonDocument(json(arguments[0], contents)).toJson()
+    return writeOut(asJson ? printedJson(QJsonDocument(json(arguments[0], contents)))
                            : text(contents).toUtf8());
 }
 

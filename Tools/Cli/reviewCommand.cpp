@@ -29,6 +29,8 @@ const QString gatherOption = QStringLiteral("gather");
 const QString copyOption = QStringLiteral("copy");
 const QString thermalOption = QStringLiteral("thermal");
 const QString videoOption = QStringLiteral("video");
+const QString columnsOption = QStringLiteral("columns");
+const QString rateOption = QStringLiteral("rate");
 const QString atOnceOption = QStringLiteral("at-once");
 
 // A job has a few paths; a file of this size is none.
@@ -40,6 +42,8 @@ FlightOptions flightOptions(const QCommandLineParser& line)
     options.copiesMedia = line.isSet(copyOption);
     options.showsThermal = line.isSet(thermalOption);
     options.writesVideo = line.isSet(videoOption);
+    options.tables = line.values(columnsOption);
+    options.tableRateHz = line.value(rateOption).toDouble();
     options.showsInstruments = line.isSet(instrumentsOption);
     options.imperialUnits = line.isSet(imperialOption);
     return options;
@@ -53,6 +57,9 @@ QStringList wordsOf(const QCommandLineParser& line)
          {copyOption, thermalOption, videoOption, instrumentsOption, imperialOption})
         if (line.isSet(option))
             words << QStringLiteral("--") + option;
+    for (const QString& option : {columnsOption, rateOption})
+        for (const QString& value : line.values(option))
+            words << QStringLiteral("--") + option << value;
     return words;
 }
 
@@ -97,7 +104,7 @@ ExitStatus listJobs(const FlightList& list, bool json)
     QByteArray text;
     for (const FlightJob& job : list.jobs) {
         if (json)
-            text += QJsonDocument(job.toJson()).toJson(QJsonDocument::Compact);
+            text += printedJson(QJsonDocument(job.toJson()), QJsonDocument::Compact);
         else
             text += QStringList{printable(job.folder),
                                 printable(QFileInfo(job.videos.first()).fileName()),
@@ -178,7 +185,8 @@ ExitStatus review(const QCommandLineParser& line)
     const bool hasLocations = !locations.isEmpty();
     int atOnce = 0;
     if (!line.isSet(outOption) || line.value(outOption).isEmpty() ||
-        !readNumber(line, atOnceOption, QThread::idealThreadCount(), &atOnce) || atOnce < 1)
+        !readNumber(line, atOnceOption, QThread::idealThreadCount(), &atOnce) || atOnce < 1 ||
+        (line.isSet(rateOption) && !(line.value(rateOption).toDouble() > 0)))
         return WrongUsage;
     if (line.isSet(jobOption))
         return hasLocations ? WrongUsage : runJob(line);
@@ -212,6 +220,7 @@ std::vector<Command> reviewCommands()
         {QStringLiteral("review"),
          QStringLiteral("(LOCATION... [--list [--json]] | --job FILE | --gather FILE) --out DIR "
                         "[--copy] [--thermal] [--video] [--instruments] [--imperial] "
+                        "[--columns GROUP:A,B,...]... [--rate HZ] "
                         "[--at-once N]"),
          QStringLiteral("the whole review of cards, one folder a flight"),
          QList<QCommandLineOption>{
@@ -225,6 +234,11 @@ std::vector<Command> reviewCommands()
              flag(copyOption, QStringLiteral("copies video and log beside the project")),
              flag(thermalOption, QStringLiteral("shows the thermal overlay")),
              flag(videoOption, QStringLiteral("writes the video as shown, too")),
+             valued(columnsOption, QStringLiteral("GROUP:A,B,..."),
+                    QStringLiteral("a table of these fields of the log, of all of them for GROUP "
+                                   "alone; may be given again")),
+             valued(rateOption, QStringLiteral("HZ"),
+                    QStringLiteral("most lines of such a table for each second")),
              valued(atOnceOption, QStringLiteral("N"),
                     QStringLiteral("flights at once; as many as there are processors"))} +
              instrumentOptions(),

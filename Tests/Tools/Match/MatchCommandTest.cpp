@@ -76,16 +76,16 @@ void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
                                {"missionName", ""},
                                {"flightName", ""},
                                {"flightNumber", 0},
-                               {"videoDuration", 0},
+                               {"videoDurationMs", 0},
                                {"evidence", "time"},
                                {"doubtful", false},
                                {"evidenceText", "Paired by time alone, lengths not compared"},
-                               {"flightLength", -1},
-                               {"recordingLength", -1},
+                               {"flightLengthMs", -1},
+                               {"recordingLengthMs", -1},
                                {"flightFiles", QJsonArray()},
                                {"part", 1},
                                {"partText", ""},
-                               {"partStart", 0},
+                               {"partStartMs", 0},
                                {"videoTime", video.lastModified().toString(Qt::ISODate)},
                                {"videoSize", 0}};
     QCOMPARE(rows.size(), 1);
@@ -111,6 +111,8 @@ void MatchCommandTest::aCardIsSearchedInItsLayout()
     QVERIFY(match({path("videos"), path("logs"), "--card", "--quick", "--json"})
                 .out.startsWith("[\n]"));
     addVideo("videos/DCIM/100HDDVR/x.mp4");
+    // The log of a video is not older than it.
+    QVERIFY(flightLog({{10'000, 71'000}}, {{5000, "Line", "Tower", 7}}).save(path("logs/l.log")));
     const ProgramRun run = match({path("videos"), path("logs"), "--card", "--quick"});
     QCOMPARE(run.status, 0);
     QVERIFY(run.out.contains("/DCIM/100HDDVR/x.mp4"));

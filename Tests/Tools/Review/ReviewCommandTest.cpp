@@ -142,10 +142,13 @@ void ReviewCommandTest::flightIsReviewedWhole()
     for (const QJsonValue& point : points) {
         QVERIFY(!QImage(flightFolder() + '/' + point.toObject()["picture"].toString()).isNull());
         QVERIFY(point.toObject()["logTimeMs"].isDouble());
-        QVERIFY(!point.toObject()["instruments"].toObject()["Altitude"].toString().isEmpty());
+        const QJsonObject altitude =
+            point.toObject()["instruments"].toObject()["Altitude"].toObject();
+        QVERIFY(altitude["value"].isDouble());
+        QCOMPARE(altitude["unit"].toString(), QStringLiteral("m"));
     }
     const QByteArray table = contentsOf(flightFolder() + "/points.csv");
-    QVERIFY(table.startsWith("time_ms,time,log_time_ms,name,description,"));
+    QVERIFY(table.startsWith("time (ms),time,log time (ms),name,description,"));
     QCOMPARE(table.count("\r\n"), points.size() + 1);
     QVERIFY(contentsOf(flightFolder() + "/report.docx").startsWith("PK"));
     QVERIFY(contentsOf(flightFolder() + "/report.pdf").startsWith("%PDF"));

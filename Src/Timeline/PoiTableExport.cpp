@@ -1,0 +1,24 @@
+#include "Timeline/PoiTableExport.h"
+
+#include "Timeline/poiTable.h"
+
+#include <QFileInfo>
+
+namespace corv {
+
+void PoiTableExport::write(const QVariantList& pois, const QString& path)
+{
+    const LogParser noLog;
+    const PoiTable table = poiTable(pois, m_logParser ? *m_logParser : noLog, m_imperialUnits);
+    const Status status = writePoiTable(table, path, isJsonName(path));
+    if (status)
+        emit written(pois.size() == 1
+                         ? tr("1 point of interest is in %1.").arg(QFileInfo(path).fileName())
+                         : tr("%1 points of interest are in %2.")
+                               .arg(pois.size())
+                               .arg(QFileInfo(path).fileName()));
+    else
+        emit failed(status.failure().sentence);
+}
+
+} // namespace corv

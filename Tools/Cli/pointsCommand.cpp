@@ -1,0 +1,111 @@
+#include "Cli/flightPictures.h"
+#include "Cli/instruments.h"
+#include "Cli/thermalClock.h"
+#include "Log/printable.h"
+#include "Timeline/poiTable.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <unistd.h>
+
+namespace corv::cli {
+namespace {
+
+const QString jsonOption = QStringLiteral("json");
+const QString outOption = QStringLiteral("out");
+const QString picturesOption = QStringLiteral("pictures");
+
+// Saves a picture of each point of interest and enters those that there are into the table.
+ExitStatus addPictures(OpenFlight& flight, const QCommandLineParser& line, PoiTable* table)
+{
+    const QString folder = line.value(picturesOption);
+    if (!QDir().mkpath(folder))
+        return fail(folder + QStringLiteral(": cannot be made"));
+    const QList<Picture> pictures =
+        numbered(positionsOfPois(flight), folder, QStringLiteral("POI"));
+    const QStringList results = savePictures(flight, pictures);
+    const QDir base =
+        line.isSet(outOption) ? QFileInfo(line.value(outOption)).absoluteDir() : QDir::current();
+    for (int i = 0; i < pictures.size(); ++i)
+        if (results[i].isEmpty())
+            table->rows[i].picture =
+                base.relativeFilePath(QFileInfo(pictures[i].file).absoluteFilePath());
+    const QString failure = failureOf(results);
+    if (failure.isEmpty())
+        return Done;
+    fail(failure);
+    return PartlyDone;
+}
+
+// A file gets the texts as they are, and so does another program; a terminal is not steered by
+// them.
+QByteArray csvFor(PoiTable table)
+{
+    const auto made = [](const QString& text) {
+        QStringList lines = text.split(QLatin1Char('\n'));
+        for (QString& one : lines)
+            one = printable(one);
+        return lines.join(QLatin1Char('\n'));
+    };
+    if (isatty(STDOUT_FILENO) == 1) {
+        for (PoiTableRow& row : table.rows) {
+            row.name = made(row.name);
+            row.description = made(row.description);
+            row.picture = made(row.picture);
+        }
+    }
+    return poiTableCsv(table);
+}
+
+ExitStatus points(const QCommandLineParser& line)
+{
+    const QString out = line.value(outOption);
+    if ((line.isSet(outOption) && out.isEmpty()) ||
+        (line.isSet(picturesOption) && line.value(picturesOption).isEmpty()) ||
+        (!line.isSet(picturesOption) &&
+         (line.isSet(instrumentsOption) || line.isSet(thermalOption))))
+        return WrongUsage;
+    OpenFlight flight;
+    const ExitStatus opened = openForPictures(flight, line, out);
+    if (opened != Done)
+        return opened;
+    PoiTable table =
+        poiTable(flight.review().allPois(), flight.logParser(), line.isSet(imperialOption));
+    ExitStatus pictures = Done;
+    if (line.isSet(picturesOption))
+        pictures = addPictures(flight, line, &table);
+    if (pictures == Failed)
+        return Failed;
+    const bool asJson = line.isSet(jsonOption) || isJsonName(out);
+    if (out.isEmpty()) {
+        const ExitStatus written = writeOut(
+            asJson ? printedJson(QJsonDocument::fromJson(poiTableJson(table))) : csvFor(table));
+        return written == Done ? pictures : written;
+    }
+    const Status written = writePoiTable(table, out, asJson);
+    return written ? pictures : fail(written.failure());
+}
+
+} // namespace
+
+std::vector<Command> pointsCommands()
+{
+    return {{QStringLiteral("points"),
+             QStringLiteral("(PROJECT | VIDEO [LOG]) [--json] [--imperial] [--out FILE] "
+                            "[--pictures FOLDER [--thermal] [--thermal-clock file|screen] "
+                            "[--instruments]]"),
+             QStringLiteral("the points of interest as a table"),
+             QList<QCommandLineOption>{
+                 flag(jsonOption, QStringLiteral("writes JSON, not comma-separated values")),
+                 valued(outOption, QStringLiteral("FILE"),
+                        QStringLiteral("the table to write; one named .json is JSON")),
+                 valued(picturesOption, QStringLiteral("FOLDER"),
+                        QStringLiteral("writes the picture of each, too")),
+                 flag(thermalOption, QStringLiteral("draws the thermal overlay in any case")),
+                 thermalClockOption()} +
+                 instrumentOptions(),
+             points}};
+}
+
+} // namespace corv::cli
