@@ -58,7 +58,7 @@ const LogGroup* findGroup(const LogFile& log, const QString& name)
     if (const LogGroup* group = log.getGroup(name.toStdString()))
         return group;
     bool isNumber = false;
-    const int id = name.midRef(1).toInt(&isNumber);
+    const int id = name.mid(1).toInt(&isNumber);
     if (!name.startsWith(QLatin1Char('#')) || !isNumber)
         return nullptr;
     const auto& groups = log.getGroups();

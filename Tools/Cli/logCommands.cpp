@@ -164,7 +164,7 @@ ExitStatus sync(const QCommandLineParser& line)
         json ? printedJson(QJsonDocument(syncJson(synced))) : syncText(synced).toUtf8();
     if ((json || synced.match.found) && writeOut(shown) != Done)
         return Failed;
-    if (!synced.match.found)
+    if (!synced.match.found || synced.match.probablyNotMatching)
         return fail(QStringLiteral("No recording of the log \"%1\" fits a video of %2 ms.")
                         .arg(arguments[0], QString::number(durationMs)));
     return Done;

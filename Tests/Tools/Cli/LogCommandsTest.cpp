@@ -315,6 +315,12 @@ void LogCommandsTest::syncFindsTheVideo()
     QCOMPARE(nothing["found"], QJsonValue(false));
     QCOMPARE(nothing["logTimeOffsetMs"], QJsonValue(0));
     QCOMPARE(nothing["naming"], QJsonValue(naming(true, "", "", 0)));
+    // The nearest recording is shown, but it does not fit.
+    const ProgramRun other =
+        vistrel({"sync", "--json", "--duration-ms", "999999", path("flight.log")});
+    QCOMPARE(other.status, 1);
+    QVERIFY(other.error.contains("No recording of the log"));
+    QCOMPARE(QJsonDocument::fromJson(other.out).object()["probablyNotMatching"], QJsonValue(true));
     const ProgramRun people = vistrel({"sync", path("flight.log"), "--duration-ms", "60000"});
     QVERIFY(people.out.contains("begins at 10690 ms of the log"));
 }

@@ -128,8 +128,10 @@ void ReviewCommandTest::init()
 
 void ReviewCommandTest::flightIsReviewedWhole()
 {
-    const ProgramRun review = run({"--out", out(), "--copy", "--thermal", "--video", m_card.path()},
-                                  QProcessEnvironment::systemEnvironment());
+    const ProgramRun review =
+        run({"--out", out(), "--copy", "--thermal", "--video", "--instruments", "--columns",
+             "state_estimation:time,altitude", "--rate", "1", m_card.path()},
+            QProcessEnvironment::systemEnvironment());
     QCOMPARE(review.error, QByteArray());
     QCOMPARE(review.status, 0);
     const QJsonObject last = linesOf(review.out).last();
@@ -150,6 +152,8 @@ void ReviewCommandTest::flightIsReviewedWhole()
     const QByteArray table = contentsOf(flightFolder() + "/points.csv");
     QVERIFY(table.startsWith("time (ms),time,log time (ms),name,description,"));
     QCOMPARE(table.count("\r\n"), points.size() + 1);
+    const QByteArray values = contentsOf(flightFolder() + "/tables/state_estimation.csv");
+    QVERIFY2(values.startsWith("time (ms),altitude (m)\n"), values.left(80).constData());
     QVERIFY(contentsOf(flightFolder() + "/report.docx").startsWith("PK"));
     QVERIFY(contentsOf(flightFolder() + "/report.pdf").startsWith("%PDF"));
     QVERIFY(QFileInfo(flightFolder() + "/video.mp4").size() > 0);
