@@ -8,6 +8,11 @@ namespace corv {
 
 SearchJobs::SearchJobs(QObject* parent) : QObject(parent) {}
 
+SearchJobs::~SearchJobs()
+{
+    abandon();
+}
+
 DirectoryParser* SearchJobs::parser() const
 {
     return m_parser;
@@ -32,10 +37,11 @@ void SearchJobs::follow()
     abandon();
     if (!m_jobs || !m_parser->isSearching())
         return;
-    m_job = m_jobs->start(Job::Kind::search, tr("Search flights"), Job::Unit::steps, [this] {
-        if (m_parser)
-            m_parser->abortParsing();
-    });
+    m_job = m_jobs->start(Job::Kind::search, tr("Search flights"), Job::Unit::steps,
+                          [parser = m_parser] {
+                              if (parser)
+                                  parser->abortParsing();
+                          });
 }
 
 void SearchJobs::report(int current, int total)

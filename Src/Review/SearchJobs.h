@@ -21,6 +21,9 @@ class SearchJobs : public QObject
 public:
     explicit SearchJobs(QObject* parent = nullptr);
 
+    /// A search that runs on is no longer listed as running.
+    ~SearchJobs() override;
+
     DirectoryParser* parser() const;
     void setParser(DirectoryParser* parser);
     JobList* jobs() const { return m_jobs; }

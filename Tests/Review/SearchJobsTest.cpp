@@ -7,7 +7,9 @@
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <QtTest>
+#include <memory>
 
 using namespace corv;
 
@@ -72,6 +74,7 @@ private slots:
     void aSearchIsAJobWithProgressAndResult();
     void cancellingTheJobAbortsTheSearch();
     void anAbortedSearchIsACancelledJob();
+    void theJobEndsWithoutItsLister();
     void withoutAListNothingIsKept();
     void theResultIsASentence_data();
     void theResultIsASentence();
@@ -136,6 +139,25 @@ void SearchJobsTest::anAbortedSearchIsACancelledJob()
     card.search(parser);
     QTRY_COMPARE(list.rowCount(), 2);
     QTRY_COMPARE(list.job(1)->state(), Job::Succeeded);
+}
+
+void SearchJobsTest::theJobEndsWithoutItsLister()
+{
+    Card card;
+    JobList list;
+    auto parser = std::make_unique<DirectoryParser>(card.machine());
+    auto jobs = std::make_unique<SearchJobs>();
+    jobs->setJobs(&list);
+    jobs->setParser(parser.get());
+    card.search(*parser);
+    card.reached.acquire();
+    jobs.reset();
+    const Job::State state = list.job(0)->state();
+    card.gate.release(4);
+    parser.reset();
+    list.job(0)->cancel(); // and reaches nobody
+    QThreadPool::globalInstance()->waitForDone();
+    QCOMPARE(state, Job::Cancelled);
 }
 
 void SearchJobsTest::withoutAListNothingIsKept()
