@@ -475,6 +475,8 @@ ReviewWindow {
             anchors.leftMargin: poiPanel.visible ? poiPanel.width : 0
             anchors.rightMargin: hUDRectangle.visible ? 3 + mainWindow.sidebarWidth : 0
             player: videoPlayer
+            coveredHeight: (recoveryBar.visible ? recoveryBar.height : 0) + unfinishedBar.height
+                           + (missingMediaBar.visible ? missingMediaBar.height : 0)
             recentProjects: recentProjects.projects
             projectPictures: projectPictures
             onRecentProjectChosen: mainWindow.openRecentProject(path)
@@ -532,6 +534,7 @@ ReviewWindow {
         }
 
         MissingMediaBar {
+            id: missingMediaBar
             objectName: "missingMediaBar"
             anchors.left: videoRect.left
             anchors.right: videoRect.right

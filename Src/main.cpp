@@ -115,7 +115,7 @@ int main(int argc, char** argv)
         return answer(early);
 
     corv::followScreenScale();
-    corv::keepGlyphsInMemory();
+    corv::hastenFirstFrame();
     // First of all messages, so that it covers the start of the scene graph too.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.scenegraph.general=true"));
     QApplication application(argc, argv);

@@ -33,7 +33,7 @@ int main(int argc, char** argv)
 {
     // As the program does it.
     if (argc > 1 && qstrcmp(argv[1], "full") == 0)
-        corv::keepGlyphsInMemory();
+        corv::hastenFirstFrame();
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Corvenity"));
     QApplication::setApplicationName(QStringLiteral("Vistrel-bench"));

@@ -139,12 +139,17 @@ void followScreenScale()
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }
 
-void keepGlyphsInMemory()
+void hastenFirstFrame()
 {
+    const auto setUnlessSet = [](const char* name, const char* value) {
+        if (!qEnvironmentVariableIsSet(name))
+            qputenv(name, value);
+    };
     // The way in which Qt does it for graphics units that cannot read their own textures.
-    const char* const name = "QT_ENABLE_GLYPH_CACHE_WORKAROUND";
-    if (!qEnvironmentVariableIsSet(name))
-        qputenv(name, "1");
+    setUnlessSet("QT_ENABLE_GLYPH_CACHE_WORKAROUND", "1");
+    // All icons have room in it, those of dense screens too; otherwise it is as large as a window.
+    setUnlessSet("QSG_ATLAS_WIDTH", "512");
+    setUnlessSet("QSG_ATLAS_HEIGHT", "512");
 }
 
 void useDialogColours(bool light)

@@ -8,10 +8,10 @@ namespace corv {
 /// application object is made.
 void followScreenScale();
 
-/// Keeps the glyphs of texts in memory too, so that their texture grows without a program for the
-/// graphics unit, which would be compiled before the first frame. Before the application object is
-/// made.
-void keepGlyphsInMemory();
+/// Leaves out of the first frame what it does not need: a program for the graphics unit that grows
+/// the texture of glyphs (they are kept in memory, too), and most of the texture that small pictures
+/// share. Before the application object is made.
+void hastenFirstFrame();
 
 /// Gives what Qt draws by itself (message boxes, file dialogs, lists, scroll bars) the colours of
 /// the windows. A message box shows its text as it is, never as markup, and the newest one lies on

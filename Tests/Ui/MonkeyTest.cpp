@@ -1,6 +1,7 @@
 #include "ReviewFixture.h"
 
 #include <QDesktopServices>
+#include <QPointer>
 #include <QRandomGenerator>
 #include <memory>
 
@@ -75,7 +76,8 @@ QQuickWindow* MonkeyTest::anyWindow()
 
 void MonkeyTest::click()
 {
-    QQuickWindow* window = anyWindow();
+    // A press can end a menu's window.
+    const QPointer<QQuickWindow> window = anyWindow();
     const QPoint place(upTo(window->width()), upTo(window->height()));
     const auto button = upTo(8) ? Qt::LeftButton : Qt::RightButton;
     QTest::mouseMove(window, place);
@@ -84,6 +86,8 @@ void MonkeyTest::click()
         return;
     }
     QTest::mousePress(window, button, Qt::NoModifier, place);
+    if (!window)
+        return;
     if (upTo(4) == 0) {
         const QPoint other(upTo(window->width()), upTo(window->height()));
         QTest::mouseMove(window, other);
@@ -105,11 +109,13 @@ void MonkeyTest::key()
         Qt::Key_F8,     Qt::Key_F11};
     static const QVector<Qt::Key> commands{Qt::Key_N, Qt::Key_L, Qt::Key_O, Qt::Key_S,
                                            Qt::Key_C, Qt::Key_U, Qt::Key_Z};
-    QQuickWindow* window = anyWindow();
-    if (upTo(8) == 0)
-        QTest::keyClick(window, commands[upTo(commands.size())], Qt::ControlModifier);
-    else
-        QTest::keyClick(window, keys[upTo(keys.size())]);
+    const QPointer<QQuickWindow> window = anyWindow();
+    const bool isCommand = upTo(8) == 0;
+    const Qt::Key key = isCommand ? commands[upTo(commands.size())] : keys[upTo(keys.size())];
+    const auto modifier = isCommand ? Qt::ControlModifier : Qt::NoModifier;
+    QTest::keyPress(window, key, modifier);
+    if (window)
+        QTest::keyRelease(window, key, modifier);
 }
 
 void MonkeyTest::wheel()
