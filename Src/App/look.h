@@ -9,8 +9,8 @@ namespace corv {
 void followScreenScale();
 
 /// Leaves out of the first frame what it does not need: a program for the graphics unit that grows
-/// the texture of glyphs (they are kept in memory, too), and most of the texture that small pictures
-/// share. Before the application object is made.
+/// the texture of glyphs (they are kept in memory, too), and most of the texture that small
+/// pictures share. Before the application object is made.
 void hastenFirstFrame();
 
 /// Gives what Qt draws by itself (message boxes, file dialogs, lists, scroll bars) the colours of
