@@ -45,7 +45,7 @@ void LogTablesTest::initTestCase()
     QVERIFY(log.save(path));
     const std::atomic<bool> abortFlag{false};
     LogDecoder decoder(&abortFlag);
-    const auto decoded = decoder.decode(path, {});
+    const auto decoded = decoder.decode(path, [](int, int, int) {});
     QVERIFY(decoded);
     m_log = *decoded;
 }
