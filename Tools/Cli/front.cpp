@@ -15,6 +15,25 @@ namespace {
 // The other program of the tool, beside this one.
 constexpr const char* kFlightProgram = "/vistrel-cli-flights";
 
+// The locale's codec, which file names go through. Qt's own for this encoding asks a library of
+// encodings for it, which takes as long as a small log.
+class Utf8Codec : public QTextCodec
+{
+public:
+    QByteArray name() const override { return QByteArrayLiteral("UTF-8"); }
+    int mibEnum() const override { return 106; }
+
+protected:
+    QString convertToUnicode(const char* text, int length, ConverterState*) const override
+    {
+        return QString::fromUtf8(text, length);
+    }
+    QByteArray convertFromUnicode(const QChar* text, int length, ConverterState*) const override
+    {
+        return QString::fromRawData(text, length).toUtf8();
+    }
+};
+
 bool isLogCommand(const QStringList& arguments, const std::vector<Command>& commands)
 {
     const auto name = std::find_if(arguments.begin() + 1, arguments.end(), [](const QString& word) {
@@ -46,7 +65,7 @@ ExitStatus becomeFlightProgram(char** argv)
 int main(int argc, char** argv)
 {
     using namespace corv::cli;
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    QTextCodec::setCodecForLocale(new Utf8Codec); // Qt owns it
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments += QFile::decodeName(argv[i]);
