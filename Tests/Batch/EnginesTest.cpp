@@ -1,12 +1,13 @@
-#include "Batch/Servers.h"
 #include "Batch/flightResults.h"
 #include "Support/ProgramRun.h"
 #include "Support/ScratchDisk.h"
+#include "Support/Servers.h"
 #include "Support/TestCard.h"
 
 #include <QCoreApplication>
-#include <QHostInfo>
 #include <QTemporaryDir>
+#include <QtTest>
+#include <csignal>
 #include <memory>
 
 using namespace corv;
@@ -44,8 +45,6 @@ private slots:
 private:
     QString path(const QString& name) const { return m_base.filePath(name); }
     void reviewsLikeOneQuietRun(const QStringList& command);
-    void startSsh();
-    void startSlurm();
     QStringList optionsOfAll() const { return {"--copy", "--thermal"}; }
 
     QTemporaryDir m_base;
@@ -159,73 +158,11 @@ void EnginesTest::sshDoesIt()
     QVERIFY2(lines.contains("\tone\t") && lines.contains("\ttwo\t"), lines);
 }
 
-void EnginesTest::startSlurm()
-{
-    const QString host = QHostInfo::localHostName().section('.', 0, 0);
-    for (const QString name : {"slurm/state", "slurm/spool"})
-        QVERIFY(QDir().mkpath(path(name)));
-    QVERIFY(
-        writeText(path("slurm/slurm.conf"),
-                  "ClusterName=t\nSlurmctldHost=" + host +
-                      "(127.0.0.1)\n"
-                      "AuthType=auth/munge\nAuthInfo=socket=" +
-                      path("slurm/socket") +
-                      "\n"
-                      "CredType=cred/munge\nProctrackType=proctrack/pgid\nTaskPlugin=task/none\n"
-                      "SelectType=select/cons_tres\nSlurmUser=root\nSlurmdUser=root\n"
-                      "MpiDefault=none\nJobAcctGatherType=jobacct_gather/none\n"
-                      "SlurmctldPort=" +
-                      QString::number(freePort()) +
-                      "\n"
-                      "SlurmdPort=" +
-                      QString::number(freePort()) +
-                      "\n"
-                      "StateSaveLocation=" +
-                      path("slurm/state") +
-                      "\n"
-                      "SlurmdSpoolDir=" +
-                      path("slurm/spool") +
-                      "\n"
-                      "SlurmctldPidFile=" +
-                      path("slurm/controller.pid") +
-                      "\n"
-                      "SlurmdPidFile=" +
-                      path("slurm/node.pid") +
-                      "\n"
-                      "SchedulerParameters=sched_interval=1,sched_min_interval=100000\n"
-                      "ReturnToService=2\nInactiveLimit=0\nMinJobAge=300\n"
-                      "NodeName=" +
-                      host +
-                      " NodeAddr=127.0.0.1 CPUs=2 RealMemory=1000 State=UNKNOWN\n"
-                      "PartitionName=p Nodes=" +
-                      host + " Default=YES MaxTime=INFINITE State=UP OverSubscribe=NO\n"));
-    QFile key(path("slurm/key"));
-    QVERIFY(key.open(QIODevice::WriteOnly));
-    QCOMPARE(key.write(QByteArray(64, 'k')), qint64(64));
-    key.setPermissions(QFile::ReadOwner);
-    m_environment.insert("SLURM_CONF", path("slurm/slurm.conf"));
-}
-
 void EnginesTest::slurmDoesIt()
 {
-    startSlurm();
-    if (QTest::currentTestFailed())
-        return;
-    // Where the group of the account that munge has cannot be had, the socket is the
-    // administrator's.
-    const Server munge("/usr/sbin/munged",
-                       {"--foreground", "--key-file=" + path("slurm/key"),
-                        "--socket=" + path("slurm/socket"), "--pid-file=" + path("slurm/munge.pid"),
-                        "--log-file=" + path("slurm/munge.log"),
-                        "--seed-file=" + path("slurm/seed")},
-                       path("slurm/munge.out"));
-    QTRY_VERIFY2(QFile::exists(path("slurm/socket")),
-                 shell("cat " + path("slurm/munge.out"), m_environment).out);
-    const Server controller("/usr/sbin/slurmctld", {"-D", "-f", path("slurm/slurm.conf")},
-                            path("slurm/controller.log"));
-    const Server node("/usr/sbin/slurmd", {"-D", "-f", path("slurm/slurm.conf")},
-                      path("slurm/node.log"));
-    QTRY_VERIFY_WITH_TIMEOUT(shell("sinfo -h -o %t", m_environment).out.trimmed() == "idle", 60000);
+    const SlurmCluster cluster(path("slurm"));
+    QVERIFY(cluster.isReady());
+    m_environment.insert("SLURM_CONF", cluster.configuration());
     reviewsLikeOneQuietRun(
         QStringList{VISTREL_BATCH "/review-slurm", path("disk"), path("card"), "--"} +
         optionsOfAll());
@@ -234,7 +171,7 @@ void EnginesTest::slurmDoesIt()
     QFile gathered(path("disk/.batch/gather.log"));
     QVERIFY(gathered.open(QIODevice::ReadOnly));
     QCOMPARE(gathered.readAll().count("\"finished\""), flightCount);
-    QVERIFY(node.isRunning() && controller.isRunning() && munge.isRunning());
+    QVERIFY(cluster.isRunning());
 }
 
 // The unit as it is installed, with its program in the tree.

@@ -44,6 +44,7 @@ bool TestCard::write(const QString& folder) const
         const SampleFlight sample(options);
         TestVideo video;
         video.frames = sample.frameCount();
+        video.size = size;
         video.firstNumber = 1000 * flight;
         const QString videoPath = card.filePath(videoFile(flight));
         const QString logPath = card.filePath(logFile(flight));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 
 namespace corv::test {
@@ -10,6 +11,7 @@ struct TestCard
 {
     int flights = 12;
     int shortestSeconds = 8; ///< of the first flight; each is a second longer than the one before
+    QSize size{320, 240};    ///< of the pictures
 
     /// Writes the card into `folder`; false, with a message in the log, if it cannot.
     bool write(const QString& folder) const;
