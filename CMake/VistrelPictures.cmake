@@ -1,5 +1,6 @@
 # Our pictures are drawn as SVG in Qml/images. The program reads PNG: every drawing is rendered once
-# at its own size and once, as name@2x.png, for screens of twice the density.
+# at its own size and once each, as name@2x.png and name@3x.png, for screens of two and three times
+# the density.
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
 find_program(ICOTOOL icotool REQUIRED)
 
@@ -25,12 +26,14 @@ function(vistrel_render_pictures directory out_files)
     foreach(name IN LISTS VISTREL_PICTURES)
         set(once "${directory}/images/${name}.png")
         set(twice "${directory}/images/${name}@2x.png")
-        add_custom_command(OUTPUT "${once}" "${twice}"
+        set(thrice "${directory}/images/${name}@3x.png")
+        add_custom_command(OUTPUT "${once}" "${twice}" "${thrice}"
             COMMAND "${RSVG_CONVERT}" -o "${once}" "${source}/${name}.svg"
             COMMAND "${RSVG_CONVERT}" --zoom 2 -o "${twice}" "${source}/${name}.svg"
+            COMMAND "${RSVG_CONVERT}" --zoom 3 -o "${thrice}" "${source}/${name}.svg"
             DEPENDS "${source}/${name}.svg"
             COMMENT "Rendering ${name}.png" VERBATIM)
-        list(APPEND files "images/${name}.png" "images/${name}@2x.png")
+        list(APPEND files "images/${name}.png" "images/${name}@2x.png" "images/${name}@3x.png")
     endforeach()
 
     # The spinner stays a drawing: it is turned while it is shown.

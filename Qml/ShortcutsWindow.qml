@@ -71,6 +71,13 @@ Window {
                "F11: Full screen window"].join("\n")
     }
 
+    Text {
+        objectName: "moreKeysText"
+        anchors { left: parent.left; leftMargin: 10; verticalCenter: okButton.verticalCenter }
+        color: Theme.textSoft
+        text: "F1: all keys, in the user guide"
+    }
+
     CorvRichTextButton {
         id: okButton
         objectName: "okButton"

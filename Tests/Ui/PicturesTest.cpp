@@ -12,8 +12,8 @@ class PicturesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void pictureIsThereAtBothDensities_data();
-    void pictureIsThereAtBothDensities();
+    void pictureIsThereAtEachDensity_data();
+    void pictureIsThereAtEachDensity();
     void tintedPictureHasOneColour_data();
     void tintedPictureHasOneColour();
     void spinnerIsADrawing();
@@ -39,21 +39,22 @@ bool hasSoftEdges(const QImage& image)
 
 } // namespace
 
-void PicturesTest::pictureIsThereAtBothDensities_data()
+void PicturesTest::pictureIsThereAtEachDensity_data()
 {
     tintedPictureHasOneColour_data();
-    for (const char* name :
-         {"slider_pointer_down", "slider_pointer_up", "vistitle", "splash_logo", "cam_pitch"})
+    for (const char* name : {"slider_pointer_down", "slider_pointer_up", "vistitle",
+                             "vistitle_light", "splash_logo", "splash_logo_light", "cam_pitch"})
         QTest::newRow(name) << name;
 }
 
-void PicturesTest::pictureIsThereAtBothDensities()
+void PicturesTest::pictureIsThereAtEachDensity()
 {
     QFETCH(QString, name);
     const QImage once = load(name);
     const QImage twice = load(name + "@2x");
     QVERIFY(!once.isNull());
     QCOMPARE(twice.size(), once.size() * 2);
+    QCOMPARE(load(name + "@3x").size(), once.size() * 3);
     // Where an edge lies between two pixels it is drawn anew for the larger size and not stretched.
     if (hasSoftEdges(once))
         QVERIFY(twice != once.scaled(twice.size()));
