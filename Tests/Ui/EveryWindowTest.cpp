@@ -275,6 +275,15 @@ void EveryWindowTest::lookAtPanels(const Names& names)
     m_ui->call("logParsingProgress", {2, 80, 100});
     lookAt("reading a log");
     m_ui->evaluate("LogParser.isParsing = false");
+    m_ui->root()->setProperty("crashNotice", "Vistrel stopped while it wrote " + m_video + ".");
+    m_ui->root()->setProperty("crashReportPath", m_video);
+    lookAt("crash of the last run");
+    m_ui->root()->setProperty("crashNotice", "");
+    m_ui->call("togglePictureAlone");
+    QTRY_COMPARE(m_ui->window()->visibility(), QWindow::FullScreen);
+    lookAt("picture alone");
+    m_ui->call("togglePictureAlone");
+    QTRY_COMPARE(m_ui->window()->visibility(), QWindow::Windowed);
 }
 
 void EveryWindowTest::lookAtImporter(const Names& names)

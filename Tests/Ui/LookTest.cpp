@@ -22,6 +22,7 @@ private slots:
     void followsTheScaleOfTheScreen();
     void pointersAndIconsAreDrawnSharp();
     void everyControlHasANameForAReader();
+    void theLookChangesInTheOpenWindow();
 
 private:
     void bringInto(const QString& state);
@@ -222,7 +223,7 @@ void LookTest::pointersAndIconsAreDrawnSharp()
         QQuickItem* button = m_ui->item(name);
         QQuickItem* picture = nullptr;
         for (QQuickItem* child : button->findChildren<QQuickItem*>()) {
-            if (child->inherits("QQuickImage"))
+            if (child->inherits("corv::TintedPicture"))
                 picture = child;
         }
         QVERIFY(picture);
@@ -260,6 +261,41 @@ void LookTest::everyControlHasANameForAReader()
                  qPrintable("no objectName: " + reader->text(QAccessible::Name)));
     }
     QVERIFY2(controls >= 30, qPrintable(QString::number(controls)));
+    m_ui.reset();
+}
+
+void LookTest::theLookChangesInTheOpenWindow()
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+    bringInto("adjustments");
+    m_ui->evaluate("videoPlayer.showIR = true");
+    // Beside its text, in what Qt draws by itself.
+    const auto ground = [this](const char* name) {
+        const QRectF place = area(m_ui->item(name));
+        const QImage picture = m_ui->window()->grabWindow();
+        const double density = m_ui->window()->devicePixelRatio();
+        return picture.pixelColor(qRound((place.right() - 30) * density),
+                                  qRound(place.center().y() * density));
+    };
+    QTRY_VERIFY(m_ui->item("paletteBox")->isEnabled());
+    QTRY_VERIFY(ground("paletteBox").lightness() < 128);
+    const auto choose = [this](const char* look) {
+        m_ui->call("goSettings");
+        QTRY_VERIFY(UiFixture::visibleWindow("Settings"));
+        QQuickWindow* settings = UiFixture::visibleWindow("Settings");
+        QVERIFY(QTest::qWaitForWindowExposed(settings));
+        UiFixture::click(m_ui->item(look, settings));
+        UiFixture::click(m_ui->item("okButton", settings));
+        QTRY_VERIFY(!settings->isVisible());
+    };
+    choose("radioLookLight");
+    QTRY_VERIFY(ground("paletteBox").lightness() > 180);
+    QCOMPARE(m_ui->get("paletteBox", "currentText").toString(), QString("Rainbow"));
+    choose("radioLookDark");
+    QTRY_VERIFY(ground("paletteBox").lightness() < 128);
+    // The way of the units out of the settings has a complaint of its own.
+    QCOMPARE(m_ui->scriptErrors().filter("Combo").join('\n'), QString());
     m_ui.reset();
 }
 

@@ -51,7 +51,7 @@ bool isText(QQuickItem* item)
 
 bool isIcon(QQuickItem* item)
 {
-    return QString::fromLatin1(item->metaObject()->className()).startsWith("TintedIcon");
+    return item->inherits("corv::TintedPicture");
 }
 
 /// Looks at the items of a window in the order in which they are painted.
