@@ -16,7 +16,7 @@ namespace {
 const QString manifestName = QStringLiteral("manifest.json");
 constexpr int manifestVersion = 1;
 // A manifest has a few lines a step; anything of this size is no manifest.
-constexpr qint64 largestManifestBytes = 16 * 1024 * 1024;
+constexpr qint64 largestManifestBytes = qint64(16) * 1024 * 1024;
 
 QByteArray bytesOf(const QJsonValue& value)
 {

@@ -1,6 +1,7 @@
 #include "Docx/ItemCopy.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <sstream>
@@ -334,8 +335,9 @@ void ItemCopy::fillPicture(const xml_node& control, const QString& fileName,
     const std::string relationship = addPicture(fileName, *header);
     if (!drawing)
         drawing = appendDrawing(emptied(content));
-    showPicture(drawing, relationship, std::max(emuPerPixel, Emu(scale * header->widthPx + 0.5)),
-                std::max(emuPerPixel, Emu(scale * header->heightPx + 0.5)));
+    showPicture(drawing, relationship,
+                std::max(emuPerPixel, Emu(std::llround(scale * header->widthPx))),
+                std::max(emuPerPixel, Emu(std::llround(scale * header->heightPx))));
 }
 
 Emu ItemCopy::columnWidth(const xml_node& control) const

@@ -6,7 +6,7 @@
 namespace corv {
 namespace {
 
-constexpr qint64 chunkBytes = 256 * 1024;
+constexpr qint64 chunkBytes = qint64(256) * 1024;
 
 [[noreturn]] void fail(const char* what, const QIODevice& device)
 {

@@ -12,7 +12,7 @@
 namespace corv {
 namespace {
 
-constexpr qint64 chunkBytes = 64 * 1024;
+constexpr qint64 chunkBytes = qint64(64) * 1024;
 
 [[noreturn]] void fail(const QString& fileName, const char* reason)
 {
