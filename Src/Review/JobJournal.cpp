@@ -18,6 +18,7 @@ namespace {
 constexpr int formatVersion = 1;
 constexpr qint64 mostBytes = 1 << 20;
 constexpr int mostNamed = 5;
+constexpr int delayMs = 500;
 const QString namePrefix = QStringLiteral("jobs");
 
 QString lineOf(const Job& job)
@@ -65,6 +66,9 @@ QString sentenceOf(const QStringList& lines)
 
 JobJournal::JobJournal(QObject* parent) : QObject(parent)
 {
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(delayMs);
+    connect(&m_timer, &QTimer::timeout, this, &JobJournal::write);
     // What ends from here on was ended by quitting.
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &JobJournal::stopFollowing);
@@ -114,21 +118,31 @@ void JobJournal::forgetUnfinished()
 
 void JobJournal::update()
 {
-    QStringList lines;
+    m_lines.clear();
     for (int row = 0; row < m_jobs->rowCount(); ++row) {
         const Job& job = *m_jobs->job(row);
         if (job.isRunning() && job.isWriting())
-            lines << lineOf(job);
+            m_lines << lineOf(job);
     }
-    if (lines == m_written)
+    if (!m_timer.isActive())
+        m_timer.start();
+}
+
+void JobJournal::write()
+{
+    if (m_lines == m_written)
         return;
+    // The disk may be slow, and this is the thread of the interface.
+    if (m_writing.isRunning()) {
+        m_timer.start();
+        return;
+    }
     if (m_place.file.isEmpty())
         m_place = newOwnedFile(m_folder, namePrefix);
     if (m_place.file.isEmpty())
         return;
-    m_written = lines;
-    m_writing.waitForDone(); // of the change before, a small file
-    m_writing = runOnPool([place = m_place, lines] {
+    m_written = m_lines;
+    m_writing = runOnPool([place = m_place, lines = m_lines] {
         if (lines.isEmpty()) {
             QFile::remove(place.file);
             return;
@@ -144,6 +158,9 @@ void JobJournal::stopFollowing()
 {
     if (m_jobs)
         disconnect(m_jobs, nullptr, this, nullptr);
+    m_timer.stop();
+    m_writing.waitForDone();
+    write();
     m_writing.waitForDone();
 }
 

@@ -8,12 +8,13 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
 namespace corv {
 
 /// Keeps on disk which jobs are writing something, so that the next start can say what was not
 /// finished when the program was quit, or killed. Its file is there only while such a job runs, and
-/// is written on the pool. Interface thread only.
+/// is written on the pool; a job of less than half a second leaves none. Interface thread only.
 class JobJournal : public QObject
 {
     Q_OBJECT
@@ -49,12 +50,15 @@ signals:
 
 private:
     void update();
+    void write();
     void stopFollowing();
 
     QPointer<JobList> m_jobs;
     QString m_folder;
     OwnedFile m_place;
-    QStringList m_written; ///< what the file says, a line for each job
+    QStringList m_lines;   ///< one for each job that runs
+    QStringList m_written; ///< those that the file has
+    QTimer m_timer;        ///< until they are written
     PoolTask m_writing;
     QString m_unfinishedText;
 };

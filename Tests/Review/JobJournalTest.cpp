@@ -16,6 +16,7 @@ private slots:
     void namesWhatRanWhenTheProgramEnded();
     void keepsNothingOfFinishedJobs();
     void readingIsNotKept();
+    void aShortJobWritesNothing();
     void leavesTheJobsOfARunningProgramAlone();
     void saysItOnce();
     void survivesDamage_data();
@@ -73,6 +74,20 @@ void JobJournalTest::readingIsNotKept()
     journal.setFolder(path());
     jobs.start(Job::Kind::log, "Read a log");
     QCOMPARE(files(), QStringList());
+}
+
+void JobJournalTest::aShortJobWritesNothing()
+{
+    const QDateTime before = QFileInfo(path()).lastModified();
+    {
+        JobList jobs;
+        JobJournal journal;
+        journal.setJobs(&jobs);
+        journal.setFolder(path());
+        for (int i = 0; i < 20; ++i)
+            start(jobs, "Save the project", "/a.ecor")->succeed();
+    }
+    QCOMPARE(QFileInfo(path()).lastModified(), before);
 }
 
 void JobJournalTest::leavesTheJobsOfARunningProgramAlone()
