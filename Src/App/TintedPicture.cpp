@@ -8,6 +8,7 @@
 #include <QQmlFile>
 #include <QQuickWindow>
 #include <QSGImageNode>
+#include <QtMath>
 #include <cmath>
 
 namespace corv {
@@ -17,9 +18,13 @@ QImage read(const QUrl& source)
 {
     const QString path = QQmlFile::urlToLocalFileOrQrc(source);
     const int dot = path.lastIndexOf(QLatin1Char('.'));
-    const QString twice = path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
-    // Only the file of this name says that its pixels are halves: the reader looks at the name.
-    return QImage(qGuiApp->devicePixelRatio() > 1 && QFile::exists(twice) ? twice : path);
+    // The reader learns the density of the picture from the name.
+    for (int density = qCeil(qGuiApp->devicePixelRatio()); density > 1; --density) {
+        const QString denser = path.left(dot) + QStringLiteral("@%1x").arg(density) + path.mid(dot);
+        if (QFile::exists(denser))
+            return QImage(denser);
+    }
+    return QImage(path);
 }
 
 } // namespace
