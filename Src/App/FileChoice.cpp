@@ -114,7 +114,9 @@ void FileChoice::open()
     dialog->winId();
     if (QWindow* const window = windowOf(this))
         dialog->windowHandle()->setTransientParent(window);
-    dialog->open();
+    // Of all windows: keys that went to another one would change the work that is being saved.
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->show();
     emit visibleChanged();
 }
 

@@ -14,7 +14,7 @@ namespace corv {
 ///
 /// To a document it is a `FileDialog`, with what that lacks: a name that is proposed, and filters
 /// that find a suffix in any case in a desktop's dialog, too, where patterns tell upper from lower
-/// case. Modal to the window that it is declared in. Interface thread only.
+/// case. No other window takes keys or clicks while it is open. Interface thread only.
 class FileChoice : public QObject
 {
     Q_OBJECT

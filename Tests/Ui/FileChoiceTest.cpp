@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QWindow>
 
 using namespace corv::test;
 
@@ -22,6 +23,7 @@ private slots:
     void proposesTheNameOfTheProjectThatIsOpen();
     void eachKindOfFileHasItsOwnFolder();
     void aFolderThatIsGoneIsNotOpened();
+    void noOtherWindowIsUsedMeanwhile();
 
 private:
     static QString proposedName();
@@ -146,6 +148,17 @@ void FileChoiceTest::aFolderThatIsGoneIsNotOpened()
     QTRY_VERIFY(UiFixture::fileDialog());
     QVERIFY(QDir(folder()).exists());
     QVERIFY(!folder().startsWith(card));
+    UiFixture::fileDialog()->reject();
+}
+
+// Modal to its window alone, it left a click on that window's title and the keys after it to the
+// flight that was being saved.
+void FileChoiceTest::noOtherWindowIsUsedMeanwhile()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->call("goSaveProjectAs");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(UiFixture::fileDialog()->windowHandle()->modality(), Qt::ApplicationModal);
     UiFixture::fileDialog()->reject();
 }
 
