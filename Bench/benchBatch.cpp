@@ -15,8 +15,6 @@
 namespace corv::bench {
 namespace {
 
-constexpr int kFlights = 8;
-
 // The first two processors that this process may use; where there is one alone, that one.
 QStringList twoProcessors()
 {
@@ -56,14 +54,14 @@ private:
 class CardReviews
 {
 public:
-    CardReviews(const Report& report, const QString& name, QSize size)
+    CardReviews(const Report& report, const QString& name, int flights, int shortestSeconds)
         : m_card(report.inputFolder() + '/' + name)
     {
         test::TestCard card;
-        card.flights = kFlights;
-        card.shortestSeconds = 16;
-        card.size = size;
-        if (!QFile::exists(m_card + '/' + test::TestCard::logFile(kFlights)) && !card.write(m_card))
+        card.flights = flights;
+        card.shortestSeconds = shortestSeconds;
+        card.size = QSize(1280, 720);
+        if (!QFile::exists(m_card + '/' + test::TestCard::logFile(flights)) && !card.write(m_card))
             qFatal("the card cannot be made");
         QFile tool(m_tools.filePath("vistrel-cli"));
         if (!tool.open(QIODevice::WriteOnly) ||
@@ -120,17 +118,18 @@ private:
 
 void cardOnTwoCores(Report& report)
 {
-    const CardReviews reviews(report, "card", {1280, 720});
+    const CardReviews reviews(report, "card", 8, 16);
     report.row(QStringLiteral("review of 8 flights, two cores"),
                timeRatio([&] { reviews.whole({}); }, [&] { reviews.partsOneAfterAnother(); }, 3),
                0.65, QStringLiteral("its parts, on one core, one after another"));
 }
 
-// At least twenty seconds of work for each of two workers.
+// At least twenty seconds of work for each of two workers, in flights of some length: a cluster
+// looks for its next task once a second.
 void engines(Report& report)
 {
     const OnTwoProcessors processors; // for the servers, too
-    CardReviews reviews(report, "card", {1280, 720});
+    CardReviews reviews(report, "card-of-four", 4, 32);
     const QStringList options{"--video"};
     const auto whole = [&] { reviews.whole(options); };
     const QString input = QStringLiteral("review on the same two cores, with video");

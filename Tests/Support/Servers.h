@@ -152,7 +152,8 @@ private:
                        "SlurmdPidFile=" +
                        path("node.pid") +
                        "\n"
-                       "SchedulerParameters=sched_interval=1,sched_min_interval=100000\n"
+                       "SchedulerParameters=sched_interval=1,sched_min_interval=1000,"
+                       "batch_sched_delay=0,bf_interval=1\n"
                        "ReturnToService=2\n"
                        "NodeName=" +
                        host +
