@@ -8,8 +8,9 @@
 namespace corv {
 
 /// Shows a picture of the compiled resources in one colour: its opaque parts are that colour. At
-/// its own size, in the middle, on whole pixels; on dense screens from the picture of twice the
-/// size, if there is one. Interface thread; drawn on that of the scene graph while the other waits.
+/// its own size, in the middle, on whole pixels; on dense screens from the picture of twice or
+/// three times the size, if there is one. Interface thread; drawn on that of the scene graph while
+/// the other waits.
 class TintedPicture : public QQuickItem
 {
     Q_OBJECT
