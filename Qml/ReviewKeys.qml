@@ -22,7 +22,7 @@ Item {
         if (player.playing)
             speedBox.value = speedBox.value + 1;
         else
-            player.play();
+            player.playOn();
     }
 
     function pause() {

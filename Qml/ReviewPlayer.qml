@@ -61,7 +61,7 @@ VideoPlayer {
         if (playing)
             pause();
         else
-            play();
+            playOn();
     }
 
     // The panel follows the player by itself; these two write everything into it once more.

@@ -221,6 +221,10 @@ public:
     /// there; across joins, and to the first or last frame at most. False if no video is open.
     Q_INVOKABLE bool step(int frames);
 
+    /// Plays on from the frame on screen; from the first one if that is the last. False if no video
+    /// is open.
+    Q_INVOKABLE bool playOn();
+
     /// Draws the frame on screen anew with the newest settings and log; nothing if no video is
     /// open. Playing, the next frames show them.
     Q_INVOKABLE void redraw();

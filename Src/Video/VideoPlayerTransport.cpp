@@ -112,6 +112,14 @@ bool VideoPlayer::step(int frames)
     return true;
 }
 
+bool VideoPlayer::playOn()
+{
+    const bool isGoing = m_seeking || m_wishUnderWay || m_restTimer.isActive();
+    if (!m_playing && !isGoing && m_currentFrameIndex >= m_frameCount - 1)
+        goToFrame(0);
+    return play();
+}
+
 void VideoPlayer::serveWish()
 {
     if (m_wishUnderWay || m_wish.isEmpty())

@@ -26,6 +26,8 @@ private slots:
     void redrawShowsAutoRange();
     void playedToTheEndEveryFrameIsShown();
     void atTheEndARedrawMakesPicturesAvailable();
+    void playedOnAtTheEndItStartsAgain();
+    void playedOnBeforeTheEndItGoesOn();
     void aForgottenFrameIsNotShownAgain();
     void exactTimeIsSignalledForEachFrame();
     void aSeekIntoDamageIsAnswered();
@@ -265,6 +267,38 @@ void PlayerVerbsTest::atTheEndARedrawMakesPicturesAvailable()
     StillFrame still(*m_player, m_player->timePosition());
     QTRY_COMPARE(still.number(), 44);
     QCOMPARE(m_surface.lastNumber(), 44);
+}
+
+void PlayerVerbsTest::playedOnAtTheEndItStartsAgain()
+{
+    openJoined();
+    m_player->play();
+    QTRY_VERIFY(!m_player->playing());
+    QCOMPARE(m_player->currentFrameIndex(), 44);
+    m_player->redraw(); // as the window does
+    m_surface.numbers.clear();
+    QVERIFY(m_player->playOn());
+    QVERIFY(m_player->playing());
+    QTRY_VERIFY(!m_player->playing());
+    QCOMPARE(m_surface.lastNumber(), 44);
+    m_surface.numbers.removeAll(44); // the redraw at the start, and the end
+    QList<int> others;
+    for (int i = 0; i < 44; ++i)
+        others << i;
+    QCOMPARE(m_surface.numbers, others);
+}
+
+void PlayerVerbsTest::playedOnBeforeTheEndItGoesOn()
+{
+    addFile("a.mp4", 30);
+    openPlayer("a.mp4");
+    QVERIFY(m_player->goToFrame(28));
+    QTRY_COMPARE(m_surface.lastNumber(), 28);
+    m_surface.numbers.clear();
+    QVERIFY(m_player->playOn());
+    QTRY_VERIFY(!m_player->playing());
+    QCOMPARE(m_surface.lastNumber(), 29);
+    QVERIFY(!m_surface.numbers.contains(0));
 }
 
 void PlayerVerbsTest::aForgottenFrameIsNotShownAgain()
