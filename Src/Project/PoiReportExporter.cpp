@@ -1,9 +1,27 @@
 #include "Project/PoiReportExporter.h"
 
+#include "Base/videoTime.h"
 #include "Project/ReportWriter.h"
 #include "Threads/post.h"
 
 namespace corv {
+namespace {
+
+// The pages whose thermal picture is not that of the screen, by the names of their points.
+QString noteOn(const VideoPlayer* player, const QVariantList& poiList)
+{
+    QStringList pages;
+    for (int i = 0; player && i < poiList.size(); ++i) {
+        const QVariantMap poi = poiList.at(i).toMap();
+        const QString name = poi.value(QStringLiteral("name")).toString();
+        if (player->savesOtherThermal(timeOfMs(poi.value(QStringLiteral("time")).toInt())))
+            pages << (name.isEmpty() ? PoiReportExporter::tr("point of interest %1").arg(i + 1)
+                                     : QStringLiteral("\"%1\"").arg(name));
+    }
+    return VideoPlayer::otherThermalNote(pages);
+}
+
+} // namespace
 
 PoiReportExporter::~PoiReportExporter()
 {
@@ -32,6 +50,7 @@ void PoiReportExporter::createPoiReport(QVariantList poiList, QString path,
         return;
     m_abortFlag = false;
     m_reportFile = path;
+    m_reportNote = noteOn(m_videoPlayer, poiList);
     VideoPlayer* const player = m_videoPlayer;
     m_future = runOnPool([this, player, poiList, path, flightNamingMap] {
         ReportWriter writer(&m_abortFlag);

@@ -42,6 +42,10 @@ public:
     /// Why the last report was not written, or what it lacks; valid from `exportComplete` on.
     const Status& exportResult() const { return m_exportResult; }
 
+    /// What else is to be known of the last report: its pages whose thermal picture is not that of
+    /// the screen. Empty if there are none.
+    QString reportNote() const { return m_reportNote; }
+
     /// The file of the report that is being written, or was last.
     QString reportFile() const { return m_reportFile; }
 
@@ -60,6 +64,7 @@ private:
     std::atomic<bool> m_abortFlag{false};
     PoolTask m_future;
     Status m_exportResult;
+    QString m_reportNote;
     QString m_reportFile;
 };
 

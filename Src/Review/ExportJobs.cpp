@@ -63,7 +63,8 @@ void ExportJobs::endSeries(int saved, int failed)
     const Status status = m_player ? m_player->framesExportResult() : Status();
     end(m_series, status,
         failed > 0 ? tr("%1 of %2 pictures saved.").arg(saved).arg(saved + failed)
-                   : tr("%1 pictures saved.").arg(saved));
+                   : tr("%1 pictures saved.").arg(saved),
+        m_player ? m_player->framesExportNote() : QString());
 }
 
 void ExportJobs::reportVideo(int done, int total)
@@ -115,18 +116,22 @@ void ExportJobs::endDocument(bool result)
     Status status = m_reports && !result ? m_reports->exportResult() : Status();
     if (status.ok() && !result)
         status = Failure{Failure::Kind::other, tr("The report was not written.")};
-    end(m_document, status, tr("The report is written."));
+    end(m_document, status, tr("The report is written."),
+        m_reports && result ? m_reports->reportNote() : QString());
 }
 
-void ExportJobs::end(QPointer<Job>& job, const Status& status, const QString& success)
+void ExportJobs::end(QPointer<Job>& job, const Status& status, const QString& success,
+                     const QString& note)
 {
     if (!job)
         return;
+    QString text = status.ok() ? success : status.failure().sentence;
+    if (!note.isEmpty())
+        text += QLatin1Char(' ') + note;
     if (status.ok())
-        job->succeed(success);
+        job->succeed(text);
     else
-        job->fail(status.failure());
-    const QString text = status.ok() ? success : status.failure().sentence;
+        job->fail({status.failure().kind, text});
     if (!m_isAttended)
         platform::showDesktopNotification(job->title(), text);
     job = nullptr;

@@ -48,7 +48,8 @@ private:
     void endVideo(bool result);
     void reportDocument(int done, int total);
     void endDocument(bool result);
-    void end(QPointer<Job>& job, const Status& status, const QString& success);
+    void end(QPointer<Job>& job, const Status& status, const QString& success,
+             const QString& note = {});
 
     QPointer<VideoPlayer> m_player;
     QPointer<PoiReportExporter> m_reports;

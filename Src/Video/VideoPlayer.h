@@ -156,7 +156,10 @@ public:
 
     /// Whether the saved picture of a time has another thermal picture than the screen: the flight
     /// has several files, the time is not in the first, and `thermalAsOnScreen` is off.
-    Q_INVOKABLE bool savesOtherThermal(QTime time) const;
+    Q_INVOKABLE virtual bool savesOtherThermal(QTime time) const;
+
+    /// A sentence on pictures, by their names in order, for which that holds; empty for none.
+    static QString otherThermalNote(const QStringList& names);
 
     /// Range of the raw values of the thermal frame last drawn.
     double irDataMin() const { return m_irDataMin.load(std::memory_order_relaxed); }
@@ -278,7 +281,7 @@ public:
 
     /// What else is to be known of the last series: its pictures whose thermal picture is not that
     /// of the screen. Empty if there are none.
-    QString framesExportNote() const { return m_framesExportNote; }
+    virtual QString framesExportNote() const { return m_framesExportNote; }
     const Status& videoExportResult() const { return m_videoExportResult; }
 
     /// Where the last series and the last video were asked to be written.

@@ -51,17 +51,18 @@ Status saveImage(const QImage& image, const QString& fileName, QTime time)
     return saved;
 }
 
-QString noteOn(const QStringList& otherThermal)
-{
-    if (otherThermal.isEmpty())
-        return {};
-    return VideoPlayer::tr(
-               "%1 to %2 have the thermal picture of the time inside their file, not that "
-               "of the screen. The general settings can change that.")
-        .arg(otherThermal.first(), otherThermal.last());
-}
-
 } // namespace
+
+QString VideoPlayer::otherThermalNote(const QStringList& names)
+{
+    if (names.isEmpty())
+        return {};
+    const QString rest = tr("the thermal picture of the time inside their file, not that of the "
+                            "screen. The general settings can change that.");
+    if (names.size() == 1)
+        return tr("%1 has %2").arg(names.first(), rest);
+    return tr("%1 to %2 have %3").arg(names.first(), names.last(), rest);
+}
 
 bool VideoPlayer::getFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback)
 {
@@ -244,7 +245,7 @@ void VideoPlayer::finishFramesExport()
     const FramesExport series = std::exchange(m_framesExport, {});
     const int failed = series.total - series.saved - series.stopped;
     m_framesExportResult = {};
-    m_framesExportNote = noteOn(series.otherThermal);
+    m_framesExportNote = otherThermalNote(series.otherThermal);
     if (series.firstFailure)
         m_framesExportResult =
             Failure{series.saved > 0 ? Failure::Kind::incomplete : series.firstFailure->kind,

@@ -4,6 +4,7 @@
 #include "Video/VideoPlayer.h"
 
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace corv;
@@ -22,10 +23,24 @@ private slots:
     void aVideoIsAJob();
     void aVideoThatCannotBeginIsAFailedJob();
     void aReportIsAJob();
+    void aSeriesSaysWhichThermalPicturesDiffer();
+    void aReportSaysWhichThermalPicturesDiffer();
 
 private:
+    /// A flight whose second file begins after a second.
+    class OtherThermal : public VideoPlayer
+    {
+    public:
+        bool savesOtherThermal(QTime time) const override { return time >= QTime(0, 0, 1); }
+        QString framesExportNote() const override
+        {
+            return otherThermalNote({"Frame001.jpg", "Frame002.jpg"});
+        }
+    };
+
     Job* job() const { return m_jobs->job(m_jobs->rowCount() - 1); }
 
+    QTemporaryDir m_folder;
     std::unique_ptr<VideoPlayer> m_player;
     std::unique_ptr<PoiReportExporter> m_reports;
     std::unique_ptr<JobList> m_jobs;
@@ -108,6 +123,36 @@ void ExportJobsTest::aReportIsAJob()
     emit m_reports->exportComplete(false);
     QCOMPARE(job()->state(), Job::Failed);
     QCOMPARE(m_ended->count(), 2);
+}
+
+void ExportJobsTest::aSeriesSaysWhichThermalPicturesDiffer()
+{
+    OtherThermal player;
+    ExportJobs exports;
+    exports.setPlayer(&player);
+    exports.setJobs(m_jobs.get());
+    emit player.framesExportStarted(3);
+    emit player.framesExportComplete(3, 0);
+    QCOMPARE(job()->state(), Job::Succeeded);
+    QVERIFY(job()->resultText().startsWith("3 pictures saved. Frame001.jpg to Frame002.jpg have"));
+}
+
+void ExportJobsTest::aReportSaysWhichThermalPicturesDiffer()
+{
+    OtherThermal player;
+    m_reports->setVideoPlayer(&player);
+    const auto poi = [](int timeMs, const char* name) {
+        return QVariantMap{{"time", timeMs}, {"name", name}, {"comment", ""}};
+    };
+    m_reports->createPoiReport({poi(10, "Crack"), poi(1000, "Rust"), poi(2000, "")},
+                               m_folder.filePath("report.docx"), {{"undefined", true}});
+    QCOMPARE(m_reports->reportNote(),
+             VideoPlayer::otherThermalNote({"\"Rust\"", "point of interest 3"}));
+    m_reports->abortExportOperation();
+    QTRY_VERIFY(!m_ended->isEmpty());
+    emit m_reports->exportProgress(1, 3);
+    emit m_reports->exportComplete(true);
+    QVERIFY(job()->resultText().startsWith("The report is written. \"Rust\" to"));
 }
 
 QTEST_MAIN(ExportJobsTest)
