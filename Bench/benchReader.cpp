@@ -1,18 +1,13 @@
 // The reader of frames against the libraries below it.
 
 #include "Bench.h"
+#include "Libav.h"
 #include "VideoInputs.h"
 
 #include "Support/MediaDoubles.h"
 #include "Video/AvFrameSource.h"
 #include "Video/CachedFrameSource.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
-#include <QThread>
 #include <cstdlib>
 #include <memory>
 #include <random>
@@ -28,67 +23,6 @@ constexpr int framesInFile = 300;
 // Of a card.
 constexpr double bytesPerSecond = 40e6;
 constexpr double seekMs = 5.0;
-
-/// A seek to the keyframe and decoding up to the frame, as any program does it with the libraries.
-class Peer
-{
-public:
-    explicit Peer(const QString& file)
-    {
-        avformat_open_input(&m_format, qPrintable(file), nullptr, nullptr);
-        avformat_find_stream_info(m_format, nullptr);
-        m_stream = av_find_best_stream(m_format, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-        const AVCodecParameters* parameters = m_format->streams[m_stream]->codecpar;
-        const AVCodec* codec = avcodec_find_decoder(parameters->codec_id);
-        m_codec = avcodec_alloc_context3(codec);
-        avcodec_parameters_to_context(m_codec, parameters);
-        m_codec->thread_count = QThread::idealThreadCount();
-        avcodec_open2(m_codec, codec, nullptr);
-    }
-
-    ~Peer()
-    {
-        av_packet_free(&m_packet);
-        av_frame_free(&m_picture);
-        avcodec_free_context(&m_codec);
-        avformat_close_input(&m_format);
-    }
-
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
-
-    /// At 30 frames a second.
-    void seekTo(int frame)
-    {
-        const AVStream& stream = *m_format->streams[m_stream];
-        const int64_t wanted = stream.start_time + av_rescale_q(frame, {1, 30}, stream.time_base);
-        av_seek_frame(m_format, m_stream, wanted, AVSEEK_FLAG_BACKWARD);
-        avcodec_flush_buffers(m_codec);
-        while (decodeNext() && m_picture->pts < wanted)
-            continue;
-    }
-
-    bool decodeNext()
-    {
-        for (;;) {
-            const int result = avcodec_receive_frame(m_codec, m_picture);
-            if (result != AVERROR(EAGAIN))
-                return result >= 0;
-            if (av_read_frame(m_format, m_packet) < 0)
-                avcodec_send_packet(m_codec, nullptr);
-            else if (m_packet->stream_index == m_stream)
-                avcodec_send_packet(m_codec, m_packet);
-            av_packet_unref(m_packet);
-        }
-    }
-
-private:
-    AVFormatContext* m_format = nullptr;
-    AVCodecContext* m_codec = nullptr;
-    AVPacket* m_packet = av_packet_alloc();
-    AVFrame* m_picture = av_frame_alloc();
-    int m_stream = 0;
-};
 
 std::unique_ptr<FrameSource> openReader(const QString& file)
 {
@@ -109,7 +43,7 @@ void randomSeeks(Report& report, int gop)
 {
     const QString file = cameraVideo(report, {1920, 1080}, 10, gop, 25);
     const auto source = openReader(file);
-    Peer peer(file);
+    Libav peer(file);
     std::mt19937 random(3);
     std::vector<int> frames;
     for (int i = 0; i < 10; ++i)
@@ -132,7 +66,7 @@ void stepsBack(Report& report)
 {
     const QString file = cameraVideo(report, {1920, 1080}, 10, 250, 25);
     constexpr int steps = 40;
-    Peer peer(file);
+    Libav peer(file);
     std::vector<double> inside;
     std::vector<double> group;
     for (int round = 0; round < rounds; ++round) {

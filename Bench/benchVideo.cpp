@@ -1,6 +1,7 @@
 // The road of a frame from the decoder to the screen, against the decoder alone.
 
 #include "Bench.h"
+#include "Libav.h"
 #include "Playback.h"
 #include "VideoInputs.h"
 
@@ -9,6 +10,7 @@
 #include "SampleFlight/SampleFlight.h"
 #include "Threads/post.h"
 #include "Timeline/FramePreview.h"
+#include "Video/CachedFrameSource.h"
 #include "Video/OpenCvWorker.h"
 #include "Video/VideoPlayer.h"
 
@@ -16,7 +18,9 @@
 #include <QEventLoop>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <deque>
 #include <functional>
+#include <memory>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
 #include <random>
@@ -50,27 +54,44 @@ public:
     void onBurstFinished() override {}
 };
 
-// The worker alone: no timer holds it back.
-void produceAll(const QString& file, int frames,
-                const std::function<void(OpenCvWorker&)>& prepare = {})
+// Seconds that the worker takes for the frames behind the first. It works alone: no timer holds it
+// back, and no surface takes what it hands over.
+double produce(const QString& file, int frames,
+               const std::function<void(OpenCvWorker&)>& prepare = {})
 {
     NoClient client;
     QObject context;
     OpenCvWorker worker(&client, &context, systemVideoBackend());
     QEventLoop loop;
-    post(&worker, [&worker, &loop, file, frames, prepare] {
+    double seconds = 0.0;
+    post(&worker, [&] {
         worker.setVideoSources({file}, 0);
         if (prepare)
             prepare(worker);
-        for (int i = 0; i < frames; ++i)
-            worker.produceNextFrame(false);
+        worker.produceNextFrame(false);
+        seconds = secondsOf([&] {
+            for (int i = 0; i < frames; ++i)
+                worker.produceNextFrame(false);
+        });
         post(&loop, [&loop] { loop.quit(); });
     });
     loop.exec();
+    return seconds;
+}
+
+// The same frames, decoded and dropped.
+double decode(const QString& file, int frames)
+{
+    Libav libav(file);
+    libav.decodeNext();
+    return secondsOf([&] {
+        for (int i = 0; i < frames; ++i)
+            libav.decodeNext();
+    });
 }
 
 // Decoding, and one pass of each step that contrast and a translucent overlay need.
-void readAndDraw(const QString& file, int frames)
+double readAndDraw(const QString& file, int frames)
 {
     cv::VideoCapture capture(file.toStdString(), cv::CAP_FFMPEG);
     cv::Mat thermal(120, 160, CV_8UC1);
@@ -79,16 +100,34 @@ void readAndDraw(const QString& file, int frames)
     cv::Mat colours;
     cv::Mat enlarged;
     cv::Mat planes;
-    for (int i = 0; i < frames && capture.read(frame); ++i) {
-        frame.convertTo(frame, -1, 1.2, 0.0);
-        cv::applyColorMap(thermal, colours, cv::COLORMAP_JET);
-        const cv::Rect place(frame.cols * 3 / 10, frame.rows * 2 / 10, frame.cols * 10 / 23,
-                             frame.rows * 10 / 17);
-        cv::resize(colours, enlarged, place.size(), 0.0, 0.0, cv::INTER_NEAREST);
-        cv::Mat region = frame(place);
-        cv::addWeighted(enlarged, 0.5, region, 0.5, 0.0, region);
-        cv::cvtColor(frame, planes, cv::COLOR_BGR2YUV_I420);
+    capture.read(frame);
+    return secondsOf([&] {
+        for (int i = 0; i < frames && capture.read(frame); ++i) {
+            frame.convertTo(frame, -1, 1.2, 0.0);
+            cv::applyColorMap(thermal, colours, cv::COLORMAP_JET);
+            const cv::Rect place(frame.cols * 3 / 10, frame.rows * 2 / 10, frame.cols * 10 / 23,
+                                 frame.rows * 10 / 17);
+            cv::resize(colours, enlarged, place.size(), 0.0, 0.0, cv::INTER_NEAREST);
+            cv::Mat region = frame(place);
+            cv::addWeighted(enlarged, 0.5, region, 0.5, 0.0, region);
+            cv::cvtColor(frame, planes, cv::COLOR_BGR2YUV_I420);
+        }
+    });
+}
+
+// Both sides in turn, and the side that was first in one round second in the next.
+double producedRatio(const std::function<double()>& ours, const std::function<double()>& theirs)
+{
+    constexpr int rounds = 7;
+    theirs();
+    ours();
+    std::vector<double> ratios;
+    for (int round = 0; round < rounds; ++round) {
+        const double before = round % 2 ? ours() : theirs();
+        const double after = round % 2 ? theirs() : ours();
+        ratios.push_back(round % 2 ? after / before : before / after);
     }
+    return median(ratios);
 }
 
 void withOverlay(Report& report)
@@ -114,16 +153,10 @@ void withOverlay(Report& report)
         worker.updateLogData(true, parser.log());
     };
     constexpr int frames = 180;
-    const double opening = secondsOf([&] { produceAll(file, 0, prepare); });
-    const double bareOpening = secondsOf([&] { readAndDraw(file, 0); });
-    std::vector<double> ratios;
-    for (int round = 0; round < 7; ++round) {
-        const double bare = secondsOf([&] { readAndDraw(file, frames); }) - bareOpening;
-        const double ours = secondsOf([&] { produceAll(file, frames, prepare); }) - opening;
-        ratios.push_back(bare / ours);
-    }
+    const double ratio = producedRatio([&] { return produce(file, frames, prepare); },
+                                       [&] { return readAndDraw(file, frames); });
     report.row(
-        QStringLiteral("video: playback with overlay and contrast"), median(ratios), 0.9,
+        QStringLiteral("video: playback with overlay and contrast"), ratio, 0.9,
         QStringLiteral("1080p, %1 frames, to decoding and one pass of each step").arg(frames),
         false);
 }
@@ -174,18 +207,10 @@ private:
 void playback(Report& report, const QString& name, QSize size, int seconds, int megabits)
 {
     const QString file = cameraVideo(report, size, seconds, 30, megabits);
-    const int frames = std::min(seconds * 30, 180);
-    // Opening, with its look for the real end, is no part of playing.
-    const double opening = secondsOf([&file] { produceAll(file, 0); });
-    const double bareOpening = secondsOf([&file] { readAll(file, 0); });
-    readAll(file, frames);
-    std::vector<double> ratios;
-    for (int round = 0; round < 5; ++round) {
-        const double bare = secondsOf([&] { readAll(file, frames); }) - bareOpening;
-        const double ours = secondsOf([&] { produceAll(file, frames); }) - opening;
-        ratios.push_back(bare / ours);
-    }
-    report.row(name, median(ratios), 0.87, QStringLiteral("%1 frames").arg(frames), false);
+    const int frames = std::min(seconds * 30 - 1, 180);
+    const double ratio =
+        producedRatio([&] { return produce(file, frames); }, [&] { return decode(file, frames); });
+    report.row(name, ratio, 0.95, QStringLiteral("%1 frames, to decoding them").arg(frames), false);
 }
 
 void steps(Report& report)
@@ -268,28 +293,45 @@ double percentile95(std::vector<double> values)
 void drags(Report& report)
 {
     const QString file = cameraVideo(report, {3840, 2160}, 20, 250, 100);
-    const auto source = systemVideoBackend()->openSource(file);
-    if (!source)
-        return;
+    Libav libav(file);
     Viewer viewer(file);
     std::mt19937 random(5);
     std::vector<double> ours;
     std::vector<double> bare;
-    Frame frame;
     for (int i = 0; i < 200; ++i) {
         const int wanted = static_cast<int>(random() % 598);
         ours.push_back(viewer.drag(wanted * 1000 / 30));
-        bare.push_back(secondsOf([&] {
-            (*source)->seekToFrame((*source)->nearestKeyframe(wanted));
-            (*source)->read(frame);
-        }));
+        bare.push_back(secondsOf([&] { libav.decodeKeyframe(wanted); }));
     }
     report.row(QStringLiteral("video: drag, 95 of 100 moves"),
                percentile95(ours) / percentile95(bare), 1.3,
-               QStringLiteral("4K, GOP 250, 200 moves, to reading the keyframe alone"));
+               QStringLiteral("4K, GOP 250, 200 moves, to decoding the keyframe"));
+}
+
+// What playing needs beside the frames that are kept for steps back.
+void memoryOfPlaying(Report& report)
+{
+    constexpr int frames = 60;
+    constexpr size_t framesBeside = 8;
+    const QString file = cameraVideo(report, {3840, 2160}, 3, 30, 100);
+    const double ours = peakBytesOf([&file] { produce(file, frames); });
+    const double theirs = peakBytesOf([&file] {
+        Libav libav(file);
+        std::deque<std::unique_ptr<AVFrame, void (*)(AVFrame*)>> held;
+        for (int i = 0; i < frames && libav.decodeNext(); ++i) {
+            held.emplace_back(av_frame_clone(&libav.picture()),
+                              [](AVFrame* frame) { av_frame_free(&frame); });
+            if (held.size() > framesBeside)
+                held.pop_front();
+        }
+    });
+    report.row(QStringLiteral("video: memory of playing 4K"),
+               (ours - static_cast<double>(CachedFrameSource::defaultLimitBytes)) / theirs, 1.1,
+               QStringLiteral("less the kept frames, to decoding and holding 8 frames"));
 }
 
 const Benchmark video("video", [](Report& report) {
+    memoryOfPlaying(report);
     playback(report, QStringLiteral("video: playback pipeline 1080p"), {1920, 1080}, 10, 25);
     playback(report, QStringLiteral("video: playback pipeline 4K"), {3840, 2160}, 3, 100);
     withOverlay(report);
