@@ -2,15 +2,15 @@
 
 #include "Video/AvDecoder.h"
 #include "Video/AvInput.h"
+#include "Video/AvVideo.h"
 #include "Video/FrameIndexTask.h"
 #include "Video/PictureParser.h"
 #include "Video/avPicture.h"
-#include "Video/packetIndex.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
-#include <libavutil/display.h>
+#include <libavutil/frame.h>
 }
 
 #include <QFileInfo>
@@ -30,79 +30,6 @@ constexpr int mostReordered = 32;
 
 // Attempts to come before a keyframe that the container's own search overshot.
 constexpr int mostSeekAttempts = 4;
-
-struct FreeParameters
-{
-    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
-};
-
-Failure withName(const Failure& failure, const QString& file)
-{
-    return {failure.kind, QStringLiteral("%1: %2").arg(file, failure.sentence)};
-}
-
-// What all sources on one file share. Does not change once the first source is open.
-struct AvVideo
-{
-    QString file;
-    ByteSourceFactory openBytes;
-    std::unique_ptr<AVCodecParameters, FreeParameters> parameters;
-    bool packetsAsStored = false;
-    bool isReadThrough = false; // for the index: the container alone does not say enough
-    double fps = 0.0;
-    QSize pixelAspectRatio{1, 1};
-    PictureForm form;
-    std::unique_ptr<FrameIndexTask> index;
-
-    Result<std::unique_ptr<AvInput>> openInput() const
-    {
-        Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
-        if (!bytes)
-            return bytes.failure();
-        Result<std::unique_ptr<AvInput>> input =
-            AvInput::open(std::move(*bytes), QFileInfo(file).fileName());
-        if (!input)
-            return withName(input.failure(), file);
-        return input;
-    }
-};
-
-int rotationOf(const AVStream& stream)
-{
-    const uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
-    if (!matrix)
-        return 0;
-    const double angle = av_display_rotation_get(reinterpret_cast<const int32_t*>(matrix));
-    if (!std::isfinite(angle))
-        return 0;
-    const int clockwise = (static_cast<int>(std::lround(-angle)) % 360 + 360) % 360;
-    return clockwise % 90 == 0 ? clockwise : 0;
-}
-
-QSize aspectRatioOf(const AVRational& ratio, bool isTurned)
-{
-    if (ratio.num <= 0 || ratio.den <= 0)
-        return {1, 1};
-    const QSize lying(ratio.num, ratio.den);
-    return isTurned ? lying.transposed() : lying;
-}
-
-Result<FrameIndex> readStoredIndex(const QString& file, const ByteSourceFactory& openBytes)
-{
-    Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
-    if (!bytes)
-        return bytes.failure();
-    Result<std::unique_ptr<AvInput>> input = AvInput::open(
-        withoutPayload(std::move(*bytes)), QFileInfo(file).fileName(), AvInput::smallBufferBytes);
-    if (!input)
-        return withName(input.failure(), file);
-    (*input)->takePacketsAsStored();
-    FrameIndex index;
-    const Status status = readPacketIndex(**input, index, false, [](double) { return false; });
-    if (!status)
-        return withName(status.failure(), file);
-    return index;
-}
 
 class AvFrameSource : public FrameSource
 {
@@ -132,7 +59,6 @@ private:
     enum class Step { picture, end, failed, overshot };
 
     const FrameIndex& index() const { return m_video->index->wait(); }
-    Status describe();
     Status decodeFirst();
     void noteFields(PictureParser& parser);
     Status readIndex(int first);
@@ -181,15 +107,21 @@ Status AvFrameSource::open()
     if (!input)
         return input.failure();
     m_input = std::move(*input);
-    const Status described = describe();
+    const Status described = m_video->describe(*m_input);
     if (!described)
         return described;
+    m_decoder = AvDecoder::open(*m_video->parameters);
+    if (!m_decoder)
+        return Failure{
+            Failure::Kind::notRecognised,
+            QStringLiteral("%1: There is no decoder for this kind of video.").arg(m_video->file)};
     if (m_video->packetsAsStored)
         m_input->takePacketsAsStored();
     m_input->rewind();
     const Status decoded = decodeFirst();
     if (!decoded)
         return decoded;
+    m_video->setSize(QSize(m_picture->width, m_picture->height));
     const int first = m_inPlace ? AvDecoder::numberOf(*m_picture) : 0;
     const Status indexed = m_video->isReadThrough ? startReadingThrough(first) : readIndex(first);
     if (!indexed)
@@ -204,7 +136,7 @@ Status AvFrameSource::open()
 // `first`.
 Status AvFrameSource::readIndex(int first)
 {
-    Result<FrameIndex> stored = readStoredIndex(m_video->file, m_video->openBytes);
+    Result<FrameIndex> stored = m_video->readStoredIndex();
     if (!stored)
         return stored.failure();
     stored->hideFramesBefore(first);
@@ -225,36 +157,6 @@ Status AvFrameSource::startReadingThrough(int first)
     m_video->index = std::make_unique<FrameIndexTask>(
         std::move(*bytes), QFileInfo(m_video->file).fileName(), first, m_video->fps);
     return {};
-}
-
-// What the head of the file and its first packets say.
-Status AvFrameSource::describe()
-{
-    const bool probed = m_input->probe();
-    const AVStream& stream = *m_input->video();
-    m_video->fps = m_input->statedFps();
-    const QSize whole(stream.codecpar->width, stream.codecpar->height);
-    m_video->form.rotation = rotationOf(stream);
-    const bool isTurned = m_video->form.rotation % 180 != 0;
-    const QSize even(whole.width() & ~1, whole.height() & ~1);
-    m_video->form.size = isTurned ? even.transposed() : even;
-    m_video->pixelAspectRatio = aspectRatioOf(stream.sample_aspect_ratio, isTurned);
-    if (!probed || even.isEmpty() || m_video->fps <= 0.0)
-        return Failure{
-            Failure::Kind::notRecognised,
-            QStringLiteral("%1: The file holds no video that can be read.").arg(m_video->file)};
-    m_video->parameters.reset(avcodec_parameters_alloc());
-    if (!m_video->parameters ||
-        avcodec_parameters_copy(m_video->parameters.get(), stream.codecpar) < 0)
-        return Failure{Failure::Kind::noMemory, QStringLiteral("There is too little memory.")};
-    m_video->packetsAsStored = m_input->describesPackets();
-    m_video->isReadThrough = !m_video->packetsAsStored;
-    m_decoder = AvDecoder::open(*m_video->parameters);
-    if (m_decoder)
-        return {};
-    return Failure{
-        Failure::Kind::notRecognised,
-        QStringLiteral("%1: There is no decoder for this kind of video.").arg(m_video->file)};
 }
 
 // The first picture that comes; packets are numbered as they come, since there is no index yet. A
@@ -585,29 +487,6 @@ Result<std::unique_ptr<FrameSource>> openAvFrameSource(const QString& file,
     if (!opened)
         return opened.failure();
     return std::unique_ptr<FrameSource>(std::move(source));
-}
-
-Result<VideoInfo> readVideoInfo(const QString& file, const ByteSourceFactory& openBytes)
-{
-    AvVideo video;
-    video.file = file;
-    video.openBytes = openBytes;
-    Result<std::unique_ptr<AvInput>> input = video.openInput();
-    if (!input)
-        return input.failure();
-    (*input)->probe();
-    VideoInfo info;
-    info.fps = (*input)->statedFps();
-    info.promisedFrames = (*input)->promisedFrames();
-    info.durationMs = (*input)->statedDurationMs();
-    if (!(*input)->describesPackets() && info.durationMs > 0.0)
-        return info;
-    Result<FrameIndex> index = readStoredIndex(file, openBytes);
-    if (!index)
-        return index.failure();
-    index->finish(info.fps > 0.0 ? info.fps : 1.0);
-    info.durationMs = index->timeMs(index->frameCount());
-    return info;
 }
 
 } // namespace corv

@@ -155,6 +155,16 @@ bool AvInput::probe()
     return m_isProbed;
 }
 
+bool AvInput::isDescribed() const
+{
+    const AVStream& stream = *video();
+    const AVRational& rate = stream.r_frame_rate; // of the container alone, so far
+    const AVRational& average = stream.avg_frame_rate;
+    return describesPackets() && rate.num > 0 && rate.den > 0 && average.num > 0 &&
+           average.den > 0 && std::abs(av_q2d(average) / av_q2d(rate) - 1.0) < 0.01 &&
+           stream.codecpar->width > 0 && stream.codecpar->height > 0;
+}
+
 AVStream* AvInput::video() const
 {
     return m_context->streams[m_videoStream];

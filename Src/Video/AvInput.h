@@ -47,6 +47,10 @@ public:
     /// the decoder. Reads some of them; what follows starts at the first again.
     bool probe();
 
+    /// Whether the head says all of that, so that probe() would find nothing new: one of a
+    /// container that describes its packets, and at one constant rate. Before probe().
+    bool isDescribed() const;
+
     /// The stream, owned by this object.
     AVStream* video() const;
 
@@ -54,7 +58,8 @@ public:
     /// one place.
     bool describesPackets() const;
 
-    /// The rate as the file states it, in frames per second; 0 if it does not. After probe().
+    /// The rate as the file states it, in frames per second; 0 if it does not. After probe(), where
+    /// there is need of it.
     double statedFps() const;
 
     /// The length as the head of the file states it, in milliseconds; 0 if it does not.

@@ -134,8 +134,9 @@ void OpenCvWorker::showFirstPicture()
     if (m_openingTimeline.entry(0).capture->read(frame) != ReadOutcome::frame)
         return;
     try {
-        tellClient([opening = m_opening, size = frame.size, picture = pictureForScreen(frame, 0)](
-                       WorkerClient& client) { client.onFirstPicture(opening, size, picture); });
+        const QSize pixels = m_openingTimeline.entry(0).capture->pixelAspectRatio();
+        tellClient([opening = m_opening, pixels, picture = pictureForScreen(frame, 0)](
+                       WorkerClient& client) { client.onFirstPicture(opening, pixels, picture); });
     } catch (const std::exception& error) {
         qCWarning(lcVideo) << "Giving up the first picture" << error.what();
     }
@@ -150,6 +151,8 @@ void OpenCvWorker::finishOpening()
     opened.totalFrames = m_timeline.totalFrames();
     opened.durationMs = m_timeline.durationMs();
     opened.size = m_timeline.frameSize();
+    if (!m_timeline.isEmpty())
+        opened.pixelAspectRatio = m_timeline.entry(0).capture->pixelAspectRatio();
     if (m_timeline.size() > 1)
         opened.secondFileMs = truncateToInt(m_timeline.entry(1).startMs);
     tellClient([opening = m_opening, opened](WorkerClient& client) {

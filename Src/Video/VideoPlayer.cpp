@@ -104,6 +104,7 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
     m_surfaceFormat = QVideoSurfaceFormat(
         QSize(truncateToInt(timeline.size.width()), truncateToInt(timeline.size.height())),
         QVideoFrame::Format_YUV420P);
+    m_surfaceFormat.setPixelAspectRatio(timeline.pixelAspectRatio);
     if (!std::exchange(m_firstPictureShown, false)) // which would vanish for a moment
         startSurface();
     setFrameCount(timeline.totalFrames);
@@ -123,11 +124,12 @@ void VideoPlayer::onOpeningProgress(int opening, double part)
         setOpeningProgress(part);
 }
 
-void VideoPlayer::onFirstPicture(int opening, QSize size, const QVideoFrame& picture)
+void VideoPlayer::onFirstPicture(int opening, QSize pixelAspectRatio, const QVideoFrame& picture)
 {
     if (opening != m_opening || !m_surface)
         return;
-    m_surfaceFormat = QVideoSurfaceFormat(size, QVideoFrame::Format_YUV420P);
+    m_surfaceFormat = QVideoSurfaceFormat(picture.size(), QVideoFrame::Format_YUV420P);
+    m_surfaceFormat.setPixelAspectRatio(pixelAspectRatio);
     startSurface();
     takeColoursOf(picture);
     m_firstPictureShown = m_surface->present(picture);

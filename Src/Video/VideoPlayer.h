@@ -348,7 +348,7 @@ private:
     // The worker's answers.
     void onVideoFilesProcessed(int opening, const OpenedTimeline& timeline) override;
     void onOpeningProgress(int opening, double part) override;
-    void onFirstPicture(int opening, QSize size, const QVideoFrame& picture) override;
+    void onFirstPicture(int opening, QSize pixelAspectRatio, const QVideoFrame& picture) override;
     void onCurrentFile(int opening, const QString& file) override;
     void onFrameReady(int opening, const PlayerFrame& frame, FrameUse use) override;
     void onSeekFailed(int opening) override;

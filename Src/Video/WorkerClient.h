@@ -46,6 +46,7 @@ struct OpenedTimeline
     int totalFrames = 0;
     int durationMs = 0;
     QSizeF size; ///< of the first file's frames
+    QSize pixelAspectRatio{1, 1};
     QStringList failedFiles;
     int secondFileMs = -1; ///< where the second file begins; below 0 if there is none
 };
@@ -62,7 +63,8 @@ public:
     virtual void onOpeningProgress(int opening, double part) = 0;
 
     /// The first picture of files that are not open yet; once, if at all.
-    virtual void onFirstPicture(int opening, QSize size, const QVideoFrame& picture) = 0;
+    virtual void onFirstPicture(int opening, QSize pixelAspectRatio,
+                                const QVideoFrame& picture) = 0;
 
     /// The worker now reads `file`.
     virtual void onCurrentFile(int opening, const QString& file) = 0;

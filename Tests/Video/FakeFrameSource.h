@@ -21,6 +21,7 @@ struct FakeFile
     int frames = 30;
     double fps = 100.0;
     QSize size{320, 240};
+    QSize pixelAspectRatio{1, 1};
     int firstNumber = 0;
     bool canBeCloned = true;
     std::vector<double> timesMs;           ///< of the frames and of the end; empty: constant rate
@@ -51,6 +52,7 @@ public:
     bool isIndexReady() const override { return m_file->isRead; }
     double indexProgress() const override { return m_file->isRead ? 1.0 : 0.5; }
     QSize size() const override { return m_file->size; }
+    QSize pixelAspectRatio() const override { return m_file->pixelAspectRatio; }
     int nextFrame() const override { return m_next; }
     bool isConstantRate() const override { return m_file->timesMs.empty(); }
     int nearestKeyframe(int index) const override

@@ -40,6 +40,7 @@ void SlowOpeningTest::theFirstPictureComesBeforeTheIndex()
 {
     const auto file = addFile("a.avi");
     file->isRead = false;
+    file->pixelAspectRatio = {4, 3};
     RecordingSurface surface;
     VideoPlayer player(m_files->factory());
     player.setVideoSurface(&surface);
@@ -47,6 +48,7 @@ void SlowOpeningTest::theFirstPictureComesBeforeTheIndex()
     player.setSource(path("a.avi"));
     QTRY_COMPARE(surface.numbers, QList<int>{0});
     QCOMPARE(player.openingProgress(), 0.5);
+    QCOMPARE(surface.formats.last().pixelAspectRatio(), QSize(4, 3));
     QVERIFY(!player.hasVideoOpened());
     QVERIFY(!player.duration().isValid());
     QVERIFY(!player.play());
@@ -58,6 +60,7 @@ void SlowOpeningTest::theFirstPictureComesBeforeTheIndex()
     QCOMPARE(player.frameCount(), 30);
     QTRY_COMPARE(surface.numbers, (QList<int>{0, 0}));
     QVERIFY(surface.isActive());
+    QCOMPARE(surface.surfaceFormat().pixelAspectRatio(), QSize(4, 3));
     QVERIFY(player.goToFrame(7));
     QTRY_COMPARE(surface.lastNumber(), 7);
 }

@@ -1,0 +1,130 @@
+#include "Video/AvVideo.h"
+
+#include "Video/AvFrameSource.h"
+#include "Video/packetIndex.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/display.h>
+}
+
+#include <QFileInfo>
+#include <cmath>
+#include <utility>
+
+namespace corv {
+namespace {
+
+Failure withName(const Failure& failure, const QString& file)
+{
+    return {failure.kind, QStringLiteral("%1: %2").arg(file, failure.sentence)};
+}
+
+int rotationOf(const AVStream& stream)
+{
+    const uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    if (!matrix)
+        return 0;
+    const double angle = av_display_rotation_get(reinterpret_cast<const int32_t*>(matrix));
+    if (!std::isfinite(angle))
+        return 0;
+    const int clockwise = (static_cast<int>(std::lround(-angle)) % 360 + 360) % 360;
+    return clockwise % 90 == 0 ? clockwise : 0;
+}
+
+QSize aspectRatioOf(const AVRational& ratio, bool isTurned)
+{
+    if (ratio.num <= 0 || ratio.den <= 0)
+        return {1, 1};
+    const QSize lying(ratio.num, ratio.den);
+    return isTurned ? lying.transposed() : lying;
+}
+
+} // namespace
+
+void AvParametersDelete::operator()(AVCodecParameters* parameters) const
+{
+    avcodec_parameters_free(&parameters);
+}
+
+Result<std::unique_ptr<AvInput>> AvVideo::openInput() const
+{
+    Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
+    if (!bytes)
+        return bytes.failure();
+    Result<std::unique_ptr<AvInput>> input =
+        AvInput::open(std::move(*bytes), QFileInfo(file).fileName());
+    if (!input)
+        return withName(input.failure(), file);
+    return input;
+}
+
+Status AvVideo::describe(AvInput& input)
+{
+    // Looking into the packets costs the decoding of some of them.
+    const bool isKnown = input.isDescribed() || input.probe();
+    const AVStream& stream = *input.video();
+    fps = input.statedFps();
+    form.rotation = rotationOf(stream);
+    setSize(QSize(stream.codecpar->width, stream.codecpar->height));
+    pixelAspectRatio = aspectRatioOf(stream.sample_aspect_ratio, form.rotation % 180 != 0);
+    if (!isKnown || form.size.isEmpty() || fps <= 0.0)
+        return Failure{Failure::Kind::notRecognised,
+                       QStringLiteral("%1: The file holds no video that can be read.").arg(file)};
+    parameters.reset(avcodec_parameters_alloc());
+    if (!parameters || avcodec_parameters_copy(parameters.get(), stream.codecpar) < 0)
+        return Failure{Failure::Kind::noMemory, QStringLiteral("There is too little memory.")};
+    packetsAsStored = input.describesPackets();
+    isReadThrough = !packetsAsStored;
+    return {};
+}
+
+void AvVideo::setSize(QSize whole)
+{
+    const QSize even(whole.width() & ~1, whole.height() & ~1);
+    form.size = form.rotation % 180 != 0 ? even.transposed() : even;
+}
+
+Result<FrameIndex> AvVideo::readStoredIndex() const
+{
+    Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
+    if (!bytes)
+        return bytes.failure();
+    Result<std::unique_ptr<AvInput>> input = AvInput::open(
+        withoutPayload(std::move(*bytes)), QFileInfo(file).fileName(), AvInput::smallBufferBytes);
+    if (!input)
+        return withName(input.failure(), file);
+    (*input)->takePacketsAsStored();
+    FrameIndex packets;
+    const Status status = readPacketIndex(**input, packets, false, [](double) { return false; });
+    if (!status)
+        return withName(status.failure(), file);
+    return packets;
+}
+
+Result<VideoInfo> readVideoInfo(const QString& file, const ByteSourceFactory& openBytes)
+{
+    AvVideo video;
+    video.file = file;
+    video.openBytes = openBytes;
+    Result<std::unique_ptr<AvInput>> input = video.openInput();
+    if (!input)
+        return input.failure();
+    if (!(*input)->isDescribed())
+        (*input)->probe();
+    VideoInfo info;
+    info.fps = (*input)->statedFps();
+    info.promisedFrames = (*input)->promisedFrames();
+    info.durationMs = (*input)->statedDurationMs();
+    if (!(*input)->describesPackets() && info.durationMs > 0.0)
+        return info;
+    Result<FrameIndex> index = video.readStoredIndex();
+    if (!index)
+        return index.failure();
+    index->finish(info.fps > 0.0 ? info.fps : 1.0);
+    info.durationMs = index->timeMs(index->frameCount());
+    return info;
+}
+
+} // namespace corv

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Base/Result.h"
+#include "Video/AvInput.h"
+#include "Video/ByteSource.h"
+#include "Video/FrameIndexTask.h"
+#include "Video/avPicture.h"
+
+#include <QSize>
+#include <QString>
+#include <memory>
+
+struct AVCodecParameters;
+
+namespace corv {
+
+struct AvParametersDelete
+{
+    void operator()(AVCodecParameters* parameters) const;
+};
+
+/// What all sources on one file share. Does not change once the first source is open.
+struct AvVideo
+{
+    QString file;
+    ByteSourceFactory openBytes;
+    std::unique_ptr<AVCodecParameters, AvParametersDelete> parameters;
+    bool packetsAsStored = false;
+    bool isReadThrough = false; ///< for the index: the container alone does not say enough
+    double fps = 0.0;
+    QSize pixelAspectRatio{1, 1};
+    PictureForm form;
+    std::unique_ptr<FrameIndexTask> index;
+
+    /// A cursor of its own on the file.
+    Result<std::unique_ptr<AvInput>> openInput() const;
+
+    /// Takes what the head of the file says, and its first packets where the head does not say all.
+    Status describe(AvInput& input);
+
+    /// The size of the pictures as decoded.
+    void setSize(QSize whole);
+
+    /// The packets of a container that describes them; finish() is left to the caller.
+    Result<FrameIndex> readStoredIndex() const;
+};
+
+} // namespace corv
