@@ -6,16 +6,19 @@ if(VISTREL_WARNINGS_AS_ERRORS)
 endif()
 target_compile_definitions(vistrel_options INTERFACE QT_MESSAGELOGCONTEXT)
 
-# What the programs have besides that are delivered: defences against attacks through memory, and no
-# trace of the folders they were built in, so that two builds have the same bytes. What takes a
-# compilation of its own is for builds that are delivered.
+# What the programs have besides that are installed: defences against attacks through memory. The
+# sanitizers find the same and more, and need the memory functions as they are. A build that is
+# delivered also has no trace of the folders it was made in, so that two builds have the same bytes.
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 add_library(vistrel_delivered INTERFACE)
 target_link_options(vistrel_delivered INTERFACE -Wl,-z,relro -Wl,-z,now)
 if(VISTREL_DELIVERY)
     target_compile_options(vistrel_delivered INTERFACE
-        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" "-ffile-prefix-map=${PROJECT_BINARY_DIR}/="
+        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" "-ffile-prefix-map=${PROJECT_BINARY_DIR}/=")
+endif()
+if(NOT CMAKE_CXX_FLAGS MATCHES "fsanitize")
+    target_compile_options(vistrel_delivered INTERFACE
         -fstack-protector-strong
         "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>") # needs an optimiser
 endif()

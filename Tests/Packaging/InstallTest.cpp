@@ -335,6 +335,9 @@ void InstallTest::programsAreHardened()
     QVERIFY(QRegularExpression("FLAGS_1.*NOW").match(QString::fromUtf8(facts.out)).hasMatch());
     const QRegularExpression stack("GNU_STACK .* RW +0x");
     QVERIFY(stack.match(QString::fromUtf8(facts.out)).hasMatch());
+    QVERIFY(facts.out.contains(" __stack_chk_fail"));
+    const QRegularExpression checkedCopies(" __\\w+_chk@");
+    QVERIFY(checkedCopies.match(QString::fromUtf8(facts.out)).hasMatch());
 }
 
 void InstallTest::billOfMaterialsNamesEveryDependency()
