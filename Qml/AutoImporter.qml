@@ -382,6 +382,7 @@ Window {
     FileDialog {
         id: directoryChooserDialog
         title: "Please choose a directory"
+        modality: Qt.ApplicationModal // no key reaches the windows behind it
         selectFolder: true
         folder: settings.lastFolder
         onAccepted: {

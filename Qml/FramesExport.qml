@@ -135,6 +135,7 @@ Window {
         id: fileDialog
         objectName: "fileDialog"
         title: "Please choose a folder"
+        modality: Qt.ApplicationModal // no key reaches the windows behind it
         selectFolder: true
         folder: settings.folder
         onAccepted: {

@@ -28,6 +28,7 @@ Rectangle {
         id: folderDialog
         objectName: "locateDialog"
         title: "Please choose the folder with the missing files"
+        modality: Qt.ApplicationModal // no key reaches the windows behind it
         selectFolder: true
         folder: settings.folder
         onAccepted: {

@@ -18,6 +18,8 @@ private slots:
     void loadsAlone();
     void takesItsColoursFromThePalette_data() { loadsAlone_data(); }
     void takesItsColoursFromThePalette();
+    void fileDialogsHoldTheKeysOfAllWindows_data() { loadsAlone_data(); }
+    void fileDialogsHoldTheKeysOfAllWindows();
 };
 
 void DocumentsTest::loadsAlone_data()
@@ -82,6 +84,17 @@ void DocumentsTest::takesItsColoursFromThePalette()
         QVERIFY2(!literal.match(QString::fromUtf8(line)).hasMatch(),
                  qPrintable(QString("line %1: %2").arg(number).arg(QString::fromUtf8(line))));
     }
+}
+
+// One that is modal to its own window alone lets a click on the main window put the keys there.
+void DocumentsTest::fileDialogsHoldTheKeysOfAllWindows()
+{
+    QFETCH(QString, path);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    const QRegularExpression holding(R"re( FileDialog \{[^{]*modality: Qt\.ApplicationModal)re");
+    QCOMPARE(text.count(holding), text.count(" FileDialog {"));
 }
 
 QTEST_MAIN(DocumentsTest)
