@@ -192,7 +192,7 @@ public:
 
     /// The same without delay and before all that wait, for a picture that follows the pointer. Ask
     /// again only after the answer.
-    bool getPreviewAsync(QTime time, std::function<void(const QImage&)> callback);
+    virtual bool getPreviewAsync(QTime time, std::function<void(const QImage&)> callback);
 
     /// The same for a picture that leaves the program: with the inset of exports.
     bool getExportFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback);

@@ -49,6 +49,11 @@ public:
         return true;
     }
 
+    bool getPreviewAsync(QTime time, std::function<void(const QImage&)> callback) override
+    {
+        return getFrameAsync(time, std::move(callback));
+    }
+
     /// Takes the oldest request and answers it. What it leads to is on its way afterwards, and
     /// happens in `deliver`.
     void answer(const QImage& frame) { answerNth(0, frame); }

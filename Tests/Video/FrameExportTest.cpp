@@ -134,9 +134,9 @@ void FrameExportTest::aSeriesOfGivenTimes()
     QVERIFY(QDir().mkpath(path("out")));
     QVERIFY(m_player->exportSpecificFrames({800, 0, 400}, path("out"), "POI"));
     QTRY_COMPARE(QDir(path("out")).entryList(QDir::Files).size(), 3);
-    QTRY_COMPARE(numberIn(QImage(path("out/Mark002.jpg"))), 10);
-    QCOMPARE(numberIn(QImage(path("out/Mark000.jpg"))), 20);
-    QCOMPARE(numberIn(QImage(path("out/Mark001.jpg"))), 0);
+    QTRY_COMPARE(numberIn(QImage(path("out/POI002.jpg"))), 10);
+    QCOMPARE(numberIn(QImage(path("out/POI000.jpg"))), 20);
+    QCOMPARE(numberIn(QImage(path("out/POI001.jpg"))), 0);
 }
 
 void FrameExportTest::aSeriesAtASpacing_data()
