@@ -8,6 +8,7 @@ is wrong, and fails if anything is.
 
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -183,7 +184,9 @@ def main():
     for name in ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "HOME"):
         os.environ[name] = home
     os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
-    launcher = subprocess.Popen([LAUNCHER, "--launch-immediately"])
+    # The bus that it starts outlives it, and must not hold the output of this program open.
+    launcher = subprocess.Popen([LAUNCHER, "--launch-immediately"], start_new_session=True,
+                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
         subprocess.run([maker, "--minutes", "0.4", home + "/flight"], check=True,
                        stdout=subprocess.DEVNULL)
@@ -192,7 +195,8 @@ def main():
         print("FAIL: %s" % error)
         return 1
     finally:
-        launcher.kill()
+        os.killpg(launcher.pid, signal.SIGTERM)
+        launcher.wait()
         shutil.rmtree(home, ignore_errors=True)
     print("everything was read and done")
     return 0
