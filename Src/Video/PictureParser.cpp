@@ -13,7 +13,7 @@ namespace {
 constexpr int emptyPictureBytes = 20;
 
 // More pictures than that do not lie between two.
-constexpr int anchorShift = 20;
+constexpr qint64 anchorStep = 1 << 20;
 
 bool isKnown(AVCodecID codec)
 {
@@ -82,7 +82,7 @@ void PictureParser::countOrder(const AVPacket& packet, Picture& picture)
     const bool isBetween = m_parser->pict_type == AV_PICTURE_TYPE_B;
     m_anchors += isBetween ? 0 : 1;
     m_between = isBetween ? m_between + 1 : 0;
-    picture.order = ((m_anchors - (isBetween ? 1 : 0)) << anchorShift) + m_between;
+    picture.order = (m_anchors - (isBetween ? 1 : 0)) * anchorStep + m_between;
     picture.hasOrder = true;
 }
 
