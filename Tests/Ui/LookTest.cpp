@@ -1,7 +1,7 @@
 #include "ReviewFixture.h"
+#include "contrast.h"
 
 #include <QAccessible>
-#include <QHash>
 #include <QScreen>
 #include <cmath>
 #include <memory>
@@ -119,39 +119,6 @@ void LookTest::checkPictures(QQuickItem* from)
     for (QQuickItem* child : from->childItems())
         checkPictures(child);
 }
-
-namespace {
-
-double luminance(const QColor& colour)
-{
-    const auto linear = [](double value) {
-        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-double contrast(const QColor& one, const QColor& other)
-{
-    const double a = luminance(one) + 0.05;
-    const double b = luminance(other) + 0.05;
-    return a > b ? a / b : b / a;
-}
-
-QColor mostFrequentColour(const QImage& picture)
-{
-    QHash<QRgb, int> counts;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            ++counts[picture.pixel(x, y)];
-    QRgb most = 0;
-    for (auto it = counts.cbegin(); it != counts.cend(); ++it)
-        if (it.value() > counts.value(most))
-            most = it.key();
-    return QColor(most);
-}
-
-} // namespace
 
 // Each text that can be used against what is really behind it.
 void LookTest::checkContrast(QQuickItem* from, const QImage& picture)

@@ -1,11 +1,11 @@
 #include "WindowTexts.h"
 
+#include "contrast.h"
+
 #include <QAbstractButton>
-#include <QHash>
 #include <QLabel>
 #include <QScreen>
 #include <QVector>
-#include <cmath>
 
 namespace corv::test {
 namespace {
@@ -14,28 +14,6 @@ constexpr double readable = 4.5;
 constexpr double visible = 3.0;
 // Half a pixel of rounding on each side.
 constexpr double slack = 1.0;
-
-double luminance(const QColor& colour)
-{
-    const auto linear = [](double value) {
-        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-QColor mostFrequentColour(const QImage& picture)
-{
-    QHash<QRgb, int> counts;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            ++counts[picture.pixel(x, y)];
-    QRgb most = 0;
-    for (auto it = counts.cbegin(); it != counts.cend(); ++it)
-        if (it.value() > counts.value(most))
-            most = it.key();
-    return QColor(most);
-}
 
 QRectF placeOf(QQuickItem* item)
 {
@@ -226,13 +204,6 @@ private:
 };
 
 } // namespace
-
-double contrast(const QColor& one, const QColor& other)
-{
-    const double a = luminance(one) + 0.05;
-    const double b = luminance(other) + 0.05;
-    return a > b ? a / b : b / a;
-}
 
 QStringList faultsOf(QQuickWindow* window, const QImage& picture)
 {

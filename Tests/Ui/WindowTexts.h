@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QColor>
 #include <QImage>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -8,10 +7,6 @@
 #include <QWidget>
 
 namespace corv::test {
-
-/// The ratio of the lightness of two colours by the rules for accessible pages: 1 for equal ones,
-/// 21 for black and white.
-double contrast(const QColor& one, const QColor& other);
 
 /// What a look at one window would find wrong, a sentence each; empty if it is right. Of each text
 /// that shows: it has the room that it needs, all of it is in the window and
