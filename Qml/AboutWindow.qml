@@ -1,9 +1,8 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
-import QtQuick.Controls.Styles 1.4
 import QtQuick.Window 2.2
 import corv.AppInfo 1.0
 import "."
+import "Controls"
 import "licenses.js" as Licenses
 
 Window {
@@ -81,23 +80,6 @@ Window {
         objectName: "btn_close"
         anchors { right: parent.right; bottom: parent.bottom; margins: 12 }
         text: "Close"
-        Accessible.name: text
         onClicked: videoImport.close()
-
-        style: ButtonStyle {
-            background: Rectangle {
-                implicitWidth: 80
-                implicitHeight: 25
-                color: control.pressed ? Theme.buttonPressed
-                                       : control.hovered || control.activeFocus ? Theme.buttonHovered
-                                                                                : Theme.button
-            }
-            label: Text {
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
-                color: control.pressed ? Theme.buttonTextPressed : Theme.buttonText
-                text: control.text
-            }
-        }
     }
 }

@@ -1,9 +1,9 @@
 import QtQuick 2.7
 import QtQml 2.14
-import QtQuick.Controls 1.4
 import corv.LogParsing 1.0
 import VideoPlayer 1.0
 import "."
+import "Controls"
 
 Rectangle {
     id: adjustmentsRect

@@ -1,7 +1,6 @@
 import QtQuick 2.7
 import "."
-import QtQuick.Controls 1.4
-import QtQuick.Dialogs 1.2
+import "Controls"
 import QtQuick.Layouts 1.1
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
@@ -362,7 +361,6 @@ Window {
 
     function showMessage(title, text) {
         messageDialog.title = title;
-        messageDialog.icon = StandardIcon.Warning;
         messageDialog.text = text;
         messageDialog.visible = true;
     }
@@ -379,11 +377,9 @@ Window {
         property bool usePathForVideo: false
     }
 
-    FileDialog {
+    FolderDialog {
         id: directoryChooserDialog
         title: "Please choose a directory"
-        modality: Qt.ApplicationModal // no key reaches the windows behind it
-        selectFolder: true
         folder: settings.lastFolder
         onAccepted: {
             console.log("Directory choice accept");
@@ -396,7 +392,7 @@ Window {
 
     MessageDialog {
         id: messageDialog
-        icon: StandardIcon.Warning
+        kind: MessageDialog.Warning
         Component.onCompleted: visible = false
     }
 

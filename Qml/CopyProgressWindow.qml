@@ -1,8 +1,8 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import Review 1.0
 import "."
+import "Controls"
 
 // Covers the window while the files of a flight are copied beside its project. Closing it cancels.
 Window {

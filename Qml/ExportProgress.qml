@@ -1,7 +1,6 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
-import QtQuick.Controls.Styles 1.4
 import "."
+import "Controls"
 
 Rectangle {
     id: export_progress
@@ -28,24 +27,13 @@ Rectangle {
         elide: Text.ElideRight
     }
 
-    ProgressBar {
+    FlatProgressBar {
         id: progressBar
         objectName: "progressBar"
         anchors { left: parent.left; right: parent.right; top: text1.bottom; margins: 20 }
         anchors.topMargin: 12
         indeterminate: false
         Accessible.name: text1.text
-
-        style: ProgressBarStyle {
-            background: Rectangle {
-                implicitWidth: 200
-                implicitHeight: 12
-                color: Theme.groove
-            }
-            progress: Rectangle {
-                color: Theme.accent
-            }
-        }
     }
 
     CorvQuickStartButton {

@@ -1,8 +1,8 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
 import QtQuick.Layouts 1.1
 import QtQuick.Window 2.2
 import "."
+import "Controls"
 
 Window {
     id: propertiesWindow
@@ -75,7 +75,6 @@ Window {
             objectName: "tfMissionName"
             Layout.fillWidth: true
             focus: true
-            style: CorvTextFieldStyle {}
             Accessible.name: "Mission name"
         }
 
@@ -88,7 +87,6 @@ Window {
             id: tfFlightName
             objectName: "tfFlightName"
             Layout.fillWidth: true
-            style: CorvTextFieldStyle {}
             Accessible.name: "Flight name"
         }
 
@@ -108,7 +106,6 @@ Window {
                     selectAll();
             }
             validator: IntValidator { bottom: 1; top: 999 }
-            style: CorvTextFieldStyle {}
             Accessible.name: "Flight number"
         }
     }

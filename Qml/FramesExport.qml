@@ -1,11 +1,10 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
-import QtQuick.Dialogs 1.2
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
 import "."
+import "Controls"
 import "times.js" as Times
 
 Window {
@@ -131,12 +130,10 @@ Window {
         property url folder: ""
     }
 
-    FileDialog {
+    FolderDialog {
         id: fileDialog
         objectName: "fileDialog"
         title: "Please choose a folder"
-        modality: Qt.ApplicationModal // no key reaches the windows behind it
-        selectFolder: true
         folder: settings.folder
         onAccepted: {
             framesExport.framesUrl = fileDialog.fileUrl;
@@ -149,8 +146,7 @@ Window {
         id: warningDialog
         objectName: "warningDialog"
         title: "Warning"
-        standardButtons: StandardButton.Ok
-        icon: StandardIcon.Warning
+        kind: MessageDialog.Warning
     }
 
     Shortcut {

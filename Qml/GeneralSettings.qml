@@ -1,11 +1,11 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
 import corv.Appearance 1.0
 import "."
+import "Controls"
 
 Window {
     id: generalSettings

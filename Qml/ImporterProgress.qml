@@ -1,5 +1,6 @@
 import QtQuick 2.7
 import "."
+import "Controls"
 
 // What the importer shows in place of its list while it searches: what is read, how far it is, and
 // the way to end it.

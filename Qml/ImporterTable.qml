@@ -1,6 +1,6 @@
 import QtQuick 2.7
 import "."
-import QtQuick.Controls 1.4
+import "Controls"
 
 // The flights that the importer found, under the headings of their columns. One of them is chosen
 // by a click or by the arrow keys, and Return or a double click accepts it.

@@ -1,7 +1,6 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
-import QtQuick.Controls.Styles 1.4
 import "."
+import "Controls"
 
 // The jobs of this run: what runs with its progress, what has ended with its result. The newest is
 // the lowest.
@@ -92,7 +91,7 @@ Rectangle {
                     text: title
                 }
 
-                ProgressBar {
+                FlatProgressBar {
                     width: parent.width
                     height: 8
                     visible: row.running
@@ -100,10 +99,6 @@ Rectangle {
                     maximumValue: Math.max(1, total)
                     value: done
                     Accessible.name: title
-                    style: ProgressBarStyle {
-                        background: Rectangle { color: Theme.groove }
-                        progress: Rectangle { color: Theme.accent }
-                    }
                 }
 
                 Text {

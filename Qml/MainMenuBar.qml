@@ -1,9 +1,9 @@
 import QtQuick 2.7
 import QtQml 2.2
-import QtQuick.Controls 1.4
 import corv.LogParsing 1.0
 import Review 1.0
 import VideoPlayer 1.0
+import "Controls"
 
 MenuBar {
     id: menuBar
@@ -24,7 +24,7 @@ MenuBar {
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
 
     objectName: "mainMenuBar"
-    style: MainMenuBarStyle {}
+    shown: !pictureAlone
 
     Menu {
         objectName: "fileMenu"

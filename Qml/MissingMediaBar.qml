@@ -1,8 +1,8 @@
 import QtQuick 2.7
-import QtQuick.Dialogs 1.3
 import Qt.labs.settings 1.0
 import Review 1.0
 import "."
+import "Controls"
 import "paths.js" as Paths
 
 // Says which files of a project are missing, and looks for them where the pilot says. It stays for
@@ -24,12 +24,10 @@ Rectangle {
         property url folder: ""
     }
 
-    FileDialog {
+    FolderDialog {
         id: folderDialog
         objectName: "locateDialog"
         title: "Please choose the folder with the missing files"
-        modality: Qt.ApplicationModal // no key reaches the windows behind it
-        selectFolder: true
         folder: settings.folder
         onAccepted: {
             settings.folder = fileUrl;

@@ -1,7 +1,7 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import "."
+import "Controls"
 
 Window {
     id: newUpdateWindow

@@ -1,7 +1,6 @@
 import QtQuick 2.15
-import QtQuick.Controls 1.4
-import QtQuick.Controls.Styles 1.4
 import "."
+import "Controls"
 
 // One number as a slider, a spin box and a reset button. It only asks for the reset: what the value
 // goes back to is its user's business. The slider and the box may round what they show, and only what
@@ -92,22 +91,6 @@ Rectangle {
             // Before the window's own shortcuts of these keys.
             Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Left
                                      || event.key === Qt.Key_Right
-
-            style: SliderStyle {
-                groove: Rectangle {
-                    implicitWidth: 140
-                    implicitHeight: 2
-                    color: Theme.groove
-                }
-                handle: Rectangle {
-                    border.width: control.activeFocus ? 1 : 0
-                    border.color: Theme.accent
-                    implicitWidth: 6
-                    implicitHeight: 19
-                    color: !control.enabled ? Theme.handleDisabled
-                                            : control.hovered ? Theme.handleHovered : Theme.handle
-                }
-            }
         }
 
         SpinBox {
@@ -124,7 +107,6 @@ Rectangle {
             Keys.onEnterPressed: propertySetterControl.editingFinished()
             Accessible.name: propertySetterControl.accessibleName
             Accessible.description: propertySetterControl.description
-            style: CorvSpinBoxStyle {}
         }
 
         CorvButtonBase {

@@ -1,7 +1,7 @@
 import QtQuick 2.15
-import QtQuick.Controls 1.4
 import Timeline 1.0
 import "."
+import "Controls"
 
 // The points of interest as a list: filtered by typing, sorted by time or name. A click goes to one,
 // a double click edits it, Ctrl and Shift choose several, Delete deletes what is chosen.
@@ -58,7 +58,6 @@ Rectangle {
         objectName: "filterField"
         anchors { left: parent.left; right: parent.right; top: head.bottom; margins: 6 }
         placeholderText: "Filter"
-        style: CorvTextFieldStyle {}
         Accessible.name: "Filter of the points of interest"
         Keys.onEscapePressed: {
             text = "";

@@ -1,10 +1,8 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
-import QtQuick.Controls.Styles 1.4
-import QtQuick.Dialogs 1.2
 import QtQuick.Layouts 1.1
 import QtQuick.Window 2.2
 import "."
+import "Controls"
 
 Window {
     id: propertiesWindow
@@ -30,7 +28,6 @@ Window {
             var dialog = compDialog.createObject(messageOwner);
             dialog.title = "Missing information";
             dialog.text = "This point of interest must have a name.";
-            dialog.icon = StandardIcon.Critical;
             dialog.visible = true;
             return;
         }
@@ -67,7 +64,7 @@ Window {
         id: compDialog
 
         MessageDialog {
-            standardButtons: StandardButton.Ok
+            kind: MessageDialog.Critical
             onVisibleChanged: {
                 if (!visible) {
                     destroy(1);
@@ -100,7 +97,6 @@ Window {
             objectName: "tfName"
             Layout.fillWidth: true
             focus: true
-            style: CorvTextFieldStyle {}
             Accessible.name: "Name"
         }
 
@@ -118,13 +114,6 @@ Window {
             Layout.fillHeight: true
             tabChangesFocus: true
             Accessible.name: "Description"
-            style: TextAreaStyle {
-                textColor: Theme.fieldText
-                selectionColor: Theme.fieldSelection
-                selectedTextColor: Theme.fieldSelectedText
-                backgroundColor: control.activeFocus ? Theme.editFieldFocused
-                                                     : Theme.editField
-            }
         }
     }
 

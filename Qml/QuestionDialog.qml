@@ -1,5 +1,5 @@
 import QtQuick 2.7
-import QtQuick.Dialogs 1.2
+import "Controls"
 
 // Asks before something is replaced; "No" is what a pilot who is not sure presses.
 Item {
@@ -17,8 +17,7 @@ Item {
     MessageDialog {
         id: box
         objectName: "questionBox"
-        icon: StandardIcon.Question
-        standardButtons: StandardButton.Yes | StandardButton.No
+        kind: MessageDialog.Question
         onYes: {
             var accepted = questionDialog.whenAccepted;
             questionDialog.whenAccepted = undefined;

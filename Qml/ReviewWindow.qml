@@ -1,12 +1,11 @@
 import QtQuick 2.15
-import QtQuick.Controls 1.4
-import QtQuick.Dialogs 1.2
 import corv.ApplicationTelemetry 1.0
 import corv.LogParsing 1.0
 import PoiReportExporter 1.0
 import Review 1.0
 import Timeline 1.0
 import VideoPlayer 1.0
+import "Controls"
 import "constants.js" as Cst
 import "paths.js" as Paths
 
@@ -43,7 +42,6 @@ ApplicationWindow {
         id: messageBox
 
         MessageDialog {
-            standardButtons: StandardButton.Ok
             onVisibleChanged: {
                 if (!visible)
                     destroy(1);
@@ -263,11 +261,11 @@ ApplicationWindow {
     }
 
     function displayErrorDialog(title, message) {
-        displayDialog(title, message, StandardIcon.Critical);
+        displayDialog(title, message, MessageDialog.Critical);
     }
 
     function displayWarningDialog(title, message) {
-        displayDialog(title, message, StandardIcon.Warning);
+        displayDialog(title, message, MessageDialog.Warning);
     }
 
     function doSaveProject(path) {
@@ -426,12 +424,12 @@ ApplicationWindow {
         fileDialogs.askWhereToSaveProject();
     }
 
-    function displayDialog(title, message, icon) {
+    function displayDialog(title, message, kind) {
         console.log(title + ": " + message);
         var dialog = messageBox.createObject(reviewWindow);
         dialog.title = title;
         dialog.text = message;
-        dialog.icon = icon;
+        dialog.kind = kind;
         dialog.visible = true;
     }
 

@@ -1,7 +1,7 @@
 import QtQuick 2.15
-import QtQuick.Controls 1.4
 import QtQml 2.14
 import VideoPlayer 1.0
+import "Controls"
 
 // The two tabs beside the video. A tab's contents are made when it is first shown.
 TabView {
@@ -9,7 +9,6 @@ TabView {
 
     property VideoPlayer player: null
     property bool imperialUnits: false
-    property int tabWidth: width / 2
 
     property bool extremesShown: false
 
@@ -32,8 +31,6 @@ TabView {
         var onTabs = activeFocus && !getTab(0).activeFocus && !getTab(1).activeFocus;
         event.accepted = onTabs && (event.key === Qt.Key_Left || event.key === Qt.Key_Right);
     }
-
-    style: SidebarTabStyle { tabWidth: sidebar.tabWidth }
 
     Tab {
         id: tabInformation

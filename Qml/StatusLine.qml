@@ -1,10 +1,9 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
-import QtQuick.Controls.Styles 1.4
 import QtQuick.Layouts 1.1
 import corv.LogParsing 1.0
 import VideoPlayer 1.0
 import "."
+import "Controls"
 import "times.js" as Times
 
 // The bottom line: how far a log has been read, or what is open and the position of the video.
@@ -61,15 +60,13 @@ Rectangle {
         anchors.fill: parent
         visible: LogParser.isParsing
 
-        ProgressBar {
+        FlatProgressBar {
             id: taskProgressBar
             objectName: "taskProgressBar"
             anchors.fill: parent
             Accessible.name: "Progress of the flight log"
-            style: ProgressBarStyle {
-                background: Item {}
-                progress: Rectangle { color: Theme.progress }
-            }
+            groove: Theme.clear
+            bar: Theme.progress
         }
 
         // The text is too faint on the bar.

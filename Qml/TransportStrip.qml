@@ -1,8 +1,8 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
 import Timeline 1.0
 import VideoPlayer 1.0
 import "."
+import "Controls"
 
 // The transport, the speed and the tools between the video and the timeline, and their keys.
 Rectangle {
@@ -128,7 +128,6 @@ Rectangle {
                 transportStrip.player.playSpeed = value;
         }
         Accessible.name: "Playback speed"
-        style: CorvSpinBoxStyle {}
     }
 
     ToolTipLoader {

@@ -1,10 +1,10 @@
 import QtQuick 2.15
 import QtQuick.Window 2.2
-import QtQuick.Controls 1.4
 import QtMultimedia 5.5
 import Timeline 1.0
 import VideoPlayer 1.0
 import "."
+import "Controls"
 
 // The place of the video: the quick start panel while none is open, then the player's pictures.
 // What is declared inside lies on top.

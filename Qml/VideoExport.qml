@@ -1,11 +1,11 @@
 import QtQuick 2.7
-import QtQuick.Dialogs 1.3
 import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 import FileChoice 1.0
 // After QtQuick: the native Shortcut with a `key` is meant, not the built-in one.
 import Shortcuts 1.0
 import "."
+import "Controls"
 import "paths.js" as Paths
 
 Window {
@@ -64,8 +64,7 @@ Window {
         id: warningDialog
         objectName: "warningDialog"
         title: "Warning"
-        standardButtons: StandardButton.Ok
-        icon: StandardIcon.Warning
+        kind: MessageDialog.Warning
     }
 
     // Kept as they are: a CorvButton has no pressButton(), so neither key changes anything.

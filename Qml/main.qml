@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import QtQuick.Controls 1.4
 import QtQuick.Window 2.2
 import QtQml 2.2
 import Qt.labs.settings 1.0
@@ -158,12 +157,6 @@ ReviewWindow {
         controls: controlsTab
         videoOpen: videoPlayer.hasVideoOpened
         escapeIsTaken: timelineContent.movePOIMode
-    }
-
-    Binding {
-        target: mainWindow.menuBar.__contentItem
-        property: "visible"
-        value: !pictureAlone.on
     }
 
     ReviewKeys {

@@ -427,7 +427,7 @@ void InstallTest::packageDependsOnEveryModule_data()
     QTest::addColumn<QString>("qmldir");
     const QRegularExpression import("^import ((?:Qt)[A-Za-z.]*) (\\d)",
                                     QRegularExpression::MultilineOption);
-    QDirIterator documents(QML_FOLDER, {"*.qml"});
+    QDirIterator documents(QML_FOLDER, {"*.qml"}, QDir::Files, QDirIterator::Subdirectories);
     QSet<QString> folders;
     while (documents.hasNext()) {
         QRegularExpressionMatchIterator matches = import.globalMatch(textOf(documents.next()));

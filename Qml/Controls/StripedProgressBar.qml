@@ -1,10 +1,10 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
+import QtQuick.Controls 1.4 as Controls
 import QtQuick.Controls.Styles 1.4
-import "."
+import ".."
 
 // A progress bar that shows a moving stripe while there is no figure to show.
-ProgressBar {
+Controls.ProgressBar {
     id: bar
 
     readonly property int stripeWidth: 40

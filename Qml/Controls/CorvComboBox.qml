@@ -1,10 +1,10 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
+import QtQuick.Controls 1.4 as Controls
 import QtQuick.Controls.Styles 1.4
-import "."
+import ".."
 
 // A combo box that shows when it has the keyboard.
-ComboBox {
+Controls.ComboBox {
     id: corvComboBox
 
     // What Qt draws keeps the colours that it was made with: it is made anew.

@@ -1,10 +1,10 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
+import QtQuick.Controls 1.4 as Controls
 import QtQuick.Controls.Styles 1.4
-import "."
+import ".."
 
 // A check box on the ground of the dialogs: its tick is on a field like that of a radio button.
-CheckBox {
+Controls.CheckBox {
     id: corvCheckBox
 
     Accessible.name: text

@@ -1,13 +1,13 @@
 import QtQuick 2.15
-import QtQuick.Controls 1.4
+import QtQuick.Controls 1.4 as Controls
 import QtQuick.Controls.Styles 1.4
-import "."
+import ".."
 
 // One end of the thermal range: a pointer above or below the bar.
-Slider {
+Controls.Slider {
     id: rangeSlider
 
-    property string pointer
+    property url pointer
     property string name: ""
 
     height: 10

@@ -1,10 +1,10 @@
 import QtQuick 2.7
-import QtQuick.Controls 1.4
+import QtQuick.Controls 1.4 as Controls
 import QtQuick.Controls.Styles 1.4
-import "."
+import ".."
 
 // A radio button on the dark ground of the dialogs: chosen, it has a bright middle.
-RadioButton {
+Controls.RadioButton {
     id: corvRadioButton
 
     Accessible.name: text
