@@ -108,9 +108,11 @@ void FrameExportTest::aFrameThatCannotBeSavedDestroysNothing()
 
     QVERIFY(QFile::link(path("a.mp4"), path("link.png")));
     const qint64 videoBytes = QFileInfo(path("a.mp4")).size();
-    for (const char* name : {"a.mp4", "link.png"})
+    for (const char* name : {"a.mp4", "link.png"}) {
+        log.clear();
         QVERIFY(!m_player->saveFrame(timeAt(0), path(QString::fromLatin1(name)), true));
-    QCOMPARE(log.count("Refused to save a frame over a file of the flight:"), 2);
+        QVERIFY2(log.contains("Refused to save a frame over a file of the flight:"), name);
+    }
     QCOMPARE(QFileInfo(path("a.mp4")).size(), videoBytes);
 }
 
@@ -177,9 +179,10 @@ void FrameExportTest::aSeriesThatIsRefused()
     QVERIFY(!m_player->exportFrames(0, 1000, 10, path("no/parent/out"), "Frame"));
     QVERIFY(
         log.contains(QStringLiteral("Folder doesn't exist: \"%1\"").arg(path("no/parent/out"))));
-    for (int spacing : {0, -1, std::numeric_limits<int>::min()})
+    for (int spacing : {0, -1, std::numeric_limits<int>::min()}) {
         QVERIFY(!m_player->exportFrames(0, 1000, spacing, path("out"), "Frame"));
-    QCOMPARE(log.count("No way forward with a spacing of"), 3);
+        QVERIFY(log.contains(QStringLiteral("No way forward with a spacing of %1").arg(spacing)));
+    }
 }
 
 QTEST_MAIN(FrameExportTest)

@@ -91,8 +91,8 @@ void VideoInfoReaderTest::whatDoesNotOpen()
     QCOMPARE(VideoInfoReader(missing).getDurationMs(), -1);
     QCOMPARE(VideoInfoReader(missing).exactDurationMs(), -1.0);
     QCOMPARE(VideoInfoReader(text.fileName()).exactDurationMs(), -1.0);
-    QCOMPARE(log.count("Failed to open video file"), 3);
-    QVERIFY(log.contains(QStringLiteral("Failed to open video file \"%1\"").arg(missing)));
+    for (const QString& file : {text.fileName(), m_folder.path(), missing})
+        QVERIFY(log.contains(QStringLiteral("Failed to open video file \"%1\"").arg(file)));
 }
 
 void VideoInfoReaderTest::lessThanAFramePerSecond()
