@@ -13,7 +13,7 @@ namespace corv {
 /// Asks for a file: in the desktop's own dialog where its theme has one, in Qt's elsewhere.
 ///
 /// To a document it is a `FileDialog`, with what that lacks: a name that is proposed, and filters
-/// that find a suffix in any case in a desktop's dialog, too, where patterns tell upper from lower
+/// that find a suffix in any case in a desktop's dialog, too, where patterns are sensitive to
 /// case. No other window takes keys or clicks while it is open. Interface thread only.
 class FileChoice : public QObject
 {

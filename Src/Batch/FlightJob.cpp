@@ -174,7 +174,7 @@ void nameFolders(QList<FlightJob>* jobs, const QString& outFolder)
         return a->videos.value(0) < b->videos.value(0);
     });
     FoldersByFlight known = foldersIn(outFolder);
-    // Compared as file systems compare that do not tell upper from lower case.
+    // Compared without regard to case, as the file systems of cards do.
     QSet<QString> taken;
     for (const QStringList& folders : qAsConst(known))
         for (const QString& folder : folders)

@@ -36,8 +36,9 @@ public:
 
     void leave() { m_parser = nullptr; }
 
-    /// Has `job` run with the parser. From the search's threads.
-    void tell(std::function<void(DirectoryParser& parser)> job)
+    /// Runs `job` on the thread of the parser, unless the parser is gone by then. Called from the
+    /// threads of the search.
+    void postToParser(std::function<void(DirectoryParser& parser)> job)
     {
         post(this, [this, job = std::move(job)] {
             if (m_parser)
@@ -93,13 +94,13 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
     m_abortRequested = abortRequested;
     const auto reportProgress = [listener = m_listener, abortRequested](
                                     int file, int files, int step, int done, int total) {
-        listener->tell([=](DirectoryParser& parser) {
+        listener->postToParser([=](DirectoryParser& parser) {
             if (!abortRequested->load(std::memory_order_relaxed))
                 emit parser.matchingProgress(file, files, step, done, total);
         });
     };
     const auto reportVideo = [listener = m_listener, abortRequested](int video, int videos) {
-        listener->tell([=](DirectoryParser& parser) {
+        listener->postToParser([=](DirectoryParser& parser) {
             if (!abortRequested->load(std::memory_order_relaxed))
                 emit parser.videoProgress(video, videos);
         });
@@ -119,7 +120,7 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
                 result->rows = matchingRows(result->matches);
             }
             result->remarks = corv::searchRemarks(locations, files);
-            listener->tell([result, abortRequested](DirectoryParser& parser) {
+            listener->postToParser([result, abortRequested](DirectoryParser& parser) {
                 parser.endSearch(*result, *abortRequested);
             });
         });

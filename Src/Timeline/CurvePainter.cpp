@@ -31,7 +31,7 @@ int yOf(float value, const ValueRange& range, int height)
            static_cast<int>(std::lround(share * static_cast<float>(height - 1 - 2 * kMarginPx)));
 }
 
-// The colours of the curves, in their order: each can be told from its ground.
+// The colours of the curves, in their order: each is readable on its ground.
 constexpr std::array<QRgb, 6> kOnDark{0x12ff54, 0xffb000, 0x64b5ff, 0xff6eb4, 0xf0f050, 0xd0d0d0};
 constexpr std::array<QRgb, 6> kOnLight{0x0a6e2a, 0x8f5000, 0x0b4ea2, 0xa3125f, 0x5f5f00, 0x444444};
 

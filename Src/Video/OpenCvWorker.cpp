@@ -74,7 +74,7 @@ OpenCvWorker::~OpenCvWorker()
 }
 
 template <typename Call>
-void OpenCvWorker::tellClient(Call call)
+void OpenCvWorker::postToClient(Call call)
 {
     post(m_context, [client = m_client, call = std::move(call)] { call(*client); });
 }
@@ -118,7 +118,7 @@ bool OpenCvWorker::waitsForIndex(int turn)
     if (source.isIndexReady())
         return false;
     const double part = (m_triedFiles - 1 + source.indexProgress()) / m_sourceFiles.size();
-    tellClient([opening = m_opening, part](WorkerClient& client) {
+    postToClient([opening = m_opening, part](WorkerClient& client) {
         client.onOpeningProgress(opening, part);
     });
     showFirstPicture();
@@ -135,8 +135,10 @@ void OpenCvWorker::showFirstPicture()
         return;
     try {
         const QSize pixels = m_openingTimeline.entry(0).capture->pixelAspectRatio();
-        tellClient([opening = m_opening, pixels, picture = pictureForScreen(frame, 0)](
-                       WorkerClient& client) { client.onFirstPicture(opening, pixels, picture); });
+        postToClient([opening = m_opening, pixels,
+                      picture = pictureForScreen(frame, 0)](WorkerClient& client) {
+            client.onFirstPicture(opening, pixels, picture);
+        });
     } catch (const std::exception& error) {
         qCWarning(lcVideo) << "Giving up the first picture" << error.what();
     }
@@ -155,14 +157,14 @@ void OpenCvWorker::finishOpening()
         opened.pixelAspectRatio = m_timeline.entry(0).capture->pixelAspectRatio();
     if (m_timeline.size() > 1)
         opened.secondFileMs = truncateToInt(m_timeline.entry(1).startMs);
-    tellClient([opening = m_opening, opened](WorkerClient& client) {
+    postToClient([opening = m_opening, opened](WorkerClient& client) {
         client.onVideoFilesProcessed(opening, opened);
     });
     if (m_timeline.isEmpty())
         return;
     m_frameCostMs = opened.size.width() * opened.size.height() * assumedNsPerPixel / 1e6;
     m_currentSource = 0;
-    tellClient([opening = m_opening, file = current().file](WorkerClient& client) {
+    postToClient([opening = m_opening, file = current().file](WorkerClient& client) {
         client.onCurrentFile(opening, file);
     });
 }
@@ -234,7 +236,7 @@ bool OpenCvWorker::moveToNextFile()
         endPlayback();
         return false;
     }
-    tellClient([opening = m_opening, file = current().file](WorkerClient& client) {
+    postToClient([opening = m_opening, file = current().file](WorkerClient& client) {
         client.onCurrentFile(opening, file);
     });
     return true;
@@ -252,7 +254,7 @@ void OpenCvWorker::produceFrameBurst()
 {
     for (int i = 0; i < burstFrames && !isStopping(); ++i)
         produceNextFrame(false);
-    tellClient([](WorkerClient& client) { client.onBurstFinished(); });
+    postToClient([](WorkerClient& client) { client.onBurstFinished(); });
 }
 
 void OpenCvWorker::seekAtTime(QTime time)
@@ -299,7 +301,7 @@ void OpenCvWorker::seekAtFrameIndex(int index)
 void OpenCvWorker::answerSeek(Produced produced)
 {
     if (produced != Produced::frame)
-        tellClient([opening = m_opening](WorkerClient& client) { client.onSeekFailed(opening); });
+        postToClient([opening = m_opening](WorkerClient& client) { client.onSeekFailed(opening); });
 }
 
 void OpenCvWorker::serveWish(const SeekWish& wish)
@@ -314,7 +316,7 @@ void OpenCvWorker::serveWish(const SeekWish& wish)
         else if (goToFrame(m_wishedFrame, FrameUse::seekResult) == Produced::frame)
             outcome = WishOutcome::shown;
     }
-    tellClient([opening = m_opening, outcome](WorkerClient& client) {
+    postToClient([opening = m_opening, outcome](WorkerClient& client) {
         client.onWishServed(opening, outcome);
     });
 }
@@ -337,7 +339,7 @@ OpenCvWorker::Produced OpenCvWorker::goToFrame(int index, FrameUse use)
     leaveFileFor(file);
     VideoFileEntry& entry = current();
     if (isOtherFile) {
-        tellClient([opening = m_opening, path = entry.file](WorkerClient& client) {
+        postToClient([opening = m_opening, path = entry.file](WorkerClient& client) {
             client.onCurrentFile(opening, path);
         });
     }
@@ -411,7 +413,7 @@ void OpenCvWorker::redraw(int shownFrame)
     else if (!m_timeline.isEmpty())
         goToFrame(std::clamp(shownFrame, 0, std::max(m_timeline.totalFrames() - 1, 0)),
                   FrameUse::redraw);
-    tellClient([opening = m_opening](WorkerClient& client) { client.onRedrawFinished(opening); });
+    postToClient([opening = m_opening](WorkerClient& client) { client.onRedrawFinished(opening); });
 }
 
 void OpenCvWorker::forgetLastFrame()
@@ -433,7 +435,7 @@ OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int f
     try {
         PlayerFrame result{frameIndex, timeMs, pictureForScreen(picture, timeMs), nullptr};
         result.thermal = m_overlay.reading(sizeOf(picture), m_settings);
-        tellClient([opening = m_opening, result, use](WorkerClient& client) {
+        postToClient([opening = m_opening, result, use](WorkerClient& client) {
             client.onFrameReady(opening, result, use);
         });
         return Produced::frame;
@@ -580,13 +582,13 @@ void OpenCvWorker::setClock(std::shared_ptr<const FlightClock> clock)
 void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<const LogFile>& log)
 {
     m_overlay.updateLogData(hasParser, log);
-    tellClient(
+    postToClient(
         [status = m_overlay.status()](WorkerClient& client) { client.onThermalFrames(status); });
 }
 
 void OpenCvWorker::endPlayback()
 {
-    tellClient([opening = m_opening](WorkerClient& client) { client.onPlaybackEnded(opening); });
+    postToClient([opening = m_opening](WorkerClient& client) { client.onPlaybackEnded(opening); });
 }
 
 } // namespace corv

@@ -142,7 +142,7 @@ private:
     void endPlayback();
 
     template <typename Call>
-    void tellClient(Call call);
+    void postToClient(Call call);
 
     WorkerClient* const m_client;
     QObject* const m_context;

@@ -26,7 +26,7 @@ private slots:
     void theEndIsTheLastFrame();
     void aSeekToThePictureShownDecodesNothing();
     void theSourceFollowsTheFileThatPlays();
-    void theTimeIsToldInStepsOf100Ms();
+    void timeIsSignalledInStepsOf100Ms();
     void oneBurstAtATime();
 };
 
@@ -311,7 +311,7 @@ void VideoTransportTest::theSourceFollowsTheFileThatPlays()
     QVERIFY(opened.isEmpty());
 }
 
-void VideoTransportTest::theTimeIsToldInStepsOf100Ms()
+void VideoTransportTest::timeIsSignalledInStepsOf100Ms()
 {
     addFile("a.mp4", 300);
     VideoPlayer player(m_files->factory());

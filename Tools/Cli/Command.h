@@ -63,7 +63,7 @@ ExitStatus runLine(const std::vector<Command>& commands, const QStringList& argu
 QByteArray printedJson(const QJsonDocument& document,
                        QJsonDocument::JsonFormat format = QJsonDocument::Indented);
 
-/// Writes to standard output; `Failed` with a message when nobody takes it.
+/// Writes to standard output; `Failed` with a message if it cannot be written.
 ExitStatus writeOut(const QByteArray& bytes);
 
 /// Prints what went wrong as one line on standard error, and returns `Failed`. Characters that
