@@ -289,7 +289,8 @@ void FlightFilesMatcher::decide(Search& search)
 {
     std::vector<PairingLog> logs;
     for (const Search::Log& log : search.logs)
-        logs.push_back({log.file.file.absoluteFilePath(), timeOf(log.file), log.facts.recordings});
+        logs.push_back({log.file.file.absoluteFilePath(), timeOf(log.file), log.facts.recordings,
+                        log.facts.read});
     const std::vector<Pairing> pairings = pairFlights(search.videos, logs);
     for (size_t i = 0; i < pairings.size(); ++i) {
         const Pairing& pairing = pairings[i];

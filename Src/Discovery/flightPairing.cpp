@@ -3,6 +3,7 @@
 #include "Discovery/flightAlignment.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -40,13 +41,46 @@ qint64 lengthOf(const RecEvent& event)
     return static_cast<qint64>(event.stopTime) - static_cast<qint64>(event.startTime);
 }
 
-// Positions of the files in the order of their names.
+// A name in its parts: "roof 12 (2)" is "roof ", the number 12 and the copy 2 of that name.
+struct NumberedName
+{
+    QString before;
+    QString number; // empty if the name ends in none
+    QString copy;
+};
+
+NumberedName numberedName(const QString& base)
+{
+    static const QRegularExpression form(
+        QStringLiteral("^(.*?)([0-9]{1,9})(?: ?\\(([0-9]{1,4})\\))?$"));
+    const QRegularExpressionMatch match = form.match(base);
+    if (!match.hasMatch())
+        return {base, {}, {}};
+    return {match.captured(1), match.captured(2), match.captured(3)};
+}
+
+// Positions of the files in the order of their names. Where a file manager has put files of equal
+// names together, those with the same number in brackets come from one card.
 template <typename File>
 std::vector<size_t> orderOfNames(const std::vector<File>& files)
 {
+    struct Name
+    {
+        QString folder;
+        int copy;
+    };
+    std::vector<Name> names;
+    for (const File& file : files) {
+        const QFileInfo info(file.path);
+        names.push_back({info.path(), numberedName(info.completeBaseName()).copy.toInt()});
+    }
     std::vector<size_t> order(files.size());
     std::iota(order.begin(), order.end(), size_t(0));
-    std::stable_sort(order.begin(), order.end(), [&files](size_t a, size_t b) {
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        if (names[a].folder == names[b].folder && names[a].copy != names[b].copy)
+            return names[a].copy < names[b].copy;
+        if (names[a].folder != names[b].folder)
+            return namesInOrder(names[a].folder, names[b].folder);
         return namesInOrder(files[a].path, files[b].path);
     });
     return order;
@@ -186,12 +220,14 @@ private:
     void addClaim(const AlignmentClaim& claim, Pairing& pairing) const;
     void addNearestLength(Pairing& pairing) const;
     bool canCompare(int log) const;
+    bool hasNoVideo(int log) const;
     bool agreesByTime(size_t place, const LogBelief& byTime) const;
     bool nothingContradictsTimes() const;
     double shareOfMissingFiles() const;
     std::vector<bool> logsOfOtherLengths(size_t logs) const;
 
     const std::vector<PairingVideo>& m_videos;
+    const std::vector<PairingLog>& m_logs;
     std::vector<size_t> m_order; // positions of the videos by name
     std::vector<Recording> m_recordings;
     LogDelay m_delay;
@@ -204,8 +240,8 @@ private:
 };
 
 Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs)
-    : m_videos(videos), m_order(orderOfNames(videos)), m_recordings(recordingsInOrder(logs)),
-      m_delay(videos, logs, m_recordings)
+    : m_videos(videos), m_logs(logs), m_order(orderOfNames(videos)),
+      m_recordings(recordingsInOrder(logs)), m_delay(videos, logs, m_recordings)
 {
     AlignmentInput input;
     for (size_t place = 0; place < m_order.size(); ++place) {
@@ -305,6 +341,13 @@ bool Decision::canCompare(int log) const
                        [log](const Recording& recording) { return recording.log == log; });
 }
 
+// A flight without a video: its log has no start of a recording, others have.
+bool Decision::hasNoVideo(int log) const
+{
+    const PairingLog& asked = m_logs[static_cast<size_t>(log)];
+    return asked.isRead && asked.recordings.empty() && !m_recordings.empty();
+}
+
 // Neighbours that only together are as long as a recording are hardly one flight.
 bool Decision::agreesByTime(size_t place, const LogBelief& byTime) const
 {
@@ -387,7 +430,8 @@ Pairing Decision::decide(size_t place) const
         if (contradicted)
             addNearestLength(pairing);
         pairing.evidence = contradicted ? PairingEvidence::LengthDiffers : PairingEvidence::Time;
-        pairing.doubtful = contradicted || m_timesAreLost || best.probability >= likely;
+        pairing.doubtful = contradicted || m_timesAreLost || best.probability >= likely ||
+                           hasNoVideo(video.logByTime);
     }
     return pairing;
 }
@@ -449,19 +493,12 @@ bool isNextPart(const QString& path, const QString& next)
 {
     const QFileInfo before(path);
     const QFileInfo after(next);
-    const QString base = before.completeBaseName();
-    const QString nextBase = after.completeBaseName();
-    constexpr int digits = 4;
-    if (!base.startsWith(QLatin1String("CORV")) || base.size() < 2 * digits ||
-        base.size() != nextBase.size() || before.path() != after.path() ||
-        before.suffix() != after.suffix() ||
-        base.leftRef(base.size() - digits) != nextBase.leftRef(base.size() - digits))
+    if (before.path() != after.path() || before.suffix() != after.suffix())
         return false;
-    bool isNumber = false;
-    bool isNextNumber = false;
-    const int number = base.rightRef(digits).toInt(&isNumber);
-    const int nextNumber = nextBase.rightRef(digits).toInt(&isNextNumber);
-    return isNumber && isNextNumber && nextNumber == number + 1;
+    const NumberedName name = numberedName(before.completeBaseName());
+    const NumberedName nextName = numberedName(after.completeBaseName());
+    return !name.number.isEmpty() && name.before == nextName.before && name.copy == nextName.copy &&
+           nextName.number.toLongLong() == name.number.toLongLong() + 1;
 }
 
 } // namespace corv

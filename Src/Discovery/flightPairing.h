@@ -32,6 +32,7 @@ struct PairingLog
     QString path;
     qint64 timeMs = -1;
     std::vector<RecEvent> recordings;
+    bool isRead = true;
 };
 
 /// The log of one video and how sure that is.
@@ -60,7 +61,8 @@ std::vector<Pairing> pairFlights(const std::vector<PairingVideo>& videos,
 bool namesInOrder(const QString& a, const QString& b);
 
 /// True if `next` can be the part of a flight that follows `path`: the same folder, the same name
-/// but for the number at its end, which is one higher.
+/// but for the number at its end, which is one higher. Behind it a number in brackets, which tells
+/// files of equal names apart, is the same.
 bool isNextPart(const QString& path, const QString& next);
 
 } // namespace corv

@@ -61,6 +61,8 @@ private slots:
     void contradictedPairGetsTheBetterLog();
     void sharedLogKeepsOnlyTheVideosItHolds();
     void partsOfOneFlightAreOneRecording();
+    void cardsPutTogetherKeepTheirFlights_data();
+    void cardsPutTogetherKeepTheirFlights();
     void consecutiveNumbersCanBeSeparateFlights();
     void nothingIsGuessedWhereNothingFits();
     void cardsInSeveralBlocksAreAligned();
@@ -71,6 +73,7 @@ private slots:
     void claimsAreShares();
     void manyFlightsStayInTheRangeOfNumbers();
     void timeAloneIsDoubtedWhereTimesAreLost();
+    void logOfAFlightWithoutVideoIsDoubted();
     void generatedCardsArePairedRight_data();
     void generatedCardsArePairedRight();
     void cleanupTestCase();
@@ -258,6 +261,36 @@ void FlightPairingTest::partsOfOneFlightAreOneRecording()
     QCOMPARE(pairings[3].files, std::vector<size_t>({3}));
 }
 
+void FlightPairingTest::cardsPutTogetherKeepTheirFlights_data()
+{
+    QTest::addColumn<QStringList>("videoNames"); // each card's in order, of two cards in turn
+    QTest::addColumn<QStringList>("logNames");
+    QTest::newRow("prefixes") << QStringList{"A_CORV0001.MOV", "B_CORV0001.MOV", "A_CORV0002.MOV",
+                                             "B_CORV0002.MOV", "A_CORV0003.MOV", "B_CORV0003.MOV"}
+                              << QStringList{"A_1.log", "B_1.log", "A_2.log", "B_2.log"};
+    QTest::newRow("names that a file manager made different")
+        << QStringList{"CORV0001.MOV",     "CORV0001 (2).MOV", "CORV0002.MOV",
+                       "CORV0002 (2).MOV", "CORV0003.MOV",     "CORV0003 (2).MOV"}
+        << QStringList{"1.log", "1 (2).log", "2.log", "2 (2).log"};
+}
+
+// Of each card a flight in two files and a shorter one; all times are lost.
+void FlightPairingTest::cardsPutTogetherKeepTheirFlights()
+{
+    QFETCH(QStringList, videoNames);
+    QFETCH(QStringList, logNames);
+    const QList<qint64> lengthsMs = {300'000, 300'000, 110'000, 190'000, 75'000, 95'000};
+    std::vector<PairingVideo> videos;
+    for (int i = 0; i < videoNames.size(); ++i)
+        videos.push_back(video(videoNames[i], lengthsMs[i], 0, 0));
+    const std::vector<Pairing> pairings =
+        pairFlights(videos, {logOf(logNames[0], {411'000}, 5), logOf(logNames[1], {491'000}, 5),
+                             logOf(logNames[2], {76'000}, 5), logOf(logNames[3], {96'000}, 5)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 1, 0, 1, 2, 3}));
+    QCOMPARE(pairings[2].files, std::vector<size_t>({0, 2}));
+    QCOMPARE(pairings[3].files, std::vector<size_t>({1, 3}));
+}
+
 void FlightPairingTest::consecutiveNumbersCanBeSeparateFlights()
 {
     const std::vector<Pairing> pairings =
@@ -340,7 +373,15 @@ void FlightPairingTest::nextPartHasTheNextNumber_data()
     QTest::newRow("other suffix") << "/a/CORV0001.MOV"
                                   << "/a/CORV0002.mp4" << false;
     QTest::newRow("other name") << "/a/VID_0001.MOV"
-                                << "/a/VID_0002.MOV" << false;
+                                << "/a/CORV0002.MOV" << false;
+    QTest::newRow("renamed, card by card") << "/a/B_CORV0001.MOV"
+                                           << "/a/B_CORV0002.MOV" << true;
+    QTest::newRow("more digits") << "/a/roof 9.MOV"
+                                 << "/a/roof 10.MOV" << true;
+    QTest::newRow("both of a second card") << "/a/CORV0001 (2).MOV"
+                                           << "/a/CORV0002 (2).MOV" << true;
+    QTest::newRow("of two cards") << "/a/CORV0001.MOV"
+                                  << "/a/CORV0002 (2).MOV" << false;
     QTest::newRow("no number") << "/a/CORVxxxx.MOV"
                                << "/a/CORVxxxy.MOV" << false;
 }
@@ -404,6 +445,22 @@ void FlightPairingTest::timeAloneIsDoubtedWhereTimesAreLost()
         QCOMPARE(pairing.evidence, PairingEvidence::Time);
         QVERIFY(pairing.doubtful);
     }
+}
+
+void FlightPairingTest::logOfAFlightWithoutVideoIsDoubted()
+{
+    // The second video has lost its log; the next one to be written knows of no recording at all.
+    const std::vector<PairingVideo> videos = {video("CORV0001.MOV", 60'000, 0, 0),
+                                              video("CORV0002.MOV", 90'000, 1, 3600)};
+    std::vector<PairingLog> logs = {logOf("1.log", {61'000}, 30), logOf("2.log", {}, 4800)};
+    Pairing pairing = pairFlights(videos, logs)[1];
+    QCOMPARE(pairing.log, 1);
+    QCOMPARE(pairing.evidence, PairingEvidence::Time);
+    QVERIFY(pairing.doubtful);
+    logs[1].isRead = false; // what it holds is not known
+    pairing = pairFlights(videos, logs)[1];
+    QCOMPARE(pairing.evidence, PairingEvidence::Time);
+    QVERIFY(!pairing.doubtful);
 }
 
 void FlightPairingTest::generatedCardsArePairedRight_data()
