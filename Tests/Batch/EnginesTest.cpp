@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <algorithm>
 #include <csignal>
 #include <memory>
 
@@ -45,6 +46,7 @@ private slots:
 private:
     QString path(const QString& name) const { return m_base.filePath(name); }
     void reviewsLikeOneQuietRun(const QStringList& command);
+    int mostAtOnce() const;
     QStringList optionsOfAll() const { return {"--copy", "--thermal"}; }
 
     QTemporaryDir m_base;
@@ -87,11 +89,19 @@ void EnginesTest::initTestCase()
                           "if mkdir " +
                           path("killed") +
                           "/$flight 2>/dev/null; then\n"
+                          "    echo begin >>" +
+                          path("worked") +
+                          "\n"
                           "    (tool \"$@\") <<<\"$job\" & worker=$!\n"
                           "    sleep 0.3\n"
                           "    kill -9 $worker $$\n"
                           "fi\n"
-                          "tool \"$@\" <<<\"$job\"\n",
+                          "(tool \"$@\") <<<\"$job\"\n"
+                          "status=$?\n"
+                          "echo end >>" +
+                          path("worked") +
+                          "\n"
+                          "exit $status\n",
                       true));
     m_environment.insert("VISTREL_CLI", path("vistrel-cli"));
 }
@@ -114,11 +124,27 @@ void EnginesTest::reviewsLikeOneQuietRun(const QStringList& command)
     QVERIFY(m_disk->resize(largeDiskKb));
     QDir(path("killed")).removeRecursively();
     QVERIFY(QDir().mkpath(path("killed")));
+    QFile::remove(path("worked"));
     const ProgramRun whole = run();
     QVERIFY2(whole.status == 0, whole.out + whole.error);
     QCOMPARE(whole.out.count("\"finished\""), flightCount);
     QCOMPARE(int(QDir(path("killed")).count()) - 2, flightCount);
     QCOMPARE(differencesOf(resultsIn(path("disk")), m_quiet).join('\n'), QString());
+    QCOMPARE(mostAtOnce(), 2);
+}
+
+// How many flights were worked on at the same time.
+int EnginesTest::mostAtOnce() const
+{
+    QFile worked(path("worked"));
+    int now = 0;
+    int most = 0;
+    if (worked.open(QIODevice::ReadOnly))
+        for (const QByteArray& line : worked.readAll().trimmed().split('\n')) {
+            now += line == "begin" ? 1 : -1;
+            most = std::max(most, now);
+        }
+    return most;
 }
 
 void EnginesTest::sshDoesIt()
