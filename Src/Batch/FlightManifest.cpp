@@ -44,7 +44,8 @@ void FlightManifest::read()
         const QJsonObject entry = it.value().toObject();
         Step step{bytesOf(entry.value(QLatin1String("fingerprint"))),
                   {},
-                  bytesOf(entry.value(QLatin1String("digest")))};
+                  bytesOf(entry.value(QLatin1String("digest"))),
+                  bytesOf(entry.value(QLatin1String("pendingDigest")))};
         const QJsonObject files = entry.value(QLatin1String("files")).toObject();
         for (auto entryFile = files.begin(); entryFile != files.end(); ++entryFile)
             step.fileSizes.insert(entryFile.key(),
@@ -71,11 +72,23 @@ Status FlightManifest::setDone(const QString& step, const QByteArray& fingerprin
                                const QStringList& files, const QByteArray& digest)
 {
     const QDir folder(m_folder);
-    Step done{fingerprint, {}, digest};
+    Step done{fingerprint, {}, digest, {}};
     for (const QString& file : files)
         done.fileSizes.insert(file, QFileInfo(folder.filePath(file)).size());
     m_steps.insert(step, done);
     return write();
+}
+
+Status FlightManifest::setPending(const QString& step, const QByteArray& digest)
+{
+    m_steps[step].pendingDigest = digest;
+    return write();
+}
+
+bool FlightManifest::hasMade(const QString& step, const QByteArray& digest) const
+{
+    const Step made = m_steps.value(step);
+    return !digest.isEmpty() && (digest == made.digest || digest == made.pendingDigest);
 }
 
 Status FlightManifest::write() const
@@ -89,6 +102,8 @@ Status FlightManifest::write() const
                          {QStringLiteral("files"), files}};
         if (!it->digest.isEmpty())
             step.insert(QStringLiteral("digest"), QString::fromLatin1(it->digest));
+        if (!it->pendingDigest.isEmpty())
+            step.insert(QStringLiteral("pendingDigest"), QString::fromLatin1(it->pendingDigest));
         steps.insert(it.key(), step);
     }
     const QJsonObject root{{QStringLiteral("version"), manifestVersion},

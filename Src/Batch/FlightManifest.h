@@ -26,15 +26,19 @@ public:
     bool isDone(const QString& step, const QByteArray& fingerprint) const;
 
     /// Whether the step was ever done, with any fingerprint.
-    bool hasStep(const QString& step) const { return m_steps.contains(step); }
+    bool hasStep(const QString& step) const { return !m_steps.value(step).fingerprint.isEmpty(); }
 
-    /// The digest that was recorded for a file of a step; empty if there is none.
-    QByteArray digest(const QString& step) const { return m_steps.value(step).digest; }
+    /// Whether the step made a result of this digest, or was about to when it was killed.
+    bool hasMade(const QString& step, const QByteArray& digest) const;
 
-    /// Records a step and writes the manifest. `files` are relative to the folder; `digest` is
-    /// whatever the step wants to know of its result next time.
+    /// Records a step and writes the manifest. `files` are relative to the folder; `digest` is by
+    /// what `hasMade` knows its result again.
     Status setDone(const QString& step, const QByteArray& fingerprint, const QStringList& files,
                    const QByteArray& digest = {});
+
+    /// Records that a result of this digest is about to be put in place, and writes the manifest.
+    /// What was done before stays recorded until `setDone`.
+    Status setPending(const QString& step, const QByteArray& digest);
 
     /// Which flight the folder is for, so that another flight of the same name is not mixed in.
     QByteArray identity() const { return m_identity; }
@@ -48,6 +52,7 @@ private:
         QByteArray fingerprint;
         QMap<QString, qint64> fileSizes;
         QByteArray digest;
+        QByteArray pendingDigest;
     };
 
     void read();

@@ -57,6 +57,11 @@ Status makeFolder(const QString& path)
     return {};
 }
 
+QByteArray digestOf(const QByteArray& bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+}
+
 QString wordProcessor()
 {
     const QString program = QStandardPaths::findExecutable(QStringLiteral("soffice"));
@@ -286,8 +291,7 @@ bool FlightRun::needsCopies() const
 Status FlightRun::open()
 {
     progress(openStep, 0, 0);
-    const QByteArray made = m_manifest.digest(projectStep);
-    const bool isOurs = !made.isEmpty() && made == projectDigest();
+    const bool isOurs = m_manifest.hasMade(projectStep, projectDigest());
     const bool isCurrent = m_manifest.isDone(projectStep, projectFingerprint()) && !needsCopies();
     const bool opensProject = QFile::exists(m_projectPath) && (isCurrent || !isOurs);
     const Status status = opensProject ? m_flight.openProject(m_projectPath)
@@ -339,6 +343,11 @@ Status FlightRun::makeProject()
         removeCopies();
         // All at once, whether their pictures have been read by now or not.
         m_flight.review().pois()->setFromList(m_flight.review().allPois());
+        // Known before it is there: if this run is killed in between, the next one knows it as
+        // ours.
+        m_flight.projectFiles().setAboutToSave([this](const QByteArray& text) {
+            return m_manifest.setPending(projectStep, digestOf(text));
+        });
     }
     Status status;
     if (isNew || needsCopies())

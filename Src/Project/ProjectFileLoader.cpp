@@ -205,6 +205,11 @@ void ProjectFileLoader::setPieceCopied(std::function<void(qint64)> pieceCopied)
     m_pieceCopied = std::move(pieceCopied);
 }
 
+void ProjectFileLoader::setAboutToSave(std::function<Status(const QByteArray&)> aboutToSave)
+{
+    m_aboutToSave = std::move(aboutToSave);
+}
+
 void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString fileProjectPath,
                                     QVariantMap flightProperties)
 {
@@ -236,9 +241,12 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
     qCInfo(lcProject) << "Project file path:" << path;
     // UTF-8, the encoding that the reader expects, also where a bare environment names no encoding
     // at all and the local one would turn letters into question marks.
-    const int error = platform::replaceFile(path, document.toJson(QJsonDocument::Indented));
+    const QByteArray text = document.toJson(QJsonDocument::Indented);
+    m_lastSave = m_aboutToSave ? m_aboutToSave(text) : Status();
+    if (!m_lastSave)
+        return;
+    const int error = platform::replaceFile(path, text);
     if (error == 0) {
-        m_lastSave = {};
         m_savedFiles = {isNoLog(logPath) ? QString() : logPath, videoPath,
                         parts.isEmpty() ? QStringList(videoPath) : parts};
         return;

@@ -98,6 +98,10 @@ public:
     /// first byte is copied.
     QString copyProblemText() const { return m_copyProblem ? m_copyProblem->sentence : QString(); }
 
+    /// Called by `saveProject` with the text of the file, just before that is put in place; a
+    /// failure stops the saving, and is its own.
+    void setAboutToSave(std::function<Status(const QByteArray& text)> aboutToSave);
+
     /// For tests and benchmarks: called by the copying thread after each piece.
     void setPieceCopied(std::function<void(qint64 bytes)> pieceCopied);
 
@@ -123,6 +127,7 @@ private:
     std::optional<Failure> m_copyProblem;
     QPointer<MediaCopy> m_copy; ///< while copying
     std::function<void(qint64)> m_pieceCopied;
+    std::function<Status(const QByteArray&)> m_aboutToSave;
 };
 
 /// Whether files of these sizes fit into the free space, all in bytes; a free space of -1 is

@@ -39,7 +39,7 @@ public:
     VideoPlayer& player() { return m_player; }
     LogParser& logParser() { return m_logParser; }
     Review& review() { return m_review; }
-    const ProjectFileLoader& projectFiles() const { return m_projectFiles; }
+    ProjectFileLoader& projectFiles() { return m_projectFiles; }
 
 private:
     Status openFiles(const QStringList& files);

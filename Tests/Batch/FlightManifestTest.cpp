@@ -34,7 +34,9 @@ private slots:
         }
         const FlightManifest again(folder.path());
         QVERIFY(again.isDone("report", "f"));
-        QCOMPARE(again.digest("report"), QByteArray("d"));
+        QVERIFY(again.hasMade("report", "d"));
+        QVERIFY(!again.hasMade("report", "e"));
+        QVERIFY(!again.hasMade("video", {}));
         QVERIFY(!again.isDone("report", "other"));
         QVERIFY(again.hasStep("report"));
         QVERIFY(!again.hasStep("video"));
@@ -51,6 +53,30 @@ private slots:
         QVERIFY(!manifest.isDone("report", "f"));
         QVERIFY(QFile::remove(path));
         QVERIFY(!manifest.isDone("report", "f"));
+    }
+
+    // A run that is killed while it replaces a result: either of the two is its own.
+    void resultThatWasAboutToBePutInPlaceIsKnown()
+    {
+        const QTemporaryDir folder;
+        {
+            FlightManifest manifest(folder.path());
+            QVERIFY(manifest.setPending("project", "first").ok());
+            QVERIFY(!manifest.hasStep("project"));
+            QVERIFY(!manifest.isDone("project", "f"));
+            QVERIFY(manifest.hasMade("project", "first"));
+            QVERIFY(manifest.setDone("project", "f", {}, "first").ok());
+            QVERIFY(manifest.setPending("project", "second").ok());
+        }
+        FlightManifest killed(folder.path());
+        QVERIFY(killed.isDone("project", "f"));
+        QVERIFY(killed.hasMade("project", "first"));
+        QVERIFY(killed.hasMade("project", "second"));
+        QVERIFY(killed.setDone("project", "g", {}, "third").ok());
+        const FlightManifest again(folder.path());
+        QVERIFY(!again.hasMade("project", "first"));
+        QVERIFY(!again.hasMade("project", "second"));
+        QVERIFY(again.hasMade("project", "third"));
     }
 
     void damagedManifestIsAnEmptyOne_data()
