@@ -1,6 +1,7 @@
 #include "Batch/FlightRun.h"
 
 #include "Base/FileReplacement.h"
+#include "Batch/flightRemarks.h"
 #include "Batch/logTables.h"
 #include "Platform/FileLock.h"
 #include "Platform/childProcess.h"
@@ -296,8 +297,11 @@ Status FlightRun::open()
     const bool opensProject = QFile::exists(m_projectPath) && (isCurrent || !isOurs);
     const Status status = opensProject ? m_flight.openProject(m_projectPath)
                                        : m_flight.openParts(m_job.videos, m_job.log);
-    if (status)
+    if (status) {
         noteLogProblem();
+        m_summary.remarks = flightRemarks(m_job, m_flight.logParser(),
+                                          m_flight.player().duration().msecsSinceStartOfDay());
+    }
     return status;
 }
 
@@ -391,7 +395,7 @@ QByteArray FlightRun::projectDigest() const
     QFile file(m_projectPath);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex();
+    return digestOf(file.readAll());
 }
 
 Result<QStringList> FlightRun::writePictures(const QVariantList& pois)
@@ -570,16 +574,21 @@ FlightRun::Summary FlightRun::finish()
 {
     if (m_ownsFolder)
         writeResult();
-    m_report(finishedEvent(m_job.folder, m_summary.failures, m_summary.doneSteps));
+    m_report(finishedEvent());
     return m_summary;
+}
+
+QJsonObject FlightRun::finishedEvent() const
+{
+    return ::corv::finishedEvent(m_job.folder, m_summary.failures, m_summary.doneSteps,
+                                 m_summary.remarks);
 }
 
 void FlightRun::writeResult()
 {
     QDir(workPath(QString())).removeRecursively();
-    const QJsonObject event = finishedEvent(m_job.folder, m_summary.failures, m_summary.doneSteps);
     const Status written =
-        replaceFile(m_folder.filePath(resultName), QJsonDocument(event).toJson());
+        replaceFile(m_folder.filePath(resultName), QJsonDocument(finishedEvent()).toJson());
     if (!written)
         fail(QStringLiteral("result"), written.failure());
 }

@@ -50,7 +50,8 @@ public:
     struct Summary
     {
         QList<StepFailure> failures;
-        int doneSteps = 0; ///< made now, or found made
+        QStringList remarks; ///< what to know before using the results
+        int doneSteps = 0;   ///< made now, or found made
     };
 
     FlightRun(FlightJob job, FlightOptions options, const QString& outFolder, Report report);
@@ -93,6 +94,7 @@ private:
     QByteArray projectDigest() const;
     Summary finish();
     void writeResult();
+    QJsonObject finishedEvent() const;
     void progress(const QString& stepName, qint64 done, qint64 total) const;
     QString workPath(const QString& name) const;
 

@@ -13,7 +13,8 @@ QJsonObject progressEvent(const QString& flight, const QString& step, qint64 don
             {QStringLiteral("total"), static_cast<double>(total)}};
 }
 
-QJsonObject finishedEvent(const QString& flight, const QList<StepFailure>& failures, int doneSteps)
+QJsonObject finishedEvent(const QString& flight, const QList<StepFailure>& failures, int doneSteps,
+                          const QStringList& remarks)
 {
     QString status = QStringLiteral("done");
     if (!failures.isEmpty())
@@ -27,7 +28,8 @@ QJsonObject finishedEvent(const QString& flight, const QList<StepFailure>& failu
     return {{QStringLiteral("event"), QStringLiteral("finished")},
             {QStringLiteral("flight"), flight},
             {QStringLiteral("status"), status},
-            {QStringLiteral("failures"), list}};
+            {QStringLiteral("failures"), list},
+            {QStringLiteral("remarks"), QJsonArray::fromStringList(remarks)}};
 }
 
 QString kindName(Failure::Kind kind)

@@ -41,6 +41,9 @@ struct LogTimeSpan
     quint32 endMs = 0;
 };
 
+/// The span of a decoded log; nothing where no group has times.
+std::optional<LogTimeSpan> timeSpanOf(const LogFile& log);
+
 /// What a log holds, without its values.
 struct LogSurvey
 {

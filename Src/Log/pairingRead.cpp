@@ -425,6 +425,8 @@ private:
     std::vector<size_t> m_needed; ///< indices of groups
 };
 
+} // namespace
+
 std::optional<LogTimeSpan> timeSpanOf(const LogFile& log)
 {
     std::optional<LogTimeSpan> span;
@@ -438,8 +440,6 @@ std::optional<LogTimeSpan> timeSpanOf(const LogFile& log)
     }
     return span;
 }
-
-} // namespace
 
 Result<LogDigest> LogDecoder::readForPairing(const QString& path, const Progress& progress) const
 {

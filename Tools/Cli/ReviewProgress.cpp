@@ -1,47 +1,68 @@
 #include "Cli/ReviewProgress.h"
 
 #include "Cli/Command.h"
+#include "Cli/terminalText.h"
+#include "Log/printable.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QStringList>
 #include <algorithm>
 #include <cstdio>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace corv::cli {
 namespace {
 
 constexpr int barWidth = 20;
-constexpr int lineWidth = 100;
+constexpr int usualColumns = 80;
+constexpr int tickMs = 500;
 constexpr qint64 msPerMinute = 60 * 1000;
+constexpr qint64 minutesPerHour = 60;
 
 QString text(const QJsonObject& object, const char* key)
 {
     return object.value(QLatin1String(key)).toString();
 }
 
-// Names come from logs and cards; what they hold must not steer a terminal.
-QString printable(QString name)
+// The last column stays free: many terminals go to the next line when it is written.
+int columnsOfTerminal()
 {
-    for (QChar& character : name)
-        if (!character.isPrint())
-            character = QLatin1Char('?');
-    return name;
+    winsize size{};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    return (isKnown ? size.ws_col : usualColumns) - 1;
+}
+
+QString leftText(qint64 ms)
+{
+    const qint64 minutes = (ms + msPerMinute / 2) / msPerMinute;
+    if (minutes < 1)
+        return QStringLiteral("less than a minute left");
+    if (minutes < minutesPerHour)
+        return QStringLiteral("%1 min left").arg(minutes);
+    return QStringLiteral("%1 h %2 min left")
+        .arg(minutes / minutesPerHour)
+        .arg(minutes % minutesPerHour);
 }
 
 } // namespace
 
-ReviewProgress::ReviewProgress(int flightCount)
-    : m_isTerminal(isatty(STDOUT_FILENO) == 1), m_flightCount(flightCount)
+ReviewProgress::ReviewProgress(const QList<FlightJob>& jobs, bool writesVideo)
+    : m_isTerminal(isatty(STDOUT_FILENO) == 1), m_flightCount(jobs.size()),
+      m_estimate(jobs, writesVideo)
 {
     m_clock.start();
+    if (!m_isTerminal)
+        return;
+    m_tick.callOnTimeout([this] { paint(); });
+    m_tick.start(tickMs);
 }
 
 ReviewProgress::~ReviewProgress()
 {
     if (m_isTerminal)
-        std::fprintf(stdout, "\r%*s\r", lineWidth, "");
+        showSentence(endings());
     std::fflush(stdout);
 }
 
@@ -53,11 +74,13 @@ void ReviewProgress::show(const QJsonObject& event)
         std::fflush(stdout);
         return;
     }
+    m_estimate.take(event, m_clock.elapsed());
     const QString flight = text(event, "flight");
     if (text(event, "event") == QLatin1String("finished")) {
         ++m_finished;
+        ++m_endings[text(event, "status")];
         m_running.remove(flight);
-        showFailures(event);
+        showSentences(event);
     } else {
         QString step = text(event, "step");
         const int total = event.value(QLatin1String("total")).toInt();
@@ -69,45 +92,85 @@ void ReviewProgress::show(const QJsonObject& event)
     paint();
 }
 
-void ReviewProgress::showFailures(const QJsonObject& event) const
+void ReviewProgress::showSentences(const QJsonObject& event)
 {
     for (const QJsonValue& value : event.value(QLatin1String("failures")).toArray()) {
         const QJsonObject failure = value.toObject();
-        const QString line =
+        showSentence(
             QStringLiteral("%1, %2: %3")
-                .arg(text(event, "flight"), text(failure, "step"), text(failure, "message"));
-        std::fprintf(stdout, "\r%*s\r%s\n", lineWidth, "",
-                     printable(line).toLocal8Bit().constData());
+                .arg(text(event, "flight"), text(failure, "step"), text(failure, "message")));
     }
+    for (const QJsonValue& value : event.value(QLatin1String("remarks")).toArray())
+        showSentence(QStringLiteral("%1, remark: %2").arg(text(event, "flight"), value.toString()));
+}
+
+// In place of the line, which is painted again below it.
+void ReviewProgress::showSentence(const QString& sentence)
+{
+    write(QString());
+    std::fprintf(stdout, "%s\n", printable(sentence).toLocal8Bit().constData());
 }
 
 void ReviewProgress::paint()
 {
-    const QByteArray bytes = printable(line()).left(lineWidth).toLocal8Bit();
-    std::fprintf(stdout, "\r%*s\r%s", lineWidth, "", bytes.constData());
+    const int columns = columnsOfTerminal();
+    write(clippedToColumns(printable(line(columns)), columns));
     std::fflush(stdout);
 }
 
-QString ReviewProgress::line() const
+// Over the line that is shown. Without an escape sequence, so that every terminal does it.
+void ReviewProgress::write(const QString& line)
 {
-    const int filled = m_flightCount > 0 ? barWidth * m_finished / m_flightCount : barWidth;
+    if (line == m_shown)
+        return;
+    const int left = std::min(columnsOf(m_shown), columnsOfTerminal()) - columnsOf(line);
+    std::fprintf(stdout, "\r%s%*s%s", line.toLocal8Bit().constData(), std::max(0, left), "",
+                 line.isEmpty() ? "\r" : "");
+    m_shown = line;
+}
+
+QString ReviewProgress::line(int columns) const
+{
+    const int filled = static_cast<int>(barWidth * m_estimate.share());
     QString text = QStringLiteral("[%1] %2 of %3 flights")
                        .arg(QString(filled, QLatin1Char('#')).leftJustified(barWidth))
                        .arg(m_finished)
                        .arg(m_flightCount);
     if (m_finished > 0) {
         const double minutes = static_cast<double>(m_clock.elapsed()) / msPerMinute;
-        const double rate = m_finished / std::max(minutes, 0.001);
-        text += QStringLiteral(", %1 a minute, %2 min left")
-                    .arg(rate, 0, 'f', 1)
-                    .arg((m_flightCount - m_finished) / rate, 0, 'f', 0);
+        text +=
+            QStringLiteral(", %1 a minute").arg(m_finished / std::max(minutes, 0.001), 0, 'f', 1);
     }
-    QStringList running;
-    for (auto it = m_running.begin(); it != m_running.end(); ++it)
-        running << it.key() + QStringLiteral(": ") + it.value();
-    running.sort();
-    return running.isEmpty() ? text
-                             : text + QStringLiteral("; ") + running.join(QLatin1String(", "));
+    if (const std::optional<qint64> leftMs = m_estimate.leftMs(m_clock.elapsed()))
+        text += QStringLiteral(", ") + leftText(*leftMs);
+    if (m_running.isEmpty())
+        return text;
+    QStringList flights = m_running.keys();
+    flights.sort();
+    QStringList steps;
+    QStringList named;
+    for (const QString& flight : qAsConst(flights)) {
+        steps << m_running[flight];
+        named << flight + QStringLiteral(": ") + m_running[flight];
+    }
+    const QString whole = text + QStringLiteral("; ") + named.join(QStringLiteral(", "));
+    // Where the names do not fit, what is being done says more than the start of one.
+    return columnsOf(whole) <= columns
+               ? whole
+               : text + QStringLiteral("; ") + steps.join(QStringLiteral(", "));
+}
+
+QString ReviewProgress::endings() const
+{
+    QStringList counts;
+    for (const auto& [status, words] : {std::pair{"done", "done"}, std::pair{"partial", "in part"},
+                                        std::pair{"failed", "failed"}})
+        if (const int count = m_endings.value(QLatin1String(status)))
+            counts << QStringLiteral("%1 %2").arg(count).arg(QLatin1String(words));
+    const QString flights = m_flightCount == 1 ? QStringLiteral("1 flight")
+                                               : QStringLiteral("%1 flights").arg(m_flightCount);
+    return counts.isEmpty() ? flights
+                            : flights + QStringLiteral(": ") + counts.join(QStringLiteral(", "));
 }
 
 } // namespace corv::cli

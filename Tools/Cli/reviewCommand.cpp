@@ -90,7 +90,7 @@ ExitStatus runJob(const QCommandLineParser& line)
     const Result<FlightJob> job = FlightJob::fromJson(*text);
     if (!job)
         return fail(job.failure().sentence);
-    ReviewProgress progress(1);
+    ReviewProgress progress({*job}, line.isSet(videoOption));
     FlightRun run(*job, flightOptions(line), line.value(outOption),
                   [&progress](const QJsonObject& event) { progress.show(event); });
     const FlightRun::Summary summary = run.run();
@@ -147,7 +147,7 @@ ExitStatus gather(const QCommandLineParser& line)
             return fail(job.failure().sentence);
         jobs << *job;
     }
-    ReviewProgress progress(jobs.size());
+    ReviewProgress progress(jobs, false);
     int counts[3] = {0, 0, 0}; // failed, partial, done
     for (const FlightJob& job : qAsConst(jobs)) {
         QJsonObject event = FlightRun::lastResult(line.value(outOption), job);
@@ -168,7 +168,7 @@ ExitStatus runAll(const QCommandLineParser& line, const FlightList& list, int at
         QStringList{QStringLiteral("review"), QStringLiteral("--out"), line.value(outOption)} +
             wordsOf(line) + QStringList{QStringLiteral("--job"), QStringLiteral("-")}};
     BatchRun run(command, list.jobs, atOnce);
-    ReviewProgress progress(list.jobs.size());
+    ReviewProgress progress(list.jobs, line.isSet(videoOption));
     QObject::connect(&run, &BatchRun::reported,
                      [&progress](const QJsonObject& event) { progress.show(event); });
     QEventLoop loop;

@@ -90,9 +90,13 @@ private slots:
     void changedOptionsAreFollowed();
     void copiesAreMadeForTheProjectOfThePilot();
     void projectWithoutManifestIsKept();
+    void projectOfAKilledRunIsKnownAsItsOwn();
     void twoAtOnceDoNotDisturbEachOther();
     void killedRunLeavesNoEarlierResult();
     void missingVideoIsSaid();
+    void logThatEndsEarlyIsRemarked();
+    void missingLogIsRemarked();
+    void lineFitsTheTerminal();
     void refusals_data();
     void refusals();
 
@@ -137,6 +141,7 @@ void ReviewCommandTest::flightIsReviewedWhole()
     const QJsonObject last = linesOf(review.out).last();
     QCOMPARE(last["event"].toString(), QStringLiteral("finished"));
     QCOMPARE(last["status"].toString(), QStringLiteral("done"));
+    QCOMPARE(last["remarks"].toArray(), QJsonArray());
 
     const QJsonArray points =
         QJsonDocument::fromJson(contentsOf(flightFolder() + "/points.json")).array();
@@ -330,6 +335,32 @@ void ReviewCommandTest::projectWithoutManifestIsKept()
     QCOMPARE(contentsOf(project), text);
 }
 
+// The moment between the project and the record that it is done: the next run still knows it.
+void ReviewCommandTest::projectOfAKilledRunIsKnownAsItsOwn()
+{
+    QCOMPARE(run({"--out", out(), "--thermal", m_card.path()}).status, 0);
+    const QString project = flightFolder() + '/' + m_flightName + ".ecor";
+    const QByteArray thermal = contentsOf(project);
+    QDir(flightFolder()).removeRecursively();
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    QJsonObject manifest =
+        QJsonDocument::fromJson(contentsOf(flightFolder() + "/manifest.json")).object();
+    QJsonObject steps = manifest["steps"].toObject();
+    const QString digest = steps["project"].toObject()["digest"].toString();
+    QVERIFY(!digest.isEmpty());
+    steps["project"] = QJsonObject{{"pendingDigest", digest}};
+    manifest["steps"] = steps;
+    write(flightFolder() + "/manifest.json", QJsonDocument(manifest).toJson());
+    QCOMPARE(run({"--out", out(), "--thermal", m_card.path()}).status, 0);
+    QCOMPARE(contentsOf(project), thermal);
+    // One that somebody has changed since is not.
+    QByteArray text = contentsOf(project);
+    write(project, text.replace("\"name\": \"POI 1\"", "\"name\": \"Hot cell\""));
+    write(flightFolder() + "/manifest.json", QJsonDocument(manifest).toJson());
+    QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
+    QCOMPARE(contentsOf(project), text);
+}
+
 void ReviewCommandTest::twoAtOnceDoNotDisturbEachOther()
 {
     QProcess first;
@@ -370,6 +401,66 @@ void ReviewCommandTest::missingVideoIsSaid()
     const QJsonObject failure = linesOf(review.out).last()["failures"].toArray()[0].toObject();
     QCOMPARE(failure["kind"].toString(), QStringLiteral("notFound"));
     QVERIFY(failure["message"].toString().contains("CORV0001.MOW is not there"));
+}
+
+// What is in the log is done, and what is not is said.
+void ReviewCommandTest::logThatEndsEarlyIsRemarked()
+{
+    const QTemporaryDir card;
+    SampleFlightOptions options;
+    options.videoSeconds = 10.0;
+    options.thermalCamera = 0;
+    QVERIFY(SampleFlight(options).writeCard(card.path()));
+    const QString logFile = card.filePath(SampleFlight::logFile());
+    const QDateTime time = QFileInfo(logFile).lastModified();
+    QFile log(logFile);
+    QVERIFY(log.open(QIODevice::ReadWrite));
+    // The recording is from 20 s on, and the log runs on for a while after it.
+    QVERIFY(log.resize(log.size() * 55 / 100));
+    QVERIFY(log.setFileTime(time, QFileDevice::FileModificationTime));
+    log.close();
+    const ProgramRun review = run({"--out", out(), card.path()});
+    QCOMPARE(review.status, 0);
+    const QJsonObject last = linesOf(review.out).last();
+    QCOMPARE(last["status"].toString(), QStringLiteral("done"));
+    const QJsonArray remarks = last["remarks"].toArray();
+    QVERIFY2(remarks.size() == 2, review.out);
+    QVERIFY(remarks[0].toString().contains("FLIGHT01.LOG has the start of the recording, but no"));
+    QVERIFY2(QRegularExpression("ends at 0:0[1-7] of the video, which is 0:10 long")
+                 .match(remarks[1].toString())
+                 .hasMatch(),
+             review.out);
+    // The next run, and a gathering elsewhere, say so again.
+    QCOMPARE(linesOf(run({"--out", out(), card.path()}).out).last()["remarks"].toArray(), remarks);
+    write(out("jobs.jsonl"), run({"--list", "--json", "--out", out(), card.path()}).out);
+    const ProgramRun gathered = run({"--gather", out("jobs.jsonl"), "--out", out()});
+    QCOMPARE(linesOf(gathered.out).last()["remarks"].toArray(), remarks);
+}
+
+void ReviewCommandTest::missingLogIsRemarked()
+{
+    const QTemporaryDir card;
+    QVERIFY(QFile::copy(m_card.filePath("DCIM/101_CORV/CORV0001.MOV"), card.filePath("A.MOV")));
+    const ProgramRun review = run({"--out", out(), card.path()});
+    QCOMPARE(review.status, 0);
+    const QJsonArray remarks = linesOf(review.out).last()["remarks"].toArray();
+    QVERIFY2(remarks.size() == 1 && remarks[0].toString().startsWith("No log was found"),
+             review.out);
+}
+
+void ReviewCommandTest::lineFitsTheTerminal()
+{
+    const QString line =
+        QStringLiteral("/bin/stty cols 61; exec " VISTREL_CLI " review --out '%1' '%2'")
+            .arg(out(), m_card.path());
+    const ProgramRun review =
+        runProgram("/usr/bin/script", {"-qec", line, "/dev/null"}, withoutWordProcessor());
+    QCOMPARE(review.status, 0);
+    const QString shown = QString::fromUtf8(review.out);
+    QVERIFY2(shown.contains("0 of 1 flights") && shown.contains("pictures"), review.out);
+    for (const QString& part : shown.split(QRegularExpression("[\r\n]")))
+        QVERIFY2(part.size() <= 60, qPrintable(part));
+    QVERIFY2(shown.trimmed().endsWith("\r1 flight: 1 done"), review.out);
 }
 
 void ReviewCommandTest::refusals_data()
