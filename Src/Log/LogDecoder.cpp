@@ -3,7 +3,7 @@
 #include "Log/LogOpening.h"
 #include "Log/PacketCounter.h"
 #include "Log/PacketScan.h"
-#include "Log/RowWriter.h"
+#include "Log/RowWriters.h"
 #include "Log/logCategory.h"
 #include "Log/logFailures.h"
 
@@ -50,20 +50,19 @@ public:
 
     PacketStore(const FileWindow* window, const std::atomic<bool>* abortFlag,
                 const LogDecoder::Progress& progress, qint64 total)
-        : m_window(*window), m_abortFlag(*abortFlag), m_progress(progress), m_total(total)
+        : m_writers(window), m_abortFlag(*abortFlag), m_progress(progress), m_total(total)
     {
     }
 
     void addGroup(LogGroup* group, const DescribedGroup& described)
     {
-        const auto id = static_cast<size_t>(group->getId());
-        m_groups[id] = group;
-        m_writers[id] = std::make_unique<RowWriter>(group, described);
+        m_groups[static_cast<size_t>(group->getId())] = group;
+        m_writers.addGroup(group, described);
     }
 
     bool proceed() const { return true; }
     static bool wants(unsigned) { return true; }
-    void windowMoves() { flush(); }
+    void windowMoves() { m_writers.flush(); }
     void wrongId() {}
     void begins(unsigned) {}
     void wrongSize(unsigned) {}
@@ -75,43 +74,30 @@ public:
             if (m_abortFlag.load(std::memory_order_relaxed))
                 return false;
         }
-        m_writers[id]->add(m_window.begin(), static_cast<quint32>(bytes - m_window.begin()), size);
+        m_writers.add(id, bytes, size);
         return true;
     }
-    void checksum(unsigned id, bool good)
-    {
-        if (!good)
-            m_writers[id]->rejectLast();
-    }
+    void checksum(unsigned id, bool good) { m_writers.checksum(id, good); }
     void incomplete(unsigned) {}
 
     void finish()
     {
-        flush();
-        for (size_t id = 0; id < m_writers.size(); ++id) {
-            if (m_writers[id])
-                m_groups[id]->setNbStored(clampToInt(m_writers[id]->nextRow()));
+        m_writers.flush();
+        for (size_t id = 0; id < m_groups.size(); ++id) {
+            if (m_groups[id])
+                m_groups[id]->setNbStored(clampToInt(m_writers.of(id)->nextRow()));
         }
         reportProgress();
     }
 
 private:
-    void flush()
-    {
-        for (const auto& writer : m_writers) {
-            if (writer)
-                writer->flush(m_window.begin());
-        }
-    }
-
     void reportProgress() const { m_progress(2, clampToInt(m_done), clampToInt(m_total)); }
 
-    const FileWindow& m_window;
+    RowWriters m_writers;
     const std::atomic<bool>& m_abortFlag;
     const LogDecoder::Progress& m_progress;
     qint64 m_total;
     qint64 m_done = 0;
-    std::array<std::unique_ptr<RowWriter>, 256> m_writers;
     std::array<LogGroup*, 256> m_groups{};
 };
 

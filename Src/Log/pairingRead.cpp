@@ -1,7 +1,7 @@
 #include "Log/LogDecoder.h"
 #include "Log/LogOpening.h"
 #include "Log/PacketCounter.h"
-#include "Log/RowWriter.h"
+#include "Log/RowWriters.h"
 #include "Log/logCategory.h"
 #include "Log/logFailures.h"
 
@@ -165,46 +165,33 @@ public:
     static constexpr bool kEmptyTakesByte = false;
 
     PacketRefill(const FileWindow* window, const std::atomic<bool>* abortFlag)
-        : m_window(*window), m_abortFlag(*abortFlag)
+        : m_writers(window), m_abortFlag(*abortFlag)
     {
     }
 
     void addGroup(LogGroup* group, const DescribedGroup& described)
     {
-        m_writers[static_cast<size_t>(group->getId())] =
-            std::make_unique<RowWriter>(group, described);
+        m_writers.addGroup(group, described);
     }
 
     bool proceed() const { return !m_abortFlag.load(std::memory_order_relaxed); }
-    bool wants(unsigned id) const { return m_writers[id] != nullptr; }
+    bool wants(unsigned id) const { return m_writers.of(id) != nullptr; }
     void windowMoves() { flush(); }
     void wrongId() {}
     void begins(unsigned) {}
     void wrongSize(unsigned) {}
     bool payload(unsigned id, const unsigned char* bytes, int size)
     {
-        m_writers[id]->add(m_window.begin(), static_cast<quint32>(bytes - m_window.begin()), size);
+        m_writers.add(id, bytes, size);
         return true;
     }
-    void checksum(unsigned id, bool good)
-    {
-        if (!good)
-            m_writers[id]->rejectLast();
-    }
+    void checksum(unsigned id, bool good) { m_writers.checksum(id, good); }
     void incomplete(unsigned) {}
-
-    void flush()
-    {
-        for (const auto& writer : m_writers) {
-            if (writer)
-                writer->flush(m_window.begin());
-        }
-    }
+    void flush() { m_writers.flush(); }
 
 private:
-    const FileWindow& m_window;
+    RowWriters m_writers;
     const std::atomic<bool>& m_abortFlag;
-    std::array<std::unique_ptr<RowWriter>, 256> m_writers;
 };
 
 // What a survey finds beside the needed fields.

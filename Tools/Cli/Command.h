@@ -55,6 +55,9 @@ std::vector<Command> pointsCommands();
 std::vector<Command> reportCommands();
 std::vector<Command> reviewCommands();
 
+/// The words of the line that the program was started with, its name first.
+QStringList wordsOf(int argc, char** argv);
+
 /// Runs the command of `commands` that the line names, or prints the help or the version.
 /// `arguments` begin with the name of the program.
 ExitStatus runLine(const std::vector<Command>& commands, const QStringList& arguments);

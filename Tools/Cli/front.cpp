@@ -66,9 +66,7 @@ int main(int argc, char** argv)
 {
     using namespace corv::cli;
     QTextCodec::setCodecForLocale(new Utf8Codec); // Qt owns it
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments += QFile::decodeName(argv[i]);
+    const QStringList arguments = wordsOf(argc, argv);
     const std::vector<Command> commands = logCommands();
     return isLogCommand(arguments, commands) ? runLine(commands, arguments)
                                              : becomeFlightProgram(argv);

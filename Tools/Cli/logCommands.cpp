@@ -83,9 +83,17 @@ ExitStatus logInfo(const QCommandLineParser& line)
     return noneRead ? Failed : failed > 0 ? PartlyDone : Done;
 }
 
-ExitStatus noGroup(const QString& name, const QString& path)
+// Decodes the log and finds its group; null, and what is wrong is printed, if there is none.
+const LogGroup* openGroup(OpenLog* open, const QString& path, const QString& name)
 {
-    return fail(QStringLiteral("The log \"%1\" has no group \"%2\".").arg(path, name));
+    if (const Status status = open->open(path); !status) {
+        fail(status.failure().sentence);
+        return nullptr;
+    }
+    const LogGroup* group = findGroup(open->log(), name);
+    if (!group)
+        fail(QStringLiteral("The log \"%1\" has no group \"%2\".").arg(path, name));
+    return group;
 }
 
 bool writeBytes(const char* bytes, size_t size)
@@ -113,11 +121,9 @@ ExitStatus logCsv(const QCommandLineParser& line)
     if (arguments.size() != 2 || !readTableOptions(line, &options))
         return WrongUsage;
     OpenLog open;
-    if (const Status status = open.open(arguments[0]); !status)
-        return fail(status.failure().sentence);
-    const LogGroup* group = findGroup(open.log(), arguments[1]);
+    const LogGroup* group = openGroup(&open, arguments[0], arguments[1]);
     if (!group)
-        return noGroup(arguments[1], arguments[0]);
+        return Failed;
     const Result<LogTable> table = LogTable::make(open.shared(), *group, options);
     if (!table)
         return fail(table.failure().sentence);
@@ -132,11 +138,9 @@ ExitStatus logRaw(const QCommandLineParser& line)
     if (arguments.size() != 3)
         return WrongUsage;
     OpenLog open;
-    if (const Status status = open.open(arguments[0]); !status)
-        return fail(status.failure().sentence);
-    const LogGroup* group = findGroup(open.log(), arguments[1]);
+    const LogGroup* group = openGroup(&open, arguments[0], arguments[1]);
     if (!group)
-        return noGroup(arguments[1], arguments[0]);
+        return Failed;
     const LogVar* var = group->getVar(arguments[2].toStdString());
     if (!var) {
         return fail(QStringLiteral("The group \"%1\" of the log \"%2\" has no field \"%3\".")

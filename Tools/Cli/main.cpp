@@ -2,7 +2,6 @@
 #include "Cli/diagnostics.h"
 #include "Cli/instruments.h"
 
-#include <QFile>
 #include <QGuiApplication>
 #include <QTextCodec>
 #include <memory>
@@ -44,9 +43,7 @@ int main(int argc, char** argv)
 {
     using namespace corv::cli;
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments += QFile::decodeName(argv[i]);
+    const QStringList arguments = wordsOf(argc, argv);
     const auto application = makeApplication(arguments, argv);
     return runLine(allCommands(), arguments);
 }

@@ -3,6 +3,7 @@
 #include "Cli/diagnostics.h"
 #include "Log/printable.h"
 
+#include <QFile>
 #include <algorithm>
 #include <cstdio>
 
@@ -79,6 +80,14 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments, bool
 }
 
 } // namespace
+
+QStringList wordsOf(int argc, char** argv)
+{
+    QStringList words;
+    for (int i = 0; i < argc; ++i)
+        words += QFile::decodeName(argv[i]);
+    return words;
+}
 
 ExitStatus runLine(const std::vector<Command>& commands, const QStringList& arguments)
 {
