@@ -64,6 +64,21 @@ private:
     QTemporaryDir m_folder;
 };
 
+/// A search of such a card, and the list in which it is a job.
+struct ListedSearch
+{
+    ListedSearch()
+    {
+        jobs.setJobs(&list);
+        jobs.setParser(&parser);
+    }
+
+    Card card;
+    JobList list;
+    DirectoryParser parser{card.machine()};
+    SearchJobs jobs;
+};
+
 } // namespace
 
 class SearchJobsTest : public QObject
@@ -82,63 +97,48 @@ private slots:
 
 void SearchJobsTest::aSearchIsAJobWithProgressAndResult()
 {
-    Card card;
-    JobList list;
-    DirectoryParser parser(card.machine());
-    SearchJobs jobs;
-    jobs.setJobs(&list);
-    jobs.setParser(&parser);
-    QCOMPARE(list.rowCount(), 0);
-    card.search(parser);
-    QCOMPARE(list.rowCount(), 1);
-    Job* job = list.job(0);
+    ListedSearch s;
+    QCOMPARE(s.list.rowCount(), 0);
+    s.card.search(s.parser);
+    QCOMPARE(s.list.rowCount(), 1);
+    Job* job = s.list.job(0);
     QCOMPARE(job->kind(), Job::Kind::search);
     QVERIFY(!job->isWriting());
     QVERIFY(job->isCancellable());
-    card.gate.release();
+    s.card.gate.release();
     QTRY_COMPARE(job->progressText(), QStringLiteral("1 of 2"));
     QVERIFY(job->isRunning());
-    card.gate.release();
+    s.card.gate.release();
     QTRY_COMPARE(job->state(), Job::Succeeded);
     QCOMPARE(job->resultText(), QStringLiteral("2 videos found, 1 with a log."));
-    QCOMPARE(list.running(), 0);
+    QCOMPARE(s.list.running(), 0);
 }
 
 void SearchJobsTest::cancellingTheJobAbortsTheSearch()
 {
-    Card card;
-    JobList list;
-    DirectoryParser parser(card.machine());
-    SearchJobs jobs;
-    jobs.setJobs(&list);
-    jobs.setParser(&parser);
-    QSignalSpy complete(&parser, &DirectoryParser::matchingComplete);
-    card.search(parser);
-    card.reached.acquire();
-    list.job(0)->cancel();
-    QVERIFY(list.job(0)->isRunning()); // until the search has ended
-    card.gate.release(2);
-    QTRY_COMPARE(list.job(0)->state(), Job::Cancelled);
-    QVERIFY(!parser.isSearching());
+    ListedSearch s;
+    QSignalSpy complete(&s.parser, &DirectoryParser::matchingComplete);
+    s.card.search(s.parser);
+    s.card.reached.acquire();
+    s.list.job(0)->cancel();
+    QVERIFY(s.list.job(0)->isRunning()); // until the search has ended
+    s.card.gate.release(2);
+    QTRY_COMPARE(s.list.job(0)->state(), Job::Cancelled);
+    QVERIFY(!s.parser.isSearching());
     QCOMPARE(complete.size(), 0);
 }
 
 void SearchJobsTest::anAbortedSearchIsACancelledJob()
 {
-    Card card;
-    JobList list;
-    DirectoryParser parser(card.machine());
-    SearchJobs jobs;
-    jobs.setJobs(&list);
-    jobs.setParser(&parser);
-    card.search(parser);
-    card.reached.acquire();
-    parser.abortParsing();
-    card.gate.release(4);
-    QTRY_COMPARE(list.job(0)->state(), Job::Cancelled);
-    card.search(parser);
-    QTRY_COMPARE(list.rowCount(), 2);
-    QTRY_COMPARE(list.job(1)->state(), Job::Succeeded);
+    ListedSearch s;
+    s.card.search(s.parser);
+    s.card.reached.acquire();
+    s.parser.abortParsing();
+    s.card.gate.release(4);
+    QTRY_COMPARE(s.list.job(0)->state(), Job::Cancelled);
+    s.card.search(s.parser);
+    QTRY_COMPARE(s.list.rowCount(), 2);
+    QTRY_COMPARE(s.list.job(1)->state(), Job::Succeeded);
 }
 
 void SearchJobsTest::theJobEndsWithoutItsLister()

@@ -66,6 +66,14 @@ void ImporterSuite::openImporter()
     QVERIFY(QTest::qWaitForWindowActive(m_importer));
 }
 
+QString ImporterSuite::openWithACard()
+{
+    const QString card = m_world->machine.addDrive("CARD", "", true);
+    addDay(card + "/DCIM/100HDDVR", card);
+    openImporter();
+    return card;
+}
+
 QVariant ImporterSuite::evaluate(const QString& expression) const
 {
     QQmlExpression script(qmlContext(m_importer), m_importer, expression);
@@ -106,6 +114,13 @@ void ImporterSuite::search()
 {
     click("parseButton");
     QTRY_VERIFY(!m_importer->property("isBusy").toBool());
+}
+
+void ImporterSuite::startHeldSearch()
+{
+    m_world->held = true;
+    click("parseButton");
+    m_world->reached.acquire();
 }
 
 QString ImporterSuite::selectedText(const QString& dropdown) const

@@ -18,6 +18,9 @@ protected:
     /// Opens another importer, as the main window does, and waits until it is active.
     void openImporter();
 
+    /// The same beside a card with three flights. Gives the root of the card.
+    QString openWithACard();
+
     /// The value of an expression in the importer's scope.
     QVariant evaluate(const QString& expression) const;
 
@@ -33,6 +36,10 @@ protected:
 
     /// Starts a search and waits for its end.
     void search();
+
+    /// Starts a search and waits until it has come to the first file, where it stays until
+    /// `m_world->release()`.
+    void startHeldSearch();
     int rowCount() const { return evaluate("matchingsListModel.count").toInt(); }
 
     /// Adds three flights: named, unnamed for want of a log, named.

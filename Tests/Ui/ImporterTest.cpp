@@ -70,12 +70,8 @@ void ImporterTest::showsTheLastResultAtOnce()
 
 void ImporterTest::aSearchShowsItsRows()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
-    m_world->held = true;
-    click("parseButton");
-    m_world->reached.acquire();
+    const QString card = openWithACard();
+    startHeldSearch();
     QVERIFY(m_importer->property("isBusy").toBool());
     QVERIFY(!item("parseButton")->isEnabled());
     QVERIFY(!item("matchingsListHeader")->isVisible());
@@ -172,9 +168,7 @@ void ImporterTest::progressIsOneFigureOverAllFiles()
 
 void ImporterTest::anAbortedSearchLeavesNothing()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
+    openWithACard();
     search();
     QCOMPARE(rowCount(), 3);
     m_world->held = true;
@@ -220,9 +214,7 @@ void ImporterTest::loadingWithoutAClickTakesTheFirstRow()
 
 void ImporterTest::loadingAFlightWithoutALog()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
+    const QString card = openWithACard();
     search();
     QTRY_VERIFY(item("matchingRow1") && item("matchingRow1")->y() > 0); // laid out
     click("matchingRow1");
@@ -237,9 +229,7 @@ void ImporterTest::loadingAFlightWithoutALog()
 
 void ImporterTest::theKeyboardChoosesAndLoads()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
+    const QString card = openWithACard();
     search();
     QQuickItem* list = item("matchingsListView");
     focus(list);
@@ -258,9 +248,7 @@ void ImporterTest::theKeyboardChoosesAndLoads()
 
 void ImporterTest::aDoubleClickLoads()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
+    const QString card = openWithACard();
     search();
     QTRY_VERIFY(item("matchingRow2") && item("matchingRow2")->y() > 0); // laid out
     QQuickItem* row = item("matchingRow2");
@@ -286,12 +274,8 @@ void ImporterTest::escapeCloses()
 
 void ImporterTest::searchAfterAbortStartsWhenTheOldHasEnded()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
-    m_world->held = true;
-    click("parseButton");
-    m_world->reached.acquire();
+    openWithACard();
+    startHeldSearch();
     click("abortProcessingButton");
     click("parseButton");
     QVERIFY(m_importer->property("isBusy").toBool());
@@ -303,14 +287,10 @@ void ImporterTest::searchAfterAbortStartsWhenTheOldHasEnded()
 
 void ImporterTest::aSearchCancelledInTheListOfJobsEnds()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
+    openWithACard();
     JobList jobs;
     m_importer->setProperty("jobs", QVariant::fromValue(&jobs));
-    m_world->held = true;
-    click("parseButton");
-    m_world->reached.acquire();
+    startHeldSearch();
     QCOMPARE(jobs.running(), 1);
     jobs.job(0)->cancel();
     m_world->release();
@@ -323,12 +303,8 @@ void ImporterTest::aSearchCancelledInTheListOfJobsEnds()
 
 void ImporterTest::closingTheWindowAborts()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
-    m_world->held = true;
-    click("parseButton");
-    m_world->reached.acquire();
+    openWithACard();
+    startHeldSearch();
     m_importer->close();
     QTRY_VERIFY(!m_importer->isVisible());
     m_world->release();
@@ -398,12 +374,8 @@ void ImporterTest::pairIconShowsTheEvidence()
 
 void ImporterTest::remarksAreShown()
 {
-    const QString card = m_world->machine.addDrive("CARD", "", true);
-    addDay(card + "/DCIM/100HDDVR", card);
-    openImporter();
-    m_world->held = true;
-    click("parseButton");
-    m_world->reached.acquire();
+    const QString card = openWithACard();
+    startHeldSearch();
     m_world->machine.pullDrive(card);
     m_world->release();
     QTRY_VERIFY(UiFixture::messageBox());
