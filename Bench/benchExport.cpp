@@ -2,10 +2,9 @@
 
 #include "Bench.h"
 #include "Playback.h"
+#include "SampleLog.h"
 #include "VideoInputs.h"
 
-#include "Log/LogParser.h"
-#include "SampleFlight/SampleFlight.h"
 #include "Timeline/ExportInstruments.h"
 #include "Timeline/timelineGeometry.h"
 #include "Video/VideoPlayer.h"
@@ -74,16 +73,9 @@ void withOverlay(Report& report)
 {
     const QString file = cameraVideo(report, {1920, 1080}, 10, 30, 25);
     const QTemporaryDir folder;
-    const SampleFlight flight;
-    const QString log = folder.filePath(SampleFlight::logFile());
-    if (!flight.writeLog(log))
-        return;
-    LogParser parser;
-    parser.setDuration(timeOfMs(flight.videoDurationMs()));
-    parser.parseLog(log, false);
-    waitUntil([&parser] { return parser.isSynced(); });
+    SampleLog log;
     const auto drawn = openedPlayer(file);
-    drawn->setLogParser(&parser);
+    drawn->setLogParser(&log.parser);
     drawn->setContrast(1.2);
     drawn->setAutoIRMapping(true);
     drawn->setShowIR(true);
@@ -103,25 +95,18 @@ void withInstruments(Report& report)
 {
     const QString file = cameraVideo(report, {1920, 1080}, 10, 30, 25);
     const QTemporaryDir folder;
-    const SampleFlight flight;
-    const QString log = folder.filePath(SampleFlight::logFile());
-    if (!flight.writeLog(log))
-        return;
-    LogParser parser;
-    parser.setDuration(timeOfMs(flight.videoDurationMs()));
-    parser.parseLog(log, false);
-    waitUntil([&parser] { return parser.isSynced(); });
+    SampleLog log;
     const auto bare = openedPlayer(file);
     const auto instrumented = openedPlayer(file);
     for (VideoPlayer* player : {bare.get(), instrumented.get()}) {
-        player->setLogParser(&parser);
+        player->setLogParser(&log.parser);
         player->setAutoIRMapping(true);
         player->setShowIR(true);
         player->updateLogData();
     }
     ExportInstruments instruments;
     instruments.setPlayer(instrumented.get());
-    instruments.setLogParser(&parser);
+    instruments.setLogParser(&log.parser);
     instruments.setShown(true);
     const QString target = folder.filePath(QStringLiteral("out.mp4"));
     const double ratio = ratioInTurn([&] { exportVideo(*bare, target); },

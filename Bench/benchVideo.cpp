@@ -3,11 +3,10 @@
 #include "Bench.h"
 #include "Libav.h"
 #include "Playback.h"
+#include "SampleLog.h"
 #include "VideoInputs.h"
 
 #include "Base/videoTime.h"
-#include "Log/LogParser.h"
-#include "SampleFlight/SampleFlight.h"
 #include "Threads/post.h"
 #include "Timeline/FramePreview.h"
 #include "Video/CachedFrameSource.h"
@@ -16,7 +15,6 @@
 
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <deque>
 #include <functional>
@@ -115,7 +113,7 @@ double readAndDraw(const QString& file, int frames)
     });
 }
 
-// Both sides in turn, and the side that was first in one round second in the next.
+// Both sides alternately; the side that is first in one round is second in the next.
 double producedRatio(const std::function<double()>& ours, const std::function<double()>& theirs)
 {
     constexpr int rounds = 7;
@@ -133,24 +131,16 @@ double producedRatio(const std::function<double()>& ours, const std::function<do
 void withOverlay(Report& report)
 {
     const QString file = cameraVideo(report, {1920, 1080}, 10, 30, 25);
-    const QTemporaryDir folder;
-    const SampleFlight flight;
-    const QString log = folder.filePath(SampleFlight::logFile());
-    if (!flight.writeLog(log))
-        return;
-    LogParser parser;
-    parser.setDuration(timeOfMs(flight.videoDurationMs()));
-    parser.parseLog(log, false);
-    waitUntil([&parser] { return parser.isSynced(); });
-    const auto prepare = [&parser](OpenCvWorker& worker) {
+    SampleLog log;
+    const auto prepare = [&log](OpenCvWorker& worker) {
         VideoDisplaySettings settings;
         settings.contrast = 1.2;
         settings.showIR = true;
         settings.autoIRMapping = true;
         settings.irOverlayTransparent = true;
         worker.setSettings(settings);
-        worker.setClock(parser.clock());
-        worker.updateLogData(true, parser.log());
+        worker.setClock(log.parser.clock());
+        worker.updateLogData(true, log.parser.log());
     };
     constexpr int frames = 180;
     const double ratio = producedRatio([&] { return produce(file, frames, prepare); },

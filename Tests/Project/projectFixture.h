@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Project/ProjectFileLoader.h"
+#include "Support/savedProject.h"
 
 #include <QDir>
 #include <QFile>
@@ -42,13 +43,6 @@ inline QByteArray readFile(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// The one flight of a project, as it is on disk.
-inline QJsonObject savedFlight(const QString& path)
-{
-    const QJsonObject root = QJsonDocument::fromJson(readFile(path)).object();
-    return root["contents"].toObject()["flights"].toArray().at(0).toObject();
 }
 
 /// A loader and a folder for its projects, for suites to derive from.

@@ -7,6 +7,7 @@
 #include "Review/Review.h"
 #include "Support/LogBuilder.h"
 #include "Support/TestVideo.h"
+#include "Support/savedProject.h"
 #include "Video/VideoPlayer.h"
 
 #include <QDir>
@@ -67,16 +68,6 @@ struct Desk
     QStringList problems;
     QStringList warnings;
 };
-
-inline QJsonObject filesIn(const QString& project)
-{
-    QFile file(project);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QJsonObject contents =
-        QJsonDocument::fromJson(file.readAll()).object()["contents"].toObject();
-    return contents["flights"].toArray()[0].toObject()["files"].toObject();
-}
 
 /// Makes a flight of three numbered files of a second each, CORV0001.MOV and on, and its log,
 /// f.log, with one point of interest. False on failure.

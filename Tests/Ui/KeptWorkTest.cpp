@@ -1,6 +1,7 @@
 #include "ReviewSuite.h"
 
 #include "Support/TestVideo.h"
+#include "Support/savedProject.h"
 
 #include <QAbstractButton>
 #include <QDir>
@@ -57,16 +58,6 @@ QString series()
         return made;
     }();
     return folder + "/CORV0001.MOV";
-}
-
-QJsonObject filesIn(const QString& project)
-{
-    QFile file(project);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QJsonObject contents =
-        QJsonDocument::fromJson(file.readAll()).object()["contents"].toObject();
-    return contents["flights"].toArray()[0].toObject()["files"].toObject();
 }
 
 } // namespace
