@@ -34,10 +34,10 @@ QSet<QString> namedFiles(const QDir& folder)
     QSet<QString> named;
     for (const QString& name : folder.entryList({QStringLiteral("*.ecor")}, QDir::Files)) {
         const QJsonObject project = objectIn(folder.filePath(name), limits::projectBytes);
-        for (const QJsonValue& flight : project.value(QLatin1String("contents"))
-                                            .toObject()
-                                            .value(QLatin1String("flights"))
-                                            .toArray()) {
+        for (const QJsonValue flight : project.value(QLatin1String("contents"))
+                                           .toObject()
+                                           .value(QLatin1String("flights"))
+                                           .toArray()) {
             const QJsonObject files = flight.toObject().value(QLatin1String("files")).toObject();
             QJsonArray paths = files.value(QLatin1String("parts")).toArray();
             paths.append(files.value(QLatin1String("video")));

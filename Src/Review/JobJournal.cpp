@@ -43,7 +43,7 @@ QStringList linesIn(const QString& path)
         return {};
     const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
     QStringList lines;
-    for (const QJsonValue& line : object.value(QLatin1String("jobs")).toArray()) {
+    for (const QJsonValue line : object.value(QLatin1String("jobs")).toArray()) {
         if (!line.toString().isEmpty())
             lines << line.toString();
     }

@@ -39,7 +39,7 @@ RecoveredReview read(const QString& path)
     }
     review.projectPath = object.value(QLatin1String("project")).toString();
     review.contents.logFile = object.value(QLatin1String("log")).toString();
-    for (const QJsonValue& part : object.value(QLatin1String("parts")).toArray())
+    for (const QJsonValue part : object.value(QLatin1String("parts")).toArray())
         review.contents.parts << part.toString();
     review.contents.namesLog = !isNoLog(review.contents.logFile);
     review.contents.namesVideo = true;

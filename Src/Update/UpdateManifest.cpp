@@ -83,7 +83,7 @@ std::optional<UpdateManifest> UpdateManifest::fromJson(const QJsonDocument& docu
     UpdateManifest manifest;
     manifest.version = version.toString();
     manifest.path = path.toString();
-    for (const QJsonValue& note : notes.toArray())
+    for (const QJsonValue note : notes.toArray())
         manifest.notes << note.toString();
     manifest.installer = installerOf(object);
     return manifest;

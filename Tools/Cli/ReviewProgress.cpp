@@ -94,7 +94,7 @@ void ReviewProgress::show(const QJsonObject& event)
 
 void ReviewProgress::showSentences(const QJsonObject& event)
 {
-    for (const QJsonValue& value : event.value(QLatin1String("failures")).toArray()) {
+    for (const QJsonValue value : event.value(QLatin1String("failures")).toArray()) {
         const QJsonObject failure = value.toObject();
         showSentence(
             QStringLiteral("%1, %2: %3")
