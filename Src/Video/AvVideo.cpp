@@ -86,7 +86,7 @@ void AvVideo::setSize(QSize whole)
     form.size = form.rotation % 180 != 0 ? even.transposed() : even;
 }
 
-Result<FrameIndex> AvVideo::readStoredIndex() const
+Result<std::unique_ptr<AvInput>> AvVideo::openDescription() const
 {
     Result<std::unique_ptr<ByteSource>> bytes = openBytes(file);
     if (!bytes)
@@ -95,9 +95,23 @@ Result<FrameIndex> AvVideo::readStoredIndex() const
         withoutPayload(std::move(*bytes)), QFileInfo(file).fileName(), AvInput::smallBufferBytes);
     if (!input)
         return withName(input.failure(), file);
-    (*input)->takePacketsAsStored();
+    return input;
+}
+
+Result<FrameIndex> AvVideo::readStoredIndex() const
+{
+    Result<std::unique_ptr<AvInput>> input = openDescription();
+    if (!input)
+        return input.failure();
+    return readStoredIndex(**input);
+}
+
+Result<FrameIndex> AvVideo::readStoredIndex(AvInput& description) const
+{
+    description.takePacketsAsStored();
     FrameIndex packets;
-    const Status status = readPacketIndex(**input, packets, false, [](double) { return false; });
+    const Status status =
+        readPacketIndex(description, packets, false, [](double) { return false; });
     if (!status)
         return withName(status.failure(), file);
     return packets;
@@ -108,18 +122,25 @@ Result<VideoInfo> readVideoInfo(const QString& file, const ByteSourceFactory& op
     AvVideo video;
     video.file = file;
     video.openBytes = openBytes;
-    Result<std::unique_ptr<AvInput>> input = video.openInput();
-    if (!input)
-        return input.failure();
-    if (!(*input)->isDescribed())
-        (*input)->probe();
+    Result<std::unique_ptr<AvInput>> description = video.openDescription();
+    if (!description)
+        return description.failure();
+    std::unique_ptr<AvInput> probed;
+    if (!(*description)->isDescribed()) {
+        Result<std::unique_ptr<AvInput>> input = video.openInput();
+        if (!input)
+            return input.failure();
+        probed = std::move(*input);
+        probed->probe();
+    }
+    const AvInput& head = probed ? *probed : **description;
     VideoInfo info;
-    info.fps = (*input)->statedFps();
-    info.promisedFrames = (*input)->promisedFrames();
-    info.durationMs = (*input)->statedDurationMs();
-    if (!(*input)->describesPackets() && info.durationMs > 0.0)
+    info.fps = head.statedFps();
+    info.promisedFrames = head.promisedFrames();
+    info.durationMs = head.statedDurationMs();
+    if (!head.describesPackets() && info.durationMs > 0.0)
         return info;
-    Result<FrameIndex> index = video.readStoredIndex();
+    Result<FrameIndex> index = video.readStoredIndex(**description);
     if (!index)
         return index.failure();
     index->finish(info.fps > 0.0 ? info.fps : 1.0);

@@ -41,8 +41,14 @@ struct AvVideo
     /// The size of the pictures as decoded.
     void setSize(QSize whole);
 
+    /// The same for what describes the packets: of an MP4, MOV or 3GP file no picture is read.
+    Result<std::unique_ptr<AvInput>> openDescription() const;
+
     /// The packets of a container that describes them; finish() is left to the caller.
     Result<FrameIndex> readStoredIndex() const;
+
+    /// The same from what openDescription() gave, once.
+    Result<FrameIndex> readStoredIndex(AvInput& description) const;
 };
 
 } // namespace corv
