@@ -36,8 +36,8 @@ double secondsOf(const std::function<void()>& work);
 /// The middle of the values, of which there is at least one.
 double median(std::vector<double> values);
 
-/// Median over `rounds` of work's time over floor's time, the two in turn; for work so long that
-/// its first time is as good as any.
+/// Median over `rounds` of work's time over floor's time, measured alternately; for work so long
+/// that its first time is as good as any.
 double ratioInTurn(const std::function<void()>& work, const std::function<void()>& floor,
                    int rounds);
 

@@ -13,8 +13,8 @@
 
 namespace corv {
 
-/// Works on the flights of a card, several at once: each in a process of its own, so that whatever
-/// a file does to one of them, the others go on. The same command with the same job does the work
+/// Works on the flights of a card, several at once, each in a process of its own: a file that ends
+/// one process does not stop the others. The same command with the same job does the work
 /// on other machines.
 ///
 /// Lives on one thread with an event loop. A process that this one started ends with it.

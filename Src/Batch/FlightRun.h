@@ -33,8 +33,8 @@ struct FlightOptions
 };
 
 /// Works on one flight without a window: opens it, and puts its results into the folder of the job
-/// below `outFolder`. What is there already and still true is not done again; what fails is said,
-/// and the rest goes on.
+/// below `outFolder`. Results that exist and are up to date are not made again. A step that fails
+/// is reported, and the others go on.
 ///
 /// A project that somebody has worked on since is never replaced: the run opens it and makes the
 /// pictures, tables and report of what it holds now. Results are written beside and renamed, so
@@ -51,7 +51,7 @@ public:
     {
         QList<StepFailure> failures;
         QStringList remarks; ///< what to know before using the results
-        int doneSteps = 0;   ///< made now, or found made
+        int doneSteps = 0;   ///< made now, or up to date already
     };
 
     FlightRun(FlightJob job, FlightOptions options, const QString& outFolder, Report report);

@@ -48,7 +48,7 @@ public:
     /// What the matcher asks of the files themselves. Lengths and logs are asked for on any thread.
     struct FileFacts
     {
-        /// When the file was last written, which a careful copy keeps; invalid if unknown.
+        /// When the file was last written, which not every copy keeps; invalid if unknown.
         std::function<QDateTime(const QFileInfo&)> time = timeOfLastWrite;
         std::function<VideoLength(const QString&)> videoLength = readVideoLength;
         /// Reads a log; ends early once the flag is set.

@@ -493,7 +493,8 @@ void ProjectFileLoader::publish(Copied& copied)
         copied.undo();
         return;
     }
-    // Onto its own folder a series may lack a part there; else the folder comes as a whole.
+    // Onto its own folder a series may lack a part there; else the whole folder is published at
+    // once.
     const bool isNewSeries = !copied.seriesFolder.isEmpty() && !copied.staged.empty() &&
                              !QFileInfo::exists(copied.seriesFolder);
     platform::NewFolder folder(copied.seriesFolder);

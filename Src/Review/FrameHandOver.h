@@ -22,7 +22,7 @@ public:
     FrameHandOver(const FrameHandOver&) = delete;
     FrameHandOver& operator=(const FrameHandOver&) = delete;
 
-    /// Which warning a frame that cannot be had is worth.
+    /// Whether the warning about a frame that cannot be read names its time.
     enum class NullFrameWarning { withTime, withoutTime };
 
     /// Asks `player` for the frame at `time`. `store` runs with its thumbnail later, from the event

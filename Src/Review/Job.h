@@ -63,11 +63,11 @@ public:
     bool isRunning() const { return m_state == Running; }
     bool isCancellable() const { return static_cast<bool>(m_cancel); }
 
-    /// A sentence about a success, or the failure's.
+    /// The result in a sentence; of a job that failed, the reason.
     QString resultText() const { return m_failure ? m_failure->sentence : m_resultText; }
     const std::optional<Failure>& failure() const { return m_failure; }
 
-    /// Asks once; the job runs on until its maker ends it.
+    /// Asks the maker to stop the work, once. The job is running until its maker ends it.
     Q_INVOKABLE void cancel();
 
     // For the maker.

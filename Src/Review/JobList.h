@@ -43,7 +43,7 @@ public:
     /// How many of these write something.
     int writing() const;
 
-    /// Null beyond the list. Good until the job has ended and is too old to be kept.
+    /// Null if there is no such row. Valid until the job has ended and is no longer kept.
     Q_INVOKABLE corv::Job* job(int row) const;
 
     /// Begins a job. `cancel` and `target` as for `Job`.

@@ -13,9 +13,9 @@
 
 namespace corv {
 
-/// The files that the project opened last names and that are not there: says which, and looks for
-/// them in a folder. Owned by a review, which opens the project anew with what was found.
-/// Interface thread; the search runs on the pool.
+/// Names the missing files of the project opened last, and searches a folder for them. Owned by a
+/// review, which opens the project anew with the files found. Interface thread; the search runs on
+/// the pool.
 class MissingMedia : public QObject
 {
     Q_OBJECT
@@ -36,14 +36,14 @@ public:
     QString text() const { return m_text; }
     bool isSearching() const { return m_isSearching; }
 
-    /// Offers to look for what is missing of a project; nothing if nothing is.
+    /// Offers the search if files of the project are missing.
     void offer(const QString& projectPath, const ProjectContents& project);
 
-    /// Looks in a folder and below it. Ends in `located`, or in a `text` that says that there is
-    /// nothing.
+    /// Searches a folder and the folders below it. Ends in `located`, or in a `text` that says that
+    /// none of the files was found.
     Q_INVOKABLE void locate(const QString& folder);
 
-    /// Offers nothing any more, and stops a search.
+    /// Withdraws the offer, and stops a search.
     Q_INVOKABLE void dismiss();
 
 signals:

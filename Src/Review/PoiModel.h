@@ -84,16 +84,16 @@ public:
     /// False if there is none at `time`.
     bool setTexts(QTime time, const QString& name, const QString& comment);
 
-    /// Moves a point of interest over whatever is at `to`; its thumbnail comes anew. From a time
-    /// without one, an unnamed one is made. Onto its own place it is deleted.
+    /// Moves the one at `from` to `to` and replaces one there; its thumbnail is fetched anew. If
+    /// there is none at `from`, an unnamed one is made. Onto its own place it is deleted.
     void move(QTime from, QTime to);
 
     /// Adds those of the log for whose exact time there is none. One logged before the start of the
     /// video has no frame, and so does not appear.
     void addMissingFromLog(As as);
 
-    /// Adds each one of the log from 0 to `durationMs`, at the next free millisecond before that
-    /// where its own is taken. The length is asked for again when a frame comes.
+    /// Adds each one of the log from 0 to `durationMs`. If its millisecond is taken, it gets the
+    /// next free one before `durationMs`, which is called again when the frame arrives.
     void addAllFromLog(std::function<int()> durationMs);
 
     // --- Loading: no step ---

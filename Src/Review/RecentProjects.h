@@ -26,7 +26,7 @@ public:
     Q_INVOKABLE void add(const QString& path);
     Q_INVOKABLE void clear();
 
-    /// Looks again which of them are there.
+    /// Checks anew which of the projects exist.
     Q_INVOKABLE void refresh();
 
 signals:

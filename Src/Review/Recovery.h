@@ -75,7 +75,7 @@ signals:
     void notKept(const QString& text);
 
 private:
-    /// What differs is worth keeping: adjustments, names, points of interest by their time.
+    /// What is unsaved work once it differs: adjustments, names, points of interest by their time.
     struct Contents
     {
         QVariantMap properties;

@@ -57,8 +57,8 @@ public:
     PoiModel* pois() { return &m_pois; }
     JobList* jobs() { return &m_jobs; }
 
-    /// What the project opened last names and is not there, and the search for it: what is found
-    /// is opened, and named by the next save.
+    /// The missing files of the project opened last, and the search for them. Files that it finds
+    /// are opened, and the next save names them.
     MissingMedia* missingMedia() { return &m_missingMedia; }
 
     /// The curves of the log that are shown, by name, kept by the project.
@@ -94,8 +94,8 @@ public:
     /// Closes everything. Adjustments stay.
     Q_INVOKABLE void close();
 
-    /// What is not as the last project or flight says, though it is open: its log is missing or
-    /// cannot be read.
+    /// Why the flight is open without the log that belongs to it: the file is missing or cannot be
+    /// read. Nothing if it is complete.
     const std::optional<Failure>& openProblem() const { return m_openProblem; }
 
     // --- Saving. True if the project was written. Nothing happens while no video is open. ---
@@ -132,8 +132,8 @@ public:
     Q_INVOKABLE int missingPoisInLog() const;
     Q_INVOKABLE int addablePoisFromLog() const;
 
-    /// Names the flight, as one step; a number of 0 is none, and nothing at all undefines the
-    /// names.
+    /// Names the flight, as one step. A number of 0 is none; two empty names and no number leave
+    /// the flight without a name.
     Q_INVOKABLE void nameFlight(const QString& missionName, const QString& flightName,
                                 int flightNumber);
 

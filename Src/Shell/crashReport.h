@@ -23,8 +23,7 @@ void install(const QString& logFilePath);
 
 /// The report that a crashed run left beside `logFilePath`. It is moved aside, so that each crash
 /// is returned once, and its stack is written with the names of the sources; the five latest are
-/// kept. Nothing where the last run did not crash. Interface
-/// thread.
+/// kept. Nothing if the last run did not crash. Interface thread.
 std::optional<Summary> take(const QString& logFilePath);
 
 /// The sentences for the pilot: what happened, where it is written down, that nothing was sent.

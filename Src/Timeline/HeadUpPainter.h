@@ -51,8 +51,8 @@ public:
     /// are right for widths near the natural one.
     void paint(QPainter& painter, double width, int videoMs) const;
 
-    /// Paints the panel scaled as a whole, as large as `target` holds it, in its top left corner,
-    /// over a plate of that colour if one is given. Returns the rectangle that it covers.
+    /// Paints the panel, all of it at one scale, as large as `target` holds it, in its top left
+    /// corner, over a plate of that colour if one is given. Returns the rectangle that it covers.
     QRectF paintInto(QPainter& painter, const QRectF& target, int videoMs,
                      const std::optional<QColor>& plate = std::nullopt) const;
 

@@ -75,7 +75,7 @@ private:
     LateFrame m_late;
     QStringList m_losses;
     bool m_isDiskFull = false;
-    // In turn: one is encoded while the next is drawn into.
+    // Used alternately: one is encoded while the other is drawn into.
     std::array<cv::Mat, 2> m_pictures;
     size_t m_turn = 0;
 };

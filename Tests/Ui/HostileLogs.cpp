@@ -175,7 +175,7 @@ void addSpoiltLogs(std::vector<HostileLog>& logs)
     const QByteArray whole = soundLog();
     const int packets = whole.indexOf("</main>") + 8;
     for (int number = 0; number < 6; ++number) {
-        // In turn anywhere, in the description alone, and in the packets alone.
+        // Alternately anywhere, in the description alone, and in the packets alone.
         const int from = number % 3 == 2 ? packets : 0;
         const int to = number % 3 == 1 ? packets : whole.size();
         QByteArray bytes = whole;
