@@ -64,16 +64,14 @@ Item {
         }
     }
 
-    Shortcut {
+    OnceShortcut {
         sequence: "F"
-        autoRepeat: false
         enabled: pictureAlone.on
-        onActivated: pictureAlone.leave()
+        onPressed: pictureAlone.leave()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "Esc"
-        autoRepeat: false
         enabled: pictureAlone.on && !pictureAlone.escapeIsTaken
-        onActivated: pictureAlone.leave()
+        onPressed: pictureAlone.leave()
     }
 }

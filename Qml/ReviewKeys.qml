@@ -38,17 +38,15 @@ Item {
             reviewKeys.navigator.jump(-1000);
         }
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "K"
-        autoRepeat: false
         enabled: reviewKeys.videoOpen
-        onActivated: reviewKeys.pause()
+        onPressed: reviewKeys.pause()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "L"
-        autoRepeat: false
         enabled: reviewKeys.videoOpen
-        onActivated: reviewKeys.playFaster()
+        onPressed: reviewKeys.playFaster()
     }
     Shortcut {
         sequence: "Ctrl+Left"
@@ -100,11 +98,10 @@ Item {
         enabled: reviewKeys.videoOpen
         onActivated: reviewKeys.navigator.zoomToSelection()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "1"
-        autoRepeat: false
         enabled: reviewKeys.videoOpen
-        onActivated: reviewKeys.picture.togglePixelSize()
+        onPressed: reviewKeys.picture.togglePixelSize()
     }
     Shortcut {
         sequence: "Alt+Left"

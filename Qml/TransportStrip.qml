@@ -284,80 +284,69 @@ Rectangle {
     Binding { target: poiListButton; property: "checked"; value: transportStrip.poiListShown }
     Binding { target: sidebarButton; property: "checked"; value: transportStrip.sidebarShown }
 
-    Shortcut {
+    OnceShortcut {
         sequence: "F7"
-        autoRepeat: false
-        onActivated: poiListButton.clicked()
+        onPressed: poiListButton.clicked()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "F8"
-        autoRepeat: false
-        onActivated: sidebarButton.clicked()
+        onPressed: sidebarButton.clicked()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "Home"
-        autoRepeat: false
         enabled: transportStrip.hasFocusItem
-        onActivated: beginButton.pressButton()
+        onPressed: beginButton.pressButton()
     }
     Shortcut {
         sequence: "Left"
         enabled: transportStrip.hasFocusItem
         onActivated: prevFrameButton.pressButton()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: " "
-        autoRepeat: false
         enabled: transportStrip.hasFocusItem
-        onActivated: playButton.pressButton()
+        onPressed: playButton.pressButton()
     }
     Shortcut {
         sequence: "Right"
         enabled: transportStrip.hasFocusItem
         onActivated: nextFrameButton.pressButton()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "End"
-        autoRepeat: false
         enabled: transportStrip.hasFocusItem
-        onActivated: endButton.pressButton()
+        onPressed: endButton.pressButton()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "N"
-        autoRepeat: false
         context: Qt.WindowShortcut
-        onActivated: transportStrip.verbs.addNewPoiAtPosition()
+        onPressed: transportStrip.verbs.addNewPoiAtPosition()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "X"
-        autoRepeat: false
         context: Qt.WindowShortcut
         enabled: editPoiButton.enabled && !transportStrip.moveMode
-        onActivated: transportStrip.verbs.deleteSelectedPoi()
+        onPressed: transportStrip.verbs.deleteSelectedPoi()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "E"
-        autoRepeat: false
         context: Qt.WindowShortcut
         enabled: editPoiButton.enabled && !transportStrip.moveMode
-        onActivated: transportStrip.verbs.editSelectedPoi()
+        onPressed: transportStrip.verbs.editSelectedPoi()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "M"
-        autoRepeat: false
         enabled: enterMoveModeButton.enabled && !transportStrip.moveMode
-        onActivated: transportStrip.verbs.startMovingPoi()
+        onPressed: transportStrip.verbs.startMovingPoi()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "Return"
-        autoRepeat: false
         enabled: transportStrip.moveMode
-        onActivated: transportStrip.verbs.confirmMovingPoi()
+        onPressed: transportStrip.verbs.confirmMovingPoi()
     }
-    Shortcut {
+    OnceShortcut {
         sequence: "Esc"
-        autoRepeat: false
         enabled: transportStrip.moveMode
-        onActivated: transportStrip.verbs.stopMovingPoi()
+        onPressed: transportStrip.verbs.stopMovingPoi()
     }
 }

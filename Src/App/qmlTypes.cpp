@@ -15,6 +15,7 @@
 #include "Review/SearchJobs.h"
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
+#include "Shell/HeldKey.h"
 #include "Shell/PointerRest.h"
 #include "Shell/Shortcut.h"
 #include "Timeline/ExportInstruments.h"
@@ -54,6 +55,7 @@ void registerQmlTypes()
     registerSingleton<AppInfo>("corv.AppInfo", "AppInfo");
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
     registerSingleton<LogParser>("corv.LogParsing", "LogParser");
+    registerSingleton<HeldKey>("Shortcuts", "HeldKey");
     qmlRegisterType<FileChoice>("FileChoice", 1, 0, "FileChoice");
     qmlRegisterType<DirectoryParser>("DirectoryParser", 1, 0, "DirectoryParser");
     qmlRegisterType<HeadUpDisplay>("HeadUpDisplay", 1, 0, "HeadUpDisplay");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Shell/HeldKey.h"
+
 #include <QKeySequence>
 #include <QObject>
 #include <QVariant>
@@ -33,5 +35,7 @@ signals:
 
 private:
     QKeySequence m_key;
+    KeyRepeats m_repeats;
     bool m_pressed = false;
+    bool m_wasPressed = false; ///< before the last release
 };

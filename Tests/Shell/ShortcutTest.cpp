@@ -1,4 +1,5 @@
 #include "Shell/Shortcut.h"
+#include "Shell/HeldKey.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -9,6 +10,9 @@ class ShortcutTest : public QObject
 
 private slots:
     void firesOnceForAHeldKey();
+    void firesOnceForAHeldKeyWhoseRepeatsAreNotMarked();
+    void repeatsOfAHeldKeyAreKnown_data();
+    void repeatsOfAHeldKeyAreKnown();
     void anyReleaseReArms();
     void twoOfTheSameKeyBothFire();
     void comparesTheModifiers_data();
@@ -20,6 +24,7 @@ private:
     static void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
                       bool repeat = false);
     static void release(int key, bool repeat = false);
+    static void send(QEvent::Type type, quint32 code, ulong time);
 };
 
 namespace {
@@ -55,6 +60,14 @@ void ShortcutTest::release(int key, bool repeat)
     QCoreApplication::sendEvent(&receiver(), &event);
 }
 
+// As the window system gives them: with the code of the key and the time.
+void ShortcutTest::send(QEvent::Type type, quint32 code, ulong time)
+{
+    QKeyEvent event(type, Qt::Key_Return, Qt::NoModifier, code, 0, 0);
+    event.setTimestamp(time);
+    QCoreApplication::sendEvent(&receiver(), &event);
+}
+
 void ShortcutTest::firesOnceForAHeldKey()
 {
     Shortcut shortcut;
@@ -68,6 +81,56 @@ void ShortcutTest::firesOnceForAHeldKey()
     }
     QCOMPARE(activated.count(), 1);
     QCOMPARE(held.count(), 0);
+}
+
+// A release and a press of one time stamp that arrive apart.
+void ShortcutTest::firesOnceForAHeldKeyWhoseRepeatsAreNotMarked()
+{
+    Shortcut shortcut;
+    shortcut.setKey(QStringLiteral("Return"));
+    QSignalSpy activated(&shortcut, &Shortcut::activated);
+    send(QEvent::KeyPress, 36, 1000);
+    for (ulong time = 1250; time < 1500; time += 30) {
+        send(QEvent::KeyRelease, 36, time);
+        send(QEvent::KeyPress, 36, time);
+    }
+    QCOMPARE(activated.count(), 1);
+    send(QEvent::KeyRelease, 36, 1510);
+    send(QEvent::KeyPress, 36, 1511);
+    QCOMPARE(activated.count(), 2);
+}
+
+void ShortcutTest::repeatsOfAHeldKeyAreKnown_data()
+{
+    QTest::addColumn<quint32>("code");
+    QTest::addColumn<ulong>("time");
+    QTest::addColumn<bool>("repeats");
+    QTest::newRow("same time") << 57U << 2000UL << true;
+    QTest::newRow("pressed again") << 57U << 2001UL << false;
+    QTest::newRow("another key") << 58U << 2000UL << false;
+}
+
+void ShortcutTest::repeatsOfAHeldKeyAreKnown()
+{
+    QFETCH(quint32, code);
+    QFETCH(ulong, time);
+    QFETCH(bool, repeats);
+    for (const QEvent::Type press : {QEvent::ShortcutOverride, QEvent::KeyPress}) {
+        HeldKey held;
+        send(QEvent::KeyPress, 57, 1000);
+        QVERIFY(!held.repeats());
+        send(QEvent::KeyRelease, 57, 2000);
+        send(press, code, time);
+        QCOMPARE(held.repeats(), repeats);
+        send(press, 60, 3000);
+        QVERIFY(!held.repeats());
+        ShortcutTest::press(Qt::Key_N, Qt::NoModifier, true);
+        QVERIFY(held.repeats());
+        // Keys that a program makes have neither code nor time.
+        release(Qt::Key_N);
+        ShortcutTest::press(Qt::Key_N);
+        QVERIFY(!held.repeats());
+    }
 }
 
 void ShortcutTest::anyReleaseReArms()
