@@ -132,6 +132,10 @@ QtObject {
     readonly property color scrollBorder: "#a9a9a9"
     readonly property color scrollHandle: "#000000"
     readonly property color scrollHandlePressed: Cst.pressedColor
+    // The scroll bars of lists and texts.
+    readonly property color barGround: light ? "#d6d6d6" : "#3a3a3a"
+    readonly property color barHandle: light ? "#6a6a6a" : "#a0a0a0"
+    readonly property color barHandleHovered: light ? "#3a3a3a" : "#d8d8d8"
     readonly property color toolTip: light ? "#ffffff" : "#000000"
     readonly property color toolTipText: light ? "#000000" : "#ffffff"
     readonly property color accent: light ? "#005c1f" : Cst.accentColor
