@@ -5,7 +5,7 @@
 #include "SampleLog.h"
 #include "VideoInputs.h"
 
-#include "Timeline/ExportInstruments.h"
+#include "Timeline/ExportInsets.h"
 #include "Timeline/timelineGeometry.h"
 #include "Video/VideoPlayer.h"
 #include "Video/frameConversion.h"
@@ -104,10 +104,10 @@ void withInstruments(Report& report)
         player->setShowIR(true);
         player->updateLogData();
     }
-    ExportInstruments instruments;
-    instruments.setPlayer(instrumented.get());
-    instruments.setLogParser(&log.parser);
-    instruments.setShown(true);
+    ExportInsets insets;
+    insets.setPlayer(instrumented.get());
+    insets.setLogParser(&log.parser);
+    insets.setShowsInstruments(true);
     const QString target = folder.filePath(QStringLiteral("out.mp4"));
     const double ratio = ratioInTurn([&] { exportVideo(*bare, target); },
                                      [&] { exportVideo(*instrumented, target); }, 5);

@@ -23,6 +23,9 @@ Window {
     // Whether the pictures show the flight instruments; without a log they cannot.
     property alias instruments: instrumentsCheckBox.checked
     property alias instrumentsEnabled: instrumentsCheckBox.enabled
+    // Whether they show the colour bar of the thermal picture; while that is off they cannot.
+    property alias thermalBar: thermalBarCheckBox.checked
+    property alias thermalBarEnabled: thermalBarCheckBox.enabled
 
     function setPosition(newPosition) {
         position = newPosition;
@@ -328,7 +331,7 @@ Window {
             id: folderRect
             anchors.top: startStopRect.bottom
             width: parent.width
-            height: 112
+            height: 125
             color: Theme.dialog
 
             Text {
@@ -375,8 +378,19 @@ Window {
             CorvCheckBox {
                 id: instrumentsCheckBox
                 objectName: "instrumentsCheckBox"
-                anchors { left: folderLabel.left; bottom: parent.bottom; bottomMargin: 10 }
+                anchors {
+                    left: folderLabel.left
+                    bottom: thermalBarCheckBox.top
+                    bottomMargin: 6
+                }
                 text: "Show the flight instruments in a corner"
+            }
+
+            CorvCheckBox {
+                id: thermalBarCheckBox
+                objectName: "thermalBarCheckBox"
+                anchors { left: folderLabel.left; bottom: parent.bottom; bottomMargin: 6 }
+                text: "Show the thermal colour bar in a corner"
             }
         }
     }

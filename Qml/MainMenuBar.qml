@@ -16,6 +16,8 @@ MenuBar {
     property bool pictureAlone: false
     // Whether exports show the flight instruments.
     property bool instrumentsExported: false
+    // Whether exports show the colour bar of the thermal picture.
+    property bool thermalBarExported: false
     property RecentProjects recentProjects: null
     // The functions that the entries run: the main window's, and its windows on demand.
     property var verbs: null
@@ -189,6 +191,16 @@ MenuBar {
             onTriggered: {
                 menuBar.verbs.showInstrumentsInExports(!menuBar.instrumentsExported);
                 checked = Qt.binding(function() { return menuBar.instrumentsExported; });
+            }
+        }
+        MenuItem {
+            objectName: "exportThermalBarMenuItem"
+            text: "Show thermal colour &bar in exports"
+            checkable: true
+            checked: menuBar.thermalBarExported
+            onTriggered: {
+                menuBar.verbs.showThermalBarInExports(!menuBar.thermalBarExported);
+                checked = Qt.binding(function() { return menuBar.thermalBarExported; });
             }
         }
     }

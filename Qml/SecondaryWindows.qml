@@ -25,6 +25,9 @@ Item {
     // Whether exports show the flight instruments, and what was chosen in a window.
     property bool instrumentsShown: false
     signal instrumentsChosen(bool shown)
+    // The same of the colour bar of the thermal picture.
+    property bool thermalBarShown: false
+    signal thermalBarChosen(bool shown)
 
     // The units chosen in the settings.
     signal unitsChosen(bool imperialUnits)
@@ -101,22 +104,29 @@ Item {
         window.position = player.timePosition;
         window.duration = player.duration;
         window.poiCount = timeline.getPOIs().length;
-        offerInstruments(window);
+        offerInsets(window);
         if (framesEntered !== null && framesEntered.video === player.source)
             window.enter(framesEntered);
         window.show();
     }
 
-    function offerInstruments(window) {
+    function offerInsets(window) {
         window.instruments = instrumentsShown;
         window.instrumentsEnabled = LogParser.source !== "";
+        window.thermalBar = thermalBarShown;
+        window.thermalBarEnabled = player.showIR;
+    }
+
+    function takeInsets(window) {
+        instrumentsChosen(window.instruments);
+        thermalBarChosen(window.thermalBar);
     }
 
     function openVideoExport() {
         player.pause();
         var window = make("VideoExport.qml", videoExportConnection);
         window.proposedName = review.proposedName() + ".mp4";
-        offerInstruments(window);
+        offerInsets(window);
         window.show();
     }
 
@@ -215,7 +225,7 @@ Item {
             windows.framesEntered.video = windows.player.source;
             if (!window.ok)
                 return;
-            windows.instrumentsChosen(window.instruments);
+            windows.takeInsets(window);
             windows.exportFrames(window);
         }
     }
@@ -230,7 +240,7 @@ Item {
                 return;
             var path = Paths.decodedPath(window.videoUrl);
             windows.verbs.askBeforeReplacing(path, window.suffixAdded ? "" : path, function() {
-                windows.instrumentsChosen(window.instruments);
+                windows.takeInsets(window);
                 windows.exportVideo(window.videoUrl);
             });
         }

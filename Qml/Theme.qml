@@ -145,13 +145,5 @@ QtObject {
     readonly property color markEdge: "#222222"
     readonly property color hottest: "#ff6a4d"
     readonly property color coldest: "#7ac8ff"
-    // From the coldest to the hottest, by the number of the player's palette.
-    readonly property var thermalPalettes: [
-        ["#000080", "#0000ff", "#0080ff", "#00ffff", "#80ff80", "#ffff00", "#ff8000", "#ff0000",
-         "#800000"],
-        ["#00224e", "#123570", "#3b496c", "#575d6d", "#707173", "#8a8678", "#a59c74", "#c3b369",
-         "#fee838"],
-        ["#000000", "#ffffff"]
-    ]
     readonly property color clear: "transparent"
 }

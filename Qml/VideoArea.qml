@@ -182,6 +182,7 @@ Rectangle {
     }
 
     ThermalBar {
+        id: thermalBar
         objectName: "thermalBar"
         anchors {
             right: parent.right
@@ -190,7 +191,7 @@ Rectangle {
             topMargin: 8 + videoArea.coveredHeight
         }
         height: Math.min(260, parent.height - 60 - videoArea.coveredHeight)
-        visible: videoArea.thermalShown
+        visible: videoArea.thermalShown && hasScale
         player: videoArea.player
     }
 

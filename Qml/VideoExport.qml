@@ -21,6 +21,9 @@ Window {
     // Whether the video shows the flight instruments; without a log it cannot.
     property alias instruments: instrumentsCheckBox.checked
     property alias instrumentsEnabled: instrumentsCheckBox.enabled
+    // Whether it shows the colour bar of the thermal picture; while that is off it cannot.
+    property alias thermalBar: thermalBarCheckBox.checked
+    property alias thermalBarEnabled: thermalBarCheckBox.enabled
 
     title: "Export video"
     width: 600
@@ -138,6 +141,13 @@ Window {
             text: "Show the flight instruments in a corner"
         }
 
+        CorvCheckBox {
+            id: thermalBarCheckBox
+            objectName: "thermalBarCheckBox"
+            anchors { left: folderLabel.left; top: instrumentsCheckBox.bottom; topMargin: 8 }
+            text: "Show the thermal colour bar in a corner"
+        }
+
         Text {
             id: note
             objectName: "note"
@@ -145,7 +155,7 @@ Window {
                 left: folderLabel.left
                 right: parent.right
                 rightMargin: 10
-                top: instrumentsCheckBox.bottom
+                top: thermalBarCheckBox.bottom
                 topMargin: 12
             }
             wrapMode: Text.WordWrap

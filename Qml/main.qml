@@ -64,6 +64,7 @@ ReviewWindow {
         curvesOpen: curvesPanel.open
         pictureAlone: pictureAlone.on
         instrumentsExported: exportSettings.instruments
+        thermalBarExported: exportSettings.thermalBar
         verbs: mainWindow
         windows: secondaryWindows
     }
@@ -89,6 +90,10 @@ ReviewWindow {
 
     function showInstrumentsInExports(shown) {
         exportSettings.instruments = shown;
+    }
+
+    function showThermalBarInExports(shown) {
+        exportSettings.thermalBar = shown;
     }
 
     Settings {
@@ -135,6 +140,7 @@ ReviewWindow {
         id: exportSettings
         category: "exports"
         property bool instruments: false
+        property bool thermalBar: false
     }
 
     Settings {
@@ -248,12 +254,13 @@ ReviewWindow {
         onFailed: mainWindow.displayErrorDialog("Points of interest", text)
     }
 
-    ExportInstruments {
-        id: exportInstruments
-        objectName: "exportInstruments"
+    ExportInsets {
+        id: exportInsets
+        objectName: "exportInsets"
         player: videoPlayer
         logParser: LogParser
-        shown: exportSettings.instruments
+        instruments: exportSettings.instruments
+        thermalBar: exportSettings.thermalBar
         imperialUnits: generalSettings.imperialUnits
     }
 
@@ -307,6 +314,8 @@ ReviewWindow {
         onFinishJobsFirstChosen: generalSettings.finishJobsFirst = finish
         instrumentsShown: exportSettings.instruments
         onInstrumentsChosen: exportSettings.instruments = shown
+        thermalBarShown: exportSettings.thermalBar
+        onThermalBarChosen: exportSettings.thermalBar = shown
         // Fails: a tab has no such member. The display keeps its units until the next start, as the
         // settings window announces.
         onUnitsChosen: tabsContainer.getTab(0).informationTabContents.imperialUnits = imperialUnits

@@ -18,7 +18,7 @@
 #include "Shell/HeldKey.h"
 #include "Shell/PointerRest.h"
 #include "Shell/Shortcut.h"
-#include "Timeline/ExportInstruments.h"
+#include "Timeline/ExportInsets.h"
 #include "Timeline/FramePreview.h"
 #include "Timeline/HeadUpDisplay.h"
 #include "Timeline/LogCurves.h"
@@ -26,6 +26,7 @@
 #include "Timeline/PoiFilter.h"
 #include "Timeline/PoiTableExport.h"
 #include "Timeline/ProjectPictures.h"
+#include "Timeline/ThermalBarItem.h"
 #include "Timeline/TimelineContent.h"
 #include "Timeline/TimelineNavigator.h"
 #include "Video/VideoPlayer.h"
@@ -69,7 +70,8 @@ void registerQmlTypes()
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
     qmlRegisterType<TimelineNavigator>("Timeline", 1, 0, "TimelineNavigator");
     qmlRegisterType<PictureItem>("Timeline", 1, 0, "PictureItem");
-    qmlRegisterType<ExportInstruments>("Timeline", 1, 0, "ExportInstruments");
+    qmlRegisterType<ExportInsets>("Timeline", 1, 0, "ExportInsets");
+    qmlRegisterType<ThermalBarItem>("Timeline", 1, 0, "ThermalBarItem");
     qmlRegisterType<FramePreview>("Timeline", 1, 0, "FramePreview");
     qmlRegisterType<PoiTableExport>("Timeline", 1, 0, "PoiTableExport");
     qmlRegisterType<PoiFilter>("Timeline", 1, 0, "PoiFilter");

@@ -10,7 +10,7 @@
 #include "Project/ReportWriter.h"
 #include "Threads/pool.h"
 #include "Threads/post.h"
-#include "Timeline/ExportInstruments.h"
+#include "Timeline/ExportInsets.h"
 #include "Timeline/poiTable.h"
 #include "Video/pictureFile.h"
 
@@ -150,7 +150,7 @@ void FlightRun::work()
     const QVariantList pois = m_flight.review().allPois();
     const QByteArray project = projectDigest();
     const QStringList inputs = m_job.files();
-    const QStringList shown = showInstruments();
+    const QStringList shown = showInsets();
     const auto fingerprint = [&](const QString& what) {
         return fingerprintOf(QStringList{what, QString::fromLatin1(project)} + shown, inputs);
     };
@@ -178,16 +178,19 @@ void FlightRun::work()
 
 // Gives the words for the fingerprints of what shows or lists them. A flight without values for
 // them shows none.
-QStringList FlightRun::showInstruments()
+QStringList FlightRun::showInsets()
 {
-    ExportInstruments instruments;
-    instruments.setShown(m_options.showsInstruments);
-    instruments.setImperialUnits(m_options.imperialUnits);
-    instruments.setLogParser(&m_flight.logParser());
-    instruments.setPlayer(&m_flight.player());
+    ExportInsets insets;
+    insets.setShowsInstruments(m_options.showsInstruments);
+    insets.setShowsThermalBar(m_options.showsThermalBar);
+    insets.setImperialUnits(m_options.imperialUnits);
+    insets.setLogParser(&m_flight.logParser());
+    insets.setPlayer(&m_flight.player());
     QStringList words;
     if (m_options.showsInstruments)
         words << QStringLiteral("instruments");
+    if (m_options.showsThermalBar)
+        words << QStringLiteral("thermal bar");
     if (m_options.imperialUnits)
         words << QStringLiteral("imperial");
     return words;

@@ -29,6 +29,7 @@ struct FlightOptions
     QStringList tables;            ///< of the log: "GROUP" or "GROUP:COLUMN,COLUMN"
     double tableRateHz = 0;        ///< most rows a second of a table; 0 for all
     bool showsInstruments = false; ///< in a corner of pictures, report and video
+    bool showsThermalBar = false;  ///< beside the thermal overlay, there
     bool imperialUnits = false;    ///< lengths in feet
 };
 
@@ -84,7 +85,7 @@ private:
     Status open();
     Status makeProject();
     Status saveProject();
-    QStringList showInstruments();
+    QStringList showInsets();
     Result<QStringList> writePictures(const QVariantList& pois);
     Result<QStringList> writeTables(const QVariantList& pois);
     Result<QStringList> writeLogTables();

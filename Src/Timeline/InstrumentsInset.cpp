@@ -48,12 +48,13 @@ InstrumentsInset::InstrumentsInset(const HeadUpPainter& painter)
 {
 }
 
-PictureInset::Part InstrumentsInset::partAt(int videoMs, QSize picture)
+PictureInset::Part InstrumentsInset::partAt(const Moment& moment)
 {
     if (!m_full.hasValues())
         return {};
-    if (picture != m_picture)
-        setPicture(picture);
+    if (moment.picture != m_picture)
+        setPicture(moment.picture);
+    const int videoMs = moment.videoMs;
     if (m_place.rect.isEmpty())
         return {};
     std::vector<Shown> shown;

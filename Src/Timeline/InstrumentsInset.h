@@ -32,7 +32,7 @@ public:
     /// `painter` has the flight's log and clock. Where they are not synchronised nothing is shown.
     explicit InstrumentsInset(const HeadUpPainter& painter);
 
-    Part partAt(int videoMs, QSize picture) override;
+    Part partAt(const Moment& moment) override;
 
 private:
     /// What a row shows, as far as it changes.

@@ -52,7 +52,8 @@ constexpr double assumedNsPerPixel = 2.0;
 OpenCvWorker::OpenCvWorker(WorkerClient* client, QObject* context,
                            std::shared_ptr<const VideoBackend> backend)
     : m_client(client), m_context(context), m_backend(std::move(backend)),
-      m_stills([this](QTime time, PictureInset* inset) { return getFrameAt(time, inset); }, this)
+      m_stills([this](QTime time, const PictureInsets& insets) { return getFrameAt(time, insets); },
+               this)
 {
     connect(&m_thread, &QThread::finished, [this] { annotateRelease(&m_thread); });
     moveToThread(&m_thread);
@@ -466,7 +467,7 @@ QVideoFrame OpenCvWorker::pictureForScreen(const Frame& picture, int timeMs)
     return toVideoFrame(m_effectFrame, picture);
 }
 
-QImage OpenCvWorker::getFrameAt(QTime time, PictureInset* inset)
+QImage OpenCvWorker::getFrameAt(QTime time, const PictureInsets& insets)
 {
     if (m_currentSource == noFile) {
         qCWarning(lcVideo) << "Invalid video capture";
@@ -481,11 +482,11 @@ QImage OpenCvWorker::getFrameAt(QTime time, PictureInset* inset)
     VideoFileEntry& entry = m_timeline.entry(file);
     const double fileMs = ms - entry.startMs;
     if (FrameSource* still = stillSource(file))
-        return extractFrame(*still, entry, fileMs, inset);
+        return extractFrame(*still, entry, fileMs, insets);
     // The file cannot be opened a second time: borrow the capture of playback.
     FrameSource& playing = *current().capture;
     const int savedPosition = playing.nextFrame();
-    QImage image = extractFrame(*entry.capture, entry, fileMs, inset);
+    QImage image = extractFrame(*entry.capture, entry, fileMs, insets);
     if (!playing.seekToFrame(savedPosition))
         qCWarning(lcVideo) << "Failed to set back to original pos"
                            << savedPosition * 1000.0 / playing.fps();
@@ -502,7 +503,7 @@ FrameSource* OpenCvWorker::stillSource(int file)
 }
 
 QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs,
-                                  PictureInset* inset)
+                                  const PictureInsets& insets)
 {
     if (!capture.seekToTime(fileMs))
         return {};
@@ -517,8 +518,9 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& en
         const int overlayMs =
             m_settings.thermalAsOnScreen ? entry.timelineMs(frame.timeMs) : truncateToInt(fileMs);
         m_overlay.applyPictureEffects(m_stillFrame, overlayMs, m_settings, false, {});
-        if (inset)
-            blendInset(m_stillFrame, inset->partAt(entry.timelineMs(frame.timeMs), frame.size));
+        const PictureInset::Moment moment = momentOf(entry.timelineMs(frame.timeMs), frame.size);
+        for (const auto& inset : insets)
+            blendInset(m_stillFrame, inset->partAt(moment));
         return cvMatToQImage(m_stillFrame);
     } catch (const std::exception& error) {
         qCWarning(lcVideo) << "Giving up frame at" << fileMs << error.what();
@@ -526,10 +528,18 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& en
     }
 }
 
+// Of a picture whose overlay has just been drawn.
+PictureInset::Moment OpenCvWorker::momentOf(int timelineMs, QSize picture) const
+{
+    return {timelineMs, picture,
+            m_overlay.scale(cv::Size(picture.width(), picture.height()), m_settings)};
+}
+
 void OpenCvWorker::requestFrame(QTime time, StillFrameQueue::Callback callback, bool isForExport,
                                 StillFrameQueue::Cancelled cancelled)
 {
-    m_stills.add(time, std::move(callback), std::move(cancelled), isForExport ? m_inset : nullptr);
+    m_stills.add(time, std::move(callback), std::move(cancelled),
+                 isForExport ? m_insets : PictureInsets());
 }
 
 void OpenCvWorker::requestPreview(QTime time, StillFrameQueue::Callback callback)
@@ -557,11 +567,15 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
     hooks.applyEffects = [this](cv::Mat& frame, int timeMs) {
         m_overlay.applyPictureEffects(frame, timeMs, m_settings, false, {});
     };
-    if (m_inset) {
-        hooks.inset = [this](int timeMs, QSize picture) {
-            return m_inset->partAt(timeMs, picture);
-        };
-    }
+    hooks.insets = [this](int timeMs, QSize picture) {
+        std::vector<PictureInset::Part> parts;
+        if (!m_insets.empty()) {
+            const PictureInset::Moment moment = momentOf(timeMs, picture);
+            for (const auto& inset : m_insets)
+                parts.push_back(inset->partAt(moment));
+        }
+        return parts;
+    };
     hooks.reportProgress = [this](int exportedFrames, int totalFrames) {
         emit videoExportProgress(exportedFrames, totalFrames);
     };

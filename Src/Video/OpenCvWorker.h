@@ -81,20 +81,20 @@ public:
     /// the flight before if both are at the same frame.
     void forgetLastFrame();
 
-    /// The picture at a time, null if there is none, with an inset if one is given. Playback goes
-    /// on as if nothing had happened.
-    QImage getFrameAt(QTime time, PictureInset* inset = nullptr);
+    /// The picture at a time, null if there is none, with these insets. Playback goes on as if
+    /// nothing had happened.
+    QImage getFrameAt(QTime time, const PictureInsets& insets = {});
 
     /// Puts a request for the picture at a time behind those that wait. Where `cancelled` is given
-    /// and set, the answer is null. A picture for export has the inset of this moment.
+    /// and set, the answer is null. A picture for export has the insets of this moment.
     void requestFrame(QTime time, StillFrameQueue::Callback callback, bool isForExport,
                       StillFrameQueue::Cancelled cancelled = {});
 
     /// The same before those that wait, and without delay: for one request at a time.
     void requestPreview(QTime time, StillFrameQueue::Callback callback);
 
-    /// What is shown in a part of exported pictures and videos; null for nothing.
-    void setInset(std::shared_ptr<PictureInset> inset) { m_inset = std::move(inset); }
+    /// What is shown in parts of exported pictures and videos.
+    void setInsets(PictureInsets insets) { m_insets = std::move(insets); }
 
     /// Writes the whole timeline as a new video. False if there is none, if the target is one of
     /// the flight's own files or cannot be written, or if playback could not be put back in place.
@@ -138,7 +138,8 @@ private:
     QVideoFrame pictureForScreen(const Frame& picture, int timeMs);
     FrameSource* stillSource(int file);
     QImage extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs,
-                        PictureInset* inset);
+                        const PictureInsets& insets);
+    PictureInset::Moment momentOf(int timelineMs, QSize picture) const;
     void endPlayback();
 
     template <typename Call>
@@ -171,7 +172,7 @@ private:
 
     VideoDisplaySettings m_settings;
     ThermalOverlay m_overlay;
-    std::shared_ptr<PictureInset> m_inset;
+    PictureInsets m_insets;
     const ThermalOverlay::RangeReport m_reportRange = [this](double min, double max) {
         emit irDataChanged(min, max);
     };

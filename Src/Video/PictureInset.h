@@ -1,8 +1,13 @@
 #pragma once
 
+#include "Video/ThermalScale.h"
+
 #include <QImage>
 #include <QPoint>
 #include <QSize>
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace corv {
 
@@ -20,9 +25,20 @@ public:
 
     virtual ~PictureInset() = default;
 
-    /// What is shown at `videoMs` milliseconds after the start of the flight in a picture of this
-    /// size. Drop the part before the next call, which paints into the same image.
-    virtual Part partAt(int videoMs, QSize picture) = 0;
+    /// The picture that a part is for.
+    struct Moment
+    {
+        int videoMs = 0; ///< after the start of the flight
+        QSize picture;
+        std::optional<ThermalScale> thermal; ///< of its overlay; none without one
+    };
+
+    /// What is shown in a picture. Drop the part before the next call, which paints into the same
+    /// image.
+    virtual Part partAt(const Moment& moment) = 0;
 };
+
+/// All that is shown in parts of a picture; the later lies on top.
+using PictureInsets = std::vector<std::shared_ptr<PictureInset>>;
 
 } // namespace corv

@@ -17,10 +17,10 @@ StillFrameQueue::StillFrameQueue(Fetch fetch, QObject* parent)
     connect(&m_turn, &QTimer::timeout, this, &StillFrameQueue::serveOne);
 }
 
-void StillFrameQueue::add(QTime time, Callback callback, Cancelled cancelled, Inset inset)
+void StillFrameQueue::add(QTime time, Callback callback, Cancelled cancelled, PictureInsets insets)
 {
     m_requests.push_back({QDeadlineTimer(delayMs, Qt::PreciseTimer), time, std::move(callback),
-                          std::move(cancelled), std::move(inset)});
+                          std::move(cancelled), std::move(insets)});
     if (!m_turn.isActive())
         waitForNext();
 }
@@ -52,7 +52,7 @@ void StillFrameQueue::serveOne()
         m_requests.pop_front();
         const bool isWanted =
             !request.cancelled || !request.cancelled->load(std::memory_order_relaxed);
-        request.callback(isWanted ? m_fetch(request.time, request.inset.get()) : QImage());
+        request.callback(isWanted ? m_fetch(request.time, request.insets) : QImage());
     }
     waitForNext();
 }

@@ -27,16 +27,13 @@ public:
     /// Set, by any thread, when the picture is no longer wanted; null if that cannot be.
     using Cancelled = std::shared_ptr<const std::atomic<bool>>;
 
-    /// What is shown in a part of the picture; null for nothing.
-    using Inset = std::shared_ptr<PictureInset>;
-
     /// Gives the picture at a time, or a null one.
-    using Fetch = std::function<QImage(QTime time, PictureInset* inset)>;
+    using Fetch = std::function<QImage(QTime time, const PictureInsets& insets)>;
 
     explicit StillFrameQueue(Fetch fetch, QObject* parent = nullptr);
 
     /// Answers with null, without fetching, if `cancelled` is set when the turn comes.
-    void add(QTime time, Callback callback, Cancelled cancelled = {}, Inset inset = {});
+    void add(QTime time, Callback callback, Cancelled cancelled = {}, PictureInsets insets = {});
 
     /// Puts a request before all that wait, to be served in the next turn.
     void addFirst(QTime time, Callback callback);
@@ -54,7 +51,7 @@ private:
         QTime time;
         Callback callback;
         Cancelled cancelled;
-        Inset inset;
+        PictureInsets insets;
     };
 
     void serveOne();

@@ -172,15 +172,28 @@ void ThermalOverlay::draw(cv::Mat& part, cv::Point origin, cv::Size frame, int t
     }
 }
 
-std::shared_ptr<const ThermalReading>
-ThermalOverlay::reading(cv::Size frame, const VideoDisplaySettings& settings) const
+std::optional<ThermalScale> ThermalOverlay::scale(cv::Size frame,
+                                                  const VideoDisplaySettings& settings) const
 {
     const cv::Rect place = thermalRectangle(frame, settings);
     const bool isDrawn = settings.showIR && isActive() &&
                          (m_lastRefusal == Refusal::None || m_lastRefusal == Refusal::Rectangle);
     if (!isDrawn || (place & cv::Rect({0, 0}, frame)).empty())
+        return std::nullopt;
+    ThermalScale scale{settings.irPalette, settings.irMappingMinValue, settings.irMappingMaxValue};
+    if (settings.autoIRMapping)
+        cv::minMaxLoc(m_irFrame, &scale.lowest, &scale.highest);
+    return scale;
+}
+
+std::shared_ptr<const ThermalReading>
+ThermalOverlay::reading(cv::Size frame, const VideoDisplaySettings& settings) const
+{
+    const std::optional<ThermalScale> shown = scale(frame, settings);
+    if (!shown)
         return nullptr;
-    return std::make_shared<const ThermalReading>(m_irFrame, place, frame);
+    return std::make_shared<const ThermalReading>(m_irFrame, thermalRectangle(frame, settings),
+                                                  frame, *shown);
 }
 
 ThermalOverlay::Refusal ThermalOverlay::layOverFrame(cv::Mat& part, cv::Point origin,

@@ -4,12 +4,14 @@
 #include "Log/LogFile.h"
 #include "Log/clocks.h"
 #include "Video/ThermalReading.h"
+#include "Video/ThermalScale.h"
 #include "Video/VideoDisplaySettings.h"
 #include "Video/thermalTables.h"
 
 #include <functional>
 #include <memory>
 #include <opencv2/core.hpp>
+#include <optional>
 
 namespace corv {
 
@@ -66,6 +68,10 @@ public:
     /// The overlay alone, on a frame of type `CV_8UC3`; nothing unless `isActive()`.
     void drawThermalOverlay(cv::Mat& frame, int timeMs, const VideoDisplaySettings& settings,
                             bool invertColours);
+
+    /// What the colours of the overlay mean that was drawn last, on a frame of this size; none
+    /// unless it was drawn and lies in the frame.
+    std::optional<ThermalScale> scale(cv::Size frame, const VideoDisplaySettings& settings) const;
 
     /// What the overlay of a frame of this size, drawn last, says of its places; null unless it was
     /// drawn and lies in the frame.

@@ -5,8 +5,9 @@
 
 namespace corv {
 
-ThermalReading::ThermalReading(const cv::Mat& thermal, const cv::Rect& overlay, cv::Size frame)
-    : m_thermal(thermal.clone()), m_overlay(overlay), m_frame(frame)
+ThermalReading::ThermalReading(const cv::Mat& thermal, const cv::Rect& overlay, cv::Size frame,
+                               const ThermalScale& scale)
+    : m_thermal(thermal.clone()), m_overlay(overlay), m_frame(frame), m_scale(scale)
 {
     bool isFirst = true;
     for (int row = 0; row < m_thermal.rows; ++row) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Video/ThermalScale.h"
+
 #include <QPointF>
 #include <QSize>
 #include <opencv2/core.hpp>
@@ -22,7 +24,11 @@ public:
 
     /// `thermal` (`CV_16UC1`, not empty) is copied. `overlay` is where it lies in a video frame of
     /// `frame` pixels; neither is empty.
-    ThermalReading(const cv::Mat& thermal, const cv::Rect& overlay, cv::Size frame);
+    ThermalReading(const cv::Mat& thermal, const cv::Rect& overlay, cv::Size frame,
+                   const ThermalScale& scale = {});
+
+    /// What the colours of the overlay mean.
+    const ThermalScale& scale() const { return m_scale; }
 
     /// The raw value at a place; none beside the overlay or the frame.
     std::optional<int> valueAt(QPointF place) const;
@@ -37,6 +43,7 @@ private:
     cv::Mat m_thermal;
     cv::Rect m_overlay;
     cv::Size m_frame;
+    ThermalScale m_scale;
     Point m_coldest;
     Point m_hottest;
 };

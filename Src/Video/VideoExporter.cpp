@@ -137,32 +137,51 @@ int VideoExporter::placeOf(double timelineMs) const
 Frame VideoExporter::withEffects(const Frame& frame, int timeMs)
 {
     try {
-        const PictureInset::Part inset =
-            m_hooks.inset ? m_hooks.inset(timeMs, frame.size) : PictureInset::Part();
-        return drawnOn(frame, timeMs, inset);
+        return m_hooks.changesPictures() ? drawnOn(frame, timeMs) : withInsets(frame, timeMs);
     } catch (const std::exception& error) {
         qCWarning(lcVideo) << "Exporting without effects the frame at ms" << timeMs << error.what();
         return frame;
     }
 }
 
-// Where the inset alone changes the picture, only its part is converted.
-Frame VideoExporter::drawnOn(const Frame& frame, int timeMs, const PictureInset::Part& inset)
+Frame VideoExporter::drawnOn(const Frame& frame, int timeMs)
+{
+    cv::Mat& picture = nextPicture();
+    toBgr(frame, picture);
+    m_hooks.applyEffects(picture, timeMs);
+    for (const PictureInset::Part& inset : m_hooks.insets(timeMs, frame.size))
+        blendInset(picture, inset);
+    return bgrFrame(picture);
+}
+
+// Where insets alone change the picture, only the part with them is converted.
+Frame VideoExporter::withInsets(const Frame& frame, int timeMs)
 {
     const cv::Size size(frame.size.width(), frame.size.height());
-    const cv::Rect part = evenPart(changedBy(inset, size), size);
-    const bool hasEffects = m_hooks.changesPictures();
-    if (!hasEffects && part.empty())
+    const std::vector<PictureInset::Part> insets = m_hooks.insets(timeMs, frame.size);
+    cv::Rect changed;
+    for (const PictureInset::Part& inset : insets)
+        changed |= changedBy(inset, size);
+    const cv::Rect part = evenPart(changed, size);
+    if (part.empty())
         return frame;
-    if (!hasEffects && canDrawOnPart(frame))
-        return drawOnPart(frame, part, [&](cv::Mat& bgr) { blendInset(bgr, inset, part.tl()); });
-    m_turn = 1 - m_turn;
-    cv::Mat& picture = m_pictures.at(m_turn);
+    if (canDrawOnPart(frame)) {
+        return drawOnPart(frame, part, [&](cv::Mat& bgr) {
+            for (const PictureInset::Part& inset : insets)
+                blendInset(bgr, inset, part.tl());
+        });
+    }
+    cv::Mat& picture = nextPicture();
     toBgr(frame, picture);
-    if (hasEffects)
-        m_hooks.applyEffects(picture, timeMs);
-    blendInset(picture, inset);
+    for (const PictureInset::Part& inset : insets)
+        blendInset(picture, inset);
     return bgrFrame(picture);
+}
+
+cv::Mat& VideoExporter::nextPicture()
+{
+    m_turn = 1 - m_turn;
+    return m_pictures.at(m_turn);
 }
 
 void VideoExporter::noteLoss(const VideoFileEntry& entry, int firstFrame, int lastFrame)

@@ -9,6 +9,7 @@
 #include <array>
 #include <functional>
 #include <opencv2/core.hpp>
+#include <vector>
 
 namespace corv {
 
@@ -26,8 +27,8 @@ public:
         /// Whether applyEffects() would change a picture.
         std::function<bool()> changesPictures;
         std::function<void(cv::Mat& picture, int timeMs)> applyEffects;
-        /// What is shown in a part of the picture; empty for nothing.
-        std::function<PictureInset::Part(int timeMs, QSize picture)> inset;
+        /// What is shown in parts of the picture, whose effects have been applied before.
+        std::function<std::vector<PictureInset::Part>(int timeMs, QSize picture)> insets;
         std::function<void(int exportedFrames, int totalFrames)> reportProgress;
         std::function<bool()> isCancelled;
     };
@@ -61,7 +62,9 @@ private:
     void place(const VideoFileEntry& entry, const Frame& frame, ExportTarget& target);
     void holdUntil(double timelineMs, ExportTarget& target);
     Frame withEffects(const Frame& frame, int timeMs);
-    Frame drawnOn(const Frame& frame, int timeMs, const PictureInset::Part& inset);
+    Frame drawnOn(const Frame& frame, int timeMs);
+    Frame withInsets(const Frame& frame, int timeMs);
+    cv::Mat& nextPicture();
     void noteLoss(const VideoFileEntry& entry, int firstFrame, int lastFrame);
     Status statusOf(const ExportTarget& target, const Status& finished) const;
     int placeOf(double timelineMs) const;

@@ -194,12 +194,12 @@ public:
     /// again only after the answer.
     virtual bool getPreviewAsync(QTime time, std::function<void(const QImage&)> callback);
 
-    /// The same for a picture that leaves the program: with the inset of exports.
+    /// The same for a picture that leaves the program: with the insets of exports.
     bool getExportFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback);
 
-    /// What is shown in a part of the pictures and videos that are asked for from now on: saved,
-    /// copied, exported and in reports. Null for nothing.
-    void setExportInset(std::shared_ptr<PictureInset> inset);
+    /// What is shown in parts of the pictures and videos that are asked for from now on: saved,
+    /// copied, exported and in reports. Empty for nothing.
+    void setExportInsets(PictureInsets insets);
 
     /// False if no video is open.
     Q_INVOKABLE bool play();
@@ -243,6 +243,10 @@ public:
     /// "coldest" and "hottest" of the overlay on screen, each with "value", "x" and "y" (parts of
     /// the frame's width and height). An empty map without an overlay.
     Q_INVOKABLE QVariantMap thermalExtremes() const;
+
+    /// What the colours of the overlay on screen mean; none without an overlay.
+    /// `thermalReadingChanged` follows each change.
+    std::optional<ThermalScale> thermalScale() const;
 
     /// Saves the picture at a time in the format of the name's suffix, under the next free name if
     /// the file exists and is not to be overwritten. True if the request was made: the file appears
@@ -414,7 +418,7 @@ private:
     int m_currentFrameIndex = 0;
     QTime m_duration;
     bool m_playing = false;
-    std::atomic<bool> m_hasExportInset{false};
+    std::atomic<bool> m_hasExportInsets{false};
     int m_playSpeed = 1;
     int m_frameDurationMs = 0;
     int m_frameCount = 0;

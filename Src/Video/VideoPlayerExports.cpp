@@ -72,15 +72,15 @@ bool VideoPlayer::getFrameAsync(QTime time, std::function<void(const QImage&)> f
 bool VideoPlayer::getExportFrameAsync(QTime time,
                                       std::function<void(const QImage&)> frameResultCallback)
 {
-    if (!m_hasExportInset.load(std::memory_order_relaxed))
+    if (!m_hasExportInsets.load(std::memory_order_relaxed))
         return getFrameAsync(time, std::move(frameResultCallback));
     return requestFrame(time, std::move(frameResultCallback), true, {});
 }
 
-void VideoPlayer::setExportInset(std::shared_ptr<PictureInset> inset)
+void VideoPlayer::setExportInsets(PictureInsets insets)
 {
-    m_hasExportInset.store(inset != nullptr, std::memory_order_relaxed);
-    toWorker([inset = std::move(inset)](OpenCvWorker& worker) { worker.setInset(inset); });
+    m_hasExportInsets.store(!insets.empty(), std::memory_order_relaxed);
+    toWorker([insets = std::move(insets)](OpenCvWorker& worker) { worker.setInsets(insets); });
 }
 
 bool VideoPlayer::getPreviewAsync(QTime time, std::function<void(const QImage&)> callback)

@@ -156,6 +156,13 @@ QVariantMap VideoPlayer::thermalExtremes() const
             {QStringLiteral("hottest"), map(m_thermal->hottest())}};
 }
 
+std::optional<ThermalScale> VideoPlayer::thermalScale() const
+{
+    if (!m_thermal)
+        return std::nullopt;
+    return m_thermal->scale();
+}
+
 void VideoPlayer::sendSettings()
 {
     m_settings.irDataMin = irDataMin();

@@ -65,18 +65,23 @@ bool colourThermalFrame(const cv::Mat& thermal, const VideoDisplaySettings& sett
         mapped.convertTo(reduced, CV_8U, -0.00390625, 256.0);
     else
         mapped.convertTo(reduced, CV_8U, 0.00390625, 0.0);
-    switch (settings.irPalette) {
+    applyPalette(reduced, settings.irPalette, colours);
+    return true;
+}
+
+void applyPalette(const cv::Mat& values, ThermalPalette palette, cv::Mat& colours)
+{
+    switch (palette) {
     case ThermalPalette::rainbow:
-        cv::applyColorMap(reduced, colours, cv::COLORMAP_JET);
+        cv::applyColorMap(values, colours, cv::COLORMAP_JET);
         break;
     case ThermalPalette::even:
-        cv::applyColorMap(reduced, colours, cv::COLORMAP_CIVIDIS);
+        cv::applyColorMap(values, colours, cv::COLORMAP_CIVIDIS);
         break;
     case ThermalPalette::grey:
-        cv::cvtColor(reduced, colours, cv::COLOR_GRAY2BGR);
+        cv::cvtColor(values, colours, cv::COLOR_GRAY2BGR);
         break;
     }
-    return true;
 }
 
 void layOver(cv::Mat& frame, const cv::Mat& colours, const cv::Rect& place, bool translucent)

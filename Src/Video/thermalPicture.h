@@ -16,6 +16,9 @@ cv::Rect thermalRectangle(cv::Size frame, const VideoDisplaySettings& settings);
 bool colourThermalFrame(const cv::Mat& thermal, const VideoDisplaySettings& settings,
                         bool invertColours, cv::Mat& colours);
 
+/// The false colours (`CV_8UC3`) of values from 0, the coldest, to 255 (`CV_8U`).
+void applyPalette(const cv::Mat& values, ThermalPalette palette, cv::Mat& colours);
+
 /// Lays `colours`, enlarged to `place` in blocks, over the part of `place` that lies inside the
 /// frame (`CV_8UC3`): half of each, or all of it.
 void layOver(cv::Mat& frame, const cv::Mat& colours, const cv::Rect& place, bool translucent);

@@ -52,7 +52,7 @@ LogBuilder flightLog()
 
 QImage imageAt(InstrumentsInset& inset, int videoMs, QSize picture)
 {
-    return inset.partAt(videoMs, picture).image.copy();
+    return inset.partAt({videoMs, picture, {}}).image.copy();
 }
 
 int largestDifference(const QImage& one, const QImage& other)
@@ -111,7 +111,7 @@ void InstrumentsInsetTest::isReadableInPicturesOfAnySize()
 void InstrumentsInsetTest::showsWhatThePainterPaints()
 {
     InstrumentsInset inset(m_painter);
-    const PictureInset::Part part = inset.partAt(1500, {1920, 1080});
+    const PictureInset::Part part = inset.partAt({1500, {1920, 1080}, {}});
     const InstrumentsPlace place = instrumentsPlace({1920, 1080}, 510, 150);
     QCOMPARE(part.topLeft, place.rect.topLeft());
     QImage expected(place.rect.size(), QImage::Format_ARGB32_Premultiplied);
@@ -168,11 +168,11 @@ void InstrumentsInsetTest::showsNothingWithoutASynchronisedLog()
 {
     m_clock->synced = false;
     InstrumentsInset inset(m_painter);
-    QVERIFY(inset.partAt(0, {1280, 720}).image.isNull());
-    QVERIFY(InstrumentsInset(HeadUpPainter()).partAt(0, {1280, 720}).image.isNull());
+    QVERIFY(inset.partAt({0, {1280, 720}, {}}).image.isNull());
+    QVERIFY(InstrumentsInset(HeadUpPainter()).partAt({0, {1280, 720}, {}}).image.isNull());
     m_clock->synced = true;
-    QVERIFY(!inset.partAt(0, {1280, 720}).image.isNull());
-    QVERIFY(inset.partAt(0, {0, 0}).image.isNull());
+    QVERIFY(!inset.partAt({0, {1280, 720}, {}}).image.isNull());
+    QVERIFY(inset.partAt({0, {0, 0}, {}}).image.isNull());
 }
 
 QTEST_MAIN(InstrumentsInsetTest)

@@ -20,8 +20,10 @@ private slots:
     void openersShowTheirWindow();
     void pointsOfInterestAsATable_data();
     void pointsOfInterestAsATable();
-    void instrumentsInExportsAreRemembered();
-    void instrumentsAreChosenInTheExportWindows();
+    void cornersOfExportsAreRemembered_data();
+    void cornersOfExportsAreRemembered();
+    void cornersAreChosenInTheExportWindows_data();
+    void cornersAreChosenInTheExportWindows();
     void fullScreenIsToggled();
     void exitEndsTheProgram();
     void menuKeysWork_data();
@@ -67,6 +69,7 @@ void MenusTest::entries_data()
     row("exportPoiTableMenuItem", "Export points of interest as a table...", "");
     row("copyFrameMenuItem", "&Copy current frame to clipboard", "Ctrl+C");
     row("exportInstrumentsMenuItem", "Show flight &instruments in exports", "");
+    row("exportThermalBarMenuItem", "Show thermal colour &bar in exports", "");
     row("generalSettingsMenuItem", "General settings", "");
     row("fullScreenMenuItem", "&Full screen", "F11");
     row("pictureAloneMenuItem", "&Picture alone on full screen", "F");
@@ -98,8 +101,8 @@ void MenusTest::enabledStates_data()
     };
     for (const char* always :
          {"newFromVideoMenuItem", "newFromDevicesMenuItem", "openProjectMenuItem", "exitMenuItem",
-          "exportInstrumentsMenuItem", "generalSettingsMenuItem", "fullScreenMenuItem",
-          "userGuideMenuItem", "shortcutsMenuItem", "aboutMenuItem"})
+          "exportInstrumentsMenuItem", "exportThermalBarMenuItem", "generalSettingsMenuItem",
+          "fullScreenMenuItem", "userGuideMenuItem", "shortcutsMenuItem", "aboutMenuItem"})
         row(always, true, true, true, true);
     for (const char* video : {"importLogMenuItem", "saveProjectMenuItem", "saveProjectAsMenuItem",
                               "closeProjectMenuItem", "exportFramesMenuItem", "exportVideoMenuItem",
@@ -259,63 +262,92 @@ void MenusTest::pointsOfInterestAsATable()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void MenusTest::instrumentsInExportsAreRemembered()
+void MenusTest::cornersOfExportsAreRemembered_data()
 {
-    const auto shown = [this] { return m_ui->get("exportInstruments", "shown").toBool(); };
-    const auto checked = [this] {
-        return m_ui->get("exportInstrumentsMenuItem", "checked").toBool();
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QString>("log");
+    QTest::newRow("instruments") << "exportInstrumentsMenuItem"
+                                 << "instruments" << media().logWithInstruments();
+    QTest::newRow("thermal bar") << "exportThermalBarMenuItem"
+                                 << "thermalBar" << media().logWithThermal();
+}
+
+void MenusTest::cornersOfExportsAreRemembered()
+{
+    QFETCH(QString, entry);
+    QFETCH(QString, property);
+    QFETCH(QString, log);
+    const QByteArray item = entry.toLatin1();
+    const auto shown = [&] {
+        return m_ui->get("exportInsets", property.toLatin1().constData()).toBool();
     };
+    const auto checked = [&] { return m_ui->get(item.constData(), "checked").toBool(); };
     QVERIFY(!shown() && !checked());
     const QString folder = FlightMedia::instance().newFolder();
     QVERIFY(m_ui->openVideo());
-    QVERIFY(m_ui->importLog(media().logWithInstruments()));
+    QVERIFY(m_ui->importLog(log));
+    m_ui->evaluate("videoPlayer.showIR = true");
     const auto saved = [&](const char* name) {
         const QString file = folder + '/' + name;
         m_ui->evaluate("videoPlayer.saveFrame(videoPlayer.timePosition, '" + file + "', true)");
         return QTest::qWaitFor([&] { return !QImage(file).isNull(); }) ? QImage(file) : QImage();
     };
     const QImage bare = saved("bare.png");
-    QVERIFY(m_ui->trigger("exportInstrumentsMenuItem"));
+    QVERIFY(m_ui->trigger(item.constData()));
     QVERIFY(shown() && checked());
     const QImage corner = saved("corner.png");
     QVERIFY(!bare.isNull() && corner.size() == bare.size());
     QVERIFY(corner != bare);
+    const QRect left(0, 0, bare.width() / 3, bare.height());
+    QCOMPARE(corner.copy(left) != bare.copy(left), property == "thermalBar");
     QVERIFY(m_ui->reload());
     QVERIFY(shown() && checked());
-    QVERIFY(m_ui->trigger("exportInstrumentsMenuItem"));
+    QVERIFY(m_ui->trigger(item.constData()));
     QVERIFY(!shown() && !checked());
-    QVERIFY(m_ui->trigger("exportInstrumentsMenuItem"));
+    QVERIFY(m_ui->trigger(item.constData()));
     QVERIFY(shown() && checked());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void MenusTest::instrumentsAreChosenInTheExportWindows()
+void MenusTest::cornersAreChosenInTheExportWindows_data()
 {
-    const auto shown = [this] { return m_ui->get("exportInstruments", "shown").toBool(); };
+    QTest::addColumn<QString>("property");
+    QTest::newRow("instruments") << "instruments";
+    QTest::newRow("thermal bar") << "thermalBar";
+}
+
+void MenusTest::cornersAreChosenInTheExportWindows()
+{
+    QFETCH(QString, property);
+    const QByteArray name = property.toLatin1();
+    const QByteArray enabled = name + "Enabled";
+    const auto shown = [&] { return m_ui->get("exportInsets", name.constData()).toBool(); };
     QVERIFY(m_ui->openVideo());
     for (const char* opener : {"exportFramesMenuItem", "exportVideoMenuItem"}) {
         const QString title =
             qstrcmp(opener, "exportVideoMenuItem") == 0 ? "Export video" : "Export frames";
         QVERIFY(m_ui->trigger(opener));
         QTRY_VERIFY(UiFixture::visibleWindow(title));
-        QVERIFY(!UiFixture::visibleWindow(title)->property("instrumentsEnabled").toBool());
+        QVERIFY(!UiFixture::visibleWindow(title)->property(enabled.constData()).toBool());
         UiFixture::visibleWindow(title)->close();
         QTRY_VERIFY(!UiFixture::visibleWindow(title));
     }
     QVERIFY(m_ui->importLog());
+    m_ui->evaluate("videoPlayer.showIR = true");
     for (const bool wanted : {true, false}) {
         const QString folder = FlightMedia::instance().newFolder();
         QVERIFY(m_ui->trigger("exportFramesMenuItem"));
         QTRY_VERIFY(UiFixture::visibleWindow("Export frames"));
         QQuickWindow* window = UiFixture::visibleWindow("Export frames");
-        QVERIFY(window->property("instrumentsEnabled").toBool());
-        QCOMPARE(window->property("instruments").toBool(), !wanted);
+        QVERIFY(window->property(enabled.constData()).toBool());
+        QCOMPARE(window->property(name.constData()).toBool(), !wanted);
         window->setProperty("framesUrl", QUrl::fromLocalFile(folder));
         QVERIFY(UiFixture::visibleWindow("Export frames") == window);
-        UiFixture::click(m_ui->item("instrumentsCheckBox", window));
-        QCOMPARE(window->property("instruments").toBool(), wanted);
+        UiFixture::click(m_ui->item((name + "CheckBox").constData(), window));
+        QCOMPARE(window->property(name.constData()).toBool(), wanted);
         QCOMPARE(shown(), !wanted);
-        m_ui->screenshot("Export frames with instruments");
+        m_ui->screenshot("Export frames with " + property);
         QMetaObject::invokeMethod(window, "exportImages");
         QTRY_VERIFY(!UiFixture::visibleWindow("Export frames"));
         QCOMPARE(shown(), wanted);

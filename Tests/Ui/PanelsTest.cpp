@@ -222,12 +222,27 @@ void PanelsTest::theTimelineShowsThePictureAtThePointer()
 void PanelsTest::theThermalBarHasTheEndsOfTheRange()
 {
     QVERIFY(m_ui->openVideo());
-    QVERIFY(!m_ui->item("thermalBar")->isVisible());
-    m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.autoIRMapping = false;"
-                   "videoPlayer.irMappingMinValue = 7000; videoPlayer.irMappingMaxValue = 9000");
+    const auto ends = [this] {
+        return m_ui->get("thermalScale", "lowestText").toString() + " to " +
+               m_ui->get("thermalScale", "highestText").toString();
+    };
+    m_ui->evaluate("videoPlayer.showIR = true");
+    QVERIFY(!m_ui->item("thermalBar")->isVisible()); // without thermal pictures
+    QVERIFY(m_ui->importLog(media().logWithThermal()));
+    m_ui->evaluate("videoPlayer.autoIRMapping = true; videoPlayer.redraw()");
     QTRY_VERIFY(m_ui->item("thermalBar")->isVisible());
-    QCOMPARE(m_ui->get("lowestText", "text").toString(), QString("7000"));
-    QCOMPARE(m_ui->get("highestText", "text").toString(), QString("9000"));
+    QTRY_COMPARE(ends(), QString("7000 to 7159"));
+    m_ui->evaluate("videoPlayer.goToFrame(100)");
+    QTRY_COMPARE(ends(), QString("8000 to 8159"));
+    m_ui->screenshot("thermal bar");
+    m_ui->evaluate("videoPlayer.goToFrame(10)");
+    QTRY_COMPARE(ends(), QString("7000 to 7159"));
+    m_ui->evaluate("videoPlayer.autoIRMapping = false;"
+                   "videoPlayer.irMappingMinValue = 7100; videoPlayer.irMappingMaxValue = 9000;"
+                   "videoPlayer.redraw()");
+    QTRY_COMPARE(ends(), QString("7100 to 9000"));
+    m_ui->evaluate("videoPlayer.showIR = false");
+    QTRY_VERIFY(!m_ui->item("thermalBar")->isVisible());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 

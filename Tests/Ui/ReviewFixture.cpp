@@ -26,11 +26,33 @@ bool writeVideo(const QString& path)
     return writer.isOpened();
 }
 
-bool writeLog(const QString& path, quint32 recordingMs, int leptonType = -1,
-              bool hasInstruments = false)
+constexpr quint32 start = 10'000;
+constexpr quint32 firstFrame = start + 690;
+
+// Two frames, each a slope from left to right.
+void addThermal(LogBuilder& log)
 {
-    constexpr quint32 start = 10'000;
-    constexpr quint32 firstFrame = start + 690;
+    constexpr int columns = 160;
+    constexpr int lines = 120;
+    log.addGroup("lepton_status", 7, {{"time", "UINT32", 1}, {"frame_counter", "UINT32", 1}});
+    log.addGroup("lepton_video", 8,
+                 {{"frame_counter", "UINT32", 1},
+                  {"image_part", "UINT8", 1},
+                  {"image", "UINT16", columns * lines}});
+    for (quint32 frame = 0; frame < 2; ++frame) {
+        QByteArray line;
+        for (int x = 0; x < columns; ++x) {
+            const int value = 7000 + 1000 * static_cast<int>(frame) + x;
+            line.append(static_cast<char>(value >> 8)).append(static_cast<char>(value & 0xff));
+        }
+        log.addPacket(7, LogBuilder::u32(firstFrame + 1000 * (frame + 1)) + LogBuilder::u32(frame));
+        log.addPacket(8, LogBuilder::u32(frame) + LogBuilder::u8(0) + line.repeated(lines));
+    }
+}
+
+bool writeLog(const QString& path, quint32 recordingMs, int leptonType = -1,
+              bool hasInstruments = false, bool hasThermal = false)
+{
     LogBuilder log;
     log.addGroup("mobius_start_rec", 1, {{"mobius_start_rec", "UINT32", 1}});
     log.addGroup("mobius_stop_rec", 2, {{"mobius_stop_rec", "UINT32", 1}});
@@ -53,6 +75,8 @@ bool writeLog(const QString& path, quint32 recordingMs, int leptonType = -1,
         log.addGroup("camera_cmd", 6, {{"time", "UINT32", 1}, {"servo_angle", "FLOAT", 1}});
         log.addPacket(6, LogBuilder::u32(firstFrame) + LogBuilder::f32(-30));
     }
+    if (hasThermal)
+        addThermal(log);
     return log.save(path);
 }
 
@@ -80,6 +104,12 @@ QString FlightMedia::logWithInstruments() const
 {
     const QString path = m_folder.filePath("instruments.log");
     return writeLog(path, videoMs + 1000, -1, true) ? path : QString();
+}
+
+QString FlightMedia::logWithThermal() const
+{
+    const QString path = m_folder.filePath("thermal.log");
+    return writeLog(path, videoMs + 1000, -1, false, true) ? path : QString();
 }
 
 QString FlightMedia::logOfCamera(int leptonType) const

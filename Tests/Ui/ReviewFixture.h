@@ -29,6 +29,10 @@ public:
     /// A log of the flight with the angle of its camera.
     QString logWithInstruments() const;
 
+    /// A log of the flight with thermal frames: raw values from 7000 to 7159 in the first second,
+    /// from 8000 to 8159 later.
+    QString logWithThermal() const;
+
     /// A file that no decoder reads as a log.
     const QString& brokenLog() const { return m_brokenLog; }
 

@@ -144,6 +144,7 @@ void WordingTest::secondaryWindows_data()
                                            "Export images to folder:",
                                            "Browse...",
                                            "Show the flight instruments in a corner",
+                                           "Show the thermal colour bar in a corner",
                                            "Cancel",
                                            "Export images"};
     QTest::newRow("video")
@@ -152,6 +153,7 @@ void WordingTest::secondaryWindows_data()
         << QStringList{"Video file to export:",
                        "Browse...",
                        "Show the flight instruments in a corner",
+                       "Show the thermal colour bar in a corner",
                        "Video will be rendered with the same apparance as on the player. "
                        "This includes thermal camera overlay visibility and adjustments, "
                        "image brightness and contrast.\n",

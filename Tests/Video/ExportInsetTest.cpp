@@ -17,18 +17,34 @@ const QRect place(100, 60, 40, 30);
 class ClockInset : public PictureInset
 {
 public:
-    Part partAt(int videoMs, QSize picture) override
+    Part partAt(const Moment& moment) override
     {
-        times << videoMs;
-        sizes << picture;
+        times << moment.videoMs;
+        sizes << moment.picture;
         QImage image(place.size(), QImage::Format_ARGB32_Premultiplied);
-        image.fill(qRgba(std::min(videoMs / 40 * 5, 255), 0, 0, 255));
+        image.fill(qRgba(std::min(moment.videoMs / 40 * 5, 255), 0, 0, 255));
         return {image, place.topLeft()};
     }
 
     // Read once the worker has answered.
     QList<int> times;
     QList<QSize> sizes;
+};
+
+class PlainInset : public PictureInset
+{
+public:
+    PlainInset(const QRect& rect, const QColor& colour)
+        : m_topLeft(rect.topLeft()), m_image(rect.size(), QImage::Format_ARGB32_Premultiplied)
+    {
+        m_image.fill(colour);
+    }
+
+    Part partAt(const Moment&) override { return {m_image, m_topLeft}; }
+
+private:
+    QPoint m_topLeft;
+    QImage m_image;
 };
 
 int shownFrame(const QImage& picture)
@@ -51,6 +67,8 @@ private slots:
     void picturesForExportHaveTheirOwnTime();
     void otherPicturesHaveNone();
     void aSeriesKeepsTheInsetItWasAskedWith();
+    void allInsetsAreShown_data();
+    void allInsetsAreShown();
     void everyFrameOfAVideoHasItsOwnTime_data();
     void everyFrameOfAVideoHasItsOwnTime();
 
@@ -127,7 +145,7 @@ void ExportInsetTest::picturesForExportHaveTheirOwnTime()
     addFile("CORV0002.MP4", 25, 25);
     open("CORV0001.MP4");
     const auto inset = std::make_shared<ClockInset>();
-    m_player->setExportInset(inset);
+    m_player->setExportInsets({inset});
     const QImage image = picture(askedMs, true);
     QVERIFY(!image.isNull());
     QFETCH(int, frameMs);
@@ -142,14 +160,14 @@ void ExportInsetTest::otherPicturesHaveNone()
     open("a.mp4");
     const QImage bare = picture(400, true);
     const auto inset = std::make_shared<ClockInset>();
-    m_player->setExportInset(inset);
+    m_player->setExportInsets({inset});
     QCOMPARE(picture(400, false), bare);
     QVERIFY(picture(400, true) != bare);
     QSignalSpy copied(m_player.get(), &VideoPlayer::frameCopyComplete);
     m_player->copyFrameToClipboard(timeAt(400));
     QTRY_COMPARE(copied.size(), 1);
     QCOMPARE(shownFrame(QGuiApplication::clipboard()->image()), 10);
-    m_player->setExportInset(nullptr);
+    m_player->setExportInsets({});
     QCOMPARE(picture(400, true), bare);
 }
 
@@ -157,13 +175,52 @@ void ExportInsetTest::aSeriesKeepsTheInsetItWasAskedWith()
 {
     addFile("a.mp4", 30);
     open("a.mp4");
-    m_player->setExportInset(std::make_shared<ClockInset>());
+    m_player->setExportInsets({std::make_shared<ClockInset>()});
     QSignalSpy complete(m_player.get(), &VideoPlayer::framesExportComplete);
     QVERIFY(m_player->exportSpecificFrames({0, 400, 800}, m_folder->path(), "Frame"));
-    m_player->setExportInset(nullptr);
+    m_player->setExportInsets({});
     QTRY_COMPARE(complete.size(), 1);
     QVERIFY(qAbs(shownFrame(QImage(path("Frame001.jpg"))) - 10) <= 1);
     QVERIFY(qAbs(shownFrame(QImage(path("Frame002.jpg"))) - 20) <= 1);
+}
+
+void ExportInsetTest::allInsetsAreShown_data()
+{
+    QTest::addColumn<bool>("withEffects");
+    QTest::newRow("alone") << false;
+    QTest::newRow("over effects") << true;
+}
+
+// In pictures and in videos; the later lies over the earlier.
+void ExportInsetTest::allInsetsAreShown()
+{
+    QFETCH(bool, withEffects);
+    addFile("a.mp4", 3);
+    open("a.mp4");
+    const QRect red(10, 10, 30, 20);
+    const QRect green(120, 90, 30, 20);
+    const QRect blue(15, 12, 8, 8);
+    m_player->setExportInsets({std::make_shared<PlainInset>(red, Qt::red),
+                               std::make_shared<PlainInset>(green, Qt::green),
+                               std::make_shared<PlainInset>(blue, Qt::blue)});
+    if (withEffects)
+        m_player->setBrightness(-10);
+    const QImage still = picture(0, true);
+    QCOMPARE(still.pixelColor(red.bottomRight()), QColor(Qt::red));
+    QCOMPARE(still.pixelColor(green.center()), QColor(Qt::green));
+    QCOMPARE(still.pixelColor(blue.center()), QColor(Qt::blue));
+    const ExportRecord record(*m_player);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE_WITH_TIMEOUT(record.results, QList<bool>{true}, 60000);
+    const auto source = openVideo(path("out.mp4"));
+    QVERIFY(source != nullptr);
+    const cv::Mat frame = readPicture(*source);
+    const auto channelAt = [&frame](const QPoint& point, int channel) {
+        return int(frame.at<cv::Vec3b>(point.y(), point.x())[channel]);
+    };
+    QVERIFY(channelAt(red.center() + QPoint(8, 4), 2) > 200);
+    QVERIFY(channelAt(green.center(), 1) > 200);
+    QVERIFY(channelAt(blue.center(), 0) > 200);
 }
 
 void ExportInsetTest::everyFrameOfAVideoHasItsOwnTime_data()
@@ -180,7 +237,7 @@ void ExportInsetTest::everyFrameOfAVideoHasItsOwnTime()
     addFile("CORV0002.MP4", 20, 20);
     open("CORV0001.MP4");
     const auto inset = std::make_shared<ClockInset>();
-    m_player->setExportInset(inset);
+    m_player->setExportInsets({inset});
     if (withEffects)
         m_player->setBrightness(-10);
     const ExportRecord record(*m_player);

@@ -40,6 +40,20 @@ LogBuilder coldThenHotLog()
     return log;
 }
 
+/// Shows nothing and remembers the scale of each picture.
+class ScaleInset : public PictureInset
+{
+public:
+    Part partAt(const Moment& moment) override
+    {
+        scales.push_back(moment.thermal);
+        return {};
+    }
+
+    // Read once the worker has answered.
+    std::vector<std::optional<ThermalScale>> scales;
+};
+
 /// Whether the middle of the overlay is red, and with nothing of the picture under it.
 bool isHot(const cv::Vec3b& bgr)
 {
@@ -80,6 +94,9 @@ private slots:
     void theOverlayOfASavedFrameFollowsItsFile();
     void theRangeIsSignalledOnTheInterfaceThread();
     void theOverlayOnScreenSaysItsValues();
+    void theScaleIsThatOfTheFrameOnScreen();
+    void insetsKnowTheScaleOfTheirOwnFrame_data();
+    void insetsKnowTheScaleOfTheirOwnFrame();
     void theGreyPaletteHasNoColours();
     void aSeriesNamesPicturesWithAnotherThermalPicture();
     void cancelledInTheSecondFile();
@@ -281,6 +298,71 @@ void VideoExportTest::theOverlayOnScreenSaysItsValues()
     }
     m_player->setShowIR(false);
     QTRY_VERIFY(m_player->thermalExtremes().isEmpty());
+}
+
+// The stated range is that of the frame before; the colour bar must not lag.
+void VideoExportTest::theScaleIsThatOfTheFrameOnScreen()
+{
+    openTwoFilesWithALog();
+    QTRY_VERIFY(m_player->thermalStatus().ok());
+    QVERIFY(!m_player->thermalScale());
+    m_player->setAutoIRMapping(true);
+    m_player->setShowIR(true);
+    for (const auto& [frame, value] : {std::pair{10, 0}, std::pair{40, 16383}, std::pair{5, 0}}) {
+        QVERIFY(m_player->goToFrame(frame));
+        QTRY_COMPARE(m_surface.lastNumber(), frame);
+        QVERIFY(m_player->thermalScale() ==
+                (ThermalScale{ThermalPalette::rainbow, double(value), double(value)}));
+    }
+    m_player->setAutoIRMapping(false);
+    m_player->setIrMappingMinValue(7000);
+    m_player->setIrPalette(static_cast<int>(ThermalPalette::grey));
+    QTRY_VERIFY(m_player->thermalScale() == (ThermalScale{ThermalPalette::grey, 7000, 16383}));
+    m_player->setShowIR(false);
+    QTRY_VERIFY(!m_player->thermalScale());
+}
+
+void VideoExportTest::insetsKnowTheScaleOfTheirOwnFrame_data()
+{
+    QTest::addColumn<bool>("showIR");
+    QTest::addColumn<bool>("automatic");
+    QTest::newRow("automatic range") << true << true;
+    QTest::newRow("range by hand") << true << false;
+    QTest::newRow("without the overlay") << false << true;
+}
+
+void VideoExportTest::insetsKnowTheScaleOfTheirOwnFrame()
+{
+    QFETCH(bool, showIR);
+    QFETCH(bool, automatic);
+    openTwoFilesWithALog();
+    m_player->setShowIR(showIR);
+    m_player->setAutoIRMapping(automatic);
+    m_player->setIrMappingMinValue(100);
+    m_player->setThermalAsOnScreen(true);
+    const auto inset = std::make_shared<ScaleInset>();
+    m_player->setExportInsets({inset});
+    const auto expected = [&](int frame) -> std::optional<ThermalScale> {
+        if (!showIR)
+            return std::nullopt;
+        const double value = frame < 25 ? 0 : 16383;
+        return automatic ? ThermalScale{ThermalPalette::rainbow, value, value}
+                         : ThermalScale{ThermalPalette::rainbow, 100, 16383};
+    };
+    const ExportRecord record(*m_player);
+    QVERIFY(m_player->exportVideo(path("out.mp4")));
+    QTRY_COMPARE(record.results.size(), 1);
+    QCOMPARE(int(inset->scales.size()), 50);
+    for (int i = 0; i < 50; ++i)
+        QVERIFY2(inset->scales[static_cast<size_t>(i)] == expected(i),
+                 qPrintable(QString::number(i)));
+    inset->scales.clear();
+    for (const int frame : {40, 3}) {
+        QSignalSpy saved(m_player.get(), &VideoPlayer::frameSaveComplete);
+        QVERIFY(m_player->saveFrame(timeAt(frame * 40), path("shot.png"), true));
+        QTRY_COMPARE(saved.size(), 1);
+        QVERIFY(inset->scales.back() == expected(frame));
+    }
 }
 
 void VideoExportTest::theGreyPaletteHasNoColours()

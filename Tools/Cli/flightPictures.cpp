@@ -1,7 +1,7 @@
 #include "Cli/flightPictures.h"
 
 #include "Base/videoTime.h"
-#include "Cli/instruments.h"
+#include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 #include "Threads/post.h"
 #include "Video/pictureFile.h"
@@ -13,22 +13,6 @@
 #include <unistd.h>
 
 namespace corv::cli {
-namespace {
-
-// Why the pictures of the flight cannot have a thermal overlay; empty if they can.
-QString whyNoOverlay(OpenFlight& flight)
-{
-    if (!flight.logParser().log())
-        return QStringLiteral("--thermal needs a log with thermal pictures");
-    if (!flight.player().thermalStatus())
-        return flight.player().thermalStatus().failure().sentence;
-    if (!flight.logParser().isSynced())
-        return QStringLiteral("no thermal pictures: the log holds no recording of the video");
-    return {};
-}
-
-} // namespace
-
 ProgressLine::ProgressLine(const char* what)
     : m_what(what), m_isOnTerminal(isatty(STDERR_FILENO) == 1)
 {
@@ -58,13 +42,14 @@ ExitStatus openFlight(OpenFlight& flight, const QCommandLineParser& line, const 
     const Status opened = flight.open(arguments, out);
     if (!opened)
         return fail(opened.failure());
-    if (const Status shown = showInstruments(line, flight); !shown)
-        return fail(shown.failure());
-    if (!line.isSet(thermalOption))
-        return Done;
-    flight.player().setShowIR(true);
-    const QString reason = whyNoOverlay(flight);
-    return reason.isEmpty() ? Done : fail(reason);
+    if (line.isSet(thermalOption)) {
+        flight.player().setShowIR(true);
+        const QString reason = whyNoOverlay(flight, thermalOption);
+        if (!reason.isEmpty())
+            return fail(reason);
+    }
+    const Status shown = showInsets(line, flight);
+    return shown ? Done : fail(shown.failure());
 }
 
 ExitStatus openForPictures(OpenFlight& flight, const QCommandLineParser& line, const QString& out)

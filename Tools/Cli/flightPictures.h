@@ -30,7 +30,7 @@ private:
 };
 
 /// Opens the one flight that the line names, if `out` is none of its files, and shows the thermal
-/// overlay and the instruments where the line asks for them.
+/// overlay, the instruments and the colour bar where the line asks for them.
 ExitStatus openFlight(OpenFlight& flight, const QCommandLineParser& line, const QString& out);
 
 /// The same for commands that save pictures.

@@ -1,6 +1,6 @@
 #include "Base/videoTime.h"
 #include "Cli/flightPictures.h"
-#include "Cli/instruments.h"
+#include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 
 #include <QDir>
@@ -136,7 +136,7 @@ ExitStatus video(const QCommandLineParser& line)
 
 std::vector<Command> frameCommands()
 {
-    const QString flight = QStringLiteral("(PROJECT | VIDEO [LOG]) [--thermal]") + instrumentsUsage;
+    const QString flight = QStringLiteral("(PROJECT | VIDEO [LOG]) [--thermal]") + insetsUsage;
     const QCommandLineOption thermal =
         flag(thermalOption, QStringLiteral("draws the thermal overlay in any case"));
     const auto out = [](const char* valueName, const char* description) {
@@ -149,30 +149,30 @@ std::vector<Command> frameCommands()
                                        QStringLiteral("beginning of the file names: Frame"));
     prefix.setDefaultValue(QStringLiteral("Frame"));
     const QString pictures = flight + QStringLiteral(" [--thermal-clock file|screen]");
-    return {{QStringLiteral("frame"), pictures + QStringLiteral(" --at-ms N --out IMAGE"),
-             QStringLiteral("one picture, in the format of its suffix"),
-             QList<QCommandLineOption>{thermal, thermalClockOption(),
-                                       number(timeOption, "time in the flight, in milliseconds"),
-                                       out("IMAGE", "the picture to write")} +
-                 instrumentOptions(),
-             frame},
-            {QStringLiteral("frames"),
-             pictures + QStringLiteral(" --out FOLDER [--prefix P] "
-                                       "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
-             QStringLiteral("a series of pictures, or one of each point of interest"),
-             QList<QCommandLineOption>{
-                 thermal, thermalClockOption(), out("FOLDER", "where to write the pictures"),
-                 prefix, flag(poiOption, QStringLiteral("one picture of each point of interest")),
-                 number(fromOption, "start of the range, in milliseconds: 0"),
-                 number(toOption, "end of the range, in milliseconds: that of the flight"),
-                 number(spacingOption, "a picture every N frames: 10")} +
-                 instrumentOptions(),
-             frames},
-            {QStringLiteral("video"), flight + QStringLiteral(" --out VIDEO"),
-             QStringLiteral("the whole flight as a new video"),
-             QList<QCommandLineOption>{thermal, out("VIDEO", "the video to write")} +
-                 instrumentOptions(),
-             video}};
+    return {
+        {QStringLiteral("frame"), pictures + QStringLiteral(" --at-ms N --out IMAGE"),
+         QStringLiteral("one picture, in the format of its suffix"),
+         QList<QCommandLineOption>{thermal, thermalClockOption(),
+                                   number(timeOption, "time in the flight, in milliseconds"),
+                                   out("IMAGE", "the picture to write")} +
+             insetOptions(),
+         frame},
+        {QStringLiteral("frames"),
+         pictures + QStringLiteral(" --out FOLDER [--prefix P] "
+                                   "[--poi | --from-ms N --to-ms N --spacing FRAMES]"),
+         QStringLiteral("a series of pictures, or one of each point of interest"),
+         QList<QCommandLineOption>{
+             thermal, thermalClockOption(), out("FOLDER", "where to write the pictures"), prefix,
+             flag(poiOption, QStringLiteral("one picture of each point of interest")),
+             number(fromOption, "start of the range, in milliseconds: 0"),
+             number(toOption, "end of the range, in milliseconds: that of the flight"),
+             number(spacingOption, "a picture every N frames: 10")} +
+             insetOptions(),
+         frames},
+        {QStringLiteral("video"), flight + QStringLiteral(" --out VIDEO"),
+         QStringLiteral("the whole flight as a new video"),
+         QList<QCommandLineOption>{thermal, out("VIDEO", "the video to write")} + insetOptions(),
+         video}};
 }
 
 } // namespace corv::cli

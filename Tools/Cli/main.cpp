@@ -1,6 +1,6 @@
 #include "Cli/Command.h"
 #include "Cli/diagnostics.h"
-#include "Cli/instruments.h"
+#include "Cli/insets.h"
 
 #include <QGuiApplication>
 #include <QTextCodec>
@@ -23,7 +23,8 @@ std::vector<Command> allCommands()
 std::unique_ptr<QCoreApplication> makeApplication(const QStringList& arguments, char** argv)
 {
     static int noArguments = 1; // the words of the line are the tool's own
-    if (!arguments.contains(QStringLiteral("--") + instrumentsOption))
+    if (!arguments.contains(QStringLiteral("--") + instrumentsOption) &&
+        !arguments.contains(QStringLiteral("--") + thermalBarOption))
         return std::make_unique<QCoreApplication>(noArguments, argv);
     constexpr const char* platform = "QT_QPA_PLATFORM";
     const bool wasSet = qEnvironmentVariableIsSet(platform);

@@ -1,5 +1,5 @@
 #include "Cli/flightPictures.h"
-#include "Cli/instruments.h"
+#include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 #include "Log/printable.h"
 #include "Timeline/poiTable.h"
@@ -64,7 +64,8 @@ ExitStatus points(const QCommandLineParser& line)
     if ((line.isSet(outOption) && out.isEmpty()) ||
         (line.isSet(picturesOption) && line.value(picturesOption).isEmpty()) ||
         (!line.isSet(picturesOption) &&
-         (line.isSet(instrumentsOption) || line.isSet(thermalOption))))
+         (line.isSet(instrumentsOption) || line.isSet(thermalOption) ||
+          line.isSet(thermalBarOption))))
         return WrongUsage;
     OpenFlight flight;
     const ExitStatus opened = openForPictures(flight, line, out);
@@ -94,7 +95,7 @@ std::vector<Command> pointsCommands()
     return {{QStringLiteral("points"),
              QStringLiteral("(PROJECT | VIDEO [LOG]) [--json] [--imperial] [--out FILE] "
                             "[--pictures FOLDER [--thermal] [--thermal-clock file|screen] "
-                            "[--instruments]]"),
+                            "[--instruments] [--thermal-bar]]"),
              QStringLiteral("the points of interest as a table"),
              QList<QCommandLineOption>{
                  flag(jsonOption, QStringLiteral("writes JSON, not comma-separated values")),
@@ -104,7 +105,7 @@ std::vector<Command> pointsCommands()
                         QStringLiteral("writes the picture of each, too")),
                  flag(thermalOption, QStringLiteral("draws the thermal overlay in any case")),
                  thermalClockOption()} +
-                 instrumentOptions(),
+                 insetOptions(),
              points}};
 }
 

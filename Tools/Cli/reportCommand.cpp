@@ -1,5 +1,5 @@
 #include "Cli/Command.h"
-#include "Cli/instruments.h"
+#include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 #include "Project/ReportWriter.h"
 #include "Review/OpenFlight.h"
@@ -56,7 +56,7 @@ ExitStatus report(const QCommandLineParser& line)
     const Status opened = flight.open(arguments, path);
     if (!opened)
         return fail(opened.failure());
-    if (const Status shown = showInstruments(line, flight); !shown)
+    if (const Status shown = showInsets(line, flight); !shown)
         return fail(shown.failure());
     const Status written = writeReport(flight, path);
     return written ? Done : fail(written.failure());
@@ -67,13 +67,13 @@ ExitStatus report(const QCommandLineParser& line)
 std::vector<Command> reportCommands()
 {
     return {{QStringLiteral("report"),
-             QStringLiteral("(PROJECT | VIDEO [LOG])") + instrumentsUsage +
+             QStringLiteral("(PROJECT | VIDEO [LOG])") + insetsUsage +
                  QStringLiteral(" [--thermal-clock file|screen] --out FILE.docx"),
              QStringLiteral("a Word document with a page for each point of interest"),
              QList<QCommandLineOption>{thermalClockOption(),
                                        valued(QStringLiteral("out"), QStringLiteral("FILE.docx"),
                                               QStringLiteral("the document to write"))} +
-                 instrumentOptions(),
+                 insetOptions(),
              report}};
 }
 

@@ -4,7 +4,7 @@
 #include "Batch/flightList.h"
 #include "Cli/Command.h"
 #include "Cli/ReviewProgress.h"
-#include "Cli/instruments.h"
+#include "Cli/insets.h"
 #include "Log/printable.h"
 
 #include <QCoreApplication>
@@ -45,6 +45,7 @@ FlightOptions flightOptions(const QCommandLineParser& line)
     options.tables = line.values(columnsOption);
     options.tableRateHz = line.value(rateOption).toDouble();
     options.showsInstruments = line.isSet(instrumentsOption);
+    options.showsThermalBar = line.isSet(thermalBarOption);
     options.imperialUnits = line.isSet(imperialOption);
     return options;
 }
@@ -53,8 +54,8 @@ FlightOptions flightOptions(const QCommandLineParser& line)
 QStringList wordsOf(const QCommandLineParser& line)
 {
     QStringList words;
-    for (const QString& option :
-         {copyOption, thermalOption, videoOption, instrumentsOption, imperialOption})
+    for (const QString& option : {copyOption, thermalOption, videoOption, instrumentsOption,
+                                  imperialOption, thermalBarOption})
         if (line.isSet(option))
             words << QStringLiteral("--") + option;
     for (const QString& option : {columnsOption, rateOption})
@@ -218,10 +219,11 @@ std::vector<Command> reviewCommands()
 {
     return {
         {QStringLiteral("review"),
-         QStringLiteral("(LOCATION... [--list [--json]] | --job FILE | --gather FILE) --out DIR "
-                        "[--copy] [--thermal] [--video] [--instruments] [--imperial] "
-                        "[--columns GROUP:A,B,...]... [--rate HZ] "
-                        "[--at-once N]"),
+         QStringLiteral(
+             "(LOCATION... [--list [--json]] | --job FILE | --gather FILE) --out DIR "
+             "[--copy] [--thermal] [--video] [--instruments] [--imperial] [--thermal-bar] "
+             "[--columns GROUP:A,B,...]... [--rate HZ] "
+             "[--at-once N]"),
          QStringLiteral("the whole review of cards, one folder a flight"),
          QList<QCommandLineOption>{
              valued(outOption, QStringLiteral("DIR"), QStringLiteral("where the folders go")),
@@ -241,7 +243,7 @@ std::vector<Command> reviewCommands()
                     QStringLiteral("most lines of such a table for each second")),
              valued(atOnceOption, QStringLiteral("N"),
                     QStringLiteral("flights at once; as many as there are processors"))} +
-             instrumentOptions(),
+             insetOptions(),
          review}};
 }
 

@@ -3,8 +3,9 @@
 #include "SampleFlight/frameStrip.h"
 #include "Support/FullDisk.h"
 #include "Support/ProgramRun.h"
-#include "Timeline/ExportInstruments.h"
+#include "Timeline/ExportInsets.h"
 #include "Timeline/InstrumentsInset.h"
+#include "Timeline/ThermalBarInset.h"
 #include "Video/VideoPlayer.h"
 
 #include <QDir>
@@ -69,6 +70,9 @@ private slots:
     void instrumentsInACorner_data();
     void instrumentsInACorner();
     void instrumentsOfAVideo();
+    void thermalBarInACorner();
+    void thermalBarNeedsAnOverlay_data();
+    void thermalBarNeedsAnOverlay();
     void anOverlayThatCannotBeSaysWhy();
     void wholeVideo();
     void sourcesAreNeverWrittenOver_data();
@@ -305,11 +309,11 @@ void FrameCommandsTest::instrumentsInACorner()
     QSignalSpy saved(&window->player, &VideoPlayer::frameSaveComplete);
     QVERIFY(window->player.saveFrame(QTime(0, 0, 0, 500), bare, true));
     QTRY_COMPARE(saved.size(), 1);
-    ExportInstruments instruments;
-    instruments.setPlayer(&window->player);
-    instruments.setLogParser(&window->parser);
-    instruments.setImperialUnits(imperial);
-    instruments.setShown(true);
+    ExportInsets insets;
+    insets.setPlayer(&window->player);
+    insets.setLogParser(&window->parser);
+    insets.setImperialUnits(imperial);
+    insets.setShowsInstruments(true);
     const QString shown = path("shown.png");
     QVERIFY(window->player.saveFrame(QTime(0, 0, 0, 500), shown, true));
     QTRY_COMPARE(saved.size(), 2);
@@ -341,6 +345,68 @@ void FrameCommandsTest::instrumentsOfAVideo()
     QCOMPARE(noLog.status, 1);
     QCOMPARE(noLog.error, QByteArray("vistrel-cli: --instruments needs a flight log.\n"));
     QVERIFY(!QFile::exists(path("none.mp4")));
+}
+
+// Of the range that the project has, and nothing else of the picture is changed.
+void FrameCommandsTest::thermalBarInACorner()
+{
+    const auto picture = [this](const QStringList& options) {
+        const QString out = path("bar.png");
+        QFile::remove(out);
+        const ProgramRun outcome =
+            run(QStringList{"frame", m_project, "--at-ms", "500", "--out", out} + options);
+        return outcome.status == 0 && outcome.error.isEmpty() ? QImage(out) : QImage();
+    };
+    const QImage bare = picture({});
+    const QImage shown = picture({"--thermal-bar"});
+    QVERIFY(!bare.isNull() && shown.size() == bare.size());
+    const QRect place = thermalBarPlace(shown.size()).rect;
+    QVERIFY(!place.isEmpty());
+    ThermalBarInset inset;
+    const QImage bar =
+        inset.partAt({500, shown.size(), ThermalScale{ThermalPalette::rainbow, 7100, 8500}})
+            .image.convertToFormat(QImage::Format_RGB32);
+    // Half way between the two texts only the colours are there.
+    const int middle = bar.width() / 2;
+    for (const int y : {bar.height() / 3, bar.height() / 2, bar.height() * 2 / 3})
+        QCOMPARE(shown.pixelColor(place.left() + middle, place.top() + y),
+                 bar.pixelColor(middle, y));
+    const QRect right(place.right() + 1, 0, shown.width() - place.right() - 1, shown.height());
+    QCOMPARE(shown.copy(right), bare.copy(right));
+    const QRect below(0, place.bottom() + 1, shown.width(), shown.height() - place.bottom() - 1);
+    QCOMPARE(shown.copy(below), bare.copy(below));
+    const QImage both = picture({"--thermal-bar", "--instruments"});
+    QCOMPARE(both.copy(place), shown.copy(place));
+    const QRect corner = instrumentsPlace(both.size(), 510, 150).rect;
+    QVERIFY(both.copy(corner) != shown.copy(corner));
+}
+
+void FrameCommandsTest::thermalBarNeedsAnOverlay_data()
+{
+    QTest::addColumn<QStringList>("flight");
+    QTest::addColumn<QByteArray>("error");
+    QTest::newRow("not shown") << QStringList{m_video, m_log}
+                               << QByteArray("--thermal-bar: the flight does not show the thermal "
+                                             "overlay.");
+    QTest::newRow("no log") << QStringList{path("nolog.ecor")}
+                            << QByteArray("--thermal-bar needs a log with thermal pictures");
+}
+
+void FrameCommandsTest::thermalBarNeedsAnOverlay()
+{
+    QFETCH(QStringList, flight);
+    QFETCH(QByteArray, error);
+    for (const char* command : {"frame", "video"}) {
+        const QString out = path(qstrcmp(command, "frame") == 0 ? "none.png" : "none.mp4");
+        QStringList line =
+            QStringList{command} + flight + QStringList{"--thermal-bar", "--out", out};
+        if (qstrcmp(command, "frame") == 0)
+            line += {"--at-ms", "500"};
+        const ProgramRun outcome = run(line);
+        QCOMPARE(outcome.status, 1);
+        QVERIFY2(outcome.error.contains(error), outcome.error.constData());
+        QVERIFY(!QFile::exists(out));
+    }
 }
 
 void FrameCommandsTest::anOverlayThatCannotBeSaysWhy()

@@ -133,8 +133,8 @@ void ReviewCommandTest::init()
 void ReviewCommandTest::flightIsReviewedWhole()
 {
     const ProgramRun review =
-        run({"--out", out(), "--copy", "--thermal", "--video", "--instruments", "--columns",
-             "state_estimation:time,altitude", "--rate", "1", m_card.path()},
+        run({"--out", out(), "--copy", "--thermal", "--video", "--instruments", "--thermal-bar",
+             "--columns", "state_estimation:time,altitude", "--rate", "1", m_card.path()},
             QProcessEnvironment::systemEnvironment());
     QCOMPARE(review.error, QByteArray());
     QCOMPARE(review.status, 0);

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Base/Result.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
+
+namespace corv {
+class OpenFlight;
+}
+
+namespace corv::cli {
+
+/// The names of the options that show the flight instruments and the colour bar of the thermal
+/// overlay in pictures. Both have texts, so a line with them needs an application that can draw
+/// texts.
+inline const QString instrumentsOption = QStringLiteral("instruments");
+inline const QString thermalBarOption = QStringLiteral("thermal-bar");
+
+/// The name of the option that gives lengths in feet.
+inline const QString imperialOption = QStringLiteral("imperial");
+
+/// All three, for commands that write pictures, and how a usage shows them.
+QList<QCommandLineOption> insetOptions();
+inline const QString insetsUsage = QStringLiteral(" [--instruments [--imperial]] [--thermal-bar]");
+
+/// "--imperial" alone, for commands that write values.
+QCommandLineOption imperialUnitsOption();
+
+/// Shows in what the open flight exports what the line asks for, after its thermal overlay is on or
+/// off. A failure if the flight has no values for the instruments, or no overlay for the bar.
+Status showInsets(const QCommandLineParser& line, OpenFlight& flight);
+
+/// Why the pictures of the flight cannot have the thermal overlay that this option asks for; empty
+/// if they can.
+QString whyNoOverlay(OpenFlight& flight, const QString& option);
+
+} // namespace corv::cli
