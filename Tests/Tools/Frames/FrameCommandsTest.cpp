@@ -388,8 +388,8 @@ void FrameCommandsTest::thermalBarNeedsAnOverlay_data()
     QTest::newRow("not shown") << QStringList{m_video, m_log}
                                << QByteArray("--thermal-bar: the flight does not show the thermal "
                                              "overlay.");
-    QTest::newRow("no log") << QStringList{path("nolog.ecor")}
-                            << QByteArray("--thermal-bar needs a log with thermal pictures");
+    QTest::newRow("no log") << QStringList{m_video, "--thermal"}
+                            << QByteArray("--thermal needs a log with thermal pictures");
 }
 
 void FrameCommandsTest::thermalBarNeedsAnOverlay()
