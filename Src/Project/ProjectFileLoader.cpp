@@ -461,7 +461,7 @@ ProjectFileLoader::Copied ProjectFileLoader::copyVideo(const QStringList& parts,
                                                        const QString& base)
 {
     Copied copied;
-    const QString source = parts.first();
+    const QString& source = parts.first();
     copied.original = source;
     copied.originalParts = parts;
     if (copied.originalParts.size() > 1) {

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <algorithm>
 
 using namespace corv::test;
 
@@ -21,6 +22,8 @@ private slots:
     void soakIsAskedForProperly();
     void suitesThatNeedASecondTryAreNamed_data();
     void suitesThatNeedASecondTryAreNamed();
+    void findingsOfClangTidyFailTheRun();
+    void tidyReadsASourceUntilItPassesAsItIs();
 
 private:
     void makeStandIn(const QString& path, const QByteArray& text) const;
@@ -48,7 +51,8 @@ void ScriptsTest::init()
 {
     m_tree = std::make_unique<QTemporaryDir>();
     QVERIFY(QDir(m_tree->path()).mkpath(QStringLiteral(".ci")));
-    for (const char* script : {"run", "test", ".ci/run"})
+    QVERIFY(QDir(m_tree->path()).mkpath(QStringLiteral("Tests/Support")));
+    for (const char* script : {"run", "test", ".ci/run", "Tests/Support/tidy"})
         QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/") + QString::fromLatin1(script),
                             m_tree->filePath(QString::fromLatin1(script))));
     const QByteArray note = "echo \"$0 $*\" >> '" + QFile::encodeName(m_tree->path()) + "/calls'";
@@ -151,6 +155,59 @@ void ScriptsTest::suitesThatNeedASecondTryAreNamed()
     const ProgramRun run = call(QStringLiteral(".ci/run"), {}, m_tree->path());
     QCOMPARE(run.status, status);
     QVERIFY2(run.out.endsWith(end), run.out);
+}
+
+void ScriptsTest::findingsOfClangTidyFailTheRun()
+{
+    QVERIFY(QFile::remove(m_tree->filePath(QStringLiteral("test"))));
+    makeStandIn(QStringLiteral("test"), "[ \"$1\" != --tidy ]");
+    makeStandIn(QStringLiteral("bin/git"), "echo 0123456789");
+    const ProgramRun run = call(QStringLiteral(".ci/run"), {}, m_tree->path());
+    QCOMPARE(run.status, 1);
+    QVERIFY2(run.error.contains("clang-tidy has findings"), run.error);
+}
+
+void ScriptsTest::tidyReadsASourceUntilItPassesAsItIs()
+{
+    const auto write = [this](const QString& path, const QByteArray& text) {
+        QVERIFY(QDir().mkpath(QFileInfo(m_tree->filePath(path)).path()));
+        QFile file(m_tree->filePath(path));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    };
+    write(QStringLiteral(".clang-tidy"), "rules");
+    write(QStringLiteral("Src/a.cpp"), "right");
+    write(QStringLiteral("Src/b.cpp"), "right");
+    write(QStringLiteral("Src/b.h"), "header");
+    makeStandIn(QStringLiteral("bin/ninja"),
+                "printf 'a.o: #deps 2\\n    ../Src/a.cpp\\n    /usr/include/x.h\\n\\n'\n"
+                "printf 'b.o: #deps 2\\n    ../Src/b.cpp\\n    ../Src/b.h\\n\\n'\n"
+                "printf 'moc.o: #deps 1\\n    moc.cpp\\n\\n'");
+    makeStandIn(QStringLiteral("bin/clang-tidy"),
+                "for file; do :; done\n[ \"$1\" = --version ] && exit\n"
+                "echo \"$file\" >> '" +
+                    QFile::encodeName(m_tree->filePath(QStringLiteral("calls"))) +
+                    "'\n! grep wrong \"$file\"");
+    const auto sourcesRead = [this](int status) {
+        QFile::remove(m_tree->filePath(QStringLiteral("calls")));
+        const ProgramRun run =
+            call(QStringLiteral("Tests/Support/tidy"), {QStringLiteral("build")}, m_tree->path());
+        [&] { QVERIFY2(run.status == status, run.out + run.error); }();
+        QList<QByteArray> read = calls().split('\n');
+        std::sort(read.begin(), read.end());
+        return read.mid(1).join(' ');
+    };
+    QCOMPARE(sourcesRead(0), QByteArray("Src/a.cpp Src/b.cpp"));
+    QCOMPARE(sourcesRead(0), QByteArray());
+    write(QStringLiteral("Src/b.h"), "another header");
+    QCOMPARE(sourcesRead(0), QByteArray("Src/b.cpp"));
+    write(QStringLiteral("Src/a.cpp"), "wrong");
+    QCOMPARE(sourcesRead(1), QByteArray("Src/a.cpp"));
+    QCOMPARE(sourcesRead(1), QByteArray("Src/a.cpp"));
+    write(QStringLiteral("Src/a.cpp"), "right again");
+    QCOMPARE(sourcesRead(0), QByteArray("Src/a.cpp"));
+    write(QStringLiteral(".clang-tidy"), "other rules");
+    QCOMPARE(sourcesRead(0), QByteArray("Src/a.cpp Src/b.cpp"));
 }
 
 QTEST_GUILESS_MAIN(ScriptsTest)
