@@ -89,6 +89,8 @@ private slots:
     void libraryOffTheLineIsNotSeen();
     void whatTheLineNamesIsIncludedAndCompiles_data();
     void whatTheLineNamesIsIncludedAndCompiles();
+    void everyIncludeIsOfTheLine();
+    void noIncludeNamesAModuleOfQt();
     void noIncludeClimbsOutOfItsFolder();
     void everyLogLineIsOfTheCategoryOfItsRoom();
     void linkLinesHaveNoCircle();
@@ -259,6 +261,43 @@ void RoomsTest::whatTheLineNamesIsIncludedAndCompiles()
     }
     const ProgramRun run = compile(room, source);
     QVERIFY2(run.status == 0, run.error);
+}
+
+/// What the compiler does not see: a room of headers alone is compiled by others, with their line,
+/// and some libraries are in a folder that every compiler searches.
+void RoomsTest::everyIncludeIsOfTheLine()
+{
+    static const QRegularExpression pugixml("^pugixml");
+    static const QRegularExpression libav("^lib(av|sw)\\w+/");
+    QSet<QString> found;
+    for (const QString& room : m_lines.keys()) {
+        QDirIterator files(QStringLiteral(SOURCES "/") + room, {"*.h", "*.cpp"}, QDir::Files);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            for (const QString& include : includesOf(file)) {
+                const QString folder = include.section('/', 0, 0);
+                const QString owner = include.contains(pugixml) ? "pugixml"
+                                      : include.contains(libav) ? "libav"
+                                                                : folder;
+                if (owner == folder && (folder == room || !m_lines.contains(folder)))
+                    continue;
+                found << owner;
+                QVERIFY2(m_lines[room].contains(owner), qPrintable(file + ": " + include));
+            }
+        }
+    }
+    QVERIFY(found.contains("Base") && found.contains("pugixml") && found.contains("libav"));
+}
+
+/// By the name of their module the headers of all of Qt are found.
+void RoomsTest::noIncludeNamesAModuleOfQt()
+{
+    static const QRegularExpression module("^Qt[A-Z]\\w*/");
+    QDirIterator files(SOURCES, {"*.cpp", "*.h"}, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString file = files.next();
+        QVERIFY2(includesOf(file).filter(module).isEmpty(), qPrintable(file));
+    }
 }
 
 void RoomsTest::noIncludeClimbsOutOfItsFolder()
