@@ -15,7 +15,7 @@ namespace {
 
 // Above these doubts a person should look at the pair. Times and lengths that agree by accident are
 // rare; lengths alone agree more often. Measured over thousands of generated cards, of which every
-// pair without a mark is right.
+// pair that is not doubtful is right.
 constexpr double doubtByTimeAndLength = 3e-4;
 constexpr double doubtByLength = 2e-5;
 constexpr double doubtBySoundTimes = 0.01;

@@ -10,8 +10,8 @@
 namespace corv {
 namespace {
 
-// Each point of interest costs a frame to be read and a picture to be kept. Nobody marks a flight
-// this often; a damaged log may say so.
+// Each point of interest costs a frame to be read and a picture to be kept. Real flights
+// have far fewer; a damaged log may have this many.
 constexpr int logPoisMax = 10000;
 
 } // namespace

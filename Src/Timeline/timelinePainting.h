@@ -8,7 +8,7 @@ class QPainter;
 
 namespace corv {
 
-/// What a timeline strip shows beside its marks.
+/// What a timeline strip shows beside its points of interest.
 struct TimelineStrip
 {
     TimelineView view;
@@ -18,17 +18,17 @@ struct TimelineStrip
     int endMargin = 0;
 };
 
-/// Paints background, the zone past the end, ruler, end mark, ticks and labels, on a painter that
-/// nobody has drawn with yet. Returns the range of the ticks.
+/// Paints background, the zone past the end, ruler, the line at the end, ticks and labels, on a
+/// painter in its initial state. Returns the range of the ticks.
 TickRange paintRuler(QPainter& painter, const TimelineStrip& strip);
 
 /// Paints the playback cursor at item x. Leaves antialiasing on.
 void paintCursor(QPainter& painter, int x, QSizeF itemSize);
 
-/// Paints the dashed box where a moved mark's thumbnail would land.
+/// Paints the dashed box where the thumbnail of a moved point of interest would be.
 void paintLandingBox(QPainter& painter, int x, int thumbnailWidth);
 
-/// Lays the light of the pointer over the thumbnail of a mark.
+/// Brightens the thumbnail of the point of interest under the pointer.
 void paintHoverLight(QPainter& painter, int x, int thumbnailWidth);
 
 } // namespace corv
