@@ -1,5 +1,7 @@
 #include "App/look.h"
 
+#include "App/DialogIcons.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QMessageBox>
@@ -73,6 +75,23 @@ public:
             return 0;
         return QProxyStyle::styleHint(hint, option, widget, returned);
     }
+
+    QIcon standardIcon(StandardPixmap standard, const QStyleOption* option,
+                       const QWidget* widget) const override
+    {
+        switch (standard) {
+        case SP_MessageBoxInformation:
+            return dialogIcon(DialogSign::Information);
+        case SP_MessageBoxQuestion:
+            return dialogIcon(DialogSign::Question);
+        case SP_MessageBoxWarning:
+            return dialogIcon(DialogSign::Warning);
+        case SP_MessageBoxCritical:
+            return dialogIcon(DialogSign::Failure);
+        default:
+            return QProxyStyle::standardIcon(standard, option, widget);
+        }
+    }
 };
 
 // The boxes are made deep inside the interface's modules; they are met when they are shown.
@@ -135,6 +154,8 @@ private:
 void followScreenScale()
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    // Or icons of dialogs are drawn small and enlarged.
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }

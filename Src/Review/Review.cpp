@@ -154,8 +154,13 @@ void Review::videoOpened(bool isOpen)
 void Review::videoFailed(const QString& file)
 {
     const std::optional<Failure> cause = fileProblem(QStringLiteral("The video"), file);
+    // The file is there and can be read, so it is its contents.
+    const Failure contents{Failure::Kind::notRecognised,
+                           QStringLiteral("It is no video, or it is damaged. If it is still being "
+                                          "copied, open it again afterwards.")};
     emit problem(tr("Error"),
-                 withCause(QStringLiteral("Video file %1 could not be read.").arg(file), cause));
+                 withCause(QStringLiteral("Video file %1 could not be read.").arg(file),
+                           cause.value_or(contents)));
     emit openFailed(cause.value_or(Failure{
         Failure::Kind::notRecognised, QStringLiteral("The video %1 cannot be opened.").arg(file)}));
 }
@@ -394,9 +399,9 @@ bool Review::writeProject(const QString& path, Save mode)
     else if (job)
         job->fail(written.failure());
     if (!written) {
-        emit problem(
-            tr("Project not saved"),
-            tr("%1\n\nThe review is still open and unsaved.").arg(written.failure().sentence));
+        emit problem(tr("Project not saved"),
+                     tr("%1\n\nThe review is still open and unsaved. Save it in another place.")
+                         .arg(written.failure().sentence));
         return false;
     }
     if (mode != Save::copy) {

@@ -3,9 +3,11 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QTreeView>
 #include <QWindow>
 
 using namespace corv::test;
@@ -24,6 +26,7 @@ private slots:
     void eachKindOfFileHasItsOwnFolder();
     void aFolderThatIsGoneIsNotOpened();
     void noOtherWindowIsUsedMeanwhile();
+    void datesOfFilesAreShownWhole();
 
 private:
     static QString proposedName();
@@ -159,6 +162,23 @@ void FileChoiceTest::noOtherWindowIsUsedMeanwhile()
     m_ui->call("goSaveProjectAs");
     QTRY_VERIFY(UiFixture::fileDialog());
     QCOMPARE(UiFixture::fileDialog()->windowHandle()->modality(), Qt::ApplicationModal);
+    UiFixture::fileDialog()->reject();
+}
+
+void FileChoiceTest::datesOfFilesAreShownWhole()
+{
+    const QString card = media().newFolder();
+    QVERIFY(QFile::copy(media().video(), card + "/CORV0001.mp4"));
+    m_ui->evaluate(QString("loadFileSettings.folder = 'file://%1'").arg(card));
+    m_ui->call("goOpenVideo", {"file_menu"});
+    QTRY_VERIFY(UiFixture::fileDialog());
+    auto* files = UiFixture::fileDialog()->findChild<QTreeView*>("treeView");
+    QVERIFY(files);
+    QTRY_VERIFY(files->model()->rowCount(files->rootIndex()) > 0);
+    const int dates = 3;
+    const QModelIndex date = files->model()->index(0, dates, files->rootIndex());
+    QTRY_VERIFY(files->visualRect(date).width() >=
+                files->fontMetrics().horizontalAdvance(date.data().toString()));
     UiFixture::fileDialog()->reject();
 }
 

@@ -332,7 +332,8 @@ void HostileInputTest::unreadableVideoShowsAMessage()
     QFETCH(QString, path);
     m_ui->call("loadVideo", {path});
     QTRY_VERIFY(UiFixture::messageBox());
-    QVERIFY(answeredBoxes().contains("Video file " + path + " could not be read."));
+    // What it is or what to do about it follows.
+    QVERIFY(answeredBoxes().contains("Video file " + path + " could not be read.\n\n"));
     QVERIFY(!m_ui->hasVideo());
 }
 

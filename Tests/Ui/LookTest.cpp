@@ -1,7 +1,10 @@
+#include "App/look.h"
 #include "ReviewFixture.h"
 #include "contrast.h"
 
 #include <QAccessible>
+#include <QHash>
+#include <QMessageBox>
 #include <QScreen>
 #include <cmath>
 #include <memory>
@@ -21,6 +24,8 @@ private slots:
     void mainWindow();
     void followsTheScaleOfTheScreen();
     void pointersAndIconsAreDrawnSharp();
+    void signOfAMessageBoxIsSharpAndSeen_data();
+    void signOfAMessageBoxIsSharpAndSeen();
     void everyControlHasANameForAReader();
     void theLookChangesInTheOpenWindow();
 
@@ -203,6 +208,45 @@ void LookTest::pointersAndIconsAreDrawnSharp()
         QVERIFY(picture->width() <= button->width());
     }
     m_ui.reset();
+}
+
+void LookTest::signOfAMessageBoxIsSharpAndSeen_data()
+{
+    QTest::addColumn<QMessageBox::Icon>("icon");
+    QTest::addColumn<bool>("light");
+    for (const bool light : {false, true}) {
+        const char* look = light ? "light" : "dark";
+        QTest::addRow("information, %s", look) << QMessageBox::Information << light;
+        QTest::addRow("question, %s", look) << QMessageBox::Question << light;
+        QTest::addRow("warning, %s", look) << QMessageBox::Warning << light;
+        QTest::addRow("failure, %s", look) << QMessageBox::Critical << light;
+    }
+}
+
+void LookTest::signOfAMessageBoxIsSharpAndSeen()
+{
+    QFETCH(QMessageBox::Icon, icon);
+    QFETCH(bool, light);
+    corv::useDialogColours(light);
+    QMessageBox box(icon, "Title", "Text");
+    box.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const QPixmap sign = box.iconPixmap();
+    QCOMPARE(sign.devicePixelRatio(), box.devicePixelRatioF());
+    // One of its two main colours stands out from the ground.
+    QHash<QRgb, int> counts;
+    const QImage picture = sign.toImage().convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            if (qAlpha(picture.pixel(x, y)) == 255)
+                ++counts[picture.pixel(x, y)];
+    const QColor ground = box.palette().color(QPalette::Window);
+    double best = 0;
+    for (auto it = counts.cbegin(); it != counts.cend(); ++it)
+        if (it.value() > picture.width() * picture.height() / 40)
+            best = std::max(best, contrast(QColor(it.key()), ground));
+    corv::useDialogColours(false);
+    QVERIFY2(best >= 3, qPrintable(QString::number(best)));
 }
 
 void LookTest::everyControlHasANameForAReader()
