@@ -313,7 +313,8 @@ Rectangle {
                     height: 25
                     enabled: adjustmentsRect.thermalShown
                     model: ["Rainbow", "Even", "Grey"]
-                    Accessible.name: "Colours of the thermal picture"
+                    Accessible.name: tooltiptext
+                    tooltiptext: "Colours of the thermal picture"
                     onActivated: player.irPalette = index
 
                     Binding on currentIndex {

@@ -16,6 +16,9 @@ Rectangle {
     // The names of the curves shown.
     property alias curves: logCurves.curves
     property bool open: false
+    // The list covers the end of a flight that is shown whole, and can be folded away.
+    property bool choosing: true
+    readonly property bool listShown: choosing || curves.length === 0
 
     // What the search field finds, and the list of it.
     property var found: []
@@ -61,7 +64,8 @@ Rectangle {
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.bottom: parent.bottom
-        width: 240
+        width: Math.max(240, Math.min(320, parent.width / 4))
+        visible: curvesPanel.listShown
         color: Theme.timelineGround
 
         CorvFieldFrame {
@@ -70,6 +74,7 @@ Rectangle {
             anchors.right: parent.right
             anchors.top: parent.top
             anchors.margins: 4
+            anchors.rightMargin: listButton.visible ? 8 + listButton.width : 4
             height: 25
 
             CorvTextInput {
@@ -168,5 +173,23 @@ Rectangle {
                 }
             }
         }
+    }
+
+    Rectangle {
+        anchors.fill: listButton
+        visible: listButton.visible && !curvesPanel.listShown
+        color: Theme.timelineGround
+    }
+
+    CorvToolbarButton {
+        id: listButton
+        objectName: "curvesListButton"
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.margins: 4
+        visible: curvesPanel.curves.length > 0
+        source: "images/button_list.png"
+        tooltiptext: curvesPanel.listShown ? "Fold the list of values" : "Choose values of the log"
+        onClicked: curvesPanel.choosing = !curvesPanel.choosing
     }
 }

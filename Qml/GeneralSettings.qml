@@ -71,88 +71,103 @@ Window {
 
     Column {
         anchors { left: parent.left; right: parent.right; top: parent.top; margins: 14 }
-        spacing: 8
+        spacing: 12
 
-        Text {
-            text: "Unit system"
-            color: Theme.text
-            font.bold: true
-        }
-
-        Row {
-            spacing: 24
-
-            CorvRadioButton {
-                id: radioUnitMetric
-                objectName: "radioUnitMetric"
-                text: "Metric"
-                exclusiveGroup: unitTypeGroup
-            }
-
-            CorvRadioButton {
-                id: radioUnitImperial
-                objectName: "radioUnitImperial"
-                text: "Imperial"
-                exclusiveGroup: unitTypeGroup
-            }
-        }
-
-        Text {
-            id: restartNotice
-            objectName: "restartNotice"
+        Column {
             width: parent.width
-            wrapMode: Text.WordWrap
-            text: "Changes will be applied after restarting Vistrel"
-            color: Theme.textSoft
-        }
+            spacing: 6
 
-        Text {
-            text: "Thermal picture of saved frames"
-            color: Theme.text
-            font.bold: true
-        }
-
-        Row {
-            spacing: 24
-
-            CorvRadioButton {
-                id: radioThermalOfFile
-                objectName: "radioThermalOfFile"
-                text: "As in earlier versions"
-                checked: true
-                exclusiveGroup: thermalPictureGroup
+            Text {
+                text: "Unit system"
+                color: Theme.text
+                font.bold: true
             }
 
-            CorvRadioButton {
-                id: radioThermalOnScreen
-                objectName: "radioThermalOnScreen"
-                text: "As on screen"
-                exclusiveGroup: thermalPictureGroup
+            Row {
+                spacing: 24
+
+                CorvRadioButton {
+                    id: radioUnitMetric
+                    objectName: "radioUnitMetric"
+                    text: "Metric"
+                    exclusiveGroup: unitTypeGroup
+                }
+
+                CorvRadioButton {
+                    id: radioUnitImperial
+                    objectName: "radioUnitImperial"
+                    text: "Imperial"
+                    exclusiveGroup: unitTypeGroup
+                }
+            }
+
+            Text {
+                id: restartNotice
+                objectName: "restartNotice"
+                width: parent.width
+                wrapMode: Text.WordWrap
+                text: "Changes will be applied after restarting Vistrel"
+                color: Theme.textSoft
             }
         }
 
-        Text {
-            text: "Appearance"
-            color: Theme.text
-            font.bold: true
-        }
+        Column {
+            width: parent.width
+            spacing: 6
 
-        Row {
-            spacing: 24
-
-            CorvRadioButton {
-                id: radioLookDark
-                objectName: "radioLookDark"
-                text: "Dark"
-                checked: true
-                exclusiveGroup: lookGroup
+            Text {
+                text: "Thermal picture of saved frames"
+                color: Theme.text
+                font.bold: true
             }
 
-            CorvRadioButton {
-                id: radioLookLight
-                objectName: "radioLookLight"
-                text: "Light, for bright sun"
-                exclusiveGroup: lookGroup
+            Row {
+                spacing: 24
+
+                CorvRadioButton {
+                    id: radioThermalOfFile
+                    objectName: "radioThermalOfFile"
+                    text: "As in earlier versions"
+                    checked: true
+                    exclusiveGroup: thermalPictureGroup
+                }
+
+                CorvRadioButton {
+                    id: radioThermalOnScreen
+                    objectName: "radioThermalOnScreen"
+                    text: "As on screen"
+                    exclusiveGroup: thermalPictureGroup
+                }
+            }
+        }
+
+        Column {
+            width: parent.width
+            spacing: 6
+
+            Text {
+                text: "Appearance"
+                color: Theme.text
+                font.bold: true
+            }
+
+            Row {
+                spacing: 24
+
+                CorvRadioButton {
+                    id: radioLookDark
+                    objectName: "radioLookDark"
+                    text: "Dark"
+                    checked: true
+                    exclusiveGroup: lookGroup
+                }
+
+                CorvRadioButton {
+                    id: radioLookLight
+                    objectName: "radioLookLight"
+                    text: "Light, for bright sun"
+                    exclusiveGroup: lookGroup
+                }
             }
         }
 

@@ -72,7 +72,16 @@ Item {
                         width: height * 16 / 9
                         color: Theme.videoGround
 
+                        // No picture has been kept of it.
+                        TintedIcon {
+                            anchors.centerIn: parent
+                            visible: picture.status !== Image.Ready
+                            source: "images/play.png"
+                            color: Theme.overlayBorder
+                        }
+
                         Image {
+                            id: picture
                             objectName: "recentPicture" + index
                             anchors.fill: parent
                             fillMode: Image.PreserveAspectFit

@@ -77,22 +77,13 @@ Rectangle {
             color: Theme.plate
         }
 
-        Image {
+        CorvSpinner {
             id: loadingSpinner
+            objectName: "loadingSpinner"
             anchors.left: parent.left
-            anchors.leftMargin: 8
+            anchors.leftMargin: 5
             anchors.verticalCenter: parent.verticalCenter
-            sourceSize.width: 18
-            sourceSize.height: 18
-            source: "images/loading_spinner.svg"
-
-            RotationAnimation on rotation {
-                running: LogParser.isParsing
-                from: 0
-                to: 360
-                duration: 1000
-                loops: Animation.Infinite
-            }
+            running: LogParser.isParsing
         }
 
         Text {

@@ -1,5 +1,16 @@
 import QtQuick 2.7
 import QtQuick.Controls 1.4 as Controls
+import QtQuick.Controls.Styles 1.4
+import ".."
 
 // Turns while something is being waited for.
-Controls.BusyIndicator {}
+Controls.BusyIndicator {
+    style: BusyIndicatorStyle {
+        indicator: CorvSpinner {
+            implicitWidth: 48
+            implicitHeight: 48
+            running: control.running
+            visible: control.running
+        }
+    }
+}

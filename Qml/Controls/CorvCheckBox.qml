@@ -19,12 +19,10 @@ Controls.CheckBox {
             border.width: control.activeFocus ? 2 : 1
             border.color: control.activeFocus ? Theme.accent : Theme.radioBorder
 
-            Rectangle {
+            CheckTick {
                 anchors.centerIn: parent
-                width: 8
-                height: 8
-                radius: 1
-                color: Theme.radioMark
+                width: 10
+                height: 10
                 visible: control.checked
             }
         }

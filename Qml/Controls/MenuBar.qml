@@ -32,6 +32,8 @@ Controls.MenuBar {
         }
 
         menuStyle: MenuStyle {
+            // The box of an entry that is checked ends well before its text.
+            __leftLabelMargin: 24
             frame: Rectangle {
                 color: Theme.menu
                 border.color: Theme.menuBorder
@@ -40,6 +42,8 @@ Controls.MenuBar {
                 color: styleData.selected && styleData.enabled ? Theme.menuSelected : Theme.clear
             }
             itemDelegate.label: Text {
+                topPadding: 2
+                bottomPadding: 2
                 color: styleData.enabled ? Theme.menuText : Theme.textDisabled
                 textFormat: Text.StyledText
                 text: formatMnemonic(styleData.text, styleData.underlineMnemonic)

@@ -12,6 +12,7 @@ private slots:
     void unfoldsUnderTheTimeline();
     void showsWhatIsChosenFromTheLog();
     void findsByTyping();
+    void listFoldsAwayFromTheEndOfTheFlight();
     void isOnTheScaleOfTheTimeline();
 
 private:
@@ -70,6 +71,28 @@ void CurvesPanelTest::findsByTyping()
         QTest::keyClick(m_ui->window(), letter);
     QTRY_COMPARE(m_ui->get("curvesSearch", "text").toString(), QString("w x"));
     QCOMPARE(found(), 0);
+}
+
+void CurvesPanelTest::listFoldsAwayFromTheEndOfTheFlight()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    QTRY_COMPARE(found(), 1);
+    // Without a curve there is nothing to see but the list.
+    QVERIFY(!m_ui->item("curvesListButton")->isVisible());
+    m_ui->evaluate("curvesPanel.curves = ['mission_info.flight_number']");
+    QTRY_VERIFY(m_ui->item("curvesListButton")->isVisible());
+    UiFixture::click(m_ui->item("curvesListButton"));
+    QTRY_VERIFY(!m_ui->item("curvesList")->isVisible());
+    QCOMPARE(m_ui->item("logCurves")->width(), panel()->width());
+    UiFixture::click(m_ui->item("curvesListButton"));
+    QTRY_VERIFY(m_ui->item("curvesList")->isVisible());
+    UiFixture::click(m_ui->item("curvesListButton"));
+    QTRY_VERIFY(!m_ui->item("curvesList")->isVisible());
+    m_ui->evaluate("curvesPanel.curves = []");
+    QTRY_VERIFY(m_ui->item("curvesList")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void CurvesPanelTest::isOnTheScaleOfTheTimeline()

@@ -252,6 +252,9 @@ void EveryWindowTest::lookAtPanels(const Names& names)
                    "curvesPanel.curves = ['mission_info.flight_number']");
     QTRY_VERIFY(m_ui->item("poiRow1"));
     lookAt("list and curves");
+    m_ui->evaluate("curvesPanel.choosing = false");
+    lookAt("curves alone");
+    m_ui->evaluate("curvesPanel.choosing = true");
     m_ui->evaluate("panelSettings.sidebarShown = false; curvesPanel.open = false");
     m_ui->evaluate("jobsPanel.visible = true");
     lookAt("jobs, sidebar folded");
