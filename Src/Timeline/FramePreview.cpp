@@ -3,9 +3,27 @@
 #include "Threads/post.h"
 #include "Video/VideoPlayer.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace corv {
+namespace {
+
+// Every fourth pixel at least takes part: smooth, and still a small part of the decoding. Never on
+// memory of the worker's, as a frame of just this size would be.
+QImage reduced(const QImage& frame)
+{
+    constexpr int coarsePx = 4 * FramePreview::picturePx;
+    QImage picture = frame;
+    if (std::max(frame.width(), frame.height()) > coarsePx)
+        picture = frame.scaled(coarsePx, coarsePx, Qt::KeepAspectRatio);
+    return picture
+        .scaled(FramePreview::picturePx, FramePreview::picturePx, Qt::KeepAspectRatio,
+                Qt::SmoothTransformation)
+        .copy();
+}
+
+} // namespace
 
 // Where pictures are posted to. The request under way keeps it alive, so that the worker never
 // posts to an object that is gone.
@@ -60,10 +78,7 @@ void FramePreview::ask(QTime time)
     if (!m_player)
         return;
     m_isAsked = m_player->getPreviewAsync(time, [inbox = m_inbox](const QImage& frame) {
-        // A frame of just this size would come back as it is, on memory of the worker's.
-        QImage picture = frame.isNull()
-                             ? QImage()
-                             : frame.scaled(picturePx, picturePx, Qt::KeepAspectRatio).copy();
+        QImage picture = frame.isNull() ? QImage() : reduced(frame);
         post(inbox.get(), [target = inbox.get(), picture = std::move(picture)] {
             if (target->owner)
                 target->owner->take(picture);

@@ -13,6 +13,7 @@ class FramePreviewTest : public QObject
 
 private slots:
     void showsTheFrameOfTheTime();
+    void finePatternsAreAveraged();
     void theNewestWishReplacesTheOneThatWaits();
     void afterClearNothingArrives();
     void aFrameThatCannotBeHadLeavesTheNextWish();
@@ -33,6 +34,25 @@ void FramePreviewTest::showsTheFrameOfTheTime()
     QCOMPARE(changed.count(), 1);
     QCOMPARE(preview.picture().width(), FramePreview::picturePx);
     QCOMPARE(preview.picture().pixelColor(10, 10), QColor(Qt::red));
+}
+
+// Left out instead, the lines of a fence or of solar cells turn into false patterns.
+void FramePreviewTest::finePatternsAreAveraged()
+{
+    QImage stripes(600, 400, QImage::Format_RGB888);
+    for (int y = 0; y < stripes.height(); ++y)
+        for (int x = 0; x < stripes.width(); ++x)
+            stripes.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
+    FramePlayer player;
+    FramePreview preview;
+    preview.setPlayer(&player);
+    preview.show(timeAt(4000));
+    player.answer(stripes);
+    deliver();
+    for (int x = 20; x < 30; ++x) {
+        const int grey = preview.picture().pixelColor(x, 60).lightness();
+        QVERIFY2(grey > 60 && grey < 195, qPrintable(QString::number(grey)));
+    }
 }
 
 void FramePreviewTest::theNewestWishReplacesTheOneThatWaits()
