@@ -1,4 +1,5 @@
 import QtQuick 2.7
+import Review 1.0
 import "."
 import "Controls"
 
@@ -102,9 +103,10 @@ Rectangle {
                 }
 
                 Text {
+                    objectName: "jobResult" + index
                     width: parent.width
                     visible: text !== ""
-                    color: Theme.textBand
+                    color: job !== null && job.state === Job.Failed ? Theme.textFailed : Theme.textBand
                     font.pixelSize: 11
                     wrapMode: Text.Wrap
                     textFormat: Text.PlainText

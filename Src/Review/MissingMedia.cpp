@@ -43,7 +43,7 @@ void MissingMedia::offer(const QString& projectPath, const ProjectContents& proj
     }
     m_project = project;
     m_projectPath = projectPath;
-    m_text = tr("Missing of %1: %2.")
+    m_text = tr("Files of %1 are missing: %2.")
                  .arg(QFileInfo(projectPath.isEmpty() ? project.videoFile : projectPath).fileName(),
                       listed(missing));
     emit changed();

@@ -32,7 +32,8 @@ public:
 
     bool isOffered() const { return m_project.has_value(); }
 
-    /// "Missing of Site.ecor: CORV0001.MOV and FLIGHT01.LOG.", after a search with its outcome.
+    /// "Files of Site.ecor are missing: CORV0001.MOV and FLIGHT01.LOG.", after a search with its
+    /// outcome.
     QString text() const { return m_text; }
     bool isSearching() const { return m_isSearching; }
 

@@ -42,7 +42,7 @@ private slots:
         QVERIFY(desk.problems.value(0).startsWith(
             "Project could be opened, but referenced video file not found."));
         MissingMedia& missing = *desk.review.missingMedia();
-        QCOMPARE(missing.text(), QString("Missing of p.ecor: CORV0001.MOV, CORV0002.MOV, "
+        QCOMPARE(missing.text(), QString("Files of p.ecor are missing: CORV0001.MOV, CORV0002.MOV, "
                                          "CORV0003.MOV and 1 more."));
 
         QSignalSpy opened(&desk.review, &Review::opened);
@@ -83,7 +83,8 @@ private slots:
         Desk desk;
         QVERIFY(desk.openProject(path("p.ecor")));
         QCOMPARE(msOfTime(desk.player.duration()), fileMs);
-        QCOMPARE(desk.review.missingMedia()->text(), QString("Missing of p.ecor: CORV0002.MOV."));
+        QCOMPARE(desk.review.missingMedia()->text(),
+                 QString("Files of p.ecor are missing: CORV0002.MOV."));
         QVERIFY(desk.poiNames().contains("New POI"));
         // A save loses nothing of what is not there today.
         QVERIFY(desk.review.save(path("p.ecor")));

@@ -25,6 +25,7 @@ class JobsTest : public ReviewSuite
 
 private slots:
     void aFinishedSeriesOpensItsFolder();
+    void aJobThatFailedStandsOut();
     void quittingCancelsAndTheNextStartSaysSo();
     void quittingWaitsWhereTheSettingsSaySo();
     void quittingTwiceCancelsWhatItWaitedFor();
@@ -75,6 +76,25 @@ void JobsTest::aFinishedSeriesOpensItsFolder()
     QCOMPARE(QDir(desktop.opened.first().toLocalFile()), QDir(m_folder));
     QDesktopServices::unsetUrlHandler("file");
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void JobsTest::aJobThatFailedStandsOut()
+{
+    openFlight();
+    startSeries(100);
+    QTRY_COMPARE(writing(), 0);
+    QVERIFY(QDir(m_folder).removeRecursively());
+    QFile file(m_folder);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    startSeries(100);
+    QTRY_COMPARE(writing(), 0);
+    m_ui->evaluate("jobsPanel.visible = true");
+    QTRY_VERIFY(m_ui->item("jobResult1"));
+    const auto colourOf = [this](const char* result) {
+        return m_ui->get(result, "color").value<QColor>();
+    };
+    QCOMPARE(colourOf("jobResult0"), m_ui->evaluate("Theme.textBand").value<QColor>());
+    QCOMPARE(colourOf("jobResult1"), m_ui->evaluate("Theme.textFailed").value<QColor>());
 }
 
 void JobsTest::quittingCancelsAndTheNextStartSaysSo()

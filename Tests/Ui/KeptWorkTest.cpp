@@ -345,7 +345,7 @@ void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
     QVERIFY(UiFixture::dismissMessageBox());
     QVERIFY(m_ui->item("missingMediaBar")->isVisible());
     QCOMPARE(m_ui->get("missingMediaText", "text").toString(),
-             QString("Missing of p.ecor: CORV0001.MP4."));
+             QString("Files of p.ecor are missing: CORV0001.MP4."));
     QVERIFY(m_ui->click("locateMediaButton"));
     QTRY_VERIFY(UiFixture::fileDialog());
     QVERIFY(UiFixture::acceptFile(folder));
