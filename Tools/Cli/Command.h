@@ -62,7 +62,8 @@ QStringList wordsOf(int argc, char** argv);
 /// `arguments` begin with the name of the program.
 ExitStatus runLine(const std::vector<Command>& commands, const QStringList& arguments);
 
-/// JSON to be printed: the characters that steer a terminal and that JSON allows are escaped.
+/// JSON to be printed: characters that steer a terminal or turn the direction of writing, and that
+/// JSON allows, are escaped.
 QByteArray printedJson(const QJsonDocument& document,
                        QJsonDocument::JsonFormat format = QJsonDocument::Indented);
 

@@ -38,7 +38,8 @@ LogArguments logsOf(const QStringList& arguments)
             continue;
         }
         QStringList found;
-        QDirIterator each(argument, {QStringLiteral("*.log")}, QDir::Files | QDir::Readable,
+        // Those that cannot be read, too: that is said of each.
+        QDirIterator each(argument, {QStringLiteral("*.log")}, QDir::Files,
                           QDirIterator::Subdirectories);
         while (each.hasNext())
             found += each.next();

@@ -129,9 +129,10 @@ QByteArray printedJson(const QJsonDocument& document, QJsonDocument::JsonFormat 
     int from = 0;
     for (int i = 0; i < text.size(); ++i) {
         const ushort code = text[i].unicode();
-        if (code < 0x7f || code >= 0xa0)
+        if (code < 0x7f || !isSteering(text[i])) // Qt escapes those of ASCII
             continue;
-        json += text.midRef(from, i - from).toUtf8() + "\\u00" + QByteArray::number(code, 16);
+        json += text.midRef(from, i - from).toUtf8() + "\\u" +
+                QByteArray::number(code, 16).rightJustified(4, '0');
         from = i + 1;
     }
     return json + text.midRef(from).toUtf8();

@@ -6,6 +6,7 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <unistd.h>
 
 using namespace corv::test;
 
@@ -94,6 +95,7 @@ private slots:
     void infoForPeople();
     void infoOfSeveralLogs();
     void infoOfOddEvents();
+    void logOfAFolderThatCannotBeReadIsNamed();
     void namesInMessagesDoNotSteerTheTerminal();
     void rawIsTheBlock();
     void csvShowsTheDeclaredTypes();
@@ -219,6 +221,8 @@ void LogCommandsTest::infoOfOddEvents()
                          LogBuilder::text("", 6) + LogBuilder::u8(0));
     log.addPacket(3, LogBuilder::u32(3'950'000'000U) + LogBuilder::text("%3\x1b[1", 6) +
                          LogBuilder::text("\xc2\x9bm", 6) + LogBuilder::u8(1));
+    log.addPacket(3, LogBuilder::u32(3'960'000'000U) + LogBuilder::text("a\xe2\x80\xae!", 6) +
+                         LogBuilder::text("", 6) + LogBuilder::u8(1));
     QVERIFY(log.save(path("odd.log")));
     const ProgramRun people = vistrel({"log-info", path("odd.log")});
     QCOMPARE(people.status, 0);
@@ -239,7 +243,35 @@ void LogCommandsTest::infoOfOddEvents()
     for (const QByteArray& out : {people.out, json.out}) {
         QVERIFY(!out.contains('\x1b'));
         QVERIFY(!out.contains("\xc2\x9b"));
+        QVERIFY(!out.contains("\xe2\x80\xae"));
     }
+    QVERIFY(json.out.contains("\"a\\u202e!\""));
+    QCOMPARE(info["namings"].toArray()[3].toObject()["missionName"].toString(),
+             QString::fromUtf8("a\xe2\x80\xae!"));
+}
+
+void LogCommandsTest::logOfAFolderThatCannotBeReadIsNamed()
+{
+    QVERIFY(QDir().mkpath(path("locked")));
+    QVERIFY(flight().save(path("locked/a.log")));
+    QVERIFY(flight().save(path("locked/b.log")));
+    QVERIFY(QFile::setPermissions(path("locked/b.log"), QFile::Permissions()));
+    QStringList line{VISTREL_CLI, "log-info", path("locked"), "--json"};
+    if (::geteuid() == 0) {
+        // The administrator may read everything.
+        QVERIFY(QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7755)));
+        QVERIFY(QFile::setPermissions(path("locked/a.log"), QFile::Permissions(0x6644)));
+        line = QStringList{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"} + line;
+    }
+    const ProgramRun run = runProgram(line[0], line.mid(1));
+    if (run.status == 127)
+        QSKIP("the tool is where another user may not start it");
+    QCOMPARE(run.status, 3);
+    QVERIFY2(run.error.contains("b.log\" cannot be read: the system refuses access"), run.error);
+    const QJsonArray logs = QJsonDocument::fromJson(run.out).array();
+    QCOMPARE(logs.size(), 2);
+    QVERIFY(!logs[0].toObject().contains("error"));
+    QVERIFY(logs[1].toObject().contains("error"));
 }
 
 void LogCommandsTest::namesInMessagesDoNotSteerTheTerminal()
