@@ -1,6 +1,7 @@
 #include "headUpPanel.h"
 
 #include <limits>
+#include <vector>
 
 using namespace corv;
 using namespace corv::test;
@@ -21,6 +22,7 @@ private slots:
     void drawsAtAnyWidth_data();
     void drawsAtAnyWidth();
     void drawsLabelsAndSeparators();
+    void labelIsAtTheLeftAndValueAtTheRight();
 };
 
 void HeadUpDisplayPaintingTest::drawsTheDials()
@@ -152,12 +154,34 @@ void HeadUpDisplayPaintingTest::drawsLabelsAndSeparators()
     Panel panel;
     const QImage image = painted(panel.hud);
     for (int row = 0; row < 5; ++row) {
-        QCOMPARE(image.copy(0, rowTops[row] + 8, panelWidth, 20), texts(row, QString()));
+        QCOMPARE(panel.textsOfRow(row), texts(row, QString()));
         const QColor line = image.pixelColor(panelWidth / 2, rowTops[row]);
         QCOMPARE(line, row == 0 ? QColor(Qt::magenta) : discColour);
     }
     QCOMPARE(image.pixelColor(5, 30), QColor(Qt::magenta));
     QCOMPARE(image.pixelColor(panelWidth - 5, 30), QColor(Qt::magenta));
+}
+
+void HeadUpDisplayPaintingTest::labelIsAtTheLeftAndValueAtTheRight()
+{
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addState(log, {start, 0, 0, 0, 0, 5, 0});
+    Panel panel(log);
+    const QImage row = painted(panel.hud).copy(0, rowTops[3] + 2, panelWidth, 27);
+    std::vector<int> white; // the columns with ink
+    for (int x = 0; x < row.width(); ++x) {
+        for (int y = 0; y < row.height(); ++y) {
+            if (row.pixelColor(x, y).green() > 150) { // of the ground: 0
+                white.push_back(x);
+                break;
+            }
+        }
+    }
+    QVERIFY(!white.empty());
+    QVERIFY2(white.front() >= 10 && white.front() < 14, qPrintable(QString::number(white.front())));
+    QVERIFY2(white.back() >= panelWidth - 14 && white.back() < panelWidth - 10,
+             qPrintable(QString::number(white.back())));
 }
 
 QTEST_MAIN(HeadUpDisplayPaintingTest)

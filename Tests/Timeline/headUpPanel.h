@@ -1,5 +1,6 @@
 #pragma once
 
+#include "paintedTexts.h"
 #include "timelineSupport.h"
 
 #include "Timeline/HeadUpDisplay.h"
@@ -80,11 +81,27 @@ struct Panel
         hud.updateLogData();
     }
 
-    /// Picture of a row's texts.
-    QImage textsOfRow(int row, int videoMs)
+    /// The texts that are painted in a row, joined.
+    QString textsOfRow(int row)
+    {
+        TextDevice device({panelWidth, panelHeight});
+        QPainter painter(&device);
+        hud.paint(&painter);
+        painter.end();
+        QString joined;
+        for (const PaintedText& text : device.texts()) {
+            // Longer ones than the panel is wide begin beside it.
+            if (text.baseline.y() > rowTops[row] && text.baseline.y() < rowTops[row] + 30)
+                joined += text.text;
+        }
+        return joined;
+    }
+
+    /// The same at a moment of the video.
+    QString textsOfRow(int row, int videoMs)
     {
         hud.setVideoPosition(timeAt(videoMs));
-        return painted(hud).copy(0, rowTops[row] + 8, panelWidth, 20);
+        return textsOfRow(row);
     }
 
     bool parsed = false;
@@ -92,20 +109,11 @@ struct Panel
     HeadUpDisplay hud;
 };
 
-/// How a row's label and value look, drawn by the test itself.
-inline QImage texts(int row, const QString& value)
+/// What textsOfRow() gives for a row with this value; for an empty one, the label alone.
+inline QString texts(int row, const QString& value)
 {
     const char* labels[] = {"Pitch", "Roll", "Heading", "Altitude", "Cam pitch"};
-    QImage image(panelWidth, 36, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::magenta);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::white);
-    const QRectF rect(10, 8, panelWidth - 20, 20);
-    painter.drawText(rect, Qt::AlignLeft | Qt::AlignTop, QString::fromLatin1(labels[row]));
-    painter.drawText(rect, Qt::AlignRight | Qt::AlignTop, value);
-    painter.end();
-    return image.copy(0, 8, panelWidth, 20);
+    return QString::fromLatin1(labels[row]) + value;
 }
 
 const QColor discColour(0x55, 0x55, 0x55);
