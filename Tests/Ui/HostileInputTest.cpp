@@ -1,8 +1,8 @@
 #include "HostileLogs.h"
 #include "ReviewFixture.h"
 #include "Support/TestVideo.h"
+#include "Support/workDone.h"
 
-#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -40,6 +40,7 @@ private slots:
     void unreadableProjectShowsAMessage();
 
 private:
+    void takeWork();
     bool openLog(const QByteArray& bytes);
     void review();
     void look();
@@ -50,17 +51,17 @@ private:
 
     std::unique_ptr<ReviewFixture> m_ui;
     QTimer m_pulse;
-    QElapsedTimer m_sincePulse;
-    qint64 m_longestHoldMs = 0;
+    qint64 m_workAtPulseMs = 0;
+    qint64 m_mostWorkMs = 0; ///< between two turns of the event loop
 };
 
 namespace {
 
-// A quarter of it is what a patient person bears; the rest is for a machine with other work.
+// A patient person waits for a quarter of it; the rest is for a slower machine.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int longestHoldMs = 20'000;
+constexpr int mostWorkAtOnceMs = 20'000;
 #else
-constexpr int longestHoldMs = 4'000;
+constexpr int mostWorkAtOnceMs = 4'000;
 #endif
 
 QString write(const QString& name, const QByteArray& bytes)
@@ -118,14 +119,21 @@ void HostileInputTest::initTestCase()
     m_ui = std::make_unique<ReviewFixture>();
     QVERIFY(m_ui->load());
     m_pulse.setInterval(5);
-    connect(&m_pulse, &QTimer::timeout, this,
-            [this] { m_longestHoldMs = std::max(m_longestHoldMs, m_sincePulse.restart()); });
+    connect(&m_pulse, &QTimer::timeout, this, &HostileInputTest::takeWork);
+}
+
+/// The work of the interface thread since the last turn of its event loop.
+void HostileInputTest::takeWork()
+{
+    const qint64 nowMs = threadWorkMs();
+    m_mostWorkMs = std::max(m_mostWorkMs, nowMs - m_workAtPulseMs);
+    m_workAtPulseMs = nowMs;
 }
 
 void HostileInputTest::init()
 {
-    m_longestHoldMs = 0;
-    m_sincePulse.start();
+    m_mostWorkMs = 0;
+    m_workAtPulseMs = threadWorkMs();
     m_pulse.start();
 }
 
@@ -135,9 +143,9 @@ void HostileInputTest::cleanup()
     m_ui->call("goCloseProject");
     QCoreApplication::processEvents();
     m_pulse.stop();
-    m_longestHoldMs = std::max(m_longestHoldMs, m_sincePulse.elapsed());
-    QVERIFY2(m_longestHoldMs < longestHoldMs,
-             qPrintable(QString("interface held for %1 ms").arg(m_longestHoldMs)));
+    takeWork();
+    QVERIFY2(m_mostWorkMs < mostWorkAtOnceMs,
+             qPrintable(QString("the interface was held for %1 ms of work").arg(m_mostWorkMs)));
     QVERIFY(m_ui->window()->isVisible());
     QStringList errors = m_ui->scriptErrors();
     // What a box said is no error of a script.
