@@ -329,7 +329,8 @@ bool AvFrameSource::startAt(int packet)
     forgetPosition();
     m_decoder->flush();
     const FrameIndex::Packet& at = index().packet(packet);
-    const bool positioned = packet == 0 ? m_input->rewind() : m_input->seek(at.dts, at.position);
+    const bool positioned =
+        packet == 0 ? m_input->rewind() : m_input->seek(at.storedDts(), at.position);
     if (!positioned && !(packet > 0 && m_input->rewind()) && !reopen())
         return false;
     m_start = packet;
@@ -423,7 +424,8 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
                 continue;
             m_lastShown = frames.firstFrameFrom(packet) - 1;
         }
-        if (m_packet->flags & AV_PKT_FLAG_CORRUPT)
+        // Where two recordings meet, their counters of packets do not fit, and nothing is lost.
+        if (m_packet->flags & AV_PKT_FLAG_CORRUPT && !frames.isAtJoin(packet))
             markDamage(packet, packet);
         const int frame =
             frames.packet(frames.packet(packet).isSecondField ? packet - 1 : packet).frame;

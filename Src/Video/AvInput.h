@@ -58,6 +58,9 @@ public:
     /// one place.
     bool describesPackets() const;
 
+    /// Whether the container is of those whose clock can begin anew inside a file.
+    bool canClockBeginAnew() const { return m_seeksByPosition; }
+
     /// The rate as the file states it, in frames per second; 0 if it does not. After probe(), where
     /// there is need of it.
     double statedFps() const;

@@ -11,10 +11,30 @@ namespace {
 // A time that differs from that of the stated rate by less is the same, rounded by the container.
 constexpr double roundingMs = 0.6;
 
+// A clock that goes back by more, or ahead by more than any flight, has begun anew.
+constexpr double mostBackMs = 300.0;
+constexpr double mostAheadMs = 60.0 * 60.0 * 1000.0;
+
+// A fault that comes with that shows up to so many packets early: readers look ahead.
+constexpr int packetsAtJoin = 3;
+
+// Times beyond this are no clock, and sums of them leave 64 bits.
+constexpr qint64 highestClock = qint64(1) << 60;
+
 // A file can state times whose difference no 64 bits hold.
 double distance(qint64 from, qint64 to)
 {
     return static_cast<double>(to) - static_cast<double>(from);
+}
+
+bool isClock(qint64 time)
+{
+    return time == FrameIndex::noTime || (time > -highestClock && time < highestClock);
+}
+
+bool isAt(const FrameIndex::Packet& packet, qint64 dts, qint64 pts)
+{
+    return packet.storedDts() == dts && packet.storedPts() == pts;
 }
 
 } // namespace
@@ -28,6 +48,39 @@ void FrameIndex::hideFramesBefore(int packet)
         if (other.pts != noTime && other.pts < pts)
             other.isShown = false;
     }
+}
+
+void FrameIndex::joinClocks()
+{
+    const bool areClocks =
+        std::all_of(m_packets.begin(), m_packets.end(), [](const Packet& packet) {
+            return isClock(packet.pts) && isClock(packet.dts);
+        });
+    if (!areClocks)
+        return;
+    qint64 shift = 0;
+    qint64 last = noTime;
+    qint64 step = 0; // from one packet to the next
+    for (Packet& packet : m_packets) {
+        if (packet.dts != noTime) {
+            const double ms = last == noTime ? 0.0 : distance(last, packet.dts + shift) * m_unitMs;
+            if (ms < -mostBackMs || ms > mostAheadMs)
+                shift = last + step - packet.dts;
+            else if (ms > 0.0)
+                step = packet.dts + shift - last;
+            packet.dts += shift;
+            last = packet.dts;
+        }
+        if (packet.pts != noTime)
+            packet.pts += shift;
+        packet.shift = shift;
+    }
+}
+
+bool FrameIndex::isAtJoin(int packet) const
+{
+    const int behind = std::min(packet + packetsAtJoin, packetCount() - 1);
+    return this->packet(behind).shift != this->packet(packet).shift;
 }
 
 void FrameIndex::giveTimes(const std::vector<qint64>& orders)
@@ -177,7 +230,7 @@ bool FrameIndex::agrees(const Packet& packet, qint64 position, qint64 dts, qint6
 {
     if (packet.position >= 0 && position >= 0)
         return packet.position == position;
-    return packet.pts == pts && packet.dts == dts;
+    return isAt(packet, dts, pts);
 }
 
 int FrameIndex::find(qint64 position, qint64 dts, qint64 pts, int expected) const
@@ -188,7 +241,7 @@ int FrameIndex::find(qint64 position, qint64 dts, qint64 pts, int expected) cons
     auto at = std::lower_bound(m_byPosition.begin(), m_byPosition.end(), position, before);
     int found = -1;
     for (; at != m_byPosition.end() && packet(*at).position == position; ++at) {
-        if (packet(*at).dts == dts && packet(*at).pts == pts)
+        if (isAt(packet(*at), dts, pts))
             return *at;
         if (found < 0 && position >= 0)
             found = *at;

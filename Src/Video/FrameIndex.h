@@ -21,18 +21,31 @@ public:
     {
         qint64 pts = noTime;  ///< when its frame is shown; noTime if the container does not say
         qint64 dts = noTime;  ///< when it is decoded
+        qint64 shift = 0;     ///< what joinClocks() has added to both
         qint64 position = -1; ///< in the file, in bytes; -1 if unknown
         qint64 duration = 0;  ///< of its frame; 0 if unknown
         bool isKey = false;   ///< decoding can start here
         bool isShown = true;  ///< false: decoded for the sake of others only (edit lists)
         bool isSecondField = false; ///< the second half of the frame of the packet before
         int frame = -1;             ///< number of its frame, or -1; set by finish()
+
+        /// The times as the file has them.
+        qint64 storedPts() const { return pts == noTime ? pts : pts - shift; }
+        qint64 storedDts() const { return dts == noTime ? dts : dts - shift; }
     };
 
     /// `unitMs` is the length of one unit of the time base in milliseconds.
     void setUnit(double unitMs) { m_unitMs = unitMs; }
 
     void add(const Packet& packet) { m_packets.push_back(packet); }
+
+    /// A recorder that starts again can begin its clock anew inside a file. Each part gets times
+    /// that follow those of the part before, as its packets do; a gap that a recording can have
+    /// stays a gap. Before giveTimes() and finish().
+    void joinClocks();
+
+    /// Whether the packet is one of the last before a place where a clock began anew.
+    bool isAtJoin(int packet) const;
 
     /// Gives every frame a time where the container knows none but those of decoding: the frame
     /// that comes first by `orders`, one for each packet, gets the first of them, and so on. Before
@@ -84,8 +97,9 @@ public:
     /// The first keyframe packet after `packet`; packetCount() if there is none.
     int keyPacketAfter(int packet) const;
 
-    /// The packet at this position in the file with this decoding time, searched from `expected`
-    /// on; where several are at one position, the one with that time. -1 if there is none.
+    /// The packet at this position in the file with these times of the file, searched from
+    /// `expected` on; where several are at one position, the one with those times. -1 if there is
+    /// none.
     int find(qint64 position, qint64 dts, qint64 pts, int expected) const;
 
 private:

@@ -203,6 +203,8 @@ Status readPacketIndex(AvInput& input, FrameIndex& index, bool arePicturesRead,
             break;
         }
     }
+    if (input.canClockBeginAnew())
+        index.joinClocks();
     facts.finish(index);
     return status;
 }

@@ -41,6 +41,8 @@ private slots:
     void decodingStartsBeforeTheFrameInBothOrders();
     void hiddenFramesHaveNoNumber();
     void packetsAreFoundByPosition();
+    void aClockThatBeginsAnewGoesOn_data();
+    void aClockThatBeginsAnewGoesOn();
     void hugeTimesDoNoHarm();
 };
 
@@ -135,6 +137,45 @@ void FrameIndexTest::packetsAreFoundByPosition()
     QCOMPARE(index.find(150, 0, 0, 0), -1);
 }
 
+void FrameIndexTest::aClockThatBeginsAnewGoesOn_data()
+{
+    QTest::addColumn<QList<int>>("decodedMs");
+    QTest::addColumn<QList<int>>("shownMs");
+    constexpr int hourMs = 3600 * 1000;
+    QTest::newRow("none") << QList<int>{0, 40, 80} << QList<int>{0, 40, 80};
+    QTest::newRow("back") << QList<int>{900, 940, 0, 40} << QList<int>{0, 40, 80, 120};
+    QTest::newRow("twice") << QList<int>{900, 940, 0, 400, 0, 40}
+                           << QList<int>{0, 40, 80, 480, 880, 920};
+    QTest::newRow("far ahead") << QList<int>{0, 40, 2 * hourMs, 2 * hourMs + 40}
+                               << QList<int>{0, 40, 80, 120};
+    QTest::newRow("a gap") << QList<int>{0, 40, hourMs / 2} << QList<int>{0, 40, hourMs / 2};
+    QTest::newRow("a stumble") << QList<int>{0, 200, 160} << QList<int>{0, 160, 200};
+}
+
+void FrameIndexTest::aClockThatBeginsAnewGoesOn()
+{
+    QFETCH(QList<int>, decodedMs);
+    QFETCH(QList<int>, shownMs);
+    FrameIndex index;
+    for (const int ms : decodedMs) {
+        FrameIndex::Packet packet;
+        packet.dts = ms;
+        packet.pts = ms + 80;
+        packet.isKey = true;
+        index.add(packet);
+    }
+    index.joinClocks();
+    index.finish(fps);
+    QCOMPARE(index.frameCount(), shownMs.size());
+    for (int i = 0; i < shownMs.size(); ++i)
+        QCOMPARE(index.timeMs(i), static_cast<double>(shownMs[i]));
+    // Packets are known by what the file says.
+    for (int i = 0; i < decodedMs.size(); ++i) {
+        QCOMPARE(index.packet(i).storedDts(), qint64(decodedMs[i]));
+        QCOMPARE(index.packet(i).storedPts(), qint64(decodedMs[i] + 80));
+    }
+}
+
 void FrameIndexTest::hugeTimesDoNoHarm()
 {
     FrameIndex index;
@@ -142,8 +183,10 @@ void FrameIndexTest::hugeTimesDoNoHarm()
          {std::numeric_limits<qint64>::max(), std::numeric_limits<qint64>::min() + 1, qint64(0)}) {
         FrameIndex::Packet packet;
         packet.pts = pts;
+        packet.dts = pts;
         index.add(packet);
     }
+    index.joinClocks();
     index.finish(fps);
     QCOMPARE(index.frameCount(), 3);
     QVERIFY(index.timeMs(3) >= index.timeMs(2));

@@ -91,6 +91,8 @@ private slots:
     void initTestCase();
     void everyFrameIsTheOneAskedFor_data();
     void everyFrameIsTheOneAskedFor();
+    void timesGoOnWhereAClockBeginsAnew_data();
+    void timesGoOnWhereAClockBeginsAnew();
     void damageCostsNoMoreThanItself_data();
     void damageCostsNoMoreThanItself();
 
@@ -297,6 +299,52 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor()
     trustRow(QStringLiteral("Wrong frames, asked forwards, backwards and by time"),
              QString::fromUtf8(QTest::currentDataTag()),
              QStringLiteral("0 of %1").arg(asked + static_cast<int>(order.size())));
+}
+
+void FrameTruthTest::timesGoOnWhereAClockBeginsAnew_data()
+{
+    QTest::addColumn<QStringList>("starts"); // of the second and the third part, in seconds
+    QTest::newRow("at the same time") << QStringList{"0", "0"};
+    QTest::newRow("hours later, and back") << QStringList{"9000", "100"};
+    QTest::newRow("earlier each time") << QStringList{"-0.6", "-1.2"};
+}
+
+// A recorder that starts again writes on into the same transport stream.
+void FrameTruthTest::timesGoOnWhereAClockBeginsAnew()
+{
+    QFETCH(QStringList, starts);
+    starts.prepend("0");
+    QFile whole(path("clocks.ts"));
+    QVERIFY(whole.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    for (int part = 0; part < 3; ++part) {
+        const QString piece = path(QString("clock%1.ts").arg(part));
+        QVERIFY(make(piece,
+                     {"-vf", QString("select='between(n,%1,%2)',setpts=N/30/TB")
+                                 .arg(part * 30)
+                                 .arg(part * 30 + 29)},
+                     {"-c:v", "libx264", "-preset", "ultrafast", "-bf", "2", "-g", "12",
+                      "-output_ts_offset", starts[part]}));
+        QFile bytes(piece);
+        QVERIFY(bytes.open(QIODevice::ReadOnly));
+        QVERIFY(whole.write(bytes.readAll()) > 0);
+    }
+    whole.close();
+
+    const auto source = openVideo(path("clocks.ts"));
+    QVERIFY(source);
+    QCOMPARE(source->frameCount(), 90);
+    QVERIFY(std::abs(source->durationMs() - 3000.0) <= toleranceMs);
+    std::vector<int> order(90);
+    std::iota(order.begin(), order.end(), 0);
+    for (int round = 0; round < 2; ++round) {
+        for (const int i : order) {
+            QVERIFY(source->seekToTime(i * 1000.0 / 30.0));
+            const Shown shown = shownAt(*source);
+            QCOMPARE(shown.number, i);
+            QVERIFY(std::abs(shown.timeMs - i * 1000.0 / 30.0) <= toleranceMs);
+        }
+        std::shuffle(order.begin(), order.end(), std::mt19937(11));
+    }
 }
 
 void FrameTruthTest::damageCostsNoMoreThanItself_data()
