@@ -67,6 +67,8 @@ private:
     Step takePicture(int wanted);
     Step feed(int wanted);
     ReadOutcome decodeFrom(int start, int wanted);
+    int startFor(int frame) const;
+    bool isStartSpread();
     bool startAt(int packet);
     bool reopen();
     void forgetPosition();
@@ -91,6 +93,9 @@ private:
 
     bool m_hasFields = false; // of what is decoded first
     qint64 m_lastDts = FrameIndex::noTime;
+
+    bool m_isKeySpread = false; // what a look at a keyframe has shown
+    bool m_isKeyWhole = false;
 
     int m_start = 0;      // the packet that decoding began at
     int m_lastSent = -1;  // the packet that the decoder got last
@@ -262,7 +267,7 @@ ReadOutcome AvFrameSource::read(Frame& frame)
     if (m_next >= frames.frameCount())
         return ReadOutcome::end;
     const ReadOutcome outcome =
-        isOnTheWay(m_next) ? decodeFrom(-1, m_next) : decodeFrom(frames.startFor(m_next), m_next);
+        isOnTheWay(m_next) ? decodeFrom(-1, m_next) : decodeFrom(startFor(m_next), m_next);
     switch (outcome) {
     case ReadOutcome::frame:
         return deliver(frame);
@@ -322,6 +327,25 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
             break;
         }
     }
+}
+
+// Where keyframes are spread over many frames, whole pictures come only some frames behind the
+// packet that counts as one: the decoding begins at the one before.
+int AvFrameSource::startFor(int frame) const
+{
+    const int start = index().startFor(frame);
+    return m_isKeySpread ? index().startBefore(start) : start;
+}
+
+// Whether the first packet that is sent is no whole picture. Asked of one per file.
+bool AvFrameSource::isStartSpread()
+{
+    if (m_isKeySpread || m_isKeyWhole)
+        return false;
+    PictureParser parser(*m_video->parameters);
+    m_isKeySpread = !parser.look(*m_packet).isWhole;
+    m_isKeyWhole = !m_isKeySpread;
+    return m_isKeySpread;
 }
 
 bool AvFrameSource::startAt(int packet)
@@ -424,6 +448,8 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
                 continue;
             m_lastShown = frames.firstFrameFrom(packet) - 1;
         }
+        if (m_lastSent < 0 && packet > 0 && isStartSpread())
+            return Step::overshot;
         // Where two recordings meet, their counters of packets do not fit, and nothing is lost.
         if (m_packet->flags & AV_PKT_FLAG_CORRUPT && !frames.isAtJoin(packet))
             markDamage(packet, packet);
@@ -461,7 +487,7 @@ bool AvFrameSource::isDoubtful(int packet) const
 // No good frame follows: the last one before is held.
 ReadOutcome AvFrameSource::readLastGoodBefore(int wanted)
 {
-    int start = index().startFor(wanted);
+    int start = startFor(wanted);
     while (m_lastGoodFrame < 0) {
         if (start == 0)
             return ReadOutcome::end;

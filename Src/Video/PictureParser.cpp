@@ -55,6 +55,8 @@ PictureParser::Picture PictureParser::look(const AVPacket& packet)
     if (av_parser_parse2(m_parser, m_context.get(), &whole, &bytes, packet.data, packet.size,
                          packet.pts, packet.dts, packet.pos) < 0)
         return picture;
+    picture.isWhole =
+        m_parser->pict_type != AV_PICTURE_TYPE_P && m_parser->pict_type != AV_PICTURE_TYPE_B;
     // The order of two fields is known once both were seen: with the second one.
     const bool isHalf = m_context->codec_id == AV_CODEC_ID_H264 && isField(*m_parser);
     picture.isSecondField = isHalf && m_isFirstField && m_parser->field_order != AV_FIELD_UNKNOWN;

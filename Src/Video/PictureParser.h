@@ -23,6 +23,9 @@ public:
         /// The second half of the frame whose first half is the packet before: no frame of its own.
         bool isSecondField = false;
 
+        /// Whether the picture needs no other one, or nothing is known of it.
+        bool isWhole = true;
+
         /// Pictures are shown in this order, where it is known.
         bool hasOrder = false;
         qint64 order = 0;

@@ -161,7 +161,14 @@ public:
             return;
         }
         m_isOrderKnown = m_isOrderKnown && picture.hasOrder;
-        m_isTimeMissing = m_isTimeMissing || (entry.isShown && entry.pts == FrameIndex::noTime);
+        // Some containers have no times below 0. What a cut has left of pictures that are shown
+        // before the first one does not arrive.
+        const bool hasTime = entry.pts != FrameIndex::noTime;
+        if (!hasTime && m_isOrderKnown && m_isFirstTimed && picture.order < m_orders.front())
+            entry.isShown = false;
+        if (m_orders.size() == 1)
+            m_isFirstTimed = hasTime;
+        m_isTimeMissing = m_isTimeMissing || (entry.isShown && !hasTime);
     }
 
     void finish(FrameIndex& index) const
@@ -175,6 +182,7 @@ private:
     std::vector<qint64> m_orders;
     bool m_isOrderKnown = true;
     bool m_isTimeMissing = false;
+    bool m_isFirstTimed = false;
 };
 
 } // namespace

@@ -161,6 +161,8 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
     row("b-frames", "a.mp4", {}, h264);
     row("long group", "a.mov", {}, h264 + QStringList{"-g", "250"});
     row("open groups", "a.mp4", {}, h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
+    row("keyframes spread over many", "a.mp4", {},
+        h264 + QStringList{"-x264-params", "intra-refresh=1:keyint=20:bframes=0"});
     row("hevc", "a.mp4", {}, hevc + QStringList{"-x265-params", "log-level=none:keyint=24"});
     row("hevc, open groups", "a.mp4", {},
         hevc + QStringList{"-x265-params", "log-level=none:keyint=24:open-gop=1:bframes=4"});
@@ -205,6 +207,9 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
         QStringList{"-vsync", "passthrough", "-enc_time_base", "1/1000"} + h264);
     row("matroska, a later start", "a.mkv", {}, h264 + QStringList{"-output_ts_offset", "3.7"});
     row("matroska, cut without coding", "a.mkv", {}, h264, {"-ss", "0.9"});
+    row("matroska, hevc cut at an open group", "a.mkv", {},
+        hevc + QStringList{"-x265-params", "log-level=none:keyint=24:open-gop=1:bframes=4"},
+        {"-ss", "1.9"});
     row("vp8", "a.mkv", {}, {"-c:v", "libvpx", "-deadline", "realtime", "-cpu-used", "8"});
     row("vp9 with hidden frames", "a.mkv", {},
         {"-c:v", "libvpx-vp9", "-cpu-used", "8", "-auto-alt-ref", "1", "-lag-in-frames", "16"});
