@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Threads/post.h"
 #include "Video/SeekWish.h"
 #include "Video/StillFrameQueue.h"
 #include "Video/ThermalOverlay.h"
@@ -19,6 +20,7 @@
 #include <limits>
 #include <memory>
 #include <opencv2/core.hpp>
+#include <utility>
 
 namespace corv {
 
@@ -129,6 +131,7 @@ private:
     bool moveToNextFile();
     Produced goToFrame(int index, FrameUse use);
     int placeOf(const SeekWish& wish) const;
+    void passLostFrames();
     static int framesOnTheWay(const FrameSource& source, int local);
     bool approach(int index);
     bool showPreview(int index);
@@ -181,5 +184,11 @@ private:
     int m_stillFile = noFile;
     cv::Mat m_stillFrame;
 };
+
+template <typename Call>
+void OpenCvWorker::postToClient(Call call)
+{
+    post(m_context, [client = m_client, call = std::move(call)] { call(*client); });
+}
 
 } // namespace corv

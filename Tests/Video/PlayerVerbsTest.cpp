@@ -32,6 +32,8 @@ private slots:
     void exactTimeIsSignalledForEachFrame();
     void aSeekIntoDamageIsAnswered();
     void damageIsPassedOverWithTrueNumbers();
+    void stepsBackPassLostFrames_data();
+    void stepsBackPassLostFrames();
     void keyframeIsShownUntilThePointerRests();
     void whileThePointerMovesKeyframesAreShown();
     void shortWaysNeedNoPreview();
@@ -361,6 +363,42 @@ void PlayerVerbsTest::damageIsPassedOverWithTrueNumbers()
     m_player->pause();
     QCOMPARE(m_player->currentFrameIndex(), m_surface.lastNumber());
     QVERIFY(!m_surface.numbers.contains(11));
+}
+
+void PlayerVerbsTest::stepsBackPassLostFrames_data()
+{
+    QTest::addColumn<int>("firstLost");
+    QTest::addColumn<int>("lastLost");
+    QTest::addColumn<int>("shown");
+    QTest::newRow("inside a group") << 13 << 16 << 12;
+    QTest::newRow("whole groups") << 12 << 34 << 11;
+    QTest::newRow("from the start of the file") << 0 << 7 << -1;
+}
+
+// In the second of two files, with ten frames from one keyframe to the next.
+void PlayerVerbsTest::stepsBackPassLostFrames()
+{
+    QFETCH(int, firstLost);
+    QFETCH(int, lastLost);
+    QFETCH(int, shown);
+    constexpr int start = 20;
+    addFile("CORV0001.MP4", start);
+    const auto second = addFile("CORV0002.MP4", 60);
+    second->firstNumber = start;
+    second->keyframeSpacing = 10;
+    for (int frame = firstLost; frame <= lastLost; ++frame)
+        second->damaged.insert(frame);
+    openPlayer("CORV0001.MP4");
+    QVERIFY(m_player->goToFrame(start + lastLost + 2));
+    QTRY_COMPARE(m_surface.lastNumber(), start + lastLost + 2);
+    for (const int wanted : {lastLost + 1, shown, shown - 1}) {
+        QVERIFY(m_player->step(-1));
+        QTRY_COMPARE(m_surface.lastNumber(), start + wanted);
+        QTRY_COMPARE(m_player->currentFrameIndex(), start + wanted);
+        QCOMPARE(m_player->timePosition(), timeAt((start + wanted) * 10));
+    }
+    QVERIFY(m_player->step(1));
+    QTRY_COMPARE(m_surface.lastNumber(), start + shown);
 }
 
 // 4K frames, of which thirty are taken to cost half a second.
