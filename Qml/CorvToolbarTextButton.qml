@@ -6,6 +6,8 @@ CorvButtonBase {
 
     property alias source: face.source
     property alias text: face.text
+    // Of icon and text while it can be used.
+    property color foreground: Theme.toolIcon
 
     name: text
     width: 100
@@ -14,6 +16,6 @@ CorvButtonBase {
 
     IconAndLabel {
         id: face
-        color: corvToolbarTextButton.enabled ? Theme.toolIcon : Theme.toolIconDisabled
+        color: corvToolbarTextButton.enabled ? corvToolbarTextButton.foreground : Theme.toolIconDisabled
     }
 }

@@ -1,5 +1,6 @@
 import QtQuick 2.7
 import QtQuick.Layouts 1.1
+import Review 1.0
 import corv.LogParsing 1.0
 import VideoPlayer 1.0
 import "."
@@ -14,6 +15,10 @@ Rectangle {
     // The jobs of this run, with the number of those that run.
     property var jobs: null
     readonly property int runningJobs: jobs !== null ? jobs.running : 0
+    // Whether the list of jobs is open.
+    property bool jobsShown: false
+    // A job has failed since then: the notice of it is gone after a few seconds.
+    property bool failureUnseen: false
     signal jobsClicked()
     // Position, length and frame number, as shown.
     readonly property alias positionText: videoDuration.text
@@ -22,6 +27,17 @@ Rectangle {
 
     height: 26
     color: Theme.strip
+    onJobsShownChanged: failureUnseen = false
+
+    Connections {
+        target: statusLine.jobs
+
+        function onDataChanged(first) {
+            var job = statusLine.jobs.job(first.row);
+            if (job !== null && job.state === Job.Failed && !statusLine.jobsShown)
+                statusLine.failureUnseen = true;
+        }
+    }
 
     // Shows a sentence in passing, in place of the files.
     function showNotice(text) {
@@ -159,14 +175,20 @@ Rectangle {
     CorvToolbarTextButton {
         id: jobsButton
         objectName: "jobsButton"
+
+        readonly property bool failureShown: statusLine.failureUnseen && statusLine.runningJobs === 0
+
         anchors.right: parent.right
         anchors.rightMargin: 4
         anchors.verticalCenter: parent.verticalCenter
-        width: visible ? 84 : 0
+        width: !visible ? 0 : failureShown ? 108 : 84
         visible: statusLine.jobs !== null
-        text: statusLine.runningJobs > 0 ? "Jobs: " + statusLine.runningJobs : "Jobs"
+        text: statusLine.runningJobs > 0 ? "Jobs: " + statusLine.runningJobs
+                                         : failureShown ? "Jobs: failed" : "Jobs"
+        foreground: failureShown ? Theme.textFailed : Theme.toolIcon
         source: "images/button_jobs.png"
-        tooltiptext: "Exports and other jobs, and how they ended"
+        tooltiptext: failureShown ? "A job has failed: open the list to see why"
+                                  : "Exports and other jobs, and how they ended"
         onClicked: statusLine.jobsClicked()
     }
 }

@@ -355,6 +355,7 @@ ReviewWindow {
         z: 1
         visible: pictureAlone.controlsShown
         jobs: review.jobs
+        jobsShown: jobsPanel.visible
         onJobsClicked: jobsPanel.visible = !jobsPanel.visible
         objectName: "infoTab"
         player: videoPlayer

@@ -83,12 +83,16 @@ void JobsTest::aJobThatFailedStandsOut()
     openFlight();
     startSeries(100);
     QTRY_COMPARE(writing(), 0);
+    QCOMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs"));
     QVERIFY(QDir(m_folder).removeRecursively());
     QFile file(m_folder);
     QVERIFY(file.open(QIODevice::WriteOnly));
     startSeries(100);
     QTRY_COMPARE(writing(), 0);
+    // After the notice in passing, too.
+    QCOMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs: failed"));
     m_ui->evaluate("jobsPanel.visible = true");
+    QTRY_COMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs"));
     QTRY_VERIFY(m_ui->item("jobResult1"));
     const auto colourOf = [this](const char* result) {
         return m_ui->get(result, "color").value<QColor>();
