@@ -28,9 +28,9 @@ namespace {
 const QString fileName = QStringLiteral("Vistrel-crash.txt");
 constexpr int keptReports = 5;
 constexpr int keptLines = 200;
-constexpr size_t tailBytes = 256 * 1024;
+constexpr size_t tailBytes = size_t{256} * 1024;
 constexpr int deepestStack = 128;
-constexpr size_t alternateStackBytes = 128 * 1024;
+constexpr size_t alternateStackBytes = size_t{128} * 1024;
 
 struct Signal
 {
@@ -190,7 +190,7 @@ void makeReadable(const QString& filePath)
     QFile report(filePath);
     if (!report.open(QIODevice::ReadOnly))
         return;
-    constexpr qint64 largestReportBytes = 1024 * 1024; // the handler writes a third of it
+    constexpr qint64 largestReportBytes = qint64{1024} * 1024; // the handler writes a third of it
     QList<QByteArray> lines = report.read(largestReportBytes).split('\n');
     report.close();
     for (QByteArray& line : lines) {

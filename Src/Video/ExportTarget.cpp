@@ -16,7 +16,7 @@ namespace corv {
 namespace {
 
 // A container needs about this much for its end.
-constexpr qint64 leastRoomBytes = 64 * 1024;
+constexpr qint64 leastRoomBytes = qint64{64} * 1024;
 
 QString text(const char* source)
 {

@@ -18,7 +18,7 @@ namespace {
 constexpr int barWidth = 20;
 constexpr int usualColumns = 80;
 constexpr int tickMs = 500;
-constexpr qint64 msPerMinute = 60 * 1000;
+constexpr qint64 msPerMinute = qint64{60} * 1000;
 constexpr qint64 minutesPerHour = 60;
 
 QString text(const QJsonObject& object, const char* key)

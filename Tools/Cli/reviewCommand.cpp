@@ -34,7 +34,7 @@ const QString rateOption = QStringLiteral("rate");
 const QString atOnceOption = QStringLiteral("at-once");
 
 // A job has a few paths; a file of this size is none.
-constexpr qint64 largestJobBytes = 1024 * 1024;
+constexpr qint64 largestJobBytes = qint64{1024} * 1024;
 
 FlightOptions flightOptions(const QCommandLineParser& line)
 {
@@ -121,7 +121,7 @@ ExitStatus listJobs(const FlightList& list, bool json)
 // Why a flight may have no result. A full disk takes none.
 Failure noResult(const QCommandLineParser& line)
 {
-    constexpr qint64 roomOfAResult = 64 * 1024;
+    constexpr qint64 roomOfAResult = qint64{64} * 1024;
     const QString out = line.value(outOption);
     const QStorageInfo disk(out);
     if (disk.isValid() && disk.bytesAvailable() < roomOfAResult)
