@@ -61,8 +61,8 @@ std::vector<Pairing> pairFlights(const std::vector<PairingVideo>& videos,
 bool namesInOrder(const QString& a, const QString& b);
 
 /// True if `next` can be the part of a flight that follows `path`: the same folder, the same name
-/// but for the number at its end, which is one higher. Behind it a number in brackets, which tells
-/// files of equal names apart, is the same.
+/// but for the number at its end, which is one higher. A number in brackets behind it, as systems
+/// add it to files of equal names, is the same.
 bool isNextPart(const QString& path, const QString& next);
 
 } // namespace corv

@@ -109,10 +109,7 @@ void InstallerDownloadTest::installerOnDiskIsNotFetchedAgain()
     touch(installerFile());
     serveManifest(manifest(offeredVersion.toUtf8()));
     const MessageLog log;
-    UpdateManager manager(share(), QString());
-    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
-    manager.checkUpdate();
-    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(checkOffersAnUpdate());
     QCOMPARE(m_server->requests().size(), 1);
     QVERIFY(log.contains(QStringLiteral("Installer already downloaded")));
 }
@@ -149,10 +146,7 @@ void InstallerDownloadTest::replacesWhatIsNotTheInstallerOnDisk()
     }
     serveManifest(manifest(offeredVersion.toUtf8(), "r9", more));
     m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
-    UpdateManager manager(share(), QString());
-    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
-    manager.checkUpdate();
-    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(checkOffersAnUpdate());
     QCOMPARE(m_server->requests().size(), 2);
     QVERIFY(QFileInfo(installerFile()).isFile());
     QVERIFY(!QFileInfo(installerFile()).isSymLink());
@@ -234,10 +228,7 @@ void InstallerDownloadTest::removesOldInstallersAndNothingElse()
     touch(m_dataFolder + QStringLiteral("/Vistrel.log"));
     serveManifest(manifest(offeredVersion.toUtf8()));
     m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
-    UpdateManager manager(share(), QString());
-    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
-    manager.checkUpdate();
-    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(checkOffersAnUpdate());
     QCOMPARE(QDir(m_dataFolder + QStringLiteral("/update"))
                  .entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList{UpdateManager::getInstallerFileName(offeredVersion)});
@@ -252,10 +243,7 @@ void InstallerDownloadTest::linkInPlaceOfTheUpdateFolderIsNotFollowed()
     QVERIFY(QFile::link(elsewhere.path(), m_dataFolder + QStringLiteral("/update")));
     serveManifest(manifest(offeredVersion.toUtf8()));
     m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
-    UpdateManager manager(share(), QString());
-    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
-    manager.checkUpdate();
-    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(checkOffersAnUpdate());
     QVERIFY(QFile::exists(elsewhere.filePath(QStringLiteral("holiday.jpg"))));
     QVERIFY(QFile::exists(installerFile()));
 }
@@ -268,10 +256,7 @@ void InstallerDownloadTest::fileInPlaceOfTheUpdateFolderIsKept()
     serveManifest(manifest(offeredVersion.toUtf8()));
     m_server->setAnswer(installerPath(), {200, "the installer", false, -1});
     const MessageLog log;
-    UpdateManager manager(share(), QString());
-    QSignalSpy available(&manager, &UpdateManager::updateAvailable);
-    manager.checkUpdate();
-    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(checkOffersAnUpdate());
     QVERIFY(log.contains(QStringLiteral("Failed to create the 'update' dir in:")));
     QVERIFY(QFile::exists(m_dataFolder + QStringLiteral("/Vistrel.log")));
     QVERIFY(QFile::exists(m_dataFolder + QLatin1Char('/') +

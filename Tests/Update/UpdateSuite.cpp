@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QtTest>
 
@@ -55,6 +56,14 @@ QString UpdateSuite::installerFile() const
 {
     return m_dataFolder + QStringLiteral("/update/") +
            UpdateManager::getInstallerFileName(offeredVersion);
+}
+
+bool UpdateSuite::checkOffersAnUpdate() const
+{
+    UpdateManager manager(share(), QString());
+    const QSignalSpy available(&manager, &UpdateManager::updateAvailable);
+    manager.checkUpdate();
+    return QTest::qWaitFor([&available] { return available.count() == 1; });
 }
 
 void UpdateSuite::initTestCase()

@@ -37,6 +37,8 @@ protected:
     /// as.
     QByteArray installerPath() const;
     QString installerFile() const;
+    /// Whether a check offers an update. Returns once it does; false after five seconds.
+    bool checkOffersAnUpdate() const;
 
     std::unique_ptr<HttpServer> m_server;
     QString m_dataFolder;
