@@ -67,6 +67,7 @@ private:
     Step takePicture(int wanted);
     Step feed(int wanted);
     ReadOutcome decodeFrom(int start, int wanted);
+    bool isLeftInside(Step step, int wanted) const;
     int startFor(int frame) const;
     bool isStartSpread();
     bool startAt(int packet);
@@ -312,7 +313,12 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
     for (int attempts = 0;; ++attempts) {
         if (attempt >= 0 && !startAt(attempt))
             return ReadOutcome::failed;
-        switch (decodeNext(wanted)) {
+        const Step step = decodeNext(wanted);
+        if (isLeftInside(step, wanted) && attempts < mostSeekAttempts) {
+            attempt = index().startBefore(m_start);
+            continue;
+        }
+        switch (step) {
         case Step::picture:
             m_waiting = true;
             return ReadOutcome::frame;
@@ -327,6 +333,14 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
             break;
         }
     }
+}
+
+// Shortly behind a keyframe that others reach across, a decoder that is at the end keeps pictures
+// that it has decoded. One that begins earlier gives them.
+bool AvFrameSource::isLeftInside(Step step, int wanted) const
+{
+    const bool isMissing = step == Step::end || (step == Step::picture && m_waitingFrame > wanted);
+    return isMissing && m_isDrained && m_start > 0 && m_damagedFrom == m_damagedTo;
 }
 
 // Where keyframes are spread over many frames, whole pictures come only some frames behind the

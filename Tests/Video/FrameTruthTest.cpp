@@ -161,6 +161,10 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
     row("b-frames", "a.mp4", {}, h264);
     row("long group", "a.mov", {}, h264 + QStringList{"-g", "250"});
     row("open groups", "a.mp4", {}, h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
+    row("open groups, the last one short", "a.mp4", {"-frames:v", "67"},
+        h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
+    row("open groups, the last one of three", "a.mkv", {"-frames:v", "63"},
+        h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
     row("keyframes spread over many", "a.mp4", {},
         h264 + QStringList{"-x264-params", "intra-refresh=1:keyint=20:bframes=0"});
     row("hevc", "a.mp4", {}, hevc + QStringList{"-x265-params", "log-level=none:keyint=24"});
