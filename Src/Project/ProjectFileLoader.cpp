@@ -30,7 +30,7 @@ QDir folderOf(const QString& fileProjectPath)
     return folder;
 }
 
-/// The sizes by which the files are found again where they have been moved to.
+/// The sizes of the files, by path: a moved file is recognised by its name and its size.
 QJsonObject sizesOf(const QStringList& paths, const QDir& projectFolder)
 {
     QJsonObject sizes;

@@ -10,8 +10,8 @@
 namespace corv {
 Status savePictureFile(const QImage& picture, const QString& fileName)
 {
-    // Into memory first: on a file the picture writer empties what is there before it finds that it
-    // knows no such format, and on a full disk it takes a picture that was lost for a written one.
+    // Into memory first: Qt's picture writer empties an existing file before it checks whether it
+    // knows the format, and on a full disk it reports success for a picture that was not written.
     QBuffer buffer;
     const QByteArray format = QFileInfo(fileName).suffix().toLatin1();
     if (format.isEmpty() || !buffer.open(QIODevice::WriteOnly) ||

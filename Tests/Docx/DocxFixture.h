@@ -45,7 +45,8 @@ protected:
         return path(name);
     }
 
-    /// The document made by `fill` from a template of these blocks; it has to keep the rules.
+    /// The document made by `fill` from a template of these blocks. Ends the suite if it is not
+    /// valid.
     Parts made(const QByteArray& blocks, const std::function<void(DocxMerger&)>& fill) const
     {
         DocxMerger merger;

@@ -294,7 +294,7 @@ void LogDecoderTest::theLastPacketIncomplete()
     QCOMPARE(messages.contains(QStringLiteral("Oh, and the last packet is incomplete,")),
              incomplete);
     QCOMPARE(log->getGroup("pair")->getNbPackets(), cut == 0 ? 2 : 1);
-    // Whatever was begun counts as stored, though no reader sees it.
+    // A packet that is cut counts as stored, though none of its values can be read.
     QTEST(log->getGroup("pair")->getNbStored(), "stored");
     QCOMPARE(bytesAt(log.get(), "pair", "v", 0), 'a' * 256 + 'b');
     QCOMPARE(bytesAt(log.get(), "pair", "v", 1), cut == 0 ? 'c' * 256 + 'd' : 0);

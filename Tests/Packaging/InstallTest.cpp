@@ -94,7 +94,7 @@ void InstallTest::initTestCase()
     QVERIFY2(pack.status == 0, pack.out + pack.error);
     const ProgramRun manual = run("pdftotext", {"-layout", staged("lib/vistrel/manual.pdf"), "-"});
     QVERIFY2(manual.status == 0, manual.error);
-    // Letters that the font draws as one sign are two again; a page ends with a form feed.
+    // Ligatures are taken apart into their letters. A page ends with a form feed.
     m_manualPages = QString::fromUtf8(manual.out)
                         .normalized(QString::NormalizationForm_KC)
                         .chopped(1)

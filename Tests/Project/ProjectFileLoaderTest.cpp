@@ -311,7 +311,7 @@ private slots:
         QVERIFY(log.contains("Unable to find video path"));
     }
 
-    // A second of the window, however the file is made; more would hold it for a minute.
+    // A project of the limit is read within a second; much larger ones would hold the window.
     void aProjectOfTheLimitIsReadAndALargerOneNot()
     {
         QByteArray text = project(R"({"files":{"video":"v","log":"l"}})");

@@ -46,7 +46,7 @@ void VideoTransportTest::playsAcrossAJoinWithoutGap()
     QTRY_VERIFY(!player.playing());
     QCOMPARE(playing.count(), 2);
     QVERIFY(log.contains("Reached the end of stream"));
-    // The end pauses at once; what was decoded ahead is shown by playing on.
+    // At the end the player pauses at once. Playing on shows the frames that were decoded ahead.
     QVERIFY(player.play());
     QTRY_COMPARE(surface.lastNumber(), 34);
     QVERIFY(player.pause());
