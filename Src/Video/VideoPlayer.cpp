@@ -100,6 +100,7 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
         return;
     }
     m_hasVideoOpened = true;
+    m_awaitsFirstFrame = true;
     emit hasVideoOpenedChanged(true);
     m_surfaceFormat = QVideoSurfaceFormat(
         QSize(truncateToInt(timeline.size.width()), truncateToInt(timeline.size.height())),

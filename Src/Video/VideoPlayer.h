@@ -443,7 +443,8 @@ private:
     QTimer m_restTimer; // until the picture that a preview replaces is fetched
     bool m_redrawUnderWay = false;
     bool m_redrawWanted = false;
-    bool m_endReached = false; // the frames in the queue are the last
+    bool m_awaitsFirstFrame = false; ///< the shown index is that of the video before
+    bool m_endReached = false;       // the frames in the queue are the last
     PlaybackClock m_clock;
     QElapsedTimer m_steadyClock;
     bool m_isBusy = false;

@@ -174,7 +174,8 @@ void VideoPlayer::redraw()
         return;
     m_redrawUnderWay = true;
     clearQueue();
-    toWorker([shown = m_currentFrameIndex](OpenCvWorker& worker) { worker.redraw(shown); });
+    const int shown = m_awaitsFirstFrame ? 0 : m_currentFrameIndex;
+    toWorker([shown](OpenCvWorker& worker) { worker.redraw(shown); });
 }
 
 void VideoPlayer::onRedrawFinished(int opening)
@@ -205,6 +206,7 @@ void VideoPlayer::onFrameReady(int opening, const PlayerFrame& frame, FrameUse u
         return;
     case FrameUse::seekResult:
         m_seeking = false;
+        m_awaitsFirstFrame = false;
         break;
     }
     // Of two seeks in a row the first one's picture may still be here, which is not the one to

@@ -29,6 +29,7 @@ private slots:
     void playedOnAtTheEndItStartsAgain();
     void playedOnBeforeTheEndItGoesOn();
     void aForgottenFrameIsNotShownAgain();
+    void aSettingAtAnOpeningLeavesItAtTheStart();
     void exactTimeIsSignalledForEachFrame();
     void aSeekIntoDamageIsAnswered();
     void damageIsPassedOverWithTrueNumbers();
@@ -313,6 +314,28 @@ void PlayerVerbsTest::aForgottenFrameIsNotShownAgain()
     m_player->forgetLastFrame();
     open(*m_player, "b.mp4");
     QCOMPARE(m_surface.numbers, QList<int>{500});
+}
+
+// The number of the frame on screen is still that of the flight before then.
+void PlayerVerbsTest::aSettingAtAnOpeningLeavesItAtTheStart()
+{
+    addFile("CORV0101.MP4", 20);
+    addFile("CORV0102.MP4", 15)->firstNumber = 20;
+    const auto last = addFile("CORV0103.MP4", 10);
+    last->firstNumber = 35;
+    openJoined();
+    QVERIFY(m_player->goToFrame(40));
+    QTRY_COMPARE(m_surface.lastNumber(), 40);
+    connect(m_player.get(), &VideoPlayer::hasVideoOpenedChanged, this,
+            [this] { m_player->setContrast(0.8); });
+    m_player->forgetLastFrame();
+    m_player->setSource(path("CORV0101.MP4"));
+    QTRY_COMPARE(m_surface.lastNumber(), 0);
+    // An answered wish of a later turn: all that the opening asked for is done.
+    QVERIFY(m_player->goToFrame(1));
+    QTRY_COMPARE(m_surface.lastNumber(), 1);
+    QCOMPARE(m_player->source(), path("CORV0101.MP4"));
+    QCOMPARE(int(last->reads), 0);
 }
 
 void PlayerVerbsTest::exactTimeIsSignalledForEachFrame()
