@@ -339,8 +339,10 @@ ApplicationWindow {
             reports.abortExportOperation();
     }
 
+    // With nothing open there is no moment to mark.
     function addNewPoiAtPosition() {
-        timeline.addPoiAtPosition();
+        if (player.hasVideoOpened)
+            timeline.addPoiAtPosition();
     }
 
     function deleteSelectedPoi() {

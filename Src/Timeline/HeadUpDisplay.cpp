@@ -43,6 +43,7 @@ void HeadUpDisplay::refresh()
 void HeadUpDisplay::updateLogData()
 {
     m_painter.setLog(nullptr);
+    update(); // without a log, too: the position alone may stay the same
     if (!m_logParser) {
         qCWarning(lcTimeline) << "No log parser";
         return;
@@ -54,7 +55,6 @@ void HeadUpDisplay::updateLogData()
     }
     const WaitCursor waitCursor;
     m_painter.setLog(log);
-    update();
 }
 
 void HeadUpDisplay::paint(QPainter* painter)

@@ -22,6 +22,9 @@ private slots:
     void aSeriesSavedInALaterFileComesBackWhole();
     void theFirstSaveCopiesTheWholeSeriesAndStaysWithIt();
     void aMissingLogTakesTheEarlierOneWithIt();
+    void thePanelForgetsTheFlightBefore_data();
+    void thePanelForgetsTheFlightBefore();
+    void withNothingOpenNothingIsMarked();
     void aFlightWithoutALogNeedsNoMessage();
     void aDateAtTheEndOfANameIsNoSuffix();
     void asksBeforeACompletedNameReplacesAFile();
@@ -116,6 +119,56 @@ void KeptWorkTest::aMissingLogTakesTheEarlierOneWithIt()
     QVERIFY(UiFixture::dismissMessageBox());
     QCOMPARE(m_ui->poiNames(), QStringList());
     QCOMPARE(m_ui->evaluate("LogParser.source").toString(), QString());
+}
+
+void KeptWorkTest::thePanelForgetsTheFlightBefore_data()
+{
+    QTest::addColumn<bool>("isClosed");
+    QTest::newRow("closed") << true;
+    QTest::newRow("a project without its log") << false;
+}
+
+// Also at the first frame, where the position stays as it is.
+void KeptWorkTest::thePanelForgetsTheFlightBefore()
+{
+    QFETCH(bool, isClosed);
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog(media().logWithInstruments()));
+    QQuickItem* const panel = m_ui->item("headUpDisplay");
+    const auto picture = [this, panel] {
+        const QRectF place = panel->mapRectToScene(panel->boundingRect());
+        return m_ui->window()->grabWindow().copy(place.toRect());
+    };
+    const QImage full = picture();
+    if (isClosed) {
+        m_ui->call("goCloseProject");
+    } else {
+        const QString path = media().newFolder() + "/p.ecor";
+        QFile project(path);
+        QVERIFY(project.open(QIODevice::WriteOnly));
+        project.write(
+            QString(R"({"contents":{"flights":[{"files":{"video":"%1","log":"gone.log"}}]}})")
+                .arg(media().video())
+                .toUtf8());
+        project.close();
+        m_ui->call("loadProject", {path});
+        QTRY_VERIFY(UiFixture::messageBox());
+        QVERIFY(UiFixture::dismissMessageBox());
+    }
+    QTRY_VERIFY(picture() != full);
+    const QImage shown = picture();
+    QVERIFY(QMetaObject::invokeMethod(panel, "refresh"));
+    QCOMPARE(picture(), shown);
+}
+
+void KeptWorkTest::withNothingOpenNothingIsMarked()
+{
+    QVERIFY(m_ui->activate());
+    QTest::keyClick(m_ui->window(), Qt::Key_N);
+    QCOMPARE(m_ui->poiNames(), QStringList());
+    QVERIFY(m_ui->openVideo());
+    QTest::keyClick(m_ui->window(), Qt::Key_N);
+    QCOMPARE(m_ui->poiNames(), QStringList("New POI")); // the key does work
 }
 
 void KeptWorkTest::aFlightWithoutALogNeedsNoMessage()
