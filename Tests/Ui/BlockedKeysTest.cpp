@@ -1,0 +1,83 @@
+#include "ReviewSuite.h"
+
+using namespace corv::test;
+
+/// A dialog that waits for its answer: no key that the window behind it gets works there, whatever
+/// kind of key it is and whatever kind of dialog.
+class BlockedKeysTest : public ReviewSuite
+{
+    Q_OBJECT
+
+private slots:
+    void noKeyPassesThrough_data();
+    void noKeyPassesThrough();
+
+private:
+    static QWindow* dialog();
+    void pressAll() const;
+};
+
+/// The window in front that blocks others.
+QWindow* BlockedKeysTest::dialog()
+{
+    QWindow* const modal = QGuiApplication::modalWindow();
+    return modal && modal->isVisible() && modal->isExposed() ? modal : nullptr;
+}
+
+/// Those of the tools, of the menus, of the keys without a control, and of the focused item.
+void BlockedKeysTest::pressAll() const
+{
+    QWindow* const window = m_ui->window();
+    for (const int key : {Qt::Key_N, Qt::Key_Space, Qt::Key_Right, Qt::Key_L, Qt::Key_Delete,
+                          Qt::Key_Return, Qt::Key_F11})
+        QTest::keyClick(window, static_cast<Qt::Key>(key));
+    for (const int key : {Qt::Key_W, Qt::Key_Z, Qt::Key_Right})
+        QTest::keyClick(window, static_cast<Qt::Key>(key), Qt::ControlModifier);
+    QTest::keyClick(window, Qt::Key_F, Qt::AltModifier);
+}
+
+void BlockedKeysTest::noKeyPassesThrough_data()
+{
+    QTest::addColumn<QString>("opening");
+    QTest::newRow("file dialog") << "goSaveProjectAs()";
+    QTest::newRow("folder dialog") << "locateRecoveryDialog";
+    QTest::newRow("message box") << "displayErrorDialog('Title', 'Text')";
+    QTest::newRow("question") << "question.ask('Title', 'Text', function() {})";
+    QTest::newRow("Export operation") << "showVideoExport()";
+    QTest::newRow("edit a point of interest")
+        << "timelineContent.selectPoi(timelineContent.getPOIs()[0].time), editSelectedPoi()";
+    QTest::newRow("flight names") << "editFlightProperties()";
+    QTest::newRow("export of a video") << "windows.openVideoExport()";
+    QTest::newRow("importer") << "goExploreRemovableDevices()";
+    QTest::newRow("about") << "windows.openPlain('AboutWindow.qml')";
+    QTest::newRow("new version") << "launchUpdateWindow('9.9.9.9', 'Notes')";
+}
+
+void BlockedKeysTest::noKeyPassesThrough()
+{
+    QFETCH(QString, opening);
+    QVERIFY(m_ui->openVideo());
+    QTest::keyClick(m_ui->window(), Qt::Key_N);
+    const QStringList pois = m_ui->poiNames();
+    QCOMPARE(pois.size(), 1); // keys do work before
+    QVERIFY(!dialog());
+    if (QObject* const named = m_ui->find(opening))
+        QMetaObject::invokeMethod(named, "open");
+    else
+        m_ui->evaluate(opening);
+    QTRY_VERIFY(dialog());
+    const QWindow* const opened = dialog();
+
+    pressAll();
+    QVERIFY(m_ui->hasVideo());
+    QCOMPARE(m_ui->poiNames(), pois);
+    QCOMPARE(player("playing").toBool(), false);
+    QCOMPARE(player("currentFrameIndex").toInt(), 0);
+    QCOMPARE(dialog(), opened);
+    QVERIFY(m_ui->window()->visibility() != QWindow::FullScreen);
+    QVERIFY(!QGuiApplication::focusWindow() ||
+            QGuiApplication::focusWindow()->type() != Qt::Popup); // no menu is open
+}
+
+QTEST_MAIN(BlockedKeysTest)
+#include "BlockedKeysTest.moc"
