@@ -1,9 +1,6 @@
 import QtQuick 2.7
-import Qt.labs.settings 1.0
 import Review 1.0
 import "."
-import "Controls"
-import "paths.js" as Paths
 
 // Says which files of a project are missing, and looks for them where the pilot says. It stays for
 // as long as they are missing: a card may have to be found first.
@@ -18,21 +15,10 @@ Rectangle {
     border.color: Theme.text
     border.width: 1
 
-    Settings {
-        id: settings
-        category: "locateMedia"
-        property url folder: ""
-    }
-
-    FolderDialog {
+    LocateDialog {
         id: folderDialog
         objectName: "locateDialog"
-        title: "Please choose the folder with the missing files"
-        folder: settings.folder
-        onAccepted: {
-            settings.folder = fileUrl;
-            missingMediaBar.missing.locate(Paths.decodedPath(fileUrl));
-        }
+        onChosen: missingMediaBar.missing.locate(path)
     }
 
     Text {

@@ -23,6 +23,12 @@ Rectangle {
     border.color: Theme.text
     border.width: 1
 
+    LocateDialog {
+        id: locateDialog
+        objectName: "locateRecoveryDialog"
+        onChosen: recoveryBar.recovery.locate(path)
+    }
+
     Column {
         id: rows
         anchors { left: parent.left; right: parent.right; top: parent.top }
@@ -63,6 +69,14 @@ Rectangle {
                 visible: recoveryBar.recovery !== null && recoveryBar.recovery.restorable
                 text: "Restore"
                 onClicked: recoveryBar.recovery.restore()
+            }
+            CorvQuickStartButton {
+                objectName: "locateRecoveryButton"
+                width: 90
+                height: 26
+                visible: recoveryBar.recovery !== null && recoveryBar.recovery.locatable
+                text: "Locate…"
+                onClicked: locateDialog.open()
             }
             CorvQuickStartButton {
                 objectName: "discardRecoveryButton"

@@ -54,6 +54,10 @@ void Recovery::setReview(Review* review)
     if (m_review || !review)
         return;
     m_review = review;
+    m_missing = std::make_unique<MissingMedia>(*review->jobs());
+    connect(m_missing.get(), &MissingMedia::changed, this, &Recovery::offerChanged);
+    connect(m_missing.get(), &MissingMedia::located, this,
+            [this](const QString&, const ProjectContents& contents) { found(contents); });
     connect(review, &Review::openedVideoChanged, this, &Recovery::begin);
     connect(review, &Review::started, this, &Recovery::begin);
     connect(review, &Review::opened, this, &Recovery::settleNames);
@@ -91,15 +95,8 @@ QString Recovery::standardFolder()
 Recovery::Contents Recovery::contentsNow() const
 {
     Contents contents;
-    ReviewProperties properties =
-        ReviewProperties::of(*m_review->videoPlayer(), *m_review->logParser());
-    if (properties.irMappingAuto) {
-        // The range follows the picture, and nobody chose it.
-        properties.irMappingMin = ReviewProperties().irMappingMin;
-        properties.irMappingMax = ReviewProperties().irMappingMax;
-    }
-    contents.properties = properties.toJson();
-    putCurves(m_review->curves(), &contents.properties);
+    contents.properties = keptProperties(
+        ReviewProperties::of(*m_review->videoPlayer(), *m_review->logParser()), m_review->curves());
     for (const Poi& poi : m_review->pois()->pois())
         contents.pois.emplace_hint(contents.pois.end(), msOfTime(poi.time), listForm(poi));
     return contents;
@@ -112,8 +109,21 @@ void Recovery::settle()
     m_writing.waitForDone();
     m_isAlwaysUnsaved = false;
     m_saved = contentsNow();
+    rememberSizes();
     if (!m_place.file.isEmpty())
         QFile::remove(m_place.file);
+}
+
+/// While the medium is there: asked when it is gone, it may not answer.
+void Recovery::rememberSizes()
+{
+    m_sizes.clear();
+    const ProjectFileLoader::SavedFiles files = m_review->filesToSave();
+    for (const QString& path : files.parts + QStringList{files.video, files.log}) {
+        const QFileInfo file(path);
+        if (!path.isEmpty() && file.isFile())
+            m_sizes.insert(path, file.size());
+    }
 }
 
 void Recovery::sayNotKept(const QString& reason)
@@ -133,6 +143,7 @@ void Recovery::settleNames()
         m_saved.properties.insert(key, properties.value(key));
     else
         m_saved.properties.remove(key);
+    rememberSizes();
 }
 
 /// A place of its own for the flight that is open now. What was left of the one before it stays
@@ -147,6 +158,7 @@ void Recovery::begin()
     if (video.isEmpty() || m_folder.isEmpty())
         return;
     m_saved = contentsNow();
+    rememberSizes();
     offerFor(video, m_review->projectPath());
     m_place = RecoveryStore(m_folder).newPlace();
 }
@@ -159,14 +171,15 @@ void Recovery::finishPending()
 
 void Recovery::changed()
 {
-    if (!m_place.file.isEmpty() && !m_timer.isActive())
+    if (!m_folder.isEmpty() && m_review && !m_review->openedVideo().isEmpty() &&
+        !m_timer.isActive())
         m_timer.start();
 }
 
 void Recovery::write()
 {
     m_timer.stop();
-    if (m_place.file.isEmpty() || !m_review || m_review->openedVideo().isEmpty() ||
+    if (m_folder.isEmpty() || !m_review || m_review->openedVideo().isEmpty() ||
         !m_review->videoPlayer() || !m_review->logParser())
         return;
     if (m_writing.isRunning()) {
@@ -175,12 +188,22 @@ void Recovery::write()
     }
     Contents now = contentsNow();
     const bool differs = m_isAlwaysUnsaved || !(now == m_saved);
+    // A disk that was full when the flight was opened may have room by now.
+    if (m_place.file.isEmpty() && differs)
+        m_place = RecoveryStore(m_folder).newPlace();
+    if (m_place.file.isEmpty()) {
+        if (differs)
+            sayNotKept(m_place.error != 0 ? qt_error_string(m_place.error)
+                                          : tr("the folder cannot be written"));
+        return;
+    }
     RecoveredReview review;
     review.projectPath = m_review->projectPath();
     const ProjectFileLoader::SavedFiles files = m_review->filesToSave();
     review.contents.videoFile = files.video;
     review.contents.logFile = files.log;
     review.contents.parts = files.parts;
+    review.contents.sizes = m_sizes;
     review.contents.properties = now.properties;
     QVariantList pois;
     for (const auto& poi : now.pois)
@@ -212,7 +235,33 @@ void Recovery::flush()
 void Recovery::offer(std::optional<RecoveredReview> review)
 {
     m_offer = std::move(review);
+    if (m_missing)
+        m_missing->dismiss();
     emit offerChanged();
+}
+
+bool Recovery::isLocatable() const
+{
+    return m_offer && m_offer->problem && m_offer->problem->kind == Failure::Kind::notFound &&
+           m_missing && !m_missing->isSearching();
+}
+
+void Recovery::locate(const QString& folder)
+{
+    if (!isLocatable())
+        return;
+    m_missing->offer(m_offer->projectPath, m_offer->contents);
+    m_missing->locate(folder);
+}
+
+void Recovery::found(const ProjectContents& contents)
+{
+    if (!m_offer)
+        return;
+    RecoveredReview review = *m_offer;
+    review.contents = contents;
+    review.problem = fileProblem(QStringLiteral("The video"), contents.videoFile);
+    offer(review);
 }
 
 void Recovery::offerFor(const QString& videoPath, const QString& projectPath)
@@ -234,6 +283,8 @@ QString Recovery::offerText() const
 {
     if (!m_offer)
         return {};
+    if (m_missing && m_missing->isSearching())
+        return tr("Looking for the missing files...");
     if (m_offer->problem && m_offer->problem->kind == Failure::Kind::damaged)
         return m_offer->problem->sentence;
     const int count = m_offer->contents.pois.value_or(QVariantList()).size();
@@ -242,8 +293,11 @@ QString Recovery::offerText() const
             .arg(nameOf(*m_offer), momentText(m_offer->savedAt),
                  count == 1 ? QStringLiteral("1 point of interest")
                             : QStringLiteral("%1 points of interest").arg(count));
-    if (m_offer->problem)
-        return QStringLiteral("Cannot restore %1 now. %2").arg(review, m_offer->problem->sentence);
+    if (m_offer->problem) {
+        const bool wasLookedFor = m_missing && m_missing->isOffered();
+        return QStringLiteral("Cannot restore %1 now. %2")
+            .arg(review, wasLookedFor ? m_missing->text() : m_offer->problem->sentence);
+    }
     return QStringLiteral("Restore %1").arg(review);
 }
 

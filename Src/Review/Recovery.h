@@ -26,6 +26,7 @@ class Recovery : public QObject
     Q_PROPERTY(bool offered READ isOffered NOTIFY offerChanged)
     Q_PROPERTY(QString offerText READ offerText NOTIFY offerChanged)
     Q_PROPERTY(bool restorable READ isRestorable NOTIFY offerChanged)
+    Q_PROPERTY(bool locatable READ isLocatable NOTIFY offerChanged)
 
 public:
     explicit Recovery(QObject* parent = nullptr);
@@ -51,6 +52,14 @@ public:
     bool isOffered() const { return m_offer.has_value(); }
     QString offerText() const;
     bool isRestorable() const { return m_offer && !m_offer->problem; }
+
+    /// Whether the offered review lacks its video, and no search for it runs.
+    bool isLocatable() const;
+
+    /// Looks for the missing files of the offered review in a folder and below it, on the pool.
+    /// With the video among what is found, the review can be restored; it is not restored by
+    /// itself.
+    Q_INVOKABLE void locate(const QString& folder);
 
     /// Opens the flight of the offer, in place of what is open, with its unsaved contents.
     Q_INVOKABLE void restore();
@@ -88,6 +97,8 @@ private:
     };
 
     Contents contentsNow() const;
+    void rememberSizes();
+    void found(const ProjectContents& contents);
     void settle();
     void settleNames();
     void changed();
@@ -107,6 +118,8 @@ private:
     RecoveryStore::Place m_place;   ///< of the flight that is open
     PoolTask m_writing;
     std::optional<RecoveredReview> m_offer;
+    QHash<QString, qint64> m_sizes;          ///< of the open files, by which they are found again
+    std::unique_ptr<MissingMedia> m_missing; ///< the search for the media of the offer
 };
 
 } // namespace corv

@@ -1,12 +1,14 @@
 #include "Review/RecoveryStore.h"
 
 #include "Base/limits.h"
+#include "Project/ProjectFileLoader.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <utility>
 
 namespace corv {
 namespace {
@@ -45,20 +47,60 @@ RecoveredReview read(const QString& path)
     review.contents.namesVideo = true;
     review.contents.properties = properties.toVariantMap();
     review.contents.pois = object.value(QLatin1String("poi")).toArray().toVariantList();
+    const QJsonObject sizes = object.value(QLatin1String("sizes")).toObject();
+    for (auto size = sizes.begin(); size != sizes.end(); ++size)
+        review.contents.sizes.insert(size.key(), static_cast<qint64>(size.value().toDouble(-1)));
     review.problem = fileProblem(QStringLiteral("The video"), review.contents.videoFile);
     return review;
 }
 
+QVariantMap comparable(const QVariantMap& properties)
+{
+    return keptProperties(ReviewProperties::fromJson(properties, ReviewProperties()),
+                          curvesIn(properties).value_or(QStringList()));
+}
+
+bool equalsItsProject(const RecoveredReview& review)
+{
+    if (review.projectPath.isEmpty() || !QFileInfo(review.projectPath).isFile())
+        return false;
+    ProjectFileLoader loader;
+    loader.loadProject(review.projectPath);
+    const ProjectContents& project = loader.contents();
+    const ProjectContents& kept = review.contents;
+    return project.namesVideo && project.videoFile == kept.videoFile &&
+           project.namesLog == kept.namesLog &&
+           (!kept.namesLog || project.logFile == kept.logFile) &&
+           (project.parts.isEmpty() || project.parts == kept.parts) &&
+           project.pois.value_or(QVariantList()) == kept.pois.value_or(QVariantList()) &&
+           comparable(project.properties) == comparable(kept.properties);
+}
+
 } // namespace
+
+QVariantMap keptProperties(ReviewProperties properties, const QStringList& curves)
+{
+    if (properties.irMappingAuto) {
+        properties.irMappingMin = ReviewProperties().irMappingMin;
+        properties.irMappingMax = ReviewProperties().irMappingMax;
+    }
+    QVariantMap kept = properties.toJson();
+    putCurves(curves, &kept);
+    return kept;
+}
 
 QByteArray recoveryText(const RecoveredReview& review)
 {
+    QJsonObject sizes;
+    for (auto size = review.contents.sizes.begin(); size != review.contents.sizes.end(); ++size)
+        sizes.insert(size.key(), size.value());
     const QJsonObject object{
         {QStringLiteral("format"), formatVersion},
         {QStringLiteral("project"), review.projectPath},
         {QStringLiteral("video"), review.contents.videoFile},
         {QStringLiteral("parts"), QJsonArray::fromStringList(review.contents.parts)},
         {QStringLiteral("log"), review.contents.logFile},
+        {QStringLiteral("sizes"), sizes},
         {QStringLiteral("properties"), QJsonObject::fromVariantMap(review.contents.properties)},
         {QStringLiteral("poi"),
          QJsonArray::fromVariantList(review.contents.pois.value_or(QVariantList()))}};
@@ -76,8 +118,13 @@ std::vector<RecoveredReview> RecoveryStore::found() const
 {
     std::vector<RecoveredReview> reviews;
     const QStringList files = abandonedFiles(m_folder, namePrefix);
-    for (const QString& file : files)
-        reviews.push_back(read(file));
+    for (const QString& file : files) {
+        RecoveredReview review = read(file);
+        if (equalsItsProject(review))
+            remove(file);
+        else
+            reviews.push_back(std::move(review));
+    }
     return reviews;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Base/Failure.h"
 #include "Project/ProjectFile.h"
+#include "Review/ReviewProperties.h"
 #include "Review/ownedFiles.h"
 
 #include <QByteArray>
@@ -24,6 +25,10 @@ struct RecoveredReview
     std::optional<Failure> problem;
 };
 
+/// What a recovery keeps of adjustments and names. Without the range of the thermal colours where
+/// it follows the picture: nobody chose it.
+QVariantMap keptProperties(ReviewProperties properties, const QStringList& curves);
+
 /// The text of a recovery file.
 QByteArray recoveryText(const RecoveredReview& review);
 
@@ -41,7 +46,8 @@ public:
     Place newPlace() const;
 
     /// The reviews that no running program works on, the newest first. Damaged ones are among them,
-    /// with a problem.
+    /// with a problem. One that equals its project, as a program leaves it that is killed right
+    /// after saving, is removed.
     std::vector<RecoveredReview> found() const;
 
     /// False if another program has taken it since.

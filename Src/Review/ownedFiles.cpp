@@ -11,17 +11,26 @@ namespace {
 constexpr int mostFiles = 200;
 const QString lockSuffix = QStringLiteral(".lock");
 
+/// The lock keeps no reason for its failure; a file without a name has the same one.
+int whyNoFile(const QString& path)
+{
+    platform::NewFile file(path);
+    const int error = file.open();
+    return error != 0 ? error : file.write("0", 1);
+}
+
 } // namespace
 
 OwnedFile newOwnedFile(const QString& folder, const QString& prefix)
 {
-    if (folder.isEmpty() || !QDir().mkpath(folder))
+    if (folder.isEmpty())
         return {};
+    QDir().mkpath(folder); // a failure shows in what follows
     const QString file =
         QStringLiteral("%1/%2-%3.json")
             .arg(folder, prefix, QUuid::createUuid().toString(QUuid::WithoutBraces));
     const std::shared_ptr<QLockFile> lock = takeOwnership(file);
-    return lock ? OwnedFile{file, lock} : OwnedFile{};
+    return lock ? OwnedFile{file, lock, 0} : OwnedFile{{}, {}, whyNoFile(file)};
 }
 
 std::shared_ptr<QLockFile> takeOwnership(const QString& file)

@@ -8,11 +8,12 @@
 namespace corv {
 
 /// A file that belongs to this program until it ends or is killed: two programs at once do not take
-/// each other's for abandoned ones. Both members are empty where the folder cannot be written.
+/// each other's for abandoned ones. File and lock are empty where the folder cannot be written.
 struct OwnedFile
 {
     QString file;
     std::shared_ptr<QLockFile> lock; ///< released by the last holder, and by the system on a kill
+    int error = 0; ///< why there is none: the system's number, 0 if it gives no reason
 };
 
 /// A new name in `folder`, which is made: "PREFIX-" and ".json" around something unique. The file

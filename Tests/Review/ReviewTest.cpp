@@ -1,6 +1,7 @@
 #include "Review/Review.h"
 #include "Base/videoTime.h"
 #include "Desk.h"
+#include "Support/FullDisk.h"
 
 #include <QDir>
 #include <QFile>
@@ -363,6 +364,103 @@ private slots:
         desk.review.undo();
         desk.recovery.flush();
         QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 0);
+    }
+
+    // A program that is killed right after saving leaves one.
+    void whatEqualsItsProjectIsNotOffered_data()
+    {
+        QTest::addColumn<bool>("isChanged");
+        QTest::newRow("as saved") << false;
+        QTest::newRow("with one change more") << true;
+    }
+
+    void whatEqualsItsProjectIsNotOffered()
+    {
+        QFETCH(bool, isChanged);
+        {
+            Desk desk(path("kept"));
+            QVERIFY(desk.openFlight(first(), media("f.log")));
+            QTRY_COMPARE(desk.poiNames(), QStringList("POI 1"));
+            QVERIFY(desk.review.save(path("p.ecor")));
+            desk.review.pois()->create(timeOfMs(500));
+            desk.player.setContrast(1.5);
+            desk.review.nameFlight("Park", "Row", 3);
+            if (!isChanged)
+                QVERIFY(desk.review.save(path("p.ecor")));
+            desk.recovery.flush();
+            const QStringList names = QDir(path("kept")).entryList({"*.json"});
+            QCOMPARE(names.size(), isChanged ? 1 : 0);
+            if (!isChanged) {
+                // What was there the moment before.
+                RecoveredReview review;
+                review.projectPath = path("p.ecor");
+                const ProjectFileLoader::SavedFiles files = desk.review.filesToSave();
+                review.contents.videoFile = files.video;
+                review.contents.logFile = files.log;
+                review.contents.parts = files.parts;
+                review.contents.properties = desk.review.contents()["properties"].toMap();
+                review.contents.pois = desk.review.contents()["poi"].toList();
+                QFile file(path("kept/review-x.json"));
+                QVERIFY(file.open(QIODevice::WriteOnly));
+                file.write(recoveryText(review));
+            }
+        }
+        Desk desk(path("kept"));
+        QCOMPARE(desk.recovery.isOffered(), isChanged);
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), isChanged ? 1 : 0);
+    }
+
+    void aDiskThatHasRoomAgainKeepsTheWork()
+    {
+        Desk desk(path("kept"));
+        QSignalSpy notKept(&desk.recovery, &Recovery::notKept);
+        {
+            const FullDisk full(0);
+            QVERIFY(desk.openFlight(first()));
+            desk.review.pois()->create(timeOfMs(500));
+            desk.recovery.flush();
+        }
+        QTRY_COMPARE(notKept.size(), 1);
+        QVERIFY2(notKept[0][0].toString().contains("File too large"),
+                 qPrintable(notKept[0][0].toString()));
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 0);
+        desk.review.pois()->create(timeOfMs(600));
+        desk.recovery.flush();
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 1);
+    }
+
+    void anUnsavedReviewFindsItsMediaElsewhere()
+    {
+        const QString card = path("card");
+        QVERIFY(QDir().mkpath(card));
+        for (const char* name : {"CORV0001.MOV", "CORV0002.MOV", "f.log"})
+            QVERIFY(QFile::copy(media(name), card + '/' + name));
+        {
+            Desk desk(path("kept"));
+            QVERIFY(desk.openFlight(card + "/CORV0001.MOV", card + "/f.log"));
+            QTRY_COMPARE(desk.poiNames(), QStringList("POI 1"));
+            desk.review.pois()->create(timeOfMs(500));
+        }
+        QVERIFY(QDir().rename(card, path("moved")));
+        QVERIFY(QDir().mkpath(path("empty")));
+        Desk desk(path("kept"));
+        QVERIFY(!desk.recovery.isRestorable());
+        QVERIFY(desk.recovery.isLocatable());
+        desk.recovery.locate(path("empty"));
+        QTRY_VERIFY(desk.recovery.offerText().contains("Not found in " + path("empty")));
+        QVERIFY(desk.recovery.isLocatable());
+        desk.recovery.locate(path(""));
+        QTRY_VERIFY(desk.recovery.isRestorable());
+        QVERIFY(desk.review.openedVideo().isEmpty()); // nothing is restored by itself
+        QSignalSpy opened(&desk.review, &Review::opened);
+        desk.recovery.restore();
+        QVERIFY(!opened.isEmpty() || opened.wait(20000));
+        QCOMPARE(desk.poiNames(), (QStringList{"New POI", "POI 1"}));
+        QCOMPARE(desk.review.openedFiles(),
+                 (QStringList{path("moved/CORV0001.MOV"), path("moved/CORV0002.MOV"),
+                              path("moved/f.log")}));
+        QVERIFY(!desk.recovery.isOffered());
+        QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 1); // unsaved still
     }
 
     void whatCannotBeRestoredSaysSoAndCanBeDiscarded_data()
