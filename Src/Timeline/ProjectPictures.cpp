@@ -1,10 +1,14 @@
 #include "Timeline/ProjectPictures.h"
 
+#include "Base/FileReplacement.h"
 #include "Base/videoTime.h"
 #include "Timeline/FramePreview.h"
+#include "Timeline/logCategory.h"
 #include "Video/VideoPlayer.h"
 
+#include <QBuffer>
 #include <QCryptographicHash>
+#include <QDebug>
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
@@ -25,6 +29,16 @@ QString nameFor(const QString& projectPath)
     const QByteArray hash =
         QCryptographicHash::hash(projectPath.toUtf8(), QCryptographicHash::Sha1).toHex();
     return QString::fromLatin1(hash) + QStringLiteral(".jpg");
+}
+
+// A disk that is full leaves the earlier picture, or none, and no part of one.
+void write(const QImage& picture, const QString& path)
+{
+    QBuffer bytes;
+    if (!bytes.open(QIODevice::WriteOnly) || !picture.save(&bytes, "JPG"))
+        return;
+    if (const Status written = replaceFile(path, bytes.data()); !written)
+        qCInfo(lcTimeline) << "No picture of the project:" << written.failure().sentence;
 }
 
 } // namespace
@@ -82,7 +96,7 @@ void ProjectPictures::keep(const QString& projectPath, const QImage& picture)
 {
     const QDir pictures = folder();
     if (pictures.mkpath(QStringLiteral(".")))
-        picture.save(pictures.filePath(nameFor(projectPath)), "JPG");
+        write(picture, pictures.filePath(nameFor(projectPath)));
     changed();
 }
 

@@ -1,4 +1,5 @@
 #include "Timeline/ProjectPictures.h"
+#include "Support/FullDisk.h"
 #include "timelineSupport.h"
 
 #include <QDir>
@@ -20,6 +21,7 @@ private slots:
     void aLaterFlightGetsNoPictureOfAnEarlierOne();
     void aPictureLeavesWithItsEntry();
     void aFolderThatCannotBeMadeKeepsNone();
+    void aFullDiskKeepsTheEarlierPicture();
 
 private:
     static QVariantList pointsAt(int timeMs)
@@ -55,6 +57,24 @@ void ProjectPicturesTest::initTestCase()
 void ProjectPicturesTest::init()
 {
     cache().removeRecursively();
+}
+
+void ProjectPicturesTest::aFullDiskKeepsTheEarlierPicture()
+{
+    FramePlayer player;
+    ProjectPictures pictures;
+    pictures.setPlayer(&player);
+    takeRed(pictures, player, "/flights/a.ecor");
+    const QString earlier = pictures.pictureOf("/flights/a.ecor").toLocalFile();
+    QVERIFY(!QImage(earlier).isNull());
+    {
+        const FullDisk full(100);
+        takeRed(pictures, player, "/flights/a.ecor");
+        takeRed(pictures, player, "/flights/b.ecor");
+    }
+    QVERIFY(!QImage(earlier).isNull());
+    QVERIFY(pictures.pictureOf("/flights/b.ecor").isEmpty());
+    QCOMPARE(QDir(cache().filePath("recent")).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
 void ProjectPicturesTest::takesTheFrameOfTheFirstPoint()
