@@ -206,6 +206,8 @@ void ScriptsTest::tidyReadsASourceUntilItPassesAsItIs()
     QCOMPARE(sourcesRead(1), QByteArray("Src/a.cpp"));
     write(QStringLiteral("Src/a.cpp"), "right again");
     QCOMPARE(sourcesRead(0), QByteArray("Src/a.cpp"));
+    QVERIFY(QFile::remove(m_tree->filePath(QStringLiteral("Src/b.h"))));
+    QCOMPARE(sourcesRead(0), QByteArray("Src/b.cpp"));
     write(QStringLiteral(".clang-tidy"), "other rules");
     QCOMPARE(sourcesRead(0), QByteArray("Src/a.cpp Src/b.cpp"));
 }
