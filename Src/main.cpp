@@ -1,3 +1,4 @@
+#include "App/completionLists.h"
 #include "App/logCategory.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
@@ -143,6 +144,7 @@ int main(int argc, char** argv)
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::registerQmlTypes();
     corv::completeNamesInSaveDialogs(application);
+    corv::closeListsBeforeFileDialogs(application);
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));

@@ -1,7 +1,10 @@
 #include "App/FileChoice.h"
 #include "ReviewSuite.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QFile>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -27,6 +30,7 @@ private slots:
     void aFolderThatIsGoneIsNotOpened();
     void noOtherWindowIsUsedMeanwhile();
     void datesOfFilesAreShownWhole();
+    void aListOfNamesIsClosedBeforeItsDialog();
 
 private:
     static QString proposedName();
@@ -180,6 +184,32 @@ void FileChoiceTest::datesOfFilesAreShownWhole()
     QTRY_VERIFY(files->visualRect(date).width() >=
                 files->fontMetrics().horizontalAdvance(date.data().toString()));
     UiFixture::fileDialog()->reject();
+}
+
+// One that is closed later keeps the keyboard.
+void FileChoiceTest::aListOfNamesIsClosedBeforeItsDialog()
+{
+    const QDir folder(FlightMedia::instance().newFolder());
+    for (const char* name : {"x.ecor", "x.ecor.ecor"}) {
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    QFileDialog dialog(nullptr, "Open", folder.path());
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    auto* field = dialog.findChild<QLineEdit*>("fileNameEdit");
+    QTest::keyClicks(field, "x.ecor");
+    QTRY_VERIFY(QApplication::activePopupWidget() != nullptr);
+    bool wasListOpen = true;
+    connect(&dialog, &QFileDialog::finished, this,
+            [&] { wasListOpen = QApplication::activePopupWidget() != nullptr; });
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    QTRY_VERIFY(!dialog.isVisible());
+    QVERIFY(!wasListOpen);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(dialog.selectedFiles(), QStringList{folder.filePath("x.ecor")});
 }
 
 QTEST_MAIN(FileChoiceTest)

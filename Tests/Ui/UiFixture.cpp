@@ -1,5 +1,6 @@
 #include "UiFixture.h"
 
+#include "App/completionLists.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
 #include "App/saveDialogSuffix.h"
@@ -39,6 +40,7 @@ void UiFixture::prepare()
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     registerQmlTypes();
     completeNamesInSaveDialogs(*qGuiApp);
+    closeListsBeforeFileDialogs(*qGuiApp);
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
 }
