@@ -165,6 +165,10 @@ ReviewWindow {
         escapeIsTaken: timelineContent.movePOIMode
     }
 
+    MenuReader {
+        menuBar: mainWindow.menuBar
+    }
+
     ReviewKeys {
         player: videoPlayer
         navigator: timelineNavigator

@@ -138,6 +138,60 @@ def check_panels(main):
     check_names(main, 25)
 
 
+def choose(main, entry):
+    """Presses an entry of the menus."""
+    entries = find(main, "Entries of the menus")
+    item = wait_for("the entry " + entry, lambda: find(entries, entry, pyatspi.ROLE_MENU_ITEM))
+    press(item)
+
+
+def close_by(top, button):
+    name = top.name
+    press(find(top, button, pyatspi.ROLE_PUSH_BUTTON))
+    wait_for("%s to close" % name, lambda: window(name) is None)
+
+
+def check_windows(main):
+    for entry, name, button, least in (("Export frames as images...", "Export frames", "Cancel", 8),
+                                       ("General settings", "Settings", "Cancel", 6),
+                                       ("Restore POIs from flight data...", "Restore", "Cancel", 4),
+                                       ("Shortcuts...", "Keyboard Shortcuts", "Close", 1)):
+        choose(main, entry)
+        opened = wait_for("the window " + name, lambda: window(name))
+        check_names(opened, least)
+        close_by(opened, button)
+
+
+def check_jobs(main):
+    press(find(main, "Jobs", pyatspi.ROLE_PUSH_BUTTON))
+    jobs = wait_for("the list of jobs", lambda: find(main, "Jobs", pyatspi.ROLE_LIST))
+    expect(any(job.name.startswith("Read FLIGHT01.LOG") for job in jobs), "the log is no job")
+    press(find(main, "Close the list of jobs"))
+    wait_for("the list to close", lambda: not find(main, "Close the list of jobs"))
+
+
+def check_corner(main):
+    """An entry with a tick says whether it is on, and changes it."""
+    entries = find(main, "Entries of the menus")
+    bar = find(entries, "Show thermal colour bar in exports")
+    expect(not checked(bar), "the thermal bar is said to be on")
+    press(bar)
+    wait_for("the thermal bar", lambda: checked(bar))
+
+
+def check_report(main, folder):
+    choose(main, "Create inspection report...")
+    dialog = wait_for("the dialog of the report", lambda: window("Save POI report as"))
+    field = wait_for("its field", lambda: next(
+        item for item in below(dialog) if item.getRole() == pyatspi.ROLE_TEXT))
+    report = folder + "/review.docx"
+    field.queryEditableText().setTextContents(report)
+    save = next(item for item in below(dialog)
+                if item.getRole() == pyatspi.ROLE_PUSH_BUTTON and item.name.replace("&", "") == "Save")
+    press(save)
+    wait_for("the report", lambda: os.path.exists(report) and os.path.getsize(report) > 10000)
+
+
 def check_importer(main):
     press(wait_for("the start page", lambda: find(main, "Scan removable devices")))
     importer = wait_for("the importer", lambda: window("Auto importer"))
@@ -166,6 +220,10 @@ def run_checks(program, flight):
         check_transport(main)
         check_points(main)
         check_panels(main)
+        check_jobs(main)
+        check_corner(main)
+        check_windows(main)
+        check_report(main, os.environ["HOME"])
     finally:
         subject.kill()
         subject.wait()
