@@ -34,6 +34,8 @@ private slots:
     void aShortAddressIsUnexpected();
     void aDownloadPastTheLimitEnds();
     void aDownloadThatBreaksOffIsNoFile();
+    void aFileOfAnotherLengthIsNoFile_data();
+    void aFileOfAnotherLengthIsNoFile();
     void asksForTheBytesAsTheyAre();
     void refusesAnEncodedAnswer();
     void twoLengthsAreNone();
@@ -180,6 +182,8 @@ void AzureStorageTest::errorsAreReported_data()
     QTest::newRow("signature refused") << 403;
     QTest::newRow("absent") << 404;
     QTest::newRow("server error") << 500;
+    QTest::newRow("moved to nowhere") << 302;
+    QTest::newRow("a part of the file") << 206;
     QTest::newRow("connection refused") << 0;
 }
 
@@ -282,6 +286,33 @@ void AzureStorageTest::aDownloadThatBreaksOffIsNoFile()
         QTRY_COMPARE_WITH_TIMEOUT(failed.count() + downloaded.count(), 1, 30'000);
         QCOMPARE(downloaded.count(), 0);
     }
+}
+
+void AzureStorageTest::aFileOfAnotherLengthIsNoFile_data()
+{
+    QTest::addColumn<qint64>("announced");
+    QTest::addColumn<bool>("isFile");
+    QTest::newRow("that length") << qint64(10) << true;
+    QTest::newRow("a byte less") << qint64(11) << false;
+    QTest::newRow("a byte more") << qint64(9) << false;
+}
+
+// The network layer takes an answer for whole that has another length than it names: always where
+// the bytes come in chunks, and at times where the connection ends.
+void AzureStorageTest::aFileOfAnotherLengthIsNoFile()
+{
+    QFETCH(qint64, announced);
+    QFETCH(bool, isFile);
+    HttpServer server;
+    HttpServer::Answer answer(200, "part of it", false, announced);
+    answer.chunked = true;
+    server.setAnswer("f", answer);
+    AzureStorage storage(nullptr, share(server.address()));
+    QSignalSpy downloaded(&storage, &AzureStorage::fileDownloaded);
+    QSignalSpy failed(&storage, &AzureStorage::downloadError);
+    storage.downloadFile(QStringLiteral("f"));
+    QTRY_COMPARE(failed.count() + downloaded.count(), 1);
+    QCOMPARE(downloaded.count(), isFile ? 1 : 0);
 }
 
 void AzureStorageTest::asksForTheBytesAsTheyAre()

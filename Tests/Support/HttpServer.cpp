@@ -47,7 +47,12 @@ void HttpServer::serve()
             head += "Content-Length: " + QByteArray::number(length) + "\r\n";
         if (!answer.encoding.isEmpty())
             head += "Content-Encoding: " + answer.encoding + "\r\n";
-        socket->write(head + "\r\n" + answer.body);
+        QByteArray body = answer.body;
+        if (answer.chunked) {
+            head += "Transfer-Encoding: chunked\r\n";
+            body = QByteArray::number(body.size(), 16) + "\r\n" + body + "\r\n0\r\n\r\n";
+        }
+        socket->write(head + "\r\n" + body);
         if (answer.announcedLength >= 0 || answer.withoutLength)
             socket->disconnectFromHost();
     });

@@ -35,6 +35,7 @@ public:
         QByteArray encoding;        ///< Content-Encoding to name; the body is sent as it is
         bool twoLengths = false;    ///< a second Content-Length, of a byte less, comes first
         bool withoutLength = false; ///< no Content-Length: the end of the connection ends the body
+        bool chunked = false;       ///< the body in one chunk and its end, whatever length is named
     };
 
     struct Request
