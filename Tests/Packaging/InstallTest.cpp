@@ -55,6 +55,7 @@ private slots:
     void releaseNotesAreThere();
     void anotherMaskClockAndLanguageGiveTheSamePackage();
     void everybodyMayReadWhatIsInstalled();
+    void aStrictMaskLocksNobodyOut();
     void packagePassesLintian();
     void packageDependsOnEveryModule_data();
     void packageDependsOnEveryModule();
@@ -410,6 +411,28 @@ void InstallTest::everybodyMayReadWhatIsInstalled()
                      mode == "lrwxrwxrwx",
                  line);
         QVERIFY2(line.contains("root/root"), line);
+        ++entries;
+    }
+    QVERIFY(entries > 30);
+}
+
+// Who installs from the sources is root, and may have a mask of their own.
+void InstallTest::aStrictMaskLocksNobodyOut()
+{
+    const QString prefix = m_folder.filePath("strict");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("DESTDIR");
+    const QString script = QString("umask 077; exec \"$0\" --install \"$1\" --prefix \"$2\"");
+    const ProgramRun install =
+        runProgram("sh", {"-c", script, CMAKE_PROGRAM, BUILD_FOLDER, prefix}, environment, {});
+    QVERIFY2(install.status == 0, install.error);
+    QDirIterator installed(prefix, QDir::AllEntries | QDir::Dirs | QDir::NoDotAndDotDot,
+                           QDirIterator::Subdirectories);
+    int entries = 0;
+    while (installed.hasNext()) {
+        const QFileInfo entry(installed.next());
+        QVERIFY2(entry.permission(QFile::ReadOther), qPrintable(entry.filePath()));
+        QVERIFY2(!entry.isDir() || entry.permission(QFile::ExeOther), qPrintable(entry.filePath()));
         ++entries;
     }
     QVERIFY(entries > 30);
