@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -77,6 +78,31 @@ int reportMissingInterface(const QStringList& reasons)
     std::fprintf(stderr, "vistrel: %s\n", qPrintable(text));
     QMessageBox::critical(nullptr, QStringLiteral("Vistrel"), text);
     return 1;
+}
+
+void reportMissingGraphics(const QString& reason)
+{
+    qCCritical(lcApp) << "Nothing can be drawn:" << reason;
+    const QString text =
+        QStringLiteral("The window of Vistrel cannot be drawn: this system gives the program no "
+                       "OpenGL. Install its graphics driver, or the package libgl1-mesa-dri, which "
+                       "draws without one. The reason:\n\n") +
+        reason;
+    std::fprintf(stderr, "vistrel: %s\n", qPrintable(text));
+    QMessageBox::critical(nullptr, QStringLiteral("Vistrel"), text);
+    QCoreApplication::exit(1);
+}
+
+// Without a receiver of the error Qt ends the program and shows nothing.
+void sayWhenNothingCanBeDrawn(QQuickWindow* window)
+{
+    QObject::connect(window, &QQuickWindow::sceneGraphError, window,
+                     [said = false](QQuickWindow::SceneGraphError, const QString& reason) mutable {
+                         // It comes again with each try to draw, and from inside of it.
+                         if (!std::exchange(said, true))
+                             QTimer::singleShot(0, qApp,
+                                                [reason] { reportMissingGraphics(reason); });
+                     });
 }
 
 void connectUpdater(corv::UpdateManager& updater, QObject* root)
@@ -164,6 +190,8 @@ int main(int argc, char** argv)
     QObject* root = engine.rootObjects().constFirst();
     if (auto* window = qobject_cast<QWindow*>(root))
         window->setIcon(QIcon(QStringLiteral(":/logo.ico")));
+    if (auto* window = qobject_cast<QQuickWindow*>(root))
+        sayWhenNothingCanBeDrawn(window);
     if (crash) {
         root->setProperty("crashNotice", corv::crashReport::notice(*crash));
         root->setProperty("crashReportPath", crash->filePath);

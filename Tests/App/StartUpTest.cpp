@@ -22,6 +22,7 @@ private slots:
     void sweepsWhatAKilledReportLeft();
     void saysThatTheLastRunCrashed();
     void saysThatTheInterfaceIsMissing();
+    void saysThatNothingCanBeDrawn();
     // Last: the display keeps a key down whose release finds no window any more.
     void startsWithoutArgumentsAndQuits();
 
@@ -33,7 +34,8 @@ private:
         return m_home->filePath(QStringLiteral("data/Corvenity/Vistrel/") + name);
     }
 
-    QString m_modules; ///< a folder of modules that comes before that of the system
+    QString m_platform; ///< of windows, where it is not that of the test
+    QString m_modules;  ///< a folder of modules that comes before that of the system
     std::unique_ptr<QTemporaryDir> m_home;
     std::unique_ptr<QProcess> m_program;
 };
@@ -48,6 +50,7 @@ const QString updateCheck = QStringLiteral("update check");
 void StartUpTest::init()
 {
     m_modules.clear();
+    m_platform.clear();
     m_home = std::make_unique<QTemporaryDir>();
     m_program = std::make_unique<QProcess>();
 }
@@ -67,6 +70,10 @@ void StartUpTest::start(const QStringList& arguments)
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
                        m_home->filePath(QStringLiteral("config")));
     environment.insert(QStringLiteral("TMPDIR"), m_home->path());
+    if (!m_platform.isEmpty()) {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), m_platform);
+        environment.remove(QStringLiteral("DISPLAY"));
+    }
     if (!m_modules.isEmpty())
         environment.insert(QStringLiteral("QML2_IMPORT_PATH"), m_modules);
     m_program->setProcessEnvironment(environment);
@@ -227,6 +234,19 @@ void StartUpTest::saysThatTheInterfaceIsMissing()
     QVERIFY2(said.contains("install the package again"), said);
     QVERIFY2(said.contains("thatisnotthere"), said);
     QVERIFY(log().contains(QStringLiteral("The interface could not be loaded")));
+}
+
+// Of all platforms, the one without a display has no OpenGL.
+void StartUpTest::saysThatNothingCanBeDrawn()
+{
+    m_platform = QStringLiteral("offscreen");
+    start({});
+    QByteArray said;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (said += m_program->readAllStandardError()).contains("libgl1-mesa-dri"), 30'000);
+    QVERIFY(log().contains(QStringLiteral("Nothing can be drawn")));
+    QCOMPARE(m_program->state(), QProcess::Running); // as long as the message is shown
+    QCOMPARE(said.count("libgl1-mesa-dri"), 1);
 }
 
 void StartUpTest::recordsTheSystemOnce()
