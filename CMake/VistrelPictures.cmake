@@ -81,7 +81,7 @@ function(vistrel_make_pictures)
         COMMENT "Compiling the pictures" VERBATIM)
     add_library(vistrel_pictures OBJECT "${cpp}")
     set_target_properties(vistrel_pictures PROPERTIES AUTOMOC OFF)
-    target_link_libraries(vistrel_pictures PUBLIC Qt5::Core)
+    target_link_libraries(vistrel_pictures PUBLIC Qt5::Core PRIVATE vistrel_delivered)
 endfunction()
 
 # vistrel_add_pictures(TARGET): TARGET carries qrc:/images/... and :/logo.ico.

@@ -51,6 +51,7 @@ private slots:
     void desktopEntryFindsTheCommandUnderAnotherPrefix();
     void programsAreHardened_data();
     void programsAreHardened();
+    void everySourceIsCompiledAsItIsDelivered();
     void billOfMaterialsNamesEveryDependency();
     void releaseNotesAreThere();
     void anotherMaskClockAndLanguageGiveTheSamePackage();
@@ -339,6 +340,24 @@ void InstallTest::programsAreHardened()
     QVERIFY(facts.out.contains(" __stack_chk_fail"));
     const QRegularExpression checkedCopies(" __\\w+_chk@");
     QVERIFY(checkedCopies.match(QString::fromUtf8(facts.out)).hasMatch());
+}
+
+// Generated sources, too: one that is not would also have the folder of the build in it.
+void InstallTest::everySourceIsCompiledAsItIsDelivered()
+{
+    const QByteArray text = textOf(BUILD_FOLDER "/compile_commands.json").toUtf8();
+    const QJsonArray commands = QJsonDocument::fromJson(text).array();
+    const QRegularExpression notInstalled(" -o (Tests|Bench)/");
+    int sources = 0;
+    for (const QJsonValue& value : commands) {
+        const QString command = value["command"].toString();
+        if (notInstalled.match(command).hasMatch())
+            continue;
+        QVERIFY2(command.contains("-fstack-protector-strong"),
+                 qPrintable(value["file"].toString()));
+        ++sources;
+    }
+    QVERIFY(sources > 300);
 }
 
 void InstallTest::billOfMaterialsNamesEveryDependency()
