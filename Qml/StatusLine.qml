@@ -187,8 +187,10 @@ Rectangle {
                                          : failureShown ? "Jobs: failed" : "Jobs"
         foreground: failureShown ? Theme.textFailed : Theme.toolIcon
         source: "images/button_jobs.png"
-        tooltiptext: failureShown ? "A job has failed: open the list to see why"
-                                  : "Exports and other jobs, and how they ended"
+        // It would lie on the open list.
+        tooltiptext: statusLine.jobsShown ? ""
+                     : failureShown ? "A job has failed: open the list to see why"
+                     : "Exports and other jobs, and how they ended"
         onClicked: statusLine.jobsClicked()
     }
 }
