@@ -199,9 +199,10 @@ Window {
     }
 
     function chooseDirectory() {
+        directoryChooserDialog.open();
+        // A dialog forgets the folder that it is given before it is first shown.
         if (settings.lastFolder.toString() !== "")
             directoryChooserDialog.folder = settings.lastFolder;
-        directoryChooserDialog.open();
     }
 
     function handleDirectoryChosen(folder) {

@@ -217,6 +217,14 @@ void ImporterLocationsTest::browseStartsAtTheLastFolder()
     QCOMPARE(UiFixture::fileDialog()->directory().absolutePath(), folder);
     QVERIFY(UiFixture::acceptFile(folder));
     QTRY_VERIFY(!UiFixture::fileDialog());
+    // Also after a new start, when the dialogs of the system were last in another folder.
+    QSettings().setValue("AutoImporter/lastFolder", QUrl::fromLocalFile(folder + "/below"));
+    openImporter();
+    click("browseLogsButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QTRY_COMPARE(UiFixture::fileDialog()->directory().absolutePath(), folder + "/below");
+    QVERIFY(UiFixture::acceptFile(folder));
+    QTRY_VERIFY(!UiFixture::fileDialog());
 }
 
 void ImporterLocationsTest::locationsAreSearchedAsChosen_data()
