@@ -170,7 +170,7 @@ int main(int argc, char** argv)
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::registerQmlTypes();
     corv::completeNamesInSaveDialogs(application);
-    corv::closeListsBeforeFileDialogs(application);
+    corv::dropListsOfFileDialogs(application);
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));

@@ -4,10 +4,10 @@ class QGuiApplication;
 
 namespace corv {
 
-/// Closes the list of names below the field of a file dialog before Return ends the dialog. A list
-/// that is open longer than its dialog keeps the keyboard: no window gets another key until the
-/// pilot goes to another one and back. Interface thread, once; for as long as the application
-/// lives.
-void closeListsBeforeFileDialogs(QGuiApplication& application);
+/// Takes the list of matching names from the field of every file dialog. A list that is open when
+/// Return ends the dialog keeps the keyboard: no window gets another key until the pilot goes to
+/// another one and back. The names are in the dialog anyway, and the matching one is selected
+/// there. Interface thread, once; for as long as the application lives.
+void dropListsOfFileDialogs(QGuiApplication& application);
 
 } // namespace corv

@@ -40,7 +40,7 @@ void UiFixture::prepare()
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     registerQmlTypes();
     completeNamesInSaveDialogs(*qGuiApp);
-    closeListsBeforeFileDialogs(*qGuiApp);
+    dropListsOfFileDialogs(*qGuiApp);
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
 }
