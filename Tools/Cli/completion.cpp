@@ -95,13 +95,14 @@ _vistrel_cli()
         prev=${COMP_WORDS[COMP_CWORD-2]}
     fi
     for ((i = 1; i < COMP_CWORD; i++)); do
-        if [[ ${COMP_WORDS[i]} != -* ]]; then
+        if [[ ${COMP_WORDS[i]} != -* && ${COMP_WORDS[i]} != = ]]; then
             command=${COMP_WORDS[i]}
             break
         fi
     done
     case $command in
-    '') options='%1 %2'
+    '')
+        [[ $prev == --completion ]] && options='%4' || options='%1 %2'
         COMPREPLY=($(compgen -W "$options" -- "$cur"))
         return ;;
 %3    esac
@@ -114,7 +115,10 @@ _vistrel_cli()
 
 complete -F _vistrel_cli vistrel-cli
 )");
-    return script.arg(names.join(QLatin1Char(' ')), optionWords(leading + common), cases).toUtf8();
+    return script
+        .arg(names.join(QLatin1Char(' ')), optionWords(leading + common), cases,
+             completionShells().join(QLatin1Char(' ')))
+        .toUtf8();
 }
 
 // --- zsh -------------------------------------------------------------------------------------
@@ -185,7 +189,12 @@ _vistrel_cli()
     esac
 }
 
-_vistrel_cli "$@"
+# Read from the folder of completions, or by "source".
+if [[ $funcstack[1] == _vistrel-cli ]]; then
+    _vistrel_cli "$@"
+else
+    compdef _vistrel_cli vistrel-cli
+fi
 )");
     return script.arg(names, zshOptions(leading + common), cases).toUtf8();
 }

@@ -105,6 +105,8 @@ private slots:
     void bashOffersCommandsOptionsAndFiles();
     void shellsTakeTheirScripts_data();
     void shellsTakeTheirScripts();
+    void namesOfTheShellsAreOffered();
+    void zshTakesItsScriptBySourceToo();
     void everyShellKnowsEveryOption_data() { addCommands(); }
     void everyShellKnowsEveryOption();
 
@@ -319,6 +321,22 @@ void ToolTextsTest::shellsTakeTheirScripts()
     const QString shell = QString::fromLatin1(QTest::currentDataTag());
     const ProgramRun run = runProgram(shell, check + QStringList{script(shell)});
     QVERIFY2(run.status == 0 && run.error.isEmpty(), run.error.constData());
+}
+
+void ToolTextsTest::namesOfTheShellsAreOffered()
+{
+    QCOMPARE(bashOffers({"vistrel-cli", "--completion", ""}), QStringList({"bash", "zsh", "fish"}));
+    QCOMPARE(bashOffers({"vistrel-cli", "--completion", "=", "z"}), QStringList("zsh"));
+}
+
+void ToolTextsTest::zshTakesItsScriptBySourceToo()
+{
+    const ProgramRun run =
+        runProgram("zsh", {"-f", "-c",
+                           "autoload -Uz compinit; compinit -u -D; source '" + script("zsh") +
+                               "'; print -r -- $_comps[vistrel-cli]"});
+    QCOMPARE(run.error, QByteArray());
+    QCOMPARE(run.out, QByteArray("_vistrel_cli\n"));
 }
 
 void ToolTextsTest::everyShellKnowsEveryOption()
