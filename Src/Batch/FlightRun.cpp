@@ -124,7 +124,10 @@ void FlightRun::progress(const QString& stepName, qint64 done, qint64 total) con
 
 void FlightRun::fail(const QString& stepName, const Failure& failure)
 {
-    m_summary.failures.append({stepName, failure});
+    // What is made in the working folder is known by the name that it was to get.
+    QString sentence = failure.sentence;
+    sentence.replace(workPath({}), m_folder.path() + QLatin1Char('/'));
+    m_summary.failures.append({stepName, {failure.kind, sentence}});
 }
 
 FlightRun::Summary FlightRun::run()
@@ -350,8 +353,7 @@ Status FlightRun::makeProject()
         removeCopies();
         // All at once, whether their pictures have been read by now or not.
         m_flight.review().pois()->setFromList(m_flight.review().allPois());
-        // Known before it is there: if this run is killed in between, the next one knows it as
-        // ours.
+        // Recorded before it is there, for the run after one that is killed in between.
         m_flight.projectFiles().setAboutToSave([this](const QByteArray& text) {
             return m_manifest.setPending(projectStep, digestOf(text));
         });
@@ -476,10 +478,8 @@ Result<QStringList> FlightRun::writeLogTables()
     const Status placed = putInPlace(workPath(tableFolder), m_folder.filePath(tableFolder));
     if (!written || !placed)
         return written ? placed.failure() : written.failure();
-    QStringList files;
-    for (const QString& name : *written)
-        files << tableFolder + QLatin1Char('/') + name;
-    return files;
+    return QStringList(*written).replaceInStrings(QRegularExpression(QStringLiteral("^")),
+                                                  tableFolder + QLatin1Char('/'));
 }
 
 // The writer waits for each frame, so it has a thread of its own while this one runs an event loop.

@@ -75,10 +75,11 @@ void ExportTarget::write(const Frame& frame)
     ++m_written;
 }
 
-bool ExportTarget::isDiskFull() const
+bool ExportTarget::isDiskFull()
 {
     const qint64 room = QStorageInfo(QFileInfo(m_target).absolutePath()).bytesAvailable();
-    return room >= 0 && room < leastRoomBytes;
+    m_wasFull = m_wasFull || (room >= 0 && room < leastRoomBytes);
+    return m_wasFull;
 }
 
 Status ExportTarget::finish()
@@ -93,18 +94,18 @@ Status ExportTarget::finish()
     const Failure::Kind kind = wasFull ? Failure::Kind::noRoom : Failure::Kind::notWritable;
     if (readable == 0) {
         QFile::remove(m_file);
-        return Failure{kind, text("The disk has no room for the video %1, or cannot be written. "
-                                  "Nothing was kept of it.")
-                                 .arg(m_target)};
+        const QString reason =
+            wasFull ? text("The disk has no room for the video %1.")
+                    : text("The disk has no room for the video %1, or cannot be written.");
+        return Failure{kind, reason.arg(m_target) + text(" Nothing was kept of it.")};
     }
     const Status renamed = rename();
     if (!renamed)
         return renamed;
-    return Failure{kind, text("The disk took only %1 of %2 frames of the video %3: it is full, or "
-                              "cannot be written.")
-                             .arg(readable)
-                             .arg(m_written)
-                             .arg(m_target)};
+    const QString reason = wasFull ? text("it is full") : text("it is full, or cannot be written");
+    return Failure{
+        kind, text("The disk took only %1 of %2 frames of the video %3: %4.")
+                  .arg(QString::number(readable), QString::number(m_written), m_target, reason)};
 }
 
 // The encoder says nothing of a full disk. Containers number their frames at their end, which is

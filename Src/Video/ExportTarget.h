@@ -28,8 +28,9 @@ public:
 
     int writtenFrames() const { return m_written; }
 
-    /// Whether the disk has no room for more. Asks the system: not for each frame.
-    bool isDiskFull() const;
+    /// Whether the disk has no room for more, or had none once: what did not fit then is lost. Asks
+    /// the system: not for each frame.
+    bool isDiskFull();
 
     /// Ends the file, looks whether it can be read and gives it the target's name. A file of which
     /// nothing can be read is removed. A failure says what is missing.
@@ -44,6 +45,7 @@ private:
     QString m_file; // what is written to
     std::unique_ptr<FrameWriter> m_writer;
     int m_written = 0;
+    bool m_wasFull = false;
 };
 
 } // namespace corv

@@ -166,6 +166,8 @@ void OvernightTest::nightOfMishapsEndsAsAQuietOne()
     QCOMPARE(full.status, 3);
     QVERIFY2(failuresOf(full.out).contains("noRoom"), full.out);
     QVERIFY2(full.out.contains("There is no room for copies"), full.out);
+    // Failures name the files that the reader knows.
+    QVERIFY2(!full.out.contains(".work/"), full.out);
     QVERIFY(disk.resize(largeDiskKb));
 
     QRandomGenerator random(20261121);
