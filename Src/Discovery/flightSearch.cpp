@@ -4,6 +4,7 @@
 #include "Platform/Platform.h"
 
 #include <QDebug>
+#include <QDirIterator>
 #include <QSet>
 #include <QVariantMap>
 
@@ -125,10 +126,11 @@ private:
     QSet<QString> m_listed;
 };
 
-// A card goes with all its files: one of them shows it.
+// A card goes with all its files: one of them shows it. For a while the system answers for a card
+// that has gone what it remembers of it; but a folder is listed by the card itself.
 bool isGone(const QString& directory, const QList<QFileInfo>& files)
 {
-    return !QFileInfo(directory).isReadable() ||
+    return !QFileInfo(directory).isReadable() || !QDirIterator(directory).hasNext() ||
            (!files.isEmpty() && !QFileInfo::exists(files.last().filePath()));
 }
 
