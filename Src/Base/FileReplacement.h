@@ -48,7 +48,7 @@ private:
     std::optional<Failure> m_writeFailure;
 };
 
-/// All steps for contents in memory.
+/// Replaces the file by contents in memory: all steps in one call.
 Status replaceFile(const QString& fileName, const QByteArray& contents,
                    FileReplacement::InLockedFolder inLockedFolder =
                        FileReplacement::InLockedFolder::writeDirectly);

@@ -9,8 +9,8 @@
 
 namespace corv {
 
-/// Either a value or the reason why there is none. Made from one or the other without a word:
-/// `return value;` or `return Failure{kind, sentence};`.
+/// Either a value or the reason why there is none. Both convert to it: `return value;` or
+/// `return Failure{kind, sentence};`.
 template <typename T>
 class [[nodiscard]] Result
 {

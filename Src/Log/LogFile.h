@@ -191,7 +191,7 @@ private:
 
 /// A decoded flight log: every record type that the file describes, with all its values in memory.
 /// Made by `corv::LogDecoder` and constant afterwards, so that any thread may read it. It is passed
-/// on as `std::shared_ptr<const LogFile>`; who keeps a column keeps the log alive with it.
+/// on as `std::shared_ptr<const LogFile>`; code that keeps a column keeps that pointer too.
 class LogFile
 {
 public:

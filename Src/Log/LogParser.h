@@ -78,7 +78,7 @@ public:
     bool isParsing() const { return m_isParsing; }
     void setIsParsing(bool isParsing);
 
-    /// The decoded log, or null. Who keeps a pointer into it keeps `log()` with it.
+    /// The decoded log, or null. Code that keeps a pointer into it keeps `log()` too.
     const LogFile* getLogFile() const { return m_log.get(); }
     std::shared_ptr<const LogFile> log() const { return m_log; }
 

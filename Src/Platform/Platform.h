@@ -49,10 +49,10 @@ int undecodableNames(const QString& folder, const QStringList& extensions);
 /// The program that starts its first argument with raised privileges, after asking the user.
 QString elevationProgram();
 
-/// Has `program` start `file` with raised privileges and watches it without blocking: `done(true)`
-/// once the file runs, `done(false)` when the user refused or it could not be started. What was
-/// started outlives this program. `done` runs on the calling thread, which needs an event loop, and
-/// not at all when `context` has died.
+/// Lets `program` start `file` with raised privileges. Does not block: `done(true)` is called once
+/// the file runs, `done(false)` if the user refused or it could not be started. The started process
+/// outlives this one. `done` runs on the calling thread, which needs an event loop, and is not
+/// called once `context` is destroyed.
 void launchElevated(const QString& program, const QString& file, QObject* context,
                     std::function<void(bool started)> done);
 

@@ -38,9 +38,9 @@ class VideoBackend;
 /// timeline. From the worker's thread come the callbacks of `getFrameAsync` and the signals
 /// `irDataChanged`, `videoExportProgress` and `videoExportComplete`.
 ///
-/// The stated verbs (`seekAtTime`, `seekAtFrame`, the setters) keep their letter, refusals
-/// included. What a pilot does goes through `goToTime`, `goToFrame`, `step` and `redraw`, which are
-/// never refused while a video is open: the newest wish wins and none is lost.
+/// `seekAtTime` and `seekAtFrame` may be refused, as each says. What a pilot does goes through
+/// `goToTime`, `goToFrame`, `step` and `redraw`, which are never refused while a video is open: the
+/// newest wish replaces those that wait, and steps add up.
 class VideoPlayer : public QQuickItem, private WorkerClient
 {
     Q_OBJECT
