@@ -28,6 +28,7 @@ Item {
 
     onPointedChanged: follow()
     onPointerXChanged: follow()
+    onVideoOpenChanged: follow()
 
     Rectangle {
         id: frame

@@ -21,6 +21,7 @@ private slots:
     void keysPlayFasterAndPause();
     void theWheelZoomsThePictureAndADragMovesIt();
     void theTimelineShowsThePictureAtThePointer();
+    void thePictureAtThePointerGoesWithItsFlight();
     void flagsThatCoverEachOtherAreListed();
     void theThermalBarHasTheEndsOfTheRange();
     void unitsSwitchAtOnce();
@@ -217,6 +218,23 @@ void PanelsTest::theTimelineShowsThePictureAtThePointer()
     QCOMPARE(position(), 0);
     QTest::mouseMove(m_ui->window(), QPoint(300, 200));
     QTRY_VERIFY(!m_ui->item("timelinePreview")->isVisible());
+}
+
+void PanelsTest::thePictureAtThePointerGoesWithItsFlight()
+{
+    QVERIFY(m_ui->openVideo());
+    QQuickItem* strip = m_ui->item("timelineContent");
+    const double x = 3000 / m_ui->evaluate("timelineContent.msPerPx").toDouble();
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x - 5, 80)).toPoint());
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x, 80)).toPoint());
+    const auto picture = [this] {
+        return m_ui->get("timelinePreviewPicture", "picture").value<QImage>();
+    };
+    QTRY_VERIFY(!picture().isNull());
+    m_ui->evaluate("videoPlayer.close()");
+    QTRY_VERIFY(picture().isNull());
+    QVERIFY(m_ui->openVideo());
+    QTRY_VERIFY(!picture().isNull()); // the pointer has not moved
 }
 
 void PanelsTest::theThermalBarHasTheEndsOfTheRange()
