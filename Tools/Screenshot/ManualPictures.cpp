@@ -71,7 +71,7 @@ void ManualPictures::takeImporter()
         return !importer->property("isBusy").toBool() &&
                evaluateIn(importer, QStringLiteral("matchingsListModel.count")).toInt() > 0;
     });
-    save(importer->grabWindow(), QStringLiteral("importer"));
+    save(m_review.pictureAtRest(importer), QStringLiteral("importer"));
     evaluateIn(importer, QStringLiteral("cancelAndClose()"));
 }
 
@@ -91,7 +91,7 @@ void ManualPictures::takePoiProperties()
     selectPoi(pois[1].toMap()[QStringLiteral("time")].toInt());
     m_review.evaluate(QStringLiteral("editSelectedPoi()"));
     QQuickWindow* properties = m_review.waitForWindow(QStringLiteral("poiPropertiesWindow"));
-    save(properties->grabWindow(), QStringLiteral("poi"));
+    save(m_review.pictureAtRest(properties), QStringLiteral("poi"));
     evaluateIn(properties, QStringLiteral("cancelPressed()"));
 }
 
@@ -127,7 +127,7 @@ void ManualPictures::takeFramesExport()
     QQuickWindow* frames = m_review.waitForWindow(QStringLiteral("framesExport"));
     evaluateIn(frames,
                QStringLiteral("folderTextInput.text = 'file:///media/pilot/Lindenau/frames'"));
-    save(frames->grabWindow(), QStringLiteral("framesexport"));
+    save(m_review.pictureAtRest(frames), QStringLiteral("framesexport"));
     frames->close();
 }
 

@@ -20,6 +20,7 @@ namespace {
 
 constexpr qint64 patienceMs = 120'000;
 constexpr int leadMs = 1000;
+constexpr qint64 restMs = 300;
 
 } // namespace
 
@@ -115,6 +116,21 @@ QVariant WindowUnderReview::evaluate(const QString& expression) const
 QImage WindowUnderReview::picture() const
 {
     return m_window->grabWindow();
+}
+
+QImage WindowUnderReview::pictureAtRest(QQuickWindow* window) const
+{
+    QImage picture;
+    QElapsedTimer sinceChange;
+    waitFor(QStringLiteral("a window at rest"), [&] {
+        const QImage now = window->grabWindow();
+        if (now != picture || !sinceChange.isValid()) {
+            picture = now;
+            sinceChange.start();
+        }
+        return sinceChange.hasExpired(restMs);
+    });
+    return picture;
 }
 
 void WindowUnderReview::waitFor(const QString& what, const std::function<bool()>& condition) const

@@ -40,6 +40,10 @@ public:
     /// What the main window shows now.
     QImage picture() const;
 
+    /// What another window shows once it has drawn all of it: pictures that are painted later than
+    /// the window appears included. Throws std::runtime_error if it does not come to rest.
+    QImage pictureAtRest(QQuickWindow* window) const;
+
     /// Shows one moment of the flight, paused.
     void showMoment(const QTime& moment);
 
