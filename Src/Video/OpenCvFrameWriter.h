@@ -12,7 +12,7 @@ namespace corv {
 /// Writes a video beside the thread that decodes it: each frame is handed over to a task on the
 /// pool. One frame is written while the next is read; a longer queue only drives the frames out of
 /// the processor's cache before they are encoded (measured: a tenth slower at 1080p).
-class OpenCvFrameWriter : public FrameWriter
+class OpenCvFrameWriter final : public FrameWriter
 {
 public:
     OpenCvFrameWriter();

@@ -100,7 +100,7 @@ void ReviewProgress::showSentences(const QJsonObject& event)
             QStringLiteral("%1, %2: %3")
                 .arg(text(event, "flight"), text(failure, "step"), text(failure, "message")));
     }
-    for (const QJsonValue& value : event.value(QLatin1String("remarks")).toArray())
+    for (const QJsonValue value : event.value(QLatin1String("remarks")).toArray())
         showSentence(QStringLiteral("%1, remark: %2").arg(text(event, "flight"), value.toString()));
 }
 
