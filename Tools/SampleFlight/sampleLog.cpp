@@ -150,7 +150,8 @@ void SampleFlight::writeThermalFrame(FlightLogWriter& log, const PacketIds& ids,
         if (m_options.losePartEvery > 0 &&
             sent % static_cast<quint32>(m_options.losePartEvery) == 0)
             continue;
-        qToBigEndian<quint16>(raw.ptr<quint16>() + part * wordsPerPart, wordsPerPart, image.data());
+        const quint16* words = raw.ptr<quint16>() + size_t{part} * wordsPerPart;
+        qToBigEndian<quint16>(words, wordsPerPart, image.data());
         log.write(ids.thermalVideo,
                   Payload().bytes(image).u8(static_cast<quint8>(part)).u32(frame));
     }
