@@ -112,7 +112,9 @@ void InstrumentsInsetTest::showsWhatThePainterPaints()
 {
     InstrumentsInset inset(m_painter);
     const PictureInset::Part part = inset.partAt({1500, {1920, 1080}, {}});
-    const InstrumentsPlace place = instrumentsPlace({1920, 1080}, 510, 150);
+    const double fullHeight = m_painter.heightAt(HeadUpPainter::naturalWidth);
+    const double numbersHeight = m_painter.withoutDials().heightAt(HeadUpPainter::naturalWidth);
+    const InstrumentsPlace place = instrumentsPlace({1920, 1080}, fullHeight, numbersHeight);
     QCOMPARE(part.topLeft, place.rect.topLeft());
     QImage expected(place.rect.size(), QImage::Format_ARGB32_Premultiplied);
     expected.fill(QColor(0, 0, 0, 168));
@@ -123,7 +125,7 @@ void InstrumentsInsetTest::showsWhatThePainterPaints()
     QVERIFY(needlePixels(part.image, part.image.rect()) > 100);
     // As numbers alone.
     const QImage numbers = imageAt(inset, 1500, {640, 512});
-    QCOMPARE(numbers.size(), QSize(174, 153));
+    QCOMPARE(numbers.size(), instrumentsPlace({640, 512}, fullHeight, numbersHeight).rect.size());
     QCOMPARE(needlePixels(numbers, numbers.rect()), 0);
 }
 

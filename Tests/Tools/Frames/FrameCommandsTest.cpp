@@ -53,6 +53,14 @@ std::vector<cv::Mat> framesOf(const QString& path)
     return frames;
 }
 
+QRect placeOfInstruments(QSize picture)
+{
+    const HeadUpPainter painter;
+    return instrumentsPlace(picture, painter.heightAt(HeadUpPainter::naturalWidth),
+                            painter.withoutDials().heightAt(HeadUpPainter::naturalWidth))
+        .rect;
+}
+
 } // namespace
 
 class FrameCommandsTest : public QObject
@@ -319,7 +327,7 @@ void FrameCommandsTest::instrumentsInACorner()
     QTRY_COMPARE(saved.size(), 2);
     const QImage picture(out);
     const QImage without(bare);
-    const QRect place = instrumentsPlace(picture.size(), 510, 150).rect;
+    const QRect place = placeOfInstruments(picture.size());
     QVERIFY(picture.copy(place) != without.copy(place));
     // Fonts differ between the window system and none; the numbers' widths do by a little.
     const QImage ofWindow(shown);
@@ -377,7 +385,7 @@ void FrameCommandsTest::thermalBarInACorner()
     QCOMPARE(shown.copy(below), bare.copy(below));
     const QImage both = picture({"--thermal-bar", "--instruments"});
     QCOMPARE(both.copy(place), shown.copy(place));
-    const QRect corner = instrumentsPlace(both.size(), 510, 150).rect;
+    const QRect corner = placeOfInstruments(both.size());
     QVERIFY(both.copy(corner) != shown.copy(corner));
 }
 
