@@ -44,7 +44,7 @@ DropArea {
             player.pause();
             verbs.afterFlightDataImportChoice(files.log);
         } else {
-            // Says which files can be opened.
+            // Refuses the file with a message that lists what can be opened.
             verbs.afterVideoImportChoice(files.other || files.log);
         }
     }

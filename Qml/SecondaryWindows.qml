@@ -71,8 +71,8 @@ Item {
         window.show();
     }
 
-    // A flight of several files is opened as a whole, so that its length finds its recording; a later
-    // part, chosen, starts at its own beginning.
+    // All files of a flight are opened, because only their whole length identifies the recording. If
+    // a later file was chosen, the video starts where that file begins.
     function openFound(choice) {
         var files = choice.chosenFlightFiles;
         var video = files.length > 0 ? files[0] : Paths.chosenPath(choice.chosenVideoFile);

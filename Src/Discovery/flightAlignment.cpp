@@ -117,8 +117,10 @@ private:
     std::vector<std::vector<size_t>> m_endingAt;   // segments by the video after their last one
     std::vector<size_t> m_firstCandidate;          // of each segment, counted through all
     size_t m_candidates = 0;
-    std::vector<ScaledRow> m_forward; // per video: ways to have come to each place before it
-    std::vector<std::vector<double>> m_arriving; // per video: ways to come to each recording next
+    /// Per video, the weight of all alignments of the videos before it, by the place they end at.
+    std::vector<ScaledRow> m_forward;
+    /// Per video, the same weight by the recording that would be the next one to pair.
+    std::vector<std::vector<double>> m_arriving;
     std::vector<double> m_probabilities;
 };
 

@@ -268,7 +268,8 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
 // likely that is shows in the rest of the card: in the videos and recordings that fit to nothing.
 double Decision::shareOfMissingFiles() const
 {
-    constexpr double never = 0.2; // that even a whole card is no proof
+    // Counted as missing in every case: even a card that lacks nothing is no proof.
+    constexpr double never = 0.2;
     double videosAlone = 0;
     std::vector<double> recordingAlone(m_recordings.size(), 1.0);
     for (const std::vector<AlignmentClaim>& claims : m_claims) {
@@ -341,7 +342,7 @@ bool Decision::canCompare(int log) const
                        [log](const Recording& recording) { return recording.log == log; });
 }
 
-// A flight without a video: its log has no start of a recording, others have.
+// A flight that was not filmed: its log has no recording, and others of the card have some.
 bool Decision::hasNoVideo(int log) const
 {
     const PairingLog& asked = m_logs[static_cast<size_t>(log)];

@@ -52,8 +52,8 @@ public:
     /// finish().
     void giveTimes(const std::vector<qint64>& orders);
 
-    /// Frames that are shown before `packet` does not arrive: a decoder that starts in the middle
-    /// of a group of pictures leaves them out. Before finish().
+    /// Leaves out the frames that are shown before that of `packet`: a decoder that starts in the
+    /// middle of a group of pictures does not deliver them. Before finish().
     void hideFramesBefore(int packet);
 
     /// Numbers the frames. `fps` is the rate that the file states: where every time agrees with it

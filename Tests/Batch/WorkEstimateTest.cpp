@@ -18,7 +18,7 @@ private slots:
     void longVideoCountsForMore();
     void flightsThatWereDoneBeforeSayNothingOfTheSpeed();
     void stepsWithoutAVideoCount();
-    void nothingIsSaidTooEarly();
+    void noTimeIsEstimatedTooEarly();
     void strangeEventsAreHarmless();
 
 private:
@@ -94,7 +94,7 @@ void WorkEstimateTest::stepsWithoutAVideoCount()
     QCOMPARE(before, 1.0);
 }
 
-void WorkEstimateTest::nothingIsSaidTooEarly()
+void WorkEstimateTest::noTimeIsEstimatedTooEarly()
 {
     WorkEstimate estimate({jobOf("a", 1000)}, true);
     estimate.take(progressEvent("a", "video", 500, 1000), 1000);

@@ -80,7 +80,7 @@ private slots:
 
 private:
     int m_cards = 0;
-    int m_videos = 0; // whose log can be found at all
+    int m_videos = 0; // only those that have a log and all their parts on the card
     int m_right = 0;
     int m_rightWithoutDoubt = 0;
     int m_wrongWithoutDoubt = 0;

@@ -18,7 +18,7 @@ private slots:
     void progressIsEmitted();
     void anAbortIsNoticed_data();
     void anAbortIsNoticed();
-    void anAbortAfterTheLastLookIsNot();
+    void anAbortAfterTheLastCheckIsIgnored();
     void aFailureSaysItsReason_data();
     void aFailureSaysItsReason();
     void aFileThatCannotBeOpenedSaysItsReason();
@@ -82,7 +82,7 @@ void LogDecoderOutcomeTest::anAbortIsNoticed()
     QCOMPARE(lastDone, stage < 2 ? 0 : std::max(done, 1000));
 }
 
-void LogDecoderOutcomeTest::anAbortAfterTheLastLookIsNot()
+void LogDecoderOutcomeTest::anAbortAfterTheLastCheckIsIgnored()
 {
     LogBuilder builder = pairLog();
     for (int i = 0; i < 999; ++i)

@@ -79,7 +79,7 @@ private slots:
         QCOMPARE(QDir(path("p_video")).entryList(QDir::Files).size(), 2);
     }
 
-    void anotherFileOfTheNameStays()
+    void aFileThatReplacedACopyIsKept()
     {
         leaveCopies();
         QVERIFY(QFile::remove(path("p_log.log")));

@@ -122,7 +122,7 @@ private slots:
         QVERIFY(!QFile::exists(path("q_video")));
     }
 
-    void aCopyLeavesTheWorkWithItsOwnFiles()
+    void savingACopyKeepsTheProjectAndItsFiles()
     {
         Desk desk;
         QVERIFY(desk.openFlight(first()));
@@ -244,7 +244,7 @@ private slots:
         QVERIFY(notKept[0][0].toString().contains("No such file or directory"));
     }
 
-    void nothingOpenIsNotSaved()
+    void savingNeedsAFlight()
     {
         Desk desk;
         QVERIFY(!desk.review.save(path("p.ecor")));

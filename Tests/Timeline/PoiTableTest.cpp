@@ -166,7 +166,7 @@ void PoiTableTest::withoutALogThereAreNoValues()
         QJsonDocument::fromJson(poiTableJson(table)).array()[0].toObject()["logTimeMs"].isNull());
 }
 
-// What a reader of the table gets, less one leading apostrophe, is what was there.
+// A text that is read back from the table equals the one written, but for one leading apostrophe.
 void PoiTableTest::textsComeBackFromTheTable()
 {
     const QStringList texts{"=1+1",         "'quoted'", "a,\"b\"\nc", "-5",         "plain",

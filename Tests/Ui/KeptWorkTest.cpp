@@ -24,7 +24,7 @@ private slots:
     void aMissingLogTakesTheEarlierOneWithIt();
     void thePanelForgetsTheFlightBefore_data();
     void thePanelForgetsTheFlightBefore();
-    void withNothingOpenNothingIsMarked();
+    void theKeyAddsNoPoiWithoutAVideo();
     void aFlightWithoutALogNeedsNoMessage();
     void aDateAtTheEndOfANameIsNoSuffix();
     void asksBeforeACompletedNameReplacesAFile();
@@ -161,7 +161,7 @@ void KeptWorkTest::thePanelForgetsTheFlightBefore()
     QCOMPARE(picture(), shown);
 }
 
-void KeptWorkTest::withNothingOpenNothingIsMarked()
+void KeptWorkTest::theKeyAddsNoPoiWithoutAVideo()
 {
     QVERIFY(m_ui->activate());
     QTest::keyClick(m_ui->window(), Qt::Key_N);

@@ -17,7 +17,7 @@ private slots:
     void aRoundedFieldKeepsTheExactValue();
     void controlsFollowThePlayer();
     void tabReachesControlsAndSpaceActivatesThem();
-    void aClickLeavesTheKeysWithTheVideo();
+    void aClickLeavesTheKeyboardFocusOnTheVideo();
 
 private:
     // The text of the tool tip of a control; nothing before it was first wanted.
@@ -181,7 +181,7 @@ void StripsTest::tabReachesControlsAndSpaceActivatesThem()
     QCOMPARE(player("showIR").toBool(), true);
 }
 
-void StripsTest::aClickLeavesTheKeysWithTheVideo()
+void StripsTest::aClickLeavesTheKeyboardFocusOnTheVideo()
 {
     QVERIFY(m_ui->openVideo());
     QQuickItem* tabs = m_ui->item("tabsContainer");

@@ -163,7 +163,8 @@ private:
         return {};
     }
 
-    // In a list, or a text longer than its frame: it may begin or end outside.
+    // Whether the item is inside something that scrolls, where it may begin or end outside the
+    // frame.
     static bool scrolls(QQuickItem* item)
     {
         for (QQuickItem* above = item; above; above = above->parentItem()) {

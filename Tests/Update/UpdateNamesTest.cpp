@@ -13,8 +13,8 @@ class UpdateNamesTest : public QObject
 private slots:
     void channels_data();
     void channels();
-    void flavours_data();
-    void flavours();
+    void flavourFollowsTheArchitecture_data();
+    void flavourFollowsTheArchitecture();
     void paths();
     void refusesWhatLeadsAstray_data();
     void refusesWhatLeadsAstray();
@@ -48,7 +48,7 @@ void UpdateNamesTest::channels()
         warned);
 }
 
-void UpdateNamesTest::flavours_data()
+void UpdateNamesTest::flavourFollowsTheArchitecture_data()
 {
     QTest::addColumn<QString>("architecture");
     QTest::addColumn<QString>("flavour");
@@ -58,7 +58,7 @@ void UpdateNamesTest::flavours_data()
     QTest::newRow("another") << QStringLiteral("arm64") << QStringLiteral("arm64") << true;
 }
 
-void UpdateNamesTest::flavours()
+void UpdateNamesTest::flavourFollowsTheArchitecture()
 {
     QFETCH(QString, architecture);
     QFETCH(bool, warned);

@@ -24,7 +24,7 @@ private slots:
     void aSeriesOfGivenTimes();
     void aSeriesAtASpacing_data();
     void aSeriesAtASpacing();
-    void aSeriesThatIsRefused();
+    void aSeriesNeedsAFolderAndASpacing();
 };
 
 void FrameExportTest::aFrameIsSavedUnderAFreeName()
@@ -171,7 +171,7 @@ void FrameExportTest::aSeriesAtASpacing()
         QCOMPARE(numberIn(QImage(path(QStringLiteral("out/Frame00%1.jpg").arg(i)))), numbers.at(i));
 }
 
-void FrameExportTest::aSeriesThatIsRefused()
+void FrameExportTest::aSeriesNeedsAFolderAndASpacing()
 {
     addFile("a.mp4");
     open("a.mp4");

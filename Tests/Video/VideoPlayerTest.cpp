@@ -18,7 +18,7 @@ private slots:
     void opensAndShowsTheFirstFrame();
     void fileThatDoesNotOpenShowsAMessage();
     void aFailedFileShortensTheTimeline();
-    void nothingOpens();
+    void aBrokenVideoIsAnError();
     void aMissingFileIsAnError();
     void answersOfAnOvertakenOpeningAreDropped();
     void aSecondVideoBeginsWithTheOldPicture();
@@ -129,7 +129,7 @@ void VideoPlayerTest::aFailedFileShortensTheTimeline()
     QCOMPARE(player.timePosition(), timeAt(250));
 }
 
-void VideoPlayerTest::nothingOpens()
+void VideoPlayerTest::aBrokenVideoIsAnError()
 {
     QFile broken(path("broken.mp4"));
     QVERIFY(broken.open(QIODevice::WriteOnly));

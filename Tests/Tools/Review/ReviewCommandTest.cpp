@@ -164,7 +164,7 @@ void ReviewCommandTest::flightIsReviewedWhole()
     QVERIFY(QFileInfo(flightFolder() + "/video.mp4").size() > 0);
     QVERIFY(!QDir(flightFolder() + "/.work").exists());
 
-    // With its media the folder stands alone.
+    // The folder has its media in it, so the project opens from any place.
     const QString moved = out("moved");
     QVERIFY(QDir().rename(flightFolder(), moved));
     const ProgramRun project =
