@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
+#include <QImageReader>
 
 using namespace corv;
 using namespace corv::test;
@@ -17,6 +18,8 @@ class FrameExportTest : public QObject, private ExportFixture
 private slots:
     void init() { begin(); }
     void aFrameIsSavedUnderAFreeName();
+    void aFrameHasTheFormatOfItsSuffix_data();
+    void aFrameHasTheFormatOfItsSuffix();
     void aFrameOverwritesIfAsked();
     void framesThatAreNotSavedAreReported();
     void aFrameThatCannotBeSavedDestroysNothing();
@@ -45,6 +48,27 @@ void FrameExportTest::aFrameIsSavedUnderAFreeName()
     QTRY_VERIFY(QFile::exists(path("seven(7).png")));
     QVERIFY(m_player->saveFrame(timeAt(0), path("seven(7).png"), false));
     QTRY_VERIFY(QFile::exists(path("seven(8).png")));
+}
+
+void FrameExportTest::aFrameHasTheFormatOfItsSuffix_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<QByteArray>("format");
+    QTest::newRow("JPEG") << "jpg" << QByteArray("jpeg");
+    QTest::newRow("bitmap") << "bmp" << QByteArray("bmp");
+    QTest::newRow("PNG") << "png" << QByteArray("png");
+}
+
+void FrameExportTest::aFrameHasTheFormatOfItsSuffix()
+{
+    QFETCH(QString, suffix);
+    addFile("a.mp4");
+    open("a.mp4");
+    const QString shot = path("shot." + suffix);
+    QVERIFY(m_player->saveFrame(timeAt(400), shot, true));
+    QTRY_VERIFY(QFile::exists(shot));
+    QTEST(QImageReader::imageFormat(shot), "format");
+    QCOMPARE(numberIn(QImage(shot)), 10);
 }
 
 void FrameExportTest::aFrameOverwritesIfAsked()
