@@ -5,16 +5,16 @@
 
 namespace corv {
 
-/// The time column of a series of samples, searchable for the sample that holds at a moment. The
-/// column itself is not copied: this object keeps the log alive.
+/// The time column of a series of samples, searchable for the sample that is valid at a moment. A
+/// view: the column is not copied, and the owner of this object keeps the log alive.
 class SampleTimes
 {
 public:
     /// `times` are `count` milliseconds, at least one; they need not ascend.
     SampleTimes(const qint32* times, int count);
 
-    /// Index of the sample that holds at `ms`: the one before the first sample, from the second on,
-    /// that lies after `ms`; the last one if there is none. By halves, whatever the order.
+    /// Index of the sample before the first one that is later than `ms`: the last sample at or
+    /// before `ms` where times ascend; 0 if all are later. A binary search in any case.
     int indexAt(int ms) const;
 
     int count() const { return m_count; }
