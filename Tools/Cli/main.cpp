@@ -2,7 +2,9 @@
 #include "Cli/diagnostics.h"
 #include "Cli/insets.h"
 
+#include <QFile>
 #include <QGuiApplication>
+#include <QTemporaryDir>
 #include <QTextCodec>
 #include <memory>
 
@@ -18,6 +20,25 @@ std::vector<Command> allCommands()
     return commands;
 }
 
+/// A variable of the environment that has another value for a time.
+class VariableForATime
+{
+public:
+    VariableForATime(const char* name, const QByteArray& value)
+        : m_name(name), m_wasSet(qEnvironmentVariableIsSet(name)), m_before(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+    ~VariableForATime() { m_wasSet ? qputenv(m_name, m_before) : qunsetenv(m_name); }
+    VariableForATime(const VariableForATime&) = delete;
+    VariableForATime& operator=(const VariableForATime&) = delete;
+
+private:
+    const char* m_name;
+    bool m_wasSet;
+    QByteArray m_before;
+};
+
 // Texts in pictures need fonts, which only an application for windows has; it gets a screen that is
 // not there.
 std::unique_ptr<QCoreApplication> makeApplication(const QStringList& arguments, char** argv)
@@ -26,15 +47,15 @@ std::unique_ptr<QCoreApplication> makeApplication(const QStringList& arguments, 
     if (!arguments.contains(QStringLiteral("--") + instrumentsOption) &&
         !arguments.contains(QStringLiteral("--") + thermalBarOption))
         return std::make_unique<QCoreApplication>(noArguments, argv);
-    constexpr const char* platform = "QT_QPA_PLATFORM";
-    const bool wasSet = qEnvironmentVariableIsSet(platform);
-    const QByteArray before = qgetenv(platform);
     installDiagnostics(arguments.contains(QLatin1String("--verbose"))); // of the start as well
-    qputenv(platform, "offscreen");
-    auto application = std::make_unique<QGuiApplication>(noArguments, argv);
+    // The start looks for a folder of the session, and leaves one behind where there is none.
+    const QTemporaryDir session;
     // Programs that are started from here get the environment as it was.
-    wasSet ? qputenv(platform, before) : qunsetenv(platform);
-    return application;
+    const VariableForATime folder("XDG_RUNTIME_DIR", session.isValid()
+                                                         ? QFile::encodeName(session.path())
+                                                         : qgetenv("XDG_RUNTIME_DIR"));
+    const VariableForATime platform("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(noArguments, argv);
 }
 
 } // namespace

@@ -77,6 +77,7 @@ private slots:
     void thermalClockOfTheScreen();
     void instrumentsInACorner_data();
     void instrumentsInACorner();
+    void instrumentsLeaveNoFolderBehind();
     void instrumentsOfAVideo();
     void thermalBarInACorner();
     void thermalBarNeedsAnOverlay_data();
@@ -337,6 +338,23 @@ void FrameCommandsTest::instrumentsInACorner()
     const QRect below(place.left(), place.bottom() + 1, place.width(),
                       picture.height() - place.bottom() - 1);
     QCOMPARE(picture.copy(below), without.copy(below));
+}
+
+// Also without a session, as in a job of the night.
+void FrameCommandsTest::instrumentsLeaveNoFolderBehind()
+{
+    const QString temporary = path("temporary");
+    QVERIFY(QDir().mkpath(temporary));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("XDG_RUNTIME_DIR");
+    environment.insert("TMPDIR", temporary);
+    const ProgramRun outcome = runProgram(
+        VISTREL_CLI,
+        {"frame", m_project, "--instruments", "--at-ms", "500", "--out", path("alone.png")},
+        environment);
+    QCOMPARE(outcome.error, QByteArray());
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(QDir(temporary).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
 }
 
 void FrameCommandsTest::instrumentsOfAVideo()
