@@ -159,7 +159,7 @@ ExitStatus sync(const QCommandLineParser& line)
     const bool json = line.isSet(jsonOption);
     int durationMs = 0;
     if (arguments.size() != 1 || !line.isSet(durationOption) ||
-        !readNumber(line, durationOption, 0, &durationMs))
+        !readNumber(line, durationOption, 0, &durationMs) || durationMs < 0)
         return WrongUsage;
     OpenLog open;
     if (const Status status = open.open(arguments[0]); !status)

@@ -68,6 +68,7 @@ ExitStatus showUsage(const QString& usage)
 ExitStatus runCommand(const Command& command, const QStringList& arguments, bool verbose)
 {
     QCommandLineParser line;
+    line.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     line.addOptions(command.options + commonOptions());
     const bool understood = line.parse(arguments);
     if (line.isSet(QStringLiteral("help")))
@@ -92,6 +93,7 @@ QStringList wordsOf(int argc, char** argv)
 ExitStatus runLine(const std::vector<Command>& commands, const QStringList& arguments)
 {
     QCommandLineParser line; // up to the command's name; what follows is the command's own
+    line.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     line.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     line.addOptions(commonOptions());
     line.addOptions(leadingOptions());

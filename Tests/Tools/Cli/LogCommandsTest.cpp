@@ -106,6 +106,7 @@ private slots:
     void failuresAreOneLine();
     void wrongUsageExitsWith2_data();
     void wrongUsageExitsWith2();
+    void wordWithOneDashIsNamedWhole();
     void diagnosticsAreShownOnDemand();
 
 private:
@@ -405,6 +406,7 @@ void LogCommandsTest::wrongUsageExitsWith2_data()
     QTest::newRow("no var") << QStringList{"log-raw", "a", "b"};
     QTest::newRow("no duration") << QStringList{"sync", "a"};
     QTest::newRow("duration without number") << QStringList{"sync", "a", "--duration-ms"};
+    QTest::newRow("duration below nothing") << QStringList{"sync", "a", "--duration-ms", "-5"};
     QTest::newRow("duration in words") << QStringList{"sync", "a", "--duration-ms", "ten"};
 }
 
@@ -416,6 +418,16 @@ void LogCommandsTest::wrongUsageExitsWith2()
     QCOMPARE(run.out, QByteArray());
     QVERIFY(run.error.startsWith("usage: vistrel-cli "));
     QCOMPARE(run.error.count('\n'), 1);
+}
+
+// Not letter by letter: it may be the name of a file.
+void LogCommandsTest::wordWithOneDashIsNamedWhole()
+{
+    for (const QStringList& line : {QStringList{"log-info", "-dash"}, QStringList{"-dash"}}) {
+        const ProgramRun run = vistrel(line);
+        QCOMPARE(run.status, 2);
+        QVERIFY2(run.error.contains("'dash'"), run.error.constData());
+    }
 }
 
 void LogCommandsTest::diagnosticsAreShownOnDemand()
