@@ -38,6 +38,7 @@ class EnginesTest : public QObject
 private slots:
     void initTestCase();
     void init();
+    void parallelTakesNoOptions();
     void sshDoesIt();
     void slurmDoesIt();
     void unitIsAccepted();
@@ -145,6 +146,26 @@ int EnginesTest::mostAtOnce() const
             most = std::max(most, now);
         }
     return most;
+}
+
+// Options are the user's choice: none of them is no empty word.
+void EnginesTest::parallelTakesNoOptions()
+{
+    QProcessEnvironment environment = m_environment;
+    environment.insert("VISTREL_CLI", path("words"));
+    QVERIFY(writeText(path("words"),
+                      "#!/bin/bash\n"
+                      "case \" $* \" in\n"
+                      "*' --list '*) echo '{}' ;;\n"
+                      "*' --job '*) printf '%s|' \"$@\" >" +
+                          path("disk/words") + " ;;\nesac\n",
+                      true));
+    const ProgramRun run = runProgram(VISTREL_BATCH "/review-parallel",
+                                      {path("disk"), ":", path("card")}, environment);
+    QVERIFY2(run.status == 0, run.out + run.error);
+    QFile words(path("disk/words"));
+    QVERIFY(words.open(QIODevice::ReadOnly));
+    QCOMPARE(words.readAll(), "review|--job|-|--out|" + path("disk").toUtf8() + '|');
 }
 
 void EnginesTest::sshDoesIt()
