@@ -204,10 +204,10 @@ ExitStatus review(const QCommandLineParser& line)
     const FlightList list = listFlights(locations, line.value(outOption), abortFlag);
     for (const QString& remark : list.remarks)
         fail(remark);
-    if (line.isSet(listOption))
-        return listJobs(list, line.isSet(jsonOption));
     if (list.jobs.isEmpty())
         return fail(QStringLiteral("no video was found"));
+    if (line.isSet(listOption))
+        return listJobs(list, line.isSet(jsonOption));
     if (!QDir().mkpath(line.value(outOption)))
         return fail(QStringLiteral("%1: cannot be made").arg(line.value(outOption)));
     return runAll(line, list, atOnce);

@@ -475,6 +475,7 @@ void ReviewCommandTest::refusals_data()
     QTest::newRow("missing job") << QStringList{"--job", "/nonexistent", "--out", "x"} << 1;
     QTest::newRow("missing list") << QStringList{"--gather", "/nonexistent", "--out", "x"} << 1;
     QTest::newRow("no video") << QStringList{"--out", "x", VISTREL_BATCH} << 1;
+    QTest::newRow("no video to list") << QStringList{"--list", "--out", "x", VISTREL_BATCH} << 1;
 }
 
 void ReviewCommandTest::refusals()
