@@ -452,7 +452,7 @@ void PlayerVerbsTest::whileThePointerMovesKeyframesAreShown()
                     m_player->goToTime(timeAt(index * 10 + 1100));
             });
     QVERIFY(m_player->goToTime(timeAt(6200)));
-    QTRY_COMPARE(m_surface.lastNumber(), 840);
+    QTRY_COMPARE_WITH_TIMEOUT(m_surface.lastNumber(), 840, 30000);
     QCOMPARE(m_surface.numbers, (QList<int>{600, 700, 800, 840}));
     QCOMPARE(positions, (QList<int>{620, 730, 840})); // those of the pointer
 }
