@@ -230,6 +230,9 @@ QPoint middle(QQuickItem* target)
 
 void UiFixture::click(QQuickItem* target, Qt::MouseButton button)
 {
+    // A window that has just been shown places its items when it is exposed, not before.
+    if (!QTest::qWaitForWindowExposed(target->window()))
+        qWarning("A click into a window that is not on the screen");
     QTest::mouseMove(target->window(), middle(target));
     QTest::mouseClick(target->window(), button, Qt::NoModifier, middle(target));
 }
