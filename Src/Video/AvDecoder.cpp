@@ -24,6 +24,11 @@ std::unique_ptr<AvDecoder> AvDecoder::open(const AVCodecParameters& parameters)
     return decoder;
 }
 
+bool AvDecoder::replacesMissing(const AVCodecParameters& parameters)
+{
+    return parameters.codec_id == AV_CODEC_ID_HEVC || parameters.codec_id == AV_CODEC_ID_MPEG4;
+}
+
 AvDecoder::Outcome AvDecoder::receive(AVFrame& picture)
 {
     const int result = avcodec_receive_frame(m_context.get(), &picture);

@@ -17,6 +17,10 @@ public:
     /// Null if there is no decoder for the stream.
     static std::unique_ptr<AvDecoder> open(const AVCodecParameters& parameters);
 
+    /// Whether decoders of this kind give pictures that are built on missing ones, and do not say
+    /// so.
+    static bool replacesMissing(const AVCodecParameters& parameters);
+
     /// What a receive() gave.
     enum class Outcome {
         picture,

@@ -60,6 +60,7 @@ private:
 
     const FrameIndex& index() const { return m_video->index->wait(); }
     Status decodeFirst();
+    bool isKeyframeAwaited();
     void noteFields(PictureParser& parser);
     Status readIndex(int first);
     Status startReadingThrough(int first);
@@ -92,7 +93,8 @@ private:
     bool m_waiting = false; // m_picture holds the frame about to be read
     int m_waitingFrame = 0;
 
-    bool m_hasFields = false; // of what is decoded first
+    bool m_hasKeyframe = false; // of what is decoded first
+    bool m_hasFields = false;
     qint64 m_lastDts = FrameIndex::noTime;
 
     bool m_isKeySpread = false; // what a look at a keyframe has shown
@@ -188,15 +190,32 @@ Status AvFrameSource::decodeFirst()
         const AvInput::Outcome read = m_input->next(*m_packet);
         if (read == AvInput::Outcome::failed)
             return failure();
+        if (read == AvInput::Outcome::end && m_lastSent >= 0 && isKeyframeAwaited()) {
+            m_hasKeyframe = true; // there is none: better these pictures than none at all
+            m_lastSent = -1;
+            m_input->rewind();
+            continue;
+        }
         if (read == AvInput::Outcome::end) {
             m_decoder->sendEnd();
             m_isDrained = true;
             continue;
         }
         noteFields(parser);
-        if (!m_decoder->send(*m_packet, ++m_lastSent, false))
+        ++m_lastSent;
+        if (isKeyframeAwaited())
+            continue;
+        if (!m_decoder->send(*m_packet, m_lastSent, false))
             m_inPlace = false;
     }
+}
+
+// Whether the packet comes before the first keyframe and must not be decoded: what precedes it, a
+// decoder of this kind replaces by grey.
+bool AvFrameSource::isKeyframeAwaited()
+{
+    m_hasKeyframe = m_hasKeyframe || m_packet->flags & AV_PKT_FLAG_KEY;
+    return !m_hasKeyframe && AvDecoder::replacesMissing(*m_video->parameters);
 }
 
 // Where each half of a frame is a packet of its own, the container does not say which ones belong

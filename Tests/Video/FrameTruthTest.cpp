@@ -1,10 +1,10 @@
 #include "Support/FieldVideo.h"
 #include "Support/TestVideo.h"
 #include "Support/trustRow.h"
+#include "Support/videoTruth.h"
 #include "openVideo.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <algorithm>
@@ -20,51 +20,6 @@ using namespace corv::test;
 namespace {
 
 constexpr double toleranceMs = 1.0;
-
-QByteArray outputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.closeWriteChannel();
-    process.waitForFinished(-1);
-    return process.readAllStandardOutput();
-}
-
-/// The times of all frames in milliseconds from the first, by another program; not a number where
-/// that program knows none.
-std::vector<double> trueTimes(const QString& file)
-{
-    const QByteArray listed =
-        outputOf("ffprobe", {"-v", "error", "-select_streams", "v:0", "-show_entries",
-                             "frame=best_effort_timestamp_time", "-of", "csv=p=0", file});
-    std::vector<double> times;
-    for (const QByteArray& line : listed.split('\n')) {
-        const QByteArray value = line.split(',').first();
-        bool isNumber = false;
-        const double seconds = value.toDouble(&isNumber);
-        if (!value.isEmpty())
-            times.push_back(isNumber ? seconds * 1000.0 : std::nan(""));
-    }
-    for (size_t i = times.size(); i-- > 0;)
-        times[i] -= times[0];
-    return times;
-}
-
-/// The numbers in the pixels of all frames, decoded by another program.
-std::vector<int> trueNumbers(const QString& file, QSize size)
-{
-    const QByteArray pixels =
-        outputOf("ffmpeg", {"-v", "quiet", "-nostdin", "-noautorotate", "-i", file, "-map", "0:v:0",
-                            "-vsync", "passthrough", "-f", "rawvideo", "-pix_fmt", "gray", "-"});
-    std::vector<int> numbers;
-    const int bytes = size.width() * size.height();
-    for (int at = 0; at + bytes <= pixels.size(); at += bytes) {
-        const cv::Mat picture(size.height(), size.width(), CV_8UC1,
-                              const_cast<char*>(pixels.constData() + at));
-        numbers.push_back(readFrameNumber(picture));
-    }
-    return numbers;
-}
 
 cv::Mat turnedBack(const cv::Mat& picture, int rotation)
 {
@@ -91,6 +46,8 @@ private slots:
     void initTestCase();
     void everyFrameIsTheOneAskedFor_data();
     void everyFrameIsTheOneAskedFor();
+    void aStreamCutInAGroupBeginsAtAKeyframe_data();
+    void aStreamCutInAGroupBeginsAtAKeyframe();
     void timesGoOnWhereAClockBeginsAnew_data();
     void timesGoOnWhereAClockBeginsAnew();
     void damageCostsNoMoreThanItself_data();
@@ -308,6 +265,52 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor()
     trustRow(QStringLiteral("Wrong frames, asked forwards, backwards and by time"),
              QString::fromUtf8(QTest::currentDataTag()),
              QStringLiteral("0 of %1").arg(asked + static_cast<int>(order.size())));
+}
+
+void FrameTruthTest::aStreamCutInAGroupBeginsAtAKeyframe_data()
+{
+    QTest::addColumn<QStringList>("encoding");
+    const QStringList hevc{"-c:v",     "libx265", "-preset",     "ultrafast",
+                           "-pix_fmt", "yuv420p", "-x265-params"};
+    QTest::newRow("hevc") << hevc + QStringList{"log-level=none:keyint=24:bframes=3"};
+    QTest::newRow("hevc, open groups")
+        << hevc + QStringList{"log-level=none:keyint=24:open-gop=1:bframes=4"};
+    QTest::newRow("h264, open groups")
+        << QStringList{"-c:v",     "libx264", "-preset",      "veryfast",
+                       "-pix_fmt", "yuv420p", "-x264-params", "open-gop=1:keyint=24"};
+    QTest::newRow("mpeg-2") << QStringList{"-c:v", "mpeg2video", "-bf",  "2",
+                                           "-g",   "15",         "-q:v", "3"};
+    QTest::newRow("mpeg-4") << QStringList{"-c:v", "mpeg4", "-bf", "2", "-g", "15", "-q:v", "3"};
+}
+
+// The first part of what a recorder wrote on a ring of memory is gone. What is left of its group is
+// built on pictures that nobody has.
+void FrameTruthTest::aStreamCutInAGroupBeginsAtAKeyframe()
+{
+    QFETCH(QStringList, encoding);
+    QVERIFY(make(path("whole.ts"), {}, encoding));
+    QFile whole(path("whole.ts"));
+    QVERIFY(whole.open(QIODevice::ReadOnly));
+    const QByteArray bytes = whole.readAll();
+    constexpr int packetBytes = 188;
+    const int packets = bytes.size() / packetBytes;
+    for (int cut = packets / 16; cut < packets / 2; cut += packets / 16) {
+        QFile rest(path("rest.ts"));
+        QVERIFY(rest.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        QVERIFY(rest.write(bytes.mid(cut * packetBytes)) > 0);
+        rest.close();
+        const auto source = openVideo(rest.fileName());
+        QVERIFY(source);
+        const int frames = source->frameCount();
+        const int firstNumber = 90 - frames;
+        for (int i = 0; i < frames; ++i)
+            QCOMPARE(shownAt(*source).number, firstNumber + i);
+        QCOMPARE(shownAt(*source).index, -1);
+        for (int i = frames - 1; i >= 0; i -= 5) {
+            QVERIFY(source->seekToFrame(i));
+            QCOMPARE(shownAt(*source).number, firstNumber + i);
+        }
+    }
 }
 
 void FrameTruthTest::timesGoOnWhereAClockBeginsAnew_data()
