@@ -12,6 +12,7 @@
 #include "Shell/blockedKeys.h"
 #include "Shell/commandLine.h"
 #include "Shell/crashReport.h"
+#include "Shell/settingsFormat.h"
 #include "Threads/pool.h"
 #include "Update/UpdateManager.h"
 
@@ -152,6 +153,7 @@ int main(int argc, char** argv)
     if (line.wish != corv::CommandLine::Wish::openWindow)
         return answer(line);
     corv::setApplicationNames();
+    corv::keepSettingsWhole();
     corv::ApplicationLogging::instance().init();
     const QString logFilePath = corv::ApplicationLogging::instance().filePath();
     const std::optional<corv::crashReport::Summary> crash = corv::crashReport::take(logFilePath);
