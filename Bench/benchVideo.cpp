@@ -47,7 +47,7 @@ public:
     void onSeekFailed(int) override {}
     void onWishServed(int, WishOutcome) override {}
     void onRedrawFinished(int) override {}
-    void onPlaybackEnded(int) override {}
+    void onPlaybackEnded(int, int) override {}
     void onThermalFrames(const Status&) override {}
     void onBurstFinished() override {}
 };

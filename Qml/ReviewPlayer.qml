@@ -42,9 +42,11 @@ VideoPlayer {
         if (showIR)
             redraw();
     }
-    // At the end the worker has closed its place; redrawing it, pictures can be saved again.
-    onPlayingChanged: {
-        if (!playing && currentFrameIndex >= frameCount - 1)
+    // Playback that has read to the end has no place in the flight; redrawing the frame on screen,
+    // pictures can be saved again.
+    readonly property bool hasLostItsPlace: isReadToEnd && !playing
+    onHasLostItsPlaceChanged: {
+        if (hasLostItsPlace)
             redraw();
     }
 

@@ -192,7 +192,7 @@ OpenCvWorker::Produced OpenCvWorker::produceFrame(FrameUse use)
     if (outcome == ReadOutcome::failed) {
         qCInfo(lcVideo) << "Read failed in" << entry.file << "for frame " << position << " at ms"
                         << truncateToInt(fileMs);
-        endPlayback();
+        endPlayback(noFrame);
         return Produced::failure;
     }
     if (use == FrameUse::playback)
@@ -209,13 +209,13 @@ bool OpenCvWorker::moveToNextFile()
     if (m_currentSource + 1 >= m_timeline.size()) {
         m_currentSource = noFile;
         qCInfo(lcVideo) << "Reached the end of stream";
-        endPlayback();
+        endPlayback(std::max(m_lastFrameIndex, 0));
         return false;
     }
     leaveFileFor(m_currentSource + 1);
     if (!current().capture->seekToFrame(0)) {
         qCInfo(lcVideo) << "Failed to seek in the beginning for" << current().file;
-        endPlayback();
+        endPlayback(noFrame);
         return false;
     }
     postToClient([opening = m_opening, file = current().file](WorkerClient& client) {
@@ -241,7 +241,8 @@ void OpenCvWorker::produceFrameBurst()
 
 void OpenCvWorker::redraw(int shownFrame)
 {
-    if (m_lastFrameWasSought && !m_lastFrame.isNull())
+    // Without a place, which reading on to the end has closed, it goes to the frame.
+    if (m_currentSource != noFile && m_lastFrameWasSought && !m_lastFrame.isNull())
         renderLastFrame(FrameUse::redraw);
     else if (!m_timeline.isEmpty())
         goToFrame(std::clamp(shownFrame, 0, std::max(m_timeline.totalFrames() - 1, 0)),
@@ -432,9 +433,11 @@ void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<const Log
         [status = m_overlay.status()](WorkerClient& client) { client.onThermalFrames(status); });
 }
 
-void OpenCvWorker::endPlayback()
+void OpenCvWorker::endPlayback(int lastFrame)
 {
-    postToClient([opening = m_opening](WorkerClient& client) { client.onPlaybackEnded(opening); });
+    postToClient([opening = m_opening, lastFrame](WorkerClient& client) {
+        client.onPlaybackEnded(opening, lastFrame);
+    });
 }
 
 } // namespace corv

@@ -117,6 +117,7 @@ signals:
 
 private:
     static constexpr int noFile = -1;
+    static constexpr int noFrame = -1;
 
     /// How reading a frame ended.
     enum class Produced { frame, end, failure };
@@ -143,7 +144,7 @@ private:
     QImage extractFrame(FrameSource& capture, const VideoFileEntry& entry, double fileMs,
                         const PictureInsets& insets);
     PictureInset::Moment momentOf(int timelineMs, QSize picture) const;
-    void endPlayback();
+    void endPlayback(int lastFrame);
 
     template <typename Call>
     void postToClient(Call call);

@@ -109,6 +109,7 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
     if (!std::exchange(m_firstPictureShown, false)) // which would vanish for a moment
         startSurface();
     setFrameCount(timeline.totalFrames);
+    m_lastGoodFrame = -1;
     m_secondFileMs = timeline.secondFileMs;
     m_duration = timeOfMs(timeline.durationMs);
     emit durationChanged(m_duration);

@@ -76,6 +76,7 @@ class VideoPlayer : public QQuickItem, private WorkerClient
     Q_PROPERTY(int frameCount READ frameCount NOTIFY frameCountChanged)
     Q_PROPERTY(bool thermalAsOnScreen READ thermalAsOnScreen WRITE setThermalAsOnScreen NOTIFY
                    thermalAsOnScreenChanged)
+    Q_PROPERTY(bool isReadToEnd READ isReadToEnd NOTIFY isReadToEndChanged)
     Q_PROPERTY(int irPalette READ irPalette WRITE setIrPalette NOTIFY irPaletteChanged)
 
 public:
@@ -118,6 +119,10 @@ public:
     /// Time from one frame to the next, in whole milliseconds; 0 until a video has opened.
     int frameDurationMs() const { return m_frameDurationMs; }
     bool playing() const { return m_playing; }
+
+    /// Playback, which reads some frames ahead, has read to the end. There are no pictures to be
+    /// saved then, until `redraw` or a seek.
+    bool isReadToEnd() const { return m_isReadToEnd; }
 
     bool showIR() const { return m_settings.showIR; }
     void setShowIR(bool showIR);
@@ -224,8 +229,8 @@ public:
     /// there; across joins, and to the first or last frame at most. False if no video is open.
     Q_INVOKABLE bool step(int frames);
 
-    /// Plays on from the frame on screen; from the first one if that is the last. False if no video
-    /// is open.
+    /// Plays on from the frame on screen; from the first one if that is the last, or the last one
+    /// before damage that reaches to the end. False if no video is open.
     Q_INVOKABLE bool playOn();
 
     /// Draws the frame on screen anew with the newest settings and log; nothing if no video is
@@ -335,6 +340,7 @@ signals:
     void openingProgressChanged();
     void thermalAsOnScreenChanged();
     void irPaletteChanged();
+    void isReadToEndChanged();
     void thermalReadingChanged();
     void thermalStatusChanged();
 
@@ -358,7 +364,7 @@ private:
     void onSeekFailed(int opening) override;
     void onWishServed(int opening, WishOutcome outcome) override;
     void onRedrawFinished(int opening) override;
-    void onPlaybackEnded(int opening) override;
+    void onPlaybackEnded(int opening, int lastFrame) override;
     void onThermalFrames(const Status& status) override;
     void onBurstFinished() override;
 
@@ -391,6 +397,7 @@ private:
     void serveWish();
     void dropWishes();
     void clearQueue();
+    void setReadToEnd(bool isReadToEnd);
     void presentNextFrame(bool atOnce);
     bool show(const PlayerFrame& frame);
     const PlayerFrame& nextFrame() const;
@@ -445,6 +452,8 @@ private:
     bool m_redrawWanted = false;
     bool m_awaitsFirstFrame = false; ///< the shown index is that of the video before
     bool m_endReached = false;       // the frames in the queue are the last
+    bool m_isReadToEnd = false;      // the worker has no place
+    int m_lastGoodFrame = -1;        // where playback ended, below 0 if it has not yet
     PlaybackClock m_clock;
     QElapsedTimer m_steadyClock;
     bool m_isBusy = false;

@@ -73,6 +73,15 @@ void VideoPlayer::clearQueue()
 {
     m_frames.clear();
     m_endReached = false;
+    setReadToEnd(false);
+}
+
+void VideoPlayer::setReadToEnd(bool isReadToEnd)
+{
+    if (isReadToEnd == m_isReadToEnd)
+        return;
+    m_isReadToEnd = isReadToEnd;
+    emit isReadToEndChanged();
 }
 
 bool VideoPlayer::goToTime(QTime time)
@@ -115,9 +124,14 @@ bool VideoPlayer::step(int frames)
 bool VideoPlayer::playOn()
 {
     const bool isGoing = m_seeking || m_wishUnderWay || m_restTimer.isActive();
-    if (!m_playing && !isGoing && m_currentFrameIndex >= m_frameCount - 1)
+    const int last = m_lastGoodFrame < 0 ? m_frameCount - 1 : m_lastGoodFrame;
+    if (!m_playing && !isGoing && m_currentFrameIndex >= last)
         goToFrame(0);
-    return play();
+    if (!play())
+        return false;
+    // A medium that failed has left nothing in the queue: the next attempt says whether it is back.
+    requestBurstIfStarved();
+    return true;
 }
 
 void VideoPlayer::serveWish()
@@ -217,14 +231,19 @@ void VideoPlayer::onFrameReady(int opening, const PlayerFrame& frame, FrameUse u
 }
 
 // What was decoded before the end is shown before the pause.
-void VideoPlayer::onPlaybackEnded(int opening)
+void VideoPlayer::onPlaybackEnded(int opening, int lastFrame)
 {
     if (opening != m_opening)
         return;
+    // A seek or a redraw is answered with a place; it has not read on to the end.
+    const bool isEnd = lastFrame >= 0 && !m_seeking && !m_redrawUnderWay;
+    if (isEnd)
+        m_lastGoodFrame = lastFrame;
     m_endReached = m_playing && m_surface && !m_frames.isEmpty() &&
                    m_frames.last().frameIndex > m_currentFrameIndex;
     if (!m_endReached)
         pause();
+    setReadToEnd(isEnd);
 }
 
 void VideoPlayer::paintNextFrame()

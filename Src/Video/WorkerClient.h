@@ -80,8 +80,10 @@ public:
     /// A redraw is over, after its frame if it gave one.
     virtual void onRedrawFinished(int opening) = 0;
 
-    /// No frames follow for playback: the end, or a medium that gives nothing more.
-    virtual void onPlaybackEnded(int opening) = 0;
+    /// No frames follow for playback: a medium gives nothing more, or it is the end behind
+    /// `lastFrame`, the last one that could be decoded. At the end the worker has no place in the
+    /// flight, and so no pictures to be saved, until it goes to a frame; below 0 if it is not.
+    virtual void onPlaybackEnded(int opening, int lastFrame) = 0;
 
     /// The thermal frames of a log have been taken over, or why there are none.
     virtual void onThermalFrames(const Status& status) = 0;

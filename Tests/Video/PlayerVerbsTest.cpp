@@ -26,6 +26,10 @@ private slots:
     void redrawShowsAutoRange();
     void playedToTheEndEveryFrameIsShown();
     void atTheEndARedrawMakesPicturesAvailable();
+    void readToTheEndItHasNoPlace();
+    void pausedShortOfTheEndItCanGetItsPlaceBack();
+    void damageAtTheEndIsAnEndLikeOthers();
+    void aMediumThatFailsIsNoEnd();
     void playedOnAtTheEndItStartsAgain();
     void playedOnBeforeTheEndItGoesOn();
     void aForgottenFrameIsNotShownAgain();
@@ -270,6 +274,96 @@ void PlayerVerbsTest::atTheEndARedrawMakesPicturesAvailable()
     StillFrame still(*m_player, m_player->timePosition());
     QTRY_COMPARE(still.number(), 44);
     QCOMPARE(m_surface.lastNumber(), 44);
+}
+
+void PlayerVerbsTest::readToTheEndItHasNoPlace()
+{
+    openJoined();
+    QVERIFY(!m_player->isReadToEnd());
+    const QSignalSpy changes(m_player.get(), &VideoPlayer::isReadToEndChanged);
+    m_player->play();
+    QTRY_VERIFY(!m_player->playing());
+    QVERIFY(m_player->isReadToEnd());
+    m_player->redraw();
+    QVERIFY(!m_player->isReadToEnd());
+    QCOMPARE(changes.size(), 2);
+    m_player->play();
+    QTRY_VERIFY(m_player->isReadToEnd());
+    QVERIFY(m_player->goToFrame(3));
+    QVERIFY(!m_player->isReadToEnd());
+}
+
+// Playback reads ahead: the end of the file comes before that of the pictures.
+void PlayerVerbsTest::pausedShortOfTheEndItCanGetItsPlaceBack()
+{
+    addFile("a.mp4", 30);
+    openPlayer("a.mp4");
+    QVERIFY(m_player->goToFrame(26));
+    QTRY_COMPARE(m_surface.lastNumber(), 26);
+    const auto pausing = connect(m_player.get(), &VideoPlayer::isReadToEndChanged, m_player.get(),
+                                 &VideoPlayer::pause);
+    m_player->play();
+    QTRY_VERIFY(!m_player->playing());
+    const int shown = m_surface.lastNumber();
+    QVERIFY(shown < 29);
+    QVERIFY(m_player->isReadToEnd());
+    disconnect(pausing);
+    m_player->redraw();
+    StillFrame still(*m_player, m_player->timePosition());
+    QTRY_COMPARE(still.number(), shown);
+    // And playback goes on to the end.
+    m_surface.numbers.clear();
+    m_player->play();
+    QTRY_VERIFY(!m_player->playing());
+    QCOMPARE(m_surface.lastNumber(), 29);
+    QVERIFY(m_surface.numbers.contains(shown + 1));
+}
+
+void PlayerVerbsTest::damageAtTheEndIsAnEndLikeOthers()
+{
+    addFile("CORV0001.MP4", 20);
+    const auto last = addFile("CORV0002.MP4", 20);
+    last->firstNumber = 20;
+    for (int frame = 15; frame < 20; ++frame)
+        last->damaged.insert(frame);
+    openPlayer("CORV0001.MP4");
+    m_player->play();
+    QTRY_VERIFY(!m_player->playing());
+    QCOMPARE(m_player->currentFrameIndex(), 34);
+    QVERIFY(m_player->isReadToEnd());
+    m_player->redraw();
+    StillFrame still(*m_player, m_player->timePosition());
+    QTRY_COMPARE(still.number(), 34);
+
+    // A seek to the same frame is a picture that a redraw need not read; it gives a place as well.
+    QVERIFY(m_player->seekAtFrame(34));
+    QTRY_COMPARE(m_surface.lastNumber(), 34);
+    m_player->play();
+    QTRY_VERIFY(m_player->isReadToEnd());
+    m_player->redraw();
+    StillFrame again(*m_player, m_player->timePosition());
+    QTRY_COMPARE(again.number(), 34);
+
+    m_surface.numbers.clear();
+    QVERIFY(m_player->playOn());
+    QTRY_VERIFY(m_surface.numbers.contains(0));
+    QTRY_VERIFY(!m_player->playing());
+    QCOMPARE(m_player->currentFrameIndex(), 34);
+}
+
+void PlayerVerbsTest::aMediumThatFailsIsNoEnd()
+{
+    const auto file = addFile("a.mp4", 30);
+    file->unreadable.insert(10);
+    openPlayer("a.mp4");
+    m_player->play();
+    QTRY_VERIFY(!m_player->playing());
+    QCOMPARE(m_player->currentFrameIndex(), 9);
+    QVERIFY(!m_player->isReadToEnd());
+    m_surface.numbers.clear();
+    QVERIFY(m_player->playOn());
+    QTRY_VERIFY(!m_player->playing());
+    QVERIFY(!m_surface.numbers.contains(0));
 }
 
 void PlayerVerbsTest::playedOnAtTheEndItStartsAgain()
