@@ -296,7 +296,7 @@ void PlayerVerbsTest::readToTheEndItHasNoPlace()
 // Playback reads ahead: the end of the file comes before that of the pictures.
 void PlayerVerbsTest::pausedShortOfTheEndItCanGetItsPlaceBack()
 {
-    addFile("a.mp4", 30);
+    addFile("a.mp4", 30, 2.0); // half a second from one to the next
     openPlayer("a.mp4");
     QVERIFY(m_player->goToFrame(26));
     QTRY_COMPARE(m_surface.lastNumber(), 26);
