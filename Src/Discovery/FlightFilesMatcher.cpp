@@ -1,6 +1,5 @@
 #include "Discovery/FlightFilesMatcher.h"
 
-#include "Discovery/filePairing.h"
 #include "Discovery/logCategory.h"
 #include "Log/LogDecoder.h"
 #include "Log/LogFile.h"
@@ -101,9 +100,10 @@ private:
 
 } // namespace
 
-QDateTime FlightFilesMatcher::timeOfLastWrite(const QFileInfo& file)
+FileState FlightFilesMatcher::stateOnDisk(const QFileInfo& file)
 {
-    return platform::lastWriteTime(file.filePath());
+    const platform::LastWrite lastWrite = platform::lastWrite(file.filePath());
+    return {lastWrite.time, lastWrite.sizeBytes};
 }
 
 VideoLength FlightFilesMatcher::readVideoLength(const QString& path)
@@ -200,6 +200,7 @@ FlightFilesMatcher::Search FlightFilesMatcher::pair(const QList<QFileInfo>& vide
         FlightMatchData match;
         match.videoFile = video.file;
         match.videoTime = video.time;
+        match.videoBytes = video.sizeBytes;
         match.matchFound = paired[i] >= 0;
         int log = -1;
         if (match.matchFound) {

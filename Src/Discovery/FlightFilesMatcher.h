@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Discovery/FlightMatchData.h"
+#include "Discovery/filePairing.h"
 #include "Log/LogSyncResult.h"
 
 #include <QDateTime>
@@ -48,8 +49,8 @@ public:
     /// What the matcher asks of the files themselves. Lengths and logs are asked for on any thread.
     struct FileFacts
     {
-        /// When the file was last written, which not every copy keeps; invalid if unknown.
-        std::function<QDateTime(const QFileInfo&)> time = timeOfLastWrite;
+        /// When the file was last written, which not every copy keeps, and its size.
+        std::function<FileState(const QFileInfo&)> time = stateOnDisk;
         std::function<VideoLength(const QString&)> videoLength = readVideoLength;
         /// Reads a log; ends early once the flag is set.
         std::function<LogFacts(const QString&, const std::atomic<bool>*, const LogStages&)> log =
@@ -73,7 +74,7 @@ public:
 private:
     struct Search;
 
-    static QDateTime timeOfLastWrite(const QFileInfo& file);
+    static FileState stateOnDisk(const QFileInfo& file);
     static VideoLength readVideoLength(const QString& path);
     static LogFacts readLogFacts(const QString& path, const std::atomic<bool>* abortFlag,
                                  const LogStages& stages);

@@ -18,7 +18,8 @@ struct FlightMatchData
     FlightNamingEvent naming; ///< undefined if the log has none
     int videoDuration = 0;    ///< milliseconds; 0 in quick mode, -1 if the video cannot be opened
     bool matchFound = false;
-    QDateTime videoTime; ///< of the last write; invalid if unknown
+    QDateTime videoTime;    ///< of the last write; invalid if unknown
+    qint64 videoBytes = -1; ///< -1 if unknown
     PairingEvidence evidence = PairingEvidence::None;
     bool doubtful = false;      ///< the pair is likely enough to be wrong
     qint64 flightLengthMs = -1; ///< exact length of the flight, all its files; -1 if unknown

@@ -80,15 +80,16 @@ QString textOf(const QDateTime& time)
 } // namespace
 
 std::vector<TimedFile> sortedByTime(const QList<QFileInfo>& files,
-                                    const std::function<QDateTime(const QFileInfo&)>& timeOf)
+                                    const std::function<FileState(const QFileInfo&)>& stateOf)
 {
     std::vector<TimedFile> timed;
     timed.reserve(static_cast<size_t>(files.size()));
     for (const QFileInfo& file : files) {
-        const QDateTime time = timeOf(file);
+        const FileState state = stateOf(file);
+        const QDateTime& time = state.time;
         if (!time.isValid())
             qCWarning(lcDiscovery) << "No time for file" << file.filePath();
-        timed.push_back({file, time, time.toMSecsSinceEpoch(), textOf(time)});
+        timed.push_back({file, time, time.toMSecsSinceEpoch(), textOf(time), state.sizeBytes});
     }
     std::stable_sort(timed.begin(), timed.end(), [](const TimedFile& a, const TimedFile& b) {
         if (a.time.isValid() != b.time.isValid())

@@ -9,18 +9,29 @@
 
 namespace corv {
 
+/// What a file system says of a file. A time alone is one of unknown size.
+struct FileState
+{
+    FileState() = default;
+    FileState(const QDateTime& lastWrite, qint64 size = -1) : time(lastWrite), sizeBytes(size) {}
+
+    QDateTime time;        ///< of the last write; invalid if unknown
+    qint64 sizeBytes = -1; ///< -1 if unknown
+};
+
 /// A file with the time it was last changed, asked for once. Without a time it pairs with nothing.
 struct TimedFile
 {
     QFileInfo file;
     QDateTime time;
-    qint64 timeMs = 0; ///< milliseconds of the epoch; means nothing if `time` is invalid
-    QString timeText;  ///< as the log writes it
+    qint64 timeMs = 0;     ///< milliseconds of the epoch; means nothing if `time` is invalid
+    QString timeText;      ///< as the log writes it
+    qint64 sizeBytes = -1; ///< -1 if unknown
 };
 
 /// The files by ascending time, those of equal time in the order given, those without one last.
 std::vector<TimedFile> sortedByTime(const QList<QFileInfo>& files,
-                                    const std::function<QDateTime(const QFileInfo&)>& timeOf);
+                                    const std::function<FileState(const QFileInfo&)>& stateOf);
 
 /// The position in `logs`, which are sorted by time, of the log that belongs to the video: the
 /// nearest one from 0 to 1799 seconds after it, of equally near ones the first. -1 if there is

@@ -69,7 +69,8 @@ QVariantMap matchingRow(const FlightMatchData& match)
         {QStringLiteral("partStart"), match.partStartMs},
         {QStringLiteral("videoTime"),
          match.videoTime.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))},
-        {QStringLiteral("videoSize"), match.videoFile.size()},
+        {QStringLiteral("videoSize"),
+         match.videoBytes >= 0 ? match.videoBytes : match.videoFile.size()},
     };
 }
 

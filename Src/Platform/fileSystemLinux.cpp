@@ -398,7 +398,7 @@ Failure failureOfError(int error, const QString& what)
                                     : QStringLiteral("%1: %2.").arg(what, qt_error_string(error))};
 }
 
-QDateTime lastWriteTime(const QString& path)
+LastWrite lastWrite(const QString& path)
 {
     struct stat attributes
     {
@@ -408,9 +408,10 @@ QDateTime lastWriteTime(const QString& path)
     tm local{};
     if (localtime_r(&attributes.st_mtim.tv_sec, &local) == nullptr)
         return {};
-    return QDateTime::fromMSecsSinceEpoch(qint64(attributes.st_mtim.tv_sec) * 1000 +
-                                              attributes.st_mtim.tv_nsec / 1'000'000,
-                                          Qt::OffsetFromUTC, static_cast<int>(local.tm_gmtoff));
+    return {QDateTime::fromMSecsSinceEpoch(qint64(attributes.st_mtim.tv_sec) * 1000 +
+                                               attributes.st_mtim.tv_nsec / 1'000'000,
+                                           Qt::OffsetFromUTC, static_cast<int>(local.tm_gmtoff)),
+            attributes.st_size};
 }
 
 } // namespace corv::platform

@@ -1,4 +1,5 @@
 #include "Discovery/FlightFilesMatcher.h"
+#include "Discovery/flightSearch.h"
 #include "Support/MessageLog.h"
 #include "flightLogs.h"
 
@@ -127,6 +128,7 @@ private slots:
     void anAbortWhileNamingGivesNothingWithoutAWord();
     void takesTimesAndDurationsFromTheFiles();
     void pairsByTheTimeOfTheLastWrite();
+    void rowsTakeTheSizeThatCameWithTheTime();
     void lengthsReplaceLostTimes();
     void logsOfOtherVideosAreReadOnlyWhereNeeded_data();
     void logsOfOtherVideosAreReadOnlyWhereNeeded();
@@ -398,6 +400,8 @@ void FlightFilesMatcherTest::pairsByTheTimeOfTheLastWrite()
     for (const QString& name : names) { // as a copy that keeps the times leaves them
         QFile file(card.folder.filePath(name));
         QVERIFY(file.open(QIODevice::ReadWrite));
+        if (name.startsWith("v"))
+            QVERIFY(file.resize(name.mid(1, 1).toInt()));
         QVERIFY(file.setFileTime(kStart.addSecs(card.seconds[name]),
                                  QFileDevice::FileModificationTime));
     }
@@ -408,7 +412,26 @@ void FlightFilesMatcherTest::pairsByTheTimeOfTheLastWrite()
         QCOMPARE(matches[i].videoFile.fileName(), QStringLiteral("v%1.mp4").arg(i + 1));
         QVERIFY(matches[i].matchFound);
         QCOMPARE(matches[i].logFile.fileName(), QStringLiteral("l%1.log").arg(i + 1));
+        QCOMPARE(matches[i].videoBytes, qint64(i + 1));
     }
+}
+
+void FlightFilesMatcherTest::rowsTakeTheSizeThatCameWithTheTime()
+{
+    Card card;
+    card.addVideo("with.mp4", 0, 60'000);
+    card.addVideo("without.mp4", 1, 60'000);
+    card.addLog("day.log", 400, flightLog({{10'000, 71'000}}, {}));
+    FlightFilesMatcher::FileFacts facts = card.facts();
+    facts.time = [time = facts.time](const QFileInfo& file) {
+        const qint64 bytes = file.fileName() == "with.mp4" ? 4711 : -1;
+        return FileState(time(file).time, bytes);
+    };
+    const QVariantList rows = matchingRows(
+        FlightFilesMatcher(&card.abort, facts).matchFlightFiles(card.videos, card.logs, true, {}));
+    QCOMPARE(rows.size(), 2);
+    QCOMPARE(rows[0].toMap().value("videoSize"), QVariant(4711));
+    QCOMPARE(rows[1].toMap().value("videoSize"), QVariant(0)); // asked for: it is not known
 }
 
 void FlightFilesMatcherTest::lengthsReplaceLostTimes()
