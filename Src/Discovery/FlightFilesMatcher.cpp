@@ -125,6 +125,7 @@ LogFacts FlightFilesMatcher::readLogFacts(const QString& path, const std::atomic
     if (!digest)
         return facts;
     facts.read = true;
+    facts.describesRecordings = digest->describesRecordings;
     facts.recordings = std::move(digest->recordings);
     facts.namings = std::move(digest->namings);
     return facts;
@@ -291,7 +292,7 @@ void FlightFilesMatcher::decide(Search& search)
     std::vector<PairingLog> logs;
     for (const Search::Log& log : search.logs)
         logs.push_back({log.file.file.absoluteFilePath(), timeOf(log.file), log.facts.recordings,
-                        log.facts.read});
+                        log.facts.read, log.facts.describesRecordings});
     const std::vector<Pairing> pairings = pairFlights(search.videos, logs);
     for (size_t i = 0; i < pairings.size(); ++i) {
         const Pairing& pairing = pairings[i];

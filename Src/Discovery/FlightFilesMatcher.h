@@ -25,6 +25,7 @@ struct VideoLength
 struct LogFacts
 {
     bool read = false;
+    bool describesRecordings = false; ///< so that a log without a recording saw none
     std::vector<RecEvent> recordings;
     QList<FlightNamingEvent> namings;
 };

@@ -129,6 +129,15 @@ double likelihoodOfKeptTimes(const std::vector<PairingVideo>& videos)
     return share > 0.8 ? 0.995 : share > 0.4 ? 0.7 : 0.3;
 }
 
+// True if the second video may go on where the first one ends: a recorder begins the next file at
+// once, and two flights are minutes apart.
+bool goesOnAtOnce(const PairingVideo& before, const PairingVideo& next)
+{
+    constexpr qint64 atOnceMs = 5000; // some cards know times to two seconds
+    return before.timeMs < 0 || next.timeMs < 0 ||
+           std::abs(next.timeMs - next.lengthMs - before.timeMs) <= atOnceMs;
+}
+
 // How long after a video its log is written: typical of a card, and learnt from the pairs whose
 // times and lengths agree.
 class LogDelay
@@ -223,6 +232,8 @@ private:
     bool hasNoVideo(int log) const;
     bool agreesByTime(size_t place, const LogBelief& byTime) const;
     bool nothingContradictsTimes() const;
+    bool mostTimesAgree() const;
+    bool isTornByTimes(const Pairing& pairing) const;
     double shareOfMissingFiles() const;
     std::vector<bool> logsOfOtherLengths(size_t logs) const;
 
@@ -257,9 +268,10 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
     };
     input.timesAreKept = likelihoodOfKeptTimes(videos);
     m_timesAreLost = input.timesAreKept < likely;
-    m_timesAreKept = input.timesAreKept > 0.9;
     m_claims = alignFlights(input);
-    m_timesAreSound = nothingContradictsTimes();
+    const bool timesAgree = mostTimesAgree();
+    m_timesAreKept = input.timesAreKept > 0.9 && timesAgree;
+    m_timesAreSound = !m_timesAreLost && timesAgree && nothingContradictsTimes();
     m_timesSayNothing = logsOfOtherLengths(logs.size());
     m_missingFiles = shareOfMissingFiles();
 }
@@ -342,11 +354,13 @@ bool Decision::canCompare(int log) const
                        [log](const Recording& recording) { return recording.log == log; });
 }
 
-// A flight that was not filmed: its log has no recording, and others of the card have some.
+// A flight that was not filmed: its log has no recording, but describes them, or others of the card
+// have some.
 bool Decision::hasNoVideo(int log) const
 {
     const PairingLog& asked = m_logs[static_cast<size_t>(log)];
-    return asked.isRead && asked.recordings.empty() && !m_recordings.empty();
+    return asked.isRead && asked.recordings.empty() &&
+           (asked.describesRecordings || !m_recordings.empty());
 }
 
 // Neighbours that only together are as long as a recording are hardly one flight.
@@ -375,6 +389,29 @@ bool Decision::nothingContradictsTimes() const
     return true;
 }
 
+// False if lengths find other logs than the times for as many videos as they find the same for.
+bool Decision::mostTimesAgree() const
+{
+    int same = 0;
+    int others = 0;
+    for (size_t place = 0; place < m_order.size(); ++place) {
+        const int log = m_videos[m_order[place]].logByTime;
+        const LogBelief best = mostLikely(place);
+        if (best.probability >= likely)
+            ++(m_recordings[static_cast<size_t>(best.best.recording)].log == log ? same : others);
+    }
+    return others == 0 || same > others;
+}
+
+// True if times that are those of the camera show a break between the files of a flight.
+bool Decision::isTornByTimes(const Pairing& pairing) const
+{
+    for (size_t part = 1; part < pairing.files.size() && m_timesAreKept; ++part)
+        if (!goesOnAtOnce(m_videos[pairing.files[part - 1]], m_videos[pairing.files[part]]))
+            return true;
+    return false;
+}
+
 // The logs to which the times give a video of another length: of those the times say nothing.
 std::vector<bool> Decision::logsOfOtherLengths(size_t logs) const
 {
@@ -399,9 +436,9 @@ bool Decision::isDoubtful(const PairingVideo& video, const LogBelief& byTime) co
         return false;
     if (m_timesAreSound)
         return doubt > doubtBySoundTimes;
-    return doubt * m_missingFiles > (m_timesSayNothing[static_cast<size_t>(video.logByTime)]
-                                         ? doubtByLength
-                                         : doubtByTimeAndLength);
+    const bool lengthAlone =
+        m_timesAreLost || m_timesSayNothing[static_cast<size_t>(video.logByTime)];
+    return doubt * m_missingFiles > (lengthAlone ? doubtByLength : doubtByTimeAndLength);
 }
 
 Pairing Decision::decide(size_t place) const
@@ -421,11 +458,12 @@ Pairing Decision::decide(size_t place) const
     if (replaced) {
         addClaim(best.best, pairing);
         pairing.evidence = PairingEvidence::Length;
-        pairing.doubtful = (1 - best.probability) * m_missingFiles > doubtByLength;
+        pairing.doubtful =
+            (1 - best.probability) * m_missingFiles > doubtByLength || isTornByTimes(pairing);
     } else if (lengthAgrees) {
         addClaim(byTime.best, pairing);
         pairing.evidence = PairingEvidence::TimeAndLength;
-        pairing.doubtful = isDoubtful(video, byTime);
+        pairing.doubtful = isDoubtful(video, byTime) || isTornByTimes(pairing);
     } else if (video.logByTime >= 0) {
         pairing.log = video.logByTime;
         if (contradicted)

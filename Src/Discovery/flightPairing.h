@@ -33,6 +33,7 @@ struct PairingLog
     qint64 timeMs = -1;
     std::vector<RecEvent> recordings;
     bool isRead = true;
+    bool describesRecordings = false; ///< so that one without a recording saw none
 };
 
 /// The log of one video and how sure that is.

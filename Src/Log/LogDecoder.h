@@ -31,7 +31,8 @@ struct LogDigest
 {
     std::vector<RecEvent> recordings;
     QList<FlightNamingEvent> namings;
-    int thermalCameraHwVersion = -1; ///< as `LogDecoder::findThermalCameraHwVersion` gives it
+    int thermalCameraHwVersion = -1;  ///< as `LogDecoder::findThermalCameraHwVersion` gives it
+    bool describesRecordings = false; ///< so that a log without a recording saw none
 };
 
 /// From the earliest to the latest `time` of any group, in log-clock milliseconds.

@@ -443,7 +443,8 @@ Result<LogDigest> LogDecoder::readForPairing(const QString& path, const Progress
 
 LogDigest LogDecoder::digestOf(const LogFile* log) const
 {
-    return {readRecordingEvents(log), readFlightNamingEvents(log), findThermalCameraHwVersion(log)};
+    return {readRecordingEvents(log), readFlightNamingEvents(log), findThermalCameraHwVersion(log),
+            log->getGroup("mobius_start_rec") != nullptr};
 }
 
 Result<LogSurvey> LogDecoder::survey(const QString& path, const Progress& progress)

@@ -129,6 +129,7 @@ private slots:
     void takesTimesAndDurationsFromTheFiles();
     void pairsByTheTimeOfTheLastWrite();
     void rowsTakeTheSizeThatCameWithTheTime();
+    void logThatSawNoRecordingIsDoubted();
     void lengthsReplaceLostTimes();
     void logsOfOtherVideosAreReadOnlyWhereNeeded_data();
     void logsOfOtherVideosAreReadOnlyWhereNeeded();
@@ -432,6 +433,17 @@ void FlightFilesMatcherTest::rowsTakeTheSizeThatCameWithTheTime()
     QCOMPARE(rows.size(), 2);
     QCOMPARE(rows[0].toMap().value("videoSize"), QVariant(4711));
     QCOMPARE(rows[1].toMap().value("videoSize"), QVariant(0)); // asked for: it is not known
+}
+
+void FlightFilesMatcherTest::logThatSawNoRecordingIsDoubted()
+{
+    Card card;
+    card.addVideo("v.mp4", 0, 60'000);
+    card.addLog("l.log", 100, flightLog({}, {{5000, "Line", "North", 1}}));
+    const QList<FlightMatchData> matches = card.match();
+    QVERIFY(matches[0].matchFound);
+    QCOMPARE(matches[0].evidence, PairingEvidence::Time);
+    QVERIFY(matches[0].doubtful);
 }
 
 void FlightFilesMatcherTest::lengthsReplaceLostTimes()

@@ -74,6 +74,12 @@ private slots:
     void manyFlightsStayInTheRangeOfNumbers();
     void timeAloneIsDoubtedWhereTimesAreLost();
     void logOfAFlightWithoutVideoIsDoubted();
+    void logWithoutARecordingIsDoubtedAloneToo_data();
+    void logWithoutARecordingIsDoubtedAloneToo();
+    void lostTimesAddNothingToALength();
+    void onePairAmongTimesThatSayNothingIsDoubted();
+    void partsWithABreakBetweenThemAreDoubted_data();
+    void partsWithABreakBetweenThemAreDoubted();
     void generatedCardsArePairedRight_data();
     void generatedCardsArePairedRight();
     void cleanupTestCase();
@@ -461,6 +467,79 @@ void FlightPairingTest::logOfAFlightWithoutVideoIsDoubted()
     pairing = pairFlights(videos, logs)[1];
     QCOMPARE(pairing.evidence, PairingEvidence::Time);
     QVERIFY(!pairing.doubtful);
+}
+
+void FlightPairingTest::logWithoutARecordingIsDoubtedAloneToo_data()
+{
+    QTest::addColumn<bool>("isRead");
+    QTest::addColumn<bool>("describesRecordings");
+    QTest::addColumn<bool>("doubtful");
+    QTest::newRow("described, none") << true << true << true;
+    QTest::newRow("not described") << true << false << false;
+    QTest::newRow("not read") << false << true << false;
+}
+
+// The only log of the card. One whose model does not log recordings says nothing against the time.
+void FlightPairingTest::logWithoutARecordingIsDoubtedAloneToo()
+{
+    QFETCH(bool, isRead);
+    QFETCH(bool, describesRecordings);
+    PairingLog log = logOf("1.log", {}, 1200);
+    log.isRead = isRead;
+    log.describesRecordings = describesRecordings;
+    const Pairing pairing = pairFlights({video("CORV0001.MOV", 600'000, 0, 0)}, {log})[0];
+    QCOMPARE(pairing.log, 0);
+    QCOMPARE(pairing.evidence, PairingEvidence::Time);
+    QTEST(pairing.doubtful, "doubtful");
+}
+
+void FlightPairingTest::lostTimesAddNothingToALength()
+{
+    // Both files and all logs have the second of their copy; two recordings fit the second video.
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0252.MOV", 548'960, 0), video("CORV0254.MOV", 465'240, 0)},
+                    {logOf("368.log", {548'529, 466'565}, 0), logOf("369.log", {467'775}, 0)});
+    QVERIFY(pairings[1].log >= 0);
+    QVERIFY(pairings[1].doubtful);
+}
+
+void FlightPairingTest::onePairAmongTimesThatSayNothingIsDoubted()
+{
+    // Times at random: the last video has a log of its length within half an hour by accident.
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0321.MOV", 602'280, -1, 306), video("CORV0322.MOV", 701'040, -1, 1432),
+         video("CORV0324.MOV", 606'200, -1, 11'875), video("CORV0325.MOV", 692'520, -1, 0),
+         video("CORV0329.MOV", 700'040, -1, 12'520), video("CORV0323.MOV", 652'120, 0, 14'785)},
+        {logOf("632.log", {685'043, 689'331, 654'354}, 14'890), logOf("631.log", {691'403}, 8088),
+         logOf("628.log", {603'410}, 8217)});
+    QCOMPARE(pairings[5].log, 0);
+    QCOMPARE(pairings[5].evidence, PairingEvidence::TimeAndLength);
+    QVERIFY(pairings[5].doubtful);
+}
+
+void FlightPairingTest::partsWithABreakBetweenThemAreDoubted_data()
+{
+    QTest::addColumn<qint64>("lastEnd");
+    QTest::addColumn<bool>("doubtful");
+    QTest::newRow("goes on at once") << qint64(2421) << false;
+    QTest::newRow("goes on after two seconds") << qint64(2423) << false;
+    QTest::newRow("goes on after a quarter of an hour") << qint64(3321) << true;
+}
+
+// The third file makes the three as long as the recording, and a flight before them keeps the
+// times.
+void FlightPairingTest::partsWithABreakBetweenThemAreDoubted()
+{
+    QFETCH(qint64, lastEnd);
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0001.MOV", 90'000, 0, 90), video("CORV0007.MOV", 180'000, 1, 2180),
+         video("CORV0008.MOV", 180'000, 1, 2360), video("CORV0009.MOV", 60'000, 1, lastEnd)},
+        {logOf("a.log", {91'000}, 120), logOf("b.log", {421'000}, lastEnd + 30)});
+    for (const size_t i : {1, 2, 3}) {
+        QCOMPARE(pairings[i].log, 1);
+        QTEST(pairings[i].doubtful, "doubtful");
+    }
+    QVERIFY(!pairings[0].doubtful);
 }
 
 void FlightPairingTest::generatedCardsArePairedRight_data()

@@ -179,6 +179,8 @@ QString PairingReadTest::differences(const QByteArray& bytes)
         return QStringLiteral("recordings");
     if (!equalLists(digest->namings, namings))
         return QStringLiteral("namings");
+    if (digest->describesRecordings != (log->get()->getGroup("mobius_start_rec") != nullptr))
+        return QStringLiteral("description of recordings");
     if (digest->thermalCameraHwVersion != camera)
         return QStringLiteral("camera");
     const LogDecodeCounters counters = m_decoder.counters();
