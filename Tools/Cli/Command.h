@@ -46,14 +46,25 @@ QCommandLineOption valued(const QString& name, const QString& valueName,
 /// value is no such number.
 bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int* number);
 
-// The commands, one set per file.
-std::vector<Command> logCommands();
-std::vector<Command> matchCommands();
-std::vector<Command> projectCommands();
-std::vector<Command> frameCommands();
-std::vector<Command> pointsCommands();
-std::vector<Command> reportCommands();
-std::vector<Command> reviewCommands();
+/// The commands of one source file. To add a command, write a file named `...Command.cpp` in this
+/// folder that defines a constant of this type: nothing else names the file or the command.
+class CommandSet
+{
+public:
+    /// `make` returns the commands, in the order of the help. `place` is that of the set: the help
+    /// shows the sets in ascending order of it.
+    CommandSet(int place, std::vector<Command> (*make)()) noexcept;
+    CommandSet(const CommandSet&) = delete;
+    CommandSet& operator=(const CommandSet&) = delete;
+
+    /// The commands of all files that are linked into this program, in the order of the help.
+    static std::vector<Command> all();
+
+private:
+    int m_place;
+    std::vector<Command> (*m_make)();
+    const CommandSet* m_next; ///< the set that was made before this one
+};
 
 /// The words of the line that the program was started with, its name first.
 QStringList wordsOf(int argc, char** argv);

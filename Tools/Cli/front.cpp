@@ -67,7 +67,7 @@ int main(int argc, char** argv)
     using namespace corv::cli;
     QTextCodec::setCodecForLocale(new Utf8Codec); // Qt owns it
     const QStringList arguments = wordsOf(argc, argv);
-    const std::vector<Command> commands = logCommands();
+    const std::vector<Command> commands = CommandSet::all();
     return isLogCommand(arguments, commands) ? runLine(commands, arguments)
                                              : becomeFlightProgram(argv);
 }

@@ -175,9 +175,7 @@ ExitStatus sync(const QCommandLineParser& line)
     return Done;
 }
 
-} // namespace
-
-std::vector<Command> logCommands()
+std::vector<Command> commands()
 {
     const QCommandLineOption json = flag(jsonOption, QStringLiteral("writes JSON"));
     return {
@@ -206,4 +204,7 @@ std::vector<Command> logCommands()
          sync}};
 }
 
+const CommandSet registered(10, commands);
+
+} // namespace
 } // namespace corv::cli

@@ -11,15 +11,6 @@
 namespace corv::cli {
 namespace {
 
-std::vector<Command> allCommands()
-{
-    std::vector<Command> commands;
-    for (const auto& set : {logCommands(), matchCommands(), projectCommands(), frameCommands(),
-                            pointsCommands(), reportCommands(), reviewCommands()})
-        commands.insert(commands.end(), set.begin(), set.end());
-    return commands;
-}
-
 /// A variable of the environment that has another value for a time.
 class VariableForATime
 {
@@ -67,5 +58,5 @@ int main(int argc, char** argv)
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QStringList arguments = wordsOf(argc, argv);
     const auto application = makeApplication(arguments, argv);
-    return runLine(allCommands(), arguments);
+    return runLine(CommandSet::all(), arguments);
 }

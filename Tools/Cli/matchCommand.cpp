@@ -116,9 +116,7 @@ ExitStatus match(const QCommandLineParser& line)
     return allSettled ? Done : PartlyDone;
 }
 
-} // namespace
-
-std::vector<Command> matchCommands()
+std::vector<Command> commands()
 {
     return {{QStringLiteral("match"),
              QStringLiteral("VIDEO_DIR LOG_DIR [--card] [--quick] [--json]"),
@@ -129,4 +127,7 @@ std::vector<Command> matchCommands()
              match}};
 }
 
+const CommandSet registered(20, commands);
+
+} // namespace
 } // namespace corv::cli

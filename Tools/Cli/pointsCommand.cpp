@@ -88,9 +88,7 @@ ExitStatus points(const QCommandLineParser& line)
     return written ? pictures : fail(written.failure());
 }
 
-} // namespace
-
-std::vector<Command> pointsCommands()
+std::vector<Command> commands()
 {
     return {{QStringLiteral("points"),
              QStringLiteral("(PROJECT | VIDEO [LOG]) [--json] [--imperial] [--out FILE] "
@@ -109,4 +107,7 @@ std::vector<Command> pointsCommands()
              points}};
 }
 
+const CommandSet registered(50, commands);
+
+} // namespace
 } // namespace corv::cli

@@ -10,6 +10,9 @@
 namespace corv::cli {
 namespace {
 
+// Of the sets of this program; each leads to the one made before it.
+const CommandSet* newestSet = nullptr;
+
 QList<QCommandLineOption> commonOptions()
 {
     return {flag(QStringLiteral("help"), QStringLiteral("shows this")),
@@ -81,6 +84,28 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments, bool
 }
 
 } // namespace
+
+CommandSet::CommandSet(int place, std::vector<Command> (*make)()) noexcept
+    : m_place(place), m_make(make), m_next(newestSet)
+{
+    newestSet = this;
+}
+
+std::vector<Command> CommandSet::all()
+{
+    std::vector<const CommandSet*> sets;
+    for (const CommandSet* set = newestSet; set; set = set->m_next)
+        sets.push_back(set);
+    std::sort(sets.begin(), sets.end(), [](const CommandSet* left, const CommandSet* right) {
+        return left->m_place < right->m_place;
+    });
+    std::vector<Command> commands;
+    for (const CommandSet* set : sets) {
+        const std::vector<Command> made = set->m_make();
+        commands.insert(commands.end(), made.begin(), made.end());
+    }
+    return commands;
+}
 
 QStringList wordsOf(int argc, char** argv)
 {

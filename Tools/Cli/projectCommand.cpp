@@ -118,9 +118,7 @@ ExitStatus project(const QCommandLineParser& line)
                            : text(contents).toUtf8());
 }
 
-} // namespace
-
-std::vector<Command> projectCommands()
+std::vector<Command> commands()
 {
     return {{QStringLiteral("project"),
              QStringLiteral("FILE [--locate DIR [--out PROJECT]] [--json]"),
@@ -133,4 +131,7 @@ std::vector<Command> projectCommands()
              project}};
 }
 
+const CommandSet registered(30, commands);
+
+} // namespace
 } // namespace corv::cli

@@ -62,9 +62,7 @@ ExitStatus report(const QCommandLineParser& line)
     return written ? Done : fail(written.failure());
 }
 
-} // namespace
-
-std::vector<Command> reportCommands()
+std::vector<Command> commands()
 {
     return {{QStringLiteral("report"),
              QStringLiteral("(PROJECT | VIDEO [LOG])") + insetsUsage +
@@ -77,4 +75,7 @@ std::vector<Command> reportCommands()
              report}};
 }
 
+const CommandSet registered(60, commands);
+
+} // namespace
 } // namespace corv::cli

@@ -213,9 +213,7 @@ ExitStatus review(const QCommandLineParser& line)
     return runAll(line, list, atOnce);
 }
 
-} // namespace
-
-std::vector<Command> reviewCommands()
+std::vector<Command> commands()
 {
     return {
         {QStringLiteral("review"),
@@ -247,4 +245,7 @@ std::vector<Command> reviewCommands()
          review}};
 }
 
+const CommandSet registered(70, commands);
+
+} // namespace
 } // namespace corv::cli

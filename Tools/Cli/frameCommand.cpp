@@ -132,9 +132,7 @@ ExitStatus video(const QCommandLineParser& line)
     return Done;
 }
 
-} // namespace
-
-std::vector<Command> frameCommands()
+std::vector<Command> commands()
 {
     const QString flight = QStringLiteral("(PROJECT | VIDEO [LOG]) [--thermal]") + insetsUsage;
     const QCommandLineOption thermal =
@@ -175,4 +173,7 @@ std::vector<Command> frameCommands()
          video}};
 }
 
+const CommandSet registered(40, commands);
+
+} // namespace
 } // namespace corv::cli
