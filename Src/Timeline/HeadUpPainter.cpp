@@ -11,8 +11,6 @@
 namespace corv {
 namespace {
 
-constexpr float feetPerMetre = 3.2808399200439453F;
-
 QPen penOf(const QColor& colour, qreal width)
 {
     return QPen(colour, width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
@@ -140,11 +138,14 @@ float HeadUpPainter::valueAt(size_t row, int videoMs) const
     return modulo > 0 ? fmodf(value, static_cast<float>(modulo)) : value;
 }
 
+const HudScale& HeadUpPainter::scaleOf(const HudRow& row) const
+{
+    return m_imperialUnits ? row.unit->imperial : row.unit->metric;
+}
+
 QString HeadUpPainter::numberOf(const HudRow& row, float value) const
 {
-    const bool isInFeet = row.unit == HudRow::Unit::length && m_imperialUnits;
-    const float shown = isInFeet ? value * feetPerMetre : value;
-    return QString::number(static_cast<double>(shown), 'f', row.decimals);
+    return QString::number(static_cast<double>(value * scaleOf(row).factor), 'f', row.decimals);
 }
 
 QString HeadUpPainter::numberAt(size_t row, int videoMs) const
@@ -157,19 +158,15 @@ QString HeadUpPainter::numberAt(size_t row, int videoMs) const
 
 QString HeadUpPainter::unitOf(size_t row) const
 {
-    if (m_rows[row].unit == HudRow::Unit::degrees)
-        return QStringLiteral("deg");
-    return m_imperialUnits ? QStringLiteral("ft") : QStringLiteral("m");
+    return QString::fromUtf8(scaleOf(m_rows[row]).name);
 }
 
 QString HeadUpPainter::textAt(size_t row, int videoMs) const
 {
     if (!hasValue(row))
         return {};
-    const QString number = numberOf(m_rows[row], valueAt(row, videoMs));
-    if (m_rows[row].unit == HudRow::Unit::degrees)
-        return number + QStringLiteral("°");
-    return number + QLatin1Char(' ') + unitOf(row);
+    return numberOf(m_rows[row], valueAt(row, videoMs)) +
+           QString::fromUtf8(scaleOf(m_rows[row]).suffix);
 }
 
 std::optional<float> HeadUpPainter::needleAt(size_t row, int videoMs) const

@@ -36,7 +36,7 @@ public:
     /// labels and dials but no values.
     void setClock(std::shared_ptr<const FlightClock> clock) { m_clock = std::move(clock); }
 
-    /// Lengths in feet; in the texts only.
+    /// Shows every instrument in its imperial unit; in the texts only.
     void setImperialUnits(bool imperialUnits) { m_imperialUnits = imperialUnits; }
     bool imperialUnits() const { return m_imperialUnits; }
 
@@ -62,7 +62,7 @@ public:
     /// The number and unit of an instrument at a moment, as painted; empty without a value.
     QString textAt(size_t row, int videoMs) const;
 
-    /// The number of an instrument at a moment and the name of its unit ("deg", "m" or "ft"), for
+    /// The number of an instrument at a moment and the name of its unit, such as "deg", for
     /// tables. The number is as painted, without the sign of a zero; empty without a value.
     QString numberAt(size_t row, int videoMs) const;
     QString unitOf(size_t row) const;
@@ -89,6 +89,7 @@ private:
     void addSeriesOf(const LogGroup& group);
     bool hasValue(size_t row) const;
     float valueAt(size_t row, int videoMs) const;
+    const HudScale& scaleOf(const HudRow& row) const;
     QString numberOf(const HudRow& row, float value) const;
     static int behindRow(const HudRow& row, int y, double width);
     void paintTexts(QPainter& painter, size_t row, int y, double width, int videoMs) const;

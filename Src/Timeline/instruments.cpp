@@ -13,19 +13,18 @@ constexpr const char* camera = "camera_cmd";
 const std::vector<HudRow>& hudInstruments()
 {
     using Dial = HudRow::Dial;
-    using Unit = HudRow::Unit;
     // clang-format off
     static const std::vector<HudRow> rows{
         {"Pitch", {attitude, "euler_angles", 1}, {},
-         degreesPerRadian, 0, 0, Dial::none, Unit::degrees},
+         degreesPerRadian, 0, 0, Dial::none, &hudDegrees},
         {"Roll", {attitude, "euler_angles", 0}, {},
-         degreesPerRadian, 0, 0, Dial::none, Unit::degrees},
+         degreesPerRadian, 0, 0, Dial::none, &hudDegrees},
         {"Heading", {attitude, "euler_angles", 2}, {attitude, "heading_reference", 0},
-         degreesPerRadian, 360, 0, Dial::compass, Unit::degrees},
+         degreesPerRadian, 360, 0, Dial::compass, &hudDegrees},
         {"Altitude", {attitude, "altitude", 0}, {attitude, "altitude_telem_ref", 0},
-         1.0F, 0, 1, Dial::none, Unit::length},
+         1.0F, 0, 1, Dial::none, &hudLength},
         {"Cam pitch", {camera, "servo_angle", 0}, {},
-         1.0F, 0, 0, Dial::camera, Unit::degrees},
+         1.0F, 0, 0, Dial::camera, &hudDegrees},
     };
     // clang-format on
     return rows;

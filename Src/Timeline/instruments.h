@@ -13,20 +13,40 @@ struct HudSource
     int column = 0;
 };
 
+/// A unit in which numbers are shown.
+struct HudScale
+{
+    const char* name;   ///< as tables have it: "deg"
+    const char* suffix; ///< what follows a painted number, in UTF-8, with its blank: "°", " m"
+    float factor;       ///< from the metric unit to this one
+};
+
+/// What an instrument measures: its unit, and the one that is shown instead with imperial units.
+struct HudUnit
+{
+    HudScale metric;
+    HudScale imperial;
+};
+
+// The units of the instruments. This table is the only place to edit for another one.
+// clang-format off
+inline constexpr HudUnit hudDegrees{{"deg", "°", 1.0F}, {"deg", "°", 1.0F}};
+inline constexpr HudUnit hudLength{{"m", " m", 1.0F}, {"ft", " ft", 3.2808399200439453F}};
+// clang-format on
+
 /// One instrument of the head-up display: what it shows, and how.
 struct HudRow
 {
     enum class Dial { none, compass, camera };
-    enum class Unit { degrees, length };
 
     const char* label;
     HudSource value;
     HudSource reference; ///< subtracted from the value; a missing one counts as 0
-    float factor;        ///< from the log's unit to the one shown
+    float factor;        ///< from the log's unit to the metric one
     int modulo;          ///< 0 for none
     int decimals;
     Dial dial;
-    Unit unit;
+    const HudUnit* unit; ///< never null
 };
 
 /// The instruments, from top to bottom. This table is the only place to edit for another one.

@@ -15,6 +15,7 @@ class HeadUpPainterTest : public QObject
 private slots:
     void init();
     void aRowOfTheTableIsAnInstrument();
+    void aRowOfUnitsIsShownInBothSystems();
     void aReferenceMayBeInAnotherGroup();
     void valuesNeedASynchronisedClock();
     void paintsAtAnySize_data();
@@ -30,8 +31,8 @@ private:
 
 namespace {
 
-constexpr HudRow windRow{
-    "Wind", {"weather", "wind", 1}, {}, 3.6F, 0, 2, HudRow::Dial::compass, HudRow::Unit::degrees};
+constexpr HudRow windRow{"Wind", {"weather", "wind", 1}, {},         3.6F, 0,
+                         2,      HudRow::Dial::compass,  &hudDegrees};
 
 LogBuilder weatherLog()
 {
@@ -86,6 +87,23 @@ void HeadUpPainterTest::aRowOfTheTableIsAnInstrument()
     const QPoint centre(85, top + 30 + 85);
     QVERIFY(isNeedle(image.pixelColor(centre + QPoint(26, 0))));
     QCOMPARE(image.pixelColor(centre - QPoint(26, 0)), discColour);
+}
+
+void HeadUpPainterTest::aRowOfUnitsIsShownInBothSystems()
+{
+    static constexpr HudUnit speed{{"km/h", " km/h", 1.0F}, {"kn", " kn", 0.5F}};
+    HudRow row = windRow;
+    row.unit = &speed;
+    HeadUpPainter painter({row});
+    painter.setClock(m_clock);
+    painter.setLog(decoded(weatherLog()));
+    QCOMPARE(painter.textAt(0, 0), QStringLiteral("36.00 km/h"));
+    QCOMPARE(painter.unitOf(0), QStringLiteral("km/h"));
+    painter.setImperialUnits(true);
+    QCOMPARE(painter.textAt(0, 0), QStringLiteral("18.00 kn"));
+    QCOMPARE(painter.numberAt(0, 0), QStringLiteral("18.00"));
+    QCOMPARE(painter.unitOf(0), QStringLiteral("kn"));
+    QCOMPARE(painter.needleAt(0, 0), std::optional<float>(36.0F));
 }
 
 void HeadUpPainterTest::aReferenceMayBeInAnotherGroup()
