@@ -12,6 +12,7 @@
 #include "Threads/post.h"
 #include "Timeline/ExportInsets.h"
 #include "Timeline/poiTable.h"
+#include "Video/fileNames.h"
 #include "Video/pictureFile.h"
 
 #include <QCryptographicHash>
@@ -44,8 +45,7 @@ constexpr int printTimeLimitMs = 10 * 60 * 1000;
 
 QString pictureName(int index)
 {
-    return QStringLiteral("%1/POI%2.jpg")
-        .arg(pictureFolder, QString::number(index + 1).rightJustified(3, QLatin1Char('0')));
+    return pictureFolder + QLatin1Char('/') + seriesFileName(QStringLiteral("POI"), index + 1);
 }
 
 Status makeFolder(const QString& path)

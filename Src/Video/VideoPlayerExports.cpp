@@ -181,8 +181,7 @@ bool VideoPlayer::exportSpecificFrames(QList<int> positionsMs, QString folder,
     const auto cancelled = beginFramesExport(positionsMs.size());
     const auto count = [this](const QString&, const Status& saved) { countExportedFrame(saved); };
     for (int i = 0; i < positionsMs.size(); ++i) {
-        const QString number = QString::number(i).rightJustified(3, QLatin1Char('0'));
-        const QString name = fileNamePreffix + number + QStringLiteral(".jpg");
+        const QString name = seriesFileName(fileNamePreffix, i);
         const QTime time = timeOfMs(positionsMs.at(i));
         if (savesOtherThermal(time))
             m_framesExport.otherThermal << name;

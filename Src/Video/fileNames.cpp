@@ -49,6 +49,12 @@ QStringList expandVideoSequence(const QString& path)
     }
 }
 
+QString seriesFileName(const QString& prefix, int number)
+{
+    return prefix + QString::number(number).rightJustified(3, QLatin1Char('0')) +
+           QStringLiteral(".jpg");
+}
+
 QString differentFileName(const QString& fileName)
 {
     const QFileInfo info(fileName);

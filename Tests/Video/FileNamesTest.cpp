@@ -15,6 +15,8 @@ private slots:
     void sequence();
     void differentName_data();
     void differentName();
+    void seriesNamesKeepThreeDigits_data();
+    void seriesNamesKeepThreeDigits();
 };
 
 void FileNamesTest::sequence_data()
@@ -107,6 +109,23 @@ void FileNamesTest::differentName()
     QFETCH(QString, expected);
     QCOMPARE(differentFileName(QStringLiteral("/some/where/") + name),
              QStringLiteral("/some/where/") + expected);
+}
+
+void FileNamesTest::seriesNamesKeepThreeDigits_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("first") << 0 << "Frame000.jpg";
+    QTest::newRow("two digits") << 42 << "Frame042.jpg";
+    QTest::newRow("last of three digits") << 999 << "Frame999.jpg";
+    QTest::newRow("more digits") << 1000 << "Frame1000.jpg";
+}
+
+void FileNamesTest::seriesNamesKeepThreeDigits()
+{
+    QFETCH(int, number);
+    QFETCH(QString, name);
+    QCOMPARE(seriesFileName(QStringLiteral("Frame"), number), name);
 }
 
 QTEST_GUILESS_MAIN(FileNamesTest)

@@ -4,6 +4,7 @@
 #include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 #include "Threads/post.h"
+#include "Video/fileNames.h"
 #include "Video/pictureFile.h"
 
 #include <QDir>
@@ -73,10 +74,8 @@ QList<int> positionsOfPois(OpenFlight& flight)
 QList<Picture> numbered(const QList<int>& positionsMs, const QString& folder, const QString& prefix)
 {
     QList<Picture> pictures;
-    for (const int timeMs : positionsMs) {
-        const QString number = QString::number(pictures.size()).rightJustified(3, QLatin1Char('0'));
-        pictures.append({timeMs, QDir(folder).filePath(prefix + number + QStringLiteral(".jpg"))});
-    }
+    for (const int timeMs : positionsMs)
+        pictures.append({timeMs, QDir(folder).filePath(seriesFileName(prefix, pictures.size()))});
     return pictures;
 }
 

@@ -45,7 +45,7 @@ struct Picture
 /// The times of all points of interest, in milliseconds.
 QList<int> positionsOfPois(OpenFlight& flight);
 
-/// Pictures of these times as FOLDER/P000.jpg and so on.
+/// Pictures of these times in a folder, named as a series from 0.
 QList<Picture> numbered(const QList<int>& positionsMs, const QString& folder,
                         const QString& prefix);
 
