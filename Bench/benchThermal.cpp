@@ -1,5 +1,6 @@
 #include "Bench.h"
 #include "Video/ThermalOverlay.h"
+#include "Video/pictureEffects.h"
 #include "Video/thermalPicture.h"
 
 #include <cstdlib>
@@ -103,8 +104,8 @@ void allEffects(Report& report)
     };
     const auto effects = [&drawing] {
         for (int i = 0; i < 40; ++i)
-            drawing.overlay.applyPictureEffects(drawing.picture, i * periodMs, drawing.settings,
-                                                false, [](double, double) {});
+            applyPictureEffects(drawing.overlay, drawing.picture, i * periodMs, drawing.settings,
+                                false, [](double, double) {});
     };
     report.row(QStringLiteral("all effects and overlay"), timeRatio(effects, bare, 9), 1.25,
                QStringLiteral("convertTo + applyColorMap + resize + addWeighted, 1080p"));

@@ -10,6 +10,7 @@
 #include "Video/insetBlending.h"
 #include "Video/logCategory.h"
 #include "Video/partialDrawing.h"
+#include "Video/pictureEffects.h"
 
 #include <QDebug>
 #include <QElapsedTimer>
@@ -283,12 +284,12 @@ OpenCvWorker::Produced OpenCvWorker::handOverPicture(const Frame& picture, int f
 // changes it, only its part is converted.
 QVideoFrame OpenCvWorker::pictureForScreen(const Frame& picture, int timeMs)
 {
-    if (!m_overlay.changesPictures(m_settings)) {
+    if (!changesPictures(m_overlay, m_settings)) {
         m_overlay.reportRange(m_settings, m_reportRange);
         return toVideoFrame(picture);
     }
     const cv::Size size = sizeOf(picture);
-    const cv::Rect part = evenPart(m_overlay.changedPart(size, m_settings), size);
+    const cv::Rect part = evenPart(changedPart(m_overlay, size, m_settings), size);
     if (canDrawOnPart(picture) && !part.empty() && part.size() != size) {
         m_overlay.reportRange(m_settings, m_reportRange);
         return toVideoFrame(drawOnPart(picture, part, [&](cv::Mat& bgr) {
@@ -296,7 +297,7 @@ QVideoFrame OpenCvWorker::pictureForScreen(const Frame& picture, int timeMs)
         }));
     }
     toBgr(picture, m_effectFrame);
-    m_overlay.applyPictureEffects(m_effectFrame, timeMs, m_settings, false, m_reportRange);
+    applyPictureEffects(m_overlay, m_effectFrame, timeMs, m_settings, false, m_reportRange);
     return toVideoFrame(m_effectFrame, picture);
 }
 
@@ -350,7 +351,7 @@ QImage OpenCvWorker::extractFrame(FrameSource& capture, const VideoFileEntry& en
         // The time inside the file is how saved pictures have always been made.
         const int overlayMs =
             m_settings.thermalAsOnScreen ? entry.timelineMs(frame.timeMs) : truncateToInt(fileMs);
-        m_overlay.applyPictureEffects(m_stillFrame, overlayMs, m_settings, false, {});
+        applyPictureEffects(m_overlay, m_stillFrame, overlayMs, m_settings, false, {});
         const PictureInset::Moment moment = momentOf(entry.timelineMs(frame.timeMs), frame.size);
         for (const auto& inset : insets)
             blendInset(m_stillFrame, inset->partAt(moment));
@@ -396,9 +397,9 @@ bool OpenCvWorker::exportVideo(const QString& file, const std::atomic<bool>& can
         return false;
     }
     VideoExporter::Hooks hooks;
-    hooks.changesPictures = [this] { return m_overlay.changesPictures(m_settings); };
+    hooks.changesPictures = [this] { return changesPictures(m_overlay, m_settings); };
     hooks.applyEffects = [this](cv::Mat& frame, int timeMs) {
-        m_overlay.applyPictureEffects(frame, timeMs, m_settings, false, {});
+        applyPictureEffects(m_overlay, frame, timeMs, m_settings, false, {});
     };
     hooks.insets = [this](int timeMs, QSize picture) {
         std::vector<PictureInset::Part> parts;

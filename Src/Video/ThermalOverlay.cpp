@@ -138,15 +138,6 @@ void ThermalOverlay::composeFrame(quint32 frame)
     }
 }
 
-cv::Rect ThermalOverlay::changedPart(cv::Size frame, const VideoDisplaySettings& settings) const
-{
-    if (changesContrastOrBrightness(settings.contrast, settings.brightness))
-        return {{0, 0}, frame};
-    if (!settings.showIR || !isActive())
-        return {};
-    return thermalRectangle(frame, settings) & cv::Rect({0, 0}, frame);
-}
-
 void ThermalOverlay::drawThermalOverlay(cv::Mat& frame, int timeMs,
                                         const VideoDisplaySettings& settings, bool invertColours)
 {
@@ -230,26 +221,6 @@ void ThermalOverlay::warnOnce(Refusal refusal)
         qCWarning(lcVideo) << "Thermal overlay reaches beyond the frame";
         break;
     }
-}
-
-bool ThermalOverlay::changesPictures(const VideoDisplaySettings& settings) const
-{
-    return changesContrastOrBrightness(settings.contrast, settings.brightness) ||
-           (settings.showIR && isActive());
-}
-
-void ThermalOverlay::applyPictureEffects(cv::Mat& frame, int timeMs, VideoDisplaySettings& settings,
-                                         bool invertColours, const RangeReport& report)
-{
-    try {
-        applyContrastAndBrightness(frame, settings.contrast, settings.brightness);
-    } catch (const cv::Exception& error) {
-        qCWarning(lcVideo) << "Contrast and brightness given up:" << error.what();
-    }
-    if (report)
-        reportRange(settings, report);
-    if (settings.showIR)
-        drawThermalOverlay(frame, timeMs, settings, invertColours);
 }
 
 void ThermalOverlay::reportRange(VideoDisplaySettings& settings, const RangeReport& report) const

@@ -44,22 +44,9 @@ public:
     /// Whether there are thermal frames and the log is synchronised with the video.
     bool isActive() const;
 
-    /// Whether these settings would change a picture at all; if not it may be shown as it is, but
-    /// for `reportRange`.
-    bool changesPictures(const VideoDisplaySettings& settings) const;
-
-    /// Contrast, brightness and overlay, in place, on the frame at `timeMs` of the timeline, and
-    /// `reportRange` between the first two and the overlay, if a report is given.
-    void applyPictureEffects(cv::Mat& frame, int timeMs, VideoDisplaySettings& settings,
-                             bool invertColours, const RangeReport& report);
-
     /// Compares the range of the thermal frame composed last, for the video frame before, with
     /// `irDataMin` and `irDataMax` of the settings; if it differs, stores both and reports them.
     void reportRange(VideoDisplaySettings& settings, const RangeReport& report) const;
-
-    /// The part of a frame of this size that these settings would change; the whole if contrast or
-    /// brightness do.
-    cv::Rect changedPart(cv::Size frame, const VideoDisplaySettings& settings) const;
 
     /// The overlay alone, on a part of a frame of `frame` pixels that begins at `origin`.
     void drawOnPart(cv::Mat& part, cv::Point origin, cv::Size frame, int timeMs,

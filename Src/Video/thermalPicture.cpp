@@ -8,7 +8,6 @@
 namespace corv {
 namespace {
 
-constexpr double settingTolerance = 2.220446049250313e-16;
 constexpr double highestRaw = 65535.0;
 
 // The mounting was measured in single precision; the same digits keep every edge on its pixel.
@@ -97,17 +96,6 @@ void layOver(cv::Mat& frame, const cv::Mat& colours, const cv::Rect& place, bool
         cv::addWeighted(part, 0.5, region, 0.5, 0.0, region);
     else
         part.copyTo(region);
-}
-
-bool changesContrastOrBrightness(double contrast, double brightness)
-{
-    return std::abs(contrast - 1.0) > settingTolerance || std::abs(brightness) > settingTolerance;
-}
-
-void applyContrastAndBrightness(cv::Mat& frame, double contrast, double brightness)
-{
-    if (changesContrastOrBrightness(contrast, brightness))
-        frame.convertTo(frame, -1, contrast, brightness);
 }
 
 } // namespace corv

@@ -23,10 +23,4 @@ void applyPalette(const cv::Mat& values, ThermalPalette palette, cv::Mat& colour
 /// frame (`CV_8UC3`): half of each, or all of it.
 void layOver(cv::Mat& frame, const cv::Mat& colours, const cv::Rect& place, bool translucent);
 
-/// Whether these values differ from the ones that change nothing.
-bool changesContrastOrBrightness(double contrast, double brightness);
-
-/// Contrast and brightness, in place; a contrast of 1 and a brightness of 0 touch nothing.
-void applyContrastAndBrightness(cv::Mat& frame, double contrast, double brightness);
-
 } // namespace corv

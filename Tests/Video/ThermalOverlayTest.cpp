@@ -1,6 +1,7 @@
 #include "Video/ThermalOverlay.h"
 
 #include "Support/MessageLog.h"
+#include "Video/pictureEffects.h"
 #include "Video/thermalPicture.h"
 #include "thermalLogs.h"
 
@@ -130,7 +131,7 @@ void ThermalOverlayTest::equalsTheSlowComputation()
         for (const int timeMs : {-2000, 0, 497, 560, 900, 1333, 1334, 700, 5000}) {
             const cv::Mat before = randomFrame(size.width(), size.height(), seed);
             cv::Mat frame = before.clone();
-            overlay.applyPictureEffects(frame, timeMs, settings, invert, noReport);
+            applyPictureEffects(overlay, frame, timeMs, settings, invert, noReport);
             reference.compose(1500 + timeMs);
             QVERIFY(values(overlay.thermalFrame()) == reference.composed());
             QVERIFY(equal(frame, reference.drawn(before, settings, invert)));
@@ -149,22 +150,22 @@ void ThermalOverlayTest::rangeIsThatOfTheFrameBefore()
     const auto report = [&reports](double min, double max) { reports.append({min, max}); };
     VideoDisplaySettings settings = shown();
     cv::Mat frame = randomFrame(320, 180, 1);
-    overlay.applyPictureEffects(frame, 50, settings, false, report);
+    applyPictureEffects(overlay, frame, 50, settings, false, report);
     QCOMPARE(reports, (QVector<QPair<double, double>>{{0.0, 0.0}}));
-    overlay.applyPictureEffects(frame, 114 + 50, settings, false, report);
+    applyPictureEffects(overlay, frame, 114 + 50, settings, false, report);
     QCOMPARE(reports.last(), qMakePair(1000.0, 1003.0));
     QCOMPARE(settings.irDataMin, 1000.0);
     QCOMPARE(settings.irDataMax, 1003.0);
-    overlay.applyPictureEffects(frame, 114 + 50, settings, false, noReport);
+    applyPictureEffects(overlay, frame, 114 + 50, settings, false, noReport);
     QCOMPARE(settings.irDataMax, 1003.0);
     settings.showIR = false;
-    overlay.applyPictureEffects(frame, 114 + 50, settings, false, report);
-    overlay.applyPictureEffects(frame, 114 + 50, settings, false, report);
+    applyPictureEffects(overlay, frame, 114 + 50, settings, false, report);
+    applyPictureEffects(overlay, frame, 114 + 50, settings, false, report);
     QCOMPARE(reports.size(), 3);
     QCOMPARE(reports.last(), qMakePair(2000.0, 2003.0));
     clock->synced = false;
     settings.irDataMax = 7.0;
-    overlay.applyPictureEffects(frame, 114 + 50, settings, false, report);
+    applyPictureEffects(overlay, frame, 114 + 50, settings, false, report);
     QCOMPARE(reports.size(), 3);
 }
 
@@ -189,7 +190,8 @@ void ThermalOverlayTest::contrastAndBrightness()
     settings.brightness = brightness;
     const cv::Mat before = randomFrame(64, 48, 1);
     cv::Mat frame = before.clone();
-    ThermalOverlay().applyPictureEffects(frame, 0, settings, false, noReport);
+    ThermalOverlay overlay;
+    applyPictureEffects(overlay, frame, 0, settings, false, noReport);
     for (int i = 0; i < 64 * 48 * 3; ++i) {
         const double value = before.data[i];
         const double wanted =
@@ -206,7 +208,7 @@ void ThermalOverlayTest::effectsComeBeforeTheOverlay()
     VideoDisplaySettings settings = shown();
     settings.brightness = 255.0;
     cv::Mat frame = randomFrame(320, 180, 1);
-    overlay.applyPictureEffects(frame, 50, settings, false, noReport);
+    applyPictureEffects(overlay, frame, 50, settings, false, noReport);
     QVERIFY(frame.at<cv::Vec3b>(0, 0) == cv::Vec3b(255, 255, 255));
     QVERIFY(frame.at<cv::Vec3b>(90, 160) == coldest);
 }
@@ -331,16 +333,16 @@ void ThermalOverlayTest::unfitFramesAreLeftAlone()
     settings.contrast = 1.5;
     MessageLog messages;
     cv::Mat none;
-    overlay.applyPictureEffects(none, 50, settings, false, noReport);
+    applyPictureEffects(overlay, none, 50, settings, false, noReport);
     cv::Mat tiny(1, 2, CV_8UC3, cv::Scalar::all(10));
-    overlay.applyPictureEffects(tiny, 50, settings, false, noReport);
+    applyPictureEffects(overlay, tiny, 50, settings, false, noReport);
     QVERIFY(tiny.at<cv::Vec3b>(0, 0) == cv::Vec3b(15, 15, 15));
     cv::Mat grey(180, 320, CV_8UC1, cv::Scalar::all(10));
-    overlay.applyPictureEffects(grey, 50, settings, false, noReport);
+    applyPictureEffects(overlay, grey, 50, settings, false, noReport);
     QCOMPARE(cv::countNonZero(grey != 15), 0);
     settings.irOffsetX = qQNaN();
     cv::Mat frame(180, 320, CV_8UC3, cv::Scalar::all(10));
-    overlay.applyPictureEffects(frame, 50, settings, false, noReport);
+    applyPictureEffects(overlay, frame, 50, settings, false, noReport);
     QVERIFY(frame.at<cv::Vec3b>(90, 160) == cv::Vec3b(15, 15, 15));
     QCOMPARE(messages.messages(),
              QStringList{QStringLiteral("No place for the thermal overlay in the frame")});

@@ -1,4 +1,5 @@
 #include "Support/MessageLog.h"
+#include "Video/pictureEffects.h"
 #include "thermalLogs.h"
 
 #include <QtTest>
@@ -148,7 +149,7 @@ void ThermalRecordsTest::hostileTablesGiveNoOverlay()
     const cv::Mat before = randomFrame(320, 180, 1);
     cv::Mat frame = before.clone();
     VideoDisplaySettings settings = shown();
-    overlay.applyPictureEffects(frame, 50, settings, false, noReport);
+    applyPictureEffects(overlay, frame, 50, settings, false, noReport);
     overlay.drawThermalOverlay(frame, 50, settings, false);
     QVERIFY(equal(frame, before));
 }
@@ -185,7 +186,7 @@ void ThermalRecordsTest::oddTablesAreReadWithinTheirRows()
     for (const int timeMs : {-5000, 0, 1, 500, 1050, 1200, 99'999}) {
         const cv::Mat before = randomFrame(320, 180, 1);
         cv::Mat frame = before.clone();
-        overlay.applyPictureEffects(frame, timeMs, settings, false, noReport);
+        applyPictureEffects(overlay, frame, timeMs, settings, false, noReport);
         QVERIFY(!equal(frame, before));
     }
     QCOMPARE(messages.messages(), QStringList());
@@ -207,7 +208,7 @@ void ThermalRecordsTest::switches()
     settings.showIR = false;
     const cv::Mat before = randomFrame(320, 180, 1);
     cv::Mat frame = before.clone();
-    overlay.applyPictureEffects(frame, 1000, settings, false, noReport);
+    applyPictureEffects(overlay, frame, 1000, settings, false, noReport);
     QVERIFY(equal(frame, before));
     overlay.setClock(nullptr);
     QVERIFY(!overlay.isActive());
