@@ -30,15 +30,13 @@ Window {
     property url chosenVideoFile
     property bool isBusy: false
 
-    // The files of the chosen flight in order, where the search knows them, and where the chosen
-    // video begins within the flight, in milliseconds.
-    property var chosenFlightFiles: []
-    property int chosenPartStart: 0
+    // The chosen one of `matchings`; null until `ok`.
+    property var chosenMatching: null
 
     // The list of jobs that shows the searches, if there is one.
     property var jobs: null
 
-    // The rows of the list as the parser gave them.
+    // What the search gave, a map for each row of the list.
     property var matchings: []
     // What the last search could not read, in sentences.
     property string remarks: ""
@@ -280,18 +278,18 @@ Window {
                 + " - " + percent + "% completed";
     }
 
-    function afterDirsParsed(found, isRecalling) {
+    function afterDirsParsed(matchings, isRecalling) {
         isBusy = false;
         if (remarks !== "")
             showMessage("Flight search", remarks);
-        else if (found.length === 0 && !isRecalling)
+        else if (matchings.length === 0 && !isRecalling)
             showMessage("Flight search",
                         "No matches found. Please check your drive or directory selection.");
-        matchings = found;
+        autoImporter.matchings = matchings;
         matchingsListModel.clear();
-        for (var i = 0; i < found.length; ++i)
-            matchingsListModel.append(Rows.rowOf(found[i]));
-        if (found.length > 0)
+        for (var i = 0; i < matchings.length; ++i)
+            matchingsListModel.append(Rows.rowOf(matchings[i]));
+        if (matchings.length > 0)
             matchingsTable.currentIndex = 0;
     }
 
@@ -346,8 +344,7 @@ Window {
         console.log(matchingsTable.currentIndex + " " + JSON.stringify(row));
         chosenLogFile = Paths.toUrl(row.logPath);
         chosenVideoFile = Paths.toUrl(row.videoPath);
-        chosenFlightFiles = matchings[matchingsTable.currentIndex].flightFiles;
-        chosenPartStart = matchings[matchingsTable.currentIndex].partStart;
+        chosenMatching = matchings[matchingsTable.currentIndex];
         ok = true;
         storeUserSettings();
         fastLoadingChecked = checkBoxFastSearch.checked;
@@ -556,7 +553,7 @@ Window {
                 bottom: okButton.top; bottomMargin: 14
             }
             visible: !autoImporter.isBusy
-            flights: matchingsListModel
+            rows: matchingsListModel
             onAccepted: autoImporter.loadAndClose()
         }
 

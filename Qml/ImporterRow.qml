@@ -1,21 +1,20 @@
 import QtQuick 2.7
 import "."
 
-// One flight of the importer's list. It takes its place in the columns from the width of the list,
+// One row of the importer's list. It takes its place in the columns from the width of the list,
 // as the header does, and a text too long for its column ends in an ellipsis.
 Item {
     id: importerRow
 
-    // Keys: name, matchFound, duration (ms), namingDefined, missionName, flightName, flightNumber,
-    // evidence, doubtful, evidenceText, partText, fileText.
-    property var flight
+    // With the keys that importerRows.js gives it.
+    property var row
     readonly property bool hovered: rowMouseArea.containsMouse
-    readonly property string shownName: flight.partText === "" ? flight.name
-        : flight.name.replace(" : ", " (" + flight.partText + ") : ")
+    readonly property string shownName: row.partText === "" ? row.name
+        : row.name.replace(" : ", " (" + row.partText + ") : ")
     // The row that "Load selected" takes: it shows the highlight of the list.
     property bool chosen: false
     // What a row says beyond its columns.
-    readonly property string details: flight.evidenceText + "\n" + flight.fileText
+    readonly property string details: row.evidenceText + "\n" + row.fileText
     signal clicked()
     signal doubleClicked()
 
@@ -39,9 +38,9 @@ Item {
         anchors { left: parent.left; leftMargin: 2; verticalCenter: parent.verticalCenter }
         width: parent.height - 4
         height: width
-        matchFound: importerRow.flight.matchFound
-        evidence: importerRow.flight.evidence
-        doubtful: importerRow.flight.doubtful
+        matchFound: importerRow.row.matchFound
+        evidence: importerRow.row.evidence
+        doubtful: importerRow.row.doubtful
     }
 
     ImporterColumns {
@@ -57,31 +56,31 @@ Item {
         ImporterCell {
             objectName: "time"
             width: parent.timeWidth
-            isDefined: importerRow.flight.duration > 0
-            text: Math.floor(importerRow.flight.duration / 1000) + "s"
+            isDefined: importerRow.row.duration > 0
+            text: Math.floor(importerRow.row.duration / 1000) + "s"
         }
 
         ImporterCell {
             objectName: "missionName"
             width: parent.missionWidth
-            isDefined: importerRow.flight.namingDefined
-            text: importerRow.flight.missionName
+            isDefined: importerRow.row.namingDefined
+            text: importerRow.row.missionName
             definedColor: Theme.textBand
         }
 
         ImporterCell {
             objectName: "flightName"
             width: parent.flightWidth
-            isDefined: importerRow.flight.namingDefined
-            text: importerRow.flight.flightName
+            isDefined: importerRow.row.namingDefined
+            text: importerRow.row.flightName
             font.bold: true
         }
 
         ImporterCell {
             objectName: "flightNumber"
             width: parent.numberWidth
-            isDefined: importerRow.flight.namingDefined
-            text: importerRow.flight.flightNumber
+            isDefined: importerRow.row.namingDefined
+            text: importerRow.row.flightNumber
         }
     }
 

@@ -7,8 +7,8 @@ import "Controls"
 Item {
     id: importerTable
 
-    // Each with the keys of an ImporterRow's flight.
-    property var flights
+    // Each with the keys that importerRows.js gives it.
+    property var rows
     property alias currentIndex: matchingsListView.currentIndex
     readonly property real headerHeight: matchingsListHeader.height
     signal accepted()
@@ -89,7 +89,7 @@ Item {
                 focus: true
                 activeFocusOnTab: true
                 keyNavigationEnabled: true
-                model: importerTable.flights
+                model: importerTable.rows
                 boundsBehavior: Flickable.StopAtBounds
                 highlight: Rectangle { color: Theme.progress }
                 highlightMoveDuration: 0
@@ -103,7 +103,7 @@ Item {
                     objectName: "matchingRow" + index
                     width: matchingsListView.width
                     height: matchingsListHeader.height
-                    flight: model
+                    row: model
                     chosen: ListView.isCurrentItem
                     onClicked: {
                         matchingsListView.currentIndex = index;

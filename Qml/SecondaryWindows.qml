@@ -73,13 +73,13 @@ Item {
 
     // All files of a flight are opened, because only their whole length identifies the recording. If
     // a later file was chosen, the video starts where that file begins.
-    function openFound(choice) {
-        var files = choice.chosenFlightFiles;
-        var video = files.length > 0 ? files[0] : Paths.chosenPath(choice.chosenVideoFile);
+    function openMatching(matching) {
+        var files = matching.flightFiles;
+        var video = files.length > 0 ? files[0] : matching.videoFile;
         player.setNextFiles(files);
-        if (choice.chosenPartStart > 0)
-            goToOnceOpen(video, choice.chosenPartStart);
-        verbs.openFlight(video, Paths.chosenPath(choice.chosenLogFile));
+        if (matching.partStart > 0)
+            goToOnceOpen(video, matching.partStart);
+        verbs.openFlight(video, matching.logFile);
     }
 
     function goToOnceOpen(video, positionMs) {
@@ -208,8 +208,8 @@ Item {
             if (window.visible)
                 return;
             windows.fastLoadingChosen(window.fastLoadingChecked);
-            if (window.ok && window.chosenVideoFile.toString() !== "")
-                windows.openFound(window);
+            if (window.ok)
+                windows.openMatching(window.chosenMatching);
         }
     }
 

@@ -1,13 +1,13 @@
 .pragma library
 
-// What the importer's list shows of one map of the search.
+// The row of the importer's list that shows one matching, which is a map of the search.
 function rowOf(matching) {
     return {
         name: matching.videoFilename + " : " + matching.logFilename,
         videoPath: matching.videoFile,
         logPath: matching.logFile,
         matchFound: matching.matchFound,
-        duration: matching.videoDuration,
+        duration: matching.videoDuration, // in milliseconds
         missionName: matching.missionName,
         flightName: matching.flightName,
         flightNumber: matching.flightNumber,

@@ -45,7 +45,7 @@ void DocumentsTest::loadsAlone()
     if (name == QLatin1String("main.qml"))
         QSKIP("the whole window has suites of its own");
     if (name == QLatin1String("ImporterRow.qml"))
-        QSKIP("a row is nothing without its flight");
+        QSKIP("a row is nothing without its values");
     UiFixture ui;
     QVERIFY(ui.loadText("import QtQuick 2.7\nimport QtQuick.Window 2.2\n"
                         "Window { visible: true; width: 400; height: 300 }"));

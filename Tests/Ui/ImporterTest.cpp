@@ -259,7 +259,7 @@ void ImporterTest::aDoubleClickLoads()
     QVERIFY(m_importer->property("ok").toBool());
     QCOMPARE(m_importer->property("chosenVideoFile").toUrl(),
              QUrl::fromLocalFile(card + "/DCIM/100HDDVR/evening.mp4"));
-    QCOMPARE(m_importer->property("chosenFlightFiles").toStringList(),
+    QCOMPARE(evaluate("chosenMatching.flightFiles").toStringList(),
              QStringList(card + "/DCIM/100HDDVR/evening.mp4"));
 }
 
