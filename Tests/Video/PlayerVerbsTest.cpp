@@ -527,7 +527,7 @@ void PlayerVerbsTest::keyframeIsShownUntilThePointerRests()
     openPlayer("a.mp4");
     m_surface.numbers.clear();
     QVERIFY(m_player->goToTime(timeAt(3300)));
-    QTRY_COMPARE(m_surface.numbers, (QList<int>{300, 330}));
+    QTRY_COMPARE_WITH_TIMEOUT(m_surface.numbers, (QList<int>{300, 330}), 30000);
     QCOMPARE(m_player->timePosition(), timeAt(3300));
 }
 
