@@ -1,5 +1,7 @@
 #include "App/FileChoice.h"
 
+#include "Threads/post.h"
+
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -149,10 +151,18 @@ void FileChoice::finish(int result)
         setFolder(m_fileUrl.adjusted(QUrl::RemoveFilename | QUrl::StripTrailingSlash));
     }
     emit visibleChanged();
-    if (isAccepted)
-        emit accepted();
+    const auto answer = [this, isAccepted] {
+        if (isAccepted)
+            emit accepted();
+        else
+            emit rejected();
+    };
+    // The desktop's dialog leaves the screen only when its own signal is over, and not before the
+    // end of a copy that begins in it.
+    if (isNative(*m_dialog))
+        post(this, answer);
     else
-        emit rejected();
+        answer();
 }
 
 } // namespace corv
