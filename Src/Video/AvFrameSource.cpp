@@ -488,7 +488,8 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
             markDamage(packet, packet);
         const int frame =
             frames.packet(frames.packet(packet).isSecondField ? packet - 1 : packet).frame;
-        const bool isOnlyPassedBy = frame >= 0 && frame < wanted && frames.hasTimes();
+        const bool isOnlyPassedBy =
+            frame >= 0 && frame < wanted && frames.hasTimes() && !frames.isPacked();
         if (!m_decoder->send(*m_packet, packet, isOnlyPassedBy))
             markDamage(std::max(packet - m_decoder->delay(), 0), packet);
         m_lastSent = packet;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace corv {
 namespace {
@@ -30,6 +31,18 @@ double distance(qint64 from, qint64 to)
 bool isClock(qint64 time)
 {
     return time == FrameIndex::noTime || (time > -highestClock && time < highestClock);
+}
+
+// From one time to the next; 0 if all are the same.
+qint64 shortestStep(const std::vector<qint64>& times)
+{
+    double shortest = static_cast<double>(highestClock);
+    for (size_t i = 1; i < times.size(); ++i) {
+        const double step = distance(times[i - 1], times[i]);
+        if (step > 0.0)
+            shortest = std::min(shortest, step);
+    }
+    return shortest < static_cast<double>(highestClock) ? static_cast<qint64>(shortest) : 0;
 }
 
 bool isAt(const FrameIndex::Packet& packet, qint64 dts, qint64 pts)
@@ -85,22 +98,34 @@ bool FrameIndex::isAtJoin(int packet) const
 
 void FrameIndex::giveTimes(const std::vector<qint64>& orders)
 {
-    std::vector<size_t> shown;
+    std::vector<size_t> decoded;
     std::vector<qint64> times;
     for (size_t i = 0; i < m_packets.size(); ++i) {
         const Packet& packet = m_packets[i];
         if (!packet.isShown)
             continue;
-        if (packet.dts == noTime)
+        if (packet.dts == noTime || !isClock(packet.dts))
             return;
-        shown.push_back(i);
+        decoded.push_back(i);
         times.push_back(packet.dts);
     }
     std::sort(times.begin(), times.end());
-    std::stable_sort(shown.begin(), shown.end(),
-                     [&orders](size_t a, size_t b) { return orders[a] < orders[b]; });
-    for (size_t i = 0; i < shown.size(); ++i)
-        m_packets[shown[i]].pts = times[i];
+    std::vector<size_t> turns(decoded.size()); // of decoding, in the order of the screen
+    std::iota(turns.begin(), turns.end(), size_t(0));
+    std::stable_sort(turns.begin(), turns.end(),
+                     [&](size_t a, size_t b) { return orders[decoded[a]] < orders[decoded[b]]; });
+    size_t delay = 0;
+    for (size_t i = 0; i < turns.size(); ++i)
+        delay = std::max(delay, std::max(turns[i], i) - i);
+    // No sum of these leaves 64 bits.
+    const qint64 step =
+        std::min(shortestStep(times), highestClock / static_cast<qint64>(times.size() + 1));
+    for (size_t i = 0; i < turns.size(); ++i) {
+        const size_t turn = i + delay;
+        const size_t last = std::min(turn, times.size() - 1);
+        const qint64 behind = static_cast<qint64>(turn - last);
+        m_packets[decoded[turns[i]]].pts = times[last] + behind * step;
+    }
 }
 
 void FrameIndex::finish(double fps)

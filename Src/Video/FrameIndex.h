@@ -47,10 +47,15 @@ public:
     /// Whether the packet is one of the last before a place where a clock began anew.
     bool isAtJoin(int packet) const;
 
-    /// Gives every frame a time where the container knows none but those of decoding: the frame
-    /// that comes first by `orders`, one for each packet, gets the first of them, and so on. Before
-    /// finish().
+    /// Gives every frame a time where the container knows none but those of decoding. A decoder
+    /// gives the frame that comes first by `orders`, one for each packet, once it has all packets
+    /// that must come before it: that is its time, and each later frame has that of a later packet.
+    /// Before finish().
     void giveTimes(const std::vector<qint64>& orders);
+
+    /// Pictures came in the packets of others: a decoder that may leave out one loses the next.
+    void setPacked() { m_isPacked = true; }
+    bool isPacked() const { return m_isPacked; }
 
     /// Leaves out the frames that are shown before that of `packet`: a decoder that starts in the
     /// middle of a group of pictures does not deliver them. Before finish().
@@ -109,6 +114,7 @@ private:
     double m_unitMs = 1.0;
     double m_fps = 0.0;
     bool m_hasTimes = true;
+    bool m_isPacked = false;
     bool m_isConstantRate = false;
     double m_endMs = 0.0;
     std::vector<Packet> m_packets;

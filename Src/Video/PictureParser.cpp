@@ -5,6 +5,7 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <array>
 
 namespace corv {
 namespace {
@@ -24,6 +25,15 @@ bool isField(const AVCodecParserContext& parser)
 {
     return parser.picture_structure == AV_PICTURE_STRUCTURE_TOP_FIELD ||
            parser.picture_structure == AV_PICTURE_STRUCTURE_BOTTOM_FIELD;
+}
+
+bool hasTwoPictures(const AVPacket& packet)
+{
+    constexpr std::array<uint8_t, 4> start{0, 0, 1, 0xb6};
+    const uint8_t* const end = packet.data + packet.size;
+    const uint8_t* const data = packet.data;
+    const uint8_t* first = std::search(data, end, start.begin(), start.end());
+    return first != end && std::search(first + 1, end, start.begin(), start.end()) != end;
 }
 
 } // namespace
@@ -78,10 +88,14 @@ void PictureParser::countOrder(const AVPacket& packet, Picture& picture)
         picture.hasOrder = true;
         return;
     }
-    // What others are built on is shown behind what follows it in the file.
-    if (packet.size < emptyPictureBytes)
+    // Some writers put a picture that is shown before another one into the packet of that, and a
+    // placeholder behind.
+    picture.isPlaceholder = m_isPacked && packet.size < emptyPictureBytes;
+    if (packet.size < emptyPictureBytes && !picture.isPlaceholder)
         return;
-    const bool isBetween = m_parser->pict_type == AV_PICTURE_TYPE_B;
+    m_isPacked = !picture.isPlaceholder && (m_isPacked || hasTwoPictures(packet));
+    // What others are built on is shown behind what follows it in the file.
+    const bool isBetween = picture.isPlaceholder || m_parser->pict_type == AV_PICTURE_TYPE_B;
     m_anchors += isBetween ? 0 : 1;
     m_between = isBetween ? m_between + 1 : 0;
     picture.order = (m_anchors - (isBetween ? 1 : 0)) * anchorStep + m_between;

@@ -23,6 +23,10 @@ public:
         /// The second half of the frame whose first half is the packet before: no frame of its own.
         bool isSecondField = false;
 
+        /// The packet has no picture of its own: it stands for one that came with an earlier
+        /// packet.
+        bool isPlaceholder = false;
+
         /// Whether the picture needs no other one, or nothing is known of it.
         bool isWhole = true;
 
@@ -43,6 +47,7 @@ private:
     qint64 m_highest = -1;       // order so far
     qint64 m_anchors = 0;        // pictures that others are built on
     qint64 m_between = 0;        // pictures since then
+    bool m_isPacked = false;     // a packet had two pictures, and no placeholder came since
 };
 
 } // namespace corv

@@ -160,6 +160,8 @@ public:
             entry.isKey = false;
             return;
         }
+        entry.isKey = entry.isKey && !picture.isPlaceholder;
+        m_isPacked = m_isPacked || picture.isPlaceholder;
         m_isOrderKnown = m_isOrderKnown && picture.hasOrder;
         // Some containers have no times below 0. What a cut has left of pictures that are shown
         // before the first one does not arrive.
@@ -175,6 +177,8 @@ public:
     {
         if (m_parser && m_isTimeMissing && m_isOrderKnown)
             index.giveTimes(m_orders);
+        if (m_isPacked)
+            index.setPacked();
     }
 
 private:
@@ -182,6 +186,7 @@ private:
     std::vector<qint64> m_orders;
     bool m_isOrderKnown = true;
     bool m_isTimeMissing = false;
+    bool m_isPacked = false;
     bool m_isFirstTimed = false;
 };
 

@@ -43,6 +43,8 @@ private slots:
     void packetsAreFoundByPosition();
     void aClockThatBeginsAnewGoesOn_data();
     void aClockThatBeginsAnewGoesOn();
+    void timesOfDecodingAreGivenToFrames_data();
+    void timesOfDecodingAreGivenToFrames();
     void hugeTimesDoNoHarm();
 };
 
@@ -174,6 +176,45 @@ void FrameIndexTest::aClockThatBeginsAnewGoesOn()
         QCOMPARE(index.packet(i).storedDts(), qint64(decodedMs[i]));
         QCOMPARE(index.packet(i).storedPts(), qint64(decodedMs[i] + 80));
     }
+}
+
+void FrameIndexTest::timesOfDecodingAreGivenToFrames_data()
+{
+    QTest::addColumn<QList<int>>("orders"); // on the screen, of each packet
+    QTest::addColumn<QList<int>>("decodedMs");
+    QTest::addColumn<QList<int>>("shownMs");
+    QTest::newRow("in turn") << QList<int>{0, 1, 2, 3} << QList<int>{0, 40, 80, 120}
+                             << QList<int>{0, 40, 80, 120};
+    QTest::newRow("a gap") << QList<int>{0, 1, 2} << QList<int>{0, 40, 400}
+                           << QList<int>{0, 40, 400};
+    // The decoder gives the first frame when it has the second packet.
+    QTest::newRow("one waits") << QList<int>{0, 3, 1, 2} << QList<int>{0, 40, 80, 120}
+                               << QList<int>{0, 40, 80, 120};
+    QTest::newRow("a gap, and one waits")
+        << QList<int>{0, 2, 1, 4, 3, 5} << QList<int>{0, 40, 80, 280, 320, 360}
+        << QList<int>{0, 40, 240, 280, 320, 360};
+    QTest::newRow("a gap, and two wait")
+        << QList<int>{0, 4, 2, 1, 3, 5} << QList<int>{0, 40, 80, 120, 320, 360}
+        << QList<int>{0, 40, 240, 280, 320, 360};
+}
+
+void FrameIndexTest::timesOfDecodingAreGivenToFrames()
+{
+    QFETCH(QList<int>, orders);
+    QFETCH(QList<int>, decodedMs);
+    QFETCH(QList<int>, shownMs);
+    FrameIndex index;
+    for (const int ms : decodedMs) {
+        FrameIndex::Packet packet;
+        packet.dts = ms;
+        index.add(packet);
+    }
+    index.giveTimes(std::vector<qint64>(orders.begin(), orders.end()));
+    index.finish(fps);
+    QVERIFY(index.hasTimes());
+    QCOMPARE(index.frameCount(), shownMs.size());
+    for (int i = 0; i < shownMs.size(); ++i)
+        QCOMPARE(index.timeMs(i), static_cast<double>(shownMs[i]));
 }
 
 void FrameIndexTest::hugeTimesDoNoHarm()

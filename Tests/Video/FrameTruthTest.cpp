@@ -181,6 +181,12 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
     row("uncompressed in avi", "a.avi", {}, {"-c:v", "rawvideo", "-pix_fmt", "bgr24"});
     row("dropped frames in avi", "a.avi", {"-vf", "select='mod(n,10)'"},
         {"-vsync", "vfr", "-c:v", "mjpeg", "-q:v", "3", "-pix_fmt", "yuvj420p"});
+    const QStringList aGap{"-vf", "select='mod(n,11)*not(between(n,40,47))'", "-vsync", "vfr"};
+    row("dropped frames in avi, mpeg-4 with b-frames", "a.avi", aGap,
+        {"-c:v", "mpeg4", "-bf", "2", "-q:v", "3", "-g", "20"});
+    row("dropped frames in avi, h264 with b-frames", "a.avi", aGap, h264);
+    row("mpeg-4 with two pictures in a packet, in avi", "a.avi", {},
+        {"-c:v", "libxvid", "-bf", "2", "-q:v", "3", "-g", "20"});
     row("red, green and blue", "a.mov", {}, {"-c:v", "qtrle", "-pix_fmt", "rgb24"});
     row("grey", "a.mkv", {}, {"-c:v", "ffv1", "-pix_fmt", "gray"});
     row("4:1:0", "a.mkv", {}, {"-c:v", "ffv1", "-pix_fmt", "yuv410p"});
