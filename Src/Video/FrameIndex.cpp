@@ -16,6 +16,9 @@ constexpr double roundingMs = 0.6;
 constexpr double mostBackMs = 300.0;
 constexpr double mostAheadMs = 60.0 * 60.0 * 1000.0;
 
+// Where a recorder paused, its next packet is a keyframe after at least this long.
+constexpr double leastPauseMs = 1000.0;
+
 // A fault that comes with that shows up to so many packets early: readers look ahead.
 constexpr int packetsAtJoin = 3;
 
@@ -92,8 +95,17 @@ void FrameIndex::joinClocks()
 
 bool FrameIndex::isAtJoin(int packet) const
 {
-    const int behind = std::min(packet + packetsAtJoin, packetCount() - 1);
-    return this->packet(behind).shift != this->packet(packet).shift;
+    const int last = std::min(packet + packetsAtJoin, packetCount() - 1);
+    for (int i = packet; i < last; ++i) {
+        const Packet& before = this->packet(i);
+        const Packet& behind = this->packet(i + 1);
+        if (before.shift != behind.shift)
+            return true;
+        const bool areKnown = before.dts != noTime && behind.dts != noTime;
+        if (behind.isKey && areKnown && distance(before.dts, behind.dts) * m_unitMs > leastPauseMs)
+            return true;
+    }
+    return false;
 }
 
 void FrameIndex::giveTimes(const std::vector<qint64>& orders)

@@ -44,7 +44,8 @@ public:
     /// stays a gap. Before giveTimes() and finish().
     void joinClocks();
 
-    /// Whether the packet is one of the last before a place where a clock began anew.
+    /// Whether the packet is one of the last before a place where a recorder started again: where
+    /// its clock began anew, or after a pause.
     bool isAtJoin(int packet) const;
 
     /// Gives every frame a time where the container knows none but those of decoding. A decoder
