@@ -339,7 +339,7 @@ ApplicationWindow {
             reports.abortExportOperation();
     }
 
-    // With nothing open there is no moment to mark.
+    // With nothing open there is no moment for a point of interest.
     function addNewPoiAtPosition() {
         if (player.hasVideoOpened)
             timeline.addPoiAtPosition();

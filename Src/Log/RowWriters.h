@@ -29,7 +29,7 @@ public:
     /// The writer of the group with this id; null if the group is not stored.
     const RowWriter* of(size_t id) const { return m_writers[id].get(); }
 
-    /// Takes a payload of a stored group, which is in the window until `flush`.
+    /// Takes a payload of a stored group. Its bytes stay in the window until `flush`.
     void add(unsigned id, const unsigned char* bytes, int size)
     {
         m_writers[id]->add(m_window.begin(), static_cast<quint32>(bytes - m_window.begin()), size);

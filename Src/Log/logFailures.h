@@ -20,7 +20,8 @@ Failure logReadFailure(const QString& path, bool cutShort);
 Failure logDescriptionFailure(const QString& path, const QByteArray& head, bool isComplete,
                               const QString& fault);
 
-/// A description above `limitBytes`; a file that does not begin like a log is none.
+/// The description is longer than `limitBytes`. Where `head`, the beginning of the file, is not
+/// that of a log, the failure says instead that the file is no flight log.
 Failure logDescriptionTooLarge(const QString& path, const QByteArray& head, qint64 limitBytes);
 
 Failure logNoMemory(const QString& path);

@@ -33,7 +33,7 @@ public:
     /// cannot be read is no failure here: `review().openProblem()` says what is wrong with it.
     Status openParts(const QStringList& videos, const QString& log);
 
-    /// Opens a project, as `openParts` where its log is concerned.
+    /// Opens a project. A log that cannot be read is no failure, as with `openParts`.
     Status openProject(const QString& path);
 
     VideoPlayer& player() { return m_player; }

@@ -84,7 +84,8 @@ signals:
     void notKept(const QString& text);
 
 private:
-    /// What is unsaved work once it differs: adjustments, names, points of interest by their time.
+    /// The contents of a review: adjustments and names, and points of interest by their time. Work
+    /// is unsaved while they differ from those that were saved last.
     struct Contents
     {
         QVariantMap properties;
@@ -112,7 +113,7 @@ private:
     QPointer<Review> m_review;
     QString m_folder;
     QTimer m_timer;
-    Contents m_saved; ///< what needs no recovery
+    Contents m_saved; ///< as saved last; while they are equal, nothing is kept
     bool m_hasSaidNotKept = false;
     bool m_isAlwaysUnsaved = false; ///< a restored review, until it is saved
     RecoveryStore::Place m_place;   ///< of the flight that is open

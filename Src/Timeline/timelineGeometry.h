@@ -38,8 +38,8 @@ int widthZoomedOut(int contentWidth, double itemWidth);
 /// Scroll offset at which time `ms` is at item x.
 int contentXWithMsAt(int ms, int x, float msPerPx);
 
-/// Scroll offset that brings a cursor at strip pixel `cursorPx` at least 100 pixels into the item,
-/// or `contentX` itself where it is already.
+/// Scroll offset at which a cursor at strip pixel `cursorPx` is at least 100 pixels inside the
+/// item; `contentX` itself if it is there already.
 struct ScrollToCursor
 {
     bool needed = false;

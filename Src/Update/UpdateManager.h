@@ -44,8 +44,8 @@ public:
 
     static QString getInstallerFileName(const QString& version);
 
-    /// The folder of downloaded installers, made where it is missing. Where it cannot be made, a
-    /// warning, and its parent.
+    /// The folder of downloaded installers, which is made if it is missing. If it cannot be made,
+    /// logs a warning and returns its parent.
     static QString getDownloadDir();
 
     /// Whether `folder` is the download folder itself, and so may be emptied.

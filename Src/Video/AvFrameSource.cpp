@@ -156,7 +156,7 @@ Status AvFrameSource::readIndex(int first)
     return {};
 }
 
-// The index of another one, beside the caller.
+// Starts to read a container through that does not describe its packets, on a pool thread.
 Status AvFrameSource::startReadingThrough(int first)
 {
     Result<std::unique_ptr<ByteSource>> bytes = m_video->openBytes(m_video->file);

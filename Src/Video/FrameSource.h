@@ -68,7 +68,7 @@ public:
     /// The part of the file that has been read through, from 0 to 1. Any thread.
     virtual double indexProgress() const { return 1.0; }
 
-    /// The number of the frame about to be read; frameCount at the end of the file.
+    /// The number of the frame that read() returns next; frameCount() at the end of the file.
     virtual int nextFrame() const = 0;
 
     /// Seeks so that read() returns frame `index`, clamped to 0 to frameCount; the latter is the
@@ -78,10 +78,10 @@ public:
     /// Seeks to the frame at a time, see frameAtTime().
     bool seekToTime(double ms) { return seekToFrame(frameAtTime(ms)); }
 
-    /// Reads the frame about to be read and moves behind it. Frames lost to damage are skipped:
-    /// the number of the frame that comes is then above nextFrame(). Where a seek was to lost
-    /// frames with no good one behind, the last good one before them comes. `frame` is changed only
-    /// if a picture came.
+    /// Reads the frame with the number nextFrame() and advances by one. Damaged frames are skipped:
+    /// `frame` is then the next good one, with its own number. After a seek to damaged frames with
+    /// no good one behind them, it is the last good one before them. `frame` is changed only if the
+    /// outcome is a frame.
     virtual ReadOutcome read(Frame& frame) = 0;
 
     /// Why the last read() or seekToFrame() failed. Only after a failure.

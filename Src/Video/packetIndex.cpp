@@ -26,7 +26,8 @@ constexpr int mostPackets = 20000000;
 
 constexpr int packetsBetweenReports = 8;
 
-// What looks into a packet looks at its head.
+// So many bytes of each packet are given as zeros: parsers that look into one look at its
+// beginning.
 constexpr qint64 headBytesZeroed = 256;
 
 struct Range

@@ -34,7 +34,7 @@ private slots:
     void hostileDescriptions_data();
     void hostileDescriptions();
     void moreGroupsThanAnyDrone();
-    void deepDescriptionsEnd();
+    void descriptionsNestedAMillionDeepDoNotOverflow();
 };
 
 namespace {
@@ -446,7 +446,7 @@ void LogDecoderTest::moreGroupsThanAnyDrone()
     QCOMPARE(log->getGroups()[7].getVars().size(), size_t(2));
 }
 
-void LogDecoderTest::deepDescriptionsEnd()
+void LogDecoderTest::descriptionsNestedAMillionDeepDoNotOverflow()
 {
     constexpr int kDepth = 1000000;
     QByteArray opened;

@@ -19,7 +19,7 @@ private slots:
     void gettersLeaveTheirOutputAlone_data();
     void gettersLeaveTheirOutputAlone();
     void writesOutOfRangeAreIgnored();
-    void valuesGoInAsTheyComeOut();
+    void storedValuesAreReadBack();
     void wideReadsOfNarrowElementsStayInTheBlock();
     void strings_data();
     void strings();
@@ -162,7 +162,7 @@ void LogFileTest::writesOutOfRangeAreIgnored()
     QCOMPARE(words[1], quint16(0));
 }
 
-void LogFileTest::valuesGoInAsTheyComeOut()
+void LogFileTest::storedValuesAreReadBack()
 {
     LogVar floats("f");
     LogVar doubles("d");

@@ -40,7 +40,7 @@ private slots:
     void naming_data();
     void naming();
     void settersEmitOnChangeOnly();
-    void anyOrderIsSafe();
+    void callsInRandomOrderAreSafe();
 
 private:
     QString flight() const { return m_folder.filePath(QStringLiteral("flight.log")); }
@@ -446,7 +446,7 @@ void LogParserTest::settersEmitOnChangeOnly()
 }
 
 // Parsing, closing, reading and dying in any order, each of them possibly in the middle of another.
-void LogParserTest::anyOrderIsSafe()
+void LogParserTest::callsInRandomOrderAreSafe()
 {
     std::mt19937 random(5);
     const QStringList files{flight(), largeFlight(),

@@ -9,7 +9,7 @@
 using namespace corv;
 using namespace corv::test;
 
-/// A disk that is full or broken from any moment on, seen by a review that marks, keeps, saves and
+/// A disk that is full or broken from any moment on, seen by a review that edits, keeps, saves and
 /// copies: each of the program's calls that change the disk fails once. What is on disk afterwards
 /// is whole, what is not there was said with its reason, and nothing half-made is left.
 class FullDiskTest : public QObject

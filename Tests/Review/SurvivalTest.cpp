@@ -33,7 +33,7 @@ int wholeCount(const QVariantList& pois)
 
 } // namespace
 
-/// A program that is killed while it marks, saves and copies leaves whole projects, whole copies
+/// A program that is killed while it edits, saves and copies leaves whole projects, whole copies
 /// and almost all of its work. VISTREL_KILLS says how often; the moments are random, and
 /// VISTREL_SEED chooses others.
 class SurvivalTest : public QObject
@@ -136,7 +136,7 @@ private slots:
             mostKept = std::max(mostKept, kept);
         }
         QVERIFY2(mostKept > 0, "nothing was ever kept: nothing was tested");
-        trustRow(QStringLiteral("Kills of a review that marks, saves and copies"),
+        trustRow(QStringLiteral("Kills of a review that edits, saves and copies"),
                  QStringLiteral("kills after which all files were whole and all but the last "
                                 "moments of the work was kept"),
                  QStringLiteral("%1 of %1").arg(kills));

@@ -1,4 +1,4 @@
-// A program that does once whatever a review writes: marks, keeps the unsaved work, saves, saves
+// A program that does once whatever a review writes: edits, keeps the unsaved work, saves, saves
 // again, copies the flight beside a new project and beside another. It prints how each of them went
 // and what it has to say.
 //
@@ -24,7 +24,7 @@ void printResult(const char* verb, bool isDone)
     print(QStringLiteral("%1 %2").arg(QLatin1String(verb), isDone ? "done" : "failed"));
 }
 
-void mark(Desk& desk, int ms)
+void addPoi(Desk& desk, int ms)
 {
     desk.review.pois()->create(timeOfMs(ms));
     desk.review.pois()->setTexts(timeOfMs(ms), QStringLiteral("At %1").arg(ms), QString());
@@ -49,13 +49,13 @@ int main(int argc, char** argv)
 
     if (!desk.openFlight(arguments.value(1), arguments.value(2)))
         return 1;
-    mark(desk, 100);
+    addPoi(desk, 100);
     printResult("save", desk.review.save(folder + QStringLiteral("p.ecor")));
-    mark(desk, 200);
+    addPoi(desk, 200);
     printResult("save", desk.review.save(folder + QStringLiteral("p.ecor")));
-    mark(desk, 300);
+    addPoi(desk, 300);
     printResult("save", desk.review.saveCopy(folder + QStringLiteral("copy.ecor")));
     printResult("save", desk.review.saveAs(folder + QStringLiteral("as.ecor")));
-    mark(desk, 400);
+    addPoi(desk, 400);
     return 0;
 }

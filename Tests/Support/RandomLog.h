@@ -7,12 +7,13 @@ namespace corv::test {
 
 /// What kind of log `makeRandomLog` makes.
 enum class RandomLogKind {
-    Whole,   ///< every packet good
-    Damaged, ///< wrong ids, sizes and checksums, noise, stray sync bytes, a cut tail
-    Hostile  ///< damaged, under a description that repeats, wraps, is negative or empty
+    Whole,   ///< every packet is good
+    Damaged, ///< some have wrong ids, sizes or checksums; noise and sync bytes between; a cut tail
+    Hostile  ///< damaged; the description repeats ids, and its sizes are too large, negative or 0
 };
 
-/// A small log, the same for the same state of `random`. Its description is well-formed XML.
+/// Makes the bytes of a small log. Equal states of `random` give equal logs. The description is
+/// well-formed XML, also in a hostile one.
 QByteArray makeRandomLog(std::mt19937& random, RandomLogKind kind);
 
 } // namespace corv::test

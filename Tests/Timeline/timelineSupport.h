@@ -54,8 +54,8 @@ public:
         return getFrameAsync(time, std::move(callback));
     }
 
-    /// Takes the oldest request and answers it. What it leads to is on its way afterwards, and
-    /// happens in `deliver`.
+    /// Takes the oldest request and answers it, on a thread of its own. The effects are queued;
+    /// `deliver` runs them.
     void answer(const QImage& frame) { answerNth(0, frame); }
 
     void answerNth(size_t n, const QImage& frame)

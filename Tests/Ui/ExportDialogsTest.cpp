@@ -31,8 +31,8 @@ private slots:
     void framesOfPoisNeedPois();
     void framesFieldsCloseForPois();
     void framesFieldsLightTogether();
-    void framesValidation_data();
-    void framesValidation();
+    void framesAreExportedForAValidRangeOnly_data();
+    void framesAreExportedForAValidRangeOnly();
     void framesTimesLieWithinTheVideo_data();
     void framesTimesLieWithinTheVideo();
     void framesTabLeadsThroughTheFields();
@@ -154,7 +154,7 @@ void ExportDialogsTest::framesFieldsLightTogether()
         QTRY_COMPARE(colour(name), QColor("#AAAAAA"));
 }
 
-void ExportDialogsTest::framesValidation_data()
+void ExportDialogsTest::framesAreExportedForAValidRangeOnly_data()
 {
     QTest::addColumn<QString>("start");
     QTest::addColumn<QString>("stop");
@@ -235,7 +235,7 @@ void ExportDialogsTest::framesValidation_data()
         << "0" << folder << true << "Frames spacing must be a positive number" << 0 << 0 << 0;
 }
 
-void ExportDialogsTest::framesValidation()
+void ExportDialogsTest::framesAreExportedForAValidRangeOnly()
 {
     QFETCH(QString, start);
     QFETCH(QString, stop);

@@ -237,9 +237,9 @@ void MenusTest::pointsOfInterestAsATable_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QByteArray>("start");
-    QTest::newRow("CSV") << "marks ü.csv" << QByteArray("time (ms),time,log time (ms),name,");
-    QTest::newRow("JSON") << "marks ü.json" << QByteArray("[\n    {\n");
-    QTest::newRow("by the filter") << "marks" << QByteArray("time (ms),time,log time (ms),name,");
+    QTest::newRow("CSV") << "points ü.csv" << QByteArray("time (ms),time,log time (ms),name,");
+    QTest::newRow("JSON") << "points ü.json" << QByteArray("[\n    {\n");
+    QTest::newRow("by the filter") << "points" << QByteArray("time (ms),time,log time (ms),name,");
 }
 
 void MenusTest::pointsOfInterestAsATable()

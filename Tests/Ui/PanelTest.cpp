@@ -21,8 +21,8 @@ private slots:
     void theRangeFollowsTheCamera_data();
     void theRangeFollowsTheCamera();
     void aProjectIsShownByAnOpenPanel();
-    void setters_data();
-    void setters();
+    void setterChangesItsSettingAndResetsIt_data();
+    void setterChangesItsSettingAndResetsIt();
     void settersNeedAVideo();
     void clickingThePanelGivesTheKeysBack();
     void theAutomaticRangeIsShown();
@@ -200,7 +200,7 @@ void PanelTest::aProjectIsShownByAnOpenPanel()
     QCOMPARE(m_ui->get("showIRButton", "checked").toBool(), true);
 }
 
-void PanelTest::setters_data()
+void PanelTest::setterChangesItsSettingAndResetsIt_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<double>("value");
@@ -221,7 +221,7 @@ void PanelTest::setters_data()
     row("brightnessSetter", "videoPlayer.brightness", -20, 0, -50, 50, 1, 0);
 }
 
-void PanelTest::setters()
+void PanelTest::setterChangesItsSettingAndResetsIt()
 {
     QFETCH(QString, target);
     QFETCH(double, value);

@@ -22,7 +22,7 @@ private slots:
     void theWheelZoomsThePictureAndADragMovesIt();
     void theTimelineShowsThePictureAtThePointer();
     void thePictureAtThePointerGoesWithItsFlight();
-    void flagsThatCoverEachOtherAreListed();
+    void poisThatCoverEachOtherAreListed();
     void theThermalBarHasTheEndsOfTheRange();
     void unitsSwitchAtOnce();
     void aSeriesOfPicturesIsAJobWithAnEnd();
@@ -264,7 +264,7 @@ void PanelsTest::theThermalBarHasTheEndsOfTheRange()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void PanelsTest::flagsThatCoverEachOtherAreListed()
+void PanelsTest::poisThatCoverEachOtherAreListed()
 {
     openFlight();
     m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'lowest'},"

@@ -22,7 +22,7 @@ private slots:
     void savingNeedsAVideo();
     void saveAsCopiesTheMedia();
     void warnsWhenTheMediaCannotBeCopied();
-    void aPlainSaveThatFailsIsSaid();
+    void aPlainSaveThatFailsIsReported();
     void aCopyLeavesTheWorkWhereItWas();
     void reportsACorruptProject();
     void aProjectWithoutVideoLeavesTheWorkAlone();
@@ -269,7 +269,7 @@ void ProjectWorkflowTest::warnsWhenTheMediaCannotBeCopied()
     QVERIFY(m_ui->log().contains(copyWarningTitle + ": " + copyWarning()));
 }
 
-void ProjectWorkflowTest::aPlainSaveThatFailsIsSaid()
+void ProjectWorkflowTest::aPlainSaveThatFailsIsReported()
 {
     QVERIFY(m_ui->openVideo());
     const QString path = media().newFolder() + "/a.ecor";

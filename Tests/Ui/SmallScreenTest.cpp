@@ -4,7 +4,8 @@
 
 using namespace corv::test;
 
-/// A screen lower than the window may be: what is needed to play, mark and save stays on it.
+/// A screen lower than the window may be: what is needed to play, to add points of interest and to
+/// save stays on it.
 class SmallScreenTest : public ReviewSuite
 {
     Q_OBJECT

@@ -12,12 +12,12 @@ namespace corv::test {
 /// The version that the share of an UpdateSuite offers.
 const QString offeredVersion = QStringLiteral("9.0.0.1");
 
-/// A manifest of the update share. `more` is added to its members as it is, with the comma before
-/// it.
+/// A manifest of the update share, as JSON. `more` is text that follows the other members; it
+/// begins with a comma or is empty.
 QByteArray manifest(const QByteArray& version, const QByteArray& path = "r9",
                     const QByteArray& more = {});
 
-/// Members for `more`, of an installer with this content.
+/// Texts for `more` that give the digest and the size of an installer with this content.
 QByteArray digestOf(const QByteArray& content);
 QByteArray sizeOf(const QByteArray& content);
 

@@ -88,12 +88,12 @@ private slots:
     void jobsGiveTheSameAsOneRun();
     void folderOfAnotherFlightIsLeftAlone();
     void changedOptionsAreFollowed();
-    void copiesAreMadeForTheProjectOfThePilot();
+    void copiesKeepTheProjectThatThePilotChanged();
     void projectWithoutManifestIsKept();
     void projectOfAKilledRunIsKnownAsItsOwn();
     void twoAtOnceDoNotDisturbEachOther();
     void killedRunLeavesNoEarlierResult();
-    void missingVideoIsSaid();
+    void missingVideoIsReported();
     void logThatEndsEarlyIsRemarked();
     void missingLogIsRemarked();
     void lineFitsTheTerminal();
@@ -243,7 +243,7 @@ void ReviewCommandTest::killedRunGoesOn()
     QCOMPARE(resultsIn(out()).keys(), resultsIn(quiet.path()).keys());
     QMap<QString, QByteArray> results = resultsIn(out());
     QMap<QString, QByteArray> expected = resultsIn(quiet.path());
-    // The way from the project to the card differs by the place of the folder.
+    // The project has the relative path of the card, which differs between the two folders.
     const QString project = m_flightName + '/' + m_flightName + ".ecor";
     results.remove(project);
     expected.remove(project);
@@ -305,7 +305,7 @@ void ReviewCommandTest::changedOptionsAreFollowed()
     QVERIFY(!QFile::exists(flightFolder() + '/' + m_flightName + "_video"));
 }
 
-void ReviewCommandTest::copiesAreMadeForTheProjectOfThePilot()
+void ReviewCommandTest::copiesKeepTheProjectThatThePilotChanged()
 {
     QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
     const QString project = flightFolder() + '/' + m_flightName + ".ecor";
@@ -392,7 +392,7 @@ void ReviewCommandTest::killedRunLeavesNoEarlierResult()
     QCOMPARE(run({"--gather", out("jobs.jsonl"), "--out", out()}).status, 1);
 }
 
-void ReviewCommandTest::missingVideoIsSaid()
+void ReviewCommandTest::missingVideoIsReported()
 {
     const ProgramRun list = run({"--list", "--json", "--out", out(), m_card.path()});
     write(out("jobs.jsonl"), QByteArray(list.out).replace(".MOV", ".MOW"));
@@ -403,7 +403,7 @@ void ReviewCommandTest::missingVideoIsSaid()
     QVERIFY(failure["message"].toString().contains("CORV0001.MOW is not there"));
 }
 
-// What is in the log is done, and what is not is said.
+// What the log has is written, and the missing rest is reported.
 void ReviewCommandTest::logThatEndsEarlyIsRemarked()
 {
     const QTemporaryDir card;
