@@ -5,7 +5,6 @@
 #include "Video/frameConversion.h"
 #include "Video/insetBlending.h"
 #include "Video/logCategory.h"
-#include "Video/partialDrawing.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -133,7 +132,8 @@ int VideoExporter::placeOf(double timelineMs) const
     return truncateToInt(std::ceil(place - 0.5 - placeTolerance));
 }
 
-// A picture that nothing changes is written as it was decoded.
+// A picture that nothing changes is handed over as it was decoded. Any other becomes BGR, which is
+// what the writer takes, once.
 Frame VideoExporter::withEffects(const Frame& frame, int timeMs)
 {
     try {
@@ -154,23 +154,16 @@ Frame VideoExporter::drawnOn(const Frame& frame, int timeMs)
     return bgrFrame(picture);
 }
 
-// Where insets alone change the picture, only the part with them is converted.
 Frame VideoExporter::withInsets(const Frame& frame, int timeMs)
 {
     const cv::Size size(frame.size.width(), frame.size.height());
     const std::vector<PictureInset::Part> insets = m_hooks.insets(timeMs, frame.size);
-    cv::Rect changed;
-    for (const PictureInset::Part& inset : insets)
-        changed |= changedBy(inset, size);
-    const cv::Rect part = evenPart(changed, size);
-    if (part.empty())
-        return frame;
-    if (canDrawOnPart(frame)) {
-        return drawOnPart(frame, part, [&](cv::Mat& bgr) {
-            for (const PictureInset::Part& inset : insets)
-                blendInset(bgr, inset, part.tl());
+    const bool isChanged =
+        std::any_of(insets.begin(), insets.end(), [&size](const PictureInset::Part& inset) {
+            return !changedBy(inset, size).empty();
         });
-    }
+    if (!isChanged)
+        return frame;
     cv::Mat& picture = nextPicture();
     toBgr(frame, picture);
     for (const PictureInset::Part& inset : insets)
