@@ -42,11 +42,13 @@ VideoPlayer {
         if (showIR)
             redraw();
     }
+    onPlayingChanged: takePlaceBack()
+    onIsReadToEndChanged: takePlaceBack()
+
     // Playback that has read to the end has no place in the flight; redrawing the frame on screen,
     // pictures can be saved again.
-    readonly property bool hasLostItsPlace: isReadToEnd && !playing
-    onHasLostItsPlaceChanged: {
-        if (hasLostItsPlace)
+    function takePlaceBack() {
+        if (isReadToEnd && !playing)
             redraw();
     }
 

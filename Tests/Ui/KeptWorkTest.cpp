@@ -41,6 +41,8 @@ private slots:
     void recentProjectsAreOnTheStartPage();
     void missingMediaAreLookedForWhereThePilotSays();
     void theShownCurvesAndThePaletteComeBack();
+    void aPictureIsSavedAtTheEnd_data();
+    void aPictureIsSavedAtTheEnd();
 };
 
 namespace {
@@ -422,6 +424,44 @@ void KeptWorkTest::theShownCurvesAndThePaletteComeBack()
                  QString("attitude.roll,gps.alt"));
     QVERIFY(m_ui->evaluate("curvesPanel.open").toBool());
     QCOMPARE(player("irPalette").toInt(), 2);
+}
+
+void KeptWorkTest::aPictureIsSavedAtTheEnd_data()
+{
+    QTest::addColumn<int>("damagedBytes");
+    QTest::newRow("whole") << 0;
+    QTest::newRow("last frames damaged") << 2000;
+}
+
+void KeptWorkTest::aPictureIsSavedAtTheEnd()
+{
+    QFETCH(int, damagedBytes);
+    const QString folder = media().newFolder();
+    const QString path = folder + "/clip.mp4";
+    TestVideo video;
+    video.encoding = QString("-c:v libx264 -preset ultrafast -g 12 -movflags faststart").split(' ');
+    QVERIFY(video.write(path));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(file.size() - damagedBytes));
+    QCOMPARE(file.write(QByteArray(damagedBytes, '\x5a')), qint64(damagedBytes));
+    file.close();
+    m_ui->call("openFlight", {path, ""});
+    QTRY_COMPARE(player("frameCount").toInt(), 30);
+
+    // Twice: what is played to its end starts anew.
+    for (const QString name : {"first", "second"}) {
+        QTRY_VERIFY(!m_ui->evaluate("videoPlayer.isReadToEnd").toBool());
+        m_ui->evaluate("videoPlayer.togglePlayPause()");
+        QVERIFY(player("playing").toBool());
+        QTRY_VERIFY(!player("playing").toBool());
+        QCOMPARE(player("currentFrameIndex").toInt() < 29, damagedBytes > 0);
+        QTRY_VERIFY(!m_ui->evaluate("videoPlayer.isReadToEnd").toBool());
+        QTRY_VERIFY(m_ui->click("saveImageButton"));
+        QTRY_VERIFY(UiFixture::fileDialog());
+        QVERIFY(UiFixture::acceptFile(folder + "/" + name));
+        QTRY_VERIFY(QFile::exists(folder + "/" + name + ".jpg"));
+    }
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 QTEST_MAIN(KeptWorkTest)
