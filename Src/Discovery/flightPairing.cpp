@@ -17,7 +17,7 @@ namespace {
 // rare; lengths alone agree more often. Measured over thousands of generated cards, of which every
 // pair that is not doubtful is right.
 constexpr double doubtByTimeAndLength = 3e-4;
-constexpr double doubtByLength = 2e-5;
+constexpr double doubtByLength = 3e-6;
 constexpr double doubtBySoundTimes = 0.01;
 constexpr double doubtByKeptTimes = 0.1;
 constexpr double likely = 0.5;
@@ -280,8 +280,10 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
 // likely that is shows in the rest of the card: in the videos and recordings that fit to nothing.
 double Decision::shareOfMissingFiles() const
 {
-    // Counted as missing in every case: even a card that lacks nothing is no proof.
+    // Counted as missing in every case: a wrong pair hides both a video and a log without the
+    // other.
     constexpr double never = 0.2;
+    constexpr double hidden = 0.1; // how likely a card that seems complete is not, at the least
     double videosAlone = 0;
     std::vector<double> recordingAlone(m_recordings.size(), 1.0);
     for (const std::vector<AlignmentClaim>& claims : m_claims) {
@@ -296,7 +298,14 @@ double Decision::shareOfMissingFiles() const
     const auto share = [](double alone, size_t all) {
         return (alone + never) / (static_cast<double>(all) + 1) / usuallyMissing;
     };
-    return share(videosAlone, m_order.size()) * share(recordingsAlone, m_recordings.size());
+    constexpr double few = 10; // files that agree by accident as soon as not
+    const auto files = static_cast<double>(m_order.size() + m_recordings.size());
+    const double complete =
+        videosAlone + recordingsAlone < 0.5
+            ? std::max(hidden, std::pow(1 - usuallyMissing, std::max(0.0, files - few)))
+            : 1.0;
+    return complete * share(videosAlone, m_order.size()) *
+           share(recordingsAlone, m_recordings.size());
 }
 
 LogBelief Decision::beliefIn(size_t place, int log) const

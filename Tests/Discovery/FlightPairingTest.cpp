@@ -2,6 +2,7 @@
 #include "Discovery/flightAlignment.h"
 #include "GeneratedCards.h"
 #include "Support/trustRow.h"
+#include "pairingFiles.h"
 
 #include <QHash>
 #include <QtTest>
@@ -13,26 +14,6 @@ using namespace corv::test;
 Q_DECLARE_METATYPE(corv::PairingEvidence)
 
 namespace {
-
-constexpr qint64 kMorningMs = 1'527'840'000'000;
-
-PairingVideo video(const QString& name, qint64 lengthMs, int logByTime, qint64 second = 0)
-{
-    return {"/card/" + name, kMorningMs + second * 1000, lengthMs, logByTime};
-}
-
-// A log with recordings of these lengths, a minute apart.
-PairingLog logOf(const QString& name, const std::vector<qint64>& lengthsMs, qint64 second = 60)
-{
-    PairingLog log{"/card/" + name, kMorningMs + second * 1000, {}};
-    qint64 nowMs = 10'000;
-    for (const qint64 lengthMs : lengthsMs) {
-        log.recordings.push_back(
-            {static_cast<quint32>(nowMs), static_cast<quint32>(nowMs + lengthMs)});
-        nowMs += lengthMs + 60'000;
-    }
-    return log;
-}
 
 QList<int> logsOf(const std::vector<Pairing>& pairings)
 {
@@ -72,14 +53,6 @@ private slots:
     void nextPartHasTheNextNumber();
     void claimsAreShares();
     void manyFlightsStayInTheRangeOfNumbers();
-    void timeAloneIsDoubtedWhereTimesAreLost();
-    void logOfAFlightWithoutVideoIsDoubted();
-    void logWithoutARecordingIsDoubtedAloneToo_data();
-    void logWithoutARecordingIsDoubtedAloneToo();
-    void lostTimesAddNothingToALength();
-    void onePairAmongTimesThatSayNothingIsDoubted();
-    void partsWithABreakBetweenThemAreDoubted_data();
-    void partsWithABreakBetweenThemAreDoubted();
     void generatedCardsArePairedRight_data();
     void generatedCardsArePairedRight();
     void cleanupTestCase();
@@ -437,109 +410,6 @@ void FlightPairingTest::manyFlightsStayInTheRangeOfNumbers()
     const std::vector<Pairing> pairings = pairFlights(videos, logs);
     for (int i = 0; i < 700; ++i)
         QCOMPARE(pairings[static_cast<size_t>(i)].log, i);
-}
-
-void FlightPairingTest::timeAloneIsDoubtedWhereTimesAreLost()
-{
-    // No camera ends four long videos within seconds. The log by time cannot be read.
-    std::vector<PairingVideo> videos;
-    for (int i = 0; i < 4; ++i)
-        videos.push_back(video(QStringLiteral("CORV000%1.MOV").arg(i), 300'000 + i, 0, i));
-    const std::vector<Pairing> pairings = pairFlights(videos, {logOf("1.log", {}, 10)});
-    for (const Pairing& pairing : pairings) {
-        QCOMPARE(pairing.log, 0);
-        QCOMPARE(pairing.evidence, PairingEvidence::Time);
-        QVERIFY(pairing.doubtful);
-    }
-}
-
-void FlightPairingTest::logOfAFlightWithoutVideoIsDoubted()
-{
-    // The second video has lost its log; the next one to be written knows of no recording at all.
-    const std::vector<PairingVideo> videos = {video("CORV0001.MOV", 60'000, 0, 0),
-                                              video("CORV0002.MOV", 90'000, 1, 3600)};
-    std::vector<PairingLog> logs = {logOf("1.log", {61'000}, 30), logOf("2.log", {}, 4800)};
-    Pairing pairing = pairFlights(videos, logs)[1];
-    QCOMPARE(pairing.log, 1);
-    QCOMPARE(pairing.evidence, PairingEvidence::Time);
-    QVERIFY(pairing.doubtful);
-    logs[1].isRead = false; // what it holds is not known
-    pairing = pairFlights(videos, logs)[1];
-    QCOMPARE(pairing.evidence, PairingEvidence::Time);
-    QVERIFY(!pairing.doubtful);
-}
-
-void FlightPairingTest::logWithoutARecordingIsDoubtedAloneToo_data()
-{
-    QTest::addColumn<bool>("isRead");
-    QTest::addColumn<bool>("describesRecordings");
-    QTest::addColumn<bool>("doubtful");
-    QTest::newRow("described, none") << true << true << true;
-    QTest::newRow("not described") << true << false << false;
-    QTest::newRow("not read") << false << true << false;
-}
-
-// The only log of the card. One whose model does not log recordings says nothing against the time.
-void FlightPairingTest::logWithoutARecordingIsDoubtedAloneToo()
-{
-    QFETCH(bool, isRead);
-    QFETCH(bool, describesRecordings);
-    PairingLog log = logOf("1.log", {}, 1200);
-    log.isRead = isRead;
-    log.describesRecordings = describesRecordings;
-    const Pairing pairing = pairFlights({video("CORV0001.MOV", 600'000, 0, 0)}, {log})[0];
-    QCOMPARE(pairing.log, 0);
-    QCOMPARE(pairing.evidence, PairingEvidence::Time);
-    QTEST(pairing.doubtful, "doubtful");
-}
-
-void FlightPairingTest::lostTimesAddNothingToALength()
-{
-    // Both files and all logs have the second of their copy; two recordings fit the second video.
-    const std::vector<Pairing> pairings =
-        pairFlights({video("CORV0252.MOV", 548'960, 0), video("CORV0254.MOV", 465'240, 0)},
-                    {logOf("368.log", {548'529, 466'565}, 0), logOf("369.log", {467'775}, 0)});
-    QVERIFY(pairings[1].log >= 0);
-    QVERIFY(pairings[1].doubtful);
-}
-
-void FlightPairingTest::onePairAmongTimesThatSayNothingIsDoubted()
-{
-    // Times at random: the last video has a log of its length within half an hour by accident.
-    const std::vector<Pairing> pairings = pairFlights(
-        {video("CORV0321.MOV", 602'280, -1, 306), video("CORV0322.MOV", 701'040, -1, 1432),
-         video("CORV0324.MOV", 606'200, -1, 11'875), video("CORV0325.MOV", 692'520, -1, 0),
-         video("CORV0329.MOV", 700'040, -1, 12'520), video("CORV0323.MOV", 652'120, 0, 14'785)},
-        {logOf("632.log", {685'043, 689'331, 654'354}, 14'890), logOf("631.log", {691'403}, 8088),
-         logOf("628.log", {603'410}, 8217)});
-    QCOMPARE(pairings[5].log, 0);
-    QCOMPARE(pairings[5].evidence, PairingEvidence::TimeAndLength);
-    QVERIFY(pairings[5].doubtful);
-}
-
-void FlightPairingTest::partsWithABreakBetweenThemAreDoubted_data()
-{
-    QTest::addColumn<qint64>("lastEnd");
-    QTest::addColumn<bool>("doubtful");
-    QTest::newRow("goes on at once") << qint64(2421) << false;
-    QTest::newRow("goes on after two seconds") << qint64(2423) << false;
-    QTest::newRow("goes on after a quarter of an hour") << qint64(3321) << true;
-}
-
-// The third file makes the three as long as the recording, and a flight before them keeps the
-// times.
-void FlightPairingTest::partsWithABreakBetweenThemAreDoubted()
-{
-    QFETCH(qint64, lastEnd);
-    const std::vector<Pairing> pairings = pairFlights(
-        {video("CORV0001.MOV", 90'000, 0, 90), video("CORV0007.MOV", 180'000, 1, 2180),
-         video("CORV0008.MOV", 180'000, 1, 2360), video("CORV0009.MOV", 60'000, 1, lastEnd)},
-        {logOf("a.log", {91'000}, 120), logOf("b.log", {421'000}, lastEnd + 30)});
-    for (const size_t i : {1, 2, 3}) {
-        QCOMPARE(pairings[i].log, 1);
-        QTEST(pairings[i].doubtful, "doubtful");
-    }
-    QVERIFY(!pairings[0].doubtful);
 }
 
 void FlightPairingTest::generatedCardsArePairedRight_data()
