@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Video/AvInput.h"
+#include "Video/PicturePool.h"
 
 #include <memory>
 
@@ -56,6 +57,7 @@ public:
 private:
     AvDecoder() = default;
 
+    PicturePool m_pictures; // outlives the decoder below
     AvCodecContextPtr m_context;
 };
 
