@@ -89,7 +89,8 @@ void FramePreview::ask(QTime time)
 void FramePreview::take(const QImage& picture)
 {
     m_isAsked = false;
-    if (m_isWanted && !picture.isNull())
+    // The picture of another time is shown only until that of this one comes.
+    if (m_isWanted && !(picture.isNull() && m_waiting.isValid()))
         setPicture(picture);
     if (m_waiting.isValid())
         ask(std::exchange(m_waiting, QTime()));

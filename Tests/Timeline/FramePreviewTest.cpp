@@ -17,6 +17,7 @@ private slots:
     void theNewestWishReplacesTheOneThatWaits();
     void afterClearNothingArrives();
     void aFrameThatCannotBeHadLeavesTheNextWish();
+    void aFrameThatCannotBeHadShowsNoOtherOne();
     void aPictureMayOutliveItsRequester();
 };
 
@@ -96,6 +97,26 @@ void FramePreviewTest::aFrameThatCannotBeHadLeavesTheNextWish()
     player.answer(QImage());
     deliver();
     QCOMPARE(player.requestedTimes(), std::vector<QTime>{timeAt(2000)});
+}
+
+// A card was pulled out.
+void FramePreviewTest::aFrameThatCannotBeHadShowsNoOtherOne()
+{
+    FramePlayer player;
+    FramePreview preview;
+    preview.setPlayer(&player);
+    preview.show(timeAt(1000));
+    player.answer(frameOf(Qt::red));
+    deliver();
+    QVERIFY(!preview.picture().isNull());
+    preview.show(timeAt(2000));
+    preview.show(timeAt(3000));
+    player.answer(QImage());
+    deliver();
+    QVERIFY(!preview.picture().isNull()); // the next one is on its way
+    player.answer(QImage());
+    deliver();
+    QVERIFY(preview.picture().isNull());
 }
 
 void FramePreviewTest::aPictureMayOutliveItsRequester()
