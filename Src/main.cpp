@@ -6,6 +6,7 @@
 #include "Platform/Platform.h"
 #include "Project/ReportFolder.h"
 #include "Shell/AppInfo.h"
+#include "Shell/NoDisplayMessage.h"
 #include "Shell/SystemInfo.h"
 #include "Shell/applicationLogging.h"
 #include "Shell/applicationNames.h"
@@ -146,7 +147,9 @@ int main(int argc, char** argv)
     corv::hastenFirstFrame();
     // First of all messages, so that it covers the start of the scene graph too.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.scenegraph.general=true"));
+    std::optional<corv::NoDisplayMessage> noDisplay(std::in_place);
     QApplication application(argc, argv);
+    noDisplay.reset();
     LastWait lastWait;
     // Read again: the application has taken out Qt's own options, such as -platform.
     const corv::CommandLine line = corv::readCommandLine(QApplication::arguments());

@@ -128,6 +128,8 @@ void StartUpTest::answersWithoutAWindow_data()
     QTest::newRow("version, without a display")
         << QStringList{"--version"} << 0 << QByteArray("vistrel " VISTREL_VERSION "\n");
     QTest::newRow("unknown option") << QStringList{"-platform", "offscreen", "--fly"} << 2 << none;
+    QTest::newRow("no display") << QStringList{} << 1 << none;
+    QTest::newRow("display that does not answer") << QStringList{"-display", ":4711"} << 1 << none;
     QTest::newRow("two files") << QStringList{"-platform", "offscreen", "a.ecor", "b.mp4"} << 2
                                << none;
 }
@@ -136,15 +138,17 @@ void StartUpTest::answersWithoutAWindow()
 {
     QFETCH(QStringList, arguments);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove("DISPLAY");
+    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(display);
     m_program->setProcessEnvironment(environment);
     m_program->start(QStringLiteral(VISTREL_PROGRAM), arguments);
     QVERIFY(m_program->waitForFinished());
     QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
     QTEST(m_program->exitCode(), "status");
     QTEST(m_program->readAllStandardOutput(), "out");
-    QCOMPARE(m_program->readAllStandardError().startsWith("usage: vistrel"),
-             m_program->exitCode() == 2);
+    const QByteArray said = m_program->readAllStandardError();
+    QCOMPARE(said.startsWith("usage: vistrel"), m_program->exitCode() == 2);
+    QCOMPARE(said.contains("vistrel: Vistrel cannot open a window"), m_program->exitCode() == 1);
 }
 
 void StartUpTest::startsWithoutArgumentsAndQuits()
