@@ -32,6 +32,9 @@ Failure logOpenFailure(const QString& path)
         fs::status(fs::path(QFile::encodeName(path).toStdString()), error);
     if (status.type() == fs::file_type::not_found)
         return {Kind::notFound, QStringLiteral("The log \"%1\" does not exist.").arg(path)};
+    if (error == std::errc::too_many_symbolic_link_levels)
+        return {Kind::notFound,
+                QStringLiteral("\"%1\" is a link that leads back to itself.").arg(path)};
     if (!error && status.type() != fs::file_type::regular)
         return {Kind::notAFile,
                 QStringLiteral("\"%1\" is a folder or a device, not a flight log.").arg(path)};

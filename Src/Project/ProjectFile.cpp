@@ -1,8 +1,11 @@
 #include "Project/ProjectFile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace corv {
 namespace {
@@ -64,6 +67,16 @@ QString withoutFilePrefix(const QString& path)
 std::optional<Failure> fileProblem(const QString& what, const QString& path)
 {
     const QFileInfo file(path);
+    std::error_code error;
+    const bool isThere = std::filesystem::exists(QFile::encodeName(path).toStdString(), error);
+    if (!isThere && error == std::errc::permission_denied)
+        return Failure{Failure::Kind::noPermission,
+                       QStringLiteral("%1 %2 may not be read: no permission to enter its folder.")
+                           .arg(what, path)};
+    if (error == std::errc::too_many_symbolic_link_levels)
+        return Failure{
+            Failure::Kind::notFound,
+            QStringLiteral("%1 %2 is a link that leads back to itself.").arg(what, path)};
     if (file.isSymLink() && !file.exists())
         return Failure{
             Failure::Kind::notFound,
