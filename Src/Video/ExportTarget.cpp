@@ -1,5 +1,6 @@
 #include "Video/ExportTarget.h"
 
+#include "Base/FileReplacement.h"
 #include "Video/fileNames.h"
 #include "Video/logCategory.h"
 
@@ -52,6 +53,10 @@ ExportTarget::~ExportTarget()
 
 Status ExportTarget::open(double fps, QSize size)
 {
+    if (QFileInfo(m_target).isDir())
+        return Failure{
+            Failure::Kind::notAFile,
+            text("The video %1 cannot be written: a folder has this name.").arg(m_target)};
     // A link is written through, not replaced.
     const QFileInfo info(m_target);
     const QString beside = nameBeside(info.exists() ? info.canonicalFilePath() : m_target);
@@ -64,9 +69,22 @@ Status ExportTarget::open(double fps, QSize size)
         }
         QFile::remove(beside); // what a failed attempt left behind
         if (file == m_target)
-            return writer.failure();
+            return whyNotWritten();
     }
     return {};
+}
+
+// The encoder gives no reason.
+Failure ExportTarget::whyNotWritten() const
+{
+    FileReplacement file(m_target, FileReplacement::InLockedFolder::refuse);
+    if (const Status opened = file.open(); !opened)
+        return opened.failure();
+    return {
+        Failure::Kind::notPossible,
+        text("The video %1 cannot be written: its name does not end in .mp4 or in the suffix of "
+             "another video format.")
+            .arg(m_target)};
 }
 
 void ExportTarget::write(const Frame& frame)

@@ -21,6 +21,7 @@ public:
     ExportTarget(const ExportTarget&) = delete;
     ExportTarget& operator=(const ExportTarget&) = delete;
 
+    /// A failure names the reason: the folder, the disk, or a suffix of no video format.
     Status open(double fps, QSize size);
 
     /// Appends a frame, which is encoded beside the caller. Only after open().
@@ -37,6 +38,7 @@ public:
     Status finish();
 
 private:
+    Failure whyNotWritten() const;
     int readableFrames() const;
     Status rename();
 
