@@ -161,8 +161,7 @@ void Review::videoFailed(const QString& file)
     emit problem(tr("Error"),
                  withCause(QStringLiteral("Video file %1 could not be read.").arg(file),
                            cause.value_or(contents)));
-    emit openFailed(cause.value_or(Failure{
-        Failure::Kind::notRecognised, QStringLiteral("The video %1 cannot be opened.").arg(file)}));
+    emit openFailed(cause.value_or(brokenVideo(file)));
 }
 
 void Review::durationKnown()

@@ -96,7 +96,7 @@ private slots:
         row("a project without its log", {path("logless.ecor"), "--out", out},
             "The log " + path("gone.log") + " does not exist.");
         row("no video at all", {path("FLIGHT01.LOG"), "--out", out},
-            "FLIGHT01.LOG cannot be opened.");
+            "FLIGHT01.LOG cannot be opened: it is no video.");
         row("no log at all", {video(), video(), "--out", out},
             QFileInfo(video()).fileName() + "\" is not a flight log.");
         row("nowhere to write", {video(), "--out", path("none/r.docx")}, "cannot write ");
