@@ -16,7 +16,8 @@ namespace {
 constexpr const char* kFlightProgram = "/vistrel-cli-flights";
 
 // The locale's codec, which file names go through. Qt's own for this encoding asks a library of
-// encodings for it, which takes as long as a small log.
+// encodings for it, which takes as long as a small log. Of a name that is not UTF-8 each foreign
+// byte becomes half a surrogate pair, and so the name leads to its file.
 class Utf8Codec : public QTextCodec
 {
 public:
@@ -26,11 +27,42 @@ public:
 protected:
     QString convertToUnicode(const char* text, int length, ConverterState*) const override
     {
-        return QString::fromUtf8(text, length);
+        const QString whole = QString::fromUtf8(text, length);
+        return whole.contains(QChar::ReplacementCharacter) ? byteByByte({text, length}) : whole;
     }
     QByteArray convertFromUnicode(const QChar* text, int length, ConverterState*) const override
     {
-        return QString::fromRawData(text, length).toUtf8();
+        QByteArray bytes;
+        int from = 0;
+        for (int i = 0; i < length; ++i) {
+            const bool isByte = text[i].unicode() > foreignByte + 0x7f &&
+                                text[i].unicode() <= foreignByte + 0xff &&
+                                !(i > 0 && text[i - 1].isHighSurrogate());
+            if (!isByte)
+                continue;
+            bytes += QString::fromRawData(text + from, i - from).toUtf8();
+            bytes += static_cast<char>(text[i].unicode() - foreignByte);
+            from = i + 1;
+        }
+        return bytes + QString::fromRawData(text + from, length - from).toUtf8();
+    }
+
+private:
+    static constexpr ushort foreignByte = 0xdc00;
+
+    static QString byteByByte(const QByteArray& text)
+    {
+        QString decoded;
+        for (int i = 0; i < text.size();) {
+            const auto lead = static_cast<uchar>(text[i]);
+            const int size = lead < 0x80 ? 1 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : 4;
+            const QByteArray bytes = text.mid(i, size);
+            const QString character = QString::fromUtf8(bytes);
+            const bool isWhole = character.toUtf8() == bytes;
+            decoded += isWhole ? character : QString(QChar(ushort(foreignByte + lead)));
+            i += isWhole ? size : 1;
+        }
+        return decoded;
     }
 };
 
