@@ -6,6 +6,7 @@
 #include "Platform/FileLock.h"
 #include "Platform/childProcess.h"
 #include "Platform/fileSystem.h"
+#include "Project/ProjectFile.h"
 #include "Project/ReportFolder.h"
 #include "Project/ReportWriter.h"
 #include "Threads/pool.h"
@@ -226,9 +227,8 @@ void FlightRun::step(const QString& name, const QByteArray& fingerprint, const A
 Status FlightRun::checkVideos() const
 {
     for (const QString& video : m_job.videos)
-        if (!QFileInfo(video).isFile())
-            return Failure{Failure::Kind::notFound,
-                           QStringLiteral("The video %1 is not there.").arg(video)};
+        if (const auto problem = fileProblem(QStringLiteral("The video"), video))
+            return *problem;
     return {};
 }
 

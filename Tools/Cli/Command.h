@@ -29,9 +29,8 @@ struct Command
     QString summary;   ///< half a line
     QList<QCommandLineOption> options;
 
-    /// Called with the parsed line: every option on it is one of `options`, every value is there.
-    /// Reports a failure by `fail`. For `WrongUsage` it prints nothing: the program shows
-    /// `arguments` then.
+    /// Called with the parsed line: every option on it is one of `options`, no value is empty.
+    /// Reports a failure by `fail`. For `WrongUsage` the program shows `arguments` after it.
     std::function<ExitStatus(const QCommandLineParser& line)> run;
 };
 
@@ -42,9 +41,17 @@ QCommandLineOption flag(const QString& name, const QString& description);
 QCommandLineOption valued(const QString& name, const QString& valueName,
                           const QString& description);
 
-/// The whole number given for option `name`; `standard` if the option is not set. False if the
-/// value is no such number.
-bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int* number);
+/// The whole number given for option `name`; `standard` if the option is not set. False, and the
+/// value is reported, if it is no such number or less than `least`.
+bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int least,
+                int* number);
+
+/// The rate in hertz given for option `name`; 0 if the option is not set. False, and the value is
+/// reported, if it is no number above 0.
+bool readRate(const QCommandLineParser& line, const QString& name, double* hz);
+
+/// Reports by `fail` what is wrong with a line, and returns `WrongUsage`.
+ExitStatus wrongUsage(const QString& reason);
 
 /// The commands of one source file. To add a command, write a file named `...Command.cpp` in this
 /// folder that defines a constant of this type: nothing else names the file or the command.

@@ -99,8 +99,8 @@ QStringList savePictures(OpenFlight& flight, const QList<Picture>& pictures)
             QString failure;
             if (image.isNull())
                 failure = noPictureAt(picture.timeMs);
-            else if (!savePictureFile(image, picture.file))
-                failure = picture.file + QStringLiteral(": cannot be written");
+            else if (const Status saved = savePictureFile(image, picture.file); !saved)
+                failure = saved.failure().sentence;
             post(&loop, [answer, i, failure] { answer(i, failure); });
         };
         flight.player().getExportFrameAsync(timeOfMs(pictures[i].timeMs), save);

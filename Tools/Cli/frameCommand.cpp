@@ -1,5 +1,6 @@
 #include "Base/videoTime.h"
 #include "Cli/flightPictures.h"
+#include "Cli/folders.h"
 #include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 
@@ -35,8 +36,7 @@ ExitStatus frame(const QCommandLineParser& line)
 {
     int timeMs = 0;
     const QString out = line.value(outOption);
-    if (!line.isSet(timeOption) || !readNumber(line, timeOption, 0, &timeMs) || timeMs < 0 ||
-        out.isEmpty())
+    if (!line.isSet(timeOption) || !readNumber(line, timeOption, 0, 0, &timeMs) || out.isEmpty())
         return WrongUsage;
     OpenFlight flight;
     const ExitStatus status = openForPictures(flight, line, out);
@@ -67,17 +67,21 @@ ExitStatus frames(const QCommandLineParser& line)
     int fromMs = 0;
     int toMs = 0;
     int spacing = 0;
-    if (!readNumber(line, fromOption, 0, &fromMs) ||
-        !readNumber(line, toOption, std::numeric_limits<int>::max(), &toMs) ||
-        !readNumber(line, spacingOption, standardSpacing, &spacing) || (ofPois && ofRange) ||
-        fromMs < 0 || toMs < fromMs || spacing < 1 || out.isEmpty() || prefix.isEmpty())
+    if (!readNumber(line, fromOption, 0, 0, &fromMs) ||
+        !readNumber(line, toOption, std::numeric_limits<int>::max(), 0, &toMs) ||
+        !readNumber(line, spacingOption, standardSpacing, 1, &spacing) || out.isEmpty())
         return WrongUsage;
+    if (ofPois && ofRange)
+        return wrongUsage(QStringLiteral("--poi takes no range."));
+    if (toMs < fromMs)
+        return wrongUsage(
+            QStringLiteral("--to-ms %1 is before --from-ms %2.").arg(toMs).arg(fromMs));
     OpenFlight flight;
     const ExitStatus status = openForPictures(flight, line, out);
     if (status != Done)
         return status;
-    if (!QDir().mkpath(out))
-        return fail(out + QStringLiteral(": cannot be made"));
+    if (const Status made = makeFolder(out); !made)
+        return fail(made.failure());
     const QList<int> positions =
         ofPois ? positionsOfPois(flight) : positionsOfRange(flight.player(), fromMs, toMs, spacing);
     if (positions.isEmpty())
@@ -120,10 +124,9 @@ ExitStatus video(const QCommandLineParser& line)
     loop.exec();
     const Status& exported = flight.player().videoExportResult();
     if (!exported)
-        return fail(Failure{exported.failure().kind,
-                            out + QStringLiteral(": ") + exported.failure().sentence});
+        return fail(exported.failure());
     if (!isWritten)
-        return fail(out + QStringLiteral(": cannot be written"));
+        return fail(QStringLiteral("The video %1 was not written.").arg(out));
     if (written < total)
         return fail(QStringLiteral("%1: only %2 of %3 frames could be read")
                         .arg(out)

@@ -1,11 +1,9 @@
 #include "Cli/Command.h"
 #include "Cli/OpenLog.h"
+#include "Cli/logFiles.h"
 #include "Cli/logReport.h"
 #include "Log/LogTable.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,66 +20,45 @@ const QString rateOption = QStringLiteral("rate");
 const QString bytesOption = QStringLiteral("bytes");
 const QString durationOption = QStringLiteral("duration-ms");
 
-// The logs that the arguments name: files, and all logs in folders and the folders below them.
-struct LogArguments
-{
-    QStringList files;
-    bool isOneFile = false;
-};
-
-LogArguments logsOf(const QStringList& arguments)
-{
-    LogArguments logs;
-    for (const QString& argument : arguments) {
-        if (!QFileInfo(argument).isDir()) {
-            logs.files += argument;
-            continue;
-        }
-        QStringList found;
-        // Those that cannot be read, too: that is said of each.
-        QDirIterator each(argument, {QStringLiteral("*.log")}, QDir::Files,
-                          QDirIterator::Subdirectories);
-        while (each.hasNext())
-            found += each.next();
-        found.sort();
-        logs.files += found;
-    }
-    logs.isOneFile = arguments.size() == 1 && !QFileInfo(arguments[0]).isDir();
-    return logs;
-}
-
-// Prints what each log holds. A log that cannot be read stops no other.
+// Prints what each log holds. A log or a folder that cannot be read stops no other.
 ExitStatus logInfo(const QCommandLineParser& line)
 {
     const QStringList arguments = line.positionalArguments();
     const bool json = line.isSet(jsonOption);
     if (arguments.isEmpty())
         return WrongUsage;
-    const LogArguments logs = logsOf(arguments);
-    if (logs.files.isEmpty())
-        return fail(QStringLiteral("There is no log in \"%1\".").arg(arguments.join("\", \"")));
+    const LogFiles logs = logFilesOf(arguments);
     QJsonArray all;
+    int read = 0;
     int failed = 0;
-    for (const QString& path : logs.files) {
+    const auto addFailure = [&](const QString& path, const Failure& failure) {
+        ++failed;
+        fail(failure.sentence);
+        all.append(failureJson(path, failure));
+    };
+    for (const auto& [folder, failure] : logs.unreadFolders)
+        addFailure(folder, failure);
+    if (logs.paths.isEmpty() && failed == 0)
+        return fail(QStringLiteral("There is no log in \"%1\".").arg(arguments.join("\", \"")));
+    for (const QString& path : logs.paths) {
         const Result<SurveyedLog> log = surveyLog(path);
         if (!log) {
-            ++failed;
-            fail(log.failure().sentence);
-            all.append(failureJson(path, log.failure()));
-        } else if (json) {
-            all.append(logJson(*log));
-        } else if (writeOut(logText(*log, !logs.isOneFile).toUtf8()) != Done) {
-            return Failed;
+            addFailure(path, log.failure());
+            continue;
         }
+        ++read;
+        if (json)
+            all.append(logJson(*log));
+        else if (writeOut(logText(*log, !logs.isOneFile).toUtf8()) != Done)
+            return Failed;
     }
-    const bool noneRead = failed == logs.files.size();
-    if (json && !(logs.isOneFile && noneRead)) {
+    if (json && !(logs.isOneFile && read == 0)) {
         const QJsonDocument document =
             logs.isOneFile ? QJsonDocument(all[0].toObject()) : QJsonDocument(all);
         if (writeOut(printedJson(document)) != Done)
             return Failed;
     }
-    return noneRead ? Failed : failed > 0 ? PartlyDone : Done;
+    return failed == 0 ? Done : read == 0 ? Failed : PartlyDone;
 }
 
 // Decodes the log and finds its group; null, and what is wrong is printed, if there is none.
@@ -102,17 +79,17 @@ bool writeBytes(const char* bytes, size_t size)
     return std::fwrite(bytes, 1, size, stdout) == size;
 }
 
-// The columns and the rate that the line asks for; false for what is neither.
+// The columns and the rate that the line asks for; false, and it is reported, for what is neither.
 bool readTableOptions(const QCommandLineParser& line, LogTableOptions* options)
 {
     options->textAsText = !line.isSet(bytesOption);
     options->columns = line.value(columnsOption).split(QLatin1Char(','), Qt::SkipEmptyParts);
-    if (line.isSet(columnsOption) && options->columns.isEmpty())
+    if (line.isSet(columnsOption) && options->columns.isEmpty()) {
+        wrongUsage(
+            QStringLiteral("--columns: \"%1\" names no field.").arg(line.value(columnsOption)));
         return false;
-    bool isNumber = true;
-    if (line.isSet(rateOption))
-        options->rateHz = line.value(rateOption).toDouble(&isNumber);
-    return isNumber && (!line.isSet(rateOption) || options->rateHz > 0);
+    }
+    return readRate(line, rateOption, &options->rateHz);
 }
 
 ExitStatus logCsv(const QCommandLineParser& line)
@@ -159,7 +136,7 @@ ExitStatus sync(const QCommandLineParser& line)
     const bool json = line.isSet(jsonOption);
     int durationMs = 0;
     if (arguments.size() != 1 || !line.isSet(durationOption) ||
-        !readNumber(line, durationOption, 0, &durationMs) || durationMs < 0)
+        !readNumber(line, durationOption, 0, 0, &durationMs))
         return WrongUsage;
     OpenLog open;
     if (const Status status = open.open(arguments[0]); !status)

@@ -1,4 +1,5 @@
 #include "Cli/Command.h"
+#include "Cli/folders.h"
 #include "Discovery/FlightFilesMatcher.h"
 #include "Discovery/flightSearch.h"
 #include "Log/printable.h"
@@ -63,12 +64,6 @@ QByteArray table(const QVariantList& rows)
     return text.toUtf8();
 }
 
-bool isReadableFolder(const QString& path)
-{
-    const QFileInfo folder(path);
-    return folder.isDir() && folder.isReadable();
-}
-
 void showProgress(int file, int files, int, int, int)
 {
     std::fprintf(stderr, "\rreading log %d/%d", file, files);
@@ -88,8 +83,8 @@ ExitStatus match(const QCommandLineParser& line)
     if (arguments.size() != 2)
         return WrongUsage;
     for (const QString& folder : arguments)
-        if (!isReadableFolder(folder))
-            return fail(QStringLiteral("%1: no folder that can be read").arg(folder));
+        if (const auto problem = folderProblem(folder))
+            return fail(*problem);
     const SearchLocations locations{arguments[0], arguments[1], videoFromCard, videoFromCard};
     const FlightFiles files = gatherFlightFiles(locations);
     QList<FlightMatchData> matches;
@@ -106,6 +101,10 @@ ExitStatus match(const QCommandLineParser& line)
     const QStringList remarks = searchRemarks(locations, files);
     for (const QString& remark : remarks)
         fail(remark);
+    if (files.videos.isEmpty())
+        fail(QStringLiteral("There is no video in \"%1\".").arg(arguments[0]));
+    if (files.logs.isEmpty())
+        fail(QStringLiteral("There is no log in \"%1\".").arg(arguments[1]));
     const QVariantList rows = rowsToPrint(matchingRows(matches));
     const ExitStatus written = writeOut(
         json ? printedJson(QJsonDocument(QJsonArray::fromVariantList(rows))) : table(rows));

@@ -1,4 +1,5 @@
 #include "Cli/flightPictures.h"
+#include "Cli/folders.h"
 #include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 #include "Log/printable.h"
@@ -20,8 +21,8 @@ const QString picturesOption = QStringLiteral("pictures");
 ExitStatus addPictures(OpenFlight& flight, const QCommandLineParser& line, PoiTable* table)
 {
     const QString folder = line.value(picturesOption);
-    if (!QDir().mkpath(folder))
-        return fail(folder + QStringLiteral(": cannot be made"));
+    if (const Status made = makeFolder(folder); !made)
+        return fail(made.failure());
     const QList<Picture> pictures =
         numbered(positionsOfPois(flight), folder, QStringLiteral("POI"));
     const QStringList results = savePictures(flight, pictures);
@@ -61,12 +62,9 @@ QByteArray csvFor(PoiTable table)
 ExitStatus points(const QCommandLineParser& line)
 {
     const QString out = line.value(outOption);
-    if ((line.isSet(outOption) && out.isEmpty()) ||
-        (line.isSet(picturesOption) && line.value(picturesOption).isEmpty()) ||
-        (!line.isSet(picturesOption) &&
-         (line.isSet(instrumentsOption) || line.isSet(thermalOption) ||
-          line.isSet(thermalBarOption))))
-        return WrongUsage;
+    for (const QString& option : {instrumentsOption, thermalOption, thermalBarOption})
+        if (line.isSet(option) && !line.isSet(picturesOption))
+            return wrongUsage(QStringLiteral("--%1 needs --pictures.").arg(option));
     OpenFlight flight;
     const ExitStatus opened = openForPictures(flight, line, out);
     if (opened != Done)

@@ -5,7 +5,9 @@
 
 #include <QFile>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <limits>
 
 namespace corv::cli {
 namespace {
@@ -56,16 +58,25 @@ QByteArray helpOf(const Command& command)
     return text.toUtf8();
 }
 
-/// What is wrong with a line that was not understood; empty if the parser found nothing.
-QString reasonOf(const QCommandLineParser& line)
+ExitStatus showUsage(const QString& usage, const QString& reason = {})
 {
-    return line.errorText().isEmpty() ? QString() : QStringLiteral("; ") + line.errorText();
-}
-
-ExitStatus showUsage(const QString& usage)
-{
+    if (!reason.isEmpty())
+        fail(reason);
     std::fprintf(stderr, "usage: vistrel-cli %s\n", printable(usage).toLocal8Bit().constData());
     return WrongUsage;
+}
+
+/// What is wrong with a line as such; empty if nothing is.
+QString problemOf(const Command& command, const QCommandLineParser& line)
+{
+    if (!line.errorText().isEmpty())
+        return line.errorText();
+    for (const QCommandLineOption& option : command.options) {
+        const QString name = option.names().constFirst();
+        if (!option.valueName().isEmpty() && line.values(name).contains(QString()))
+            return QStringLiteral("--%1: the value is empty.").arg(name);
+    }
+    return {};
 }
 
 ExitStatus runCommand(const Command& command, const QStringList& arguments, bool verbose)
@@ -73,14 +84,15 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments, bool
     QCommandLineParser line;
     line.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     line.addOptions(command.options + commonOptions());
-    const bool understood = line.parse(arguments);
+    line.parse(arguments);
     if (line.isSet(QStringLiteral("help")))
         return writeOut(helpOf(command));
     installDiagnostics(verbose || line.isSet(QStringLiteral("verbose")));
-    const ExitStatus status = understood ? command.run(line) : WrongUsage;
+    const QString problem = problemOf(command, line);
+    const ExitStatus status = problem.isEmpty() ? command.run(line) : WrongUsage;
     if (status != WrongUsage)
         return status;
-    return showUsage(command.name + QLatin1Char(' ') + command.arguments + reasonOf(line));
+    return showUsage(command.name + QLatin1Char(' ') + command.arguments, problem);
 }
 
 } // namespace
@@ -125,7 +137,7 @@ ExitStatus runLine(const std::vector<Command>& commands, const QStringList& argu
     const bool understood = line.parse(arguments);
     const QString wanted = QStringLiteral("COMMAND ..., see --help");
     if (!understood)
-        return showUsage(wanted + reasonOf(line));
+        return showUsage(wanted, line.errorText());
     if (line.isSet(QStringLiteral("help")))
         return writeOut(help(commands));
     if (line.isSet(QStringLiteral("version")))
@@ -134,7 +146,10 @@ ExitStatus runLine(const std::vector<Command>& commands, const QStringList& argu
         const QString shell = line.value(QStringLiteral("completion"));
         const QByteArray script = completion(shell, commands, commonOptions(), leadingOptions());
         return script.isEmpty()
-                   ? showUsage(wanted + QStringLiteral("; no completion for \"%1\"").arg(shell))
+                   ? showUsage(
+                         wanted,
+                         QStringLiteral("--completion: there is none for \"%1\", only for %2.")
+                             .arg(shell, completionShells().join(QStringLiteral(", "))))
                    : writeOut(script);
     }
     const QStringList rest = line.positionalArguments();
@@ -145,7 +160,8 @@ ExitStatus runLine(const std::vector<Command>& commands, const QStringList& argu
             return candidate.name == rest.constFirst();
         });
     if (command == commands.end())
-        return showUsage(wanted + QStringLiteral("; no command \"%1\"").arg(rest.constFirst()));
+        return showUsage(wanted,
+                         QStringLiteral("There is no command \"%1\".").arg(rest.constFirst()));
     return runCommand(*command, rest, line.isSet(QStringLiteral("verbose")));
 }
 
@@ -195,11 +211,33 @@ QCommandLineOption valued(const QString& name, const QString& valueName, const Q
     return {name, description, valueName};
 }
 
-bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int* number)
+bool readNumber(const QCommandLineParser& line, const QString& name, int standard, int least,
+                int* number)
 {
-    bool ok = true;
-    *number = line.isSet(name) ? line.value(name).toInt(&ok) : standard;
-    return ok;
+    bool isNumber = true;
+    *number = line.isSet(name) ? line.value(name).toInt(&isNumber) : standard;
+    if (isNumber && *number >= least)
+        return true;
+    wrongUsage(QStringLiteral("--%1: \"%2\" is not a whole number from %3 to %4.")
+                   .arg(name, line.value(name), QString::number(least),
+                        QString::number(std::numeric_limits<int>::max())));
+    return false;
+}
+
+bool readRate(const QCommandLineParser& line, const QString& name, double* hz)
+{
+    bool isNumber = true;
+    *hz = line.isSet(name) ? line.value(name).toDouble(&isNumber) : 0;
+    if (!line.isSet(name) || (isNumber && std::isfinite(*hz) && *hz > 0))
+        return true;
+    wrongUsage(QStringLiteral("--%1: \"%2\" is not a number above 0.").arg(name, line.value(name)));
+    return false;
+}
+
+ExitStatus wrongUsage(const QString& reason)
+{
+    fail(reason);
+    return WrongUsage;
 }
 
 } // namespace corv::cli

@@ -1,4 +1,5 @@
 #include "Cli/Command.h"
+#include "Cli/folders.h"
 #include "Log/printable.h"
 #include "Project/ProjectFileLoader.h"
 #include "Project/mediaSearch.h"
@@ -97,18 +98,21 @@ ExitStatus project(const QCommandLineParser& line)
     const QString folder = line.value(QStringLiteral("locate"));
     const QString target = line.value(QStringLiteral("out"));
     const bool isLocated = line.isSet(QStringLiteral("locate"));
-    if (arguments.size() != 1 || (line.isSet(QStringLiteral("out")) && !isLocated))
+    if (arguments.size() != 1)
         return WrongUsage;
+    if (line.isSet(QStringLiteral("out")) && !isLocated)
+        return wrongUsage(QStringLiteral("--out needs --locate."));
     const bool asJson = line.isSet(QStringLiteral("json"));
     ProjectFileLoader loader;
     loader.loadProject(arguments[0]);
     ProjectContents contents = loader.contents();
     if (!contents.namesVideo)
         return fail(*loader.loadProblem());
-    if (isLocated && !QFileInfo(folder).isDir())
-        return fail(QStringLiteral("%1: is no folder").arg(folder));
-    if (isLocated)
+    if (isLocated) {
+        if (const auto problem = folderProblem(folder))
+            return fail(*problem);
         contents = withMediaIn(contents, QFileInfo(folder).absoluteFilePath(), false);
+    }
     if (!target.isEmpty()) {
         const Status written = write(loader, contents, target);
         if (!written)

@@ -50,6 +50,8 @@ ExitStatus report(const QCommandLineParser& line)
     const QString path = line.value(QStringLiteral("out"));
     if (path.isEmpty() || !OpenFlight::isFlight(arguments))
         return WrongUsage;
+    if (!path.endsWith(QLatin1String(".docx"), Qt::CaseInsensitive))
+        return wrongUsage(QStringLiteral("--out: \"%1\" does not end in .docx.").arg(path));
     OpenFlight flight;
     if (!takeThermalClock(line, flight.player()))
         return WrongUsage;

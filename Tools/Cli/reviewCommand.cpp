@@ -4,8 +4,10 @@
 #include "Batch/flightList.h"
 #include "Cli/Command.h"
 #include "Cli/ReviewProgress.h"
+#include "Cli/folders.h"
 #include "Cli/insets.h"
 #include "Log/printable.h"
+#include "Project/ProjectFile.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -74,12 +76,14 @@ ExitStatus statusOf(int failed, int partial, int done)
 Result<QByteArray> readJobText(const QString& path)
 {
     QFile file(path);
-    const bool isOpen = path == QLatin1String("-")
-                            ? file.open(stdin, QIODevice::ReadOnly)
-                            : QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
-    if (!isOpen)
-        return Failure{Failure::Kind::notFound,
-                       QStringLiteral("The job %1 cannot be read.").arg(path)};
+    const bool isStandardInput = path == QLatin1String("-");
+    if (const auto problem = fileProblem(QStringLiteral("The job"), path);
+        problem && !isStandardInput)
+        return *problem;
+    if (!(isStandardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly)))
+        return Failure{
+            Failure::Kind::unreadable,
+            QStringLiteral("The job %1 cannot be read: %2.").arg(path, file.errorString())};
     return file.read(largestJobBytes);
 }
 
@@ -137,7 +141,10 @@ ExitStatus gather(const QCommandLineParser& line)
 {
     QFile file(line.value(gatherOption));
     if (!file.open(QIODevice::ReadOnly))
-        return fail(QStringLiteral("The list %1 cannot be read.").arg(file.fileName()));
+        return fail(fileProblem(QStringLiteral("The list"), file.fileName())
+                        .value_or(Failure{Failure::Kind::unreadable,
+                                          QStringLiteral("The list %1 cannot be read: %2.")
+                                              .arg(file.fileName(), file.errorString())}));
     QList<FlightJob> jobs;
     while (!file.atEnd()) {
         const QByteArray text = file.readLine(largestJobBytes).trimmed();
@@ -185,21 +192,26 @@ ExitStatus review(const QCommandLineParser& line)
     const QStringList locations = line.positionalArguments();
     const bool hasLocations = !locations.isEmpty();
     int atOnce = 0;
-    if (!line.isSet(outOption) || line.value(outOption).isEmpty() ||
-        !readNumber(line, atOnceOption, QThread::idealThreadCount(), &atOnce) || atOnce < 1 ||
-        (line.isSet(rateOption) && !(line.value(rateOption).toDouble() > 0)))
+    double rateHz = 0;
+    if (!line.isSet(outOption) ||
+        !readNumber(line, atOnceOption, QThread::idealThreadCount(), 1, &atOnce) ||
+        !readRate(line, rateOption, &rateHz))
         return WrongUsage;
+    for (const QString& option : {jobOption, gatherOption})
+        if (line.isSet(option) && hasLocations)
+            return wrongUsage(QStringLiteral("--%1 takes no locations.").arg(option));
+    for (const QString& table : line.values(columnsOption))
+        if (table.section(QLatin1Char(':'), 0, 0).isEmpty())
+            return wrongUsage(QStringLiteral("--columns: \"%1\" names no group.").arg(table));
     if (line.isSet(jobOption))
-        return hasLocations ? WrongUsage : runJob(line);
+        return runJob(line);
     if (line.isSet(gatherOption))
-        return hasLocations ? WrongUsage : gather(line);
+        return gather(line);
     if (!hasLocations)
         return WrongUsage;
-    for (const QString& location : locations) {
-        const QFileInfo folder(location);
-        if (!folder.isDir() || !folder.isReadable())
-            return fail(QStringLiteral("%1: no folder that can be read").arg(location));
-    }
+    for (const QString& location : locations)
+        if (const auto problem = folderProblem(location))
+            return fail(*problem);
     const std::atomic<bool> abortFlag{false};
     const FlightList list = listFlights(locations, line.value(outOption), abortFlag);
     for (const QString& remark : list.remarks)
@@ -208,8 +220,8 @@ ExitStatus review(const QCommandLineParser& line)
         return fail(QStringLiteral("no video was found"));
     if (line.isSet(listOption))
         return listJobs(list, line.isSet(jsonOption));
-    if (!QDir().mkpath(line.value(outOption)))
-        return fail(QStringLiteral("%1: cannot be made").arg(line.value(outOption)));
+    if (const Status made = makeFolder(line.value(outOption)); !made)
+        return fail(made.failure());
     return runAll(line, list, atOnce);
 }
 

@@ -19,7 +19,11 @@ bool takeThermalClock(const QCommandLineParser& line, VideoPlayer& player)
 {
     const QString clock = line.value(QStringLiteral("thermal-clock"));
     player.setThermalAsOnScreen(clock == QLatin1String("screen"));
-    return clock == QLatin1String("screen") || clock == QLatin1String("file");
+    if (clock == QLatin1String("screen") || clock == QLatin1String("file"))
+        return true;
+    wrongUsage(
+        QStringLiteral("--thermal-clock: \"%1\" is neither \"file\" nor \"screen\".").arg(clock));
+    return false;
 }
 
 } // namespace corv::cli

@@ -1,6 +1,8 @@
 #include "Support/LogBuilder.h"
 #include "Support/ProgramRun.h"
 
+#include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -106,6 +108,10 @@ private slots:
     void failuresAreOneLine();
     void wrongUsageExitsWith2_data();
     void wrongUsageExitsWith2();
+    void valuesThatCannotBeAreNamed_data();
+    void valuesThatCannotBeAreNamed();
+    void namesThatAreNotUtf8LeadToTheirFiles();
+    void folderThatCannotBeListedIsNamed();
     void wordWithOneDashIsNamedWhole();
     void diagnosticsAreShownOnDemand();
 
@@ -368,6 +374,9 @@ void LogCommandsTest::failuresAreOneLine_data()
                             << QByteArray("text.log\" is not a flight log.");
     QTest::newRow("a folder") << QStringList{"sync", m_folder.path(), "--duration-ms", "5"}
                               << QByteArray("\" is a folder or a device, not a flight log.");
+    QVERIFY(::symlink("circle.log", QFile::encodeName(path("circle.log")).constData()) == 0);
+    QTest::newRow("a link to itself") << QStringList{"log-info", path("circle.log")}
+                                      << QByteArray("\" is a link that leads back to itself.");
     QTest::newRow("no such group")
         << QStringList{"log-csv", path("flight.log"), "x"} << QByteArray("has no group \"x\".");
     QTest::newRow("no such field")
@@ -416,8 +425,89 @@ void LogCommandsTest::wrongUsageExitsWith2()
     const ProgramRun run = vistrel(arguments);
     QCOMPARE(run.status, 2);
     QCOMPARE(run.out, QByteArray());
-    QVERIFY(run.error.startsWith("usage: vistrel-cli "));
-    QCOMPARE(run.error.count('\n'), 1);
+    const QByteArray usage = run.error.mid(run.error.indexOf('\n') + 1);
+    const bool hasReason = run.error.startsWith("vistrel-cli: ");
+    QVERIFY2((hasReason ? usage : run.error).startsWith("usage: vistrel-cli "), run.error);
+    QCOMPARE(run.error.count('\n'), hasReason ? 2 : 1);
+    if (arguments.size() > 3) { // the name of an option and what it is given
+        QVERIFY(hasReason);
+        QVERIFY2(run.error.contains("--rate") || run.error.contains("--columns") ||
+                     run.error.contains("--duration-ms") || run.error.contains("json"),
+                 run.error);
+    }
+}
+
+void LogCommandsTest::valuesThatCannotBeAreNamed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("reason");
+    const auto row = [](const char* name, const QStringList& arguments, const char* reason) {
+        QTest::newRow(name) << arguments << QByteArray("vistrel-cli: ") + reason + "\nusage: ";
+    };
+    const QStringList csv{"log-csv", "a", "b"};
+    for (const char* rate : {"inf", "nan", "-1", "0", "1e400", "often"})
+        row(rate, csv + QStringList{"--rate", rate},
+            "--rate: \"" + QByteArray(rate) + "\" is not a number above 0.");
+    row("no rate", csv + QStringList{"--rate", ""}, "--rate: the value is empty.");
+    row("no names", csv + QStringList{"--columns", ",,"}, "--columns: \",,\" names no field.");
+    for (const char* length : {"-5", "ten", "4.5", "2147483648"})
+        row(length, {"sync", "a", "--duration-ms", length},
+            "--duration-ms: \"" + QByteArray(length) +
+                "\" is not a whole number from 0 to 2147483647.");
+    row("unknown option", {"sync", "a", "--fly"}, "Unknown option 'fly'.");
+    row("unknown command", {"fly"}, "There is no command \"fly\".");
+    row("unknown shell", {"--completion", "csh"},
+        "--completion: there is none for \"csh\", only for bash, zsh, fish.");
+}
+
+void LogCommandsTest::valuesThatCannotBeAreNamed()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, reason);
+    const ProgramRun run = vistrel(arguments);
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.error.startsWith(reason), run.error);
+}
+
+// A card written by another system may have names that are not UTF-8.
+void LogCommandsTest::namesThatAreNotUtf8LeadToTheirFiles()
+{
+    const QByteArray folder = QFile::encodeName(path("names"));
+    QVERIFY(QDir().mkpath(path("names/below")));
+    QVERIFY(flight().save(path("names/below/plain.LOG")));
+    const QByteArray name = folder + "/caf\xe9-\xc3\xa9.log";
+    QCOMPARE(::symlink("below/plain.LOG", name.constData()), 0);
+    QCOMPARE(::symlink("..", (folder + "/below/up").constData()), 0);
+    QCOMPARE(::symlink("circle.log", (folder + "/circle.log").constData()), 0);
+    const ProgramRun all = vistrel({"log-info", path("names"), "--json"});
+    QCOMPARE(all.status, 0);
+    QCOMPARE(all.error, QByteArray());
+    QCOMPARE(QJsonDocument::fromJson(all.out).array().size(), 2);
+    const ProgramRun one =
+        runProgram("sh", {"-c", "exec \"$0\" log-info \"$1\"/caf*", VISTREL_CLI, path("names")});
+    QCOMPARE(one.status, 0);
+    QVERIFY2(one.out.contains("7 packets: 3 valid"), one.out + one.error);
+}
+
+void LogCommandsTest::folderThatCannotBeListedIsNamed()
+{
+    QVERIFY(QDir().mkpath(path("shut/in")));
+    QVERIFY(flight().save(path("shut/a.log")));
+    QVERIFY(QFile::setPermissions(path("shut/in"), QFile::Permissions()));
+    QStringList line{VISTREL_CLI, "log-info", path("shut"), "--json"};
+    if (::geteuid() == 0) {
+        // The administrator may read everything.
+        QVERIFY(QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7755)));
+        QVERIFY(QFile::setPermissions(path("shut/a.log"), QFile::Permissions(0x6644)));
+        line = QStringList{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"} + line;
+    }
+    const ProgramRun run = runProgram(line[0], line.mid(1));
+    QVERIFY(QFile::setPermissions(path("shut/in"), QFile::Permissions(0x7755)));
+    if (run.status == 127)
+        QSKIP("the tool is where another user may not start it");
+    QCOMPARE(run.status, 3);
+    QVERIFY2(run.error.contains("shut/in\" cannot be read: Permission denied."), run.error);
+    QCOMPARE(QJsonDocument::fromJson(run.out).array().size(), 2);
 }
 
 // Not letter by letter: it may be the name of a file.

@@ -121,6 +121,15 @@ void FrameCommandsTest::initTestCase()
     m_project = path("flight.ecor");
     writeProject(m_project, SampleFlight::logFile());
     writeProject(path("nolog.ecor"), QStringLiteral("gone.log"));
+
+    QVERIFY(QDir().mkpath(path("folder.mp4")));
+    for (const auto& [name, bytes] : {std::pair{"cut.mov", contentsOf(m_video).left(20'000)},
+                                      std::pair{"empty.mov", QByteArray()}}) {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), qint64(bytes.size()));
+    }
+    QVERIFY(QFile::link("circle.mov", path("circle.mov")));
 }
 
 void FrameCommandsTest::writeProject(const QString& file, const QString& log) const
@@ -476,16 +485,16 @@ void FrameCommandsTest::sourcesAreNeverWrittenOver_data()
     const QStringList frame{QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
                             QStringLiteral("0")};
     const QStringList video{QStringLiteral("video"), m_project};
-    const QStringList report{QStringLiteral("report"), m_project};
     const QString second = path("DCIM/101_CORV/CORV0002.MOV");
     QTest::newRow("the video by a video") << video << m_video;
     QTest::newRow("the second file by a video") << video << second;
     QTest::newRow("the video by a picture") << frame << m_video;
     QTest::newRow("the log by a picture") << frame << m_log;
     QTest::newRow("the project by a picture") << frame << m_project;
-    QTest::newRow("the second file by a report") << report << second;
-    QTest::newRow("the log by a report") << report << m_log;
-    QTest::newRow("the project by a report") << report << m_project;
+    // A log is one by what it holds.
+    const QString log = path("log.docx");
+    QVERIFY(QFile::exists(log) || QFile::copy(m_log, log));
+    QTest::newRow("the log by a report") << QStringList{"report", m_video, log} << log;
 }
 
 void FrameCommandsTest::sourcesAreNeverWrittenOver()
@@ -526,35 +535,64 @@ void FrameCommandsTest::refusals_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<int>("status");
-    QTest::newRow("frame without time") << "frame PROJECT --out DIR/a.png" << 2;
-    QTest::newRow("frame without target") << "frame PROJECT --at-ms 0" << 2;
-    QTest::newRow("frame at no number") << "frame PROJECT --at-ms soon --out DIR/a.png" << 2;
-    QTest::newRow("frame before the start") << "frame PROJECT --at-ms -1 --out DIR/a.png" << 2;
-    QTest::newRow("frame of nothing") << "frame --at-ms 0 --out DIR/a.png" << 2;
-    QTest::newRow("unknown option") << "frame PROJECT --at-ms 0 --out DIR/a.png --red" << 2;
-    QTest::newRow("spacing of 0") << "frames PROJECT --spacing 0 --out DIR/x" << 2;
-    QTest::newRow("range upside down") << "frames PROJECT --from-ms 9 --to-ms 8 --out DIR/x" << 2;
-    QTest::newRow("points of interest and a range")
-        << "frames PROJECT --poi --to-ms 8 --out DIR/x" << 2;
-    QTest::newRow("frames without target") << "frames PROJECT" << 2;
-    QTest::newRow("video without target") << "video PROJECT" << 2;
-    QTest::newRow("three files") << "video PROJECT VIDEO LOG --out DIR/x.mp4" << 2;
-    QTest::newRow("project and log") << "frame PROJECT LOG --at-ms 0 --out DIR/a.png" << 2;
-    QTest::newRow("a day later") << "frame PROJECT --at-ms 86400000 --out DIR/a.png" << 1;
-    QTest::newRow("behind the end") << "frame PROJECT --at-ms 99999 --out DIR/a.png" << 1;
-    QTest::newRow("range behind the end") << "frames PROJECT --from-ms 99999 --out DIR/x" << 1;
-    QTest::newRow("no points of interest") << "frames VIDEO --poi --out DIR/x" << 1;
-    QTest::newRow("unknown format") << "frame PROJECT --at-ms 0 --out DIR/a.picture" << 1;
-    QTest::newRow("missing folder") << "frame PROJECT --at-ms 0 --out DIR/none/a.png" << 1;
-    QTest::newRow("no folder to be made") << "frames PROJECT --out LOG/x" << 1;
-    QTest::newRow("no place for the video") << "video PROJECT --out DIR/none/a.mp4" << 1;
-    QTest::newRow("unknown container") << "video PROJECT --out DIR/a.picture" << 1;
-    QTest::newRow("no container") << "video PROJECT --out DIR/a" << 1;
-    QTest::newRow("missing project") << "frame DIR/none.ecor --at-ms 0 --out DIR/a.png" << 1;
-    QTest::newRow("missing video") << "frame DIR/none.mp4 --at-ms 0 --out DIR/a.png" << 1;
-    QTest::newRow("no video") << "frame LOG --at-ms 0 --out DIR/a.png" << 1;
-    QTest::newRow("no log") << "frame VIDEO PROJECT --at-ms 0 --out DIR/a.png" << 1;
-    QTest::newRow("project without its log") << "frame NOLOG --at-ms 0 --out DIR/a.png" << 1;
+    QTest::addColumn<QByteArray>("reason");
+    const auto row = [](const char* name, const char* arguments, int status, const char* reason) {
+        QTest::newRow(name) << arguments << status << QByteArray(reason);
+    };
+    row("frame without time", "frame PROJECT --out DIR/a.png", 2, "");
+    row("frame without target", "frame PROJECT --at-ms 0", 2, "");
+    row("frame at no number", "frame PROJECT --at-ms soon --out DIR/a.png", 2,
+        "--at-ms: \"soon\" is not a whole number");
+    row("frame before the start", "frame PROJECT --at-ms -1 --out DIR/a.png", 2,
+        "--at-ms: \"-1\" is not");
+    row("frame of nothing", "frame --at-ms 0 --out DIR/a.png", 2, "");
+    row("unknown clock", "frame PROJECT --at-ms 0 --out DIR/a.png --thermal-clock wall", 2,
+        "--thermal-clock: \"wall\" is neither \"file\" nor \"screen\".");
+    row("pictures nowhere", "points PROJECT --thermal", 2, "--thermal needs --pictures.");
+    row("empty prefix", "frames PROJECT --out DIR/x --prefix=", 2, "--prefix: the value is empty.");
+    row("a folder of the video's name", "video PROJECT --out DIR/folder.mp4", 1,
+        "folder.mp4 cannot be written: a folder has this name.");
+    row("cut video", "frame DIR/cut.mov --at-ms 0 --out DIR/a.png", 1,
+        "cut.mov cannot be opened: it is cut short or damaged.");
+    row("empty video", "frame DIR/empty.mov --at-ms 0 --out DIR/a.png", 1,
+        "empty.mov cannot be opened: it is empty.");
+    row("circle of links", "frame DIR/circle.mov --at-ms 0 --out DIR/a.png", 1,
+        "circle.mov is a link that leads back to itself.");
+    row("unknown option", "frame PROJECT --at-ms 0 --out DIR/a.png --red", 2,
+        "Unknown option 'red'");
+    row("spacing of 0", "frames PROJECT --spacing 0 --out DIR/x", 2,
+        "--spacing: \"0\" is not a whole number from 1");
+    row("range upside down", "frames PROJECT --from-ms 9 --to-ms 8 --out DIR/x", 2,
+        "--to-ms 8 is before --from-ms 9.");
+    row("points of interest and a range", "frames PROJECT --poi --to-ms 8 --out DIR/x", 2,
+        "--poi takes no range.");
+    row("frames without target", "frames PROJECT", 2, "");
+    row("video without target", "video PROJECT", 2, "");
+    row("three files", "video PROJECT VIDEO LOG --out DIR/x.mp4", 2, "");
+    row("project and log", "frame PROJECT LOG --at-ms 0 --out DIR/a.png", 2, "");
+    row("a day later", "frame PROJECT --at-ms 86400000 --out DIR/a.png", 1, "");
+    row("behind the end", "frame PROJECT --at-ms 99999 --out DIR/a.png", 1, "");
+    row("range behind the end", "frames PROJECT --from-ms 99999 --out DIR/x", 1, "");
+    row("no points of interest", "frames VIDEO --poi --out DIR/x", 1, "");
+    row("unknown format", "frame PROJECT --at-ms 0 --out DIR/a.picture", 1,
+        "a.picture has not the suffix of a picture format.");
+    row("missing folder", "frame PROJECT --at-ms 0 --out DIR/none/a.png", 1,
+        "none/a.png could not be written: the folder does not exist.");
+    row("no folder to be made", "frames PROJECT --out LOG/x", 1,
+        "/x cannot be made: Not a directory.");
+    row("no place for the video", "video PROJECT --out DIR/none/a.mp4", 1,
+        "none/a.mp4 could not be written: the folder does not exist.");
+    row("unknown container", "video PROJECT --out DIR/a.picture", 1,
+        "a.picture cannot be written: its name does not end in .mp4");
+    row("no container", "video PROJECT --out DIR/a", 1,
+        "/a cannot be written: its name does not end in .mp4");
+    row("missing project", "frame DIR/none.ecor --at-ms 0 --out DIR/a.png", 1,
+        "none.ecor does not exist.");
+    row("missing video", "frame DIR/none.mp4 --at-ms 0 --out DIR/a.png", 1,
+        "none.mp4 does not exist.");
+    row("no video", "frame LOG --at-ms 0 --out DIR/a.png", 1, "cannot be opened: it is no video.");
+    row("no log", "frame VIDEO PROJECT --at-ms 0 --out DIR/a.png", 1, "is not a flight log.");
+    row("project without its log", "frame NOLOG --at-ms 0 --out DIR/a.png", 1, "");
 }
 
 void FrameCommandsTest::refusals()
@@ -576,9 +614,14 @@ void FrameCommandsTest::refusals()
     }
     const ProgramRun outcome = run(list);
     QTEST(outcome.status, "status");
-    QVERIFY(
-        outcome.error.startsWith(outcome.status == 2 ? "usage: vistrel-cli " : "vistrel-cli: "));
-    QCOMPARE(outcome.error.count('\n'), 1);
+    QFETCH(QByteArray, reason);
+    const QList<QByteArray> lines = outcome.error.trimmed().split('\n');
+    QCOMPARE(lines.last().startsWith("usage: vistrel-cli "), outcome.status == 2);
+    QCOMPARE(lines.size(), outcome.status == 2 && !reason.isEmpty() ? 2 : 1);
+    if (!reason.isEmpty() || outcome.status != 2)
+        QVERIFY2(lines.first().startsWith("vistrel-cli: ") && lines.first().contains(reason),
+                 outcome.error);
+    QCOMPARE(QDir(m_folder.path()).entryList({"*.part.*"}), QStringList());
 }
 
 QTEST_MAIN(FrameCommandsTest)

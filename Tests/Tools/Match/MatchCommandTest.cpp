@@ -123,6 +123,10 @@ void MatchCommandTest::nothingFoundIsAnEmptyResult()
 {
     const ProgramRun run = match({path("logs"), path("videos"), "--json"});
     QCOMPARE(run.status, 0);
+    QVERIFY2(run.error.contains("There is no video in \"" + path("logs").toUtf8() + "\"."),
+             run.error);
+    QVERIFY2(run.error.contains("There is no log in \"" + path("videos").toUtf8() + "\"."),
+             run.error);
     QVERIFY(QJsonDocument::fromJson(run.out).isArray());
     QVERIFY(QJsonDocument::fromJson(run.out).array().isEmpty());
 }
@@ -156,6 +160,7 @@ void MatchCommandTest::theStatusSaysWhetherAllIsPaired()
     QVERIFY(setTime(path("videos/Flug 1.mp4"), noon));
     QVERIFY(setTime(path("logs/l.log"), noon.addSecs(logSecond)));
     const ProgramRun run = match({path("videos"), path("logs"), "--json"});
+    QCOMPARE(run.error, QByteArray());
     QTEST(run.status, "status");
     QTEST(QJsonDocument::fromJson(run.out).array()[0].toObject()["evidence"].toString(),
           "evidence");
@@ -184,7 +189,10 @@ void MatchCommandTest::missingFolderIsReported()
     const ProgramRun run = match({path("videos"), path("nowhere")});
     QCOMPARE(run.status, 1);
     QCOMPARE(run.error.count('\n'), 1);
-    QVERIFY(run.error.contains("nowhere"));
+    QVERIFY2(run.error.contains("nowhere does not exist."), run.error);
+    const ProgramRun file = match({path("videos"), path("logs/l.log")});
+    QCOMPARE(file.status, 1);
+    QVERIFY2(file.error.contains("logs/l.log is not a folder."), file.error);
     QCOMPARE(run.out, QByteArray());
 }
 
