@@ -13,6 +13,11 @@
 #include <system_error>
 #include <utility>
 
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
 namespace corv {
 namespace {
 
@@ -22,6 +27,14 @@ constexpr qint64 leastRoomBytes = qint64{64} * 1024;
 QString text(const char* source)
 {
     return QCoreApplication::translate("ExportTarget", source);
+}
+
+// Whether the suffix picks a container that takes what the encoder makes.
+bool hasVideoSuffix(const QString& target)
+{
+    const AVOutputFormat* const format =
+        av_guess_format(nullptr, QFile::encodeName(target).constData(), nullptr);
+    return format && avformat_query_codec(format, AV_CODEC_ID_MPEG4, FF_COMPLIANCE_NORMAL) > 0;
 }
 
 // The suffix picks the container, so it stays the last.
@@ -75,16 +88,22 @@ Status ExportTarget::open(double fps, QSize size)
 }
 
 // The encoder gives no reason.
-Failure ExportTarget::whyNotWritten() const
+Failure ExportTarget::whyNotWritten()
 {
     FileReplacement file(m_target, FileReplacement::InLockedFolder::refuse);
     if (const Status opened = file.open(); !opened)
         return opened.failure();
-    return {
-        Failure::Kind::notPossible,
-        text("The video %1 cannot be written: its name does not end in .mp4 or in the suffix of "
-             "another video format.")
-            .arg(m_target)};
+    if (isDiskFull())
+        return {Failure::Kind::noRoom,
+                text("The disk has no room for the video %1.").arg(m_target)};
+    if (!hasVideoSuffix(m_target))
+        return {
+            Failure::Kind::notPossible,
+            text("The video %1 cannot be written: its name does not end in .mp4 or in the suffix "
+                 "of another video format.")
+                .arg(m_target)};
+    return {Failure::Kind::notWritable,
+            text("The disk has no room for the video %1, or cannot be written.").arg(m_target)};
 }
 
 void ExportTarget::write(const Frame& frame)

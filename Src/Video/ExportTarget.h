@@ -38,7 +38,7 @@ public:
     Status finish();
 
 private:
-    Failure whyNotWritten() const;
+    Failure whyNotWritten();
     int readableFrames() const;
     Status rename();
 

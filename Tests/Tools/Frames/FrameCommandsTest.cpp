@@ -88,6 +88,7 @@ private slots:
     void sourcesAreNeverWrittenOver();
     void aFullDiskIsAFailure_data();
     void aFullDiskIsAFailure();
+    void aDiskWithoutAnyRoomIsNoWrongSuffix();
     void refusals_data();
     void refusals();
 
@@ -529,6 +530,15 @@ void FrameCommandsTest::aFullDiskIsAFailure()
     QVERIFY2(outcome.status == 1 && outcome.error.startsWith("vistrel-cli: ") &&
                  outcome.error.count('\n') == 1,
              outcome.error.constData());
+}
+
+// The encoder ends in the same way for both.
+void FrameCommandsTest::aDiskWithoutAnyRoomIsNoWrongSuffix()
+{
+    const corv::test::FullDisk disk(0);
+    const ProgramRun outcome = run({"video", m_project, "--out", path("none.mp4")});
+    QCOMPARE(outcome.status, 1);
+    QVERIFY2(outcome.error.contains("The disk has no room for the video"), outcome.error);
 }
 
 void FrameCommandsTest::refusals_data()
