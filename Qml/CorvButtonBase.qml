@@ -18,14 +18,19 @@ Rectangle {
     readonly property alias pressed: buttonMouseArea.pressed
     signal clicked()
 
-    activeFocusOnTab: true
+    activeFocusOnTab: enabled
 
     Accessible.role: Accessible.Button
     Accessible.name: name !== "" ? name : tooltiptext
-    Accessible.description: enabled || disabledReason === "" ? toolTip.text
-                                                             : toolTip.text + ": " + disabledReason
+    Accessible.description: enabled ? toolTip.text
+                                    : (toolTip.text === "" ? "" : toolTip.text + ": ")
+                                      + (disabledReason === "" ? "unavailable" : disabledReason)
     Accessible.focusable: enabled
-    Accessible.onPressAction: clicked()
+    // The bus passes presses of a disabled button on.
+    Accessible.onPressAction: {
+        if (enabled)
+            clicked();
+    }
 
     // Before the window's own shortcut of this key.
     Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Space

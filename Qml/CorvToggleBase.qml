@@ -17,7 +17,10 @@ CorvButtonBase {
     Accessible.role: Accessible.CheckBox
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.onToggleAction: clicked()
+    Accessible.onToggleAction: {
+        if (enabled)
+            clicked();
+    }
 
     onClicked: {
         checked = !checked;

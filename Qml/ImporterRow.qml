@@ -20,6 +20,7 @@ Item {
 
     Accessible.role: Accessible.ListItem
     Accessible.selectable: true
+    Accessible.focusable: true
     Accessible.selected: chosen
     Accessible.name: shownName
     Accessible.description: details

@@ -58,6 +58,11 @@ Rectangle {
                   + "<br><b>Flight:</b><br>" + infoRect.plain(LogParser.flightNaming.flightName)
                   + (LogParser.flightNaming.flightNumber > 0
                      ? "<br><b>Num. </b>" + LogParser.flightNaming.flightNumber : "")
+            Accessible.role: Accessible.StaticText
+            Accessible.name: "Mission: " + LogParser.flightNaming.missionName
+                             + ", flight: " + LogParser.flightNaming.flightName
+                             + (LogParser.flightNaming.flightNumber > 0
+                                ? ", number " + LogParser.flightNaming.flightNumber : "")
         }
 
         Text {
@@ -71,6 +76,8 @@ Rectangle {
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
             text: "Flight name not defined"
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
 
         CorvToolbarButton {
@@ -95,7 +102,25 @@ Rectangle {
         anchors.right: parent.right
         anchors.bottom: unitsRow.top
         logParser: LogParser
+        Accessible.role: Accessible.Grouping
         Accessible.name: "Flight values"
+
+        // They are painted: a screen reader has each as a text of its own.
+        Repeater {
+            id: readings
+
+            readonly property var texts: headUpDisplay.readings
+
+            model: texts.length
+
+            Item {
+                y: index * height
+                width: headUpDisplay.width
+                height: headUpDisplay.height / readings.count
+                Accessible.role: Accessible.StaticText
+                Accessible.name: readings.texts[index]
+            }
+        }
     }
 
     Rectangle {

@@ -69,11 +69,13 @@ Rectangle {
             id: row
 
             readonly property bool running: job !== null && job.running
+            readonly property string stateText: running ? progressText
+                                                        : resultText !== "" ? resultText : "Done"
 
             width: list.width
             height: column.height + 10
             Accessible.role: Accessible.ListItem
-            Accessible.name: title + ", " + (running ? progressText : resultText)
+            Accessible.name: title + ", " + stateText
 
             Column {
                 id: column
@@ -110,7 +112,7 @@ Rectangle {
                     font.pixelSize: 11
                     wrapMode: Text.Wrap
                     textFormat: Text.PlainText
-                    text: row.running ? progressText : resultText !== "" ? resultText : "Done"
+                    text: row.stateText
                 }
             }
 

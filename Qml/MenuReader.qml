@@ -48,6 +48,8 @@ Item {
             enabled: modelData.enabled
             Accessible.role: Accessible.MenuItem
             Accessible.name: plainText
+            Accessible.description: enabled ? "" : "unavailable"
+            Accessible.focusable: enabled
             Accessible.checkable: modelData.checkable
             Accessible.checked: modelData.checked
             Accessible.onPressAction: modelData.trigger()

@@ -5,6 +5,8 @@ import ".."
 
 // Turns while something is being waited for.
 Controls.BusyIndicator {
+    // A screen reader finds it only then.
+    visible: running
     style: BusyIndicatorStyle {
         indicator: CorvSpinner {
             implicitWidth: 48

@@ -11,6 +11,20 @@ Controls.ComboBox {
     // Where the text is whole.
     property string tooltiptext: ""
 
+    // A choice by another way than the pointer.
+    function choose(index) {
+        if (index < 0 || index >= count || index === currentIndex)
+            return;
+        currentIndex = index;
+        activated(index);
+    }
+
+    // Its list opens as a window of its own, which the bus of screen readers does not have.
+    Accessible.description: currentText
+    Accessible.onPressAction: choose((currentIndex + 1) % count)
+    Accessible.onIncreaseAction: choose(currentIndex + 1)
+    Accessible.onDecreaseAction: choose(currentIndex - 1)
+
     style: ComboBoxStyle {
         id: comboBoxStyle
 

@@ -14,6 +14,26 @@ Controls.TabView {
         frame: Rectangle { color: Theme.panel }
         tabBar: Rectangle { color: Theme.window }
         tab: Rectangle {
+            id: tabGround
+
+            // The tab as a screen reader has it, which offers no action of its own.
+            readonly property Item spoken: parent !== null ? parent.parent : null
+            readonly property bool selected: styleData.selected
+
+            function saySelected() {
+                if (spoken !== null)
+                    spoken.Accessible.selected = selected;
+            }
+
+            onSelectedChanged: saySelected()
+            Component.onCompleted: {
+                spoken.Accessible.selectable = true;
+                saySelected();
+                spoken.Accessible.pressAction.connect(function() {
+                    tabView.currentIndex = styleData.index;
+                });
+            }
+
             implicitWidth: tabView.tabWidth
             implicitHeight: 25
             color: styleData.selected ? Theme.tabSelected

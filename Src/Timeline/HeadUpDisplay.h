@@ -5,6 +5,7 @@
 
 #include <QPointer>
 #include <QQuickPaintedItem>
+#include <QStringList>
 #include <QTime>
 
 namespace corv {
@@ -20,6 +21,7 @@ class HeadUpDisplay : public QQuickPaintedItem
     Q_PROPERTY(corv::LogParser* logParser READ logParser WRITE setLogParser)
     Q_PROPERTY(QTime videoPosition READ videoPosition WRITE setVideoPosition)
     Q_PROPERTY(bool imperialUnits READ imperialUnits WRITE setImperialUnits)
+    Q_PROPERTY(QStringList readings READ readings NOTIFY readingsChanged)
 
 public:
     explicit HeadUpDisplay(QQuickItem* parent = nullptr);
@@ -31,6 +33,10 @@ public:
 
     /// Lengths in feet; in the texts only.
     bool imperialUnits() const { return m_painter.imperialUnits(); }
+
+    /// What is painted, for a screen reader: a text for each row, as "Pitch 3°" or "Pitch: no
+    /// value".
+    QStringList readings() const;
 
     void setLogParser(LogParser* logParser);
     void setVideoPosition(QTime videoPosition);
@@ -45,7 +51,13 @@ public:
 
     void paint(QPainter* painter) override;
 
+signals:
+    /// The moment, the log, the correction or the units have changed.
+    void readingsChanged();
+
 private:
+    void change();
+
     QPointer<LogParser> m_logParser;
     QTime m_videoPosition;
     HeadUpPainter m_painter;

@@ -29,6 +29,8 @@ private slots:
     void varsOfAnotherShapeHaveNoValue_data();
     void varsOfAnotherShapeHaveNoValue();
     void keepsTheLogAlive();
+    void readingsSayWhatIsPainted();
+    void readingsChangeWithWhatTheyRestOn();
 };
 
 void HeadUpDisplayTest::rowsReadTheirVars_data()
@@ -333,6 +335,49 @@ void HeadUpDisplayTest::keepsTheLogAlive()
     QCOMPARE(panel.textsOfRow(3, 0), texts(3, QString()));
     panel.parser.closeLog();
     QCOMPARE(panel.textsOfRow(3, 0), texts(3, QString()));
+}
+
+void HeadUpDisplayTest::readingsSayWhatIsPainted()
+{
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addState(log, {start, radians(-7), radians(11), radians(90), radians(30), 152.5F, 50});
+    Panel panel(log);
+    QVERIFY(panel.parsed);
+    QCOMPARE(panel.hud.readings(),
+             QStringList({QStringLiteral("Pitch 11°"), QStringLiteral("Roll -7°"),
+                          QStringLiteral("Heading 60°"), QStringLiteral("Altitude 102.5 m"),
+                          QStringLiteral("Cam pitch: no value")}));
+}
+
+void HeadUpDisplayTest::readingsChangeWithWhatTheyRestOn()
+{
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    for (const int second : {1, 2}) {
+        State state;
+        state.time = start + 1000U * static_cast<unsigned>(second);
+        state.altitude = static_cast<float>(second);
+        addState(log, state);
+    }
+    Panel panel(log);
+    QVERIFY(panel.parsed);
+    const QSignalSpy changed(&panel.hud, &HeadUpDisplay::readingsChanged);
+    const auto altitude = [&panel] { return panel.hud.readings().at(3); };
+    panel.hud.setVideoPosition(QTime(0, 0, 2));
+    QCOMPARE(altitude(), QStringLiteral("Altitude 2.0 m"));
+    QCOMPARE(changed.count(), 1);
+    panel.hud.setImperialUnits(true);
+    QCOMPARE(altitude(), QStringLiteral("Altitude 6.6 ft"));
+    QCOMPARE(changed.count(), 2);
+    panel.parser.setManualLogTimeOffset(-1000);
+    panel.hud.refresh();
+    QCOMPARE(altitude(), QStringLiteral("Altitude 3.3 ft"));
+    QCOMPARE(changed.count(), 3);
+    panel.parser.closeLog();
+    panel.hud.updateLogData();
+    QCOMPARE(altitude(), QStringLiteral("Altitude: no value"));
+    QCOMPARE(changed.count(), 4);
 }
 
 QTEST_MAIN(HeadUpDisplayTest)
