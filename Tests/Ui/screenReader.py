@@ -14,13 +14,9 @@ import tempfile
 
 import pyatspi
 
-from accessibility import (Bus, Subject, act, below, check_names, expect, find, has_state, is_checked,
-                           press, wait_for, wait_for_item)
-
-
-def frame_of(main):
-    """The number of the frame on screen, as the timeline describes it."""
-    return int(find(main, "Timeline", pyatspi.ROLE_SLIDER).description.rsplit("f ", 1)[1])
+from accessibility import (Bus, Subject, act, check_names, expect, find, has_state, is_checked, press,
+                           wait_for, wait_for_item)
+from readerReview import choose, frame_of, make_report, review
 
 
 def check_transport(main):
@@ -74,11 +70,6 @@ def check_panels(main):
     check_names(main, 25)
 
 
-def choose(main, entry):
-    """Presses an entry of the menus."""
-    press(wait_for_item(main, "Entries of the menus"), entry, pyatspi.ROLE_MENU_ITEM)
-
-
 def check_windows(subject, main):
     for entry, name, button, least in (("Export frames as images...", "Export frames", "Cancel", 8),
                                        ("General settings", "Settings", "Cancel", 6),
@@ -109,19 +100,15 @@ def check_corner(main):
     wait_for("the thermal bar", lambda: is_checked(bar))
 
 
-def check_report(subject, main, folder):
-    choose(main, "Create inspection report...")
-    dialog = subject.wait_for_window("Save POI report as")
-    field = wait_for("its field", lambda: next(
-        item for item in below(dialog) if item.getRole() == pyatspi.ROLE_TEXT))
-    report = folder + "/review.docx"
-    field.queryEditableText().setTextContents(report)
-    wait_for("the name in the field",
-             lambda: field.queryText().getText(0, -1) == report)
-    act(wait_for("the button that saves", lambda: next(
-        item for item in below(dialog)
-        if item.getRole() == pyatspi.ROLE_PUSH_BUTTON and item.name.replace("&", "") == "Save")))
-    wait_for("the report", lambda: os.path.exists(report) and os.path.getsize(report) > 10000)
+def check_unavailable(main):
+    """What needs a flight says so while there is none, and does nothing."""
+    add = wait_for_item(main, "Create POI at playhead position")
+    wait_for("the reason", lambda: add.description.endswith(": open a video first"))
+    save = wait_for("the entry that saves", lambda: find(
+        find(main, "Entries of the menus"), "Save project", pyatspi.ROLE_MENU_ITEM))
+    wait_for("it to be unavailable", lambda: save.description == "unavailable")
+    for item in (add, save):
+        expect(not has_state(item, pyatspi.STATE_FOCUSABLE), item.name + " is said to be usable")
 
 
 def check_importer(subject, main):
@@ -137,12 +124,22 @@ def check_importer(subject, main):
     expect(not is_checked(box), "the fast search is said to be on")
     act(box)
     wait_for("the fast search", lambda: is_checked(box))
+    act(box)
+    wait_for("the whole search", lambda: not is_checked(box))
     press(importer, "Cancel")
     subject.wait_until_gone("Auto importer")
 
 
-def run_checks(program, project):
-    with Subject(program, project) as subject:
+def new_home(folder):
+    """What the next program remembers is in a folder of its own."""
+    os.mkdir(folder)
+    for name in ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "HOME"):
+        os.environ[name] = folder
+
+
+def run_checks(program, flight, home):
+    new_home(home + "/first")
+    with Subject(program, flight + "/sample.ecor") as subject:
         main = wait_for("its window with the flight", lambda: next(
             found for found in [subject.window("Vistrel")] if "sample.ecor" in found.name))
         check_transport(main)
@@ -151,21 +148,23 @@ def run_checks(program, project):
         check_jobs(main)
         check_corner(main)
         check_windows(subject, main)
-        check_report(subject, main, os.environ["HOME"])
+        make_report(subject, main, os.environ["HOME"] + "/sample.docx")
+    new_home(home + "/second")
     with Subject(program) as subject:
-        check_importer(subject, subject.wait_for_window("Vistrel"))
+        main = subject.wait_for_window("Vistrel")
+        check_unavailable(main)
+        check_importer(subject, main)
+        review(subject, main, flight, os.environ["HOME"])
 
 
 def main():
     program, maker = sys.argv[1:]
     home = tempfile.mkdtemp()
-    for name in ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "HOME"):
-        os.environ[name] = home
     try:
         subprocess.run([maker, "--minutes", "0.4", home + "/flight"], check=True,
                        stdout=subprocess.DEVNULL)
         with Bus():
-            run_checks(program, home + "/flight/sample.ecor")
+            run_checks(program, home + "/flight", home)
     except AssertionError as error:
         print("FAIL: %s" % error)
         return 1
