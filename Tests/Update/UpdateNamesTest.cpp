@@ -92,6 +92,8 @@ void UpdateNamesTest::refusesWhatLeadsAstray_data()
     row("../x", false, false);
     row("a/../b", false, false);
     row("/a", false, false);
+    row("a/./b", false, false);
+    row("./a", false, false);
     row("a\\b", false, false);
     row("a//b", false, false);
     row("my build", false, true);
