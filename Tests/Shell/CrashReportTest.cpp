@@ -69,6 +69,7 @@ private slots:
     void aReportIsReturnedOnce();
     void theLatestReportsAreKept();
     void aBrokenReportIsReturned();
+    void aLinkInPlaceOfTheReportIsNotFollowed();
 
 private:
     QString logFile() const { return m_folder->filePath(QStringLiteral("Vistrel.log")); }
@@ -205,6 +206,18 @@ void CrashReportTest::aBrokenReportIsReturned()
     const std::optional<crashReport::Summary> summary = crashReport::take(logFile());
     QVERIFY(summary.has_value());
     QVERIFY(summary->moment.isValid());
+}
+
+void CrashReportTest::aLinkInPlaceOfTheReportIsNotFollowed()
+{
+    const QString target = m_folder->filePath(QStringLiteral("other.txt"));
+    QFile other(target);
+    QVERIFY(other.open(QIODevice::WriteOnly) && other.write("kept") == 4);
+    other.close();
+    QVERIFY(QFile::link(target, reportFile()));
+    writeLog(3);
+    QCOMPARE(runCrash(QStringLiteral("SIGABRT")), SIGABRT);
+    QCOMPARE(contentOf(target), QByteArray("kept"));
 }
 
 int main(int argc, char** argv)
