@@ -19,6 +19,7 @@ private slots:
     void aCardIsFoundSearchedAndOpened();
     void aSecondFlightReplacesTheFirst();
     void aFlightWithoutALogOpensItsVideo();
+    void aLaterPartOpensTheWholeFlightAtItsPlace();
     void cancellingChangesNothing();
 
 private:
@@ -152,6 +153,32 @@ void CardToScreenTest::aFlightWithoutALogOpensItsVideo()
     QVERIFY(!UiFixture::messageBox());
     QCOMPARE(m_ui->evaluate("LogParser.source").toString(), QString());
     QVERIFY(m_ui->evaluate("LogParser.flightNaming.undefined").toBool());
+}
+
+void CardToScreenTest::aLaterPartOpensTheWholeFlightAtItsPlace()
+{
+    constexpr int partMs = 6000;
+    const QStringList parts{m_videos + "/First 100%.mp4", m_videos + "/second.mp4"};
+    m_world->addLog(m_logs + "/long.log", 20'000, "West", 2 * partMs);
+    FlightMatchData match;
+    match.videoFile = QFileInfo(parts[1]);
+    match.logFile = QFileInfo(m_logs + "/long.log");
+    match.matchFound = true;
+    match.flightFiles = parts;
+    match.part = 2;
+    match.partStartMs = partMs;
+    PersistentData::instance()->setDirectoryList({match});
+    openImporter();
+    QTRY_VERIFY(m_ui->item("matchingRow0", m_importer)); // chosen, as the first of the list
+    UiFixture::click(m_ui->item("okButton", m_importer));
+    QTRY_VERIFY(!m_importer->isVisible());
+    QTRY_COMPARE(m_ui->evaluate("LogParser.source").toString(), m_logs + "/long.log");
+    const auto ms = [this](const char* time) {
+        return QTime(0, 0).msecsTo(m_ui->get("videoPlayer", time).toTime());
+    };
+    QTRY_VERIFY2(qAbs(ms("timePosition") - partMs) <= 1,
+                 qPrintable(QString::number(ms("timePosition"))));
+    QCOMPARE(ms("duration"), 2 * partMs);
 }
 
 void CardToScreenTest::cancellingChangesNothing()
