@@ -12,7 +12,7 @@ namespace corv {
 
 int VideoFileEntry::timelineMs(double fileMs) const
 {
-    return truncateToInt(truncateToInt(fileMs) + startMs);
+    return truncateToInt((keepsOneRate ? truncateToInt(fileMs) : fileMs) + startMs);
 }
 
 bool VideoTimeline::open(const QString& file, int files, const VideoBackend& backend)
@@ -52,6 +52,9 @@ void VideoTimeline::measure()
     entry.firstFrameIndex = m_totalFrames;
     m_totalFrames += entry.frameCount;
     m_measured = size();
+    const bool isOneRate = keepsOneRate();
+    for (VideoFileEntry& each : m_entries)
+        each.keepsOneRate = isOneRate;
     qCInfo(lcVideo) << "Info " << entry.file << "; FPS:" << entry.fps
                     << "; Total frames:" << entry.frameCount
                     << "; Duration ms: " << truncateToInt(entry.frameCount / entry.fps * 1000.0)

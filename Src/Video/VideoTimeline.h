@@ -17,12 +17,14 @@ struct VideoFileEntry
     std::unique_ptr<FrameSource> capture; ///< kept open until the sources are closed
     int frameCount = 0;
     double fps = 0.0;
-    int durationMs = 0;      ///< rounded down
-    int firstFrameIndex = 0; ///< frames of all earlier entries
-    double startMs = 0.0;    ///< exact duration of all earlier entries
-    double lengthMs = 0.0;   ///< exact
+    int durationMs = 0;       ///< rounded down
+    int firstFrameIndex = 0;  ///< frames of all earlier entries
+    double startMs = 0.0;     ///< exact duration of all earlier entries
+    double lengthMs = 0.0;    ///< exact
+    bool keepsOneRate = true; ///< so do all files of the timeline
 
-    /// Time on the timeline of the frame that is `fileMs` into the file.
+    /// Time on the timeline of the frame that is `fileMs` into the file, rounded down: once, or,
+    /// where all files keep one rate, in the file and on the timeline.
     int timelineMs(double fileMs) const;
 };
 
