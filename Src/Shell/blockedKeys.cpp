@@ -23,6 +23,12 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
+        // Qt keeps keys from a blocked window, and so does not ask it before it looks for a
+        // shortcut. Until a dialog has the keyboard those of the window behind it match.
+        if (event->type() == QEvent::Shortcut) {
+            const QWindow* const focused = QGuiApplication::focusWindow();
+            return focused && isBlockedByModalWindow(focused);
+        }
         const bool isKey = event->type() == QEvent::KeyPress ||
                            event->type() == QEvent::KeyRelease ||
                            event->type() == QEvent::ShortcutOverride;
@@ -40,8 +46,7 @@ public:
 bool isBlockedByModalWindow(const QWindow* window)
 {
     const QWindow* const modal = QGuiApplication::modalWindow();
-    if (!modal || !modal->isVisible() || window->type() == Qt::Popup ||
-        isOrBelongsTo(window, modal))
+    if (!modal || window->type() == Qt::Popup || isOrBelongsTo(window, modal))
         return false;
     return modal->modality() == Qt::ApplicationModal || isOrBelongsTo(modal, window);
 }

@@ -9,9 +9,9 @@ namespace corv {
 /// and a popup, are not blocked. Interface thread.
 bool isBlockedByModalWindow(const QWindow* window);
 
-/// Drops the keys that reach a blocked window: the window system gives the keyboard also to a
-/// window that a dialog blocks, and its shortcuts would work behind the dialog. Once, for as long
-/// as the application lives.
+/// Drops the keys and the shortcuts of a blocked window: the window system gives the keyboard also
+/// to a window that a dialog blocks, at least until the dialog is on the screen, and its shortcuts
+/// would work behind the dialog. Once, for as long as the application lives.
 void dropKeysOfBlockedWindows(QGuiApplication& application);
 
 } // namespace corv

@@ -11,9 +11,12 @@ class BlockedKeysTest : public ReviewSuite
 private slots:
     void noKeyPassesThrough_data();
     void noKeyPassesThrough();
+    void noneBeforeTheDialogHasTheKeyboard_data() { noKeyPassesThrough_data(); }
+    void noneBeforeTheDialogHasTheKeyboard();
 
 private:
     static QWindow* dialog();
+    void open(const QString& opening) const;
     void pressAll() const;
 };
 
@@ -22,6 +25,14 @@ QWindow* BlockedKeysTest::dialog()
 {
     QWindow* const modal = QGuiApplication::modalWindow();
     return modal && modal->isVisible() && modal->isExposed() ? modal : nullptr;
+}
+
+void BlockedKeysTest::open(const QString& opening) const
+{
+    if (QObject* const named = m_ui->find(opening))
+        QMetaObject::invokeMethod(named, "open");
+    else
+        m_ui->evaluate(opening);
 }
 
 /// Those of the tools, of the menus, of the keys without a control, and of the focused item.
@@ -61,10 +72,7 @@ void BlockedKeysTest::noKeyPassesThrough()
     const QStringList pois = m_ui->poiNames();
     QCOMPARE(pois.size(), 1); // keys do work before
     QVERIFY(!dialog());
-    if (QObject* const named = m_ui->find(opening))
-        QMetaObject::invokeMethod(named, "open");
-    else
-        m_ui->evaluate(opening);
+    open(opening);
     QTRY_VERIFY(dialog());
     const QWindow* const opened = dialog();
 
@@ -77,6 +85,28 @@ void BlockedKeysTest::noKeyPassesThrough()
     QVERIFY(m_ui->window()->visibility() != QWindow::FullScreen);
     QVERIFY(!QGuiApplication::focusWindow() ||
             QGuiApplication::focusWindow()->type() != Qt::Popup); // no menu is open
+}
+
+/// A quick hand types on while the window system still brings the dialog: the window behind it has
+/// the keyboard, and all its shortcuts match.
+void BlockedKeysTest::noneBeforeTheDialogHasTheKeyboard()
+{
+    QFETCH(QString, opening);
+    QVERIFY(m_ui->openVideo());
+    QTest::keyClick(m_ui->window(), Qt::Key_N);
+    QCOMPARE(m_ui->poiNames().size(), 1);
+    QVERIFY(m_ui->activate());
+    open(opening);
+    QVERIFY(QGuiApplication::modalWindow());
+    QCOMPARE(QGuiApplication::focusWindow(), m_ui->window());
+    // The first one without a second key, which would give the dialog time.
+    QTest::keyClick(m_ui->window(), Qt::Key_F11);
+    for (const int key : {Qt::Key_W, Qt::Key_Z})
+        QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), Qt::ControlModifier);
+    QVERIFY(m_ui->window()->visibility() != QWindow::FullScreen);
+    QVERIFY(m_ui->hasVideo());
+    QCOMPARE(m_ui->poiNames().size(), 1);
+    QTRY_VERIFY(dialog());
 }
 
 QTEST_MAIN(BlockedKeysTest)
