@@ -155,7 +155,7 @@ void HeadUpDisplayPaintingTest::drawsLabelsAndSeparators()
     const QImage image = painted(panel.hud);
     for (int row = 0; row < 5; ++row) {
         QCOMPARE(panel.textsOfRow(row), texts(row, QString()));
-        const QColor line = image.pixelColor(panelWidth / 2, rowTops[row]);
+        const QColor line = image.pixelColor(panelWidth / 2, rowTop(row));
         QCOMPARE(line, row == 0 ? QColor(Qt::magenta) : discColour);
     }
     QCOMPARE(image.pixelColor(5, 30), QColor(Qt::magenta));
@@ -168,7 +168,7 @@ void HeadUpDisplayPaintingTest::labelIsAtTheLeftAndValueAtTheRight()
     addStateGroup(log);
     addState(log, {start, 0, 0, 0, 0, 5, 0});
     Panel panel(log);
-    const QImage row = painted(panel.hud).copy(0, rowTops[3] + 2, panelWidth, 27);
+    const QImage row = painted(panel.hud).copy(0, rowTop(3) + 2, panelWidth, 27);
     std::vector<int> white; // the columns with ink
     for (int x = 0; x < row.width(); ++x) {
         for (int y = 0; y < row.height(); ++y) {

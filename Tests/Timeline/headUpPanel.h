@@ -4,6 +4,7 @@
 #include "timelineSupport.h"
 
 #include "Timeline/HeadUpDisplay.h"
+#include "Timeline/instruments.h"
 
 #include <cmath>
 
@@ -19,8 +20,20 @@ constexpr int cameraGroup = 4;
 constexpr int panelWidth = 170;
 constexpr int panelHeight = 600;
 
-/// Top of the text of each row at a panel width of 170, where the dials are 170 high.
-constexpr int rowTops[] = {0, 30, 60, 270, 300};
+constexpr int rowHeight = 30;
+
+/// Top of the text of a row: those above it that have a dial are higher by the width of the panel
+/// and a gap.
+inline int rowTop(int row)
+{
+    int top = 0;
+    for (int above = 0; above < row; ++above) {
+        const bool hasDial =
+            hudInstruments()[static_cast<size_t>(above)].dial != HudRow::Dial::none;
+        top += rowHeight + (hasDial ? panelWidth + 10 : 0);
+    }
+    return top;
+}
 
 /// One packet of the attitude, in radians and metres, at a log time.
 struct State
@@ -91,7 +104,7 @@ struct Panel
         QString joined;
         for (const PaintedText& text : device.texts()) {
             // Longer ones than the panel is wide begin beside it.
-            if (text.baseline.y() > rowTops[row] && text.baseline.y() < rowTops[row] + 30)
+            if (text.baseline.y() > rowTop(row) && text.baseline.y() < rowTop(row) + rowHeight)
                 joined += text.text;
         }
         return joined;
@@ -112,8 +125,7 @@ struct Panel
 /// What textsOfRow() gives for a row with this value; for an empty one, the label alone.
 inline QString texts(int row, const QString& value)
 {
-    const char* labels[] = {"Pitch", "Roll", "Heading", "Altitude", "Cam pitch"};
-    return QString::fromLatin1(labels[row]) + value;
+    return QString::fromLatin1(hudInstruments().at(static_cast<size_t>(row)).label) + value;
 }
 
 const QColor discColour(0x55, 0x55, 0x55);
