@@ -19,7 +19,6 @@ std::unique_ptr<AvDecoder> AvDecoder::open(const AVCodecParameters& parameters)
     if (!context || avcodec_parameters_to_context(context, &parameters) < 0)
         return nullptr;
     context->thread_count = QThread::idealThreadCount();
-    decoder->m_pictures.attach(*context);
     if (avcodec_open2(context, codec, nullptr) < 0)
         return nullptr;
     return decoder;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Video/AvInput.h"
-#include "Video/PicturePool.h"
 
 #include <memory>
 
@@ -57,7 +56,6 @@ public:
 private:
     AvDecoder() = default;
 
-    PicturePool m_pictures; // outlives the decoder below
     AvCodecContextPtr m_context;
 };
 
