@@ -97,6 +97,13 @@ Rectangle {
             }
         }
 
+        // A function of the list: the row may be gone when its point of interest has been gone to.
+        function click(row, modifiers) {
+            choose(row, modifiers);
+            if (modifiers === Qt.NoModifier)
+                poiPanel.done();
+        }
+
         function goTo(row) {
             currentIndex = row;
             poiPanel.navigator.goToPoi(filter.timeOfRow(row));
@@ -199,11 +206,7 @@ Rectangle {
                 anchors.fill: parent
                 z: -1
                 hoverEnabled: true
-                onClicked: {
-                    list.choose(index, mouse.modifiers);
-                    if (mouse.modifiers === Qt.NoModifier)
-                        poiPanel.done();
-                }
+                onClicked: list.click(index, mouse.modifiers)
                 onDoubleClicked: poiPanel.editRequested()
             }
         }

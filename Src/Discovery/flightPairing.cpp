@@ -130,12 +130,13 @@ double likelihoodOfKeptTimes(const std::vector<PairingVideo>& videos)
 }
 
 // True if the second video may go on where the first one ends: a recorder begins the next file at
-// once, and two flights are minutes apart.
+// once, and two flights are minutes apart. A file that ends sooner than it is long shows no break,
+// but a time that is not the camera's.
 bool goesOnAtOnce(const PairingVideo& before, const PairingVideo& next)
 {
     constexpr qint64 atOnceMs = 5000; // some cards know times to two seconds
     return before.timeMs < 0 || next.timeMs < 0 ||
-           std::abs(next.timeMs - next.lengthMs - before.timeMs) <= atOnceMs;
+           next.timeMs - next.lengthMs - before.timeMs <= atOnceMs;
 }
 
 // How long after a video its log is written: typical of a card, and learnt from the pairs whose

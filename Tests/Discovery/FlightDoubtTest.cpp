@@ -111,6 +111,7 @@ void FlightDoubtTest::partsWithABreakBetweenThemAreDoubted_data()
     QTest::addColumn<bool>("doubtful");
     QTest::newRow("goes on at once") << qint64(2421) << false;
     QTest::newRow("goes on after two seconds") << qint64(2423) << false;
+    QTest::newRow("ends sooner than it is long") << qint64(2395) << false;
     QTest::newRow("goes on after a quarter of an hour") << qint64(3321) << true;
 }
 
