@@ -272,7 +272,10 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
     m_claims = alignFlights(input);
     const bool timesAgree = mostTimesAgree();
     m_timesAreKept = input.timesAreKept > 0.9 && timesAgree;
-    m_timesAreSound = !m_timesAreLost && timesAgree && nothingContradictsTimes();
+    // One recording and what is as long as it leave nothing to mistake, whatever a copy did to
+    // times.
+    m_timesAreSound =
+        (!m_timesAreLost || m_recordings.size() == 1) && timesAgree && nothingContradictsTimes();
     m_timesSayNothing = logsOfOtherLengths(logs.size());
     m_missingFiles = shareOfMissingFiles();
 }

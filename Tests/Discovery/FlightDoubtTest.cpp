@@ -23,6 +23,7 @@ private slots:
     void onePairAmongTimesThatSayNothingIsDoubted();
     void partsWithABreakBetweenThemAreDoubted_data();
     void partsWithABreakBetweenThemAreDoubted();
+    void oneFlightIsSureAfterACopy();
     void lengthAloneIsDoubtedWhereFilesAreMissing_data();
     void lengthAloneIsDoubtedWhereFilesAreMissing();
 };
@@ -129,6 +130,19 @@ void FlightDoubtTest::partsWithABreakBetweenThemAreDoubted()
         QTEST(pairings[i].doubtful, "doubtful");
     }
     QVERIFY(!pairings[0].doubtful);
+}
+
+// A copy gave all files the time at which it wrote them.
+void FlightDoubtTest::oneFlightIsSureAfterACopy()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0001.MOV", 5000, 0, 1), video("CORV0002.MOV", 5000, 0, 2)},
+                    {logOf("1.log", {11'000}, 2)});
+    for (const Pairing& pairing : pairings) {
+        QCOMPARE(pairing.log, 0);
+        QCOMPARE(pairing.evidence, PairingEvidence::TimeAndLength);
+        QVERIFY(!pairing.doubtful);
+    }
 }
 
 void FlightDoubtTest::lengthAloneIsDoubtedWhereFilesAreMissing_data()
