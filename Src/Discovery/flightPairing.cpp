@@ -146,7 +146,7 @@ class LogDelay
 public:
     LogDelay(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs,
              const std::vector<Recording>& recordings)
-        : m_videos(videos), m_logs(logs)
+        : m_logs(logs)
     {
         std::vector<double> delays;
         for (const PairingVideo& video : videos) {
