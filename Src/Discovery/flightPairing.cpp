@@ -202,7 +202,6 @@ private:
         return static_cast<double>(restMs >= -3000 ? std::max(qint64(0), restMs) : wholeMs) / 1000;
     }
 
-    const std::vector<PairingVideo>& m_videos;
     const std::vector<PairingLog>& m_logs;
     double m_typicalSecs = 60;
     double m_spreadSecs = 300;
