@@ -22,7 +22,8 @@ private slots:
     void soakIsAskedForProperly();
     void suitesThatNeedASecondTryAreNamed_data();
     void suitesThatNeedASecondTryAreNamed();
-    void findingsOfClangTidyFailTheRun();
+    void whatDoesNotPassIsNamedAtTheEnd_data();
+    void whatDoesNotPassIsNamedAtTheEnd();
     void tidyReadsASourceUntilItPassesAsItIs();
 
 private:
@@ -135,7 +136,8 @@ void ScriptsTest::suitesThatNeedASecondTryAreNamed_data()
                       "  BTest, asan: passed\n");
     QTest::newRow("one fails again")
         << QByteArray("3:ATest\n") << 8 << 1
-        << QByteArray("Suites that needed a second try: 1\n  ATest, asan: failed again\n");
+        << QByteArray("Suites that needed a second try: 1\n  ATest, asan: failed again\n"
+                      "Does not pass:\n  ./test --asan: ATest\n");
 }
 
 void ScriptsTest::suitesThatNeedASecondTryAreNamed()
@@ -157,14 +159,32 @@ void ScriptsTest::suitesThatNeedASecondTryAreNamed()
     QVERIFY2(run.out.endsWith(end), run.out);
 }
 
-void ScriptsTest::findingsOfClangTidyFailTheRun()
+void ScriptsTest::whatDoesNotPassIsNamedAtTheEnd_data()
 {
+    QTest::addColumn<QByteArray>("standIn"); // in place of ./test
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("findings of clang-tidy")
+        << QByteArray("[ \"$1\" = --tidy ] || exit 0\nmkdir -p build/release/tidy\n"
+                      "printf 'Src/b.cpp\\nSrc/a.cpp\\n' > build/release/tidy/findings\nexit 1")
+        << QByteArray("Does not pass:\n  ./test --tidy: Src/a.cpp Src/b.cpp \n");
+    QTest::newRow("a mishap") << QByteArray("[ \"$1\" != --soak ]")
+                              << QByteArray("Does not pass:\n"
+                                            "  ./test --soak 2 --seed 19088743\n");
+    QTest::newRow("a build") << QByteArray("[ \"$1\" != --asan ]")
+                             << QByteArray("Does not pass:\n  ./test --asan, which did not come to "
+                                           "its end\n");
+}
+
+void ScriptsTest::whatDoesNotPassIsNamedAtTheEnd()
+{
+    QFETCH(QByteArray, standIn);
+    QFETCH(QByteArray, end);
     QVERIFY(QFile::remove(m_tree->filePath(QStringLiteral("test"))));
-    makeStandIn(QStringLiteral("test"), "[ \"$1\" != --tidy ]");
+    makeStandIn(QStringLiteral("test"), standIn);
     makeStandIn(QStringLiteral("bin/git"), "echo 0123456789");
     const ProgramRun run = call(QStringLiteral(".ci/run"), {}, m_tree->path());
     QCOMPARE(run.status, 1);
-    QVERIFY2(run.error.contains("clang-tidy has findings"), run.error);
+    QVERIFY2(run.out.endsWith(end), run.out);
 }
 
 void ScriptsTest::tidyReadsASourceUntilItPassesAsItIs()
