@@ -12,24 +12,32 @@
 #include <QLocale>
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <cxxabi.h>
+#include <exception>
 #include <execinfo.h>
 #include <fcntl.h>
+#include <new>
 #include <unistd.h>
 #include <vector>
 
 namespace corv::crashReport {
 namespace {
 
-const QString fileName = QStringLiteral("Vistrel-crash.txt");
+// A report is "Vistrel-crash.PROCESS.part" while it is written, and "Vistrel-crash.PROCESS.txt"
+// until it is taken: programs that crash at the same moment do not write into the same file.
+const QString namePrefix = QStringLiteral("Vistrel-crash.");
+const QString unfinishedSuffix = QStringLiteral(".part");
 constexpr int keptReports = 5;
 constexpr int keptLines = 200;
 constexpr size_t tailBytes = size_t{256} * 1024;
 constexpr int deepestStack = 128;
+constexpr unsigned longestReportSeconds = 5;
 constexpr size_t alternateStackBytes = size_t{128} * 1024;
 
 struct Signal
@@ -46,14 +54,18 @@ constexpr std::array<Signal, 5> signalsOfACrash = {{{SIGSEGV, "SIGSEGV"},
 // All that the handler needs, made before: in a crash no memory can be had and no lock taken.
 struct Prepared
 {
+    std::array<char, 4096> unfinishedPath{};
     std::array<char, 4096> reportPath{};
     std::array<char, 4096> logPath{};
     std::array<char, 64> version{};
     std::array<char, tailBytes> tail{};
     std::array<void*, deepestStack> stack{};
+    const char* reason = nullptr; ///< of a program that gives up by itself, where it is known
 };
 Prepared prepared;
-volatile std::sig_atomic_t isWriting = 0;
+// The thread that writes the report; 0 until one does.
+std::atomic<pid_t> writer{0};
+static_assert(std::atomic<pid_t>::is_always_lock_free, "a handler takes no lock");
 
 template <size_t size>
 bool keep(std::array<char, size>& target, const QByteArray& text)
@@ -122,7 +134,7 @@ const char* nameOf(int number)
 
 void writeReport(int number)
 {
-    const int file = ::open(prepared.reportPath.data(),
+    const int file = ::open(prepared.unfinishedPath.data(),
                             O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (file < 0)
         return;
@@ -130,6 +142,10 @@ void writeReport(int number)
     put(file, nameOf(number));
     put(file, "\nmoment: ");
     putNumber(file, static_cast<long long>(std::time(nullptr)));
+    if (prepared.reason) {
+        put(file, "\nreason: ");
+        put(file, prepared.reason);
+    }
     put(file, "\nversion: ");
     put(file, prepared.version.data());
     put(file, "\n\nstack of the thread that crashed:\n");
@@ -138,24 +154,65 @@ void writeReport(int number)
     put(file, "\nlast lines of the log:\n");
     putLastLines(file);
     ::close(file);
+    ::rename(prepared.unfinishedPath.data(), prepared.reportPath.data());
 }
 
 void handle(int number)
 {
-    // One report: not one of a crash in here, nor of a second thread that crashes meanwhile.
-    if (isWriting == 0) {
-        isWriting = 1;
+    const pid_t self = ::gettid();
+    pid_t first = 0;
+    if (writer.compare_exchange_strong(first, self))
         writeReport(number);
-    }
-    // The handler is gone by now: the system does with the signal what it would have done.
+    else if (first != self)
+        ::sleep(longestReportSeconds); // the first thread to crash ends the program before
+    // The system does with the signal what it would have done; also with that of a crash in here.
+    ::signal(number, SIG_DFL);
     ::raise(number);
 }
 
 // ---- end of what runs in the handler ----
 
-QString reportPathBeside(const QString& logFilePath)
+// An exception that nobody caught. The signal that follows does not say which.
+[[noreturn]] void giveUp()
 {
-    return QFileInfo(logFilePath).dir().filePath(fileName);
+    try {
+        if (const std::exception_ptr current = std::current_exception())
+            std::rethrow_exception(current);
+    } catch (const std::bad_alloc&) {
+        prepared.reason = "not enough memory";
+        put(STDERR_FILENO, "vistrel: There is not enough memory to go on. What was not saved is "
+                           "offered at the next start.\n");
+    } catch (...) {
+        prepared.reason = "an error that nothing handles";
+    }
+    std::abort();
+}
+
+QString ownReportBeside(const QString& logFilePath, const QString& suffix)
+{
+    return QFileInfo(logFilePath).dir().filePath(namePrefix + QString::number(::getpid()) + suffix);
+}
+
+// One that was cut short, by a power failure or a second crash, is what there is.
+bool isOfARunningProcess(const QString& unfinished)
+{
+    const QString process = unfinished.section(QLatin1Char('.'), 1, 1);
+    return ::kill(process.toInt(), 0) == 0 || errno != ESRCH;
+}
+
+// The reports that have not been taken yet, the oldest first.
+QFileInfoList newReportsIn(const QDir& folder)
+{
+    QFileInfoList reports = folder.entryInfoList(
+        {namePrefix + QStringLiteral("*txt"), namePrefix + QLatin1Char('*') + unfinishedSuffix},
+        QDir::Files | QDir::NoSymLinks, QDir::Time | QDir::Reversed);
+    reports.erase(std::remove_if(reports.begin(), reports.end(),
+                                 [](const QFileInfo& report) {
+                                     return report.fileName().endsWith(unfinishedSuffix) &&
+                                            isOfARunningProcess(report.fileName());
+                                 }),
+                  reports.end());
+    return reports;
 }
 
 QString valueOf(const QByteArray& report, const char* key)
@@ -211,6 +268,46 @@ void removeOldReports(const QDir& folder)
         QFile::remove(folder.filePath(reports.takeFirst()));
 }
 
+// Free for a report of this moment: two programs may crash in the same second.
+QString keptReportIn(const QDir& folder, const QDateTime& moment)
+{
+    const QString name = QStringLiteral("Vistrel-crash-") +
+                         QLocale::c().toString(moment, QStringLiteral("yyyyMMdd-HHmmss"));
+    QString path = folder.filePath(name + QStringLiteral(".txt"));
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = folder.filePath(QStringLiteral("%1-%2.txt").arg(name).arg(number));
+    return path;
+}
+
+std::optional<Summary> takeOne(const QFileInfo& info)
+{
+    QFile report(info.filePath());
+    if (!report.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray text = report.read(1024);
+    report.close();
+    Summary summary;
+    summary.reason = valueOf(text, "reason");
+    if (summary.reason.isEmpty())
+        summary.reason = valueOf(text, "signal");
+    if (summary.reason.isEmpty())
+        summary.reason = QStringLiteral("the cause is not known");
+    bool isNumber = false;
+    const qint64 seconds = valueOf(text, "moment").toLongLong(&isNumber);
+    summary.moment = isNumber ? QDateTime::fromSecsSinceEpoch(seconds) : info.lastModified();
+    const QDir folder = info.dir();
+    summary.filePath = keptReportIn(folder, summary.moment);
+    if (!QFile::rename(report.fileName(), summary.filePath)) {
+        qCWarning(lcShell) << "The report of a crash cannot be moved:" << report.fileName();
+        return std::nullopt; // or it would be shown at every start
+    }
+    makeReadable(summary.filePath);
+    removeOldReports(folder);
+    qCInfo(lcShell) << "The last run crashed with" << summary.reason
+                    << "; report:" << summary.filePath;
+    return summary;
+}
+
 } // namespace
 
 void install(const QString& logFilePath)
@@ -218,7 +315,11 @@ void install(const QString& logFilePath)
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     Q_UNUSED(logFilePath)
 #else
-    if (!keep(prepared.reportPath, QFile::encodeName(reportPathBeside(logFilePath))) ||
+    const auto ownReport = [&logFilePath](const QString& suffix) {
+        return QFile::encodeName(ownReportBeside(logFilePath, suffix));
+    };
+    if (!keep(prepared.unfinishedPath, ownReport(unfinishedSuffix)) ||
+        !keep(prepared.reportPath, ownReport(QStringLiteral(".txt"))) ||
         !keep(prepared.logPath, QFile::encodeName(logFilePath)) ||
         !keep(prepared.version, AppInfo().versionString().toLatin1())) {
         qCWarning(lcShell) << "No crash reports: the path is too long:" << logFilePath;
@@ -234,42 +335,23 @@ void install(const QString& logFilePath)
     ::sigaltstack(&stack, nullptr);
     struct sigaction action = {};
     action.sa_handler = handle;
-    action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND | SA_NODEFER);
+    action.sa_flags = SA_ONSTACK | SA_NODEFER;
     sigemptyset(&action.sa_mask);
     for (const Signal& signal : signalsOfACrash)
         ::sigaction(signal.number, &action, nullptr);
+    std::set_terminate(giveUp);
 #endif
 }
 
 std::optional<Summary> take(const QString& logFilePath)
 {
-    QFile report(reportPathBeside(logFilePath));
-    const QFileInfo info(report.fileName());
-    if (!info.isFile() || !report.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QByteArray text = report.read(1024);
-    report.close();
-    Summary summary;
-    summary.reason = valueOf(text, "signal");
-    if (summary.reason.isEmpty())
-        summary.reason = QStringLiteral("the cause is not known");
-    bool isNumber = false;
-    const qint64 seconds = valueOf(text, "moment").toLongLong(&isNumber);
-    summary.moment = isNumber ? QDateTime::fromSecsSinceEpoch(seconds) : info.lastModified();
-    const QDir folder = info.dir();
-    summary.filePath = folder.filePath(
-        QStringLiteral("Vistrel-crash-%1.txt")
-            .arg(QLocale::c().toString(summary.moment, QStringLiteral("yyyyMMdd-HHmmss"))));
-    QFile::remove(summary.filePath);
-    if (!QFile::rename(report.fileName(), summary.filePath)) {
-        qCWarning(lcShell) << "The report of a crash cannot be moved:" << report.fileName();
-        return std::nullopt; // or it would be shown at every start
+    std::optional<Summary> latest;
+    const QFileInfoList reports = newReportsIn(QFileInfo(logFilePath).dir());
+    for (const QFileInfo& report : reports) {
+        if (const std::optional<Summary> summary = takeOne(report))
+            latest = summary;
     }
-    makeReadable(summary.filePath);
-    removeOldReports(folder);
-    qCInfo(lcShell) << "The last run crashed with" << summary.reason
-                    << "; report:" << summary.filePath;
-    return summary;
+    return latest;
 }
 
 QString notice(const Summary& summary)

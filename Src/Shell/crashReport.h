@@ -13,17 +13,20 @@ struct Summary
 {
     QString filePath; ///< the whole report
     QDateTime moment; ///< when the program crashed
-    QString reason;   ///< the name of the signal, such as "SIGSEGV"
+    QString reason;   ///< "not enough memory", or the name of the signal, such as "SIGSEGV"
 };
 
-/// Writes "Vistrel-crash.txt" into the folder of `logFilePath` when the program crashes, and lets
-/// it crash then as it would have. Once, at the start, after the log is open. Does nothing in a
-/// build with sanitizers, which have reports of their own.
+/// Writes "Vistrel-crash.PROCESS.txt", with the number of this process, into the folder of
+/// `logFilePath` when the program crashes, and lets it crash then as it would have. The report gets
+/// this name when it is complete. Of several threads that crash, the first is reported. Once, at
+/// the start, after the log is open. Does nothing in a build with sanitizers, which have reports of
+/// their own.
 void install(const QString& logFilePath);
 
-/// The report that a crashed run left beside `logFilePath`. It is moved aside, so that each crash
-/// is returned once, and its stack is written with the names of the sources; the five latest are
-/// kept. Nothing if the last run did not crash. Interface thread.
+/// The latest of the reports that crashed runs left beside `logFilePath`. All are moved aside, as
+/// "Vistrel-crash-" and the time, so that each crash is returned once, and their stacks are written
+/// with the names of the sources; the five latest are kept. Nothing if no run has crashed since the
+/// last call. Interface thread.
 std::optional<Summary> take(const QString& logFilePath);
 
 /// The sentences for the pilot: what happened, where it is written down, that nothing was sent.

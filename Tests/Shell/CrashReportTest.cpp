@@ -3,10 +3,19 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <atomic>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <thread>
+#include <unistd.h>
+#include <vector>
 
 using namespace corv;
 
@@ -35,10 +44,45 @@ int overflow(volatile int* depth) // NOLINT(misc-no-recursion)
     return overflow(depth) + block[0];
 }
 
+// All at once, as far as that can be had.
+void crashInManyThreads()
+{
+    constexpr int count = 8;
+    std::atomic<int> ready{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([&ready] {
+            ++ready;
+            while (ready < count)
+                std::this_thread::yield();
+            test::writeWhereNothingIs(nullptr);
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
 // What this program does when it is started with `crashArgument`, a kind and the path of a log.
 int crash(const QString& kind, const QString& logFile)
 {
     crashReport::install(logFile);
+    if (kind == QLatin1String("on request")) {
+        std::puts("ready");
+        std::fflush(stdout);
+        std::getchar();
+        std::abort();
+    }
+    if (kind == QLatin1String("memory"))
+        std::thread([] { throw std::bad_alloc(); }).join();
+    if (kind == QLatin1String("exception"))
+        throw std::runtime_error("unexpected");
+    if (kind == QLatin1String("threads"))
+        crashInManyThreads();
+    if (kind == QLatin1String("link")) { // in place of the report
+        const QString folder = QFileInfo(logFile).path();
+        QFile::link(folder + QStringLiteral("/other.txt"),
+                    folder + QStringLiteral("/Vistrel-crash.%1.part").arg(::getpid()));
+        std::abort();
+    }
     if (kind == QLatin1String("SIGABRT"))
         std::abort();
     if (kind == QLatin1String("SIGFPE"))
@@ -63,19 +107,34 @@ private slots:
     void init();
     void aCrashIsWrittenDown_data();
     void aCrashIsWrittenDown();
+    void anExceptionIsTheReason_data();
+    void anExceptionIsTheReason();
     void theStackHasTheNamesOfTheSources();
     void aShortLogIsTakenWhole();
     void withoutACrashThereIsNoReport();
     void aReportIsReturnedOnce();
     void theLatestReportsAreKept();
     void aBrokenReportIsReturned();
+    void aReportThatWasCutShortIsReturned_data();
+    void aReportThatWasCutShortIsReturned();
     void aLinkInPlaceOfTheReportIsNotFollowed();
+    void programsThatCrashTogetherLeaveAReportEach();
+    void threadsThatCrashTogetherLeaveAWholeReport();
 
 private:
     QString logFile() const { return m_folder->filePath(QStringLiteral("Vistrel.log")); }
-    QString reportFile() const { return m_folder->filePath(QStringLiteral("Vistrel-crash.txt")); }
+    QString reportFile() const { return m_folder->filePath(QStringLiteral("Vistrel-crash.1.txt")); }
     void writeLog(int lines) const;
-    int runCrash(const QString& kind) const;
+    int runCrash(const QString& kind);
+    QStringList reports(const QString& pattern) const
+    {
+        return QDir(m_folder->path()).entryList({pattern}, QDir::Files);
+    }
+    QByteArray newReport() const
+    {
+        const QStringList names = reports(QStringLiteral("Vistrel-crash.*"));
+        return names.size() == 1 ? contentOf(m_folder->filePath(names.first())) : QByteArray();
+    }
     static QByteArray contentOf(const QString& path)
     {
         QFile file(path);
@@ -88,6 +147,7 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_said; ///< by the program that crashed, on standard error
 };
 
 void CrashReportTest::init()
@@ -104,11 +164,13 @@ void CrashReportTest::writeLog(int lines) const
 }
 
 // The number of the signal that the program died of; 0 if it ended by itself.
-int CrashReportTest::runCrash(const QString& kind) const
+int CrashReportTest::runCrash(const QString& kind)
 {
     QProcess program;
     program.start(QCoreApplication::applicationFilePath(), {crashArgument, kind, logFile()});
-    if (!program.waitForFinished(60'000) || program.exitStatus() == QProcess::NormalExit)
+    const bool hasEnded = program.waitForFinished(60'000);
+    m_said = program.readAllStandardError();
+    if (!hasEnded || program.exitStatus() == QProcess::NormalExit)
         return 0;
     return program.exitCode();
 }
@@ -131,7 +193,7 @@ void CrashReportTest::aCrashIsWrittenDown()
     QFETCH(QByteArray, name);
     writeLog(300);
     QCOMPARE(runCrash(kind), signal);
-    const QByteArray text = contentOf(reportFile());
+    const QByteArray text = newReport();
     QVERIFY2(text.startsWith("signal: " + name + '\n'), text.left(200));
     QVERIFY(text.contains("\nversion: 1."));
     const QByteArray frames = text.mid(text.indexOf("crashed:\n")).split('\n').mid(1, 8).join('\n');
@@ -142,6 +204,32 @@ void CrashReportTest::aCrashIsWrittenDown()
     QCOMPARE(kept.size(), 200);
     QCOMPARE(kept.first(), QByteArray("line 101"));
     QCOMPARE(kept.last(), QByteArray("line 300"));
+}
+
+void CrashReportTest::anExceptionIsTheReason_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("reason");
+    QTest::addColumn<bool>("isSaid");
+    QTest::newRow("no memory") << QStringLiteral("memory") << QStringLiteral("not enough memory")
+                               << true;
+    QTest::newRow("any other") << QStringLiteral("exception")
+                               << QStringLiteral("an error that nothing handles") << false;
+}
+
+void CrashReportTest::anExceptionIsTheReason()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, reason);
+    QFETCH(bool, isSaid);
+    writeLog(3);
+    QCOMPARE(runCrash(kind), SIGABRT);
+    QCOMPARE(m_said.contains("not enough memory to go on"), isSaid);
+    QVERIFY2(newReport().startsWith("signal: SIGABRT\n"), newReport());
+    const std::optional<crashReport::Summary> summary = crashReport::take(logFile());
+    QVERIFY(summary.has_value());
+    QCOMPARE(summary->reason, reason);
+    QVERIFY(crashReport::notice(*summary).contains(reason));
 }
 
 void CrashReportTest::theStackHasTheNamesOfTheSources()
@@ -162,13 +250,13 @@ void CrashReportTest::aShortLogIsTakenWhole()
 {
     writeLog(3);
     QCOMPARE(runCrash(QStringLiteral("SIGABRT")), SIGABRT);
-    QVERIFY(contentOf(reportFile()).endsWith("last lines of the log:\nline 1\nline 2\nline 3\n"));
+    QVERIFY(newReport().endsWith("last lines of the log:\nline 1\nline 2\nline 3\n"));
 }
 
 void CrashReportTest::withoutACrashThereIsNoReport()
 {
     QCOMPARE(runCrash(QStringLiteral("nothing")), 0);
-    QVERIFY(!QFile::exists(reportFile()));
+    QCOMPARE(reports(QStringLiteral("*crash*")), QStringList());
     QVERIFY(!crashReport::take(logFile()));
 }
 
@@ -208,16 +296,84 @@ void CrashReportTest::aBrokenReportIsReturned()
     QVERIFY(summary->moment.isValid());
 }
 
+void CrashReportTest::aReportThatWasCutShortIsReturned_data()
+{
+    QTest::addColumn<QString>("process");
+    QTest::addColumn<bool>("isReturned");
+    // Above the highest number of a process that the system gives.
+    QTest::newRow("its process is gone") << QStringLiteral("2147483000") << true;
+    QTest::newRow("its process still writes")
+        << QString::number(QCoreApplication::applicationPid()) << false;
+}
+
+// While it is written a report has another name, so that nobody takes half of one.
+void CrashReportTest::aReportThatWasCutShortIsReturned()
+{
+    QFETCH(QString, process);
+    QFETCH(bool, isReturned);
+    const QString path = m_folder->filePath(QStringLiteral("Vistrel-crash.%1.part").arg(process));
+    QFile report(path);
+    QVERIFY(report.open(QIODevice::WriteOnly) && report.write("signal: SIGBUS\nmom") > 0);
+    report.close();
+    const std::optional<crashReport::Summary> summary = crashReport::take(logFile());
+    QCOMPARE(summary.has_value(), isReturned);
+    QCOMPARE(QFile::exists(path), !isReturned);
+    if (isReturned)
+        QCOMPARE(summary->reason, QStringLiteral("SIGBUS"));
+}
+
 void CrashReportTest::aLinkInPlaceOfTheReportIsNotFollowed()
 {
     const QString target = m_folder->filePath(QStringLiteral("other.txt"));
     QFile other(target);
     QVERIFY(other.open(QIODevice::WriteOnly) && other.write("kept") == 4);
     other.close();
-    QVERIFY(QFile::link(target, reportFile()));
     writeLog(3);
-    QCOMPARE(runCrash(QStringLiteral("SIGABRT")), SIGABRT);
+    QCOMPARE(runCrash(QStringLiteral("link")), SIGABRT);
     QCOMPARE(contentOf(target), QByteArray("kept"));
+}
+
+void CrashReportTest::programsThatCrashTogetherLeaveAReportEach()
+{
+    constexpr int count = 5; // as many as are kept
+    writeLog(5000);          // a report takes some time to write
+    std::vector<std::unique_ptr<QProcess>> programs;
+    for (int i = 0; i < count; ++i) {
+        programs.push_back(std::make_unique<QProcess>());
+        programs.back()->start(QCoreApplication::applicationFilePath(),
+                               {crashArgument, QStringLiteral("on request"), logFile()});
+    }
+    for (const auto& program : programs)
+        QTRY_VERIFY(program->bytesAvailable() > 0); // it waits
+    for (const auto& program : programs)
+        program->write("\n");
+    for (const auto& program : programs) {
+        QVERIFY(program->waitForFinished());
+        QCOMPARE(program->exitStatus(), QProcess::CrashExit);
+    }
+    QVERIFY(crashReport::take(logFile()));
+    QVERIFY(!crashReport::take(logFile()));
+    const QStringList kept = reports(QStringLiteral("Vistrel-crash-*.txt"));
+    QCOMPARE(kept.size(), count);
+    for (const QString& name : kept) {
+        const QByteArray text = contentOf(m_folder->filePath(name));
+        QVERIFY2(text.startsWith("signal: SIGABRT\n"), text.left(200));
+        QCOMPARE(text.count("signal: "), 1);
+        QVERIFY2(text.endsWith("\nline 5000\n"), text.right(200));
+    }
+}
+
+void CrashReportTest::threadsThatCrashTogetherLeaveAWholeReport()
+{
+    writeLog(5000);
+    for (int i = 0; i < 10; ++i) {
+        QCOMPARE(runCrash(QStringLiteral("threads")), SIGSEGV);
+        const QByteArray text = newReport();
+        QVERIFY2(text.startsWith("signal: SIGSEGV\n"), text.left(200));
+        QCOMPARE(text.count("signal: "), 1);
+        QVERIFY2(text.endsWith("\nline 5000\n"), text.right(200));
+        QVERIFY(crashReport::take(logFile()));
+    }
 }
 
 int main(int argc, char** argv)
