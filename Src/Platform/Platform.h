@@ -32,9 +32,14 @@ constexpr int driveUnknown = 0; ///< not on a block device
 constexpr int driveRemovable = 2;
 constexpr int driveFixed = 3;
 
-/// All mounted volumes in the system's order, whatever their kind. Any thread. May take as long as
-/// the slowest of them takes to answer.
+/// All mounted volumes in the system's order, whatever their kind. None of them is asked that may
+/// keep its answer back: a share whose server is gone, a device whose driver is a program that
+/// hangs. Any thread.
 QList<Volume> mountedVolumes();
+
+/// The same of a table of mounts as the system writes it, and of a folder of links to devices that
+/// are named after the labels.
+QList<Volume> volumesOf(const QString& mountTable, const QString& labelFolder);
 
 /// The kind of the drive that `device` is on. The disk decides, not the partition: the way to it
 /// leads through symbolic links, partitions and mapped devices (encryption, volume groups), and a

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStorageInfo>
 #include <algorithm>
 #include <dirent.h>
 #include <memory>
@@ -69,15 +68,6 @@ bool isAscii(const QByteArray& name)
 }
 
 } // namespace
-
-QList<Volume> mountedVolumes()
-{
-    QList<Volume> volumes;
-    const QList<QStorageInfo> mounted = QStorageInfo::mountedVolumes();
-    for (const QStorageInfo& volume : mounted)
-        volumes.append({volume.name(), volume.rootPath(), volume.device()});
-    return volumes;
-}
 
 int driveType(const QByteArray& device, const QString& sysfsRoot)
 {

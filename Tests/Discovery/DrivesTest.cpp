@@ -1,12 +1,57 @@
 #include "FakeMachine.h"
 #include "Platform/Platform.h"
+#include "Support/ScratchDisk.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QStorageInfo>
 #include <QtTest>
+#include <algorithm>
+#include <atomic>
+#include <fcntl.h>
+#include <memory>
+#include <thread>
 
 using namespace corv;
 using corv::test::FakeMachine;
+using corv::test::takeOwnMounts;
+
+namespace {
+
+bool hasOwnMounts = false;
+
+/// A mount whose driver is a program, this one, that never answers. Who asks it waits until it is
+/// gone.
+class SilentMount
+{
+public:
+    explicit SilentMount(const QString& folder) : m_folder(QFile::encodeName(folder))
+    {
+        m_driver = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
+        const QByteArray options =
+            "rootmode=40000,user_id=0,group_id=0,fd=" + QByteArray::number(m_driver);
+        m_isMounted = m_driver >= 0 && ::mount("silent", m_folder.constData(), "fuse.silent",
+                                               MS_NOSUID | MS_NODEV, options.constData()) == 0;
+    }
+    ~SilentMount()
+    {
+        if (m_driver >= 0)
+            ::close(m_driver);
+        if (m_isMounted)
+            ::umount2(m_folder.constData(), MNT_DETACH);
+    }
+    SilentMount(const SilentMount&) = delete;
+    SilentMount& operator=(const SilentMount&) = delete;
+
+    bool isMounted() const { return m_isMounted; }
+
+private:
+    const QByteArray m_folder;
+    int m_driver = -1;
+    bool m_isMounted = false;
+};
+
+} // namespace
 
 class DrivesTest : public QObject
 {
@@ -18,8 +63,18 @@ private slots:
     void theDiskDecides();
     void linksLeadToTheDevice();
     void everyMountedVolumeIsListed();
+    void mountsOfPeopleAreVolumes_data();
+    void mountsOfPeopleAreVolumes();
+    void labelsComeFromTheLinks();
+    void aMountThatDoesNotAnswerKeepsNobodyWaiting();
 
 private:
+    QList<platform::Volume> volumesOf(const QByteArray& table)
+    {
+        const QString file = m_machine.addFile(m_machine.path("mounts"), table);
+        return platform::volumesOf(file, m_machine.path("dev/disk/by-label"));
+    }
+
     FakeMachine m_machine;
 };
 
@@ -118,5 +173,87 @@ void DrivesTest::everyMountedVolumeIsListed()
     }
 }
 
-QTEST_GUILESS_MAIN(DrivesTest)
+void DrivesTest::mountsOfPeopleAreVolumes_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("folder"); // empty where it is none
+
+    const auto row = [](const char* name, const QByteArray& line, const QString& folder) {
+        QTest::newRow(name) << line + " rw,relatime 0 0\n" << folder;
+    };
+    const QByteArray here = QFile::encodeName(m_machine.path({}));
+    row("root", "overlay / overlay", "/");
+    row("device", "/dev/sdb1 /media/card vfat", "/media/card");
+    row("device, by a program", "/dev/sdb1 /media/card fuseblk", "/media/card");
+    row("blank and tab in the name", "/dev/sdb1 /media/a\\040b\\011c vfat", "/media/a b\tc");
+    row("letters", "/dev/sdb1 /media/\xc3\xbc vfat", QString::fromUtf8("/media/\xc3\xbc"));
+    row("share of a server", "server:/flights /net/flights nfs4", "/net/flights");
+    row("share of a desktop", "//server/flights /net/flights cifs", "/net/flights");
+    row("share over ssh", "me@server: /net/flights fuse.sshfs", "/net/flights");
+    row("in memory, with room", "tmpfs " + here + " tmpfs", m_machine.path({}));
+    row("without room", "none /nowhere/at/all tmpfs", {});
+    row("mounted when it is used", "/etc/auto.net /net autofs", {});
+    row("of the desktop", "gvfsd-fuse /run/user/1000/gvfs fuse.gvfsd-fuse", {});
+    row("devices", "/dev/sdb1 /dev/shm ext4", {});
+    row("nearly devices", "/dev/sdb1 /devices ext4", "/devices");
+    row("processes", "/dev/sdb1 /proc ext4", {});
+}
+
+void DrivesTest::mountsOfPeopleAreVolumes()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QString, folder);
+    const QList<platform::Volume> volumes = volumesOf(line);
+    QCOMPARE(volumes.size(), folder.isEmpty() ? 0 : 1);
+    if (volumes.isEmpty())
+        return;
+    QCOMPARE(volumes.first().rootPath, folder);
+    QCOMPARE(volumes.first().device, line.split(' ').first());
+}
+
+// The links have the device's node at their end; a blank in the label has a code.
+void DrivesTest::labelsComeFromTheLinks()
+{
+    QVERIFY(QDir().mkpath(m_machine.path("dev/disk/by-label")));
+    const QString link = m_machine.path("dev/disk/by-label/CORV\\x20\\x41\\xzz");
+    QVERIFY(QFile::link("/dev/null", link));
+    QVERIFY(QFile::link("/dev/nowhere", m_machine.path("dev/disk/by-label/GONE")));
+    const QList<platform::Volume> volumes =
+        volumesOf("/dev/null /media/card vfat rw 0 0\n/dev/zero /media/other vfat rw 0 0\n"
+                  "server:/a /net/a nfs rw 0 0\n");
+    QCOMPARE(volumes.size(), 3);
+    QCOMPARE(volumes[0].name, QString("CORV A\\xzz"));
+    QCOMPARE(volumes[1].name, QString());
+    QCOMPARE(volumes[2].name, QString());
+}
+
+void DrivesTest::aMountThatDoesNotAnswerKeepsNobodyWaiting()
+{
+    const QString folder = m_machine.path("silent");
+    QVERIFY(QDir().mkpath(folder));
+    auto mount = std::make_unique<SilentMount>(folder);
+    if (!hasOwnMounts || !mount->isMounted())
+        QSKIP("no file system of a program can be mounted here");
+    std::atomic<bool> isListed{false};
+    QList<platform::Volume> volumes;
+    std::thread listing([&] {
+        volumes = platform::mountedVolumes();
+        isListed = true;
+    });
+    const bool isInTime = QTest::qWaitFor([&] { return isListed.load(); });
+    mount.reset(); // lets whoever waits go
+    listing.join();
+    QVERIFY(isInTime);
+    QVERIFY(std::any_of(volumes.begin(), volumes.end(), [&folder](const platform::Volume& volume) {
+        return volume.rootPath == folder;
+    }));
+}
+
+int main(int argc, char** argv)
+{
+    hasOwnMounts = takeOwnMounts();
+    QCoreApplication application(argc, argv);
+    DrivesTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "DrivesTest.moc"
