@@ -38,6 +38,9 @@ namespace {
 
 constexpr int updateCheckDelayMs = 1000;
 
+// With less, the libraries that draw the window end the program, and say nothing.
+constexpr quint64 leastAddressSpaceBytes = 1'900'000'000;
+
 QStringList wordsOf(int argc, char** argv)
 {
     QStringList words;
@@ -52,6 +55,21 @@ int answer(const corv::CommandLine& line)
     const bool refused = line.wish == corv::CommandLine::Wish::refuse;
     std::fputs(qPrintable(line.text), refused ? stderr : stdout);
     return refused ? 2 : 0;
+}
+
+// Whether a window can be opened with the memory that the program may have.
+bool hasRoomForAWindow()
+{
+    const quint64 limit = corv::platform::addressSpaceLimitBytes();
+    if (limit == 0 || limit >= leastAddressSpaceBytes)
+        return true;
+    constexpr quint64 megabyte = 1'000'000;
+    std::fprintf(stderr,
+                 "vistrel: Vistrel cannot open a window: its memory is limited to %llu MB (ulimit "
+                 "-v), and it needs %llu MB at least. Raise the limit. vistrel-cli does the same "
+                 "work without a window.\n",
+                 limit / megabyte, leastAddressSpaceBytes / megabyte);
+    return false;
 }
 
 // Hands a file named on the command line to the root, which has finished loading by the time that
@@ -142,6 +160,8 @@ int main(int argc, char** argv)
     const corv::CommandLine early = corv::readCommandLine(wordsOf(argc, argv));
     if (early.wish == corv::CommandLine::Wish::showText)
         return answer(early);
+    if (!hasRoomForAWindow())
+        return 1;
 
     corv::followScreenScale();
     corv::hastenFirstFrame();

@@ -15,6 +15,10 @@ namespace corv::platform {
 /// Installed memory in kilobytes, 0 where the system does not say. Any thread.
 quint64 installedMemoryKb();
 
+/// The bytes of memory that this process may have at most, used or not; 0 without such a limit. Any
+/// thread.
+quint64 addressSpaceLimitBytes();
+
 /// The long form of a path given on the command line; the path itself where there are no others.
 QString longPath(const QString& path);
 

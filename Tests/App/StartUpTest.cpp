@@ -18,6 +18,8 @@ private slots:
     void opensTheFirstArgument();
     void answersWithoutAWindow_data();
     void answersWithoutAWindow();
+    void saysThatItsMemoryIsLimited_data();
+    void saysThatItsMemoryIsLimited();
     void recordsTheSystemOnce();
     void sweepsWhatAKilledReportLeft();
     void saysThatTheLastRunCrashed();
@@ -34,8 +36,9 @@ private:
         return m_home->filePath(QStringLiteral("data/Corvenity/Vistrel/") + name);
     }
 
-    QString m_platform; ///< of windows, where it is not that of the test
-    QString m_modules;  ///< a folder of modules that comes before that of the system
+    QStringList m_wrapper; ///< a program with its words that starts the program, if any
+    QString m_platform;    ///< of windows, where it is not that of the test
+    QString m_modules;     ///< a folder of modules that comes before that of the system
     std::unique_ptr<QTemporaryDir> m_home;
     std::unique_ptr<QProcess> m_program;
 };
@@ -49,6 +52,7 @@ const QString updateCheck = QStringLiteral("update check");
 
 void StartUpTest::init()
 {
+    m_wrapper.clear();
     m_modules.clear();
     m_platform.clear();
     m_home = std::make_unique<QTemporaryDir>();
@@ -78,7 +82,8 @@ void StartUpTest::start(const QStringList& arguments)
         environment.insert(QStringLiteral("QML2_IMPORT_PATH"), m_modules);
     m_program->setProcessEnvironment(environment);
     m_program->setWorkingDirectory(m_home->path());
-    m_program->start(QStringLiteral(VISTREL_PROGRAM), arguments);
+    const QStringList line = m_wrapper + QStringList{QStringLiteral(VISTREL_PROGRAM)} + arguments;
+    m_program->start(line[0], line.mid(1));
     QVERIFY(m_program->waitForStarted());
 }
 
@@ -149,6 +154,33 @@ void StartUpTest::answersWithoutAWindow()
     const QByteArray said = m_program->readAllStandardError();
     QCOMPARE(said.startsWith("usage: vistrel"), m_program->exitCode() == 2);
     QCOMPARE(said.contains("vistrel: Vistrel cannot open a window"), m_program->exitCode() == 1);
+}
+
+void StartUpTest::saysThatItsMemoryIsLimited_data()
+{
+    QTest::addColumn<QString>("limitBytes");
+    QTest::addColumn<bool>("opens");
+    QTest::newRow("little") << QStringLiteral("1200000000") << false;
+    QTest::newRow("nearly enough") << QStringLiteral("1899999999") << false;
+    QTest::newRow("enough") << QStringLiteral("3000000000") << true;
+}
+
+// The libraries that draw end the program without a word where they get no memory.
+void StartUpTest::saysThatItsMemoryIsLimited()
+{
+    QFETCH(QString, limitBytes);
+    QFETCH(bool, opens);
+    m_wrapper = QStringList{QStringLiteral("prlimit"), QStringLiteral("--as=") + limitBytes};
+    start({});
+    if (opens) {
+        QTRY_VERIFY_WITH_TIMEOUT(log().contains(updateCheck), 30'000);
+        return;
+    }
+    QVERIFY(m_program->waitForFinished());
+    QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program->exitCode(), 1);
+    const QByteArray said = m_program->readAllStandardError();
+    QVERIFY2(said.contains("limited to " + limitBytes.left(4).toUtf8() + " MB"), said);
 }
 
 void StartUpTest::startsWithoutArgumentsAndQuits()
