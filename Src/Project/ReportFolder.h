@@ -6,8 +6,9 @@
 
 namespace corv {
 
-/// A temporary folder for the pictures of one report, removed with this object. Its name carries
-/// the number of the process, so that `sweep` can remove what a killed program left. Any thread.
+/// A temporary folder, for the pictures of one report for instance, removed with this object. Its
+/// name carries the number of the process, so that `sweep` can remove what a killed program left.
+/// Any thread.
 class ReportFolder
 {
 public:

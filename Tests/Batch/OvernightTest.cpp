@@ -65,7 +65,8 @@ private slots:
 private:
     QStringList reviewOf(const QString& out) const
     {
-        return {"review", "--out", out, "--copy", "--thermal", "--video", path("card")};
+        return {"review",  "--out",         out,         "--copy", "--thermal",
+                "--video", "--instruments", path("card")};
     }
     QString path(const QString& name) const { return m_base.filePath(name); }
 

@@ -1,10 +1,10 @@
 #include "Cli/Command.h"
 #include "Cli/diagnostics.h"
 #include "Cli/insets.h"
+#include "Project/ReportFolder.h"
 
 #include <QFile>
 #include <QGuiApplication>
-#include <QTemporaryDir>
 #include <QTextCodec>
 #include <memory>
 
@@ -39,8 +39,10 @@ std::unique_ptr<QCoreApplication> makeApplication(const QStringList& arguments, 
         !arguments.contains(QStringLiteral("--") + thermalBarOption))
         return std::make_unique<QCoreApplication>(noArguments, argv);
     installDiagnostics(arguments.contains(QLatin1String("--verbose"))); // of the start as well
-    // The start looks for a folder of the session, and leaves one behind where there is none.
-    const QTemporaryDir session;
+    // The start looks for a folder of the session, and leaves one behind where there is none. One
+    // that a kill leaves is removed by the next start.
+    ReportFolder::sweep();
+    const ReportFolder session;
     // Programs that are started from here get the environment as it was.
     const VariableForATime folder("XDG_RUNTIME_DIR", session.isValid()
                                                          ? QFile::encodeName(session.path())

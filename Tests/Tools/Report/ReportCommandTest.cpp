@@ -3,6 +3,7 @@
 #include "Support/ProgramRun.h"
 #include "Support/WordPackage.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -72,6 +73,23 @@ private slots:
     {
         QCOMPARE(run({video(), "--out", path("alone.docx")}), 0);
         QVERIFY(!documentText(readZip(path("alone.docx"))).contains("Video time "));
+    }
+
+    // Instruments need an application for windows, which makes a folder of its own at its start.
+    void whatAKilledStartLeftIsRemoved()
+    {
+        const QTemporaryDir temporary;
+        // Above the highest number of a process that the system gives.
+        QVERIFY(QDir(temporary.path()).mkpath("vistrel-report-2147483000-aBcDeF"));
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("TMPDIR", temporary.path());
+        const ProgramRun frame = runProgram(VISTREL_CLI,
+                                            {"frame", path("sample.ecor"), "--instruments",
+                                             "--at-ms", "1000", "--out", path("frame.png")},
+                                            environment);
+        QVERIFY2(frame.status == 0, frame.error);
+        QCOMPARE(QDir(temporary.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 QStringList());
     }
 
     void failureIsOneLine_data()
