@@ -13,7 +13,16 @@ Window {
     // What cannot be copied, as soon as it is known.
     property string problem: ""
 
-    visible: job !== null
+    // A copy may end before the desktop has given its window the keyboard. Hidden then, the window
+    // would keep it, and no key would work: it stays until it has it.
+    readonly property bool hasKeyboard: keyboardPlace.activeFocus
+
+    onJobChanged: {
+        if (job !== null)
+            visible = true;
+    }
+
+    visible: false
     title: "Copying the files of the flight"
     width: 560
     height: minimumHeight
@@ -32,6 +41,18 @@ Window {
             job.cancel();
     }
 
+    Item {
+        id: keyboardPlace
+        focus: true
+    }
+
+    // The keyboard may be with another program, or with a message about the copy.
+    Timer {
+        running: copyProgressWindow.visible && copyProgressWindow.job === null
+        interval: copyProgressWindow.hasKeyboard ? 100 : 2000
+        onTriggered: copyProgressWindow.visible = false
+    }
+
     Text {
         id: progressText
         objectName: "copyProgressText"
@@ -48,8 +69,9 @@ Window {
         anchors { left: parent.left; right: parent.right; top: progressText.bottom; margins: 14 }
         minimumValue: 0
         maximumValue: 1
-        value: copyProgressWindow.job !== null && copyProgressWindow.job.total > 0
-               ? copyProgressWindow.job.done / copyProgressWindow.job.total : 0
+        value: copyProgressWindow.job === null ? maximumValue
+               : copyProgressWindow.job.total > 0
+                 ? copyProgressWindow.job.done / copyProgressWindow.job.total : 0
         Accessible.name: "Progress of the copy"
     }
 

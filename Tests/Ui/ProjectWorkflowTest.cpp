@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 
 using namespace corv::test;
 
@@ -21,6 +22,7 @@ private slots:
     void saveWithoutAFileAsksForOne();
     void savingNeedsAVideo();
     void saveAsCopiesTheMedia();
+    void aCopyThatEndsAtOnceGivesTheKeyboardBack();
     void warnsWhenTheMediaCannotBeCopied();
     void aPlainSaveThatFailsIsReported();
     void aCopyLeavesTheWorkWhereItWas();
@@ -244,6 +246,32 @@ void ProjectWorkflowTest::saveAsCopiesTheMedia()
     QVERIFY(QFile::exists(folder + "/a_log.log"));
     QVERIFY(!UiFixture::messageBox());
     QCOMPARE(m_ui->get("currentProject", "filePath").toString(), folder + "/a.ecor");
+}
+
+void ProjectWorkflowTest::aCopyThatEndsAtOnceGivesTheKeyboardBack()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    const QString path = media().newFolder() + "/a.ecor";
+    m_ui->call("doSaveProjectAs", {path});
+    QObject* const progress = m_ui->find("copyProgressWindow");
+    QVERIFY(progress);
+    QTRY_VERIFY(!progress->property("visible").toBool());
+    QVERIFY(m_ui->activate());
+
+    QSignalSpy focusChanges(qGuiApp, &QGuiApplication::focusWindowChanged);
+    const auto hadKeyboard = [&focusChanges, progress] {
+        return std::any_of(focusChanges.begin(), focusChanges.end(), [&](const auto& change) {
+            return change.first().template value<QWindow*>() == progress;
+        });
+    };
+    // Onto its own copies: nothing is left to be copied.
+    m_ui->call("doSaveProjectAs", {path});
+    QTRY_VERIFY(hadKeyboard());
+    QTRY_VERIFY(!progress->property("visible").toBool());
+    QTRY_COMPARE(QGuiApplication::focusWindow(), m_ui->window());
+    QTest::keyClick(QGuiApplication::focusWindow(), Qt::Key_End);
+    QTRY_VERIFY(player("currentFrameIndex").toInt() > 0);
 }
 
 void ProjectWorkflowTest::warnsWhenTheMediaCannotBeCopied()
