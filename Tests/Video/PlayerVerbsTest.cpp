@@ -298,16 +298,20 @@ void PlayerVerbsTest::pausedShortOfTheEndItCanGetItsPlaceBack()
 {
     addFile("a.mp4", 30, 2.0); // half a second from one to the next
     openPlayer("a.mp4");
-    QVERIFY(m_player->goToFrame(26));
-    QTRY_COMPARE(m_surface.lastNumber(), 26);
-    const auto pausing = connect(m_player.get(), &VideoPlayer::isReadToEndChanged, m_player.get(),
-                                 &VideoPlayer::pause);
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    const int shown = m_surface.lastNumber();
+    int shown = 29;
+    // A machine that is held up may play to the end before it pauses: then it tries again.
+    for (int attempt = 0; attempt < 10 && shown == 29; ++attempt) {
+        QVERIFY(m_player->goToFrame(26));
+        QTRY_COMPARE(m_surface.lastNumber(), 26);
+        const auto pausing = connect(m_player.get(), &VideoPlayer::isReadToEndChanged,
+                                     m_player.get(), &VideoPlayer::pause);
+        m_player->play();
+        QTRY_VERIFY(!m_player->playing());
+        disconnect(pausing);
+        QVERIFY(m_player->isReadToEnd());
+        shown = m_surface.lastNumber();
+    }
     QVERIFY(shown < 29);
-    QVERIFY(m_player->isReadToEnd());
-    disconnect(pausing);
     m_player->redraw();
     StillFrame still(*m_player, m_player->timePosition());
     QTRY_COMPARE(still.number(), shown);
