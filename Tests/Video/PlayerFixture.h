@@ -57,4 +57,36 @@ protected:
     std::unique_ptr<FakeFiles> m_files;
 };
 
+/// The same with a player whose pictures are recorded.
+class ShownPlayerFixture : protected PlayerFixture
+{
+protected:
+    /// Begins with an empty folder and no player: for the `init` of a suite.
+    void makeFolder()
+    {
+        m_player.reset();
+        PlayerFixture::makeFolder();
+    }
+
+    void openPlayer(const QString& name)
+    {
+        m_player = std::make_unique<VideoPlayer>(m_files->factory());
+        m_surface.numbers.clear();
+        m_player->setVideoSurface(&m_surface);
+        open(*m_player, name);
+    }
+
+    /// Frames 0 to 19, 20 to 34 and 35 to 44 in three files, 10 ms each.
+    void openJoined()
+    {
+        addFile("CORV0001.MP4", 20);
+        addFile("CORV0002.MP4", 15)->firstNumber = 20;
+        addFile("CORV0003.MP4", 10)->firstNumber = 35;
+        openPlayer("CORV0001.MP4");
+    }
+
+    RecordingSurface m_surface;
+    std::unique_ptr<VideoPlayer> m_player;
+};
+
 } // namespace corv::test

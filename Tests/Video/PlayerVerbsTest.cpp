@@ -6,7 +6,7 @@ using namespace corv::test;
 
 // What a pilot does with the picture: going somewhere, stepping, drawing anew. No wish is lost and
 // the newest wins.
-class PlayerVerbsTest : public QObject, private PlayerFixture
+class PlayerVerbsTest : public QObject, private ShownPlayerFixture
 {
     Q_OBJECT
 
@@ -24,14 +24,6 @@ private slots:
     void aSettingDuringASeekIsDrawn();
     void redrawAfterPlaybackKeepsTheFrame();
     void redrawShowsAutoRange();
-    void playedToTheEndEveryFrameIsShown();
-    void atTheEndARedrawMakesPicturesAvailable();
-    void readToTheEndItHasNoPlace();
-    void pausedShortOfTheEndItCanGetItsPlaceBack();
-    void damageAtTheEndIsAnEndLikeOthers();
-    void aMediumThatFailsIsNoEnd();
-    void playedOnAtTheEndItStartsAgain();
-    void playedOnBeforeTheEndItGoesOn();
     void aForgottenFrameIsNotShownAgain();
     void aSettingAtAnOpeningLeavesItAtTheStart();
     void exactTimeIsSignalledForEachFrame();
@@ -44,36 +36,11 @@ private slots:
     void shortWaysNeedNoPreview();
     void framesAtUnevenTimesAreFoundByTheirTime();
     void closedTheyRefuse();
-
-private:
-    void openPlayer(const QString& name);
-    void openJoined();
-
-    RecordingSurface m_surface;
-    std::unique_ptr<VideoPlayer> m_player;
 };
 
 void PlayerVerbsTest::init()
 {
-    m_player.reset();
     makeFolder();
-}
-
-void PlayerVerbsTest::openPlayer(const QString& name)
-{
-    m_player = std::make_unique<VideoPlayer>(m_files->factory());
-    m_surface.numbers.clear();
-    m_player->setVideoSurface(&m_surface);
-    open(*m_player, name);
-}
-
-// Frames 0 to 19, 20 to 34 and 35 to 44, 10 ms each.
-void PlayerVerbsTest::openJoined()
-{
-    addFile("CORV0001.MP4", 20);
-    addFile("CORV0002.MP4", 15)->firstNumber = 20;
-    addFile("CORV0003.MP4", 10)->firstNumber = 35;
-    openPlayer("CORV0001.MP4");
 }
 
 void PlayerVerbsTest::timePastTheEndIsTheLastFrame()
@@ -249,157 +216,6 @@ void PlayerVerbsTest::redrawShowsAutoRange()
     QVERIFY(m_player->seekAtFrame(5));
     QTRY_COMPARE(m_surface.lastNumber(), 5);
     QVERIFY(m_surface.numbers.size() <= 5); // those that waited were one
-}
-
-void PlayerVerbsTest::playedToTheEndEveryFrameIsShown()
-{
-    openJoined();
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_surface.lastNumber(), 44);
-    QCOMPARE(m_player->currentFrameIndex(), 44);
-    int last = -1;
-    for (const int number : m_surface.numbers) {
-        QVERIFY(number == last || number == last + 1);
-        last = number;
-    }
-}
-
-void PlayerVerbsTest::atTheEndARedrawMakesPicturesAvailable()
-{
-    openJoined();
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    m_player->redraw();
-    StillFrame still(*m_player, m_player->timePosition());
-    QTRY_COMPARE(still.number(), 44);
-    QCOMPARE(m_surface.lastNumber(), 44);
-}
-
-void PlayerVerbsTest::readToTheEndItHasNoPlace()
-{
-    openJoined();
-    QVERIFY(!m_player->isReadToEnd());
-    const QSignalSpy changes(m_player.get(), &VideoPlayer::isReadToEndChanged);
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    QVERIFY(m_player->isReadToEnd());
-    m_player->redraw();
-    QVERIFY(!m_player->isReadToEnd());
-    QCOMPARE(changes.size(), 2);
-    m_player->play();
-    QTRY_VERIFY(m_player->isReadToEnd());
-    QVERIFY(m_player->goToFrame(3));
-    QVERIFY(!m_player->isReadToEnd());
-}
-
-// Playback reads ahead: the end of the file comes before that of the pictures.
-void PlayerVerbsTest::pausedShortOfTheEndItCanGetItsPlaceBack()
-{
-    addFile("a.mp4", 30, 2.0); // half a second from one to the next
-    openPlayer("a.mp4");
-    int shown = 29;
-    // A machine that is held up may play to the end before it pauses: then it tries again.
-    for (int attempt = 0; attempt < 10 && shown == 29; ++attempt) {
-        QVERIFY(m_player->goToFrame(26));
-        QTRY_COMPARE(m_surface.lastNumber(), 26);
-        const auto pausing = connect(m_player.get(), &VideoPlayer::isReadToEndChanged,
-                                     m_player.get(), &VideoPlayer::pause);
-        m_player->play();
-        QTRY_VERIFY(!m_player->playing());
-        disconnect(pausing);
-        QVERIFY(m_player->isReadToEnd());
-        shown = m_surface.lastNumber();
-    }
-    QVERIFY(shown < 29);
-    m_player->redraw();
-    StillFrame still(*m_player, m_player->timePosition());
-    QTRY_COMPARE(still.number(), shown);
-    // And playback goes on to the end.
-    m_surface.numbers.clear();
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_surface.lastNumber(), 29);
-    QVERIFY(m_surface.numbers.contains(shown + 1));
-}
-
-void PlayerVerbsTest::damageAtTheEndIsAnEndLikeOthers()
-{
-    addFile("CORV0001.MP4", 20);
-    const auto last = addFile("CORV0002.MP4", 20);
-    last->firstNumber = 20;
-    for (int frame = 15; frame < 20; ++frame)
-        last->damaged.insert(frame);
-    openPlayer("CORV0001.MP4");
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_player->currentFrameIndex(), 34);
-    QVERIFY(m_player->isReadToEnd());
-    m_player->redraw();
-    StillFrame still(*m_player, m_player->timePosition());
-    QTRY_COMPARE(still.number(), 34);
-
-    // A seek to the same frame is a picture that a redraw need not read; it gives a place as well.
-    QVERIFY(m_player->seekAtFrame(34));
-    QTRY_COMPARE(m_surface.lastNumber(), 34);
-    m_player->play();
-    QTRY_VERIFY(m_player->isReadToEnd());
-    m_player->redraw();
-    StillFrame again(*m_player, m_player->timePosition());
-    QTRY_COMPARE(again.number(), 34);
-
-    m_surface.numbers.clear();
-    QVERIFY(m_player->playOn());
-    QTRY_VERIFY(m_surface.numbers.contains(0));
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_player->currentFrameIndex(), 34);
-}
-
-void PlayerVerbsTest::aMediumThatFailsIsNoEnd()
-{
-    const auto file = addFile("a.mp4", 30);
-    file->unreadable.insert(10);
-    openPlayer("a.mp4");
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_player->currentFrameIndex(), 9);
-    QVERIFY(!m_player->isReadToEnd());
-    m_surface.numbers.clear();
-    QVERIFY(m_player->playOn());
-    QTRY_VERIFY(!m_player->playing());
-    QVERIFY(!m_surface.numbers.contains(0));
-}
-
-void PlayerVerbsTest::playedOnAtTheEndItStartsAgain()
-{
-    openJoined();
-    m_player->play();
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_player->currentFrameIndex(), 44);
-    m_player->redraw(); // as the window does
-    m_surface.numbers.clear();
-    QVERIFY(m_player->playOn());
-    QVERIFY(m_player->playing());
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_surface.lastNumber(), 44);
-    m_surface.numbers.removeAll(44); // the redraw at the start, and the end
-    QList<int> others;
-    for (int i = 0; i < 44; ++i)
-        others << i;
-    QCOMPARE(m_surface.numbers, others);
-}
-
-void PlayerVerbsTest::playedOnBeforeTheEndItGoesOn()
-{
-    addFile("a.mp4", 30);
-    openPlayer("a.mp4");
-    QVERIFY(m_player->goToFrame(28));
-    QTRY_COMPARE(m_surface.lastNumber(), 28);
-    m_surface.numbers.clear();
-    QVERIFY(m_player->playOn());
-    QTRY_VERIFY(!m_player->playing());
-    QCOMPARE(m_surface.lastNumber(), 29);
-    QVERIFY(!m_surface.numbers.contains(0));
 }
 
 void PlayerVerbsTest::aForgottenFrameIsNotShownAgain()
