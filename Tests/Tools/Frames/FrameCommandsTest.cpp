@@ -1,38 +1,22 @@
+#include "FlightFixture.h"
 #include "Log/LogParser.h"
-#include "SampleFlight/SampleFlight.h"
 #include "SampleFlight/frameStrip.h"
-#include "Support/FullDisk.h"
-#include "Support/ProgramRun.h"
 #include "Timeline/ExportInsets.h"
 #include "Timeline/InstrumentsInset.h"
 #include "Timeline/ThermalBarInset.h"
 #include "Video/VideoPlayer.h"
 
 #include <QDir>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
+#include <numeric>
 #include <opencv2/videoio.hpp>
 
 using namespace corv;
 using namespace corv::test;
 
 namespace {
-
-ProgramRun run(const QStringList& arguments)
-{
-    return runProgram(QStringLiteral(VISTREL_CLI), arguments);
-}
-
-QByteArray contentsOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 int numberIn(const QString& path)
 {
@@ -53,6 +37,22 @@ std::vector<cv::Mat> framesOf(const QString& path)
     return frames;
 }
 
+std::vector<int> numbersOf(const std::vector<cv::Mat>& frames)
+{
+    std::vector<int> numbers;
+    for (const cv::Mat& frame : frames)
+        numbers.push_back(readFrameNumber(frame));
+    return numbers;
+}
+
+/// The numbers of the two seconds of the flight.
+std::vector<int> wholeFlight()
+{
+    std::vector<int> numbers(60);
+    std::iota(numbers.begin(), numbers.end(), 0);
+    return numbers;
+}
+
 QRect placeOfInstruments(QSize picture)
 {
     const HeadUpPainter painter;
@@ -63,12 +63,12 @@ QRect placeOfInstruments(QSize picture)
 
 } // namespace
 
-class FrameCommandsTest : public QObject
+class FrameCommandsTest : public QObject, private FlightFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { writeFlight(); }
     void frameOfAProject();
     void frameOfAVideo_data();
     void frameOfAVideo();
@@ -80,22 +80,9 @@ private slots:
     void instrumentsLeaveNoFolderBehind();
     void instrumentsOfAVideo();
     void thermalBarInACorner();
-    void thermalBarNeedsAnOverlay_data();
-    void thermalBarNeedsAnOverlay();
-    void anOverlayThatCannotBeSaysWhy();
     void wholeVideo();
-    void sourcesAreNeverWrittenOver_data();
-    void sourcesAreNeverWrittenOver();
-    void aFullDiskIsAFailure_data();
-    void aFullDiskIsAFailure();
-    void aDiskWithoutAnyRoomIsNoWrongSuffix();
-    void refusals_data();
-    void refusals();
 
 private:
-    QString path(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
-    void writeProject(const QString& file, const QString& log) const;
-
     /// The flight as the window shows it, with the settings of the project.
     struct Window
     {
@@ -103,64 +90,7 @@ private:
         VideoPlayer player;
     };
     std::unique_ptr<Window> openWindow() const;
-
-    QTemporaryDir m_folder;
-    QString m_video;
-    QString m_log;
-    QString m_project;
 };
-
-void FrameCommandsTest::initTestCase()
-{
-    SampleFlightOptions options;
-    options.videoSeconds = 2.0;
-    options.secondsPerFile = 1;
-    const SampleFlight flight(options);
-    QVERIFY(flight.writeCard(m_folder.path()));
-    m_video = m_folder.filePath(flight.videoFiles().first());
-    m_log = m_folder.filePath(SampleFlight::logFile());
-    m_project = path("flight.ecor");
-    writeProject(m_project, SampleFlight::logFile());
-    writeProject(path("nolog.ecor"), QStringLiteral("gone.log"));
-
-    QVERIFY(QDir().mkpath(path("folder.mp4")));
-    for (const auto& [name, bytes] : {std::pair{"cut.mov", contentsOf(m_video).left(20'000)},
-                                      std::pair{"empty.mov", QByteArray()}}) {
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(bytes), qint64(bytes.size()));
-    }
-    QVERIFY(QFile::link("circle.mov", path("circle.mov")));
-}
-
-void FrameCommandsTest::writeProject(const QString& file, const QString& log) const
-{
-    const auto poi = [](int timeMs) {
-        return QJsonObject{{QStringLiteral("time"), timeMs},
-                           {QStringLiteral("name"), QStringLiteral("poi")},
-                           {QStringLiteral("comment"), QString()}};
-    };
-    const QJsonObject properties{
-        {QStringLiteral("correction"), QJsonObject{{QStringLiteral("log_offset"), 300}}},
-        {QStringLiteral("display"),
-         QJsonObject{{QStringLiteral("brightness"), 20.0}, {QStringLiteral("contrast"), 0.8}}},
-        {QStringLiteral("thermal_video"), QJsonObject{{QStringLiteral("align_offset_x"), 0.1},
-                                                      {QStringLiteral("align_offset_y"), -0.05},
-                                                      {QStringLiteral("colormap_auto"), false},
-                                                      {QStringLiteral("colormap_min"), 7100.0},
-                                                      {QStringLiteral("colormap_max"), 8500.0},
-                                                      {QStringLiteral("translucent"), true},
-                                                      {QStringLiteral("visible"), true}}}};
-    const QJsonObject files{{QStringLiteral("video"), QStringLiteral("DCIM/101_CORV/CORV0001.MOV")},
-                            {QStringLiteral("log"), log}};
-    const QJsonObject flight{{QStringLiteral("files"), files},
-                             {QStringLiteral("properties"), properties},
-                             {QStringLiteral("poi"), QJsonArray{poi(100), poi(1200)}}};
-    const QJsonObject contents{{QStringLiteral("flights"), QJsonArray{flight}}};
-    QFile target(file);
-    QVERIFY(target.open(QIODevice::WriteOnly));
-    target.write(QJsonDocument(QJsonObject{{QStringLiteral("contents"), contents}}).toJson());
-}
 
 std::unique_ptr<FrameCommandsTest::Window> FrameCommandsTest::openWindow() const
 {
@@ -373,10 +303,7 @@ void FrameCommandsTest::instrumentsOfAVideo()
     const ProgramRun outcome = run({"video", m_project, "--instruments", "--out", out});
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.status, 0);
-    const std::vector<cv::Mat> frames = framesOf(out);
-    QCOMPARE(int(frames.size()), 60);
-    for (int i = 0; i < 60; ++i)
-        QCOMPARE(readFrameNumber(frames[static_cast<size_t>(i)]), i);
+    QCOMPARE(numbersOf(framesOf(out)), wholeFlight());
     const ProgramRun noLog = run({"video", m_video, "--instruments", "--out", path("none.mp4")});
     QCOMPARE(noLog.status, 1);
     QCOMPARE(noLog.error, QByteArray("vistrel-cli: --instruments needs a flight log.\n"));
@@ -417,45 +344,6 @@ void FrameCommandsTest::thermalBarInACorner()
     QVERIFY(both.copy(corner) != shown.copy(corner));
 }
 
-void FrameCommandsTest::thermalBarNeedsAnOverlay_data()
-{
-    QTest::addColumn<QStringList>("flight");
-    QTest::addColumn<QByteArray>("error");
-    QTest::newRow("not shown") << QStringList{m_video, m_log}
-                               << QByteArray("--thermal-bar: the flight does not show the thermal "
-                                             "overlay.");
-    QTest::newRow("no log") << QStringList{m_video, "--thermal"}
-                            << QByteArray("--thermal needs a log with thermal pictures");
-}
-
-void FrameCommandsTest::thermalBarNeedsAnOverlay()
-{
-    QFETCH(QStringList, flight);
-    QFETCH(QByteArray, error);
-    for (const char* command : {"frame", "video"}) {
-        const QString out = path(qstrcmp(command, "frame") == 0 ? "none.png" : "none.mp4");
-        QStringList line =
-            QStringList{command} + flight + QStringList{"--thermal-bar", "--out", out};
-        if (qstrcmp(command, "frame") == 0)
-            line += {"--at-ms", "500"};
-        const ProgramRun outcome = run(line);
-        QCOMPARE(outcome.status, 1);
-        QVERIFY2(outcome.error.contains(error), outcome.error.constData());
-        QVERIFY(!QFile::exists(out));
-    }
-}
-
-void FrameCommandsTest::anOverlayThatCannotBeSaysWhy()
-{
-    const QString out = path("none.png");
-    const ProgramRun outcome =
-        run({QStringLiteral("frame"), m_video, QStringLiteral("--thermal"),
-             QStringLiteral("--at-ms"), QStringLiteral("500"), QStringLiteral("--out"), out});
-    QCOMPARE(outcome.status, 1);
-    QVERIFY(outcome.error.contains("needs a log"));
-    QVERIFY(!QFile::exists(out));
-}
-
 void FrameCommandsTest::wholeVideo()
 {
     const QString out = path("whole.mp4");
@@ -464,9 +352,7 @@ void FrameCommandsTest::wholeVideo()
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.status, 0);
     const std::vector<cv::Mat> frames = framesOf(out);
-    QCOMPARE(int(frames.size()), 60);
-    for (int i = 0; i < 60; ++i)
-        QCOMPARE(readFrameNumber(frames[static_cast<size_t>(i)]), i);
+    QCOMPARE(numbersOf(frames), wholeFlight());
     const auto window = openWindow();
     QVERIFY(window);
     const QString shown = path("window.mp4");
@@ -477,161 +363,6 @@ void FrameCommandsTest::wholeVideo()
     QCOMPARE(shownFrames.size(), frames.size());
     for (size_t i = 0; i < frames.size(); ++i)
         QCOMPARE(cv::norm(frames[i], shownFrames[i], cv::NORM_INF), 0.0);
-}
-
-void FrameCommandsTest::sourcesAreNeverWrittenOver_data()
-{
-    QTest::addColumn<QStringList>("command");
-    QTest::addColumn<QString>("target");
-    const QStringList frame{QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
-                            QStringLiteral("0")};
-    const QStringList video{QStringLiteral("video"), m_project};
-    const QString second = path("DCIM/101_CORV/CORV0002.MOV");
-    QTest::newRow("the video by a video") << video << m_video;
-    QTest::newRow("the second file by a video") << video << second;
-    QTest::newRow("the video by a picture") << frame << m_video;
-    QTest::newRow("the log by a picture") << frame << m_log;
-    QTest::newRow("the project by a picture") << frame << m_project;
-    // A log is one by what it holds.
-    const QString log = path("log.docx");
-    QVERIFY(QFile::exists(log) || QFile::copy(m_log, log));
-    QTest::newRow("the log by a report") << QStringList{"report", m_video, log} << log;
-}
-
-void FrameCommandsTest::sourcesAreNeverWrittenOver()
-{
-    QFETCH(QStringList, command);
-    QFETCH(QString, target);
-    const QByteArray before = contentsOf(target);
-    QVERIFY(!before.isEmpty());
-    const ProgramRun outcome = run(command + QStringList{QStringLiteral("--out"), target});
-    QCOMPARE(outcome.status, 1);
-    QVERIFY(outcome.error.contains("is a file of the flight itself"));
-    QVERIFY(contentsOf(target) == before);
-}
-
-void FrameCommandsTest::aFullDiskIsAFailure_data()
-{
-    QTest::addColumn<QStringList>("command");
-    const QString flight = m_project;
-    QTest::newRow("picture") << QStringList{"frame", flight,  "--at-ms",
-                                            "0",     "--out", path("full.jpg")};
-    QTest::newRow("pictures") << QStringList{"frames", flight, "--out", path("full")};
-    QTest::newRow("mp4") << QStringList{"video", flight, "--out", path("full.mp4")};
-    QTest::newRow("avi") << QStringList{"video", flight, "--out", path("full.avi")};
-    QTest::newRow("report") << QStringList{"report", flight, "--out", path("full.docx")};
-}
-
-void FrameCommandsTest::aFullDiskIsAFailure()
-{
-    QFETCH(QStringList, command);
-    const corv::test::FullDisk disk(20000); // for the program as well
-    const ProgramRun outcome = run(command);
-    QVERIFY2(outcome.status == 1 && outcome.error.startsWith("vistrel-cli: ") &&
-                 outcome.error.count('\n') == 1,
-             outcome.error.constData());
-}
-
-// The encoder ends in the same way for both.
-void FrameCommandsTest::aDiskWithoutAnyRoomIsNoWrongSuffix()
-{
-    const corv::test::FullDisk disk(0);
-    const ProgramRun outcome = run({"video", m_project, "--out", path("none.mp4")});
-    QCOMPARE(outcome.status, 1);
-    QVERIFY2(outcome.error.contains("The disk has no room for the video"), outcome.error);
-}
-
-void FrameCommandsTest::refusals_data()
-{
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("reason");
-    const auto row = [](const char* name, const char* arguments, int status, const char* reason) {
-        QTest::newRow(name) << arguments << status << QByteArray(reason);
-    };
-    row("frame without time", "frame PROJECT --out DIR/a.png", 2, "");
-    row("frame without target", "frame PROJECT --at-ms 0", 2, "");
-    row("frame at no number", "frame PROJECT --at-ms soon --out DIR/a.png", 2,
-        "--at-ms: \"soon\" is not a whole number");
-    row("frame before the start", "frame PROJECT --at-ms -1 --out DIR/a.png", 2,
-        "--at-ms: \"-1\" is not");
-    row("frame of nothing", "frame --at-ms 0 --out DIR/a.png", 2, "");
-    row("unknown clock", "frame PROJECT --at-ms 0 --out DIR/a.png --thermal-clock wall", 2,
-        "--thermal-clock: \"wall\" is neither \"file\" nor \"screen\".");
-    row("pictures nowhere", "points PROJECT --thermal", 2, "--thermal needs --pictures.");
-    row("empty prefix", "frames PROJECT --out DIR/x --prefix=", 2, "--prefix: the value is empty.");
-    row("a folder of the video's name", "video PROJECT --out DIR/folder.mp4", 1,
-        "folder.mp4 cannot be written: a folder has this name.");
-    row("cut video", "frame DIR/cut.mov --at-ms 0 --out DIR/a.png", 1,
-        "cut.mov cannot be opened: it is cut short or damaged.");
-    row("empty video", "frame DIR/empty.mov --at-ms 0 --out DIR/a.png", 1,
-        "empty.mov cannot be opened: it is empty.");
-    row("circle of links", "frame DIR/circle.mov --at-ms 0 --out DIR/a.png", 1,
-        "circle.mov is a link that leads back to itself.");
-    row("unknown option", "frame PROJECT --at-ms 0 --out DIR/a.png --red", 2,
-        "Unknown option 'red'");
-    row("spacing of 0", "frames PROJECT --spacing 0 --out DIR/x", 2,
-        "--spacing: \"0\" is not a whole number from 1");
-    row("range upside down", "frames PROJECT --from-ms 9 --to-ms 8 --out DIR/x", 2,
-        "--to-ms 8 is before --from-ms 9.");
-    row("points of interest and a range", "frames PROJECT --poi --to-ms 8 --out DIR/x", 2,
-        "--poi takes no range.");
-    row("frames without target", "frames PROJECT", 2, "");
-    row("video without target", "video PROJECT", 2, "");
-    row("three files", "video PROJECT VIDEO LOG --out DIR/x.mp4", 2, "");
-    row("project and log", "frame PROJECT LOG --at-ms 0 --out DIR/a.png", 2, "");
-    row("a day later", "frame PROJECT --at-ms 86400000 --out DIR/a.png", 1, "");
-    row("behind the end", "frame PROJECT --at-ms 99999 --out DIR/a.png", 1, "");
-    row("range behind the end", "frames PROJECT --from-ms 99999 --out DIR/x", 1, "");
-    row("no points of interest", "frames VIDEO --poi --out DIR/x", 1, "");
-    row("unknown format", "frame PROJECT --at-ms 0 --out DIR/a.picture", 1,
-        "a.picture has not the suffix of a picture format.");
-    row("missing folder", "frame PROJECT --at-ms 0 --out DIR/none/a.png", 1,
-        "none/a.png could not be written: the folder does not exist.");
-    row("no folder to be made", "frames PROJECT --out LOG/x", 1,
-        "/x cannot be made: Not a directory.");
-    row("no place for the video", "video PROJECT --out DIR/none/a.mp4", 1,
-        "none/a.mp4 could not be written: the folder does not exist.");
-    row("unknown container", "video PROJECT --out DIR/a.picture", 1,
-        "a.picture cannot be written: its name does not end in .mp4");
-    row("no container", "video PROJECT --out DIR/a", 1,
-        "/a cannot be written: its name does not end in .mp4");
-    row("missing project", "frame DIR/none.ecor --at-ms 0 --out DIR/a.png", 1,
-        "none.ecor does not exist.");
-    row("missing video", "frame DIR/none.mp4 --at-ms 0 --out DIR/a.png", 1,
-        "none.mp4 does not exist.");
-    row("no video", "frame LOG --at-ms 0 --out DIR/a.png", 1, "cannot be opened: it is no video.");
-    row("no log", "frame VIDEO PROJECT --at-ms 0 --out DIR/a.png", 1, "is not a flight log.");
-    row("project without its log", "frame NOLOG --at-ms 0 --out DIR/a.png", 1, "");
-}
-
-void FrameCommandsTest::refusals()
-{
-    QFETCH(QString, arguments);
-    const std::pair<const char*, QString> words[] = {{"NOLOG", path("nolog.ecor")},
-                                                     {"DIR", m_folder.path()},
-                                                     {"PROJECT", m_project},
-                                                     {"VIDEO", m_video},
-                                                     {"LOG", m_log}};
-    QStringList list = arguments.split(QLatin1Char(' '));
-    for (QString& argument : list) {
-        for (const auto& word : words) {
-            if (argument.startsWith(QLatin1String(word.first))) {
-                argument.replace(0, int(qstrlen(word.first)), word.second);
-                break;
-            }
-        }
-    }
-    const ProgramRun outcome = run(list);
-    QTEST(outcome.status, "status");
-    QFETCH(QByteArray, reason);
-    const QList<QByteArray> lines = outcome.error.trimmed().split('\n');
-    QCOMPARE(lines.last().startsWith("usage: vistrel-cli "), outcome.status == 2);
-    QCOMPARE(lines.size(), outcome.status == 2 && !reason.isEmpty() ? 2 : 1);
-    if (!reason.isEmpty() || outcome.status != 2)
-        QVERIFY2(lines.first().startsWith("vistrel-cli: ") && lines.first().contains(reason),
-                 outcome.error);
-    QCOMPARE(QDir(m_folder.path()).entryList({"*.part.*"}), QStringList());
 }
 
 QTEST_MAIN(FrameCommandsTest)
