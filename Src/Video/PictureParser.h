@@ -23,8 +23,7 @@ public:
         /// The second half of the frame whose first half is the packet before: no frame of its own.
         bool isSecondField = false;
 
-        /// The packet has no picture of its own: it stands for one that came with an earlier
-        /// packet.
+        /// The packet has no picture of its own: the one at its place came with an earlier packet.
         bool isPlaceholder = false;
 
         /// Whether the picture needs no other one, or nothing is known of it.

@@ -6,6 +6,25 @@
 using namespace corv;
 using namespace corv::test;
 
+namespace {
+
+/// The preview of a player whose frames the test answers.
+struct Bench
+{
+    Bench() { preview.setPlayer(&player); }
+
+    void answer(const QImage& frame)
+    {
+        player.answer(frame);
+        deliver();
+    }
+
+    FramePlayer player;
+    FramePreview preview;
+};
+
+} // namespace
+
 /// The picture of the video at the pointer.
 class FramePreviewTest : public QObject
 {
@@ -23,18 +42,16 @@ private slots:
 
 void FramePreviewTest::showsTheFrameOfTheTime()
 {
-    FramePlayer player;
-    FramePreview preview;
-    preview.setPlayer(&player);
-    QSignalSpy changed(&preview, &FramePreview::pictureChanged);
-    preview.show(timeAt(4000));
-    QCOMPARE(player.requestedTimes(), std::vector<QTime>{timeAt(4000)});
-    player.answer(frameOf(Qt::red));
-    QVERIFY(preview.picture().isNull());
+    Bench bench;
+    QSignalSpy changed(&bench.preview, &FramePreview::pictureChanged);
+    bench.preview.show(timeAt(4000));
+    QCOMPARE(bench.player.requestedTimes(), std::vector<QTime>{timeAt(4000)});
+    bench.player.answer(frameOf(Qt::red));
+    QVERIFY(bench.preview.picture().isNull());
     deliver();
     QCOMPARE(changed.count(), 1);
-    QCOMPARE(preview.picture().width(), FramePreview::picturePx);
-    QCOMPARE(preview.picture().pixelColor(10, 10), QColor(Qt::red));
+    QCOMPARE(bench.preview.picture().width(), FramePreview::picturePx);
+    QCOMPARE(bench.preview.picture().pixelColor(10, 10), QColor(Qt::red));
 }
 
 // Left out instead, the lines of a fence or of solar cells turn into false patterns.
@@ -44,79 +61,61 @@ void FramePreviewTest::finePatternsAreAveraged()
     for (int y = 0; y < stripes.height(); ++y)
         for (int x = 0; x < stripes.width(); ++x)
             stripes.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
-    FramePlayer player;
-    FramePreview preview;
-    preview.setPlayer(&player);
-    preview.show(timeAt(4000));
-    player.answer(stripes);
-    deliver();
+    Bench bench;
+    bench.preview.show(timeAt(4000));
+    bench.answer(stripes);
     for (int x = 20; x < 30; ++x) {
-        const int grey = preview.picture().pixelColor(x, 60).lightness();
+        const int grey = bench.preview.picture().pixelColor(x, 60).lightness();
         QVERIFY2(grey > 60 && grey < 195, qPrintable(QString::number(grey)));
     }
 }
 
 void FramePreviewTest::theNewestWishReplacesTheOneThatWaits()
 {
-    FramePlayer player;
-    FramePreview preview;
-    preview.setPlayer(&player);
+    Bench bench;
     for (int ms = 1000; ms <= 9000; ms += 1000)
-        preview.show(timeAt(ms));
-    QCOMPARE(player.requestedTimes(), std::vector<QTime>{timeAt(1000)});
-    player.answer(frameOf(Qt::red));
-    deliver();
-    QCOMPARE(player.requestedTimes(), std::vector<QTime>{timeAt(9000)});
-    player.answer(frameOf(Qt::blue));
-    deliver();
-    QVERIFY(player.requests.empty());
-    QCOMPARE(preview.picture().pixelColor(10, 10), QColor(Qt::blue));
+        bench.preview.show(timeAt(ms));
+    QCOMPARE(bench.player.requestedTimes(), std::vector<QTime>{timeAt(1000)});
+    bench.answer(frameOf(Qt::red));
+    QCOMPARE(bench.player.requestedTimes(), std::vector<QTime>{timeAt(9000)});
+    bench.answer(frameOf(Qt::blue));
+    QVERIFY(bench.player.requests.empty());
+    QCOMPARE(bench.preview.picture().pixelColor(10, 10), QColor(Qt::blue));
 }
 
 void FramePreviewTest::afterClearNothingArrives()
 {
-    FramePlayer player;
-    FramePreview preview;
-    preview.setPlayer(&player);
-    preview.show(timeAt(1000));
-    preview.show(timeAt(2000));
-    preview.clear();
-    player.answer(frameOf(Qt::red));
-    deliver();
-    QVERIFY(preview.picture().isNull());
-    QVERIFY(player.requests.empty());
+    Bench bench;
+    bench.preview.show(timeAt(1000));
+    bench.preview.show(timeAt(2000));
+    bench.preview.clear();
+    bench.answer(frameOf(Qt::red));
+    QVERIFY(bench.preview.picture().isNull());
+    QVERIFY(bench.player.requests.empty());
 }
 
 void FramePreviewTest::aFrameThatCannotBeHadLeavesTheNextWish()
 {
-    FramePlayer player;
-    FramePreview preview;
-    preview.setPlayer(&player);
-    preview.show(timeAt(1000));
-    preview.show(timeAt(2000));
-    player.answer(QImage());
-    deliver();
-    QCOMPARE(player.requestedTimes(), std::vector<QTime>{timeAt(2000)});
+    Bench bench;
+    bench.preview.show(timeAt(1000));
+    bench.preview.show(timeAt(2000));
+    bench.answer(QImage());
+    QCOMPARE(bench.player.requestedTimes(), std::vector<QTime>{timeAt(2000)});
 }
 
 // A card was pulled out.
 void FramePreviewTest::aFrameThatCannotBeHadShowsNoOtherOne()
 {
-    FramePlayer player;
-    FramePreview preview;
-    preview.setPlayer(&player);
-    preview.show(timeAt(1000));
-    player.answer(frameOf(Qt::red));
-    deliver();
-    QVERIFY(!preview.picture().isNull());
-    preview.show(timeAt(2000));
-    preview.show(timeAt(3000));
-    player.answer(QImage());
-    deliver();
-    QVERIFY(!preview.picture().isNull()); // the next one is on its way
-    player.answer(QImage());
-    deliver();
-    QVERIFY(preview.picture().isNull());
+    Bench bench;
+    bench.preview.show(timeAt(1000));
+    bench.answer(frameOf(Qt::red));
+    QVERIFY(!bench.preview.picture().isNull());
+    bench.preview.show(timeAt(2000));
+    bench.preview.show(timeAt(3000));
+    bench.answer(QImage());
+    QVERIFY(!bench.preview.picture().isNull()); // the next one is on its way
+    bench.answer(QImage());
+    QVERIFY(bench.preview.picture().isNull());
 }
 
 void FramePreviewTest::aPictureMayOutliveItsRequester()
