@@ -5,8 +5,59 @@ extern "C" {
 }
 
 #include <QThread>
+#include <algorithm>
+#include <cstdarg>
+#include <cstddef>
+#include <cstring>
 
 namespace corv {
+namespace {
+
+// The messages of decoders of ours have levels from here on, by which they are known among those of
+// other users of the library; nobody prints such levels.
+constexpr int firstLevel = 4096;
+
+bool begins(const char* text, const char* beginning)
+{
+    return std::strncmp(text, beginning, std::strlen(beginning)) == 0;
+}
+
+// The library states in its messages alone which packet it had to guess parts of: with one thread
+// per frame, the flag of a picture that waits for others to be shown first gets lost. Called by
+// the thread that decodes the packet, with its own copy of the context.
+void noteMessage(void* object, int level, const char* format, va_list)
+{
+    if (level < firstLevel || level > firstLevel + AV_LOG_INFO || !object ||
+        *static_cast<const AVClass* const*>(object) != avcodec_get_class())
+        return;
+    const auto* context = static_cast<const AVCodecContext*>(object);
+    const bool isGuess = begins(format, "concealing ") || begins(format, "error while decoding MB");
+    if (isGuess && context->log_level_offset == firstLevel && context->opaque)
+        static_cast<AvDecoder::GuessedPackets*>(context->opaque)
+            ->note(static_cast<int>(context->reordered_opaque));
+}
+
+} // namespace
+
+void AvDecoder::GuessedPackets::note(int packet)
+{
+    m_next[static_cast<size_t>(packet) % m_next.size()].store(packet + 1);
+    m_isAny.store(true);
+}
+
+std::vector<int> AvDecoder::GuessedPackets::take()
+{
+    std::vector<int> packets;
+    if (!m_isAny.load(std::memory_order_relaxed) || !m_isAny.exchange(false))
+        return packets;
+    for (std::atomic<int>& next : m_next) {
+        const int noted = next.exchange(0);
+        if (noted > 0)
+            packets.push_back(noted - 1);
+    }
+    std::sort(packets.begin(), packets.end());
+    return packets;
+}
 
 std::unique_ptr<AvDecoder> AvDecoder::open(const AVCodecParameters& parameters)
 {
@@ -18,6 +69,10 @@ std::unique_ptr<AvDecoder> AvDecoder::open(const AVCodecParameters& parameters)
     AVCodecContext* context = decoder->m_context.get();
     if (!context || avcodec_parameters_to_context(context, &parameters) < 0)
         return nullptr;
+    static const bool isListening = (av_log_set_callback(noteMessage), true);
+    Q_UNUSED(isListening)
+    context->log_level_offset = firstLevel;
+    context->opaque = &decoder->m_guessed;
     context->thread_count = QThread::idealThreadCount();
     if (avcodec_open2(context, codec, nullptr) < 0)
         return nullptr;
@@ -49,10 +104,16 @@ bool AvDecoder::isBroken(const AVFrame& picture)
     return picture.decode_error_flags != 0 || picture.flags & AV_FRAME_FLAG_CORRUPT;
 }
 
+std::vector<int> AvDecoder::takeGuessed()
+{
+    return m_guessed.take();
+}
+
 bool AvDecoder::send(AVPacket& packet, int number, bool skipUnreferenced)
 {
     packet.pts = number;
     packet.dts = number;
+    m_context->reordered_opaque = number;
     m_context->skip_frame = skipUnreferenced ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     return avcodec_send_packet(m_context.get(), &packet) >= 0;
 }
@@ -66,6 +127,7 @@ void AvDecoder::sendEnd()
 void AvDecoder::flush()
 {
     avcodec_flush_buffers(m_context.get());
+    m_guessed.take();
 }
 
 int AvDecoder::delay() const

@@ -2,7 +2,10 @@
 
 #include "Video/AvInput.h"
 
+#include <array>
+#include <atomic>
 #include <memory>
+#include <vector>
 
 struct AVCodecParameters;
 
@@ -36,8 +39,13 @@ public:
     /// The number of the packet of a picture.
     static int numberOf(const AVFrame& picture);
 
-    /// Whether the decoder had to guess parts of a picture.
+    /// Whether a picture says that the decoder had to guess parts of it. One that is shown behind
+    /// others that were decoded later may not say so: takeGuessed() does.
     static bool isBroken(const AVFrame& picture);
+
+    /// The packets, ascending, in whose pictures the decoder had to guess parts, each given once:
+    /// not later than a picture that is built on one of them.
+    std::vector<int> takeGuessed();
 
     /// Hands over a packet, whose times are overwritten. With `skipUnreferenced` no picture comes
     /// of it if no other one is built on it. False if the decoder took a packet for damaged: this
@@ -53,9 +61,23 @@ public:
     /// How many packets may be in work at once, besides the last.
     int delay() const;
 
+    /// Packets whose pictures have guessed parts. Noted by the threads of a decoder, taken by its
+    /// user; both keep up with the decoding.
+    class GuessedPackets
+    {
+    public:
+        void note(int packet);
+        std::vector<int> take();
+
+    private:
+        std::array<std::atomic<int>, 1024> m_next{}; // the packet's number + 1 at its place, or 0
+        std::atomic<bool> m_isAny{false};
+    };
+
 private:
     AvDecoder() = default;
 
+    GuessedPackets m_guessed; // outlives the context, whose threads use it
     AvCodecContextPtr m_context;
 };
 

@@ -71,6 +71,7 @@ private:
     bool isLeftInside(Step step, int wanted) const;
     int startFor(int frame) const;
     bool isStartSpread();
+    int placeBefore(int packet) const;
     bool startAt(int packet);
     bool reopen();
     void forgetPosition();
@@ -101,9 +102,11 @@ private:
     bool m_isKeyWhole = false;
 
     int m_start = 0;      // the packet that decoding began at
+    int m_expected = 0;   // the packet that probably comes next
     int m_lastSent = -1;  // the packet that the decoder got last
     int m_lastShown = -1; // the frame that the decoder gave last
     bool m_inPlace = false;
+    bool m_isMediumLost = false; // by the last reading
     bool m_isDrained = false;
     int m_damagedFrom = 0; // packets from here ...
     int m_damagedTo = 0;   // ... to before this one give no good pictures
@@ -176,7 +179,8 @@ Status AvFrameSource::decodeFirst()
     for (;;) {
         const AvDecoder::Outcome outcome = m_decoder->receive(*m_picture);
         if (outcome == AvDecoder::Outcome::picture) {
-            m_inPlace = m_inPlace && !AvDecoder::isBroken(*m_picture);
+            m_inPlace =
+                m_inPlace && !AvDecoder::isBroken(*m_picture) && m_decoder->takeGuessed().empty();
             return {};
         }
         if (outcome == AvDecoder::Outcome::end)
@@ -203,6 +207,7 @@ Status AvFrameSource::decodeFirst()
         }
         noteFields(parser);
         ++m_lastSent;
+        m_expected = m_lastSent + 1;
         if (isKeyframeAwaited())
             continue;
         if (!m_decoder->send(*m_packet, m_lastSent, false))
@@ -246,13 +251,17 @@ bool AvFrameSource::reopen()
     Result<std::unique_ptr<AvInput>> input = m_video->openInput();
     if (!input)
         return false;
+    if (m_input && (*input)->sizeBytes() != m_input->sizeBytes())
+        return false; // another file of that name
     m_input = std::move(*input);
+    m_isMediumLost = false;
     if (m_video->packetsAsStored)
         m_input->takePacketsAsStored();
     else
         m_input->probe();
     m_input->rewind();
-    m_decoder = AvDecoder::open(*m_video->parameters);
+    if (!m_decoder)
+        m_decoder = AvDecoder::open(*m_video->parameters);
     return m_decoder != nullptr;
 }
 
@@ -329,9 +338,11 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
 {
     m_lastGoodFrame = -1;
     int attempt = start;
+    bool isRetried = false;
     for (int attempts = 0;; ++attempts) {
         if (attempt >= 0 && !startAt(attempt))
             return ReadOutcome::failed;
+        const int sentBefore = m_lastSent;
         const Step step = decodeNext(wanted);
         if (isLeftInside(step, wanted) && attempts < mostSeekAttempts) {
             attempt = index().startBefore(m_start);
@@ -344,8 +355,14 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
         case Step::end:
             return ReadOutcome::end;
         case Step::failed:
-            forgetPosition();
-            return ReadOutcome::failed;
+            // A card that was pulled out may be back already.
+            m_isMediumLost = true;
+            if (m_lastSent != sentBefore || std::exchange(isRetried, true)) {
+                forgetPosition();
+                return ReadOutcome::failed;
+            }
+            attempt = startFor(wanted);
+            break;
         case Step::overshot:
             // The keyframe before; in the end the start of the file.
             attempt = attempts < mostSeekAttempts ? index().startBefore(m_start) : 0;
@@ -381,16 +398,32 @@ bool AvFrameSource::isStartSpread()
     return m_isKeySpread;
 }
 
+// A packet to seek to, so that this one is read whole and known for what it is. Where packets begin
+// inside blocks, the rest of another one comes first behind a seek.
+int AvFrameSource::placeBefore(int packet) const
+{
+    const FrameIndex& frames = index();
+    int place = packet;
+    if (m_input->cutsAnywhere())
+        while (place > 0 && frames.packet(place).position >= frames.packet(packet).position)
+            --place;
+    return place;
+}
+
 bool AvFrameSource::startAt(int packet)
 {
+    // What was opened on a card that was pulled out stays dead when the card is back.
+    if (m_isMediumLost)
+        reopen();
     forgetPosition();
     m_decoder->flush();
-    const FrameIndex::Packet& at = index().packet(packet);
+    const FrameIndex::Packet& at = index().packet(placeBefore(packet));
     const bool positioned =
         packet == 0 ? m_input->rewind() : m_input->seek(at.storedDts(), at.position);
     if (!positioned && !(packet > 0 && m_input->rewind()) && !reopen())
         return false;
     m_start = packet;
+    m_expected = m_input->cutsAnywhere() ? -1 : packet;
     m_lastShown = packet == 0 ? -1 : index().firstFrameFrom(packet) - 1;
     m_inPlace = true;
     return true;
@@ -410,7 +443,10 @@ void AvFrameSource::forgetPosition()
 AvFrameSource::Step AvFrameSource::decodeNext(int wanted)
 {
     for (;;) {
-        switch (m_decoder->receive(*m_picture)) {
+        const AvDecoder::Outcome outcome = m_decoder->receive(*m_picture);
+        for (const int packet : m_decoder->takeGuessed())
+            markDamage(packet, packet);
+        switch (outcome) {
         case AvDecoder::Outcome::picture:
             if (takePicture(wanted) == Step::picture)
                 return Step::picture;
@@ -470,8 +506,9 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
             m_isDrained = true;
             return Step::picture;
         }
-        const int packet = frames.find(m_packet->pos, m_packet->dts, m_packet->pts,
-                                       std::max(m_lastSent, m_start - 1) + 1);
+        const int packet = frames.find(m_packet->pos, m_packet->dts, m_packet->pts, m_expected);
+        if (packet >= 0)
+            m_expected = packet + 1;
         if (packet < m_start || packet <= m_lastSent)
             continue; // before the start, or none that the index knows
         if (m_lastSent < 0 && packet > m_start) {
@@ -501,7 +538,8 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
 void AvFrameSource::markDamage(int from, int last)
 {
     const int end = std::min(last + mostDoubtfulPackets, index().keyPacketAfter(last));
-    const bool follows = m_damagedTo > 0 && from <= m_damagedTo + mostReordered;
+    const bool follows =
+        m_damagedTo > 0 && from <= m_damagedTo + mostReordered + m_decoder->delay();
     m_damagedFrom = follows ? std::min(from, m_damagedFrom) : from;
     m_damagedTo = follows ? std::max(end, m_damagedTo) : end;
 }

@@ -175,6 +175,11 @@ bool AvInput::describesPackets() const
     return std::strstr(m_context->iformat->name, "mp4") != nullptr;
 }
 
+bool AvInput::cutsAnywhere() const
+{
+    return std::strcmp(m_context->iformat->name, "mpeg") == 0;
+}
+
 double AvInput::statedFps() const
 {
     const double fps = av_q2d(av_guess_frame_rate(m_context, video(), nullptr));

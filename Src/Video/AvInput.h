@@ -61,6 +61,10 @@ public:
     /// Whether the container is of those whose clock can begin anew inside a file.
     bool canClockBeginAnew() const { return m_seeksByPosition; }
 
+    /// Whether the container is cut into blocks without regard to packets, as a programme stream
+    /// is: the position of a packet is that of the block in which it begins.
+    bool cutsAnywhere() const;
+
     /// The rate as the file states it, in frames per second; 0 if it does not. After probe(), where
     /// there is need of it.
     double statedFps() const;

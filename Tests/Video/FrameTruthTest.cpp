@@ -5,6 +5,7 @@
 #include "openVideo.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 #include <algorithm>
@@ -52,6 +53,8 @@ private slots:
     void timesGoOnWhereAClockBeginsAnew();
     void damageCostsNoMoreThanItself_data();
     void damageCostsNoMoreThanItself();
+    void guessedPicturesAreNotShown_data();
+    void guessedPicturesAreNotShown();
 
 private:
     struct Shown
@@ -451,6 +454,74 @@ void FrameTruthTest::damageCostsNoMoreThanItself()
         QVERIFY(shown.index >= wanted || shown.index == before);
         QCOMPARE(shown.number, numberOf(shown));
     }
+}
+
+void FrameTruthTest::guessedPicturesAreNotShown_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("encoding");
+    const QStringList h264{"-c:v", "libx264", "-threads", "1",        "-preset",
+                           "fast", "-g",      "18",       "-pix_fmt", "yuv420p"};
+    QTest::newRow("h264") << "a.mp4" << h264 + QStringList{"-bf", "0"};
+    QTest::newRow("h264, b-frames") << "a.mp4" << h264 + QStringList{"-bf", "2"};
+    QTest::newRow("h264, b-frames of b-frames")
+        << "a.mp4" << h264 + QStringList{"-bf", "7", "-x264-params", "b-pyramid=normal:b-adapt=0"};
+    QTest::newRow("h264, slices") << "a.mkv"
+                                  << h264 + QStringList{"-bf", "2", "-x264-params", "slices=3"};
+    QTest::newRow("mpeg-4, b-frames")
+        << "a.mp4" << QStringList{"-c:v", "mpeg4", "-bf", "2", "-q:v", "3", "-g", "18"};
+}
+
+// Where damage leaves a decoder a part of a picture, it guesses the rest, also in the pictures that
+// are built on it.
+void FrameTruthTest::guessedPicturesAreNotShown()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, encoding);
+    constexpr int places = 12;
+    const QString file = path(name);
+    // In a small picture a decoder may find nonsense that reaches to the end.
+    QVERIFY(make(file, {"-vf", "scale=320:240"}, encoding));
+    std::vector<cv::Mat> whole; // by time, in frames
+    auto source = openVideo(file);
+    QVERIFY(source);
+    for (cv::Mat picture = readPicture(*source); !picture.empty(); picture = readPicture(*source))
+        whole.push_back(picture);
+    QCOMPARE(whole.size(), size_t(90));
+
+    QFile original(file);
+    QVERIFY(original.open(QIODevice::ReadOnly));
+    const QByteArray bytes = original.readAll();
+    std::mt19937 random(1);
+    int lost = 0;
+    for (int place = 0; place < places; ++place) {
+        QByteArray damaged = bytes;
+        const int start = static_cast<int>(bytes.size() * (0.15 + 0.7 * place / places));
+        for (int i = start; i < start + 40; ++i)
+            damaged[i] = static_cast<char>(random());
+        const QString copy = path("damaged." + QFileInfo(name).suffix());
+        QFile target(copy);
+        QVERIFY(target.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        QCOMPARE(target.write(damaged), qint64(damaged.size()));
+        target.close();
+
+        source = openVideo(copy);
+        QVERIFY(source);
+        Frame frame;
+        int good = 0;
+        while (source->read(frame) == ReadOutcome::frame) {
+            const auto number = static_cast<size_t>(std::lround(frame.timeMs * 30.0 / 1000.0));
+            QVERIFY(number < whole.size());
+            cv::Mat picture;
+            toBgr(frame, picture);
+            QVERIFY2(cv::norm(picture, whole[number], cv::NORM_INF) <= 1.0,
+                     qPrintable(QString("frame %1, damage %2").arg(number).arg(place)));
+            ++good;
+        }
+        QVERIFY(good >= 45);
+        lost += 90 - good;
+    }
+    QVERIFY(lost >= places);
 }
 
 QTEST_GUILESS_MAIN(FrameTruthTest)
