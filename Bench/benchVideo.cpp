@@ -48,6 +48,7 @@ public:
     void onWishServed(int, WishOutcome) override {}
     void onRedrawFinished(int) override {}
     void onPlaybackEnded(int, int) override {}
+    void onReadFailed(int, const QString&) override {}
     void onThermalFrames(const Status&) override {}
     void onBurstFinished() override {}
 };

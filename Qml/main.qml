@@ -499,6 +499,7 @@ ReviewWindow {
                 thermalAsOnScreen: generalSettings.thermalAsOnScreen
                 onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
                 onVideoExportComplete: mainWindow.videoExportComplete(result)
+                onReadFailed: infoTab.showNotice(sentence)
             }
 
             MouseArea {

@@ -194,6 +194,7 @@ OpenCvWorker::Produced OpenCvWorker::produceFrame(FrameUse use)
         qCInfo(lcVideo) << "Read failed in" << entry.file << "for frame " << position << " at ms"
                         << truncateToInt(fileMs);
         endPlayback(noFrame);
+        reportFailure(entry);
         return Produced::failure;
     }
     if (use == FrameUse::playback)
@@ -217,6 +218,7 @@ bool OpenCvWorker::moveToNextFile()
     if (!current().capture->seekToFrame(0)) {
         qCInfo(lcVideo) << "Failed to seek in the beginning for" << current().file;
         endPlayback(noFrame);
+        reportFailure(current());
         return false;
     }
     postToClient([opening = m_opening, file = current().file](WorkerClient& client) {
@@ -432,6 +434,13 @@ void OpenCvWorker::updateLogData(bool hasParser, const std::shared_ptr<const Log
     m_overlay.updateLogData(hasParser, log);
     postToClient(
         [status = m_overlay.status()](WorkerClient& client) { client.onThermalFrames(status); });
+}
+
+void OpenCvWorker::reportFailure(const VideoFileEntry& entry)
+{
+    postToClient([opening = m_opening, file = entry.file](WorkerClient& client) {
+        client.onReadFailed(opening, file);
+    });
 }
 
 void OpenCvWorker::endPlayback(int lastFrame)

@@ -145,6 +145,8 @@ private:
                         const PictureInsets& insets);
     PictureInset::Moment momentOf(int timelineMs, QSize picture) const;
     void endPlayback(int lastFrame);
+    void reportFailure(const VideoFileEntry& entry);
+    void returnToLastFrame();
 
     template <typename Call>
     void postToClient(Call call);

@@ -89,10 +89,28 @@ void OpenCvWorker::serveWish(const SeekWish& wish)
             outcome = WishOutcome::shown;
         if (outcome == WishOutcome::shown && wish.steps < 0 && m_lastFrameIndex > m_wishedFrame)
             passLostFrames();
+        if (outcome == WishOutcome::failed)
+            returnToLastFrame();
     }
     postToClient([opening = m_opening, outcome](WorkerClient& client) {
         client.onWishServed(opening, outcome);
     });
+}
+
+// What could not be reached is not on screen either: playback goes on from what is.
+void OpenCvWorker::returnToLastFrame()
+{
+    if (m_lastFrame.isNull())
+        return;
+    const int file = m_timeline.fileOfFrame(m_lastFrameIndex);
+    VideoFileEntry& entry = m_timeline.entry(file);
+    if (m_currentSource != file) {
+        leaveFileFor(file);
+        postToClient([opening = m_opening, path = entry.file](WorkerClient& client) {
+            client.onCurrentFile(opening, path);
+        });
+    }
+    entry.capture->seekToFrame(m_lastFrameIndex + 1 - entry.firstFrameIndex);
 }
 
 int OpenCvWorker::placeOf(const SeekWish& wish) const
@@ -122,6 +140,7 @@ OpenCvWorker::Produced OpenCvWorker::goToFrame(int index, FrameUse use)
     if (!entry.capture->seekToFrame(index - entry.firstFrameIndex)) {
         qCInfo(lcVideo) << "Failed to seek in" << entry.file << "to frame"
                         << index - entry.firstFrameIndex;
+        reportFailure(entry);
         return Produced::failure;
     }
     return produceFrame(use);

@@ -313,6 +313,10 @@ signals:
     void showIRChanged();
     /// One of the flight's files does not open; the others make up the timeline.
     void sourceOpenError(QString file);
+    /// A file of the open flight can no longer be read, as when its card is pulled out: a sentence
+    /// for the pilot, once for each attempt to play or to go somewhere. Playback is paused, and the
+    /// next attempt looks whether the file is back.
+    void readFailed(QString sentence);
     void irDataChanged();
     void isBusyChanged();
     void videoExportProgress(int exportedFrames, int totalFrames);
@@ -365,6 +369,7 @@ private:
     void onWishServed(int opening, WishOutcome outcome) override;
     void onRedrawFinished(int opening) override;
     void onPlaybackEnded(int opening, int lastFrame) override;
+    void onReadFailed(int opening, const QString& file) override;
     void onThermalFrames(const Status& status) override;
     void onBurstFinished() override;
 
@@ -453,6 +458,7 @@ private:
     bool m_awaitsFirstFrame = false; ///< the shown index is that of the video before
     bool m_endReached = false;       // the frames in the queue are the last
     bool m_isReadToEnd = false;      // the worker has no place
+    bool m_isFailureKnown = false;   // of the attempt under way
     int m_lastGoodFrame = -1;        // where playback ended, below 0 if it has not yet
     PlaybackClock m_clock;
     QElapsedTimer m_steadyClock;

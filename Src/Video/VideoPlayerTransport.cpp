@@ -4,6 +4,7 @@
 #include "Video/OpenCvWorker.h"
 #include "Video/frameConversion.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -64,6 +65,7 @@ bool VideoPlayer::seekAtFrame(int frameOrdinal)
 void VideoPlayer::startSeek(std::function<void(OpenCvWorker&)> job)
 {
     m_seeking = true;
+    m_isFailureKnown = false;
     m_restTimer.stop();
     clearQueue();
     toWorker(std::move(job));
@@ -127,6 +129,7 @@ bool VideoPlayer::playOn()
     const int last = m_lastGoodFrame < 0 ? m_frameCount - 1 : m_lastGoodFrame;
     if (!m_playing && !isGoing && m_currentFrameIndex >= last)
         goToFrame(0);
+    m_isFailureKnown = false;
     if (!play())
         return false;
     // A medium that failed has left nothing in the queue: the next attempt says whether it is back.
@@ -244,6 +247,18 @@ void VideoPlayer::onPlaybackEnded(int opening, int lastFrame)
     if (!m_endReached)
         pause();
     setReadToEnd(isEnd);
+}
+
+void VideoPlayer::onReadFailed(int opening, const QString& file)
+{
+    if (opening != m_opening || std::exchange(m_isFailureKnown, true))
+        return;
+    // A playhead that was put elsewhere goes back to the picture.
+    emit timePositionChanged(m_timePosition);
+    emit exactTimePositionChanged(m_timePosition);
+    emit readFailed(tr("%1 can no longer be read. If its card was taken out, put it back and "
+                       "press Play.")
+                        .arg(QFileInfo(file).fileName()));
 }
 
 void VideoPlayer::paintNextFrame()

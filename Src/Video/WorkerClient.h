@@ -85,6 +85,9 @@ public:
     /// flight, and so no pictures to be saved, until it goes to a frame; below 0 if it is not.
     virtual void onPlaybackEnded(int opening, int lastFrame) = 0;
 
+    /// A file of the timeline, which was to be read on or gone to, gives nothing more.
+    virtual void onReadFailed(int opening, const QString& file) = 0;
+
     /// The thermal frames of a log have been taken over, or why there are none.
     virtual void onThermalFrames(const Status& status) = 0;
 

@@ -44,6 +44,7 @@ struct Medium
 {
     std::atomic<qint64> bytesRead{0};
     std::atomic<qint64> lostFrom{-1}; ///< reads from here on fail; -1: none
+    std::atomic<int> timesPulled{0};  ///< what was opened before the last time stays dead
     std::atomic<qint64> heldAt{-1};   ///< reads that touch this place wait; -1: none
 
     /// Opens files on this medium.
@@ -54,7 +55,8 @@ class MediumBytes : public ByteSource
 {
 public:
     MediumBytes(std::unique_ptr<ByteSource> bytes, std::shared_ptr<Medium> medium)
-        : m_bytes(std::move(bytes)), m_medium(std::move(medium))
+        : m_bytes(std::move(bytes)), m_medium(std::move(medium)),
+          m_pulledBefore(m_medium->timesPulled)
     {
     }
 
@@ -62,6 +64,8 @@ public:
 
     qint64 readAt(qint64 position, uchar* bytes, qint64 count) override
     {
+        if (m_medium->timesPulled != m_pulledBefore)
+            return -1;
         const qint64 lostFrom = m_medium->lostFrom;
         while (m_medium->heldAt >= position && m_medium->heldAt < position + count)
             QThread::yieldCurrentThread();
@@ -75,6 +79,7 @@ public:
 private:
     std::unique_ptr<ByteSource> m_bytes;
     std::shared_ptr<Medium> m_medium;
+    int m_pulledBefore;
 };
 
 inline ByteSourceFactory Medium::factory(const std::shared_ptr<Medium>& medium)

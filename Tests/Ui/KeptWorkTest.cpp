@@ -43,6 +43,7 @@ private slots:
     void theShownCurvesAndThePaletteComeBack();
     void aPictureIsSavedAtTheEnd_data();
     void aPictureIsSavedAtTheEnd();
+    void aVideoThatIsGonePlaysOnWhenItIsBack();
 };
 
 namespace {
@@ -461,6 +462,47 @@ void KeptWorkTest::aPictureIsSavedAtTheEnd()
         QVERIFY(UiFixture::acceptFile(folder + "/" + name));
         QTRY_VERIFY(QFile::exists(folder + "/" + name + ".jpg"));
     }
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+// As when its card is pulled out and put back in.
+void KeptWorkTest::aVideoThatIsGonePlaysOnWhenItIsBack()
+{
+    constexpr int frames = 100;
+    const QString path = media().newFolder() + "/clip.mp4";
+    TestVideo video;
+    video.frames = frames;
+    video.encoding =
+        QString("-vf noise=alls=60:allf=t -c:v mpeg4 -q:v 1 -g 12 -movflags faststart").split(' ');
+    QVERIFY(video.write(path));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    const QByteArray bytes = file.readAll();
+    QVERIFY(bytes.size() > 3'000'000); // far more than is read ahead
+    m_ui->call("openFlight", {path, ""});
+    QTRY_COMPARE(player("frameCount").toInt(), frames);
+    QTRY_VERIFY(m_ui->item("playButton")->isVisible());
+    QVERIFY(file.resize(bytes.size() / 2));
+
+    const auto notice = [this] { return m_ui->get("noticeText", "text").toString(); };
+    QVERIFY(m_ui->click("playButton"));
+    QTRY_VERIFY(!player("playing").toBool());
+    QTRY_VERIFY(m_ui->item("noticeText")->isVisible());
+    QVERIFY(notice().startsWith("clip.mp4 can no longer be read."));
+    m_ui->screenshot("video gone");
+    const int shown = player("currentFrameIndex").toInt();
+    QVERIFY(shown > 0 && shown < frames / 2 + 10);
+    m_ui->evaluate("infoTab.showNotice('')");
+    QVERIFY(m_ui->click("nextFrameButton"));
+    QTRY_VERIFY(notice().startsWith("clip.mp4 can no longer be read."));
+
+    QVERIFY(file.seek(0));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+    file.close();
+    QVERIFY(m_ui->click("playButton"));
+    QVERIFY(player("playing").toBool());
+    QTRY_COMPARE(player("currentFrameIndex").toInt(), frames - 1);
+    QTRY_VERIFY(!player("playing").toBool());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 

@@ -34,6 +34,7 @@ struct FakeFile
     std::atomic<bool> positioning{true};   ///< false: every move to another frame fails
     std::atomic<bool> blocked{false};      ///< reading waits while this is set
     std::atomic<bool> isRead{true};        ///< false: the index is still being read
+    std::atomic<bool> isGone{false};       ///< every reading fails
     std::atomic<bool> throwsInPlay{false}; ///< frames come in a form that no conversion takes
 };
 
@@ -99,7 +100,7 @@ public:
             return ReadOutcome::end;
         if (m_next > 0)
             frameCount();
-        if (m_file->unreadable.count(m_next))
+        if (m_file->isGone || m_file->unreadable.count(m_next))
             return ReadOutcome::failed;
         ++m_file->reads;
         frame = bgrFrame(testPicture(m_file->firstNumber + m_next, m_file->size));

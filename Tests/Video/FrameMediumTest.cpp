@@ -36,6 +36,10 @@ private slots:
     void openingReadsNoPictures();
     void aSeekReadsNoMoreThanItsGroup();
     void aLostMediumEndsInAFailure();
+    void aCardPutBackInIsReadOn_data();
+    void aCardPutBackInIsReadOn();
+    void anotherCardIsNotReadOn();
+    void aPlaceThatCannotBeReadIsAFailure();
     void aMediumLostBeforeTheIndexIsReadGivesWhatItHad();
     void aFileCutWhileOpenEndsInAFailure();
     void failuresHaveTheirReason();
@@ -146,6 +150,78 @@ void FrameMediumTest::aLostMediumEndsInAFailure()
     QVERIFY(source.seekToFrame(frames - 1));
     QVERIFY(source.read(frame) == ReadOutcome::frame);
     QCOMPARE(frame.index, frames - 1);
+}
+
+void FrameMediumTest::aCardPutBackInIsReadOn_data()
+{
+    QTest::addColumn<bool>("isMov");
+    QTest::newRow("mov") << true;
+    QTest::newRow("avi") << false;
+}
+
+void FrameMediumTest::aCardPutBackInIsReadOn()
+{
+    QFETCH(bool, isMov);
+    m_medium = std::make_shared<Medium>();
+    const auto opened = open(isMov ? m_mov : m_stream);
+    QVERIFY(opened);
+    FrameSource& source = **opened;
+    QTRY_VERIFY(source.isIndexReady());
+    Frame frame;
+    for (int i = 0; i < 20; ++i)
+        QVERIFY(source.read(frame) == ReadOutcome::frame);
+    ++m_medium->timesPulled;
+    m_medium->lostFrom = 0;
+    ReadOutcome outcome = ReadOutcome::frame;
+    const int before = 20 + readOn(source, outcome); // what had been read ahead
+    QVERIFY(outcome == ReadOutcome::failed);
+    QVERIFY(before < frames);
+    QVERIFY(source.read(frame) == ReadOutcome::failed);
+    m_medium->lostFrom = -1;
+    for (int i = before; i < frames; ++i) {
+        QVERIFY(source.read(frame) == ReadOutcome::frame);
+        QCOMPARE(frame.index, i);
+    }
+
+    // Unnoticed between two readings.
+    ++m_medium->timesPulled;
+    QVERIFY(source.seekToFrame(5));
+    QVERIFY(source.read(frame) == ReadOutcome::frame);
+    QCOMPARE(frame.index, 5);
+}
+
+void FrameMediumTest::anotherCardIsNotReadOn()
+{
+    const QString file = m_folder.filePath("other.avi");
+    QVERIFY(QFile::copy(m_stream, file));
+    m_medium = std::make_shared<Medium>();
+    const auto source = open(file);
+    QVERIFY(source);
+    QCOMPARE((*source)->frameCount(), frames);
+    ++m_medium->timesPulled;
+    QVERIFY(QFile::remove(file));
+    QVERIFY((TestVideo{10, "25", {320, 240}, 500, {"-c:v", "mjpeg", "-pix_fmt", "yuvj420p"}}.write(
+        file)));
+    Frame frame;
+    QVERIFY((*source)->seekToFrame(frames / 2));
+    QVERIFY((*source)->read(frame) == ReadOutcome::failed);
+}
+
+// All before it can be read, and the file be opened again.
+void FrameMediumTest::aPlaceThatCannotBeReadIsAFailure()
+{
+    const QString file = m_folder.filePath("first.mov");
+    QVERIFY(runFfmpeg({"-i", m_mov, "-c", "copy", "-movflags", "+faststart", file}));
+    m_medium = std::make_shared<Medium>();
+    const auto source = open(file);
+    QVERIFY(source);
+    Frame frame;
+    QVERIFY((*source)->read(frame) == ReadOutcome::frame);
+    m_medium->lostFrom = QFileInfo(file).size() / 2;
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        QVERIFY((*source)->seekToFrame(frames - 10));
+        QVERIFY((*source)->read(frame) == ReadOutcome::failed);
+    }
 }
 
 void FrameMediumTest::aMediumLostBeforeTheIndexIsReadGivesWhatItHad()

@@ -16,6 +16,8 @@ private slots:
     void pausedShortOfTheEndItCanGetItsPlaceBack();
     void damageAtTheEndIsAnEndLikeOthers();
     void aMediumThatFailsIsNoEnd();
+    void eachAttemptOnALostMediumIsReportedOnce();
+    void whenAMediumIsBackPlaybackGoesOnFromTheScreen();
     void playedOnAtTheEndItStartsAgain();
     void playedOnBeforeTheEndItGoesOn();
 };
@@ -142,6 +144,58 @@ void PlayerEndTest::aMediumThatFailsIsNoEnd()
     QVERIFY(m_player->playOn());
     QTRY_VERIFY(!m_player->playing());
     QVERIFY(!m_surface.numbers.contains(0));
+}
+
+void PlayerEndTest::eachAttemptOnALostMediumIsReportedOnce()
+{
+    const auto file = addFile("a.mp4", 60);
+    openPlayer("a.mp4");
+    QVERIFY(m_player->goToFrame(10));
+    QTRY_COMPARE(m_surface.lastNumber(), 10);
+    QSignalSpy failures(m_player.get(), &VideoPlayer::readFailed);
+    file->isGone = true;
+    QVERIFY(m_player->playOn());
+    QTRY_COMPARE(failures.count(), 1);
+    QVERIFY(failures.last().first().toString().startsWith("a.mp4 can no longer be read."));
+    QTRY_VERIFY(!m_player->playing());
+    QVERIFY(m_player->step(1));
+    QTRY_COMPARE(failures.count(), 2);
+    QVERIFY(m_player->goToTime(timeAt(400)));
+    QTRY_COMPARE(failures.count(), 3);
+    QVERIFY(m_player->playOn());
+    QTRY_COMPARE(failures.count(), 4);
+    QTRY_VERIFY(!m_player->playing());
+    // What was asked for before has been answered by now.
+    StillFrame still(*m_player, timeAt(0));
+    QTRY_VERIFY(still.came());
+    QCOMPARE(failures.count(), 4);
+}
+
+void PlayerEndTest::whenAMediumIsBackPlaybackGoesOnFromTheScreen()
+{
+    addFile("CORV0001.MP4", 20);
+    const auto second = addFile("CORV0002.MP4", 40);
+    second->firstNumber = 20;
+    openPlayer("CORV0001.MP4");
+    QVERIFY(m_player->goToFrame(15));
+    QTRY_COMPARE(m_surface.lastNumber(), 15);
+    QSignalSpy failures(m_player.get(), &VideoPlayer::readFailed);
+    QSignalSpy moves(m_player.get(), &VideoPlayer::timePositionChanged);
+    second->isGone = true;
+    QVERIFY(m_player->goToFrame(50));
+    QTRY_COMPARE(failures.count(), 1);
+    QTRY_COMPARE(m_player->source(), path("CORV0001.MP4"));
+    QCOMPARE(m_player->currentFrameIndex(), 15);
+    QCOMPARE(moves.count(), 1);
+    QCOMPARE(moves.first().first().toTime(), timeAt(150));
+    second->isGone = false;
+    m_surface.numbers.clear();
+    QVERIFY(m_player->playOn());
+    QTRY_VERIFY(!m_player->playing());
+    QList<int> rest;
+    for (int number = 16; number < 60; ++number)
+        rest << number;
+    QCOMPARE(m_surface.numbers, rest);
 }
 
 void PlayerEndTest::playedOnAtTheEndItStartsAgain()
