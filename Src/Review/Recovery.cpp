@@ -298,6 +298,9 @@ QString Recovery::offerText() const
         return QStringLiteral("Cannot restore %1 now. %2")
             .arg(review, wasLookedFor ? m_missing->text() : m_offer->problem->sentence);
     }
+    if (m_offer->projectSavedAt.isValid())
+        return QStringLiteral("Restore %1. Its project was saved after that, at %2.")
+            .arg(review, momentText(m_offer->projectSavedAt));
     return QStringLiteral("Restore %1").arg(review);
 }
 

@@ -47,8 +47,8 @@ public:
     /// The place for it in the user's data.
     static QString standardFolder();
 
-    /// "Restore your unsaved review of CORV0001 from 14:02 (7 points of interest)", or why it
-    /// cannot be restored.
+    /// "Restore your unsaved review of CORV0001 from 14:02 (7 points of interest)", and when its
+    /// project was saved if that was later; or why it cannot be restored.
     bool isOffered() const { return m_offer.has_value(); }
     QString offerText() const;
     bool isRestorable() const { return m_offer && !m_offer->problem; }

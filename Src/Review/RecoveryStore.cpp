@@ -40,6 +40,9 @@ RecoveredReview read(const QString& path)
         return review;
     }
     review.projectPath = object.value(QLatin1String("project")).toString();
+    const QDateTime projectSavedAt = QFileInfo(review.projectPath).lastModified();
+    if (!review.projectPath.isEmpty() && projectSavedAt > review.savedAt)
+        review.projectSavedAt = projectSavedAt;
     review.contents.logFile = object.value(QLatin1String("log")).toString();
     for (const QJsonValue part : object.value(QLatin1String("parts")).toArray())
         review.contents.parts << part.toString();

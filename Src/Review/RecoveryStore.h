@@ -18,7 +18,8 @@ struct RecoveredReview
 {
     QString file; ///< where it is kept
     QDateTime savedAt;
-    QString projectPath; ///< empty for a review that was never saved
+    QString projectPath;      ///< empty for a review that was never saved
+    QDateTime projectSavedAt; ///< by another program, after this was kept; else invalid
     ProjectContents contents;
 
     /// The file is damaged, or the media are not there: it can only be discarded.

@@ -10,7 +10,10 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <iterator>
 #include <memory>
+#include <random>
+#include <vector>
 
 using namespace corv;
 using namespace corv::test;
@@ -301,6 +304,81 @@ private slots:
         QVERIFY(desk.parser.flightNaming()["undefined"].toBool());
         desk.review.redo();
         QCOMPARE(desk.parser.flightNaming()["flightName"].toString(), QString("Pier"));
+    }
+
+    void editsAreUndoneAndRedoneInTheirOrder()
+    {
+        Desk desk;
+        QVERIFY(desk.openFlight(first(), media("f.log")));
+        QTRY_COMPARE(desk.poiNames(), QStringList("POI 1"));
+        Review& review = desk.review;
+        PoiModel& pois = *review.pois();
+        std::mt19937 random(500);
+        const auto below = [&random](size_t bound) { return static_cast<int>(random() % bound); };
+        const auto anyPoi = [&] {
+            return std::next(pois.pois().begin(), below(pois.pois().size()));
+        };
+        std::vector<QVariantMap> states{review.contents()};
+        while (states.size() <= 500) {
+            const int kind = below(6);
+            const QTime time = timeOfMs(below(3 * fileMs));
+            const QString text = QString::number(states.size());
+            if (kind == 0 && !pois.find(time))
+                pois.create(time);
+            else if (kind == 1 && !pois.pois().empty())
+                pois.remove(anyPoi()->time);
+            else if (kind == 2 && !pois.pois().empty())
+                pois.setTexts(anyPoi()->time, text, text + "\nof it");
+            else if (kind == 3 && !pois.pois().empty()) // half of them onto another one
+                pois.move(anyPoi()->time, below(2) == 0 ? anyPoi()->time : time);
+            else if (kind == 4)
+                review.nameFlight("Bridge", text, static_cast<int>(states.size()));
+            else if (kind == 5 && review.missingPoisInLog() > 0) {
+                review.addMissingPoisFromLog();
+                QTRY_COMPARE(review.missingPoisInLog(), 0);
+            }
+            if (review.contents() != states.back())
+                states.push_back(review.contents());
+        }
+        for (size_t i = states.size() - 1; i > 0; --i) {
+            QCOMPARE(review.contents(), states[i]);
+            review.undo();
+        }
+        QCOMPARE(review.contents(), states.front());
+        QVERIFY(!review.canUndo());
+        for (size_t i = 1; i < states.size(); ++i) {
+            review.redo();
+            QCOMPARE(review.contents(), states[i]);
+        }
+        QVERIFY(!review.canRedo());
+    }
+
+    void saysThatAProjectWasSavedAfterTheUnsavedReview()
+    {
+        {
+            Desk desk(path("kept"));
+            QVERIFY(desk.openFlight(first()));
+            QVERIFY(desk.review.save(path("p.ecor")));
+            desk.review.pois()->create(timeOfMs(500));
+            desk.recovery.flush();
+        }
+        const QString end = "(1 point of interest)";
+        QVERIFY(Desk(path("kept")).recovery.offerText().endsWith(end));
+        {
+            Desk elsewhere;
+            QVERIFY(elsewhere.openProject(path("p.ecor")));
+            elsewhere.review.pois()->create(timeOfMs(700));
+            QVERIFY(elsewhere.review.save(path("p.ecor")));
+        }
+        QFile project(path("p.ecor"));
+        QVERIFY(project.open(QIODevice::ReadWrite));
+        const QDateTime later = QDateTime::currentDateTime().addSecs(60);
+        QVERIFY(project.setFileTime(later, QFileDevice::FileModificationTime));
+        Desk desk(path("kept"));
+        QVERIFY(desk.recovery.isRestorable());
+        QVERIFY2(
+            desk.recovery.offerText().contains(end + ". Its project was saved after that, at "),
+            qPrintable(desk.recovery.offerText()));
     }
 
     void unsavedWorkOfAnEndedProgramComesBack()
