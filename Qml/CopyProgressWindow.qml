@@ -14,12 +14,22 @@ Window {
     property string problem: ""
 
     // A copy may end before the desktop has given its window the keyboard. Hidden then, the window
-    // would keep it, and no key would work: it stays until it has it.
-    readonly property bool hasKeyboard: keyboardPlace.activeFocus
+    // would keep it, and no key would work: it stays until it has had it for a moment.
+    property bool isSettled: false
 
-    onJobChanged: {
+    onJobChanged: hideAfterCopy()
+    onIsSettledChanged: hideAfterCopy()
+
+    function hideAfterCopy() {
         if (job !== null)
             visible = true;
+        else if (isSettled)
+            visible = false;
+    }
+
+    onVisibleChanged: {
+        if (!visible)
+            isSettled = false;
     }
 
     visible: false
@@ -46,10 +56,16 @@ Window {
         focus: true
     }
 
-    // The keyboard may be with another program, or with a message about the copy.
+    Timer {
+        running: keyboardPlace.activeFocus && !copyProgressWindow.isSettled
+        interval: 100
+        onTriggered: copyProgressWindow.isSettled = true
+    }
+
+    // The keyboard may be with another program.
     Timer {
         running: copyProgressWindow.visible && copyProgressWindow.job === null
-        interval: copyProgressWindow.hasKeyboard ? 100 : 2000
+        interval: 2000
         onTriggered: copyProgressWindow.visible = false
     }
 
