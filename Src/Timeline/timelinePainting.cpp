@@ -31,8 +31,10 @@ void paintGround(QPainter& painter, const TimelineStrip& strip)
 class TickPainter
 {
 public:
-    TickPainter(QPainter& painter, const TimelineStrip& strip, const TickSpacing& spacing, int endX)
-        : m_painter(painter), m_strip(strip), m_spacing(spacing), m_endX(endX)
+    TickPainter(QPainter& painter, const TimelineStrip& strip, const TickSpacing& spacing, int endX,
+                int textWidth)
+        : m_painter(painter), m_strip(strip), m_spacing(spacing), m_endX(endX),
+          m_textWidth(textWidth)
     {
     }
 
@@ -41,7 +43,7 @@ public:
         const int x = pxOfMs(ms, m_strip.view);
         if (x <= m_endX && isNearItem(x)) {
             paintTick(x, 13);
-            m_painter.drawText(x - labelWidth / 2, 0, labelWidth, labelHeight, labelFlags,
+            m_painter.drawText(labelX(x), 0, labelWidth, labelHeight, labelFlags,
                                timeOfMs(ms).toString(QStringLiteral("mm:ss.zzz")));
         }
         paintExtraTicks(x, m_spacing.mediumCount, 17);
@@ -58,6 +60,14 @@ private:
         }
     }
 
+    // Centred at the tick, but where the left edge would cut the label off.
+    int labelX(int x) const
+    {
+        const int centred = x - labelWidth / 2;
+        const int hidden = m_textWidth / 2 - x;
+        return x >= 0 && hidden > 0 ? centred + hidden + 1 : centred;
+    }
+
     void paintTick(int x, int top) { m_painter.drawLine(x, top, x, tickBottom); }
 
     bool isNearItem(int x) const
@@ -69,6 +79,7 @@ private:
     const TimelineStrip& m_strip;
     const TickSpacing& m_spacing;
     int m_endX;
+    int m_textWidth;
 };
 
 } // namespace
@@ -96,7 +107,7 @@ TickRange paintRuler(QPainter& painter, const TimelineStrip& strip)
     const TickSpacing& spacing =
         tickSpacingFor(static_cast<float>(textWidth) * strip.view.msPerPx * 2);
     const TickRange range = tickRange(strip.view, width, spacing.spacingMs);
-    TickPainter ticks(painter, strip, spacing, endX);
+    TickPainter ticks(painter, strip, spacing, endX, textWidth);
     for (long long ms = range.firstMs; ms < range.lastMs && ms <= strip.durationMs;
          ms += spacing.spacingMs)
         ticks.paintTicksFrom(static_cast<int>(ms));

@@ -1,3 +1,4 @@
+#include "paintedTexts.h"
 #include "timelineStrip.h"
 
 #include <limits>
@@ -35,6 +36,7 @@ private slots:
     void paintsTheZonePastTheEnd();
     void paintsTicksUpToTheEnd();
     void paintsLabels();
+    void theLabelOfTheStartIsWhole();
     void paintsTheCursor();
     void paintsPoisInOrder();
     void paintsTheHoveredPoiOnTop();
@@ -130,6 +132,26 @@ void TimelinePaintingTest::paintsLabels()
 
     strip.timeline.setContentX(36100 - 300);
     QVERIFY(painted(strip.timeline).copy(300, 0, 80, 12) != atAnHour.copy(300, 0, 80, 12));
+}
+
+void TimelinePaintingTest::theLabelOfTheStartIsWhole()
+{
+    Strip strip;
+    TextDevice device(QSize(720, 160));
+    QPainter painter(&device);
+    const int width = painter.fontMetrics().horizontalAdvance(QStringLiteral("00:00.000"));
+    strip.timeline.paint(&painter);
+    painter.end();
+    QVERIFY(device.texts().size() > 2);
+    const PaintedText& start = device.texts().at(0);
+    QCOMPARE(start.text, QString("00:00.000"));
+    QVERIFY2(start.baseline.x() >= 0, qPrintable(QString::number(start.baseline.x())));
+    QVERIFY(start.baseline.x() < 4);
+    // The next one is centred at its tick: ten pixels for a second.
+    const PaintedText& next = device.texts().at(1);
+    const int tick = QTime::fromString(next.text, QStringLiteral("mm:ss.zzz")).second() * 10;
+    QVERIFY2(tick > 0, qPrintable(next.text));
+    QVERIFY(std::abs(next.baseline.x() + width / 2.0 - tick) <= 2);
 }
 
 void TimelinePaintingTest::paintsTheCursor()

@@ -36,6 +36,10 @@ protected:
             return m_size.height();
         case PdmDepth:
             return 32;
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return qRound(devicePixelRatioFScale());
         case PdmNumColors:
             return std::numeric_limits<int>::max();
         case PdmDpiX:
