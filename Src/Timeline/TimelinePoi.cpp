@@ -17,6 +17,13 @@ QColor flagColour(const PoiLook& look)
     return look.hovered ? QColor(255, 255, 255) : QColor(169, 169, 169);
 }
 
+// With a sign where it is cut. A name that is written from the right would otherwise lose its
+// beginning.
+QString shortened(const QString& name, const QFontMetrics& metrics, int width)
+{
+    return metrics.elidedText(name.left(drawnNameLength), Qt::ElideRight, width);
+}
+
 QPen penOf(const QColor& colour)
 {
     return QPen(colour, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
@@ -49,8 +56,9 @@ void TimelinePoi::drawPoi(QPainter& painter, int x, const PoiLook& look) const
         painter.setOpacity(0.3);
     painter.fillRect(x, 33, width + 1, 14, flagColour(look));
     painter.setPen(penOf(look.selected ? Qt::white : Qt::black));
-    painter.drawText(QRectF(QPointF(x + 3, 32), QPointF(x + width + 1, 46)),
-                     Qt::AlignLeft | Qt::AlignVCenter, m_name.left(drawnNameLength));
+    const QRectF place(QPointF(x + 3, 32), QPointF(x + width + 1, 46));
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                     shortened(m_name, painter.fontMetrics(), static_cast<int>(place.width())));
     painter.setPen(penOf(Qt::black));
     painter.drawLine(x, 25, x, 106);
     if (!look.omitThumbnail)

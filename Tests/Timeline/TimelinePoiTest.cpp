@@ -1,5 +1,6 @@
 #include "Timeline/TimelinePoi.h"
 
+#include "paintedTexts.h"
 #include "timelineSupport.h"
 
 #include <limits>
@@ -19,6 +20,8 @@ private slots:
     void drawsAFlag_data();
     void drawsAFlag();
     void drawsTheNameInsideTheFlag();
+    void aLongNameKeepsItsBeginning_data();
+    void aLongNameKeepsItsBeginning();
     void aFlagWithoutThumbnailIsOnePixelWide();
     void drawsAtAnyX_data();
     void drawsAtAnyX();
@@ -150,6 +153,38 @@ void TimelinePoiTest::drawsTheNameInsideTheFlag()
         }
         QVERIFY2(inkPixels > 20, qPrintable(QString::number(inkPixels)));
     }
+}
+
+void TimelinePoiTest::aLongNameKeepsItsBeginning_data()
+{
+    QTest::addColumn<QString>("beginning");
+    QTest::addColumn<QString>("rest");
+    QTest::newRow("to the right") << "Hairline"
+                                  << " crack in the upper insulator of the mast";
+    QTest::newRow("to the left") << QString::fromUtf8("شق")
+                                 << QString::fromUtf8(" في العازل العلوي على البرج الشمالي");
+}
+
+void TimelinePoiTest::aLongNameKeepsItsBeginning()
+{
+    QFETCH(QString, beginning);
+    QFETCH(QString, rest);
+    TimelinePoi poi(timeAt(0), frameOf(QColor(0, 255, 0), QSize(106, 60)));
+    const auto drawn = [&poi](const QString& name) {
+        TextDevice device(QSize(200, 160));
+        QPainter painter(&device);
+        poi.setName(name);
+        poi.drawPoi(painter, 20, PoiLook());
+        QString texts;
+        for (const PaintedText& text : device.texts())
+            texts += text.text;
+        return texts;
+    };
+    QCOMPARE(drawn(beginning), beginning);
+    const QString shortened = drawn(beginning + rest);
+    QVERIFY2(shortened.startsWith(beginning), qPrintable(shortened));
+    QVERIFY2(shortened.contains(QChar(0x2026)), qPrintable(shortened));
+    QVERIFY2(!shortened.contains(rest.right(5)), qPrintable(shortened));
 }
 
 void TimelinePoiTest::aFlagWithoutThumbnailIsOnePixelWide()
