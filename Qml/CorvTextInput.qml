@@ -33,9 +33,9 @@ TextInput {
         hovered: hoverArea.containsMouse
     }
 
+    // Around the field: the text clips what is beside it.
     FocusFrame {
-        anchors.leftMargin: -5
-        anchors.rightMargin: -5
+        parent: corvTextInput.parent
         visible: corvTextInput.activeFocus
     }
 

@@ -23,6 +23,7 @@ private slots:
     void togglesFlipBeforeTheyReport_data();
     void togglesFlipBeforeTheyReport();
     void iconsAreInTheirColour();
+    void aFieldIsFramedOnAllSides();
     void toggleColours_data();
     void toggleColours();
     void theToolTipNeedsATextAndThePointer();
@@ -270,6 +271,27 @@ void ControlsTest::iconsAreInTheirColour()
     icon->setProperty("source", QUrl());
     QTRY_COMPARE(colourAt(middle), QColor("black"));
     QCOMPARE(icon->implicitWidth(), 0.0);
+}
+
+void ControlsTest::aFieldIsFramedOnAllSides()
+{
+    open(R"(
+    CorvFieldFrame {
+        objectName: "frame"; x: 20; y: 20; width: 100; height: 25
+        CorvTextInput { objectName: "field"; text: "12" }
+    })");
+    QVERIFY(QTest::qWaitForWindowActive(m_ui->window()));
+    m_ui->item("field")->forceActiveFocus();
+    QTRY_VERIFY(m_ui->item("field")->hasActiveFocus());
+    const auto colourAt = [this](int x, int y) {
+        const QImage window = m_ui->window()->grabWindow();
+        return window.pixelColor(QPoint(x, y) * qRound(window.devicePixelRatio())).name();
+    };
+    const QString accent = "#12ff54";
+    QTRY_COMPARE(colourAt(70, 20), accent);
+    QCOMPARE(colourAt(70, 44), accent);
+    QCOMPARE(colourAt(20, 32), accent);
+    QCOMPARE(colourAt(119, 32), accent);
 }
 
 void ControlsTest::toggleColours_data()
