@@ -41,6 +41,7 @@ private:
     void start(bool light, const QString& size, const Names& names);
     void openFlight(const Names& names);
     void lookAt(const QString& state);
+    void lookAtShown(const QString& state, QQuickWindow* shown, QImage* seen = nullptr);
     void lookAtMenus();
     void lookAtWindow(const QString& state, const QString& title, const Step& open);
     void lookAtDialog(const QString& state, const Step& open);
@@ -136,6 +137,12 @@ void EveryWindowTest::lookAt(const QString& state)
             shown = quick;
     }
     QTest::mouseMove(shown, QPoint(5, 5));
+    lookAtShown(state, shown);
+}
+
+// Gives the picture in `seen`, if that is set.
+void EveryWindowTest::lookAtShown(const QString& state, QQuickWindow* shown, QImage* seen)
+{
     // What has changed is drawn, and the colours that fade have arrived.
     QSignalSpy drawn(shown, &QQuickWindow::frameSwapped);
     shown->update();
@@ -143,6 +150,8 @@ void EveryWindowTest::lookAt(const QString& state)
     const QImage picture = shown->grabWindow();
     report(state, faultsOf(shown, picture));
     keep(state, picture);
+    if (seen)
+        *seen = picture;
 }
 
 void EveryWindowTest::lookAtWindow(const QString& state, const QString& title, const Step& open)
@@ -197,7 +206,7 @@ void EveryWindowTest::openFlight(const Names& names)
 {
     m_ui->call("loadVideo", {m_video});
     QTRY_VERIFY(m_ui->hasVideo());
-    QVERIFY(m_ui->importLog());
+    QVERIFY(m_ui->importLog(media().logWithThermal()));
     QTRY_COMPARE(m_ui->poiNames().size(), 2);
     m_ui->evaluate(
         QString("timelineContent.setPOIsFromList([{time: 1000, name: '%1', comment: '%1'},"
@@ -226,19 +235,27 @@ QQuickItem* menuTitle(QQuickItem* from, const QString& title)
 
 void EveryWindowTest::lookAtMenus()
 {
+    QVector<QImage> menus;
     for (const char* title : {"File", "Review", "Export", "Settings", "Help"}) {
         QQuickItem* caption = menuTitle(m_ui->window()->contentItem(), title);
         QVERIFY2(caption, title);
         UiFixture::click(caption);
-        const auto popup = [this]() -> QWindow* {
-            for (QWindow* window : QGuiApplication::topLevelWindows())
-                if (window->isVisible() && window != m_ui->window() &&
-                    qobject_cast<QQuickWindow*>(window))
-                    return window;
+        const auto popup = [this]() -> QQuickWindow* {
+            for (QWindow* window : QGuiApplication::topLevelWindows()) {
+                auto* quick = qobject_cast<QQuickWindow*>(window);
+                if (quick && quick->isVisible() && quick != m_ui->window())
+                    return quick;
+            }
             return nullptr;
         };
-        QTRY_VERIFY(popup());
-        lookAt(QString("menu %1").arg(title));
+        // Its entries have made it as high as they are.
+        QTRY_VERIFY(popup() && popup()->height() > caption->height());
+        QVERIFY(QTest::qWaitForWindowExposed(popup()));
+        // The pointer stays on the caption: over another one it would open that menu instead.
+        QImage menu;
+        lookAtShown(QString("menu %1").arg(title), popup(), &menu);
+        QVERIFY2(!menu.isNull() && !menus.contains(menu), title);
+        menus.append(menu);
         // It is gone before the key is released.
         QTest::keyPress(popup(), Qt::Key_Escape);
         QTRY_VERIFY(!popup());
@@ -263,7 +280,8 @@ void EveryWindowTest::lookAtPanels(const Names& names)
     QVERIFY(m_ui->showAdjustments());
     lookAt("adjustments");
     m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.autoIRMapping = false;"
-                   "videoPlayer.updateControlsStates()");
+                   "videoPlayer.updateControlsStates(); videoPlayer.redraw()");
+    QTRY_VERIFY(m_ui->item("thermalBar")->isVisible());
     lookAt("thermal");
     m_ui->evaluate("videoPlayer.showIR = false; tabsContainer.currentIndex = 0");
     m_ui->evaluate("videoRect.zoom = 2");
