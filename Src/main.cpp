@@ -39,7 +39,7 @@ namespace {
 constexpr int updateCheckDelayMs = 1000;
 
 // With less, the libraries that draw the window end the program, and say nothing.
-constexpr quint64 leastAddressSpaceBytes = 1'900'000'000;
+constexpr quint64 leastAddressSpaceBytes = 2'000'000'000;
 
 QStringList wordsOf(int argc, char** argv)
 {

@@ -161,7 +161,7 @@ void StartUpTest::saysThatItsMemoryIsLimited_data()
     QTest::addColumn<QString>("limitBytes");
     QTest::addColumn<bool>("opens");
     QTest::newRow("little") << QStringLiteral("1200000000") << false;
-    QTest::newRow("nearly enough") << QStringLiteral("1899999999") << false;
+    QTest::newRow("nearly enough") << QStringLiteral("1999999999") << false;
     QTest::newRow("enough") << QStringLiteral("3000000000") << true;
 }
 
