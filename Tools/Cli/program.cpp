@@ -7,13 +7,32 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <limits>
+#include <new>
 
 namespace corv::cli {
 namespace {
 
 // Of the sets of this program; each leads to the one made before it.
 const CommandSet* newestSet = nullptr;
+
+// Memory that cannot be had, on whichever thread. What was being written stays unfinished beside
+// its name.
+[[noreturn]] void giveUp()
+{
+    try {
+        if (const std::exception_ptr current = std::current_exception())
+            std::rethrow_exception(current);
+    } catch (const std::bad_alloc&) {
+        std::fputs("vistrel-cli: There is not enough memory.\n", stderr);
+        std::_Exit(Failed);
+    } catch (...) {
+        std::fputs("vistrel-cli: An error that nothing handles.\n", stderr);
+    }
+    std::abort();
+}
 
 QList<QCommandLineOption> commonOptions()
 {
@@ -129,6 +148,7 @@ QStringList wordsOf(int argc, char** argv)
 
 ExitStatus runLine(const std::vector<Command>& commands, const QStringList& arguments)
 {
+    std::set_terminate(giveUp);
     QCommandLineParser line; // up to the command's name; what follows is the command's own
     line.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     line.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);

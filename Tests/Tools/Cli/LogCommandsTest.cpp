@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <unistd.h>
+#include <vector>
 
 using namespace corv::test;
 
@@ -113,6 +114,7 @@ private slots:
     void namesThatAreNotUtf8LeadToTheirFiles();
     void folderThatCannotBeListedIsNamed();
     void wordWithOneDashIsNamedWhole();
+    void memoryThatCannotBeHadIsAMessage();
     void diagnosticsAreShownOnDemand();
 
 private:
@@ -517,6 +519,39 @@ void LogCommandsTest::wordWithOneDashIsNamedWhole()
         const ProgramRun run = vistrel(line);
         QCOMPARE(run.status, 2);
         QVERIFY2(run.error.contains("'dash'"), run.error.constData());
+    }
+}
+
+// Where the log has room, its description as JSON may have none.
+void LogCommandsTest::memoryThatCannotBeHadIsAMessage()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("a sanitizer needs more than any limit allows");
+#endif
+    LogBuilder log;
+    for (int group = 0; group < 128; ++group) {
+        std::vector<LogBuilder::Var> vars;
+        for (int i = 0; i < 60; ++i)
+            vars.push_back({"value_" + QByteArray::number(i), "FLOAT", 1});
+        log.addGroup("group_" + QByteArray::number(group), group, vars);
+    }
+    QVERIFY(log.save(path("wide.log")));
+    constexpr int mib = 1024 * 1024;
+    QList<ProgramRun> failures;
+    for (int limitBytes = 40 * mib; limitBytes < 1024 * mib; limitBytes += mib / 2) {
+        const ProgramRun run =
+            runProgram("prlimit", {QString("--as=%1").arg(limitBytes), QStringLiteral(VISTREL_CLI),
+                                   "log-info", path("wide.log"), "--json"});
+        if (run.status == 0)
+            break;
+        failures << run;
+    }
+    // With much less the program does not even begin.
+    constexpr int nearlyEnough = 8;
+    QVERIFY(failures.size() > nearlyEnough);
+    for (const ProgramRun& run : failures.mid(failures.size() - nearlyEnough)) {
+        QCOMPARE(run.status, 1);
+        QVERIFY2(run.error.startsWith("vistrel-cli: There is not enough memory"), run.error);
     }
 }
 
