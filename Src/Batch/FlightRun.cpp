@@ -8,8 +8,6 @@
 #include "Platform/fileSystem.h"
 #include "Project/ProjectFile.h"
 #include "Project/ReportFolder.h"
-#include "Project/ReportWriter.h"
-#include "Threads/pool.h"
 #include "Threads/post.h"
 #include "Timeline/ExportInsets.h"
 #include "Timeline/poiTable.h"
@@ -463,7 +461,7 @@ Result<QStringList> FlightRun::writeTables(const QVariantList& pois)
     return files;
 }
 
-// The folder as one, also where a table is missing: what can be made is there.
+// Replaces the whole folder, also where a table could not be made: the others are in it.
 Result<QStringList> FlightRun::writeLogTables()
 {
     const std::shared_ptr<const LogFile> log = m_flight.logParser().log();
@@ -478,31 +476,18 @@ Result<QStringList> FlightRun::writeLogTables()
     const Status placed = putInPlace(workPath(tableFolder), m_folder.filePath(tableFolder));
     if (!written || !placed)
         return written ? placed.failure() : written.failure();
-    return QStringList(*written).replaceInStrings(QRegularExpression(QStringLiteral("^")),
-                                                  tableFolder + QLatin1Char('/'));
+    QStringList files;
+    for (const QString& name : *written)
+        files << tableFolder + QLatin1Char('/') + name;
+    return files;
 }
 
-// The writer waits for each frame, so it has a thread of its own while this one runs an event loop.
 Result<QStringList> FlightRun::writeReport(const QVariantList& pois)
 {
-    const QString name = QStringLiteral("report");
     const QString path = workPath(reportName);
-    const std::atomic<bool> abortFlag{false};
-    const QVariantMap naming = m_flight.logParser().flightNaming();
-    Status status;
-    QEventLoop loop;
-    const PoolTask task = runOnPool([&, naming] {
-        ReportWriter writer(&abortFlag);
-        writer.writeWordReport(path, &m_flight.player(), pois, naming, [&](int done, int total) {
-            post(&loop, [this, name, done, total] { progress(name, done, total); });
-        });
-        post(&loop, [&status, &loop, result = writer.result()] {
-            status = result;
-            loop.quit();
-        });
+    const Status status = m_flight.writeReport(path, pois, [this](int done, int total) {
+        progress(QStringLiteral("report"), done, total);
     });
-    loop.exec();
-    task.waitForDone();
     const QString target = m_folder.filePath(reportName);
     // A report that lost a picture never replaces a whole one, but is better than none.
     const bool isIncomplete = !status && status.failure().kind == Failure::Kind::incomplete;

@@ -1,9 +1,12 @@
 #include "Review/OpenFlight.h"
 
 #include "Base/sameFile.h"
+#include "Threads/pool.h"
+#include "Threads/post.h"
 
 #include <QEventLoop>
 #include <algorithm>
+#include <atomic>
 
 namespace corv {
 namespace {
@@ -95,6 +98,29 @@ Status OpenFlight::waitForOpening(const std::function<void()>& begin)
     while (result && m_player.isThermalStatusPending())
         loop.exec();
     return result;
+}
+
+// The writer waits for each frame, so it has a thread of its own while this one runs an event loop.
+Status OpenFlight::writeReport(const QString& path, const QVariantList& pois,
+                               const ReportWriter::Progress& progress)
+{
+    const std::atomic<bool> abortFlag{false};
+    const QVariantMap naming = m_logParser.flightNaming();
+    Status status;
+    QEventLoop loop;
+    const PoolTask task = runOnPool([&, naming] {
+        ReportWriter writer(&abortFlag);
+        writer.writeWordReport(path, &m_player, pois, naming, [&](int done, int total) {
+            post(&loop, [&progress, done, total] { progress(done, total); });
+        });
+        post(&loop, [&status, &loop, result = writer.result()] {
+            status = result;
+            loop.quit();
+        });
+    });
+    loop.exec();
+    task.waitForDone();
+    return status;
 }
 
 } // namespace corv

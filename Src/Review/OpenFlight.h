@@ -3,11 +3,13 @@
 #include "Base/Result.h"
 #include "Log/LogParser.h"
 #include "Project/ProjectFileLoader.h"
+#include "Project/ReportWriter.h"
 #include "Review/Review.h"
 #include "Video/VideoPlayer.h"
 
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 #include <functional>
 
 namespace corv {
@@ -35,6 +37,12 @@ public:
 
     /// Opens a project. A log that cannot be read is no failure, as with `openParts`.
     Status openProject(const QString& path);
+
+    /// Writes the report of these points of interest, in list form. Returns once it is written,
+    /// with the writer's result; `progress` is called on this thread, whose event loop runs
+    /// meanwhile.
+    Status writeReport(const QString& path, const QVariantList& pois,
+                       const ReportWriter::Progress& progress);
 
     VideoPlayer& player() { return m_player; }
     LogParser& logParser() { return m_logParser; }

@@ -1,12 +1,8 @@
 #include "Cli/Command.h"
 #include "Cli/insets.h"
 #include "Cli/thermalClock.h"
-#include "Project/ReportWriter.h"
 #include "Review/OpenFlight.h"
-#include "Threads/pool.h"
-#include "Threads/post.h"
 
-#include <QEventLoop>
 #include <cstdio>
 #include <unistd.h>
 
@@ -15,33 +11,9 @@ namespace {
 
 void showProgress(int done, int total)
 {
+    if (isatty(STDERR_FILENO) != 1)
+        return;
     std::fprintf(stderr, "\rwriting page %d of %d%s", done, total, done == total ? "\n" : "");
-}
-
-/// The writer waits for each frame, so it has a thread of its own while this one keeps the event
-/// loop going.
-Status writeReport(OpenFlight& flight, const QString& path)
-{
-    const std::atomic<bool> abortFlag{false};
-    const QVariantList pois = flight.review().allPois();
-    const QVariantMap naming = flight.logParser().flightNaming();
-    VideoPlayer* const player = &flight.player();
-    const bool isOnTerminal = isatty(STDERR_FILENO) == 1;
-    Status status;
-    QEventLoop loop;
-    const PoolTask task = runOnPool([&, pois, naming, player, isOnTerminal] {
-        ReportWriter writer(&abortFlag);
-        writer.writeWordReport(path, player, pois, naming,
-                               isOnTerminal ? ReportWriter::Progress(showProgress)
-                                            : ReportWriter::Progress());
-        post(&loop, [&status, &loop, result = writer.result()] {
-            status = result;
-            loop.quit();
-        });
-    });
-    loop.exec();
-    task.waitForDone();
-    return status;
 }
 
 ExitStatus report(const QCommandLineParser& line)
@@ -60,7 +32,7 @@ ExitStatus report(const QCommandLineParser& line)
         return fail(opened.failure());
     if (const Status shown = showInsets(line, flight); !shown)
         return fail(shown.failure());
-    const Status written = writeReport(flight, path);
+    const Status written = flight.writeReport(path, flight.review().allPois(), showProgress);
     return written ? Done : fail(written.failure());
 }
 
