@@ -180,8 +180,8 @@ FlightFilesMatcher::Search FlightFilesMatcher::pair(const QList<QFileInfo>& vide
                                                     const QList<QFileInfo>& logs,
                                                     bool quickMode) const
 {
-    const std::vector<TimedFile> timedVideos = sortedByTime(videos, m_facts.time);
-    const std::vector<TimedFile> timedLogs = sortedByTime(logs, m_facts.time);
+    const std::vector<TimedFile> timedVideos = sortedByTime(videos, m_facts.state);
+    const std::vector<TimedFile> timedLogs = sortedByTime(logs, m_facts.state);
     qCInfo(lcDiscovery) << "Logs: " << logs.size() << " entries";
     qCInfo(lcDiscovery) << "Videos: " << videos.size() << " entries";
     const std::vector<int> paired = pairVideosWithLogs(timedVideos, timedLogs);

@@ -51,7 +51,7 @@ public:
     struct FileFacts
     {
         /// When the file was last written, which not every copy keeps, and its size.
-        std::function<FileState(const QFileInfo&)> time = stateOnDisk;
+        std::function<FileState(const QFileInfo&)> state = stateOnDisk;
         std::function<VideoLength(const QString&)> videoLength = readVideoLength;
         /// Reads a log; ends early once the flag is set.
         std::function<LogFacts(const QString&, const std::atomic<bool>*, const LogStages&)> log =

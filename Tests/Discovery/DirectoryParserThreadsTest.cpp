@@ -317,9 +317,9 @@ void DirectoryParserThreadsTest::theEndOfTheParserDoesNotWaitForAMedium()
         cards.gate.acquire();
     };
     const FlightFilesMatcher::FileFacts real = machine.files;
-    machine.files.time = [=](const QFileInfo& file) {
+    machine.files.state = [=](const QFileInfo& file) {
         hang("time");
-        return real.time(file);
+        return real.state(file);
     };
     machine.files.videoLength = [=](const QString& path) {
         hang("length");

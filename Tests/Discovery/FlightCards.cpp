@@ -13,7 +13,7 @@ DirectoryParser::Machine FlightCards::parserMachine()
     made.volumes = [this] { return machine.volumes(); };
     made.sysfsRoot = machine.sysfsRoot();
     made.hasDriveService = false;
-    made.files.time = [this](const QFileInfo& file) {
+    made.files.state = [this](const QFileInfo& file) {
         if (held) {
             reached.release();
             gate.acquire();

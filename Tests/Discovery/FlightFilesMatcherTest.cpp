@@ -44,7 +44,7 @@ struct Card
     FlightFilesMatcher::FileFacts facts() const
     {
         FlightFilesMatcher::FileFacts facts;
-        facts.time = [this](const QFileInfo& file) {
+        facts.state = [this](const QFileInfo& file) {
             return kStart.addSecs(seconds[file.fileName()]);
         };
         facts.videoLength = [this](const QString& path) {
@@ -337,7 +337,7 @@ void FlightFilesMatcherTest::anAbortGivesNothing()
         if (when == moment)
             card.abort = true;
     };
-    facts.time = [&](const QFileInfo& file) {
+    facts.state = [&](const QFileInfo& file) {
         abortAt("time");
         return kStart.addSecs(card.seconds[file.fileName()]);
     };
@@ -424,7 +424,7 @@ void FlightFilesMatcherTest::rowsTakeTheSizeThatCameWithTheTime()
     card.addVideo("without.mp4", 1, 60'000);
     card.addLog("day.log", 400, flightLog({{10'000, 71'000}}, {}));
     FlightFilesMatcher::FileFacts facts = card.facts();
-    facts.time = [time = facts.time](const QFileInfo& file) {
+    facts.state = [time = facts.state](const QFileInfo& file) {
         const qint64 bytes = file.fileName() == "with.mp4" ? 4711 : -1;
         return FileState(time(file).time, bytes);
     };

@@ -31,7 +31,7 @@ public:
     {
         DirectoryParser::Machine made;
         made.hasDriveService = false;
-        made.files.time = [](const QFileInfo& file) {
+        made.files.state = [](const QFileInfo& file) {
             const QDateTime noon(QDate(2018, 6, 1), QTime(12, 0));
             return file.fileName() == QLatin1String("b.mp4")   ? noon.addSecs(5000)
                    : file.fileName() == QLatin1String("l.log") ? noon.addSecs(70)
