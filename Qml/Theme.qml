@@ -57,7 +57,7 @@ QtObject {
     readonly property color textDisabled: light ? "#757575" : "#888888"
     readonly property color textMissing: light ? "#3a3a3a" : "#777777"
     readonly property color textMissingMark: light ? "#6e6e6e" : "#999999"
-    // Of what did not work out.
+    // The text of a failure.
     readonly property color textFailed: light ? "#9c2a00" : "#ffa07d"
     readonly property color textOnLight: "#000000"
     readonly property color menuText: light ? "#000000" : "#eeeeee"

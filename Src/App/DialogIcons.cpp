@@ -11,8 +11,7 @@ namespace {
 // All coordinates are in a square of this side.
 constexpr double side = 32;
 
-// As light as lies halfway between the dark and the light ground of the boxes, three to one of
-// each.
+// Halfway between the dark and the light ground of the boxes: a contrast of three to one on both.
 constexpr QRgb blue = 0x2f86d9;
 constexpr QRgb red = 0xf2432f;
 constexpr QRgb amber = 0xf5a400;

@@ -113,15 +113,15 @@ private:
 /// saved" gives "The project /a/b.ecor cannot be saved: No space left on device.".
 Failure failureOfError(int error, const QString& what);
 
-/// The last write of a file, in one question to the system.
+/// When a file was last written, and its size since then.
 struct LastWrite
 {
     QDateTime time;        ///< in local time and with its offset from UTC; invalid if unknown
-    qint64 sizeBytes = -1; ///< of the file since then; -1 if unknown
+    qint64 sizeBytes = -1; ///< -1 if unknown
 };
 
-/// Links are followed. Qt's own looks for the rules of the time zone on the disk, for each file
-/// anew, which takes several times as long.
+/// The last write of the file at `path`; links are followed. Qt's function for it reads the rules
+/// of the time zone from the disk for each file anew, which takes several times as long.
 LastWrite lastWrite(const QString& path);
 
 } // namespace corv::platform

@@ -342,8 +342,9 @@ bool readSettings(QIODevice& device, QSettings::SettingsMap& settings)
         if (line.startsWith('[')) {
             const QByteArray section = line.mid(1, line.indexOf(']') - 1).trimmed();
             const bool isGeneral = section.toLower() == "general";
-            const bool isNamedSo = section.toLower() == "%general";
-            const QString name = isNamedSo ? QString::fromLatin1(section.mid(1)) : keyOf(section);
+            const bool isNamedGeneral = section.toLower() == "%general";
+            const QString name =
+                isNamedGeneral ? QString::fromLatin1(section.mid(1)) : keyOf(section);
             prefix = isGeneral ? QString() : name + QLatin1Char('/');
             continue;
         }

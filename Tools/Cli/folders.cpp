@@ -37,7 +37,7 @@ Status makeFolder(const QString& path)
 {
     std::error_code error;
     std::filesystem::create_directories(nativePath(path), error);
-    // It gives no error for a file in the place of the folder on every system.
+    // On some systems this is no error if a file has the name of the folder.
     if (!error && !std::filesystem::is_directory(nativePath(path), error) && !error)
         error = std::make_error_code(std::errc::not_a_directory);
     if (error)
