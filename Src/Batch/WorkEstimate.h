@@ -10,9 +10,9 @@
 
 namespace corv {
 
-/// How far a review of several flights is and how long it will go on, from the events of the
-/// flights: before the first one has ended, too. A long video counts for more than a short one
-/// where videos are written. A flight of which nothing was left to do says nothing of the speed.
+/// The progress of a review of several flights, and the time that is left, from the events of the
+/// flights; also before the first one has ended. Where videos are written, flights count by the
+/// sizes of theirs. Flights with nothing left to do are left out of the speed.
 class WorkEstimate
 {
 public:

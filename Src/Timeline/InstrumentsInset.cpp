@@ -11,7 +11,8 @@ namespace {
 // The plate behind the instruments: dark enough for white text on any picture.
 const QColor plate(0, 0, 0, 168);
 
-// Of the picture's height: what the instruments take where there is room, and at most.
+// Parts of the picture's height. The instruments take the first one, or more, up to the second,
+// where they would be too small to read.
 constexpr double standardPart = 0.5;
 constexpr double largestPart = 0.68;
 constexpr double numbersPart = 0.3;

@@ -14,7 +14,7 @@ constexpr double textPx = 11.0;
 constexpr double marginPx = 4.0;
 constexpr double coloursWidth = 18.0;
 
-// The ends of a palette are as dark as the ground.
+// Of the bar: the dark end of a palette would merge with the ground.
 const QColor edge(0xaa, 0xaa, 0xaa);
 
 // More digits than a raw value has: others come from a damaged project.

@@ -48,10 +48,9 @@ public:
     /// its clock began anew, or after a pause.
     bool isAtJoin(int packet) const;
 
-    /// Gives every frame a time where the container knows none but those of decoding. A decoder
-    /// gives the frame that comes first by `orders`, one for each packet, once it has all packets
-    /// that must come before it: that is its time, and each later frame has that of a later packet.
-    /// Before finish().
+    /// Gives every frame a time where the container has those of decoding alone. `orders` has the
+    /// place of each packet's frame on the screen. The first frame gets the time of the packet
+    /// after which a decoder delivers it, each later frame that of a later packet. Before finish().
     void giveTimes(const std::vector<qint64>& orders);
 
     /// Pictures came in the packets of others: a decoder that may leave out one loses the next.

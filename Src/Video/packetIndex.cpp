@@ -139,7 +139,7 @@ bool isCutOff(const AVPacket& packet, qint64 fileBytes)
            packet.pos + packet.size >= fileBytes;
 }
 
-// Times and halves of frames, for what the container does not say of them.
+// Finds times and halves of frames where the container does not state them.
 class PictureFacts
 {
 public:
