@@ -138,14 +138,14 @@ float HeadUpPainter::valueAt(size_t row, int videoMs) const
     return modulo > 0 ? fmodf(value, static_cast<float>(modulo)) : value;
 }
 
-const HudScale& HeadUpPainter::scaleOf(const HudRow& row) const
+const HudUnit& HeadUpPainter::shownUnit(const HudRow& row) const
 {
-    return m_imperialUnits ? row.unit->imperial : row.unit->metric;
+    return m_imperialUnits ? row.quantity->imperial : row.quantity->metric;
 }
 
 QString HeadUpPainter::numberOf(const HudRow& row, float value) const
 {
-    return QString::number(static_cast<double>(value * scaleOf(row).factor), 'f', row.decimals);
+    return QString::number(static_cast<double>(value * shownUnit(row).factor), 'f', row.decimals);
 }
 
 QString HeadUpPainter::numberAt(size_t row, int videoMs) const
@@ -158,7 +158,7 @@ QString HeadUpPainter::numberAt(size_t row, int videoMs) const
 
 QString HeadUpPainter::unitOf(size_t row) const
 {
-    return QString::fromUtf8(scaleOf(m_rows[row]).name);
+    return QString::fromUtf8(shownUnit(m_rows[row]).name);
 }
 
 QString HeadUpPainter::textAt(size_t row, int videoMs) const
@@ -166,7 +166,7 @@ QString HeadUpPainter::textAt(size_t row, int videoMs) const
     if (!hasValue(row))
         return {};
     return numberOf(m_rows[row], valueAt(row, videoMs)) +
-           QString::fromUtf8(scaleOf(m_rows[row]).suffix);
+           QString::fromUtf8(shownUnit(m_rows[row]).suffix);
 }
 
 std::optional<float> HeadUpPainter::needleAt(size_t row, int videoMs) const

@@ -89,7 +89,7 @@ private:
     void addSeriesOf(const LogGroup& group);
     bool hasValue(size_t row) const;
     float valueAt(size_t row, int videoMs) const;
-    const HudScale& scaleOf(const HudRow& row) const;
+    const HudUnit& shownUnit(const HudRow& row) const;
     QString numberOf(const HudRow& row, float value) const;
     static int behindRow(const HudRow& row, int y, double width);
     void paintTexts(QPainter& painter, size_t row, int y, double width, int videoMs) const;

@@ -16,15 +16,15 @@ const std::vector<HudRow>& hudInstruments()
     // clang-format off
     static const std::vector<HudRow> rows{
         {"Pitch", {attitude, "euler_angles", 1}, {},
-         degreesPerRadian, 0, 0, Dial::none, &hudDegrees},
+         degreesPerRadian, 0, 0, Dial::none, &hudAngle},
         {"Roll", {attitude, "euler_angles", 0}, {},
-         degreesPerRadian, 0, 0, Dial::none, &hudDegrees},
+         degreesPerRadian, 0, 0, Dial::none, &hudAngle},
         {"Heading", {attitude, "euler_angles", 2}, {attitude, "heading_reference", 0},
-         degreesPerRadian, 360, 0, Dial::compass, &hudDegrees},
+         degreesPerRadian, 360, 0, Dial::compass, &hudAngle},
         {"Altitude", {attitude, "altitude", 0}, {attitude, "altitude_telem_ref", 0},
          1.0F, 0, 1, Dial::none, &hudLength},
         {"Cam pitch", {camera, "servo_angle", 0}, {},
-         1.0F, 0, 0, Dial::camera, &hudDegrees},
+         1.0F, 0, 0, Dial::camera, &hudAngle},
     };
     // clang-format on
     return rows;

@@ -14,24 +14,24 @@ struct HudSource
 };
 
 /// A unit in which numbers are shown.
-struct HudScale
+struct HudUnit
 {
     const char* name;   ///< as tables have it: "deg"
     const char* suffix; ///< what follows a painted number, in UTF-8, with its blank: "°", " m"
     float factor;       ///< from the metric unit to this one
 };
 
-/// What an instrument measures: its unit, and the one that is shown instead with imperial units.
-struct HudUnit
+/// What an instrument measures, in its two units: the second is shown with imperial units.
+struct HudQuantity
 {
-    HudScale metric;
-    HudScale imperial;
+    HudUnit metric;
+    HudUnit imperial;
 };
 
-// The units of the instruments. This table is the only place to edit for another one.
+// What instruments measure. This table is the only place to edit for another unit.
 // clang-format off
-inline constexpr HudUnit hudDegrees{{"deg", "°", 1.0F}, {"deg", "°", 1.0F}};
-inline constexpr HudUnit hudLength{{"m", " m", 1.0F}, {"ft", " ft", 3.2808399200439453F}};
+inline constexpr HudQuantity hudAngle{{"deg", "°", 1.0F}, {"deg", "°", 1.0F}};
+inline constexpr HudQuantity hudLength{{"m", " m", 1.0F}, {"ft", " ft", 3.2808399200439453F}};
 // clang-format on
 
 /// One instrument of the head-up display: what it shows, and how.
@@ -46,7 +46,7 @@ struct HudRow
     int modulo;          ///< 0 for none
     int decimals;
     Dial dial;
-    const HudUnit* unit; ///< never null
+    const HudQuantity* quantity; ///< never null
 };
 
 /// The instruments, from top to bottom. This table is the only place to edit for another one.

@@ -31,8 +31,8 @@ private:
 
 namespace {
 
-constexpr HudRow windRow{"Wind", {"weather", "wind", 1}, {},         3.6F, 0,
-                         2,      HudRow::Dial::compass,  &hudDegrees};
+constexpr HudRow windRow{"Wind", {"weather", "wind", 1}, {},       3.6F, 0,
+                         2,      HudRow::Dial::compass,  &hudAngle};
 
 LogBuilder weatherLog()
 {
@@ -91,9 +91,9 @@ void HeadUpPainterTest::aRowOfTheTableIsAnInstrument()
 
 void HeadUpPainterTest::aRowOfUnitsIsShownInBothSystems()
 {
-    static constexpr HudUnit speed{{"km/h", " km/h", 1.0F}, {"kn", " kn", 0.5F}};
+    static constexpr HudQuantity speed{{"km/h", " km/h", 1.0F}, {"kn", " kn", 0.5F}};
     HudRow row = windRow;
-    row.unit = &speed;
+    row.quantity = &speed;
     HeadUpPainter painter({row});
     painter.setClock(m_clock);
     painter.setLog(decoded(weatherLog()));
