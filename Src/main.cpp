@@ -15,6 +15,7 @@
 #include "Shell/crashReport.h"
 #include "Shell/settingsFormat.h"
 #include "Threads/pool.h"
+#include "Threads/poolEnd.h"
 #include "Update/UpdateManager.h"
 
 #include <QApplication>
@@ -26,7 +27,6 @@
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQuickWindow>
-#include <QThreadPool>
 #include <QTimer>
 #include <QWindow>
 #include <cstdio>
@@ -146,7 +146,7 @@ public:
     ~LastWait()
     {
         constexpr int longestMs = 150;
-        if (!QThreadPool::globalInstance()->waitForDone(longestMs))
+        if (!corv::isPoolDoneWithin(longestMs))
             std::_Exit(exitCode);
     }
     int exitCode = 0;

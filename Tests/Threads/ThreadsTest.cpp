@@ -1,6 +1,8 @@
 #include "Threads/pool.h"
+#include "Threads/poolEnd.h"
 #include "Threads/post.h"
 
+#include <QSemaphore>
 #include <QThread>
 #include <QtTest>
 #include <atomic>
@@ -22,6 +24,8 @@ private slots:
     void whatAJobHoldsDiesOnTheThreadOfItsTarget();
     void aTaskRunsToItsEnd();
     void anEmptyTaskIsNotRunning();
+    void poolWithAJobThatRunsIsNotDone();
+    void jobWithAReplacedThreadIsNotWaitedFor();
     void manyHandOversArriveWhole();
 };
 
@@ -113,6 +117,28 @@ void ThreadsTest::anEmptyTaskIsNotRunning()
     const PoolTask task;
     QVERIFY(!task.isRunning());
     task.waitForDone();
+}
+
+void ThreadsTest::poolWithAJobThatRunsIsNotDone()
+{
+    QVERIFY(isPoolDoneWithin(-1));
+    QSemaphore answer;
+    const PoolTask task = runOnPool([&answer] { answer.acquire(); });
+    QVERIFY(!isPoolDoneWithin(1));
+    answer.release();
+    QVERIFY(isPoolDoneWithin(-1));
+    QVERIFY(!task.isRunning());
+}
+
+void ThreadsTest::jobWithAReplacedThreadIsNotWaitedFor()
+{
+    QSemaphore answer;
+    const PoolTask hung = runOnPool([&answer] { answer.acquire(); });
+    hung.replaceThread();
+    QVERIFY(!isPoolDoneWithin(-1));
+    QVERIFY(hung.isRunning());
+    answer.release();
+    QVERIFY(isPoolDoneWithin(-1));
 }
 
 void ThreadsTest::manyHandOversArriveWhole()
