@@ -46,7 +46,6 @@ public:
     void cancel();
 
     int flightCount() const { return m_jobs.size(); }
-    int finishedCount() const { return m_outcomes.size(); }
     bool isCancelled() const { return m_cancelled; }
 
     /// Flights that ended in this way.
