@@ -24,6 +24,8 @@ private slots:
     void partsWithABreakBetweenThemAreDoubted_data();
     void partsWithABreakBetweenThemAreDoubted();
     void oneFlightIsSureAfterACopy();
+    void lostTimesDoNotConfirmALength();
+    void completeCardsAreDoubtedLess();
     void lengthAloneIsDoubtedWhereFilesAreMissing_data();
     void lengthAloneIsDoubtedWhereFilesAreMissing();
 };
@@ -143,6 +145,31 @@ void FlightDoubtTest::oneFlightIsSureAfterACopy()
         QCOMPARE(pairing.evidence, PairingEvidence::TimeAndLength);
         QVERIFY(!pairing.doubtful);
     }
+}
+
+// All files have the time of their copy: what doubt the lengths leave counts as with lengths alone.
+void FlightDoubtTest::lostTimesDoNotConfirmALength()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0160.MOV", 561'528, 0, 0), video("CORV0161.MOV", 392'292, 0, 0)},
+                    {logOf("88.log", {562'695, 393'303}, 0)});
+    QCOMPARE(pairings[1].log, 0);
+    QCOMPARE(pairings[1].evidence, PairingEvidence::TimeAndLength);
+    QVERIFY(pairings[1].doubtful);
+}
+
+// Every recording has its video: a length that agrees by accident would leave one without.
+void FlightDoubtTest::completeCardsAreDoubtedLess()
+{
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0356.MOV", 874'140, 0, 0), video("CORV0357.MOV", 597'464, 0, 45),
+         video("CORV0358.MOV", 955'154, 0, 101), video("CORV0359.MOV", 214'381, 0, 131),
+         video("CORV0361.MOV", 667'567, 0, 154), video("CORV0362.MOV", 727'327, 0, 185)},
+        {logOf("108.log", {874'261, 597'967, 955'591, 214'604}, 185),
+         logOf("109.log", {668'281, 728'557}, 186)});
+    QCOMPARE(pairings[5].log, 1);
+    QCOMPARE(pairings[5].evidence, PairingEvidence::Length);
+    QVERIFY(!pairings[5].doubtful);
 }
 
 void FlightDoubtTest::lengthAloneIsDoubtedWhereFilesAreMissing_data()
