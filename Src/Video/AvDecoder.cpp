@@ -69,8 +69,6 @@ std::unique_ptr<AvDecoder> AvDecoder::open(const AVCodecParameters& parameters)
     AVCodecContext* context = decoder->m_context.get();
     if (!context || avcodec_parameters_to_context(context, &parameters) < 0)
         return nullptr;
-    static const bool isListening = (av_log_set_callback(noteMessage), true);
-    Q_UNUSED(isListening)
     context->log_level_offset = firstLevel;
     context->opaque = &decoder->m_guessed;
     context->thread_count = QThread::idealThreadCount();
@@ -114,6 +112,7 @@ bool AvDecoder::send(AVPacket& packet, int number, bool skipUnreferenced)
     packet.pts = number;
     packet.dts = number;
     m_context->reordered_opaque = number;
+    av_log_set_callback(noteMessage); // which other users of the library in here may replace
     m_context->skip_frame = skipUnreferenced ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     return avcodec_send_packet(m_context.get(), &packet) >= 0;
 }
