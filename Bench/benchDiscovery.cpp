@@ -127,7 +127,7 @@ struct Flights
     FlightFilesMatcher::FileFacts facts() const
     {
         FlightFilesMatcher::FileFacts facts;
-        facts.time = [this](const QFileInfo& file) { return times.value(file.filePath()); };
+        facts.state = [this](const QFileInfo& file) { return times.value(file.filePath()); };
         return facts;
     }
 };
