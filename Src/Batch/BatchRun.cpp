@@ -1,7 +1,7 @@
 #include "Batch/BatchRun.h"
 
+#include "Batch/BoundProcess.h"
 #include "Batch/flightStatus.h"
-#include "Platform/childProcess.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -15,15 +15,6 @@ constexpr int endGraceMs = 3000;
 // A process that writes without ever ending a line is no worker of ours.
 constexpr int longestLineBytes = 1024 * 1024;
 constexpr int longestErrorBytes = 4096;
-
-class WorkerProcess : public QProcess
-{
-public:
-    using QProcess::QProcess;
-
-protected:
-    void setupChildProcess() override { platform::endWithParent(); }
-};
 
 BatchRun::Outcome outcomeOf(int exitCode)
 {
@@ -80,7 +71,7 @@ void BatchRun::startNext()
     while (!m_cancelled && m_next < m_jobs.size() && m_workers.size() < m_mostAtOnce) {
         const FlightJob& job = m_jobs[m_next];
         ++m_next;
-        auto* process = new WorkerProcess(this);
+        auto* process = new BoundProcess(this);
         m_workers.insert(process, {job.folder, {}, {}});
         connect(process, &QProcess::readyReadStandardOutput, this,
                 [this, process] { readLines(process); });

@@ -1,10 +1,10 @@
 #include "Batch/FlightRun.h"
 
 #include "Base/FileReplacement.h"
+#include "Batch/BoundProcess.h"
 #include "Batch/flightRemarks.h"
 #include "Batch/logTables.h"
 #include "Platform/FileLock.h"
-#include "Platform/childProcess.h"
 #include "Platform/fileSystem.h"
 #include "Project/ProjectFile.h"
 #include "Project/ReportFolder.h"
@@ -79,12 +79,6 @@ Status putInPlace(const QString& from, const QString& to)
                                         QStringLiteral("%1 cannot be replaced").arg(to));
     return {};
 }
-
-class WordProcessor : public QProcess
-{
-protected:
-    void setupChildProcess() override { platform::endWithParent(); }
-};
 
 } // namespace
 
@@ -506,7 +500,7 @@ Result<QStringList> FlightRun::printReport()
     // A profile of its own: a word processor that runs already would take the work and end at once.
     ReportFolder::sweep();
     const ReportFolder profile;
-    WordProcessor process;
+    BoundProcess process;
     process.start(wordProcessor(),
                   {QStringLiteral("-env:UserInstallation=file://") + profile.path(),
                    QStringLiteral("--headless"), QStringLiteral("--convert-to"),
