@@ -313,15 +313,16 @@ signals:
     void showIRChanged();
     /// One of the flight's files does not open; the others make up the timeline.
     void sourceOpenError(QString file);
-    /// A file of the open flight can no longer be read, as when its card is pulled out: a sentence
-    /// for the pilot, once for each attempt to play or to go somewhere. Playback is paused, and the
-    /// next attempt looks whether the file is back.
-    void readFailed(QString sentence);
     void irDataChanged();
     void isBusyChanged();
     void videoExportProgress(int exportedFrames, int totalFrames);
     /// Whether the video was begun and playback could be put back in its place.
     void videoExportComplete(bool result);
+
+    /// A file of the open flight can no longer be read, as when its card is pulled out: a sentence
+    /// for the pilot, once for each attempt to play or to go somewhere. Playback is paused, and the
+    /// next attempt looks whether the file is back.
+    void readFailed(QString sentence);
 
     // One per property that has none above. All come from the interface thread, the two of the
     // thermal range too, which `irDataChanged` announces from the worker's.
