@@ -5,7 +5,7 @@ import "."
 import "Controls"
 
 // Covers the window while the files of a flight are copied beside its project. Closing it cancels.
-Window {
+WorkWindow {
     id: copyProgressWindow
     objectName: "copyProgressWindow"
 
@@ -13,60 +13,18 @@ Window {
     // What cannot be copied, as soon as it is known.
     property string problem: ""
 
-    // A copy may end before the desktop has given its window the keyboard. Hidden then, the window
-    // would keep it, and no key would work: it stays until it has had it for a moment.
-    property bool isSettled: false
+    isAtWork: job !== null
+    onEndWanted: cancel()
 
-    onJobChanged: hideAfterCopy()
-    onIsSettledChanged: hideAfterCopy()
-
-    function hideAfterCopy() {
-        if (job !== null)
-            visible = true;
-        else if (isSettled)
-            visible = false;
-    }
-
-    onVisibleChanged: {
-        if (!visible)
-            isSettled = false;
-    }
-
-    visible: false
     title: "Copying the files of the flight"
     width: 560
     height: minimumHeight
     minimumWidth: 400
     minimumHeight: problem === "" ? 120 : 136 + problemText.implicitHeight
-    color: Theme.dialog
-    flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint
-    modality: Qt.ApplicationModal
-    onClosing: {
-        close.accepted = false;
-        cancel();
-    }
 
     function cancel() {
         if (job !== null)
             job.cancel();
-    }
-
-    Item {
-        id: keyboardPlace
-        focus: true
-    }
-
-    Timer {
-        running: keyboardPlace.activeFocus && !copyProgressWindow.isSettled
-        interval: 100
-        onTriggered: copyProgressWindow.isSettled = true
-    }
-
-    // The keyboard may be with another program.
-    Timer {
-        running: copyProgressWindow.visible && copyProgressWindow.job === null
-        interval: 2000
-        onTriggered: copyProgressWindow.visible = false
     }
 
     Text {

@@ -2,8 +2,8 @@ import QtQuick 2.7
 import QtQuick.Window 2.2
 import "."
 
-// Covers the window while a video or a report is written.
-Window {
+// Covers the window while a video or a report is written. Closing it aborts.
+WorkWindow {
     id: exportProgressWindow
     objectName: "exportProgressWindow"
 
@@ -11,7 +11,7 @@ Window {
     signal abortClicked()
 
     function showOperation(text) {
-        visible = true;
+        isAtWork = true;
         exportProgressContent.value = 0;
         exportProgressContent.text = text;
     }
@@ -25,14 +25,8 @@ Window {
     title: "Export operation"
     minimumWidth: 560
     minimumHeight: 120
-    color: Theme.dialog
-    flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint
-    modality: Qt.ApplicationModal
     // Hidden, it would go on unseen.
-    onClosing: {
-        close.accepted = false;
-        abortClicked();
-    }
+    onEndWanted: abortClicked()
 
     ExportProgress {
         id: exportProgressContent

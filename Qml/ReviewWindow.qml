@@ -317,7 +317,7 @@ ApplicationWindow {
     }
 
     function videoExportComplete(result) {
-        exportProgress.visible = false;
+        exportProgress.isAtWork = false;
     }
 
     function videoExportProgress(done, total) {
@@ -325,7 +325,7 @@ ApplicationWindow {
     }
 
     function documentExportComplete(result) {
-        exportProgress.visible = false;
+        exportProgress.isAtWork = false;
     }
 
     function documentExportProgress(done, total) {

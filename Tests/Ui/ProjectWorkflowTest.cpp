@@ -23,6 +23,8 @@ private slots:
     void savingNeedsAVideo();
     void saveAsCopiesTheMedia();
     void aCopyThatEndsAtOnceGivesTheKeyboardBack();
+    void anExportThatFailsAtOnceGivesTheKeyboardBack_data();
+    void anExportThatFailsAtOnceGivesTheKeyboardBack();
     void warnsWhenTheMediaCannotBeCopied();
     void aPlainSaveThatFailsIsReported();
     void aCopyLeavesTheWorkWhereItWas();
@@ -34,6 +36,9 @@ private slots:
     void theAdjustmentsShowTheLogOffsetOfAProject();
     void handEditedProjectsOpenAsFarAsTheyGo_data();
     void handEditedProjectsOpenAsFarAsTheyGo();
+
+private:
+    void givesTheKeyboardBack(QObject* window, const QSignalSpy& focusChanges);
 };
 
 namespace {
@@ -259,16 +264,38 @@ void ProjectWorkflowTest::aCopyThatEndsAtOnceGivesTheKeyboardBack()
     QTRY_VERIFY(!progress->property("visible").toBool());
     QTRY_COMPARE(QGuiApplication::focusWindow(), m_ui->window());
 
-    QSignalSpy focusChanges(qGuiApp, &QGuiApplication::focusWindowChanged);
-    const auto hadKeyboard = [&focusChanges, progress] {
-        return std::any_of(focusChanges.begin(), focusChanges.end(), [&](const auto& change) {
-            return change.first().template value<QWindow*>() == progress;
-        });
-    };
+    const QSignalSpy focusChanges(qGuiApp, &QGuiApplication::focusWindowChanged);
     // Onto its own copies: nothing is left to be copied.
     m_ui->call("doSaveProjectAs", {path});
-    QTRY_VERIFY(hadKeyboard());
-    QTRY_VERIFY(!progress->property("visible").toBool());
+    givesTheKeyboardBack(progress, focusChanges);
+}
+
+void ProjectWorkflowTest::anExportThatFailsAtOnceGivesTheKeyboardBack_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::newRow("video") << "secondaryWindows.exportVideo('file:///nowhere/video.mp4')";
+    QTest::newRow("report") << "doCreatePoiReport('/nowhere/report.docx')";
+}
+
+void ProjectWorkflowTest::anExportThatFailsAtOnceGivesTheKeyboardBack()
+{
+    QFETCH(QString, script);
+    QVERIFY(m_ui->openVideo());
+    QTRY_COMPARE(QGuiApplication::focusWindow(), m_ui->window());
+    const QSignalSpy focusChanges(qGuiApp, &QGuiApplication::focusWindowChanged);
+    m_ui->evaluate(script);
+    givesTheKeyboardBack(m_ui->find("exportProgressWindow"), focusChanges);
+}
+
+// The window of work that has ended goes when the desktop has given it the keyboard, and not
+// before.
+void ProjectWorkflowTest::givesTheKeyboardBack(QObject* window, const QSignalSpy& focusChanges)
+{
+    QVERIFY(window);
+    QTRY_VERIFY(std::any_of(focusChanges.begin(), focusChanges.end(), [window](const auto& change) {
+        return change.first().template value<QWindow*>() == window;
+    }));
+    QTRY_VERIFY(!window->property("visible").toBool());
     QTRY_COMPARE(QGuiApplication::focusWindow(), m_ui->window());
     QTest::keyClick(QGuiApplication::focusWindow(), Qt::Key_End);
     QTRY_VERIFY(player("currentFrameIndex").toInt() > 0);

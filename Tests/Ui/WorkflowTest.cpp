@@ -247,7 +247,7 @@ void WorkflowTest::progressOfAnExport()
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.text").toString(),
              QString("Exporting video file..."));
     m_ui->call("videoExportComplete", {false});
-    QVERIFY(!UiFixture::visibleWindow("Export operation"));
+    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
     QCOMPARE(m_ui->get("currentProject", "activeExportOperation").toInt(), 1);
 }
 
