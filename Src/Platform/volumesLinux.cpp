@@ -54,7 +54,7 @@ bool isOfTheSystem(const Mount& mount)
                        [&](const char* type) { return mount.type == type; });
 }
 
-// By another machine or another program, for which whoever asks has to wait, if need be for ever.
+// By another machine or another program: a question to it waits for that one, if need be for ever.
 bool isAnsweredElsewhere(const QByteArray& type)
 {
     static constexpr std::array<const char*, 11> types = {

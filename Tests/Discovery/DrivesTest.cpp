@@ -241,7 +241,7 @@ void DrivesTest::aMountThatDoesNotAnswerKeepsNobodyWaiting()
         isListed = true;
     });
     const bool isInTime = QTest::qWaitFor([&] { return isListed.load(); });
-    mount.reset(); // lets whoever waits go
+    mount.reset(); // ends every wait for it
     listing.join();
     QVERIFY(isInTime);
     QVERIFY(std::any_of(volumes.begin(), volumes.end(), [&folder](const platform::Volume& volume) {
