@@ -84,7 +84,7 @@ QString decoded(const QString& name)
     for (int i = 0; i < name.size(); ++i) {
         bool isCode = false;
         const ushort code = name.mid(i, 2) == QLatin1String("\\x") && name.size() >= i + 4
-                                ? name.midRef(i + 2, 2).toUShort(&isCode, 16)
+                                ? name.mid(i + 2, 2).toUShort(&isCode, 16)
                                 : ushort(0);
         text += isCode ? QChar(code) : name[i];
         i += isCode ? 3 : 0;
