@@ -46,6 +46,19 @@ QString textOfTransfer(qint64 doneBytes, qint64 totalBytes, qint64 elapsedMs)
              textOfSeconds((totalBytes - doneBytes) / bytesPerSecond));
 }
 
+QString textOfSteps(qint64 done, qint64 total, qint64 elapsedMs)
+{
+    constexpr qint64 settledMs = 2000;
+    const QString amount = Job::tr("%1 of %2").arg(done).arg(total);
+    if (elapsedMs < settledMs || done <= 0 || total < done)
+        return amount;
+    const double perSecond = static_cast<double>(done) * 1000 / static_cast<double>(elapsedMs);
+    const double leftSeconds = static_cast<double>(total - done) / perSecond;
+    return Job::tr("%1, %2/s, %3 left")
+        .arg(amount, QLocale::c().toString(perSecond, 'f', perSecond < 10 ? 1 : 0),
+             textOfSeconds(static_cast<qint64>(leftSeconds)));
+}
+
 Job::Job(Kind kind, const QString& title, Unit unit, std::function<void()> cancel,
          const QString& target, QObject* parent)
     : QObject(parent), m_kind(kind), m_title(title), m_target(target), m_unit(unit),
@@ -70,8 +83,10 @@ QString Job::progressText() const
 {
     if (m_total <= 0)
         return {};
-    return m_unit == Unit::bytes ? textOfTransfer(m_done, m_total, m_clock.elapsed())
-                                 : tr("%1 of %2").arg(m_done).arg(m_total);
+    if (m_unit == Unit::bytes)
+        return textOfTransfer(m_done, m_total, m_clock.elapsed());
+    // The files of a search are of all lengths: their number says nothing about the time left.
+    return textOfSteps(m_done, m_total, isWriting() ? m_clock.elapsed() : 0);
 }
 
 void Job::cancel()

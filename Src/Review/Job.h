@@ -32,7 +32,7 @@ public:
 
     enum class Kind { saving, copying, frames, series, video, report, search, log };
 
-    /// What is counted: bytes are shown with rate and time left.
+    /// What is counted.
     enum class Unit { steps, bytes };
 
     /// `cancel` asks the worker to stop, which then ends the job; empty if it cannot be stopped.
@@ -55,8 +55,8 @@ public:
     qint64 done() const { return m_done; }
     qint64 total() const { return m_total; }
 
-    /// "3 of 12", or for bytes "1.2 of 4.0 GB, 38 MB/s, 1 min 12 s left". Empty before the first
-    /// report.
+    /// "1.2 GB of 4.0 GB, 38 MB/s, 1 min 12 s left", or for steps "3 of 12", with rate and time
+    /// left where something is written. Empty before the first report.
     QString progressText() const;
 
     State state() const { return m_state; }
@@ -104,5 +104,9 @@ QString textOfBytes(qint64 bytes);
 /// How a copy is going, for people: "1.2 GB of 4.0 GB, 38 MB/s, 1 min 12 s left". Without a rate in
 /// the first second.
 QString textOfTransfer(qint64 doneBytes, qint64 totalBytes, qint64 elapsedMs);
+
+/// The same for steps: "300 of 1260, 12/s, 1 min 20 s left". Without a rate in the first two
+/// seconds.
+QString textOfSteps(qint64 done, qint64 total, qint64 elapsedMs);
 
 } // namespace corv

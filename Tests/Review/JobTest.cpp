@@ -64,6 +64,30 @@ private slots:
         QTEST(textOfTransfer(done, total, elapsedMs), "text");
     }
 
+    void stepsReadAsPeopleSayThem_data()
+    {
+        QTest::addColumn<qint64>("done");
+        QTest::addColumn<qint64>("total");
+        QTest::addColumn<qint64>("elapsedMs");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("just begun") << qint64(3) << qint64(1260) << qint64(1999) << "3 of 1260";
+        QTest::newRow("under way") << qint64(300) << qint64(1260) << qint64(25'000)
+                                   << "300 of 1260, 12/s, 1 min 20 s left";
+        QTest::newRow("slow") << qint64(2) << qint64(12) << qint64(4000)
+                              << "2 of 12, 0.5/s, 20 s left";
+        QTest::newRow("stuck") << qint64(0) << qint64(12) << qint64(60'000) << "0 of 12";
+        QTest::newRow("at the end")
+            << qint64(12) << qint64(12) << qint64(6000) << "12 of 12, 2.0/s, 0 s left";
+    }
+
+    void stepsReadAsPeopleSayThem()
+    {
+        QFETCH(qint64, done);
+        QFETCH(qint64, total);
+        QFETCH(qint64, elapsedMs);
+        QTEST(textOfSteps(done, total, elapsedMs), "text");
+    }
+
     void theListFollowsItsJobsAndDropsOldOnes()
     {
         JobList list;
