@@ -179,14 +179,17 @@ bool VideoPlayer::exportSpecificFrames(QList<int> positionsMs, QString folder,
     }
     m_framesExportFolder = folder;
     const auto cancelled = beginFramesExport(positionsMs.size());
-    const auto count = [this](const QString&, const Status& saved) { countExportedFrame(saved); };
     for (int i = 0; i < positionsMs.size(); ++i) {
-        const QString name = seriesFileName(fileNamePreffix, i);
         const QTime time = timeOfMs(positionsMs.at(i));
-        if (savesOtherThermal(time))
-            m_framesExport.otherThermal << name;
+        const auto count = [this, isOther = savesOtherThermal(time)](const QString& file,
+                                                                     const Status& saved) {
+            if (saved && isOther)
+                m_framesExport.otherThermal << QFileInfo(file).fileName();
+            countExportedFrame(saved);
+        };
         const Status requested =
-            requestSaving(time, folder + QLatin1Char('/') + name, false, cancelled, count);
+            requestSaving(time, folder + QLatin1Char('/') + seriesFileName(fileNamePreffix, i),
+                          false, cancelled, count);
         if (!requested)
             post(this, [this, requested] { countExportedFrame(requested); });
     }

@@ -393,10 +393,17 @@ void VideoExportTest::aSeriesNamesPicturesWithAnotherThermalPicture()
     QVERIFY(m_player->exportSpecificFrames({0, 1000, 1400}, path("out"), "Frame"));
     QTRY_COMPARE(complete.count(), 1);
     QVERIFY(m_player->framesExportNote().startsWith("Frame001.jpg to Frame002.jpg"));
+    // By the names under which they were saved, and none that was not.
+    QVERIFY(m_player->exportSpecificFrames({0, 1400}, path("out"), "Frame"));
+    QTRY_COMPARE(complete.count(), 2);
+    QVERIFY(m_player->framesExportNote().startsWith("Frame001(1).jpg has"));
+    QVERIFY(m_player->exportSpecificFrames({1000, 1400}, path("gone"), "Frame"));
+    QTRY_COMPARE(complete.count(), 3);
+    QCOMPARE(m_player->framesExportNote(), QString());
     m_player->setThermalAsOnScreen(true);
     QVERIFY(!m_player->savesOtherThermal(timeAt(1400)));
     QVERIFY(m_player->exportSpecificFrames({0, 1000}, path("out"), "Other"));
-    QTRY_COMPARE(complete.count(), 2);
+    QTRY_COMPARE(complete.count(), 4);
     QVERIFY(m_player->framesExportNote().isEmpty());
 }
 
