@@ -11,8 +11,8 @@ DropArea {
     objectName: "fileDrop"
 
     property VideoPlayer player: null
-    // Opens what was dropped: the main window's loadProject(), afterVideoImportChoice() and
-    // afterFlightDataImportChoice().
+    // Opens what was dropped: the main window's loadProject(), afterVideoImportChoice(),
+    // afterFlightDataImportChoice() and displayWarningDialog().
     property var verbs: null
 
     // The files of a drop by kind; of several of one kind the first counts.
@@ -43,9 +43,12 @@ DropArea {
         } else if (files.log !== undefined && player.hasVideoOpened) {
             player.pause();
             verbs.afterFlightDataImportChoice(files.log);
+        } else if (files.log !== undefined) {
+            verbs.displayWarningDialog("Flight log", "A flight log is added to an open video. Open "
+                                       + "the video first, or drop both together.");
         } else {
             // Refuses the file with a message that lists what can be opened.
-            verbs.afterVideoImportChoice(files.other || files.log);
+            verbs.afterVideoImportChoice(files.other);
         }
     }
 

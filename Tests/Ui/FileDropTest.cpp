@@ -93,18 +93,23 @@ void FileDropTest::opensAProject()
 void FileDropTest::refusesWhatItCannotOpen_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("a picture") << QStringLiteral("/somewhere/picture.jpg");
-    QTest::newRow("a log without a video") << QStringLiteral("/somewhere/flight.log");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("a picture")
+        << "/somewhere/picture.jpg"
+        << "Invalid file extension, choose a \".mov\", \".avi\", \".3gp\" or "
+           "\".mp4\" file";
+    QTest::newRow("a log without a video") << "/somewhere/flight.log"
+                                           << "A flight log is added to an open video. Open the "
+                                              "video first, or drop both together.";
 }
 
 void FileDropTest::refusesWhatItCannotOpen()
 {
     QFETCH(QString, name);
+    QFETCH(QString, message);
     drop({name});
     QTRY_VERIFY(UiFixture::messageBox());
-    QCOMPARE(UiFixture::messageBox()->text(),
-             QStringLiteral("Invalid file extension, choose a \".mov\", \".avi\", \".3gp\" or "
-                            "\".mp4\" file"));
+    QCOMPARE(UiFixture::messageBox()->text(), message);
     QVERIFY(UiFixture::dismissMessageBox());
     QVERIFY(!m_ui->hasVideo());
 }
