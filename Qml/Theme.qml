@@ -54,7 +54,7 @@ QtObject {
     readonly property color textBand: light ? "#222222" : "#cccccc"
     readonly property color textDim: light ? "#3d3d3d" : "#aaaaaa"
     readonly property color textLabel: light ? "#3f3f3f" : "#a8a8a8"
-    readonly property color textDisabled: light ? "#757575" : "#888888"
+    readonly property color textDisabled: light ? "#757575" : "#a6a6a6"
     readonly property color textMissing: light ? "#3a3a3a" : "#777777"
     readonly property color textMissingMark: light ? "#6e6e6e" : "#999999"
     // The text of a failure.
@@ -84,7 +84,7 @@ QtObject {
     readonly property color buttonLineHovered: light ? "#b2b2b2" : Cst.btnColorHover
     readonly property color toolHovered: light ? "#bdbdbd" : Cst.btnColorTbHover
     readonly property color toolIcon: light ? "#111111" : Cst.btnTextPressedColor
-    readonly property color toolIconDisabled: light ? "#8a8a8a" : Cst.disabledCheckedBtnFg
+    readonly property color toolIconDisabled: light ? "#727272" : Cst.disabledCheckedBtnFg
     readonly property color toolChecked: light ? "#ffffff" : Cst.btnColorTbChecked
     readonly property color toolCheckedDisabled: light ? "#c9c9c9" : Cst.btnColorTbCheckedDisabled
     readonly property color toolCheckedIcon: light ? "#0a6e2a" : Cst.checkedBtnFg
@@ -95,23 +95,23 @@ QtObject {
     readonly property color stripe: light ? "#b5b5b5" : "#111111"
     readonly property color handle: light ? "#5a5a5a" : "#999999"
     readonly property color handleHovered: light ? "#303030" : "#cccccc"
-    readonly property color handleDisabled: light ? "#b0b0b0" : "#555555"
+    readonly property color handleDisabled: light ? "#808080" : "#555555"
     readonly property color rangePointer: light ? "#333333" : "#cccccc"
     readonly property color rangePointerHovered: light ? "#000000" : "#ffffff"
-    readonly property color rangePointerDisabled: light ? "#9a9a9a" : "#777777"
+    readonly property color rangePointerDisabled: light ? "#808080" : "#999999"
     readonly property color setterIcon: light ? "#000000" : "#ffffff"
     readonly property color setterIconDisabled: light ? "#808080" : "#aaaaaa"
     readonly property color resetButton: light ? "#ececec" : "#444444"
     readonly property color resetButtonHovered: light ? "#c6c6c6" : "#333333"
     readonly property color resetIcon: light ? "#222222" : "#cccccc"
-    readonly property color resetIconDisabled: light ? "#8c8c8c" : "#888888"
+    readonly property color resetIconDisabled: light ? "#808080" : "#888888"
     readonly property color field: light ? "#ffffff" : "#aaaaaa"
     readonly property color fieldHovered: light ? "#f4f9f5" : "#cccccc"
     readonly property color fieldBorder: light ? "#6f6f6f" : "#999999"
     readonly property color fieldReadOnly: light ? "#d0d0d0" : "#3a3a3a"
     readonly property color fieldDisabled: light ? "#d0d0d0" : "#888888"
     readonly property color fieldText: "#000000"
-    readonly property color fieldTextDisabled: light ? "#6a6a6a" : "#444444"
+    readonly property color fieldTextDisabled: light ? "#5a5a5a" : "#202020"
     readonly property color editField: light ? "#ffffff" : "#888888"
     readonly property color editFieldFocused: light ? "#ffffff" : Qt.lighter(editField, 1.15)
     readonly property color editFieldBorder: light ? "#6f6f6f" : "#666666"
@@ -125,7 +125,7 @@ QtObject {
     readonly property color boxTextDisabled: light ? "#757575" : "#888888"
     readonly property color boxArrow: light ? "#333333" : "#aaaaaa"
     readonly property color boxArrowHovered: light ? "#000000" : "#ffffff"
-    readonly property color boxArrowDisabled: light ? "#a0a0a0" : "#666666"
+    readonly property color boxArrowDisabled: light ? "#808080" : "#707070"
     readonly property color radio: light ? "#ffffff" : "#222222"
     readonly property color radioDisabled: light ? "#dcdcdc" : "#444444"
     readonly property color radioBorder: light ? "#333333" : "#dddddd"

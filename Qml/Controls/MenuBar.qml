@@ -49,7 +49,7 @@ Controls.MenuBar {
                 text: formatMnemonic(styleData.text, styleData.underlineMnemonic)
             }
             itemDelegate.shortcut: Text {
-                color: styleData.enabled ? Theme.menuShortcut : Theme.textMissing
+                color: styleData.enabled ? Theme.menuShortcut : Theme.textDisabled
                 text: styleData.shortcut
             }
             itemDelegate.checkmarkIndicator: Rectangle {

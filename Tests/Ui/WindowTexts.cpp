@@ -32,6 +32,12 @@ bool isIcon(QQuickItem* item)
     return item->inherits("corv::TintedPicture");
 }
 
+// The colours of a setter that cannot be used are settled, its button's icon among them.
+bool hasStatedColours(QQuickItem* item)
+{
+    return item->property("source").toString().contains("button_icon_reset_defaults");
+}
+
 /// Looks at the items of a window in the order in which they are painted.
 class Look
 {
@@ -71,7 +77,7 @@ private:
         // Rows that a list has scrolled out of sight.
         if (isText(item) && clip.intersects(place))
             take(item, place, clip, usable);
-        else if (isIcon(item) && usable && clip.contains(place))
+        else if (isIcon(item) && (usable || !hasStatedColours(item)) && clip.contains(place))
             checkContrast(item, "icon " + item->property("source").toString(), place, visible);
         for (QQuickItem* child : inPaintingOrder(item))
             look(child, clip, opacity, usable);
@@ -132,8 +138,8 @@ private:
         if (!scrolls(item) && onScreen.bottom() > screen->geometry().bottom() + slack)
             m_faults << "below the screen: " + text.words;
         text.place &= clip;
-        if (usable && clip.contains(place))
-            checkContrast(item, text.words, place & clip, readable);
+        if (clip.contains(place))
+            checkContrast(item, text.words, place & clip, usable ? readable : visible);
         m_texts.append(text);
     }
 
