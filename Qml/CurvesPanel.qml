@@ -43,6 +43,23 @@ Rectangle {
         Accessible.name: curves.length === 0 ? "Curves of the log, none chosen"
                                              : "Curves of the log: " + curves.join(", ")
         onLogChanged: curvesPanel.search()
+
+        // They are painted: a screen reader has each as a text of its own.
+        Repeater {
+            id: readings
+
+            readonly property var texts: curvesPanel.open ? logCurves.readings : []
+
+            model: texts.length
+
+            Item {
+                y: index * height
+                width: logCurves.width
+                height: logCurves.height / Math.max(1, readings.count)
+                Accessible.role: Accessible.StaticText
+                Accessible.name: readings.texts[index]
+            }
+        }
     }
 
     Text {
@@ -151,6 +168,7 @@ Rectangle {
                 }
 
                 Text {
+                    id: label
                     anchors.left: mark.right
                     anchors.leftMargin: 6
                     anchors.right: parent.right
@@ -170,6 +188,12 @@ Rectangle {
                         list.currentIndex = index;
                         logCurves.toggle(row.name);
                     }
+                }
+
+                ToolTipLoader {
+                    target: row
+                    text: label.truncated ? label.text : ""
+                    hovered: pointer.containsMouse
                 }
             }
         }

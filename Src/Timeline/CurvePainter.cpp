@@ -222,14 +222,30 @@ void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineVie
     paintLegend(painter, cursorMs);
 }
 
+QString CurvePainter::legendOf(const Curve& curve, int cursorMs) const
+{
+    const std::optional<float> value = valueOf(curve, cursorMs);
+    return value
+               ? curve.column.name +
+                     QStringLiteral("  %1 %2").arg(double(*value), 0, 'g', 5).arg(curve.column.unit)
+               : curve.column.name;
+}
+
+QStringList CurvePainter::legend(int cursorMs) const
+{
+    QStringList texts;
+    if (!isSynced())
+        return texts;
+    for (const Curve& curve : m_curves)
+        texts.append(legendOf(curve, cursorMs));
+    return texts;
+}
+
 void CurvePainter::paintLegend(QPainter& painter, int cursorMs) const
 {
     const QFontMetrics metrics(painter.font(), painter.device());
     for (size_t i = 0; i < m_curves.size(); ++i) {
-        const Curve& curve = m_curves[i];
-        QString text = curve.column.name;
-        if (const std::optional<float> value = valueOf(curve, cursorMs))
-            text += QStringLiteral("  %1 %2").arg(double(*value), 0, 'g', 5).arg(curve.column.unit);
+        const QString text = legendOf(m_curves[i], cursorMs);
         const QRect place(kMarginPx, kMarginPx + static_cast<int>(i) * kLegendLinePx,
                           metrics.horizontalAdvance(text) + 2 * kMarginPx, kLegendLinePx);
         painter.fillRect(place, m_light ? QColor(255, 255, 255, 200) : QColor(0, 0, 0, 160));

@@ -65,6 +65,10 @@ public:
     /// before the first sample and without a synchronised log.
     std::optional<float> valueAt(const QString& name, int videoMs) const;
 
+    /// What the legend says of each curve that is shown: its name, and its value at the cursor
+    /// where it has one.
+    QStringList legend(int cursorMs) const;
+
     /// The colour of a curve that is shown; an invalid one for another name.
     QColor colourOf(const QString& name) const;
 
@@ -102,6 +106,7 @@ private:
     std::optional<float> valueOf(const Curve& curve, int videoMs) const;
     std::vector<int> rowsOfPixels(const Curve& curve, int width, const TimelineView& view) const;
     static QVector<QLine> linesOf(const Curve& curve, const std::vector<int>& rows, int height);
+    QString legendOf(const Curve& curve, int cursorMs) const;
     void paintLegend(QPainter& painter, int cursorMs) const;
 
     std::shared_ptr<const LogFile> m_log;

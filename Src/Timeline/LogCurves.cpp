@@ -16,7 +16,8 @@ void LogCurves::setLogParser(LogParser* logParser)
     if (logParser) {
         connect(logParser, &LogParser::sourceDataParsed, this, &LogCurves::takeLog);
         connect(logParser, &LogParser::sourceChanged, this, &LogCurves::takeLog);
-        connect(logParser, &LogParser::manualLogTimeOffsetChanged, this, [this] { update(); });
+        connect(logParser, &LogParser::manualLogTimeOffsetChanged, this,
+                &LogCurves::changeReadings);
     }
     takeLog();
     emit logParserChanged();
@@ -27,6 +28,12 @@ void LogCurves::takeLog()
     m_painter.setLog(m_logParser ? m_logParser->log() : nullptr);
     m_painter.setClock(m_logParser ? m_logParser->clock() : nullptr);
     emit logChanged();
+    changeReadings();
+}
+
+void LogCurves::changeReadings()
+{
+    emit readingsChanged();
     update();
 }
 
@@ -54,7 +61,7 @@ void LogCurves::setCursorPosition(QTime cursorPosition)
         return;
     m_cursorPosition = cursorPosition;
     emit cursorPositionChanged();
-    update();
+    changeReadings();
 }
 
 void LogCurves::setCurves(const QStringList& curves)
@@ -63,7 +70,7 @@ void LogCurves::setCurves(const QStringList& curves)
         return;
     m_painter.setChosen(curves);
     emit curvesChanged();
-    update();
+    changeReadings();
 }
 
 void LogCurves::setLight(bool light)
@@ -97,6 +104,11 @@ void LogCurves::toggle(const QString& name)
     if (changed.removeAll(name) == 0)
         changed.append(name);
     setCurves(changed);
+}
+
+QStringList LogCurves::readings() const
+{
+    return m_painter.legend(msOfTime(m_cursorPosition));
 }
 
 QColor LogCurves::colourOf(const QString& name) const

@@ -25,6 +25,7 @@ class LogCurves : public QQuickPaintedItem
                    cursorPositionChanged)
     Q_PROPERTY(bool light READ isLight WRITE setLight NOTIFY lightChanged)
     Q_PROPERTY(QStringList curves READ curves WRITE setCurves NOTIFY curvesChanged)
+    Q_PROPERTY(QStringList readings READ readings NOTIFY readingsChanged)
 
 public:
     explicit LogCurves(QQuickItem* parent = nullptr);
@@ -43,6 +44,9 @@ public:
     void setContentX(int contentX);
     void setCursorPosition(QTime cursorPosition);
     void setCurves(const QStringList& curves);
+
+    /// The curves as texts, each with its value at the cursor; what is painted beside them.
+    QStringList readings() const;
 
     /// Colours for a light ground, instead of a dark one.
     bool isLight() const { return m_painter.isLight(); }
@@ -67,12 +71,14 @@ signals:
     void cursorPositionChanged();
     void curvesChanged();
     void lightChanged();
+    void readingsChanged();
 
     /// Another log is there, or none: `available` has changed.
     void logChanged();
 
 private:
     void takeLog();
+    void changeReadings();
 
     QPointer<LogParser> m_logParser;
     CurvePainter m_painter;

@@ -17,6 +17,7 @@ private slots:
     void listsTheNumbersOfGroupsWithTimes();
     void findsByAnyPartOfTheName();
     void showsTheValueHeldAtAMoment();
+    void saysTheValuesAtTheCursor();
     void drawsEachValueAtItsTime();
     void drawsPeaksThatFallBetweenPixels();
     void followsTheCorrection();
@@ -134,6 +135,33 @@ void LogCurvesTest::showsTheValueHeldAtAMoment()
     QCOMPARE(painter.valueAt("engine.cells[0]", 3'000'000).value(), 80.0F);
     QVERIFY(!painter.valueAt("engine.cells[0]", -1));
     QVERIFY(!painter.valueAt("engine.rpm", 0)); // not chosen
+}
+
+void LogCurvesTest::saysTheValuesAtTheCursor()
+{
+    m_curves->setCurves({"engine.rpm", "engine.cells[0]"});
+    QCOMPARE(m_curves->readings(), QStringList()); // without a log
+    QSignalSpy changed(m_curves.get(), &LogCurves::readingsChanged);
+    QVERIFY(load(flight()));
+    QVERIFY(changed.size() > 0);
+    changed.clear();
+    m_curves->setCursorPosition(timeAt(40));
+    QCOMPARE(changed.size(), 1);
+    const auto said = [this] {
+        QStringList texts = m_curves->readings();
+        for (QString& text : texts)
+            text = text.simplified();
+        return texts;
+    };
+    QCOMPARE(said(), QStringList({"engine.rpm 0", "engine.cells[0] 40"}));
+    m_curves->setCursorPosition(timeAt(45000));
+    QCOMPARE(said().first(), QString("engine.rpm 10"));
+    changed.clear();
+    m_curves->toggle("engine.rpm");
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(m_curves->readings().size(), 1);
+    m_parser->closeLog();
+    QCOMPARE(m_curves->readings(), QStringList());
 }
 
 void LogCurvesTest::drawsEachValueAtItsTime()

@@ -1,5 +1,7 @@
 #include "ReviewSuite.h"
 
+#include <QAccessible>
+
 using namespace corv::test;
 
 /// The curves of the flight log under the timeline.
@@ -14,6 +16,8 @@ private slots:
     void findsByTyping();
     void listFoldsAwayFromTheEndOfTheFlight();
     void isOnTheScaleOfTheTimeline();
+    void aShortenedNameIsInItsToolTip();
+    void aScreenReaderHasTheValues();
 
 private:
     QQuickItem* panel() const { return m_ui->item("curvesPanel"); }
@@ -103,6 +107,46 @@ void CurvesPanelTest::isOnTheScaleOfTheTimeline()
     m_ui->evaluate("timelineContent.contentX = 70");
     QTRY_COMPARE(m_ui->evaluate("curvesPanel.msPerPx === timelineContent.msPerPx").toBool(), true);
     QCOMPARE(m_ui->evaluate("curvesPanel.contentX").toInt(), 70);
+}
+
+void CurvesPanelTest::aShortenedNameIsInItsToolTip()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    const QString name = "temperature_of_the_gimbal.filtered_by_the_second_estimator_of_all[11]";
+    m_ui->evaluate("curvesPanel.found = [{name: '" + name + "', group: '', unit: 'K'}]");
+    QTRY_VERIFY(m_ui->get("curvesList", "currentItem").value<QQuickItem*>());
+    QQuickItem* const row = m_ui->get("curvesList", "currentItem").value<QQuickItem*>();
+    const auto tip = [this, row] {
+        QObject* toolTip = m_ui->find("toolTip", row);
+        return toolTip ? toolTip->property("text").toString() : QString();
+    };
+    QTRY_VERIFY(row->width() > 0);
+    UiFixture::hover(row);
+    QTRY_COMPARE(tip(), name + " (K)");
+}
+
+void CurvesPanelTest::aScreenReaderHasTheValues()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog());
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    m_ui->evaluate("curvesPanel.curves = ['mission_info.flight_number']");
+    const auto texts = [this] {
+        QStringList read;
+        for (QQuickItem* child : m_ui->item("logCurves")->childItems()) {
+            QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(child);
+            if (reader && reader->role() == QAccessible::StaticText)
+                read << reader->text(QAccessible::Name);
+        }
+        return read;
+    };
+    QTRY_COMPARE(texts(), m_ui->get("logCurves", "readings").toStringList());
+    QCOMPARE(texts().size(), 1);
+    QVERIFY(texts().first().startsWith("mission_info.flight_number"));
+    m_ui->evaluate("curvesPanel.curves = []");
+    QTRY_COMPARE(texts(), QStringList());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 QTEST_MAIN(CurvesPanelTest)
