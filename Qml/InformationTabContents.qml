@@ -30,6 +30,8 @@ Rectangle {
         color: Theme.flightPlate
     }
 
+    DisabledToolTips { row: namingRect }
+
     Item {
         id: namingRect
         anchors.top: parent.top
@@ -52,7 +54,8 @@ Rectangle {
             wrapMode: Text.Wrap
             font.pixelSize: 13
             fontSizeMode: Text.Fit
-            minimumPixelSize: 6
+            minimumPixelSize: 9
+            elide: Text.ElideRight
             clip: true
             text: "<b>Mission:</b><br>" + infoRect.plain(LogParser.flightNaming.missionName)
                   + "<br><b>Flight:</b><br>" + infoRect.plain(LogParser.flightNaming.flightName)
@@ -63,6 +66,24 @@ Rectangle {
                              + ", flight: " + LogParser.flightNaming.flightName
                              + (LogParser.flightNaming.flightNumber > 0
                                 ? ", number " + LogParser.flightNaming.flightNumber : "")
+
+            // Names of more than a line each are small, or shortened.
+            readonly property bool crowded: truncated
+                    || lineCount > (LogParser.flightNaming.flightNumber > 0 ? 5 : 4)
+
+            MouseArea {
+                id: namingArea
+                anchors.fill: parent
+                acceptedButtons: Qt.NoButton
+                hoverEnabled: true
+            }
+
+            ToolTipLoader {
+                target: namingText
+                text: namingText.crowded ? "Mission: " + LogParser.flightNaming.missionName
+                                           + "\nFlight: " + LogParser.flightNaming.flightName : ""
+                hovered: namingArea.containsMouse
+            }
         }
 
         Text {
@@ -89,6 +110,7 @@ Rectangle {
             height: 16
             source: "images/button_edit_field.png"
             tooltiptext: "Edit flight properties"
+            disabledReason: "open a video first"
             onClicked: infoRect.editFlightPropertiesClicked()
         }
     }

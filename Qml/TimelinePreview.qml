@@ -3,7 +3,8 @@ import Timeline 1.0
 import VideoPlayer 1.0
 import "."
 
-// Over the timeline: the picture of the video and the time at the pointer.
+// Over the timeline: the picture of the video and the time at the pointer, with the whole name of a
+// point of interest, which its flag may shorten.
 Item {
     id: timelinePreview
 
@@ -11,6 +12,7 @@ Item {
     // Where the pointer is over the timeline, if it is.
     property bool pointed: false
     property real pointerX: 0
+    property real pointerY: 0
     property TimelineNavigator navigator: null
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
 
@@ -24,10 +26,18 @@ Item {
             preview.show(navigator.timeAt(pointerX));
         else
             preview.clear();
+        showName();
+    }
+
+    // Those that cover each other have a list of their own.
+    function showName() {
+        var pois = pointed && videoOpen ? navigator.poisAt(pointerX, pointerY) : [];
+        nameText.text = pois.length === 1 ? pois[0].name.substring(0, 400) : "";
     }
 
     onPointedChanged: follow()
     onPointerXChanged: follow()
+    onPointerYChanged: showName()
     onVideoOpenChanged: follow()
 
     Rectangle {
@@ -38,6 +48,7 @@ Item {
         y: -height - 30
         width: 208
         height: picture.height + timeText.height + 12
+                + (nameText.visible ? nameText.height + 3 : 0)
         visible: timelinePreview.pointed && timelinePreview.videoOpen
         color: Theme.overlay
         border.width: 1
@@ -59,6 +70,20 @@ Item {
             color: Theme.overlayText
             text: timelinePreview.visible && timelinePreview.navigator !== null
                   ? timelinePreview.navigator.timeTextAt(timelinePreview.pointerX) : ""
+        }
+
+        Text {
+            id: nameText
+            objectName: "timelinePreviewName"
+            anchors { top: timeText.bottom; topMargin: 3; horizontalCenter: parent.horizontalCenter }
+            width: picture.width
+            visible: text !== ""
+            color: Theme.overlayText
+            textFormat: Text.PlainText
+            wrapMode: Text.Wrap
+            maximumLineCount: 4
+            elide: Text.ElideRight
+            horizontalAlignment: Text.AlignHCenter
         }
     }
 }

@@ -65,6 +65,7 @@ Rectangle {
         pointed: timelineStrip.pointer !== null && timelineStrip.pointer.hovered
                  && !overlapList.shown
         pointerX: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.x : 0
+        pointerY: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.y : 0
         player: timelineStrip.player
         navigator: timelineStrip.navigator
     }

@@ -27,6 +27,7 @@ private slots:
     void clickingThePanelGivesTheKeysBack();
     void theAutomaticRangeIsShown();
     void namesAreTextAndNeverBoth();
+    void longNamesAreInTheirToolTip();
     void editedNamesAreWritten_data();
     void editedNamesAreWritten();
     void editedPoiIsWritten();
@@ -294,6 +295,26 @@ void PanelTest::namesAreTextAndNeverBoth()
              QString("<b>Mission:</b><br>&lt;b>A&amp;B<br><b>Flight:</b><br>x<br><b>Num. </b>3"));
     m_ui->evaluate("LogParser.flightNaming = {undefined: true}");
     QVERIFY(!shown("namingText") && shown("namingTextUndefined"));
+}
+
+void PanelTest::longNamesAreInTheirToolTip()
+{
+    const auto tip = [this] {
+        QObject* toolTip = m_ui->find("toolTip", m_ui->item("namingText"));
+        return toolTip ? toolTip->property("text").toString() : QString();
+    };
+    const auto name = [this](const QString& mission) {
+        m_ui->evaluate("LogParser.flightNaming = {missionName: '" + mission +
+                       "', flightName: 'North', flightNumber: 3, undefined: false}");
+    };
+    const QString mission = QString("Inspection of the line ").repeated(12).trimmed();
+    name(mission);
+    UiFixture::hover(m_ui->item("namingText"));
+    QTRY_COMPARE(tip(), "Mission: " + mission + "\nFlight: North");
+    // Small, but readable.
+    QVERIFY(m_ui->get("namingText", "minimumPixelSize").toInt() >= 9);
+    name("Line 12");
+    QTRY_COMPARE(tip(), QString());
 }
 
 void PanelTest::editedNamesAreWritten_data()
