@@ -13,6 +13,9 @@ Rectangle {
     readonly property bool thermalShown: player !== null && player.showIR
     readonly property bool automatic: player !== null && player.autoIRMapping
 
+    readonly property string rangeReason: thermalShown
+            ? "switch the automatic color mapping off first" : "show the thermal picture first"
+
     // Whether the hottest and the coldest point are shown on the picture.
     property bool extremesShown: false
     signal extremesToggled(bool shown)
@@ -161,6 +164,14 @@ Rectangle {
         }
 
         DisabledToolTips {
+            objectName: "setterToolTips"
+            row: sections
+        }
+        DisabledToolTips {
+            objectName: "rangeToolTips"
+            row: iRRangeRect
+        }
+        DisabledToolTips {
             objectName: "thermalToolTips"
             row: thermalButtons
         }
@@ -228,6 +239,7 @@ Rectangle {
                     maximumValue: irRangeMax
                     value: 0
                     enabled: irSlidersEnabled
+                    disabledReason: adjustmentsRect.rangeReason
                     name: "Lowest mapped value"
                     onValueChanged: {
                         if (player !== null && !automatic && !following)
@@ -257,6 +269,7 @@ Rectangle {
                     maximumValue: irRangeMax
                     value: 16383
                     enabled: irSlidersEnabled
+                    disabledReason: adjustmentsRect.rangeReason
                     name: "Highest mapped value"
                     onValueChanged: {
                         if (player !== null && !automatic && !following)
@@ -315,6 +328,7 @@ Rectangle {
                     model: ["Rainbow", "Even", "Grey"]
                     Accessible.name: tooltiptext
                     tooltiptext: "Colours of the thermal picture"
+                    disabledReason: "show the thermal picture first"
                     onActivated: player.irPalette = index
 
                     Binding on currentIndex {
@@ -338,6 +352,7 @@ Rectangle {
                 decimals: 3
                 value: 0
                 enabled: adjustmentsRect.videoOpen
+                disabledReason: "open a video first"
                 onValueChanged: {
                     if (!adjustmentsRect.following && player !== null)
                         player.irOffsetX = value;
@@ -362,6 +377,7 @@ Rectangle {
                 decimals: 3
                 value: 0
                 enabled: adjustmentsRect.videoOpen
+                disabledReason: "open a video first"
                 onValueChanged: {
                     if (!adjustmentsRect.following && player !== null)
                         player.irOffsetY = value;
@@ -387,6 +403,7 @@ Rectangle {
                 decimals: 0
                 value: 0
                 enabled: adjustmentsRect.videoOpen
+                disabledReason: "open a video first"
                 onValueChanged: {
                     if (!adjustmentsRect.following)
                         LogParser.manualLogTimeOffset = value;
@@ -413,6 +430,7 @@ Rectangle {
                 decimals: 1
                 value: 1.0
                 enabled: adjustmentsRect.videoOpen
+                disabledReason: "open a video first"
                 onValueChanged: {
                     if (!adjustmentsRect.following && player !== null)
                         player.contrast = value;
@@ -437,6 +455,7 @@ Rectangle {
                 decimals: 0
                 value: 0
                 enabled: adjustmentsRect.videoOpen
+                disabledReason: "open a video first"
                 onValueChanged: {
                     if (!adjustmentsRect.following && player !== null)
                         player.brightness = value;

@@ -1,7 +1,7 @@
 import QtQuick 2.7
 
-// The tool tips of the buttons of a row that cannot be used now: they say why. Such a button sees no
-// pointer, so this looks for it from behind.
+// The tool tips of the controls of a row or a column that cannot be used now: they say why. Such a
+// control sees no pointer, so this looks for it from behind.
 MouseArea {
     id: disabledToolTips
 
@@ -23,8 +23,9 @@ MouseArea {
     Item {
         id: place
         x: disabledToolTips.explained ? disabledToolTips.pointed.x : 0
+        y: disabledToolTips.explained ? disabledToolTips.pointed.y : 0
         width: disabledToolTips.explained ? disabledToolTips.pointed.width : 0
-        height: parent.height
+        height: disabledToolTips.explained ? disabledToolTips.pointed.height : 0
     }
 
     ToolTipLoader {

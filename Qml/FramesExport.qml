@@ -327,6 +327,11 @@ Window {
             }
         }
 
+        DisabledToolTips {
+            objectName: "cornerToolTips"
+            row: folderRect
+        }
+
         Rectangle {
             id: folderRect
             anchors.top: startStopRect.bottom
@@ -384,6 +389,7 @@ Window {
                     bottomMargin: 6
                 }
                 text: "Show the flight instruments in a corner"
+                disabledReason: "import a flight log first"
             }
 
             CorvCheckBox {
@@ -391,6 +397,7 @@ Window {
                 objectName: "thermalBarCheckBox"
                 anchors { left: folderLabel.left; bottom: parent.bottom; bottomMargin: 6 }
                 text: "Show the thermal colour bar in a corner"
+                disabledReason: "show the thermal picture first"
             }
         }
     }

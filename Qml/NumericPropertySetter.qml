@@ -18,6 +18,9 @@ Rectangle {
     // What the number counts, for the tool tip.
     property string unit: ""
     readonly property string description: accessibleName + (unit === "" ? "" : ", " + unit)
+    // What a DisabledToolTips behind it shows.
+    readonly property string tooltiptext: description
+    property string disabledReason: ""
     // Set while the slider and the box are made to show the value.
     property bool following: true
 

@@ -87,6 +87,11 @@ Window {
         }
     }
 
+    DisabledToolTips {
+        objectName: "cornerToolTips"
+        row: folderRect
+    }
+
     Rectangle {
         id: folderRect
         anchors { left: parent.left; right: parent.right; top: parent.top }
@@ -139,6 +144,7 @@ Window {
             objectName: "instrumentsCheckBox"
             anchors { left: folderLabel.left; top: browseButton.bottom; topMargin: 12 }
             text: "Show the flight instruments in a corner"
+            disabledReason: "import a flight log first"
         }
 
         CorvCheckBox {
@@ -146,6 +152,7 @@ Window {
             objectName: "thermalBarCheckBox"
             anchors { left: folderLabel.left; top: instrumentsCheckBox.bottom; topMargin: 8 }
             text: "Show the thermal colour bar in a corner"
+            disabledReason: "show the thermal picture first"
         }
 
         Text {
@@ -160,6 +167,8 @@ Window {
             }
             wrapMode: Text.WordWrap
             color: Theme.textSoft
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
             text: "Video will be rendered with the same apparance as on the player. This includes "
                   + "thermal camera overlay visibility and adjustments, image brightness and "
                   + "contrast.\n"

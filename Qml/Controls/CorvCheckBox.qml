@@ -7,7 +7,12 @@ import ".."
 Controls.CheckBox {
     id: corvCheckBox
 
+    // What a DisabledToolTips behind it shows.
+    readonly property string tooltiptext: text
+    property string disabledReason: ""
+
     Accessible.name: text
+    Accessible.description: enabled ? "" : disabledReason
 
     style: CheckBoxStyle {
         spacing: 6

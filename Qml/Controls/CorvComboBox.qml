@@ -10,6 +10,8 @@ Controls.ComboBox {
 
     // Where the text is whole.
     property string tooltiptext: ""
+    // Why it cannot be used; a DisabledToolTips behind it shows it.
+    property string disabledReason: ""
 
     // A choice by another way than the pointer.
     function choose(index) {

@@ -9,6 +9,9 @@ Controls.Slider {
 
     property url pointer
     property string name: ""
+    // What a DisabledToolTips behind it shows.
+    readonly property string tooltiptext: name + " " + Math.round(value)
+    property string disabledReason: ""
 
     height: 10
     stepSize: 1
@@ -19,7 +22,7 @@ Controls.Slider {
 
     ToolTipLoader {
         target: rangeSlider
-        text: rangeSlider.name + ": " + Math.round(rangeSlider.value)
+        text: rangeSlider.tooltiptext
         hovered: rangeSlider.hovered
     }
 

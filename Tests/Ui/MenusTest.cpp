@@ -313,13 +313,19 @@ void MenusTest::cornersOfExportsAreRemembered()
 void MenusTest::cornersAreChosenInTheExportWindows_data()
 {
     QTest::addColumn<QString>("property");
-    QTest::newRow("instruments") << "instruments";
-    QTest::newRow("thermal bar") << "thermalBar";
+    QTest::addColumn<QString>("unavailable");
+    QTest::newRow("instruments")
+        << "instruments"
+        << "Show the flight instruments in a corner: import a flight log first";
+    QTest::newRow("thermal bar")
+        << "thermalBar"
+        << "Show the thermal colour bar in a corner: show the thermal picture first";
 }
 
 void MenusTest::cornersAreChosenInTheExportWindows()
 {
     QFETCH(QString, property);
+    QFETCH(QString, unavailable);
     const QByteArray name = property.toLatin1();
     const QByteArray enabled = name + "Enabled";
     const auto shown = [&] { return m_ui->get("exportInsets", name.constData()).toBool(); };
@@ -329,8 +335,14 @@ void MenusTest::cornersAreChosenInTheExportWindows()
             qstrcmp(opener, "exportVideoMenuItem") == 0 ? "Export video" : "Export frames";
         QVERIFY(m_ui->trigger(opener));
         QTRY_VERIFY(UiFixture::visibleWindow(title));
-        QVERIFY(!UiFixture::visibleWindow(title)->property(enabled.constData()).toBool());
-        UiFixture::visibleWindow(title)->close();
+        QQuickWindow* window = UiFixture::visibleWindow(title);
+        QVERIFY(!window->property(enabled.constData()).toBool());
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        UiFixture::hover(m_ui->item((name + "CheckBox").constData(), window));
+        QQuickItem* const toolTips = m_ui->item("cornerToolTips", window);
+        QTRY_VERIFY(m_ui->find("toolTip", toolTips));
+        QTRY_COMPARE(m_ui->find("toolTip", toolTips)->property("text").toString(), unavailable);
+        window->close();
         QTRY_VERIFY(!UiFixture::visibleWindow(title));
     }
     QVERIFY(m_ui->importLog());
