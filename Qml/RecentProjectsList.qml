@@ -14,6 +14,9 @@ Item {
     signal chosen(string path)
 
     readonly property int rowHeight: 48
+    // With two rows, or with the only one: less than that does not look like a list.
+    readonly property real leastHeight: title.height + 6
+                                        + Math.min(rows.height, 2 * rowHeight + rows.spacing)
 
     height: Math.min(title.height + 6 + rows.height, mostHeight)
     visible: projects.length > 0

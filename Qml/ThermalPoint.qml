@@ -6,6 +6,8 @@ Item {
     id: thermalPoint
 
     property real value: 0
+    // For a screen reader.
+    property string name: ""
     property color mark: Theme.overlayText
     // Whether a ring is drawn around the point.
     property bool ringed: true
@@ -34,6 +36,8 @@ Item {
             color: Theme.overlayText
             font.pixelSize: 11
             text: Math.round(thermalPoint.value)
+            Accessible.role: Accessible.StaticText
+            Accessible.name: thermalPoint.name + " " + text
         }
     }
 }

@@ -94,6 +94,7 @@ Rectangle {
     color: videoOpen ? Theme.videoGround : Theme.startGround
 
     RecentProjectsList {
+        id: recentList
         objectName: "recentProjectsList"
         anchors { top: welcome.bottom; topMargin: 8; horizontalCenter: parent.horizontalCenter }
         width: Math.min(420, parent.width - 16)
@@ -108,6 +109,12 @@ Rectangle {
         id: welcome
         objectName: "welcomeMessage"
         anchors.centerIn: parent
+        // Higher where the list below would have no room.
+        anchors.verticalCenterOffset: {
+            var free = (parent.height - height) / 2;
+            var wanted = recentList.visible ? recentList.leastHeight + 16 : 0;
+            return -Math.max(0, Math.min(free - 8, wanted - free));
+        }
         // This place is narrower than the panel in the narrowest window.
         width: Math.min(560, parent.width - 8)
         visible: !videoArea.videoOpen && !videoArea.videoBeingRead
@@ -204,6 +211,7 @@ Rectangle {
                     ? Qt.point(0, 0) : videoArea.placeInFrame(found.x, found.y)
 
             objectName: modelData + "Point"
+            name: modelData === "hottest" ? "Hottest point" : "Coldest point"
             x: place.x
             y: place.y
             visible: found !== undefined
@@ -216,6 +224,7 @@ Rectangle {
         id: pointedValue
         objectName: "pointedThermalValue"
         ringed: false
+        name: "Thermal value at the pointer"
         x: pointer.point.position.x + 8
         y: pointer.point.position.y + 20
         visible: !isNaN(value)

@@ -81,6 +81,8 @@ Rectangle {
             Text {
                 width: actions.cellWidth
                 height: 70
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
                 text: modelData
                 color: Theme.welcomeText
                 font.pixelSize: 11
