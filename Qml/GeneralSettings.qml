@@ -107,6 +107,8 @@ Window {
                 width: parent.width
                 wrapMode: Text.WordWrap
                 text: "Changes will be applied after restarting Vistrel"
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
                 color: Theme.textSoft
             }
         }

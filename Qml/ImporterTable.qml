@@ -75,6 +75,8 @@ Item {
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.WordWrap
             color: Theme.textDim
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
             text: "No flights listed yet. Choose above where the log files and the video files are, "
                   + "then press \"Search flights\"."
         }

@@ -41,10 +41,13 @@ Rectangle {
     }
 
     Text {
+        objectName: "emptyJobsText"
         anchors { left: parent.left; right: parent.right; top: head.bottom; margins: 12 }
         visible: list.count === 0
         color: Theme.textBand
         wrapMode: Text.WordWrap
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
         text: "Nothing has run yet. Exports, saving and reading a log appear here."
     }
 

@@ -28,6 +28,8 @@ Rectangle {
         color: Theme.text
         wrapMode: Text.Wrap
         textFormat: Text.PlainText
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
         text: missingMediaBar.missing === null ? ""
               : missingMediaBar.missing.searching ? "Looking for the missing files..."
                                                   : missingMediaBar.missing.text

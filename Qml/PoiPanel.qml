@@ -16,6 +16,9 @@ Rectangle {
     // The keyboard goes back to the video.
     signal done()
 
+    // Words are being typed, and Escape takes them away.
+    readonly property bool filtering: filterField.activeFocus
+
     color: Theme.panel
 
     PoiFilter {
@@ -39,6 +42,8 @@ Rectangle {
             anchors { left: parent.left; leftMargin: 8; verticalCenter: parent.verticalCenter }
             color: Theme.textBand
             text: "Points of interest: " + filter.count
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
 
         CorvToolbarToggleTextButton {
@@ -71,6 +76,8 @@ Rectangle {
         visible: filter.count === 0
         color: Theme.textBand
         wrapMode: Text.WordWrap
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
         text: filterField.text !== "" ? "No point of interest has these words."
                                       : "No points of interest yet. N makes one at the playhead."
     }
@@ -81,20 +88,44 @@ Rectangle {
 
         // Rows chosen beside the current one.
         property var chosen: []
+        // Where the choice by keys has come to.
+        property int reached: -1
 
         function choose(row, modifiers) {
             if (modifiers & Qt.ControlModifier) {
                 var without = chosen.filter(function(one) { return one !== row; });
                 chosen = without.length < chosen.length ? without : chosen.concat([row]);
+                reached = row;
             } else if (modifiers & Qt.ShiftModifier) {
-                var rows = [];
-                for (var i = Math.min(row, currentIndex); i <= Math.max(row, currentIndex); ++i)
-                    rows.push(i);
-                chosen = rows;
+                chooseTo(row);
             } else {
                 chosen = [];
                 goTo(row);
             }
+        }
+
+        // All rows from the current one on.
+        function chooseTo(row) {
+            var rows = [];
+            for (var i = Math.min(row, currentIndex); i <= Math.max(row, currentIndex); ++i)
+                rows.push(i);
+            chosen = rows;
+            reached = row;
+        }
+
+        // By a key: one row on, or one more with Shift.
+        function step(by, modifiers) {
+            if (count === 0)
+                return;
+            var last = count - 1;
+            if (!(modifiers & Qt.ShiftModifier) || currentIndex < 0) {
+                chosen = [];
+                goTo(Math.max(0, Math.min(last, currentIndex + by)));
+                return;
+            }
+            var from = chosen.length > 0 ? reached : currentIndex;
+            chooseTo(Math.max(0, Math.min(last, from + by)));
+            positionViewAtIndex(reached, ListView.Contain);
         }
 
         // A function of the list: the row may be gone when its point of interest has been gone to.
@@ -132,8 +163,8 @@ Rectangle {
         Accessible.role: Accessible.List
         Accessible.name: "Points of interest"
 
-        Keys.onUpPressed: goTo(Math.max(0, currentIndex - 1))
-        Keys.onDownPressed: goTo(Math.min(count - 1, currentIndex + 1))
+        Keys.onUpPressed: step(-1, event.modifiers)
+        Keys.onDownPressed: step(1, event.modifiers)
         Keys.onDeletePressed: removeChosen()
 
         delegate: Rectangle {

@@ -79,6 +79,8 @@ Window {
         font.pixelSize: 11
         color: Theme.text
         text: restorePoiChoice.outcome()
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 
     CorvRichTextButton {

@@ -76,6 +76,8 @@ Window {
         anchors { left: parent.left; leftMargin: 10; verticalCenter: okButton.verticalCenter }
         color: Theme.textSoft
         text: "F1: all keys, in the user guide"
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 
     CorvRichTextButton {

@@ -23,6 +23,8 @@ Rectangle {
     signal sidebarToggled(bool shown)
 
     property bool pictureAlone: false
+    // A field of the window has a use of its own for Escape.
+    property bool escapeIsTaken: false
     signal pictureAloneToggled()
 
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
@@ -145,10 +147,13 @@ Rectangle {
         visible: transportStrip.moveMode
 
         Text {
+            objectName: "moveModeText"
             anchors.verticalCenter: parent.verticalCenter
             color: Theme.accent
             font.bold: true
             text: "POI MOVE MODE"
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
         CorvToolbarTextButton {
             id: confirmPOIMoveButton
@@ -245,7 +250,13 @@ Rectangle {
         }
     }
 
+    DisabledToolTips {
+        objectName: "panelButtonsToolTips"
+        row: panelButtons
+    }
+
     Row {
+        id: panelButtons
         anchors.right: parent.right
         anchors.rightMargin: 4
 
@@ -255,6 +266,7 @@ Rectangle {
             source: "images/button_picture_alone.png"
             tooltiptext: "Picture alone on full screen"
             keyName: "F"
+            disabledReason: transportStrip.openVideoFirst
             enabled: transportStrip.videoOpen
             onToggle: transportStrip.pictureAloneToggled()
         }
@@ -348,5 +360,12 @@ Rectangle {
         sequence: "Esc"
         enabled: transportStrip.moveMode
         onPressed: transportStrip.verbs.stopMovingPoi()
+    }
+    // From a control back to the video, as a click on the picture does.
+    Shortcut {
+        sequence: "Esc"
+        enabled: transportStrip.hasFocusItem && !transportStrip.moveMode
+                 && !transportStrip.pictureAlone && !transportStrip.escapeIsTaken
+        onActivated: transportStrip.verbs.refocusMainActions()
     }
 }

@@ -47,7 +47,6 @@ ReviewWindow {
     curves: curvesPanel
     sidebar: tabsContainer
     keyboardPlace: videoTab
-
     finishJobsFirst: generalSettings.finishJobsFirst
 
     // What to say of a crash of the last run, and where its report is. The program sets them.
@@ -457,6 +456,7 @@ ReviewWindow {
         timeline: timelineContent
         verbs: mainWindow
         hasFocusItem: mainWindow.activeFocusItem !== null
+        escapeIsTaken: poiPanel.filtering
         poiListShown: panelSettings.poiListShown
         onPoiListToggled: panelSettings.poiListShown = shown
         sidebarShown: panelSettings.sidebarShown

@@ -1,8 +1,21 @@
 #include "ReviewSuite.h"
 
+#include <QAccessible>
 #include <QDir>
 
 using namespace corv::test;
+
+namespace {
+
+QVector<QQuickItem*> allBelow(QQuickItem* item)
+{
+    QVector<QQuickItem*> items;
+    for (QQuickItem* child : item->childItems())
+        items << child << allBelow(child);
+    return items;
+}
+
+} // namespace
 
 /// What is beside the stated window: the list of points of interest, jobs, zoom, the keys of a
 /// review, the thermal bar.
@@ -15,6 +28,7 @@ private slots:
     void theListIsFilteredByTyping();
     void theListDeletesWhatIsChosen();
     void aDoubleClickInTheListEdits();
+    void severalAreChosenByKeys();
     void panelsFoldAndStayFolded();
     void keysJumpAndFollowThePoints();
     void keysZoomTheTimeline();
@@ -23,7 +37,11 @@ private slots:
     void theTimelineShowsThePictureAtThePointer();
     void thePictureAtThePointerGoesWithItsFlight();
     void poisThatCoverEachOtherAreListed();
+    void theTimelineShowsTheWholeNameOfAFlag();
     void theThermalBarHasTheEndsOfTheRange();
+    void aScreenReaderHasTheHottestPoint();
+    void aScreenReaderHasTheSentences_data();
+    void aScreenReaderHasTheSentences();
     void unitsSwitchAtOnce();
     void aSeriesOfPicturesIsAJobWithAnEnd();
     void jobsAreListed();
@@ -116,6 +134,29 @@ void PanelsTest::aDoubleClickInTheListEdits()
     QCOMPARE(UiFixture::visibleWindow("Edit point of interest")->property("poiName").toString(),
              QString("POI 1"));
     UiFixture::visibleWindow("Edit point of interest")->close();
+}
+
+void PanelsTest::severalAreChosenByKeys()
+{
+    showList();
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
+                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}, {time: 4000, name: 'd'}])");
+    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 4);
+    const auto chosen = [this] { return m_ui->get("deletePoisButton", "text").toString(); };
+    m_ui->item("poiList")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Down);
+    key(Qt::Key_Down);
+    QTRY_COMPARE(position(), 2000);
+    key(Qt::Key_Down, Qt::ShiftModifier);
+    key(Qt::Key_Down, Qt::ShiftModifier);
+    QTRY_COMPARE(chosen(), QString("Delete 3"));
+    key(Qt::Key_Up, Qt::ShiftModifier);
+    QTRY_COMPARE(chosen(), QString("Delete 2"));
+    // Choosing goes nowhere.
+    QCOMPARE(position(), 2000);
+    key(Qt::Key_Delete);
+    QTRY_COMPARE(m_ui->poiNames(), QStringList({"a", "d"}));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void PanelsTest::panelsFoldAndStayFolded()
@@ -235,6 +276,70 @@ void PanelsTest::thePictureAtThePointerGoesWithItsFlight()
     QTRY_VERIFY(picture().isNull());
     QVERIFY(m_ui->openVideo());
     QTRY_VERIFY(!picture().isNull()); // the pointer has not moved
+}
+
+void PanelsTest::theTimelineShowsTheWholeNameOfAFlag()
+{
+    openFlight();
+    const QString name = "Loose <clamp> below the third insulator of the upper traverse";
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 3000, name: '" + name + "'}])");
+    QQuickItem* const strip = m_ui->item("timelineContent");
+    const double x = 3000 / strip->property("msPerPx").toDouble() + 20;
+    const auto flagsAt = [&](double y) {
+        return m_ui->evaluate(QString("timelineNavigator.poisAt(%1, %2).length").arg(x).arg(y))
+            .toInt();
+    };
+    QTRY_COMPARE(flagsAt(70), 1); // it has its picture
+    const auto shown = [this] { return m_ui->get("timelinePreviewName", "text").toString(); };
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x, 70)).toPoint());
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x + 1, 70)).toPoint());
+    QTRY_COMPARE(shown(), name);
+    QVERIFY(m_ui->item("timelinePreviewName")->isVisible());
+    const QQuickItem* frame = m_ui->item("timelinePreview");
+    QTRY_VERIFY(m_ui->get("timelinePreviewName", "lineCount").toInt() > 1);
+    QVERIFY(m_ui->item("timelinePreviewName")->y() + m_ui->item("timelinePreviewName")->height() <=
+            frame->height());
+    // On the ruler above it there is no flag.
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x + 1, 10)).toPoint());
+    QTRY_COMPARE(shown(), QString());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::aScreenReaderHasTheHottestPoint()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog(media().logWithThermal()));
+    m_ui->evaluate("videoPlayer.showIR = true; videoRect.extremesShown = true;"
+                   "videoPlayer.redraw()");
+    const auto textsOf = [this](const char* point) {
+        QStringList texts;
+        for (QQuickItem* child : allBelow(m_ui->item(point))) {
+            QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(child);
+            if (reader && reader->role() == QAccessible::StaticText)
+                texts << reader->text(QAccessible::Name);
+        }
+        return texts;
+    };
+    QTRY_COMPARE(textsOf("hottestPoint"), QStringList("Hottest point 7159"));
+    QTRY_COMPARE(textsOf("coldestPoint"), QStringList("Coldest point 7000"));
+}
+
+void PanelsTest::aScreenReaderHasTheSentences_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const char* text :
+         {"poiPanelTitle", "emptyText", "emptyJobsText", "missingMediaText", "moveModeText"})
+        QTest::newRow(text) << text;
+}
+
+void PanelsTest::aScreenReaderHasTheSentences()
+{
+    QFETCH(QString, text);
+    QQuickItem* const item = m_ui->item(text);
+    QAccessibleInterface* const reader = QAccessible::queryAccessibleInterface(item);
+    QVERIFY(reader);
+    QCOMPARE(reader->role(), QAccessible::StaticText);
+    QCOMPARE(reader->text(QAccessible::Name), item->property("text").toString());
 }
 
 void PanelsTest::theThermalBarHasTheEndsOfTheRange()

@@ -18,6 +18,8 @@ private slots:
     void controlsFollowThePlayer();
     void tabReachesControlsAndSpaceActivatesThem();
     void aClickLeavesTheKeyboardFocusOnTheVideo();
+    void escapeGivesTheKeysBackToTheVideo_data();
+    void escapeGivesTheKeysBackToTheVideo();
 
 private:
     // The text of the tool tip of a control; nothing before it was first wanted.
@@ -31,6 +33,16 @@ private:
 void StripsTest::toolTipsSayWhyAToolCannotBeUsed()
 {
     const auto tip = [this] { return toolTipOf(m_ui->item("saveButtonsToolTips")); };
+    UiFixture::hover(m_ui->item("pictureAloneButton"));
+    QTRY_COMPARE(toolTipOf(m_ui->item("panelButtonsToolTips")),
+                 QString("Picture alone on full screen: open a video first"));
+    QVERIFY(m_ui->showAdjustments());
+    UiFixture::hover(m_ui->item("contrastSetter"));
+    QTRY_COMPARE(toolTipOf(m_ui->item("setterToolTips")),
+                 QString("Contrast, times: open a video first"));
+    UiFixture::hover(m_ui->item("iRMinValueSlider"));
+    QTRY_COMPARE(toolTipOf(m_ui->item("rangeToolTips")),
+                 QString("Lowest mapped value 0: show the thermal picture first"));
     UiFixture::hover(m_ui->item("removePoiButton"));
     QTRY_COMPARE(tip(), QString("Delete selected POI: open a video first"));
     QVERIFY(m_ui->openVideo());
@@ -193,6 +205,30 @@ void StripsTest::aClickLeavesTheKeyboardFocusOnTheVideo()
     QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
     QTest::keyClick(m_ui->window(), Qt::Key_Space);
     QVERIFY(player("playing").toBool());
+}
+
+void StripsTest::escapeGivesTheKeysBackToTheVideo_data()
+{
+    QTest::addColumn<QString>("control");
+    QTest::newRow("a button") << "addPoiButton";
+    QTest::newRow("a number") << "playSpeedBox";
+    QTest::newRow("a field") << "curvesSearch";
+}
+
+void StripsTest::escapeGivesTheKeysBackToTheVideo()
+{
+    QFETCH(QString, control);
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    QTRY_VERIFY(m_ui->item("curvesSearch")->isVisible());
+    m_ui->item(control)->forceActiveFocus(Qt::TabFocusReason);
+    QTRY_VERIFY(m_ui->item(control)->hasActiveFocus());
+    QTest::keyClick(m_ui->window(), Qt::Key_Escape);
+    QTRY_VERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    QTest::keyClick(m_ui->window(), Qt::Key_Space);
+    QVERIFY(player("playing").toBool());
+    QCOMPARE(m_ui->poiNames(), QStringList());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 QTEST_MAIN(StripsTest)
