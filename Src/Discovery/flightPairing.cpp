@@ -1,9 +1,9 @@
 #include "Discovery/flightPairing.h"
 
 #include "Discovery/flightAlignment.h"
+#include "Discovery/flightNames.h"
 
-#include <QFileInfo>
-#include <QRegularExpression>
+#include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -41,39 +41,21 @@ qint64 lengthOf(const RecEvent& event)
     return static_cast<qint64>(event.stopTime) - static_cast<qint64>(event.startTime);
 }
 
-// A name in its parts: "roof 12 (2)" is "roof ", the number 12 and the copy 2 of that name.
-struct NumberedName
+template <typename File>
+std::vector<FlightName> namesOf(const std::vector<File>& files)
 {
-    QString before;
-    QString number; // empty if the name ends in none
-    QString copy;
-};
-
-NumberedName numberedName(const QString& base)
-{
-    static const QRegularExpression form(
-        QStringLiteral("^(.*?)([0-9]{1,9})(?: ?\\(([0-9]{1,4})\\))?$"));
-    const QRegularExpressionMatch match = form.match(base);
-    if (!match.hasMatch())
-        return {base, {}, {}};
-    return {match.captured(1), match.captured(2), match.captured(3)};
+    QStringList paths;
+    for (const File& file : files)
+        paths.append(file.path);
+    return flightNames(paths);
 }
 
-// Positions of the files in the order of their names. Where a file manager has put files of equal
-// names together, those with the same number in brackets come from one card.
+// Positions of the files in the order of their names. Where files of equal names were put together,
+// those of the same copy come from one card.
 template <typename File>
-std::vector<size_t> orderOfNames(const std::vector<File>& files)
+std::vector<size_t> orderOfNames(const std::vector<File>& files,
+                                 const std::vector<FlightName>& names)
 {
-    struct Name
-    {
-        QString folder;
-        int copy;
-    };
-    std::vector<Name> names;
-    for (const File& file : files) {
-        const QFileInfo info(file.path);
-        names.push_back({info.path(), numberedName(info.completeBaseName()).copy.toInt()});
-    }
     std::vector<size_t> order(files.size());
     std::iota(order.begin(), order.end(), size_t(0));
     std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
@@ -89,7 +71,7 @@ std::vector<size_t> orderOfNames(const std::vector<File>& files)
 std::vector<Recording> recordingsInOrder(const std::vector<PairingLog>& logs)
 {
     std::vector<Recording> recordings;
-    for (const size_t log : orderOfNames(logs)) {
+    for (const size_t log : orderOfNames(logs, namesOf(logs))) {
         quint32 lastStop = 0;
         for (const RecEvent& event : logs[log].recordings)
             lastStop = std::max(lastStop, event.stopTime);
@@ -239,7 +221,8 @@ private:
 
     const std::vector<PairingVideo>& m_videos;
     const std::vector<PairingLog>& m_logs;
-    std::vector<size_t> m_order; // positions of the videos by name
+    std::vector<FlightName> m_names; // of the videos
+    std::vector<size_t> m_order;     // positions of the videos by name
     std::vector<Recording> m_recordings;
     LogDelay m_delay;
     std::vector<std::vector<AlignmentClaim>> m_claims; // by place in m_order
@@ -251,13 +234,15 @@ private:
 };
 
 Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs)
-    : m_videos(videos), m_logs(logs), m_order(orderOfNames(videos)),
-      m_recordings(recordingsInOrder(logs)), m_delay(videos, logs, m_recordings)
+    : m_videos(videos), m_logs(logs), m_names(namesOf(videos)),
+      m_order(orderOfNames(videos, m_names)), m_recordings(recordingsInOrder(logs)),
+      m_delay(videos, logs, m_recordings)
 {
     AlignmentInput input;
     for (size_t place = 0; place < m_order.size(); ++place) {
         const PairingVideo& video = videos[m_order[place]];
-        const bool continues = place > 0 && isNextPart(videos[m_order[place - 1]].path, video.path);
+        const bool continues =
+            place > 0 && isNextPart(m_names[m_order[place - 1]], m_names[m_order[place]]);
         input.videos.push_back({video.lengthMs, continues});
     }
     for (const Recording& recording : m_recordings)
@@ -501,55 +486,6 @@ std::vector<Pairing> pairFlights(const std::vector<PairingVideo>& videos,
                                  const std::vector<PairingLog>& logs)
 {
     return Decision(videos, logs).take();
-}
-
-bool namesInOrder(const QString& a, const QString& b)
-{
-    int i = 0;
-    int j = 0;
-    const auto numberEnd = [](const QString& text, int from) {
-        while (from < text.size() && text[from].isDigit())
-            ++from;
-        return from;
-    };
-    while (i < a.size() && j < b.size()) {
-        if (a[i].isDigit() && b[j].isDigit()) {
-            const int iEnd = numberEnd(a, i);
-            const int jEnd = numberEnd(b, j);
-            while (i < iEnd - 1 && a[i] == QLatin1Char('0'))
-                ++i;
-            while (j < jEnd - 1 && b[j] == QLatin1Char('0'))
-                ++j;
-            if (iEnd - i != jEnd - j)
-                return iEnd - i < jEnd - j;
-            const int order = a.midRef(i, iEnd - i).compare(b.midRef(j, jEnd - j));
-            if (order != 0)
-                return order < 0;
-            i = iEnd;
-            j = jEnd;
-            continue;
-        }
-        // A separator comes before all letters, so that a folder's files stay together.
-        const ushort x = a[i] == QLatin1Char('/') ? 0 : a[i].toCaseFolded().unicode();
-        const ushort y = b[j] == QLatin1Char('/') ? 0 : b[j].toCaseFolded().unicode();
-        if (x != y)
-            return x < y;
-        ++i;
-        ++j;
-    }
-    return a.size() - i < b.size() - j;
-}
-
-bool isNextPart(const QString& path, const QString& next)
-{
-    const QFileInfo before(path);
-    const QFileInfo after(next);
-    if (before.path() != after.path() || before.suffix() != after.suffix())
-        return false;
-    const NumberedName name = numberedName(before.completeBaseName());
-    const NumberedName nextName = numberedName(after.completeBaseName());
-    return !name.number.isEmpty() && name.before == nextName.before && name.copy == nextName.copy &&
-           nextName.number.toLongLong() == name.number.toLongLong() + 1;
 }
 
 } // namespace corv

@@ -58,12 +58,4 @@ struct Pairing
 std::vector<Pairing> pairFlights(const std::vector<PairingVideo>& videos,
                                  const std::vector<PairingLog>& logs);
 
-/// The order of file names as a person reads them: numbers by their value, letters without case.
-bool namesInOrder(const QString& a, const QString& b);
-
-/// True if `next` can be the part of a flight that follows `path`: the same folder, the same name
-/// but for the number at its end, which is one higher. A number in brackets behind it, as systems
-/// add it to files of equal names, is the same.
-bool isNextPart(const QString& path, const QString& next);
-
 } // namespace corv

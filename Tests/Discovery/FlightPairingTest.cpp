@@ -1,5 +1,6 @@
 #include "Discovery/flightPairing.h"
 #include "Discovery/flightAlignment.h"
+#include "Discovery/flightNames.h"
 #include "GeneratedCards.h"
 #include "Support/trustRow.h"
 #include "pairingFiles.h"
@@ -51,6 +52,8 @@ private slots:
     void namesAreOrderedAsPeopleReadThem();
     void nextPartHasTheNextNumber_data();
     void nextPartHasTheNextNumber();
+    void copiesAreKnownByTheNameBesideThem_data();
+    void copiesAreKnownByTheNameBesideThem();
     void claimsAreShares();
     void manyFlightsStayInTheRangeOfNumbers();
     void generatedCardsArePairedRight_data();
@@ -247,10 +250,15 @@ void FlightPairingTest::cardsPutTogetherKeepTheirFlights_data()
     QTest::newRow("prefixes") << QStringList{"A_CORV0001.MOV", "B_CORV0001.MOV", "A_CORV0002.MOV",
                                              "B_CORV0002.MOV", "A_CORV0003.MOV", "B_CORV0003.MOV"}
                               << QStringList{"A_1.log", "B_1.log", "A_2.log", "B_2.log"};
-    QTest::newRow("names that a file manager made different")
-        << QStringList{"CORV0001.MOV",     "CORV0001 (2).MOV", "CORV0002.MOV",
-                       "CORV0002 (2).MOV", "CORV0003.MOV",     "CORV0003 (2).MOV"}
-        << QStringList{"1.log", "1 (2).log", "2.log", "2 (2).log"};
+    for (const char* copy : {" (2)", "(2)", " 2", "-2", "_1"}) {
+        QStringList videos;
+        QStringList logs;
+        for (const QString name : {"CORV0001", "CORV0002", "CORV0003"})
+            videos << name + ".MOV" << name + copy + ".MOV";
+        for (const QString name : {"LOG00001", "LOG00002"})
+            logs << name + ".log" << name + copy + ".log";
+        QTest::addRow("names that a file manager made different by \"%s\"", copy) << videos << logs;
+    }
 }
 
 // Of each card a flight in two files and a shorter one; all times are lost.
@@ -369,7 +377,68 @@ void FlightPairingTest::nextPartHasTheNextNumber()
 {
     QFETCH(QString, path);
     QFETCH(QString, next);
-    QTEST(isNextPart(path, next), "continues");
+    const std::vector<FlightName> names = flightNames({path, next});
+    QTEST(isNextPart(names[0], names[1]), "continues");
+}
+
+void FlightPairingTest::copiesAreKnownByTheNameBesideThem_data()
+{
+    QTest::addColumn<QStringList>("beside");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<int>("copy");
+    const QStringList none;
+    QTest::newRow("no copy") << none << "/a/CORV0012.MOV"
+                             << "0012" << 0;
+    QTest::newRow("in brackets") << none << "/a/CORV0012 (3).MOV"
+                                 << "0012" << 3;
+    QTest::newRow("the name is there") << QStringList{"/a/CORV0012.MOV"} << "/a/CORV0012_2.MOV"
+                                       << "0012" << 2;
+    QTest::newRow("the name is there in other case")
+        << QStringList{"/a/corv0012.mov"} << "/a/CORV0012_2.MOV"
+        << "0012" << 2;
+    QTest::newRow("the name is not there") << none << "/a/CORV0012_2.MOV"
+                                           << "2" << 0;
+    QTest::newRow("the name is in another folder")
+        << QStringList{"/b/CORV0012.MOV"} << "/a/CORV0012_2.MOV"
+        << "2" << 0;
+    QTest::newRow("the name is that of another kind of file")
+        << QStringList{"/a/CORV0012.log"} << "/a/CORV0012_2.MOV"
+        << "2" << 0;
+    QTest::newRow("its own name is missing, but not those of most")
+        << QStringList{"/a/CORV0010.MOV", "/a/CORV0010_2.MOV", "/a/CORV0011.MOV",
+                       "/a/CORV0011_2.MOV"}
+        << "/a/CORV0012_2.MOV"
+        << "0012" << 2;
+    QTest::newRow("the names of most are missing")
+        << QStringList{"/a/CORV0010_2.MOV", "/a/CORV0011_2.MOV", "/a/CORV0012.MOV"}
+        << "/a/CORV0012_2.MOV"
+        << "2" << 0;
+    QTest::newRow("most are named with another sign")
+        << QStringList{"/a/CORV0010.MOV", "/a/CORV0010-2.MOV", "/a/CORV0011.MOV",
+                       "/a/CORV0011-2.MOV"}
+        << "/a/CORV0012_2.MOV"
+        << "2" << 0;
+    QTest::newRow("a number that people give")
+        << QStringList{"/a/roof 12.MOV"} << "/a/roof 12-2.MOV"
+        << "2" << 0;
+    QTest::newRow("a date") << QStringList{"/a/2018-06.MOV"} << "/a/2018-06-01.MOV"
+                            << "01" << 0;
+    QTest::newRow("a day without a break") << QStringList{"/a/20180601.MOV"} << "/a/20180601_2.MOV"
+                                           << "2" << 0;
+    QTest::newRow("a long number") << QStringList{"/a/CORV0012.MOV"} << "/a/CORV0012_200.MOV"
+                                   << "200" << 0;
+    QTest::newRow("a number alone") << none << "/a/12.MOV"
+                                    << "12" << 0;
+}
+
+void FlightPairingTest::copiesAreKnownByTheNameBesideThem()
+{
+    QFETCH(QStringList, beside);
+    QFETCH(QString, path);
+    const FlightName name = flightNames(beside + QStringList(path)).back();
+    QTEST(name.number, "number");
+    QTEST(name.copy, "copy");
 }
 
 void FlightPairingTest::claimsAreShares()

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+namespace corv {
+
+/// The name of a file in its parts: "/a/roof 12 (2).mov" is "roof ", the number 12 and the second
+/// copy of that name.
+struct FlightName
+{
+    QString folder;
+    QString before; ///< of the number; the whole base name if it ends in none
+    QString number; ///< empty if the name ends in none
+    QString suffix;
+    int copy = 0; ///< 0 for the name itself
+};
+
+/// The parts of these names. A number in brackets at the end is a copy, as systems add it to files
+/// of equal names. So is a short one after a space, a dash or an underscore behind a number of
+/// cameras, as in "CORV0012_2.MOV", where most files of its folder that are named like that are
+/// next to the name without it. Pure; any thread.
+std::vector<FlightName> flightNames(const QStringList& paths);
+
+/// The order of file names as a person reads them: numbers by their value, letters without case.
+bool namesInOrder(const QString& a, const QString& b);
+
+/// True if `next` can be the part of a flight that follows `name`: the same folder, the same name
+/// but for the number at its end, which is one higher, of the same copy.
+bool isNextPart(const FlightName& name, const FlightName& next);
+
+} // namespace corv
