@@ -160,6 +160,11 @@ void FrameIndex::finish(double fps)
     }
     std::stable_sort(m_byPosition.begin(), m_byPosition.end(),
                      [this](int a, int b) { return packet(a).position < packet(b).position; });
+    const auto isSamePlace = [this](int a, int b) {
+        return packet(a).position >= 0 && packet(a).position == packet(b).position;
+    };
+    m_isRepeating = std::adjacent_find(m_byPosition.begin(), m_byPosition.end(), isSamePlace) !=
+                    m_byPosition.end();
     // Without times the order of decoding is the only one known.
     if (m_hasTimes) {
         std::stable_sort(m_shown.begin(), m_shown.end(),
@@ -272,11 +277,13 @@ bool FrameIndex::agrees(const Packet& packet, qint64 position, qint64 dts, qint6
 
 int FrameIndex::find(qint64 position, qint64 dts, qint64 pts, int expected) const
 {
-    if (expected >= 0 && expected < packetCount() && agrees(packet(expected), position, dts, pts))
+    const bool isLikely =
+        expected >= 0 && expected < packetCount() && agrees(packet(expected), position, dts, pts);
+    if (isLikely && (!m_isRepeating || isAt(packet(expected), dts, pts)))
         return expected;
     const auto before = [this](int a, qint64 wanted) { return packet(a).position < wanted; };
     auto at = std::lower_bound(m_byPosition.begin(), m_byPosition.end(), position, before);
-    int found = -1;
+    int found = isLikely ? expected : -1;
     for (; at != m_byPosition.end() && packet(*at).position == position; ++at) {
         if (isAt(packet(*at), dts, pts))
             return *at;

@@ -115,6 +115,7 @@ private:
     double m_fps = 0.0;
     bool m_hasTimes = true;
     bool m_isPacked = false;
+    bool m_isRepeating = false; // several packets are at one position: a part is shown twice
     bool m_isConstantRate = false;
     double m_endMs = 0.0;
     std::vector<Packet> m_packets;

@@ -45,6 +45,7 @@ private slots:
     void aClockThatBeginsAnewGoesOn();
     void timesOfDecodingAreGivenToFrames_data();
     void timesOfDecodingAreGivenToFrames();
+    void aPartThatIsShownTwiceIsKnownByItsTimes();
     void hugeTimesDoNoHarm();
 };
 
@@ -215,6 +216,24 @@ void FrameIndexTest::timesOfDecodingAreGivenToFrames()
     QCOMPARE(index.frameCount(), shownMs.size());
     for (int i = 0; i < shownMs.size(); ++i)
         QCOMPARE(index.timeMs(i), static_cast<double>(shownMs[i]));
+}
+
+// An edit list can show a part of the file a second time, from the same place.
+void FrameIndexTest::aPartThatIsShownTwiceIsKnownByItsTimes()
+{
+    FrameIndex index;
+    for (int i = 0; i < 6; ++i) {
+        FrameIndex::Packet packet;
+        packet.position = 1000 + i % 3 * 100;
+        packet.pts = packet.dts = i * 40;
+        index.add(packet);
+    }
+    index.finish(fps);
+    for (int i = 0; i < 6; ++i) {
+        for (const int expected : {-1, 0, i, (i + 3) % 6})
+            QCOMPARE(index.find(1000 + i % 3 * 100, i * 40, i * 40, expected), i);
+    }
+    QCOMPARE(index.find(1100, FrameIndex::noTime, FrameIndex::noTime, 4), 4);
 }
 
 void FrameIndexTest::hugeTimesDoNoHarm()
