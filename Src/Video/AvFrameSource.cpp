@@ -106,6 +106,7 @@ private:
     int m_lastSent = -1;  // the packet that the decoder got last
     int m_lastShown = -1; // the frame that the decoder gave last
     bool m_inPlace = false;
+    bool m_isFresh = false;      // a new input was asked for at this start
     bool m_isMediumLost = false; // by the last reading
     bool m_isDrained = false;
     int m_damagedFrom = 0; // packets from here ...
@@ -364,7 +365,9 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
             attempt = startFor(wanted);
             break;
         case Step::overshot:
-            // The keyframe before; in the end the start of the file.
+            // The keyframe before; in the end the start of the file, for which a new input may be
+            // needed.
+            m_isMediumLost = m_isMediumLost || m_start == 0;
             attempt = attempts < mostSeekAttempts ? index().startBefore(m_start) : 0;
             break;
         }
@@ -413,6 +416,7 @@ int AvFrameSource::placeBefore(int packet) const
 bool AvFrameSource::startAt(int packet)
 {
     // What was opened on a card that was pulled out stays dead when the card is back.
+    m_isFresh = m_isMediumLost;
     if (m_isMediumLost)
         reopen();
     forgetPosition();
@@ -512,7 +516,7 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
         if (packet < m_start || packet <= m_lastSent)
             continue; // before the start, or none that the index knows
         if (m_lastSent < 0 && packet > m_start) {
-            if (m_start > 0)
+            if (m_start > 0 || !m_isFresh)
                 return Step::overshot;
             if (!frames.packet(packet).isKey) // the start of the file is lost
                 continue;

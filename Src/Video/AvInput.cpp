@@ -214,10 +214,12 @@ AvInput::Outcome AvInput::next(AVPacket& packet)
             return Outcome::failed;
         if (result == AVERROR_EOF)
             return Outcome::end;
-        if (result < 0)
+        if (result < 0) {
             ++errors;
-        else if (packet.stream_index == m_videoStream)
+        } else if (packet.stream_index == m_videoStream) {
+            m_isMoved = true;
             return Outcome::packet;
+        }
     }
     return Outcome::end;
 }
@@ -238,6 +240,7 @@ void AvInput::forgetFailures()
 bool AvInput::seek(qint64 dts, qint64 position)
 {
     forgetFailures();
+    m_isMoved = true;
     if (m_seeksByPosition && position >= 0)
         return av_seek_frame(m_context, m_videoStream, position, AVSEEK_FLAG_BYTE) >= 0;
     return av_seek_frame(m_context, m_videoStream, dts, AVSEEK_FLAG_BACKWARD) >= 0;
@@ -248,6 +251,9 @@ bool AvInput::rewind()
     forgetFailures();
     if (m_seeksByPosition)
         return av_seek_frame(m_context, m_videoStream, 0, AVSEEK_FLAG_BYTE) >= 0;
+    // What Matroska lists are some of the keyframes, and the very first need not be among them.
+    if (!m_isMoved && std::strstr(m_context->iformat->name, "matroska"))
+        return true;
     const AVIndexEntry* first = avformat_index_get_entry(video(), 0);
     if (first && av_seek_frame(m_context, m_videoStream, first->timestamp,
                                AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY) >= 0)

@@ -90,7 +90,8 @@ public:
     /// packet that comes may be an earlier one; false if it cannot be done.
     bool seek(qint64 dts, qint64 position);
 
-    /// Seeks to the very first packet.
+    /// Seeks to the very first packet, or to the first that the container lists: then only an input
+    /// that is opened anew begins at the very first.
     bool rewind();
 
     /// Where in the file the last read ended, in bytes, and the size of the file.
@@ -120,6 +121,7 @@ private:
     int m_videoStream = -1;
     bool m_isProbed = false;
     bool m_seeksByPosition = false;
+    bool m_isMoved = false; // from the very first packet
 };
 
 } // namespace corv

@@ -39,6 +39,8 @@ private slots:
     void framesOfTwoPacketsHaveTheRateOfFrames();
     void onePictureIsAVideo();
     void stepsAheadAndBackAreExact();
+    void seeksInAProgrammeStreamAreExact();
+    void aListOfKeyframesNeedNotBeginAtTheFirst();
     void whatIsNoVideoDoesNotOpen_data();
     void whatIsNoVideoDoesNotOpen();
     void cloneIsAtTheStartAndIndependent();
@@ -283,6 +285,49 @@ void FrameSourceTest::stepsAheadAndBackAreExact()
     QCOMPARE(readNumber(*source), 199);
     QVERIFY(source->seekToTime(1e12));
     QCOMPARE(readNumber(*source), 199);
+}
+
+// Blocks of the stream begin anywhere in a frame: behind a seek a rest of another one comes first.
+void FrameSourceTest::seeksInAProgrammeStreamAreExact()
+{
+    const QString file = path("programme.mpg");
+    QVERIFY((TestVideo{
+        90, "25", {640, 480}, 0, {"-c:v", "mpeg2video", "-q:v", "1", "-bf", "2", "-g", "12"}}
+                 .write(file)));
+    const auto source = openVideo(file);
+    QVERIFY(source);
+    QCOMPARE(source->frameCount(), 90);
+    for (int i = 89; i >= 0; i -= 4) {
+        QVERIFY(source->seekToFrame(i));
+        QCOMPARE(readNumber(*source), i);
+        const auto other = source->clone();
+        QVERIFY(other && other->seekToTime(i * 40.0));
+        QCOMPARE(readNumber(*other), i);
+    }
+}
+
+// Matroska lists no keyframe that is shown before the time 0.
+void FrameSourceTest::aListOfKeyframesNeedNotBeginAtTheFirst()
+{
+    const QString whole = path("whole.mp4");
+    const QString early = path("early.mkv");
+    QVERIFY((TestVideo{60, "25", {160, 120}, 0, {"-c:v", "libx264", "-g", "10", "-bf", "2"}}.write(
+        whole)));
+    QVERIFY(runFfmpeg({"-itsoffset", "-1.1", "-i", whole, "-c", "copy", "-avoid_negative_ts",
+                       "disabled", early}));
+    const auto source = openVideo(early);
+    QVERIFY(source);
+    QCOMPARE(source->frameCount(), 60);
+    for (int i = 0; i < 60; ++i)
+        QCOMPARE(readNumber(*source), i);
+    const auto other = source->clone();
+    QVERIFY(other);
+    for (const int i : {55, 15, 3, 45, 0, 25}) {
+        for (FrameSource* each : {source.get(), other.get()}) {
+            QVERIFY(each->seekToFrame(i));
+            QCOMPARE(readNumber(*each), i);
+        }
+    }
 }
 
 void FrameSourceTest::whatIsNoVideoDoesNotOpen_data()
