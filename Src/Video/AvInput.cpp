@@ -16,6 +16,9 @@ extern "C" {
 namespace corv {
 namespace {
 
+// What states more frames a second states the ticks of its clock.
+constexpr double mostFps = 1000.0;
+
 // That many packets that cannot be read in a row are no damage but the end.
 constexpr int hopelessErrors = 500;
 
@@ -182,11 +185,12 @@ bool AvInput::cutsAnywhere() const
 
 double AvInput::statedFps() const
 {
+    const auto isRate = [](double fps) { return std::isfinite(fps) && fps > 0.0 && fps < mostFps; };
     const double fps = av_q2d(av_guess_frame_rate(m_context, video(), nullptr));
-    if (std::isfinite(fps) && fps > 0.0)
+    if (isRate(fps))
         return fps;
     const double average = av_q2d(video()->avg_frame_rate);
-    return std::isfinite(average) && average > 0.0 ? average : 0.0;
+    return isRate(average) ? average : 0.0;
 }
 
 double AvInput::statedDurationMs() const

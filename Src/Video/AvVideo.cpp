@@ -10,11 +10,16 @@ extern "C" {
 }
 
 #include <QFileInfo>
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace corv {
 namespace {
+
+constexpr size_t measuredFrames = 60;
 
 Failure withName(const Failure& failure, const QString& file)
 {
@@ -31,6 +36,29 @@ int rotationOf(const AVStream& stream)
         return 0;
     const int clockwise = (static_cast<int>(std::lround(-angle)) % 360 + 360) % 360;
     return clockwise % 90 == 0 ? clockwise : 0;
+}
+
+// The rate of the first frames, where the file states none and they need not be evenly spaced; 0 if
+// they have no times. Reads on from the start.
+double measuredFps(AvInput& input)
+{
+    std::vector<qint64> times;
+    AvPacketPtr packet(av_packet_alloc());
+    while (times.size() < measuredFrames && input.next(*packet) == AvInput::Outcome::packet) {
+        if (packet->pts != AV_NOPTS_VALUE)
+            times.push_back(packet->pts);
+    }
+    std::sort(times.begin(), times.end());
+    std::vector<double> steps;
+    for (size_t i = 1; i < times.size(); ++i) {
+        if (times[i] > times[i - 1])
+            steps.push_back(static_cast<double>(times[i]) - static_cast<double>(times[i - 1]));
+    }
+    if (steps.empty())
+        return 0.0;
+    const auto middle = steps.begin() + static_cast<std::ptrdiff_t>(steps.size() / 2);
+    std::nth_element(steps.begin(), middle, steps.end());
+    return 1.0 / (*middle * av_q2d(input.video()->time_base));
 }
 
 QSize aspectRatioOf(const AVRational& ratio, bool isTurned)
@@ -66,6 +94,8 @@ Status AvVideo::describe(AvInput& input)
     const bool isKnown = input.isDescribed() || input.probe();
     const AVStream& stream = *input.video();
     fps = input.statedFps();
+    if (isKnown && fps <= 0.0)
+        fps = measuredFps(input);
     form.rotation = rotationOf(stream);
     setSize(QSize(stream.codecpar->width, stream.codecpar->height));
     pixelAspectRatio = aspectRatioOf(stream.sample_aspect_ratio, form.rotation % 180 != 0);
