@@ -2,7 +2,10 @@
 
 #include "SampleFlight/frameStrip.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -213,7 +216,25 @@ bool SampleFlight::writeCard(const QString& folder) const
             return false;
         first += frames;
     }
-    return writeLog(card.filePath(logFile())) && writeProject(card.filePath(projectFile()));
+    return writeLog(card.filePath(logFile())) && setVideoTimes(card) &&
+           writeProject(card.filePath(projectFile()));
+}
+
+// Files are paired by these times. Those of the writing depend on how fast the machine is.
+bool SampleFlight::setVideoTimes(const QDir& card) const
+{
+    const QDateTime logTime = QFileInfo(card.filePath(logFile())).lastModified();
+    int endFrame = 0;
+    for (const QString& name : videoFiles()) {
+        endFrame = std::min(endFrame + framesPerFile(), frameCount());
+        const int restMs = (frameCount() - endFrame) * 1000 / frameRate;
+        QFile file(card.filePath(name));
+        if (!file.open(QIODevice::ReadWrite) ||
+            !file.setFileTime(logTime.addMSecs(-qint64(landingMs) - restMs),
+                              QFileDevice::FileModificationTime))
+            return false;
+    }
+    return true;
 }
 
 bool SampleFlight::writeProject(const QString& path) const

@@ -8,6 +8,8 @@
 #include <opencv2/core.hpp>
 #include <vector>
 
+class QDir;
+
 namespace corv {
 
 class FlightLogWriter;
@@ -39,11 +41,13 @@ public:
     static constexpr int videoRows = 720;
     static constexpr quint32 stateRecordMs = 20; ///< one at every multiple of it
     static constexpr quint32 cameraRecordMs = 100;
+    static constexpr quint32 landingMs = 14'000; ///< from the stop of the recording to the end
 
     explicit SampleFlight(const SampleFlightOptions& options = {});
 
-    /// Writes videos, log and project into `folder`, which is made if need be: the log last, as the
-    /// drone does. False if anything could not be written.
+    /// Writes videos, log and project into `folder`, which is made if need be. The files have the
+    /// times that the drone gives them: each video the end of its recording, the log a later one.
+    /// False if anything could not be written.
     bool writeCard(const QString& folder) const;
     bool writeLog(const QString& path) const;
 
@@ -109,6 +113,7 @@ private:
     FlightCourse::Pose poseAtLog(double logMs) const;
     int framesPerFile() const { return m_options.secondsPerFile * frameRate; }
     bool writeVideo(const QString& path, int firstFrame, int frames) const;
+    bool setVideoTimes(const QDir& card) const;
     bool writeProject(const QString& path) const;
     PacketIds describe(FlightLogWriter& log) const;
     void writeEvents(FlightLogWriter& log, const PacketIds& ids, quint32 fromMs,

@@ -8,7 +8,6 @@
 namespace corv {
 namespace {
 
-constexpr quint32 landingMs = 14'000;
 constexpr quint32 partsPerFrame = 4;
 constexpr int wordsPerPart = 4800;
 constexpr int nameBytes = 50;
