@@ -1,8 +1,11 @@
 #include "Cli/diagnostics.h"
 
+#include "Cli/Command.h"
+
 #include <QString>
 #include <QtGlobal>
 #include <cstdio>
+#include <cstdlib>
 
 namespace corv::cli {
 namespace {
@@ -11,6 +14,12 @@ bool isVerbose = false;
 
 void handle(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
+    if (message.startsWith(QLatin1String("QThread::start: Thread creation error"))) {
+        // Qt goes on as if the thread ran, and what waits for it would wait for ever.
+        std::fputs("vistrel-cli: There is not enough memory: the system starts no more threads.\n",
+                   stderr);
+        std::_Exit(Failed);
+    }
     if (isVerbose || type == QtFatalMsg)
         std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
 }

@@ -2,6 +2,7 @@
 
 #include "Base/videoTime.h"
 #include "Cli/insets.h"
+#include "Cli/memoryLimit.h"
 #include "Cli/thermalClock.h"
 #include "Threads/post.h"
 #include "Video/fileNames.h"
@@ -40,6 +41,8 @@ ExitStatus openFlight(OpenFlight& flight, const QCommandLineParser& line, const 
     const QStringList arguments = line.positionalArguments();
     if (!OpenFlight::isFlight(arguments))
         return WrongUsage;
+    if (const Status memory = enoughMemoryForVideos(); !memory)
+        return fail(memory.failure());
     const Status opened = flight.open(arguments, out);
     if (!opened)
         return fail(opened.failure());

@@ -1,4 +1,5 @@
 #include "Cli/Command.h"
+#include "Cli/memoryLimit.h"
 
 #include <QFile>
 #include <QTextCodec>
@@ -79,6 +80,8 @@ bool isLogCommand(const QStringList& arguments, const std::vector<Command>& comm
 // Becomes the other program. Returns only where that cannot be started.
 ExitStatus becomeFlightProgram(char** argv)
 {
+    if (const Status memory = enoughMemoryToLoad(); !memory)
+        return fail(memory.failure());
     char self[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof(self));
     std::string path(self, length > 0 ? static_cast<size_t>(length) : 0);

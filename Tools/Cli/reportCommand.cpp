@@ -1,5 +1,6 @@
 #include "Cli/Command.h"
 #include "Cli/insets.h"
+#include "Cli/memoryLimit.h"
 #include "Cli/thermalClock.h"
 #include "Review/OpenFlight.h"
 
@@ -24,6 +25,8 @@ ExitStatus report(const QCommandLineParser& line)
         return WrongUsage;
     if (!path.endsWith(QLatin1String(".docx"), Qt::CaseInsensitive))
         return wrongUsage(QStringLiteral("--out: \"%1\" does not end in .docx.").arg(path));
+    if (const Status memory = enoughMemoryForVideos(); !memory)
+        return fail(memory.failure());
     OpenFlight flight;
     if (!takeThermalClock(line, flight.player()))
         return WrongUsage;

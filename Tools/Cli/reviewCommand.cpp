@@ -6,6 +6,7 @@
 #include "Cli/ReviewProgress.h"
 #include "Cli/folders.h"
 #include "Cli/insets.h"
+#include "Cli/memoryLimit.h"
 #include "Log/printable.h"
 #include "Project/ProjectFile.h"
 
@@ -203,10 +204,12 @@ ExitStatus review(const QCommandLineParser& line)
     for (const QString& table : line.values(columnsOption))
         if (table.section(QLatin1Char(':'), 0, 0).isEmpty())
             return wrongUsage(QStringLiteral("--columns: \"%1\" names no group.").arg(table));
-    if (line.isSet(jobOption))
-        return runJob(line);
     if (line.isSet(gatherOption))
         return gather(line);
+    if (const Status memory = enoughMemoryForVideos(); !memory && !line.isSet(listOption))
+        return fail(memory.failure());
+    if (line.isSet(jobOption))
+        return runJob(line);
     if (!hasLocations)
         return WrongUsage;
     for (const QString& location : locations)

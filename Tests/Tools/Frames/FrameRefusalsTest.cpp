@@ -32,6 +32,9 @@ private slots:
     void aFullDiskIsAFailure_data();
     void aFullDiskIsAFailure();
     void aDiskWithoutAnyRoomIsNoWrongSuffix();
+    void tooLittleMemoryIsSaid_data();
+    void tooLittleMemoryIsSaid();
+    void threadsThatDoNotStartEndTheTool();
     void refusals_data();
     void refusals();
 };
@@ -148,6 +151,57 @@ void FrameRefusalsTest::aDiskWithoutAnyRoomIsNoWrongSuffix()
     const ProgramRun outcome = run({"video", m_project, "--out", path("none.mp4")});
     QCOMPARE(outcome.status, 1);
     QVERIFY2(outcome.error.contains("The disk has no room for the video"), outcome.error);
+}
+
+void FrameRefusalsTest::tooLittleMemoryIsSaid_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<int>("limitMb");
+    QTest::addColumn<int>("leastMb");
+    const QStringList report{"report", m_project, "--out", path("little.docx")};
+    QTest::newRow("report") << report << 1499 << 1500;
+    QTest::newRow("report with much less") << report << 600 << 1500;
+    QTest::newRow("libraries that cannot be loaded") << report << 300 << 400;
+    QTest::newRow("picture") << QStringList{"frame", m_project, "--at-ms",
+                                            "0",     "--out",   path("little.png")}
+                             << 1000 << 1500;
+    QTest::newRow("points of interest") << QStringList{"points", m_project} << 1000 << 1500;
+    QTest::newRow("card") << QStringList{"review", m_folder.path(), "--out", path("little")} << 1000
+                          << 1500;
+}
+
+void FrameRefusalsTest::tooLittleMemoryIsSaid()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("a sanitizer needs more than any limit allows");
+#endif
+    QFETCH(QStringList, command);
+    QFETCH(int, limitMb);
+    QFETCH(int, leastMb);
+    const ProgramRun outcome =
+        runProgram("prlimit", QStringList{QString("--as=%1").arg(limitMb * 1000000LL),
+                                          QStringLiteral(VISTREL_CLI)} +
+                                  command);
+    QCOMPARE(QString::fromUtf8(outcome.error),
+             QString("vistrel-cli: There is not enough memory: this program's is limited to %1 MB "
+                     "(ulimit -v), and it needs %2 MB at least. Raise the limit.\n")
+                 .arg(limitMb)
+                 .arg(leastMb));
+    QCOMPARE(outcome.status, 1);
+}
+
+void FrameRefusalsTest::threadsThatDoNotStartEndTheTool()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("a sanitizer needs more than any limit allows");
+#endif
+    // Stacks larger than all that the program may have.
+    const ProgramRun outcome =
+        runProgram("prlimit", {"--as=2000000000", "--stack=3000000000", QStringLiteral(VISTREL_CLI),
+                               "report", m_project, "--out", path("little.docx")});
+    QCOMPARE(outcome.error, QByteArray("vistrel-cli: There is not enough memory: the system starts "
+                                       "no more threads.\n"));
+    QCOMPARE(outcome.status, 1);
 }
 
 void FrameRefusalsTest::refusals_data()
