@@ -23,6 +23,8 @@ private slots:
     void onePairAmongTimesThatSayNothingIsDoubted();
     void partsWithABreakBetweenThemAreDoubted_data();
     void partsWithABreakBetweenThemAreDoubted();
+    void aLogWrittenSoonAfterLeavesNoDoubt_data();
+    void aLogWrittenSoonAfterLeavesNoDoubt();
     void oneFlightIsSureAfterACopy();
     void lostTimesDoNotConfirmALength();
     void completeCardsAreDoubtedLess();
@@ -132,6 +134,33 @@ void FlightDoubtTest::partsWithABreakBetweenThemAreDoubted()
         QTEST(pairings[i].doubtful, "doubtful");
     }
     QVERIFY(!pairings[0].doubtful);
+}
+
+void FlightDoubtTest::aLogWrittenSoonAfterLeavesNoDoubt_data()
+{
+    QTest::addColumn<int>("secondsAfter");
+    QTest::addColumn<bool>("doubtful");
+    QTest::newRow("as soon as the others") << 35 << false;
+    QTest::newRow("before another flight could have ended") << 590 << false;
+    QTest::newRow("late enough for another flight") << 1500 << true;
+}
+
+// All flights are of ten minutes and their names say nothing; logs are written after half a minute.
+void FlightDoubtTest::aLogWrittenSoonAfterLeavesNoDoubt()
+{
+    QFETCH(int, secondsAfter);
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+    for (const char* name : {"tower", "roof", "wall", "yard", "mast"}) {
+        const int log = static_cast<int>(logs.size());
+        const int end = 4000 * log;
+        videos.push_back(video(QStringLiteral("%1.MOV").arg(name), 600'000, log, end));
+        logs.push_back(logOf(QStringLiteral("%1.log").arg(log), {601'000},
+                             end + (log == 2 ? secondsAfter : 30)));
+    }
+    const std::vector<Pairing> pairings = pairFlights(videos, logs);
+    QCOMPARE(pairings[2].log, 2);
+    QTEST(pairings[2].doubtful, "doubtful");
 }
 
 // A copy gave all files the time at which it wrote them.

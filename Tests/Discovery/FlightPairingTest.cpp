@@ -35,10 +35,12 @@ private slots:
     void oneVideoAndOneLog();
     void lengthsAgreeBelowThreeSeconds_data();
     void lengthsAgreeBelowThreeSeconds();
+    void recordingWithoutAStartIsNone();
     void equalLengthsLeaveNoDoubtWhereTimesAgree();
     void oneWrongPairLeavesTheOthersCertain();
     void lostTimesAreReplacedByLengths();
     void orderOfNamesDecidesBetweenEqualLengths();
+    void foldersComeBeforeCopiesInTheOrderOfNames();
     void gapInTimesIsFilledByLength();
     void contradictedPairGetsTheBetterLog();
     void sharedLogKeepsOnlyTheVideosItHolds();
@@ -130,6 +132,16 @@ void FlightPairingTest::lengthsAgreeBelowThreeSeconds()
     QTEST(lengthsAgree(60'000, recordingMs), "agree");
 }
 
+// A start of 0 is one that is not known.
+void FlightPairingTest::recordingWithoutAStartIsNone()
+{
+    PairingLog log = logOf("1.log", {});
+    log.recordings = {{0, 61'000}};
+    const Pairing pairing = pairFlights({video("CORV0001.MOV", 60'000, 0)}, {log})[0];
+    QCOMPARE(pairing.evidence, PairingEvidence::Time);
+    QCOMPARE(pairing.recordingMs, qint64(-1));
+}
+
 void FlightPairingTest::equalLengthsLeaveNoDoubtWhereTimesAgree()
 {
     // All of a minute, the names in no order, one log missing.
@@ -184,6 +196,20 @@ void FlightPairingTest::orderOfNamesDecidesBetweenEqualLengths()
         logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(i + 8), {601'000}));
     }
     QCOMPARE(logsOf(pairFlights(videos, logs)), QList<int>({5, 4, 3, 2, 1, 0}));
+}
+
+// A card with two folders, in each a file of another card.
+void FlightPairingTest::foldersComeBeforeCopiesInTheOrderOfNames()
+{
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+    for (const char* name :
+         {"101_CORV/CORV0001.MOV", "101_CORV/CORV0001 (2).MOV", "101_CORV/CORV0002 (2).MOV",
+          "102_CORV/CORV0001.MOV", "102_CORV/CORV0002.MOV", "102_CORV/CORV0002 (2).MOV"}) {
+        videos.push_back(video(name, 600'000, -1));
+        logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(logs.size()), {601'000}));
+    }
+    QCOMPARE(logsOf(pairFlights(videos, logs)), QList<int>({0, 1, 2, 3, 4, 5}));
 }
 
 void FlightPairingTest::gapInTimesIsFilledByLength()
