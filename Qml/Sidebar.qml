@@ -25,12 +25,6 @@ TabView {
         if (!activeFocus)
             Qt.callLater(editingFinished);
     }
-    // Left and right change the tab while the tabs have the keyboard: before the window's own
-    // shortcuts of these keys.
-    Keys.onShortcutOverride: {
-        var onTabs = activeFocus && !getTab(0).activeFocus && !getTab(1).activeFocus;
-        event.accepted = onTabs && (event.key === Qt.Key_Left || event.key === Qt.Key_Right);
-    }
 
     Tab {
         id: tabInformation

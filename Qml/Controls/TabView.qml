@@ -9,6 +9,32 @@ Controls.TabView {
 
     property int tabWidth: width / 2
 
+    // Has the keyboard in place of the tabs, whose arrow keys are shortcuts of the window.
+    readonly property Item tabKeys: Item {
+        objectName: "tabKeys"
+        parent: tabView
+        width: tabView.width
+        height: 25
+        activeFocusOnTab: true
+        Keys.onShortcutOverride: {
+            event.accepted = event.key === Qt.Key_Left || event.key === Qt.Key_Right
+                             || event.key === Qt.Key_Space;
+        }
+        Keys.onLeftPressed: tabView.currentIndex = Math.max(0, tabView.currentIndex - 1)
+        Keys.onRightPressed: {
+            tabView.currentIndex = Math.min(tabView.count - 1, tabView.currentIndex + 1);
+        }
+        Keys.onSpacePressed: tabView.currentIndex = (tabView.currentIndex + 1) % tabView.count
+
+        Item {
+            x: tabView.currentIndex * tabView.tabWidth
+            width: tabView.tabWidth
+            height: parent.height
+
+            FocusFrame { visible: tabView.tabKeys.activeFocus }
+        }
+    }
+
     style: TabViewStyle {
         frameOverlap: 0
         frame: Rectangle { color: Theme.panel }
@@ -25,10 +51,16 @@ Controls.TabView {
                     spoken.Accessible.selected = selected;
             }
 
+            function leaveTheKeys() {
+                for (var item = spoken; item !== null && item !== tabView; item = item.parent)
+                    item.activeFocusOnTab = false;
+            }
+
             onSelectedChanged: saySelected()
             Component.onCompleted: {
                 spoken.Accessible.selectable = true;
                 saySelected();
+                leaveTheKeys();
                 spoken.Accessible.pressAction.connect(function() {
                     tabView.currentIndex = styleData.index;
                 });

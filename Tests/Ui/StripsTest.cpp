@@ -17,6 +17,7 @@ private slots:
     void aRoundedFieldKeepsTheExactValue();
     void controlsFollowThePlayer();
     void tabReachesControlsAndSpaceActivatesThem();
+    void theTabsAreChangedByKeys();
     void aClickLeavesTheKeyboardFocusOnTheVideo();
     void escapeGivesTheKeysBackToTheVideo_data();
     void escapeGivesTheKeysBackToTheVideo();
@@ -191,6 +192,35 @@ void StripsTest::tabReachesControlsAndSpaceActivatesThem()
     // Return and Escape are nobody's here.
     QTest::keyClick(m_ui->window(), Qt::Key_Return);
     QCOMPARE(player("showIR").toBool(), true);
+}
+
+void StripsTest::theTabsAreChangedByKeys()
+{
+    QVERIFY(m_ui->openVideo());
+    const auto tab = [this] { return m_ui->get("tabsContainer", "currentIndex").toInt(); };
+    const auto focused = [this] {
+        QQuickItem* item = m_ui->window()->activeFocusItem();
+        return item ? item->objectName() : QString();
+    };
+    // Nothing else in the sidebar's head takes the keyboard, and something that shows a frame does.
+    const QQuickItem* const tabs = m_ui->item("tabsContainer");
+    for (int i = 0; i < 60 && focused() != "tabKeys"; ++i) {
+        QTest::keyClick(m_ui->window(), Qt::Key_Tab);
+        QVERIFY2(!focused().isEmpty() || !tabs->hasActiveFocus(), "an item without a name");
+    }
+    QCOMPARE(focused(), QString("tabKeys"));
+    QTest::keyClick(m_ui->window(), Qt::Key_Right);
+    QTRY_COMPARE(tab(), 1);
+    QTRY_VERIFY(m_ui->item("adjustmentsTabContents"));
+    QCOMPARE(focused(), QString("tabKeys"));
+    QTest::keyClick(m_ui->window(), Qt::Key_Left);
+    QTRY_COMPARE(tab(), 0);
+    QTest::keyClick(m_ui->window(), Qt::Key_Space);
+    QTRY_COMPARE(tab(), 1);
+    // The video has seen none of it.
+    QCOMPARE(player("currentFrameIndex").toInt(), 0);
+    QVERIFY(!player("playing").toBool());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void StripsTest::aClickLeavesTheKeyboardFocusOnTheVideo()
