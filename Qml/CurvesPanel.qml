@@ -125,11 +125,6 @@ Rectangle {
             model: curvesPanel.found
             Accessible.role: Accessible.List
             Accessible.name: "Values of the log"
-            // Before the shortcuts of the window.
-            Keys.onShortcutOverride: {
-                event.accepted = event.key === Qt.Key_Space || event.key === Qt.Key_Up
-                                 || event.key === Qt.Key_Down;
-            }
             Keys.onSpacePressed: {
                 if (currentItem)
                     logCurves.toggle(currentItem.name);
@@ -146,6 +141,8 @@ Rectangle {
                 color: pointer.containsMouse ? Theme.transportHovered : Theme.clear
                 border.width: list.activeFocus && ListView.isCurrentItem ? 1 : 0
                 border.color: Theme.accent
+                // The current row has the keyboard of the list. Before the window's own shortcut.
+                Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Space
                 Accessible.role: Accessible.CheckBox
                 Accessible.name: name
                 Accessible.checkable: true

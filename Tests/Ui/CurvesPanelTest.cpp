@@ -14,6 +14,7 @@ private slots:
     void unfoldsUnderTheTimeline();
     void showsWhatIsChosenFromTheLog();
     void findsByTyping();
+    void isChosenByKeys();
     void listFoldsAwayFromTheEndOfTheFlight();
     void isOnTheScaleOfTheTimeline();
     void aShortenedNameIsInItsToolTip();
@@ -75,6 +76,26 @@ void CurvesPanelTest::findsByTyping()
         QTest::keyClick(m_ui->window(), letter);
     QTRY_COMPARE(m_ui->get("curvesSearch", "text").toString(), QString("w x"));
     QCOMPARE(found(), 0);
+}
+
+void CurvesPanelTest::isChosenByKeys()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog(media().logWithThermal()));
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    QTRY_COMPARE(m_ui->get("curvesList", "count").toInt(), 2);
+    m_ui->item("curvesSearch")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyClick(m_ui->window(), Qt::Key_Tab);
+    QTRY_VERIFY(m_ui->item("curvesList")->hasActiveFocus());
+    QTest::keyClick(m_ui->window(), Qt::Key_Down);
+    QTRY_COMPARE(m_ui->get("curvesList", "currentIndex").toInt(), 1);
+    QTest::keyClick(m_ui->window(), Qt::Key_Space);
+    QTRY_COMPARE(m_ui->evaluate("curvesPanel.curves").toStringList(),
+                 QStringList("lepton_status.frame_counter"));
+    QTest::keyClick(m_ui->window(), Qt::Key_Space);
+    QTRY_COMPARE(m_ui->evaluate("curvesPanel.curves").toStringList(), QStringList());
+    QVERIFY(!m_ui->evaluate("videoPlayer.playing").toBool());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void CurvesPanelTest::listFoldsAwayFromTheEndOfTheFlight()
