@@ -145,6 +145,10 @@ void FileChoice::finish(int result)
     m_isOpen = false;
     const QList<QUrl> chosen = m_dialog->selectedUrls();
     const bool isAccepted = result == QDialog::Accepted && !chosen.isEmpty();
+    if (isAccepted && QFileInfo(chosen.first().toLocalFile()).isDir()) {
+        enter(chosen.first());
+        return;
+    }
     if (isAccepted) {
         m_filter = std::max(0, filtersFor(*m_dialog).indexOf(m_dialog->selectedNameFilter()));
         m_fileUrl = chosen.first();
@@ -163,6 +167,15 @@ void FileChoice::finish(int result)
         post(this, answer);
     else
         answer();
+}
+
+// The desktop's dialog takes a folder that was typed for an answer. It has to leave the screen
+// before another one can take its place.
+void FileChoice::enter(const QUrl& folder)
+{
+    setFolder(folder);
+    emit visibleChanged();
+    post(this, [this] { open(); });
 }
 
 } // namespace corv

@@ -14,7 +14,8 @@ namespace corv {
 ///
 /// To a document it is a `FileDialog`, with what that lacks: a name that is proposed, and filters
 /// that find a suffix in any case in a desktop's dialog, too, where patterns are sensitive to
-/// case. No other window takes keys or clicks while it is open. Interface thread only.
+/// case. A folder that is typed is entered, as Qt's dialog does it. No other window takes keys or
+/// clicks while it is open. Interface thread only.
 class FileChoice : public QObject
 {
     Q_OBJECT
@@ -60,6 +61,7 @@ signals:
 private:
     QStringList filtersFor(const QFileDialog& dialog) const;
     void finish(int result);
+    void enter(const QUrl& folder);
 
     QString m_title;
     bool m_isExisting = true;

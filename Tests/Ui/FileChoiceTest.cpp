@@ -29,6 +29,7 @@ private slots:
     void proposesTheNameOfTheProjectThatIsOpen();
     void eachKindOfFileHasItsOwnFolder();
     void aFolderThatIsGoneIsNotOpened();
+    void aFolderThatIsTypedIsEntered();
     void noOtherWindowIsUsedMeanwhile();
     void datesOfFilesAreShownWhole();
     void aTypedNameOpensNoList();
@@ -157,6 +158,30 @@ void FileChoiceTest::aFolderThatIsGoneIsNotOpened()
     QVERIFY(QDir(folder()).exists());
     QVERIFY(!folder().startsWith(card));
     UiFixture::fileDialog()->reject();
+}
+
+void FileChoiceTest::aFolderThatIsTypedIsEntered()
+{
+    const QString card = media().newFolder();
+    const QString inner = card + "/DCIM";
+    QVERIFY(QDir(card).mkdir("DCIM"));
+    const QString video = inner + "/CORV0001.mp4";
+    QVERIFY(QFile::copy(media().video(), video));
+    m_ui->evaluate(QString("loadFileSettings.folder = 'file://%1'").arg(card));
+    m_ui->call("goOpenVideo", {"file_menu"});
+    QTRY_VERIFY(UiFixture::fileDialog());
+    auto* name = UiFixture::fileDialog()->findChild<QLineEdit*>("fileNameEdit");
+    QVERIFY(name);
+    name->setText("DCIM");
+    // Qt's dialog enters the folder itself, a desktop's ends with it.
+    UiFixture::fileDialog()->QDialog::accept();
+    QVERIFY(!UiFixture::fileDialog());
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(folder(), inner);
+    QVERIFY(!UiFixture::messageBox());
+    QVERIFY(UiFixture::acceptFile(video));
+    QTRY_VERIFY(m_ui->hasVideo());
+    QCOMPARE(m_ui->evaluate("videoPlayer.source").toString(), video);
 }
 
 // Modal to its window alone, it left a click on that window's title and the keys after it to the
