@@ -14,7 +14,11 @@ Item {
     property real pointerX: 0
     property real pointerY: 0
     property TimelineNavigator navigator: null
+    property TimelineContent timeline: null
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
+    // What moves below a pointer that rests: by another flight, by zooming, by playback.
+    readonly property real msPerPx: timeline !== null ? timeline.msPerPx : 0
+    readonly property int contentX: timeline !== null ? timeline.contentX : 0
 
     FramePreview {
         id: preview
@@ -22,10 +26,12 @@ Item {
     }
 
     function follow() {
-        if (pointed && videoOpen)
+        if (pointed && videoOpen) {
+            timeText.text = navigator.timeTextAt(pointerX);
             preview.show(navigator.timeAt(pointerX));
-        else
+        } else {
             preview.clear();
+        }
         showName();
     }
 
@@ -39,6 +45,8 @@ Item {
     onPointerXChanged: follow()
     onPointerYChanged: showName()
     onVideoOpenChanged: follow()
+    onMsPerPxChanged: follow()
+    onContentXChanged: follow()
 
     Rectangle {
         id: frame
@@ -68,8 +76,6 @@ Item {
             objectName: "timelinePreviewTime"
             anchors { top: picture.bottom; topMargin: 3; horizontalCenter: parent.horizontalCenter }
             color: Theme.overlayText
-            text: timelinePreview.visible && timelinePreview.navigator !== null
-                  ? timelinePreview.navigator.timeTextAt(timelinePreview.pointerX) : ""
         }
 
         Text {

@@ -67,6 +67,7 @@ Rectangle {
         pointerX: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.x : 0
         pointerY: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.y : 0
         player: timelineStrip.player
+        timeline: timelineStrip.timeline
         navigator: timelineStrip.navigator
     }
 

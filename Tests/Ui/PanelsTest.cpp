@@ -2,6 +2,8 @@
 
 #include <QAccessible>
 #include <QDir>
+#include <QQmlComponent>
+#include <memory>
 
 using namespace corv::test;
 
@@ -36,6 +38,8 @@ private slots:
     void theWheelZoomsThePictureAndADragMovesIt();
     void theTimelineShowsThePictureAtThePointer();
     void thePictureAtThePointerGoesWithItsFlight();
+    void aPointerThatRestsHasThePictureOfTheFlightThatOpens();
+    void theTimeAtAPointerThatRestsFollowsTheZoom();
     void poisThatCoverEachOtherAreListed();
     void theTimelineShowsTheWholeNameOfAFlag();
     void theThermalBarHasTheEndsOfTheRange();
@@ -276,6 +280,60 @@ void PanelsTest::thePictureAtThePointerGoesWithItsFlight()
     QTRY_VERIFY(picture().isNull());
     QVERIFY(m_ui->openVideo());
     QTRY_VERIFY(!picture().isNull()); // the pointer has not moved
+}
+
+// Alone: the timeline of the main window gives up the pointer while no flight is open, and finds it
+// again.
+void PanelsTest::aPointerThatRestsHasThePictureOfTheFlightThatOpens()
+{
+    QQmlComponent component(&m_ui->engine());
+    component.setData(R"(
+        import Timeline 1.0
+        import VideoPlayer 1.0
+        TimelinePreview {
+            id: preview
+            width: 600
+            height: 100
+            pointed: true
+            pointerX: 300
+            player: VideoPlayer {}
+            timeline: TimelineContent { contentWidth: 600 }
+            navigator: TimelineNavigator { timeline: preview.timeline }
+        }
+    )",
+                      QUrl("qrc:/TestDocument.qml"));
+    const std::unique_ptr<QObject> preview(component.create());
+    QVERIFY2(preview, qPrintable(component.errorString()));
+    preview->property("timeline").value<QObject*>()->setProperty("duration", QTime(0, 0, 6));
+    auto* video = preview->property("player").value<QObject*>();
+    const auto picture = [&] {
+        return m_ui->find("timelinePreviewPicture", preview.get())
+            ->property("picture")
+            .value<QImage>();
+    };
+    video->setProperty("source", media().video());
+    QTRY_VERIFY(!picture().isNull());
+    QVERIFY(QMetaObject::invokeMethod(video, "close"));
+    QTRY_VERIFY(picture().isNull());
+}
+
+void PanelsTest::theTimeAtAPointerThatRestsFollowsTheZoom()
+{
+    QVERIFY(m_ui->openVideo());
+    QQuickItem* strip = m_ui->item("timelineContent");
+    constexpr int x = 700;
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x - 5, 80)).toPoint());
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x, 80)).toPoint());
+    const auto shown = [this] { return m_ui->get("timelinePreviewTime", "text").toString(); };
+    const auto expected = [this] {
+        return m_ui->evaluate(QString("timelineNavigator.timeTextAt(%1)").arg(x)).toString();
+    };
+    QTRY_COMPARE(shown(), expected());
+    const QString before = shown();
+    QVERIFY(before != "00:00.000");
+    key(Qt::Key_Plus);
+    QVERIFY(expected() != before);
+    QTRY_COMPARE(shown(), expected());
 }
 
 void PanelsTest::theTimelineShowsTheWholeNameOfAFlag()
