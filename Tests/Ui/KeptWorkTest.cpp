@@ -1,5 +1,6 @@
 #include "ReviewSuite.h"
 
+#include "Review/Job.h"
 #include "Support/TestVideo.h"
 #include "Support/savedProject.h"
 
@@ -35,6 +36,7 @@ private slots:
     void deletingCanBeUndone();
     void theRestoreWindowSaysHowManyItAdds();
     void closingTheExportWindowAborts();
+    void closingTheCopyWindowCancels();
     void keysDoNotPassThroughADialog();
     void aFlightWithoutANumberShowsNone();
     void unsavedWorkIsOfferedAtTheNextStart();
@@ -300,10 +302,27 @@ void KeptWorkTest::closingTheExportWindowAborts()
     m_ui->call("showExportProgress", {2, "Generating document..."});
     QQuickWindow* window = nullptr;
     QTRY_VERIFY(window = UiFixture::visibleWindow("Export operation"));
+    const QSignalSpy aborted(window, SIGNAL(abortClicked()));
     QVERIFY(!window->close());
+    QCOMPARE(aborted.count(), 1);
     QVERIFY(window->isVisible());
     m_ui->call("documentExportComplete", {false});
     QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+}
+
+void KeptWorkTest::closingTheCopyWindowCancels()
+{
+    int cancels = 0;
+    corv::Job copy(corv::Job::Kind::copying, "Copying", corv::Job::Unit::bytes, [&] { ++cancels; });
+    auto* window = qobject_cast<QQuickWindow*>(m_ui->find("copyProgressWindow"));
+    QVERIFY(window);
+    window->setProperty("job", QVariant::fromValue(&copy));
+    QTRY_VERIFY(window->isExposed());
+    QVERIFY(!window->close());
+    QCOMPARE(cancels, 1);
+    QVERIFY(window->isVisible());
+    window->setProperty("job", QVariant::fromValue<corv::Job*>(nullptr));
+    QTRY_VERIFY(!window->isVisible());
 }
 
 void KeptWorkTest::keysDoNotPassThroughADialog()
