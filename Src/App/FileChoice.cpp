@@ -145,8 +145,9 @@ void FileChoice::finish(int result)
     m_isOpen = false;
     const QList<QUrl> chosen = m_dialog->selectedUrls();
     const bool isAccepted = result == QDialog::Accepted && !chosen.isEmpty();
-    if (isAccepted && QFileInfo(chosen.first().toLocalFile()).isDir()) {
-        enter(chosen.first());
+    const QUrl folder = isAccepted ? folderToEnter(chosen.first()) : QUrl();
+    if (!folder.isEmpty()) {
+        enter(folder);
         return;
     }
     if (isAccepted) {
@@ -169,8 +170,20 @@ void FileChoice::finish(int result)
         answer();
 }
 
-// The desktop's dialog takes a folder that was typed for an answer. It has to leave the screen
-// before another one can take its place.
+// The desktop's dialog takes for an answer what is no file: a folder, and a name that it has
+// completed only as far as several have it in common.
+QUrl FileChoice::folderToEnter(const QUrl& chosen) const
+{
+    const QFileInfo file(chosen.toLocalFile());
+    if (!chosen.isLocalFile() || file.isFile())
+        return {};
+    if (file.isDir())
+        return chosen;
+    const bool isNoFile = m_isExisting && !file.exists() && QFileInfo(file.path()).isDir();
+    return isNoFile ? QUrl::fromLocalFile(file.path()) : QUrl();
+}
+
+// That dialog has to leave the screen before another one can take its place.
 void FileChoice::enter(const QUrl& folder)
 {
     setFolder(folder);

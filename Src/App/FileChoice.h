@@ -14,8 +14,9 @@ namespace corv {
 ///
 /// To a document it is a `FileDialog`, with what that lacks: a name that is proposed, and filters
 /// that find a suffix in any case in a desktop's dialog, too, where patterns are sensitive to
-/// case. A folder that is typed is entered, as Qt's dialog does it. No other window takes keys or
-/// clicks while it is open. Interface thread only.
+/// case. It is not left with a folder, nor with a file to open that does not exist in a folder that
+/// does: it opens again in that folder. No other window takes keys or clicks while it is open.
+/// Interface thread only.
 class FileChoice : public QObject
 {
     Q_OBJECT
@@ -61,6 +62,7 @@ signals:
 private:
     QStringList filtersFor(const QFileDialog& dialog) const;
     void finish(int result);
+    QUrl folderToEnter(const QUrl& chosen) const;
     void enter(const QUrl& folder);
 
     QString m_title;

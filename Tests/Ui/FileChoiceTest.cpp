@@ -29,6 +29,7 @@ private slots:
     void proposesTheNameOfTheProjectThatIsOpen();
     void eachKindOfFileHasItsOwnFolder();
     void aFolderThatIsGoneIsNotOpened();
+    void aFolderThatIsTypedIsEntered_data();
     void aFolderThatIsTypedIsEntered();
     void noOtherWindowIsUsedMeanwhile();
     void datesOfFilesAreShownWhole();
@@ -160,8 +161,16 @@ void FileChoiceTest::aFolderThatIsGoneIsNotOpened()
     UiFixture::fileDialog()->reject();
 }
 
+void FileChoiceTest::aFolderThatIsTypedIsEntered_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("folder") << "DCIM";
+    QTest::newRow("completed as far as names are the same") << "DCIM/CORV000";
+}
+
 void FileChoiceTest::aFolderThatIsTypedIsEntered()
 {
+    QFETCH(QString, typed);
     const QString card = media().newFolder();
     const QString inner = card + "/DCIM";
     QVERIFY(QDir(card).mkdir("DCIM"));
@@ -172,8 +181,8 @@ void FileChoiceTest::aFolderThatIsTypedIsEntered()
     QTRY_VERIFY(UiFixture::fileDialog());
     auto* name = UiFixture::fileDialog()->findChild<QLineEdit*>("fileNameEdit");
     QVERIFY(name);
-    name->setText("DCIM");
-    // Qt's dialog enters the folder itself, a desktop's ends with it.
+    name->setText(typed);
+    // Qt's dialog goes on by itself, a desktop's ends.
     UiFixture::fileDialog()->QDialog::accept();
     QVERIFY(!UiFixture::fileDialog());
     QTRY_VERIFY(UiFixture::fileDialog());

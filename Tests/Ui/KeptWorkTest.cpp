@@ -222,6 +222,7 @@ void KeptWorkTest::aMoveOntoItsOwnPlaceChangesNothing()
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->selectPoiAt(0));
     m_ui->call("startMovingPoi");
+    QVERIFY(m_ui->evaluate("timelineContent.movePOIMode").toBool());
     m_ui->call("confirmMovingPoi");
     QCOMPARE(m_ui->evaluate("timelineContent.movePOIMode").toBool(), false);
     QCOMPARE(m_ui->poiNames(), QStringList("Crack"));
