@@ -220,11 +220,14 @@ void KeptWorkTest::asksBeforeACompletedNameReplacesAFile()
 void KeptWorkTest::aMoveOntoItsOwnPlaceChangesNothing()
 {
     QVERIFY(m_ui->openVideo());
-    QVERIFY(m_ui->selectPoiAt(0));
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 0, name: 'Crack', comment: ''}])");
+    m_ui->evaluate("timelineContent.selectPoi(new Date(0, 0, 1, 0, 0, 0))");
     m_ui->call("startMovingPoi");
     QVERIFY(m_ui->evaluate("timelineContent.movePOIMode").toBool());
     m_ui->call("confirmMovingPoi");
     QCOMPARE(m_ui->evaluate("timelineContent.movePOIMode").toBool(), false);
+    QCOMPARE(m_ui->get("noticeText", "text").toString(),
+             QString("Not moved: 'Crack' is at this frame already."));
     QCOMPARE(m_ui->poiNames(), QStringList("Crack"));
 }
 
