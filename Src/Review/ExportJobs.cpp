@@ -24,6 +24,7 @@ void ExportJobs::setPlayer(VideoPlayer* player)
             m_series->report(done, total);
     });
     connect(player, &VideoPlayer::framesExportComplete, this, &ExportJobs::endSeries);
+    connect(player, &VideoPlayer::frameSaveComplete, this, &ExportJobs::endPicture);
     connect(player, &VideoPlayer::videoExportProgress, this, &ExportJobs::reportVideo);
     connect(player, &VideoPlayer::videoExportComplete, this, &ExportJobs::endVideo);
 }
@@ -65,6 +66,18 @@ void ExportJobs::endSeries(int saved, int failed)
         failed > 0 ? tr("%1 of %2 pictures saved.").arg(saved).arg(saved + failed)
                    : tr("%1 pictures saved.").arg(saved),
         m_player ? m_player->framesExportNote() : QString());
+}
+
+// It is saved within a moment: only a failure is worth a row.
+void ExportJobs::endPicture(const QString& file, bool isSaved)
+{
+    if (isSaved || !m_jobs)
+        return;
+    QPointer<Job> job = m_jobs->start(Job::Kind::frames, tr("Save a picture"));
+    Status status = m_player ? m_player->frameSaveResult() : Status();
+    if (status.ok())
+        status = Failure{Failure::Kind::other, tr("The picture %1 could not be saved.").arg(file)};
+    end(job, status, {});
 }
 
 void ExportJobs::reportVideo(int done, int total)

@@ -13,7 +13,8 @@ class PoiReportExporter;
 class VideoPlayer;
 
 /// Puts what is written out of a flight into the list of jobs: series of pictures, whole videos and
-/// reports. Player, exporter and list are set once and not owned. Interface thread only.
+/// reports, and a single picture that could not be saved. Player, exporter and list are set once
+/// and not owned. Interface thread only.
 class ExportJobs : public QObject
 {
     Q_OBJECT
@@ -44,6 +45,7 @@ signals:
 private:
     void beginSeries(int total);
     void endSeries(int saved, int failed);
+    void endPicture(const QString& file, bool isSaved);
     void reportVideo(int done, int total);
     void endVideo(bool result);
     void reportDocument(int done, int total);

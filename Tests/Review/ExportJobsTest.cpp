@@ -20,6 +20,7 @@ private slots:
     void aSeriesIsAJob();
     void aSecondSeriesAddsToTheFirst();
     void aSeriesWithFailuresSaysHowMany();
+    void aPictureThatCannotBeSavedIsAFailedJob();
     void aVideoIsAJob();
     void aVideoThatCannotBeginIsAFailedJob();
     void aReportIsAJob();
@@ -94,6 +95,18 @@ void ExportJobsTest::aSeriesWithFailuresSaysHowMany()
     QCOMPARE(job()->resultText(), QString("7 of 10 pictures saved."));
     emit m_player->framesExportStarted(2);
     QCOMPARE(m_jobs->rowCount(), 2);
+}
+
+void ExportJobsTest::aPictureThatCannotBeSavedIsAFailedJob()
+{
+    emit m_player->frameSaveComplete("/card/a.jpg", true);
+    QCOMPARE(m_jobs->rowCount(), 0);
+    emit m_player->frameSaveComplete("/card/a.jpg", false);
+    QCOMPARE(m_jobs->rowCount(), 1);
+    QCOMPARE(job()->state(), Job::Failed);
+    QCOMPARE(job()->resultText(), QString("The picture /card/a.jpg could not be saved."));
+    QCOMPARE(m_ended->count(), 1);
+    QCOMPARE(m_ended->first().first().toString(), job()->resultText());
 }
 
 void ExportJobsTest::aVideoIsAJob()
