@@ -46,7 +46,7 @@ DropArea {
         } else if (files.log !== undefined) {
             verbs.displayWarningDialog("Flight log", "A flight log is added to an open video. Open "
                                        + "the video first, or drop both together.");
-        } else {
+        } else if (files.other !== undefined) {
             // Refuses the file with a message that lists what can be opened.
             verbs.afterVideoImportChoice(files.other);
         }

@@ -19,6 +19,7 @@ private slots:
     void refusesWhatItCannotOpen_data();
     void refusesWhatItCannotOpen();
     void leavesTextAlone();
+    void leavesADropAloneWhoseSourceHasEnded();
 
 private:
     void drop(const QStringList& paths);
@@ -119,6 +120,22 @@ void FileDropTest::leavesTextAlone()
     QMimeData data;
     data.setText(QStringLiteral("only words"));
     QVERIFY(!dropData(data));
+}
+
+void FileDropTest::leavesADropAloneWhoseSourceHasEnded()
+{
+    // It has announced files, and no one answers when they are fetched.
+    QMimeData data;
+    data.setData(QStringLiteral("text/uri-list"), QByteArray());
+    QSignalSpy drops(m_ui->item("fileDrop"), SIGNAL(dropped(QQuickDropEvent*)));
+    QVERIFY(dropData(data));
+    QCOMPARE(drops.size(), 1);
+    // What a drop opens is opened by the events after it.
+    bool isOver = false;
+    QTimer::singleShot(0, m_ui->window(), [&isOver] { isOver = true; });
+    QTRY_VERIFY(isOver);
+    QVERIFY(!UiFixture::messageBox());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 QTEST_MAIN(FileDropTest)
