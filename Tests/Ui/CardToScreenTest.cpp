@@ -70,8 +70,8 @@ void CardToScreenTest::cleanup()
 void CardToScreenTest::openImporter()
 {
     QVERIFY(m_ui->trigger("newFromDevicesMenuItem"));
-    QTRY_VERIFY(UiFixture::visibleWindow("Auto importer"));
-    m_importer = UiFixture::visibleWindow("Auto importer");
+    QTRY_VERIFY(UiFixture::visibleWindow("autoImporter"));
+    m_importer = UiFixture::visibleWindow("autoImporter");
     QVERIFY(QTest::qWaitForWindowActive(m_importer));
 }
 

@@ -43,7 +43,7 @@ private:
     void lookAt(const QString& state);
     void lookAtShown(const QString& state, QQuickWindow* shown, QImage* seen = nullptr);
     void lookAtMenus();
-    void lookAtWindow(const QString& state, const QString& title, const Step& open);
+    void lookAtWindow(const QString& state, const QString& name, const Step& open);
     void lookAtDialog(const QString& state, const Step& open);
     void lookAtPanels(const Names& names);
     void lookAtImporter(const Names& names);
@@ -154,11 +154,11 @@ void EveryWindowTest::lookAtShown(const QString& state, QQuickWindow* shown, QIm
         *seen = picture;
 }
 
-void EveryWindowTest::lookAtWindow(const QString& state, const QString& title, const Step& open)
+void EveryWindowTest::lookAtWindow(const QString& state, const QString& name, const Step& open)
 {
     open();
-    QTRY_VERIFY2(UiFixture::visibleWindow(title), qPrintable(state));
-    QQuickWindow* window = UiFixture::visibleWindow(title);
+    QTRY_VERIFY2(UiFixture::visibleWindow(name), qPrintable(state));
+    QQuickWindow* window = UiFixture::visibleWindow(name);
     QVERIFY(QTest::qWaitForWindowExposed(window));
     lookAt(state);
     window->close();
@@ -316,8 +316,8 @@ void EveryWindowTest::lookAtImporter(const Names& names)
     m_world->addVideo(card + "/DCIM/100HDDVR/evening.mp4", 10'000);
     m_world->addLog(card + "/late.log", 10'100, "Tower 2", 20'000);
     m_ui->call("goExploreRemovableDevices");
-    QTRY_VERIFY(UiFixture::visibleWindow("Auto importer"));
-    QQuickWindow* importer = UiFixture::visibleWindow("Auto importer");
+    QTRY_VERIFY(UiFixture::visibleWindow("autoImporter"));
+    QQuickWindow* importer = UiFixture::visibleWindow("autoImporter");
     lookAt("importer idle");
     m_world->held = true;
     evaluateIn(importer, "parseChosenDirs()");
@@ -356,18 +356,18 @@ void EveryWindowTest::isWholeAndReadable()
     const auto script = [this](const QString& text) {
         return [this, text] { m_ui->evaluate(text); };
     };
-    lookAtWindow("settings", "Settings", script("goSettings()"));
-    lookAtWindow("shortcuts", "Keyboard Shortcuts",
+    lookAtWindow("settings", "generalSettings", script("goSettings()"));
+    lookAtWindow("shortcuts", "shortcutsWindow",
                  script("secondaryWindows.openPlain('ShortcutsWindow.qml')"));
-    lookAtWindow("about", "About Vistrel", script("secondaryWindows.openPlain('AboutWindow.qml')"));
-    lookAtWindow("frames export", "Export frames", script("secondaryWindows.openFramesExport()"));
-    lookAtWindow("video export", "Export video", script("secondaryWindows.openVideoExport()"));
-    lookAtWindow("restore", "Restore POIs from flight data", script("goChooseRestorePOIsAction()"));
-    lookAtWindow("properties of a point", "Edit point of interest", script("editSelectedPoi()"));
-    lookAtWindow("flight properties", "Edit flight properties", script("editFlightProperties()"));
-    lookAtWindow("update", "Update now",
+    lookAtWindow("about", "aboutWindow", script("secondaryWindows.openPlain('AboutWindow.qml')"));
+    lookAtWindow("frames export", "framesExport", script("secondaryWindows.openFramesExport()"));
+    lookAtWindow("video export", "videoExport", script("secondaryWindows.openVideoExport()"));
+    lookAtWindow("restore", "restorePoiChoice", script("goChooseRestorePOIsAction()"));
+    lookAtWindow("properties of a point", "poiPropertiesWindow", script("editSelectedPoi()"));
+    lookAtWindow("flight properties", "flightPropertiesWindow", script("editFlightProperties()"));
+    lookAtWindow("update", "newUpdateWindow",
                  script("launchUpdateWindow('2.1.0.7', ['" + names.poi + "', 'Faster'])"));
-    lookAtWindow("export operation", "Export operation", script("showVideoExport()"));
+    lookAtWindow("export operation", "exportProgressWindow", script("showVideoExport()"));
     lookAtDialog("error", [&] {
         m_ui->call("displayErrorDialog",
                    {"Invalid file", "Video file " + m_video + " could not be read."});

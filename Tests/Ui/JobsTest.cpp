@@ -161,8 +161,8 @@ void JobsTest::nothingRunningEndsAtOnce()
 void JobsTest::theSettingIsKept()
 {
     QVERIFY(m_ui->trigger("generalSettingsMenuItem"));
-    QTRY_VERIFY(UiFixture::visibleWindow("Settings"));
-    QQuickWindow* const window = UiFixture::visibleWindow("Settings");
+    QTRY_VERIFY(UiFixture::visibleWindow("generalSettings"));
+    QQuickWindow* const window = UiFixture::visibleWindow("generalSettings");
     m_ui->screenshot("settings");
     UiFixture::click(m_ui->item("finishJobsBox", window));
     UiFixture::click(m_ui->item("okButton", window));

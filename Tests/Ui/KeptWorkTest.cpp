@@ -291,7 +291,7 @@ void KeptWorkTest::theRestoreWindowSaysHowManyItAdds()
     QTRY_COMPARE(m_ui->poiNames().size(), 2);
     QVERIFY(m_ui->trigger("restorePoisMenuItem"));
     QQuickWindow* window = nullptr;
-    QTRY_VERIFY(window = UiFixture::visibleWindow("Restore POIs from flight data"));
+    QTRY_VERIFY(window = UiFixture::visibleWindow("restorePoiChoice"));
     QObject* outcome = m_ui->find("restoreOutcome", window);
     QVERIFY(outcome);
     QCOMPARE(outcome->property("text").toString(),
@@ -305,13 +305,13 @@ void KeptWorkTest::closingTheExportWindowAborts()
 {
     m_ui->call("showExportProgress", {2, "Generating document..."});
     QQuickWindow* window = nullptr;
-    QTRY_VERIFY(window = UiFixture::visibleWindow("Export operation"));
+    QTRY_VERIFY(window = UiFixture::visibleWindow("exportProgressWindow"));
     const QSignalSpy aborted(window, SIGNAL(abortClicked()));
     QVERIFY(!window->close());
     QCOMPARE(aborted.count(), 1);
     QVERIFY(window->isVisible());
     m_ui->call("documentExportComplete", {false});
-    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+    QTRY_VERIFY(!UiFixture::visibleWindow("exportProgressWindow"));
 }
 
 void KeptWorkTest::closingTheCopyWindowCancels()

@@ -293,8 +293,8 @@ void LookTest::theLookChangesInTheOpenWindow()
     QTRY_VERIFY(ground("paletteBox").lightness() < 128);
     const auto choose = [this](const char* look) {
         m_ui->call("goSettings");
-        QTRY_VERIFY(UiFixture::visibleWindow("Settings"));
-        QQuickWindow* settings = UiFixture::visibleWindow("Settings");
+        QTRY_VERIFY(UiFixture::visibleWindow("generalSettings"));
+        QQuickWindow* settings = UiFixture::visibleWindow("generalSettings");
         QVERIFY(QTest::qWaitForWindowExposed(settings));
         UiFixture::click(m_ui->item(look, settings));
         UiFixture::click(m_ui->item("okButton", settings));

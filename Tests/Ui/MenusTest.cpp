@@ -198,38 +198,38 @@ void MenusTest::openersShowTheirDialog()
 
 void MenusTest::openersShowTheirWindow_data()
 {
-    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("window");
     QTest::addColumn<bool>("pauses");
-    QTest::newRow("newFromDevicesMenuItem") << "Auto importer" << true;
-    QTest::newRow("exportFramesMenuItem") << "Export frames" << true;
-    QTest::newRow("exportVideoMenuItem") << "Export video" << true;
-    QTest::newRow("generalSettingsMenuItem") << "Settings" << true;
-    QTest::newRow("restorePoisMenuItem") << "Restore POIs from flight data" << true;
-    QTest::newRow("shortcutsMenuItem") << "Keyboard Shortcuts" << false;
-    QTest::newRow("aboutMenuItem") << "About Vistrel" << false;
-    QTest::newRow("editPoiButton") << "Edit point of interest" << false;
-    QTest::newRow("namingEditButton") << "Edit flight properties" << false;
+    QTest::newRow("newFromDevicesMenuItem") << "autoImporter" << true;
+    QTest::newRow("exportFramesMenuItem") << "framesExport" << true;
+    QTest::newRow("exportVideoMenuItem") << "videoExport" << true;
+    QTest::newRow("generalSettingsMenuItem") << "generalSettings" << true;
+    QTest::newRow("restorePoisMenuItem") << "restorePoiChoice" << true;
+    QTest::newRow("shortcutsMenuItem") << "shortcutsWindow" << false;
+    QTest::newRow("aboutMenuItem") << "aboutWindow" << false;
+    QTest::newRow("editPoiButton") << "poiPropertiesWindow" << false;
+    QTest::newRow("namingEditButton") << "flightPropertiesWindow" << false;
 }
 
 void MenusTest::openersShowTheirWindow()
 {
-    QFETCH(QString, title);
+    QFETCH(QString, window);
     QFETCH(bool, pauses);
     const QString name = QString::fromLatin1(QTest::currentDataTag());
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->selectPoiAt(1000));
-    QVERIFY(!UiFixture::visibleWindow(title));
+    QVERIFY(!UiFixture::visibleWindow(window));
     m_ui->evaluate("videoPlayer.play()");
     QVERIFY(name.endsWith("Button") ? m_ui->click(name) : m_ui->trigger(name));
-    QTRY_VERIFY(UiFixture::visibleWindow(title));
+    QTRY_VERIFY(UiFixture::visibleWindow(window));
     QCOMPARE(m_ui->evaluate("videoPlayer.playing").toBool(), !pauses);
-    m_ui->screenshot("window " + title);
+    QQuickWindow* opened = UiFixture::visibleWindow(window);
+    m_ui->screenshot("window " + opened->title());
     // Else a click on the main window would hide the very window that blocks it.
-    const QWindow* window = UiFixture::visibleWindow(title);
-    QCOMPARE(window->transientParent(), m_ui->window());
-    QCOMPARE(window->type(), Qt::Dialog);
-    UiFixture::visibleWindow(title)->close();
-    QTRY_VERIFY(!UiFixture::visibleWindow(title));
+    QCOMPARE(opened->transientParent(), m_ui->window());
+    QCOMPARE(opened->type(), Qt::Dialog);
+    opened->close();
+    QTRY_VERIFY(!UiFixture::visibleWindow(window));
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
@@ -331,11 +331,11 @@ void MenusTest::cornersAreChosenInTheExportWindows()
     const auto shown = [&] { return m_ui->get("exportInsets", name.constData()).toBool(); };
     QVERIFY(m_ui->openVideo());
     for (const char* opener : {"exportFramesMenuItem", "exportVideoMenuItem"}) {
-        const QString title =
-            qstrcmp(opener, "exportVideoMenuItem") == 0 ? "Export video" : "Export frames";
+        const QString windowName =
+            qstrcmp(opener, "exportVideoMenuItem") == 0 ? "videoExport" : "framesExport";
         QVERIFY(m_ui->trigger(opener));
-        QTRY_VERIFY(UiFixture::visibleWindow(title));
-        QQuickWindow* window = UiFixture::visibleWindow(title);
+        QTRY_VERIFY(UiFixture::visibleWindow(windowName));
+        QQuickWindow* window = UiFixture::visibleWindow(windowName);
         QVERIFY(!window->property(enabled.constData()).toBool());
         QVERIFY(QTest::qWaitForWindowExposed(window));
         UiFixture::hover(m_ui->item((name + "CheckBox").constData(), window));
@@ -343,25 +343,25 @@ void MenusTest::cornersAreChosenInTheExportWindows()
         QTRY_VERIFY(m_ui->find("toolTip", toolTips));
         QTRY_COMPARE(m_ui->find("toolTip", toolTips)->property("text").toString(), unavailable);
         window->close();
-        QTRY_VERIFY(!UiFixture::visibleWindow(title));
+        QTRY_VERIFY(!UiFixture::visibleWindow(windowName));
     }
     QVERIFY(m_ui->importLog());
     m_ui->evaluate("videoPlayer.showIR = true");
     for (const bool wanted : {true, false}) {
         const QString folder = FlightMedia::instance().newFolder();
         QVERIFY(m_ui->trigger("exportFramesMenuItem"));
-        QTRY_VERIFY(UiFixture::visibleWindow("Export frames"));
-        QQuickWindow* window = UiFixture::visibleWindow("Export frames");
+        QTRY_VERIFY(UiFixture::visibleWindow("framesExport"));
+        QQuickWindow* window = UiFixture::visibleWindow("framesExport");
         QVERIFY(window->property(enabled.constData()).toBool());
         QCOMPARE(window->property(name.constData()).toBool(), !wanted);
         window->setProperty("framesUrl", QUrl::fromLocalFile(folder));
-        QVERIFY(UiFixture::visibleWindow("Export frames") == window);
+        QVERIFY(UiFixture::visibleWindow("framesExport") == window);
         UiFixture::click(m_ui->item((name + "CheckBox").constData(), window));
         QCOMPARE(window->property(name.constData()).toBool(), wanted);
         QCOMPARE(shown(), !wanted);
         m_ui->screenshot("Export frames with " + property);
         QMetaObject::invokeMethod(window, "exportImages");
-        QTRY_VERIFY(!UiFixture::visibleWindow("Export frames"));
+        QTRY_VERIFY(!UiFixture::visibleWindow("framesExport"));
         QCOMPARE(shown(), wanted);
     }
 }
@@ -462,14 +462,14 @@ void MenusTest::poiKeys()
     key(Qt::Key_X);
     key(Qt::Key_E);
     key(Qt::Key_M);
-    QVERIFY(!UiFixture::visibleWindow("Edit point of interest"));
+    QVERIFY(!UiFixture::visibleWindow("poiPropertiesWindow"));
     QVERIFY(!m_ui->evaluate("timelineContent.movePOIMode").toBool());
     key(Qt::Key_N);
     QCOMPARE(m_ui->poiNames(), QStringList("New POI"));
     QVERIFY(m_ui->selectPoiAt(2000));
     key(Qt::Key_E);
-    QTRY_VERIFY(UiFixture::visibleWindow("Edit point of interest"));
-    UiFixture::visibleWindow("Edit point of interest")->close();
+    QTRY_VERIFY(UiFixture::visibleWindow("poiPropertiesWindow"));
+    UiFixture::visibleWindow("poiPropertiesWindow")->close();
     QVERIFY(m_ui->activate());
     key(Qt::Key_X);
     QCOMPARE(m_ui->poiNames(), QStringList());

@@ -343,8 +343,8 @@ void PanelTest::editedNamesAreWritten()
     QVERIFY(m_ui->importLog());
     QTRY_VERIFY(m_ui->item("namingText")->isVisible());
     QVERIFY(m_ui->click("namingEditButton"));
-    QTRY_VERIFY(UiFixture::visibleWindow("Edit flight properties"));
-    QQuickWindow* window = UiFixture::visibleWindow("Edit flight properties");
+    QTRY_VERIFY(UiFixture::visibleWindow("flightPropertiesWindow"));
+    QQuickWindow* window = UiFixture::visibleWindow("flightPropertiesWindow");
     QCOMPARE(window->property("missionName").toString(), QString("Bridge"));
     QCOMPARE(window->property("flightNumber").toInt(), 7);
     window->setProperty("missionName", mission);
@@ -365,8 +365,8 @@ void PanelTest::editedPoiIsWritten()
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->selectPoiAt(2000));
     QVERIFY(m_ui->click("editPoiButton"));
-    QTRY_VERIFY(UiFixture::visibleWindow("Edit point of interest"));
-    QQuickWindow* window = UiFixture::visibleWindow("Edit point of interest");
+    QTRY_VERIFY(UiFixture::visibleWindow("poiPropertiesWindow"));
+    QQuickWindow* window = UiFixture::visibleWindow("poiPropertiesWindow");
     QCOMPARE(window->property("poiName").toString(), QString("Crack"));
     window->setProperty("poiName", "Rust");
     window->setProperty("poiDescription", "below");
@@ -395,8 +395,8 @@ void PanelTest::poisCanBeRestored()
     QTRY_COMPARE(m_ui->poiNames().size(), 2);
     m_ui->evaluate("timelineContent.clearAllData(); videoPlayer.play()");
     QVERIFY(m_ui->trigger("restorePoisMenuItem"));
-    QTRY_VERIFY(UiFixture::visibleWindow("Restore POIs from flight data"));
-    QQuickWindow* window = UiFixture::visibleWindow("Restore POIs from flight data");
+    QTRY_VERIFY(UiFixture::visibleWindow("restorePoiChoice"));
+    QQuickWindow* window = UiFixture::visibleWindow("restorePoiChoice");
     window->setProperty("eraseAll", eraseAll);
     window->setProperty("ok", true);
     window->close();
@@ -428,8 +428,8 @@ void PanelTest::settingsAreRemembered()
 void PanelTest::unitsChangeAtTheNextStart()
 {
     QVERIFY(m_ui->trigger("generalSettingsMenuItem"));
-    QTRY_VERIFY(UiFixture::visibleWindow("Settings"));
-    QQuickWindow* window = UiFixture::visibleWindow("Settings");
+    QTRY_VERIFY(UiFixture::visibleWindow("generalSettings"));
+    QQuickWindow* window = UiFixture::visibleWindow("generalSettings");
     m_ui->find("radioUnitImperial", window)->setProperty("checked", true);
     QVERIFY(QMetaObject::invokeMethod(m_ui->find("okButton", window), "pressButton"));
     QTRY_VERIFY(m_ui->log().contains("Settings have changed : true"));
@@ -496,13 +496,13 @@ void PanelTest::theWindowOffersAnUpdate()
 {
     QSignalSpy install(m_ui->root(), SIGNAL(installNewVersion(QString)));
     m_ui->call("launchUpdateWindow", {"9.1.0.0", QStringList{"faster", "better"}});
-    QTRY_VERIFY(UiFixture::visibleWindow("Update now"));
-    QQuickWindow* window = UiFixture::visibleWindow("Update now");
+    QTRY_VERIFY(UiFixture::visibleWindow("newUpdateWindow"));
+    QQuickWindow* window = UiFixture::visibleWindow("newUpdateWindow");
     QCOMPARE(window->property("versionString").toString(), QString("9.1.0.0"));
     QVERIFY(QMetaObject::invokeMethod(m_ui->find("btn_install_now", window), "clicked"));
     QCOMPARE(install.count(), 1);
     QCOMPARE(install.first().first().toString(), QString("9.1.0.0"));
-    QTRY_VERIFY(!UiFixture::visibleWindow("Update now"));
+    QTRY_VERIFY(!UiFixture::visibleWindow("newUpdateWindow"));
 }
 
 QTEST_MAIN(PanelTest)

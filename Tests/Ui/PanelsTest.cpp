@@ -134,10 +134,10 @@ void PanelsTest::aDoubleClickInTheListEdits()
     const QPoint place = row->mapToScene(QPointF(120, 20)).toPoint();
     QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
     QTest::mouseDClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
-    QTRY_VERIFY(UiFixture::visibleWindow("Edit point of interest"));
-    QCOMPARE(UiFixture::visibleWindow("Edit point of interest")->property("poiName").toString(),
+    QTRY_VERIFY(UiFixture::visibleWindow("poiPropertiesWindow"));
+    QCOMPARE(UiFixture::visibleWindow("poiPropertiesWindow")->property("poiName").toString(),
              QString("POI 1"));
-    UiFixture::visibleWindow("Edit point of interest")->close();
+    UiFixture::visibleWindow("poiPropertiesWindow")->close();
 }
 
 void PanelsTest::severalAreChosenByKeys()

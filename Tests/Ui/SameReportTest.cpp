@@ -119,7 +119,7 @@ void SameReportTest::windowAndCommandAgree()
     const QString folder = FlightMedia::instance().newFolder();
     m_ui->call("doCreatePoiReport", {folder + "/window.docx"});
     QTRY_VERIFY(QFile::exists(folder + "/window.docx"));
-    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+    QTRY_VERIFY(!UiFixture::visibleWindow("exportProgressWindow"));
 
     const ProgramRun command =
         runProgram(VISTREL_CLI, {"report", project, "--out", folder + "/command.docx"});

@@ -260,11 +260,11 @@ bool UiFixture::click(const QString& objectName) const
     return true;
 }
 
-QQuickWindow* UiFixture::visibleWindow(const QString& title)
+QQuickWindow* UiFixture::visibleWindow(const QString& objectName)
 {
     for (QWindow* window : QGuiApplication::topLevelWindows()) {
         auto* quick = qobject_cast<QQuickWindow*>(window);
-        if (quick && quick->isVisible() && quick->title() == title)
+        if (quick && quick->isVisible() && quick->objectName() == objectName)
             return quick;
     }
     return nullptr;

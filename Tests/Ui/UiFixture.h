@@ -81,8 +81,8 @@ public:
                       Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     bool click(const QString& objectName) const;
 
-    /// The visible secondary window with this title, null if there is none.
-    static QQuickWindow* visibleWindow(const QString& title);
+    /// The visible secondary window of this name, null if there is none.
+    static QQuickWindow* visibleWindow(const QString& objectName);
 
     /// The message box, the file dialog that is open now; null if none is.
     static QMessageBox* messageBox();

@@ -23,7 +23,7 @@ private slots:
     void helpWithoutAViewerSaysSo();
 
 private:
-    QQuickWindow* opened(const QString& menuItem, const QString& title);
+    QQuickWindow* opened(const QString& menuItem, const QString& name);
     void typeInto(QQuickWindow* window, const QString& text)
     {
         for (const QChar character : text)
@@ -31,13 +31,13 @@ private:
     }
 };
 
-QQuickWindow* WindowsTest::opened(const QString& menuItem, const QString& title)
+QQuickWindow* WindowsTest::opened(const QString& menuItem, const QString& name)
 {
     if (!m_ui->trigger(menuItem))
         return nullptr;
     QQuickWindow* window = nullptr;
     const bool shown = QTest::qWaitFor([&] {
-        window = UiFixture::visibleWindow(title);
+        window = UiFixture::visibleWindow(name);
         return window != nullptr;
     });
     return shown && QTest::qWaitForWindowActive(window) ? window : nullptr;
@@ -45,18 +45,18 @@ QQuickWindow* WindowsTest::opened(const QString& menuItem, const QString& title)
 
 void WindowsTest::staysInFrontOfTheMainWindow_data()
 {
-    QTest::addColumn<QString>("title");
-    QTest::newRow("exportFramesMenuItem") << "Export frames";
-    QTest::newRow("restorePoisMenuItem") << "Restore POIs from flight data";
-    QTest::newRow("generalSettingsMenuItem") << "Settings";
-    QTest::newRow("shortcutsMenuItem") << "Keyboard Shortcuts";
+    QTest::addColumn<QString>("name");
+    QTest::newRow("exportFramesMenuItem") << "framesExport";
+    QTest::newRow("restorePoisMenuItem") << "restorePoiChoice";
+    QTest::newRow("generalSettingsMenuItem") << "generalSettings";
+    QTest::newRow("shortcutsMenuItem") << "shortcutsWindow";
 }
 
 void WindowsTest::staysInFrontOfTheMainWindow()
 {
-    QFETCH(QString, title);
+    QFETCH(QString, name);
     QVERIFY(m_ui->openVideo());
-    QQuickWindow* window = opened(QString::fromLatin1(QTest::currentDataTag()), title);
+    QQuickWindow* window = opened(QString::fromLatin1(QTest::currentDataTag()), name);
     QVERIFY(window);
     QCOMPARE(window->transientParent(), m_ui->window());
     // Beside the picture: right of its middle.
@@ -114,7 +114,7 @@ void WindowsTest::aMessageShowsItsTextAsItIs()
 void WindowsTest::framesExportKeepsWhatWasEntered()
 {
     QVERIFY(m_ui->openVideo());
-    QQuickWindow* window = opened("exportFramesMenuItem", "Export frames");
+    QQuickWindow* window = opened("exportFramesMenuItem", "framesExport");
     QVERIFY(window);
     const QUrl folder = QUrl::fromLocalFile(FlightMedia::instance().newFolder());
     m_ui->find("startTextInput", window)->setProperty("text", "00:01.000");
@@ -124,7 +124,7 @@ void WindowsTest::framesExportKeepsWhatWasEntered()
     // Closes without exporting.
     QTest::keyClick(window, Qt::Key_Return);
     QTRY_VERIFY(!window->isVisible());
-    window = opened("exportFramesMenuItem", "Export frames");
+    window = opened("exportFramesMenuItem", "framesExport");
     QVERIFY(window);
     QCOMPARE(m_ui->find("startTextInput", window)->property("text").toString(),
              QString("00:01.000"));
@@ -138,7 +138,7 @@ void WindowsTest::framesExportKeepsWhatWasEntered()
     m_ui->call("goCloseProject");
     QVERIFY(m_ui->openVideo());
     m_ui->evaluate("secondaryWindows.framesEntered.video = 'another.mp4'");
-    window = opened("exportFramesMenuItem", "Export frames");
+    window = opened("exportFramesMenuItem", "framesExport");
     QVERIFY(window);
     QCOMPARE(m_ui->find("startTextInput", window)->property("text").toString(),
              QString("00:00.000"));
@@ -150,7 +150,7 @@ void WindowsTest::framesExportReadsDigitsOfTheLocale()
     QLocale::setDefault(QLocale(QStringLiteral("ar_EG")));
     const auto restoreLocale = qScopeGuard([&before] { QLocale::setDefault(before); });
     QVERIFY(m_ui->openVideo());
-    QQuickWindow* window = opened("exportFramesMenuItem", "Export frames");
+    QQuickWindow* window = opened("exportFramesMenuItem", "framesExport");
     QVERIFY(window);
     QTRY_COMPARE(m_ui->find("stopTextInput", window)->property("text").toString(),
                  QString("00:06.000"));
@@ -167,8 +167,8 @@ void WindowsTest::aTypedNameReplacesTheNewOne()
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->selectPoiAt(2000));
     m_ui->call("editSelectedPoi");
-    QTRY_VERIFY(UiFixture::visibleWindow("Edit point of interest"));
-    QQuickWindow* window = UiFixture::visibleWindow("Edit point of interest");
+    QTRY_VERIFY(UiFixture::visibleWindow("poiPropertiesWindow"));
+    QQuickWindow* window = UiFixture::visibleWindow("poiPropertiesWindow");
     QVERIFY(QTest::qWaitForWindowActive(window));
     QTRY_VERIFY(m_ui->item("tfName", window)->property("activeFocus").toBool());
     typeInto(window, "rust");
@@ -182,8 +182,8 @@ void WindowsTest::aTypedNumberReplacesTheOldOne()
     m_ui->evaluate("LogParser.flightNaming = {missionName: 'm', flightName: 'f', flightNumber: 3, "
                    "undefined: false}");
     m_ui->call("editFlightProperties");
-    QTRY_VERIFY(UiFixture::visibleWindow("Edit flight properties"));
-    QQuickWindow* window = UiFixture::visibleWindow("Edit flight properties");
+    QTRY_VERIFY(UiFixture::visibleWindow("flightPropertiesWindow"));
+    QQuickWindow* window = UiFixture::visibleWindow("flightPropertiesWindow");
     QVERIFY(QTest::qWaitForWindowActive(window));
     UiFixture::click(m_ui->item("tfFlightNumber", window));
     typeInto(window, "999");
@@ -193,7 +193,7 @@ void WindowsTest::aTypedNumberReplacesTheOldOne()
 
 void WindowsTest::aboutClosesOnEscape()
 {
-    QQuickWindow* window = opened("aboutMenuItem", "About Vistrel");
+    QQuickWindow* window = opened("aboutMenuItem", "aboutWindow");
     QVERIFY(window);
     // The window manager may still be handing over the keyboard.
     const auto closes = [window] {

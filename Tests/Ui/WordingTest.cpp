@@ -108,10 +108,10 @@ void WordingTest::mainWindow()
 void WordingTest::secondaryWindows_data()
 {
     QTest::addColumn<QString>("opener");
-    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("window");
     QTest::addColumn<QStringList>("words");
     QTest::newRow("importer") << "openImporter()"
-                              << "Auto importer"
+                              << "autoImporter"
                               << QStringList{"Flight files search locations",
                                              "Autodetect removable devices",
                                              "Log files location",
@@ -129,7 +129,7 @@ void WordingTest::secondaryWindows_data()
                                              "Cancel",
                                              "Load selected"};
     QTest::newRow("frames") << "openFramesExport()"
-                            << "Export frames"
+                            << "framesExport"
                             << QStringList{"Frames range",
                                            "Points of interest (0)",
                                            "Start time (min:sec.ms):",
@@ -149,7 +149,7 @@ void WordingTest::secondaryWindows_data()
                                            "Export images"};
     QTest::newRow("video")
         << "openVideoExport()"
-        << "Export video"
+        << "videoExport"
         << QStringList{"Video file to export:",
                        "Browse...",
                        "Show the flight instruments in a corner",
@@ -160,27 +160,27 @@ void WordingTest::secondaryWindows_data()
                        "Cancel",
                        "Ok"};
     QTest::newRow("settings") << "openSettings()"
-                              << "Settings"
+                              << "generalSettings"
                               << QStringList{"Unit system", "Metric", "Imperial",
                                              "Changes will be applied after restarting Vistrel"};
     QTest::newRow("flight properties")
         << "openFlightProperties()"
-        << "Edit flight properties"
+        << "flightPropertiesWindow"
         << QStringList{"Mission name", "Flight name", "Flight number", "Cancel", "Save"};
     QTest::newRow("about") << "openPlain('AboutWindow.qml')"
-                           << "About Vistrel" << QStringList{"images/splash_logo.png", "Close"};
+                           << "aboutWindow" << QStringList{"images/splash_logo.png", "Close"};
 }
 
 void WordingTest::secondaryWindows()
 {
     QFETCH(QString, opener);
-    QFETCH(QString, title);
+    QFETCH(QString, window);
     QFETCH(QStringList, words);
     ReviewFixture ui;
     QVERIFY(ui.load());
     ui.evaluate("secondaryWindows." + opener);
-    QTRY_VERIFY(UiFixture::visibleWindow(title));
-    compare(UiFixture::visibleWindow(title), words);
+    QTRY_VERIFY(UiFixture::visibleWindow(window));
+    compare(UiFixture::visibleWindow(window), words);
 }
 
 void WordingTest::menuTitles()

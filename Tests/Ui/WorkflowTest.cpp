@@ -240,14 +240,14 @@ void WorkflowTest::progressOfAnExport()
     QObject* window = m_ui->find("exportProgressWindow");
     QVERIFY(window);
     m_ui->evaluate("showExportProgress(Cst.activeExportVideo, 'Exporting video file...')");
-    QVERIFY(UiFixture::visibleWindow("Export operation"));
+    QVERIFY(UiFixture::visibleWindow("exportProgressWindow"));
     m_ui->call("videoExportProgress", {30, 120});
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.value").toInt(), 30);
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.maximumValue").toInt(), 120);
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.text").toString(),
              QString("Exporting video file..."));
     m_ui->call("videoExportComplete", {false});
-    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+    QTRY_VERIFY(!UiFixture::visibleWindow("exportProgressWindow"));
     QCOMPARE(m_ui->get("currentProject", "activeExportOperation").toInt(), 1);
 }
 
@@ -255,22 +255,22 @@ void WorkflowTest::progressOfAnExport()
 void WorkflowTest::aRefusedReportEnds()
 {
     m_ui->call("doCreatePoiReport", {"/nowhere/report.docx"});
-    QVERIFY(UiFixture::visibleWindow("Export operation"));
+    QVERIFY(UiFixture::visibleWindow("exportProgressWindow"));
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.text").toString(),
              QString("Generating document..."));
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.value").toInt(), 0);
     QCOMPARE(m_ui->get("currentProject", "activeExportOperation").toInt(), 2);
-    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+    QTRY_VERIFY(!UiFixture::visibleWindow("exportProgressWindow"));
 }
 
 void WorkflowTest::aRefusedVideoEnds()
 {
     m_ui->evaluate("secondaryWindows.exportVideo('file:///nowhere/video.mp4')");
     QVERIFY(m_ui->log().contains("Will export video"));
-    QVERIFY(UiFixture::visibleWindow("Export operation"));
+    QVERIFY(UiFixture::visibleWindow("exportProgressWindow"));
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.text").toString(),
              QString("Exporting video file..."));
-    QTRY_VERIFY(!UiFixture::visibleWindow("Export operation"));
+    QTRY_VERIFY(!UiFixture::visibleWindow("exportProgressWindow"));
 }
 
 // A report that is being written waits for frames of the player: it has to be given up first.
