@@ -10,13 +10,13 @@ class ClocksTest : public QObject
     Q_OBJECT
 
 private slots:
-    void conversions_data();
-    void conversions();
+    void bothDirectionsAddTheirOffsets_data();
+    void bothDirectionsAddTheirOffsets();
     void theCorrectionCountsOnlyOnTheWayToTheLog();
     void aClockStartsUntied();
 };
 
-void ClocksTest::conversions_data()
+void ClocksTest::bothDirectionsAddTheirOffsets_data()
 {
     constexpr int kMost = std::numeric_limits<int>::max();
     constexpr int kLeast = std::numeric_limits<int>::min();
@@ -31,7 +31,7 @@ void ClocksTest::conversions_data()
     QTest::newRow("wraps downwards") << kLeast << -1 << 0 << kMost;
 }
 
-void ClocksTest::conversions()
+void ClocksTest::bothDirectionsAddTheirOffsets()
 {
     QFETCH(int, offset);
     QFETCH(int, correction);

@@ -31,8 +31,8 @@ private slots:
     void aLaterGroupOfTheSameIdStaysEmpty();
     void aVarTwice_data();
     void aVarTwice();
-    void hostileDescriptions_data();
-    void hostileDescriptions();
+    void hostileDescriptionsAreRefusedOrRead_data();
+    void hostileDescriptionsAreRefusedOrRead();
     void moreGroupsThanAnyDrone();
     void descriptionsNestedAMillionDeepDoNotOverflow();
 };
@@ -371,7 +371,7 @@ void LogDecoderTest::aVarTwice()
     QVERIFY(!log->getGroup("g")->getVars()[1].getData());
 }
 
-void LogDecoderTest::hostileDescriptions_data()
+void LogDecoderTest::hostileDescriptionsAreRefusedOrRead_data()
 {
     using Vars = std::vector<Var>;
     QTest::addColumn<QByteArray>("vars");
@@ -401,7 +401,7 @@ void LogDecoderTest::hostileDescriptions_data()
         {{"a", "UINT8", 3}, {"b", "UINT32", 1}, {"c", "UINT8", -2}}, 5, true);
 }
 
-void LogDecoderTest::hostileDescriptions()
+void LogDecoderTest::hostileDescriptionsAreRefusedOrRead()
 {
     QFETCH(QByteArray, vars);
     QFETCH(int, size);

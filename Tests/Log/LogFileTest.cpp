@@ -11,8 +11,8 @@ class LogFileTest : public QObject
     Q_OBJECT
 
 private slots:
-    void types_data();
-    void types();
+    void typesHaveTheirNamesAndSizes_data();
+    void typesHaveTheirNamesAndSizes();
     void theFirstOfANameOrIdIsFound();
     void blocksAreColumnMajor();
     void newBlocksReadAsZero();
@@ -21,8 +21,8 @@ private slots:
     void writesOutOfRangeAreIgnored();
     void storedValuesAreReadBack();
     void wideReadsOfNarrowElementsStayInTheBlock();
-    void strings_data();
-    void strings();
+    void stringsEndAtAZeroOrAfterFifty_data();
+    void stringsEndAtAZeroOrAfterFifty();
     void emptyBlocksAreBlocks();
     void blocksOfTwoGibibytesAreRefused_data();
     void blocksOfTwoGibibytesAreRefused();
@@ -31,7 +31,7 @@ private slots:
     void columnsAreTyped();
 };
 
-void LogFileTest::types_data()
+void LogFileTest::typesHaveTheirNamesAndSizes_data()
 {
     QTest::addColumn<std::string>("word");
     QTest::addColumn<int>("type");
@@ -49,7 +49,7 @@ void LogFileTest::types_data()
     QTest::newRow("empty") << std::string() << 5 << 1;
 }
 
-void LogFileTest::types()
+void LogFileTest::typesHaveTheirNamesAndSizes()
 {
     QFETCH(std::string, word);
     QTEST(int(LogVar::typeFromName(word)), "type");
@@ -195,7 +195,7 @@ void LogFileTest::wideReadsOfNarrowElementsStayInTheBlock()
     QCOMPARE(word, 5U); // nothing but zeros behind the last element
 }
 
-void LogFileTest::strings_data()
+void LogFileTest::stringsEndAtAZeroOrAfterFifty_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text");
@@ -207,7 +207,7 @@ void LogFileTest::strings_data()
     QTest::newRow("more than fifty") << QByteArray(80, 'a') << QString(50, QLatin1Char('a'));
 }
 
-void LogFileTest::strings()
+void LogFileTest::stringsEndAtAZeroOrAfterFifty()
 {
     QFETCH(QByteArray, bytes);
     LogVar var("name");

@@ -28,8 +28,8 @@ private slots:
     void anUnsyncedLogKeepsTheOffsetOfTheOneBefore();
     void aMissingFileFailsLater();
     void theReasonOfAFailureIsReadable();
-    void thermalCameras_data();
-    void thermalCameras();
+    void theLogNamesTheThermalCamera_data();
+    void theLogNamesTheThermalCamera();
     void closingForgetsTheLog();
     void closingOvertakesAParse();
     void aNewerParseOvertakesAnOlderOne();
@@ -37,8 +37,8 @@ private slots:
     void deletingInASlotEndsThePublishing();
     void theDestructorEndsARunningParse();
     void readersKeepTheLogAlive();
-    void naming_data();
-    void naming();
+    void namingIsKeptAndSignalled_data();
+    void namingIsKeptAndSignalled();
     void settersEmitOnChangeOnly();
     void callsInRandomOrderAreSafe();
 
@@ -273,7 +273,7 @@ void LogParserTest::theReasonOfAFailureIsReadable()
     QCOMPARE(m_parser->failureText(), QString());
 }
 
-void LogParserTest::thermalCameras_data()
+void LogParserTest::theLogNamesTheThermalCamera_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("version");
@@ -284,7 +284,7 @@ void LogParserTest::thermalCameras_data()
     QTest::newRow("31") << 31 << -1;
 }
 
-void LogParserTest::thermalCameras()
+void LogParserTest::theLogNamesTheThermalCamera()
 {
     QFETCH(int, type);
     const QString path = m_folder.filePath(QStringLiteral("camera.log"));
@@ -403,7 +403,7 @@ void LogParserTest::readersKeepTheLogAlive()
     QCOMPARE(*static_cast<const quint32*>(column), 10000U);
 }
 
-void LogParserTest::naming_data()
+void LogParserTest::namingIsKeptAndSignalled_data()
 {
     QTest::addColumn<QVariantMap>("written");
     QTest::addColumn<QVariantMap>("read");
@@ -418,7 +418,7 @@ void LogParserTest::naming_data()
     QTest::newRow("empty") << QVariantMap() << namingMap(false, QString(), QString(), 0);
 }
 
-void LogParserTest::naming()
+void LogParserTest::namingIsKeptAndSignalled()
 {
     QFETCH(QVariantMap, written);
     QSignalSpy changed(m_parser.get(), &LogParser::flightNamingChanged);

@@ -18,8 +18,8 @@ class LogSyncTest : public QObject
     Q_OBJECT
 
 private slots:
-    void matches_data();
-    void matches();
+    void theNearestRecordingMatches_data();
+    void theNearestRecordingMatches();
     void matchIsLogged();
     void fallbackIsLogged();
     void missingRecordingIsLogged();
@@ -31,8 +31,8 @@ private slots:
     void theLatestNamingBeforeTheEndCounts_data();
     void theLatestNamingBeforeTheEndCounts();
     void choiceOfANamingIsLogged();
-    void thermalCameras_data();
-    void thermalCameras();
+    void theLastThermalCameraCounts_data();
+    void theLastThermalCameraCounts();
 
 private:
     std::unique_ptr<LogFile> decoded(const LogBuilder& builder);
@@ -76,7 +76,7 @@ std::unique_ptr<LogFile> LogSyncTest::decoded(const LogBuilder& builder)
         builder.save(path) ? m_decoder.parseLog(path, [](int, int, int) {}) : nullptr);
 }
 
-void LogSyncTest::matches_data()
+void LogSyncTest::theNearestRecordingMatches_data()
 {
     QTest::addColumn<Events>("events");
     QTest::addColumn<int>("videoMs");
@@ -110,7 +110,7 @@ void LogSyncTest::matches_data()
         static_cast<int>(0x7fffff00U + 690));
 }
 
-void LogSyncTest::matches()
+void LogSyncTest::theNearestRecordingMatches()
 {
     QFETCH(Events, events);
     QFETCH(int, videoMs);
@@ -299,7 +299,7 @@ void LogSyncTest::choiceOfANamingIsLogged()
     QCOMPARE(messages.messages(QtInfoMsg), expected);
 }
 
-void LogSyncTest::thermalCameras_data()
+void LogSyncTest::theLastThermalCameraCounts_data()
 {
     QTest::addColumn<QByteArray>("types");
     QTest::addColumn<int>("version");
@@ -308,7 +308,7 @@ void LogSyncTest::thermalCameras_data()
     QTest::newRow("no rows") << QByteArray() << 255;
 }
 
-void LogSyncTest::thermalCameras()
+void LogSyncTest::theLastThermalCameraCounts()
 {
     QFETCH(QByteArray, types);
     LogBuilder builder;

@@ -19,10 +19,10 @@ class LogTableTest : public QObject
 
 private slots:
     void initTestCase();
-    void allColumns_data();
-    void allColumns();
-    void chosenColumns_data();
-    void chosenColumns();
+    void aGroupBecomesATable_data();
+    void aGroupBecomesATable();
+    void onlyChosenColumnsAreWritten_data();
+    void onlyChosenColumnsAreWritten();
     void ratesShowTheFirstOfEachInterval_data();
     void ratesShowTheFirstOfEachInterval();
     void whatIsNotThereIsAFailure_data();
@@ -92,7 +92,7 @@ std::shared_ptr<const LogFile> LogTableTest::decoded(const LogBuilder& log)
     return result ? *result : nullptr;
 }
 
-void LogTableTest::allColumns_data()
+void LogTableTest::aGroupBecomesATable_data()
 {
     QTest::addColumn<std::string>("group");
     QTest::addColumn<bool>("textAsText");
@@ -112,7 +112,7 @@ void LogTableTest::allColumns_data()
                            << QByteArray("bytes[0],bytes[1],bytes[2]\n1,2,3\n");
 }
 
-void LogTableTest::allColumns()
+void LogTableTest::aGroupBecomesATable()
 {
     QFETCH(std::string, group);
     QFETCH(bool, textAsText);
@@ -121,7 +121,7 @@ void LogTableTest::allColumns()
     QTEST(tableOf(decoded(flight()), group, options), "table");
 }
 
-void LogTableTest::chosenColumns_data()
+void LogTableTest::onlyChosenColumnsAreWritten_data()
 {
     QTest::addColumn<QStringList>("columns");
     QTest::addColumn<QByteArray>("firstLines");
@@ -135,7 +135,7 @@ void LogTableTest::chosenColumns_data()
         << QByteArray("euler_angles[0] (rad),euler_angles[1] (rad)\n0.5,-0.25\n");
 }
 
-void LogTableTest::chosenColumns()
+void LogTableTest::onlyChosenColumnsAreWritten()
 {
     QFETCH(QStringList, columns);
     QFETCH(QByteArray, firstLines);

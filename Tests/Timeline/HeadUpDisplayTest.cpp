@@ -15,8 +15,8 @@ class HeadUpDisplayTest : public QObject
 private slots:
     void rowsReadTheirVars_data();
     void rowsReadTheirVars();
-    void formats_data();
-    void formats();
+    void valuesHaveTheirDecimalsAndUnits_data();
+    void valuesHaveTheirDecimalsAndUnits();
     void holdsTheSampleOfTheMoment_data();
     void holdsTheSampleOfTheMoment();
     void agreesWithAStepByStepSearchOnAnyTimes();
@@ -58,7 +58,7 @@ void HeadUpDisplayTest::rowsReadTheirVars()
     QCOMPARE(panel.textsOfRow(row, 0), texts(row, text));
 }
 
-void HeadUpDisplayTest::formats_data()
+void HeadUpDisplayTest::valuesHaveTheirDecimalsAndUnits_data()
 {
     QTest::addColumn<int>("row");
     QTest::addColumn<double>("value");
@@ -77,7 +77,7 @@ void HeadUpDisplayTest::formats_data()
     QTest::newRow("camera") << 4 << -90.0 << true << QStringLiteral("-90°");
 }
 
-void HeadUpDisplayTest::formats()
+void HeadUpDisplayTest::valuesHaveTheirDecimalsAndUnits()
 {
     QFETCH(int, row);
     QFETCH(double, value);

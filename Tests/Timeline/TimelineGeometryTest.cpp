@@ -23,24 +23,24 @@ private slots:
     void millisecondsOfTimes();
     void timesGoRoundTheClock_data();
     void timesGoRoundTheClock();
-    void scaleOfAStrip_data();
-    void scaleOfAStrip();
+    void aStripSpreadsTheDurationOverItsWidth_data();
+    void aStripSpreadsTheDurationOverItsWidth();
     void pixelOfATimeIsRounded_data();
     void pixelOfATimeIsRounded();
     void timeOfAPixelIsCut_data();
     void timeOfAPixelIsCut();
-    void zoomedWidths_data();
-    void zoomedWidths();
+    void zoomingChangesTheWidthWithinItsLimits_data();
+    void zoomingChangesTheWidthWithinItsLimits();
     void timeUnderThePointerStays_data();
     void timeUnderThePointerStays();
     void scrollsToTheCursor_data();
     void scrollsToTheCursor();
-    void tickSpacings_data();
-    void tickSpacings();
-    void tickRanges_data();
-    void tickRanges();
-    void extraTicks_data();
-    void extraTicks();
+    void ticksKeepTheirLeastDistance_data();
+    void ticksKeepTheirLeastDistance();
+    void ticksCoverTheVisiblePart_data();
+    void ticksCoverTheVisiblePart();
+    void smallTicksDivideTheSpacing_data();
+    void smallTicksDivideTheSpacing();
 };
 
 void TimelineGeometryTest::millisecondsOfTimes_data()
@@ -81,7 +81,7 @@ void TimelineGeometryTest::timesGoRoundTheClock()
     QCOMPARE(timeOfMs(ms), expected);
 }
 
-void TimelineGeometryTest::scaleOfAStrip_data()
+void TimelineGeometryTest::aStripSpreadsTheDurationOverItsWidth_data()
 {
     QTest::addColumn<int>("durationMs");
     QTest::addColumn<int>("contentWidth");
@@ -94,7 +94,7 @@ void TimelineGeometryTest::scaleOfAStrip_data()
     QTest::newRow("narrowest int") << 86399999 << intMin << 86399999.0F / -2147483768.0F;
 }
 
-void TimelineGeometryTest::scaleOfAStrip()
+void TimelineGeometryTest::aStripSpreadsTheDurationOverItsWidth()
 {
     QFETCH(int, durationMs);
     QFETCH(int, contentWidth);
@@ -157,7 +157,7 @@ void TimelineGeometryTest::timeOfAPixelIsCut()
     QCOMPARE(msOfPx(x, {msPerPx, contentX}), expected);
 }
 
-void TimelineGeometryTest::zoomedWidths_data()
+void TimelineGeometryTest::zoomingChangesTheWidthWithinItsLimits_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("zoomedIn");
@@ -169,7 +169,7 @@ void TimelineGeometryTest::zoomedWidths_data()
     QTest::newRow("already wider than that") << 13000000 << 12000000 << 10833334;
 }
 
-void TimelineGeometryTest::zoomedWidths()
+void TimelineGeometryTest::zoomingChangesTheWidthWithinItsLimits()
 {
     QFETCH(int, width);
     QFETCH(int, zoomedIn);
@@ -230,7 +230,7 @@ void TimelineGeometryTest::scrollsToTheCursor()
     QTEST(scroll.contentX, "expected");
 }
 
-void TimelineGeometryTest::tickSpacings_data()
+void TimelineGeometryTest::ticksKeepTheirLeastDistance_data()
 {
     QTest::addColumn<float>("neededMs");
     QTest::addColumn<int>("spacingMs");
@@ -262,7 +262,7 @@ void TimelineGeometryTest::tickSpacings_data()
     QTest::newRow("negative") << -100.0F << 1 << 0 << 9;
 }
 
-void TimelineGeometryTest::tickSpacings()
+void TimelineGeometryTest::ticksKeepTheirLeastDistance()
 {
     QFETCH(float, neededMs);
     const TickSpacing& spacing = tickSpacingFor(neededMs);
@@ -271,7 +271,7 @@ void TimelineGeometryTest::tickSpacings()
     QTEST(spacing.minorCount, "minorCount");
 }
 
-void TimelineGeometryTest::tickRanges_data()
+void TimelineGeometryTest::ticksCoverTheVisiblePart_data()
 {
     QTest::addColumn<float>("msPerPx");
     QTest::addColumn<int>("contentX");
@@ -287,7 +287,7 @@ void TimelineGeometryTest::tickRanges_data()
     QTest::newRow("no number") << notANumber << 100 << 0 << 0;
 }
 
-void TimelineGeometryTest::tickRanges()
+void TimelineGeometryTest::ticksCoverTheVisiblePart()
 {
     QFETCH(float, msPerPx);
     QFETCH(int, contentX);
@@ -296,7 +296,7 @@ void TimelineGeometryTest::tickRanges()
     QTEST(range.lastMs, "lastMs");
 }
 
-void TimelineGeometryTest::extraTicks_data()
+void TimelineGeometryTest::smallTicksDivideTheSpacing_data()
 {
     QTest::addColumn<int>("spacingMs");
     QTest::addColumn<int>("count");
@@ -312,7 +312,7 @@ void TimelineGeometryTest::extraTicks_data()
     QTest::newRow("infinite scale") << 1200000 << 9 << 1 << infinity << 100;
 }
 
-void TimelineGeometryTest::extraTicks()
+void TimelineGeometryTest::smallTicksDivideTheSpacing()
 {
     QFETCH(int, spacingMs);
     QFETCH(int, count);

@@ -12,8 +12,8 @@ class ControlsTest : public QObject
 
 private slots:
     void initTestCase();
-    void constants_data();
-    void constants();
+    void constantsHaveTheirValues_data();
+    void constantsHaveTheirValues();
     void buttonsFollowThePointer_data();
     void buttonsFollowThePointer();
     void everyButtonReportsAClick_data();
@@ -24,8 +24,8 @@ private slots:
     void togglesFlipBeforeTheyReport();
     void iconsAreInTheirColour();
     void aFieldIsFramedOnAllSides();
-    void toggleColours_data();
-    void toggleColours();
+    void togglesShowTheirStateByColour_data();
+    void togglesShowTheirStateByColour();
     void theToolTipNeedsATextAndThePointer();
     void theSetterKeepsItsThreeViewsInStep_data();
     void theSetterKeepsItsThreeViewsInStep();
@@ -113,7 +113,7 @@ QColor ControlsTest::colour(const QString& name) const
     return m_ui->get(name, "color").value<QColor>();
 }
 
-void ControlsTest::constants_data()
+void ControlsTest::constantsHaveTheirValues_data()
 {
     QTest::addColumn<QVariant>("value");
     const QVector<QPair<const char*, QVariant>> table{
@@ -152,7 +152,7 @@ void ControlsTest::constants_data()
     open({});
 }
 
-void ControlsTest::constants()
+void ControlsTest::constantsHaveTheirValues()
 {
     QFETCH(QVariant, value);
     QCOMPARE(m_ui->call("constant", {QString::fromLatin1(QTest::currentDataTag())}).toString(),
@@ -294,7 +294,7 @@ void ControlsTest::aFieldIsFramedOnAllSides()
     QCOMPARE(colourAt(119, 32), accent);
 }
 
-void ControlsTest::toggleColours_data()
+void ControlsTest::togglesShowTheirStateByColour_data()
 {
     QTest::addColumn<QString>("button");
     QTest::addColumn<bool>("checked");
@@ -310,7 +310,7 @@ void ControlsTest::toggleColours_data()
     }
 }
 
-void ControlsTest::toggleColours()
+void ControlsTest::togglesShowTheirStateByColour()
 {
     QFETCH(QString, button);
     QFETCH(bool, checked);

@@ -31,24 +31,24 @@ private slots:
     void tabLeadsThroughTheFields_data();
     void tabLeadsThroughTheFields();
 
-    void restoreChoice_data();
-    void restoreChoice();
-    void restoreCancelled_data();
-    void restoreCancelled();
+    void theChosenWayOfRestoringIsReturned_data();
+    void theChosenWayOfRestoringIsReturned();
+    void cancellingRestoreChangesNothing_data();
+    void cancellingRestoreChangesNothing();
 
     void poiIsEdited_data();
     void poiIsEdited();
     void poiNeedsAName();
-    void poiCancelled_data();
-    void poiCancelled();
+    void cancellingAPoiChangesNothing_data();
+    void cancellingAPoiChangesNothing();
 
-    void flightNumber_data();
-    void flightNumber();
+    void anEmptyFlightNumberIsNone_data();
+    void anEmptyFlightNumberIsNone();
     void flightFieldsAreFilled();
     void flightNumberFieldRefuses_data();
     void flightNumberFieldRefuses();
-    void flightCancelled_data();
-    void flightCancelled();
+    void cancellingAFlightChangesNothing_data();
+    void cancellingAFlightChangesNothing();
 };
 
 void EditDialogsTest::tabLeadsThroughTheFields_data()
@@ -68,7 +68,7 @@ void EditDialogsTest::tabLeadsThroughTheFields()
     verifyTabOrder(fields);
 }
 
-void EditDialogsTest::restoreChoice_data()
+void EditDialogsTest::theChosenWayOfRestoringIsReturned_data()
 {
     QTest::addColumn<QString>("choice");
     QTest::addColumn<bool>("byKey");
@@ -79,7 +79,7 @@ void EditDialogsTest::restoreChoice_data()
     QTest::newRow("missing only, Return") << "actionFillBlanks" << true << false;
 }
 
-void EditDialogsTest::restoreChoice()
+void EditDialogsTest::theChosenWayOfRestoringIsReturned()
 {
     QFETCH(QString, choice);
     QFETCH(bool, byKey);
@@ -98,12 +98,12 @@ void EditDialogsTest::restoreChoice()
     QTEST(m_host->get("eraseAll").toBool(), "eraseAll");
 }
 
-void EditDialogsTest::restoreCancelled_data()
+void EditDialogsTest::cancellingRestoreChangesNothing_data()
 {
     addRowsOfCancelling();
 }
 
-void EditDialogsTest::restoreCancelled()
+void EditDialogsTest::cancellingRestoreChangesNothing()
 {
     QFETCH(bool, byKey);
     QVERIFY(m_host->open("RestoreLog.qml"));
@@ -169,12 +169,12 @@ void EditDialogsTest::poiNeedsAName()
     QVERIFY(m_host->get("ok").toBool());
 }
 
-void EditDialogsTest::poiCancelled_data()
+void EditDialogsTest::cancellingAPoiChangesNothing_data()
 {
     addRowsOfCancelling();
 }
 
-void EditDialogsTest::poiCancelled()
+void EditDialogsTest::cancellingAPoiChangesNothing()
 {
     QFETCH(bool, byKey);
     QVERIFY(m_host->open("PoiProperties.qml"));
@@ -183,7 +183,7 @@ void EditDialogsTest::poiCancelled()
     QCOMPARE(m_host->get("poiName").toString(), QString());
 }
 
-void EditDialogsTest::flightNumber_data()
+void EditDialogsTest::anEmptyFlightNumberIsNone_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<bool>("byKey");
@@ -200,7 +200,7 @@ void EditDialogsTest::flightNumber_data()
                                             "Not a number"};
 }
 
-void EditDialogsTest::flightNumber()
+void EditDialogsTest::anEmptyFlightNumberIsNone()
 {
     QFETCH(QString, typed);
     QFETCH(bool, byKey);
@@ -264,12 +264,12 @@ void EditDialogsTest::flightNumberFieldRefuses()
     QTEST(m_host->textOf("tfFlightNumber"), "left");
 }
 
-void EditDialogsTest::flightCancelled_data()
+void EditDialogsTest::cancellingAFlightChangesNothing_data()
 {
     addRowsOfCancelling();
 }
 
-void EditDialogsTest::flightCancelled()
+void EditDialogsTest::cancellingAFlightChangesNothing()
 {
     QFETCH(bool, byKey);
     QVERIFY(m_host->open("FlightPropertiesEdit.qml"));

@@ -38,20 +38,20 @@ private slots:
     void framesTabLeadsThroughTheFields();
     void framesTimeIsTyped();
     void framesFolderIsChosenAndRemembered();
-    void framesCancelled();
+    void cancellingFramesExportsNothing();
     void framesReturnClosesWithoutExport();
     void framesEscapeDoesNothing();
     void framesStayReachableInALowWindow();
 
     void videoIsAsHighAsItsContents();
-    void videoNote();
-    void videoExtension_data();
-    void videoExtension();
+    void videoExportHasItsTexts();
+    void videoExportTakesOnlyVideoSuffixes_data();
+    void videoExportTakesOnlyVideoSuffixes();
     void videoFileIsChosenAndRemembered();
     void videoFileThatIsThereIsAskedAbout();
     void videoKeysDoNothing_data();
     void videoKeysDoNothing();
-    void videoCancelled();
+    void cancellingAVideoExportsNothing();
 
     void progressShowsAndAborts();
 
@@ -361,7 +361,7 @@ void ExportDialogsTest::framesFolderIsChosenAndRemembered()
     QCOMPARE(m_host->get("framesUrl").toUrl(), QUrl());
 }
 
-void ExportDialogsTest::framesCancelled()
+void ExportDialogsTest::cancellingFramesExportsNothing()
 {
     QVERIFY(m_host->open("FramesExport.qml"));
     m_host->click("cancelButton");
@@ -417,7 +417,7 @@ void ExportDialogsTest::videoIsAsHighAsItsContents()
                  qRound(contents + m_host->item("cancelButton")->height()) + margin);
 }
 
-void ExportDialogsTest::videoNote()
+void ExportDialogsTest::videoExportHasItsTexts()
 {
     QVERIFY(m_host->open("VideoExport.qml"));
     QCOMPARE(m_host->textOf("note"),
@@ -429,7 +429,7 @@ void ExportDialogsTest::videoNote()
     QCOMPARE(m_host->textOf("cancelButton"), QString("Cancel"));
 }
 
-void ExportDialogsTest::videoExtension_data()
+void ExportDialogsTest::videoExportTakesOnlyVideoSuffixes_data()
 {
     QTest::addColumn<QUrl>("url");
     QTest::addColumn<bool>("accepted");
@@ -441,7 +441,7 @@ void ExportDialogsTest::videoExtension_data()
     QTest::newRow("nothing chosen") << QUrl() << false;
 }
 
-void ExportDialogsTest::videoExtension()
+void ExportDialogsTest::videoExportTakesOnlyVideoSuffixes()
 {
     QFETCH(QUrl, url);
     QFETCH(bool, accepted);
@@ -515,7 +515,7 @@ void ExportDialogsTest::videoKeysDoNothing()
     QVERIFY(!UiFixture::messageBox());
 }
 
-void ExportDialogsTest::videoCancelled()
+void ExportDialogsTest::cancellingAVideoExportsNothing()
 {
     QVERIFY(m_host->open("VideoExport.qml"));
     m_host->set("videoUrl", QUrl("file:///tmp/a.mp4"));

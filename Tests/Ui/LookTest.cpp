@@ -20,8 +20,8 @@ class LookTest : public QObject
 
 private slots:
     void initTestCase();
-    void mainWindow_data();
-    void mainWindow();
+    void mainWindowFitsEverySize_data();
+    void mainWindowFitsEverySize();
     void followsTheScaleOfTheScreen();
     void pointersAndIconsAreDrawnSharp();
     void signOfAMessageBoxIsSharpAndSeen_data();
@@ -48,7 +48,7 @@ void LookTest::initTestCase()
     UiFixture::prepare();
 }
 
-void LookTest::mainWindow_data()
+void LookTest::mainWindowFitsEverySize_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QString>("state");
@@ -147,7 +147,7 @@ void LookTest::checkContrast(QQuickItem* from, const QImage& picture)
         checkContrast(child, picture);
 }
 
-void LookTest::mainWindow()
+void LookTest::mainWindowFitsEverySize()
 {
     QFETCH(QSize, size);
     QFETCH(QString, state);

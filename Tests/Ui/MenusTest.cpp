@@ -9,10 +9,10 @@ class MenusTest : public ReviewSuite
     Q_OBJECT
 
 private slots:
-    void entries_data();
-    void entries();
-    void enabledStates_data();
-    void enabledStates();
+    void entriesHaveTheirTextsAndShortcuts_data();
+    void entriesHaveTheirTextsAndShortcuts();
+    void entriesAreEnabledByWhatIsOpen_data();
+    void entriesAreEnabledByWhatIsOpen();
     void toolsFollowTheVideoAndTheSelection();
     void openersShowTheirDialog_data();
     void openersShowTheirDialog();
@@ -28,13 +28,13 @@ private slots:
     void exitEndsTheProgram();
     void menuKeysWork_data();
     void menuKeysWork();
-    void transportKeys();
-    void transportButtons();
-    void poiKeys();
-    void moveMode();
+    void transportKeysMoveTheVideo();
+    void transportButtonsMoveTheVideo();
+    void poiKeysWorkOnTheSelectedOne();
+    void moveModeTakesTheKeys();
     void returnOutsideMoveModeDoesNothing();
-    void telemetry_data();
-    void telemetry();
+    void verbsReportTheirEvents_data();
+    void verbsReportTheirEvents();
     void startIsReported();
 
 private:
@@ -45,7 +45,7 @@ private:
     int frame() const { return m_ui->evaluate("videoPlayer.currentFrameIndex").toInt(); }
 };
 
-void MenusTest::entries_data()
+void MenusTest::entriesHaveTheirTextsAndShortcuts_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("shortcut");
@@ -80,7 +80,7 @@ void MenusTest::entries_data()
     row("aboutMenuItem", "About...", "");
 }
 
-void MenusTest::entries()
+void MenusTest::entriesHaveTheirTextsAndShortcuts()
 {
     QFETCH(QString, text);
     QFETCH(QString, shortcut);
@@ -90,7 +90,7 @@ void MenusTest::entries()
     QCOMPARE(m_ui->get(name, "shortcut").toString(), shortcut);
 }
 
-void MenusTest::enabledStates_data()
+void MenusTest::entriesAreEnabledByWhatIsOpen_data()
 {
     QTest::addColumn<bool>("atStart");
     QTest::addColumn<bool>("withVideo");
@@ -112,7 +112,7 @@ void MenusTest::enabledStates_data()
     row("saveProjectCopyMenuItem", false, false, false, true);
 }
 
-void MenusTest::enabledStates()
+void MenusTest::entriesAreEnabledByWhatIsOpen()
 {
     QFETCH(bool, atStart);
     QFETCH(bool, withVideo);
@@ -416,7 +416,7 @@ void MenusTest::menuKeysWork()
     QTRY_VERIFY(closes());
 }
 
-void MenusTest::transportKeys()
+void MenusTest::transportKeysMoveTheVideo()
 {
     QVERIFY(m_ui->openVideo());
     QCOMPARE(frame(), 0);
@@ -438,7 +438,7 @@ void MenusTest::transportKeys()
     QVERIFY(!m_ui->evaluate("videoPlayer.playing").toBool());
 }
 
-void MenusTest::transportButtons()
+void MenusTest::transportButtonsMoveTheVideo()
 {
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->click("nextFrameButton"));
@@ -456,7 +456,7 @@ void MenusTest::transportButtons()
     QCOMPARE(m_ui->evaluate("videoPlayer.playSpeed").toInt(), 5);
 }
 
-void MenusTest::poiKeys()
+void MenusTest::poiKeysWorkOnTheSelectedOne()
 {
     QVERIFY(m_ui->openVideo());
     key(Qt::Key_X);
@@ -475,7 +475,7 @@ void MenusTest::poiKeys()
     QCOMPARE(m_ui->poiNames(), QStringList());
 }
 
-void MenusTest::moveMode()
+void MenusTest::moveModeTakesTheKeys()
 {
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->selectPoiAt(2000));
@@ -511,7 +511,7 @@ void MenusTest::returnOutsideMoveModeDoesNothing()
     QCOMPARE(m_ui->evaluate("timelineContent.getPOIs()[0].time").toInt(), 2000);
 }
 
-void MenusTest::telemetry_data()
+void MenusTest::verbsReportTheirEvents_data()
 {
     QTest::addColumn<QString>("call");
     QTest::addColumn<QStringList>("events");
@@ -527,7 +527,7 @@ void MenusTest::telemetry_data()
     QTest::newRow("close") << "goCloseProject()" << QStringList("close_project");
 }
 
-void MenusTest::telemetry()
+void MenusTest::verbsReportTheirEvents()
 {
     QFETCH(QString, call);
     QFETCH(QStringList, events);

@@ -15,8 +15,8 @@ private slots:
     void theAdjustmentsAreMadeLate();
     void everythingWorksWithoutThem();
     void theyCatchUp();
-    void thermalButtons();
-    void automaticAndLockedMapping();
+    void thermalButtonsNeedTheOverlay();
+    void mappingIsAutomaticOrLocked();
     void slidersWriteOnlyAFixedMapping();
     void theRangeFollowsTheCamera_data();
     void theRangeFollowsTheCamera();
@@ -102,7 +102,7 @@ void PanelTest::theyCatchUp()
     m_ui->screenshot("adjustments");
 }
 
-void PanelTest::thermalButtons()
+void PanelTest::thermalButtonsNeedTheOverlay()
 {
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->showAdjustments());
@@ -122,7 +122,7 @@ void PanelTest::thermalButtons()
     QCOMPARE(player("showIR").toBool(), false);
 }
 
-void PanelTest::automaticAndLockedMapping()
+void PanelTest::mappingIsAutomaticOrLocked()
 {
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->showAdjustments());

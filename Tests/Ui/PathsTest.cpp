@@ -12,19 +12,19 @@ class PathsTest : public QObject
 
 private slots:
     void initTestCase();
-    void decodedPath_data();
-    void decodedPath();
-    void variants_data();
-    void variants();
-    void toUrl_data();
-    void toUrl();
+    void urlsBecomePaths_data();
+    void urlsBecomePaths();
+    void everyVariantDecodesItsUrls_data();
+    void everyVariantDecodesItsUrls();
+    void pathsBecomeUrls_data();
+    void pathsBecomeUrls();
     void aPathSurvivesTheUrlAndBack_data();
     void aPathSurvivesTheUrlAndBack();
     void urlsForTheShellHaveThreeSlashes();
-    void withSuffix_data();
-    void withSuffix();
-    void hasExtension_data();
-    void hasExtension();
+    void namesGetTheSuffixOfTheirFilter_data();
+    void namesGetTheSuffixOfTheirFilter();
+    void extensionsAreCompared_data();
+    void extensionsAreCompared();
 
 private:
     QString call(const char* function, const QVariant& first, const QString& second = {});
@@ -59,7 +59,7 @@ QString PathsTest::call(const char* function, const QVariant& first, const QStri
     return result.toString();
 }
 
-void PathsTest::decodedPath_data()
+void PathsTest::urlsBecomePaths_data()
 {
     QTest::addColumn<QString>("url");
     QTest::addColumn<QString>("os");
@@ -94,7 +94,7 @@ void PathsTest::decodedPath_data()
                              << "";
 }
 
-void PathsTest::decodedPath()
+void PathsTest::urlsBecomePaths()
 {
     QFETCH(QString, url);
     QFETCH(QString, os);
@@ -102,7 +102,7 @@ void PathsTest::decodedPath()
     QCOMPARE(call("decodedPath", url, os), path);
 }
 
-void PathsTest::variants_data()
+void PathsTest::everyVariantDecodesItsUrls_data()
 {
     QTest::addColumn<QByteArray>("function");
     QTest::addColumn<QString>("url");
@@ -133,7 +133,7 @@ void PathsTest::variants_data()
                                    << "no_match";
 }
 
-void PathsTest::variants()
+void PathsTest::everyVariantDecodesItsUrls()
 {
     QFETCH(QByteArray, function);
     QFETCH(QString, url);
@@ -142,7 +142,7 @@ void PathsTest::variants()
     QCOMPARE(call(function.constData(), url, os), path);
 }
 
-void PathsTest::toUrl_data()
+void PathsTest::pathsBecomeUrls_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("url");
@@ -160,7 +160,7 @@ void PathsTest::toUrl_data()
                              << "";
 }
 
-void PathsTest::toUrl()
+void PathsTest::pathsBecomeUrls()
 {
     QFETCH(QString, path);
     QFETCH(QString, url);
@@ -191,7 +191,7 @@ void PathsTest::urlsForTheShellHaveThreeSlashes()
              QStringLiteral("file:///C:/vistrel/manual.pdf"));
 }
 
-void PathsTest::withSuffix_data()
+void PathsTest::namesGetTheSuffixOfTheirFilter_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("filter");
@@ -228,7 +228,7 @@ void PathsTest::withSuffix_data()
                              << "";
 }
 
-void PathsTest::withSuffix()
+void PathsTest::namesGetTheSuffixOfTheirFilter()
 {
     QFETCH(QString, path);
     QFETCH(QString, filter);
@@ -236,7 +236,7 @@ void PathsTest::withSuffix()
     QCOMPARE(call("withSuffix", path, filter), completed);
 }
 
-void PathsTest::hasExtension_data()
+void PathsTest::extensionsAreCompared_data()
 {
     QTest::addColumn<QString>("url");
     QTest::addColumn<bool>("accepted");
@@ -248,7 +248,7 @@ void PathsTest::hasExtension_data()
     QTest::newRow("nothing") << "" << false;
 }
 
-void PathsTest::hasExtension()
+void PathsTest::extensionsAreCompared()
 {
     QFETCH(QString, url);
     QFETCH(bool, accepted);

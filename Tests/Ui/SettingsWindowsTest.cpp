@@ -39,10 +39,10 @@ private slots:
     void settingsAreSaved();
     void thermalClockIsShownAndSaved();
     void theLookChangesAtOnceAndIsKept();
-    void settingsCancelled_data();
-    void settingsCancelled();
-    void settingsPad_data();
-    void settingsPad();
+    void cancellingSettingsChangesNothing_data();
+    void cancellingSettingsChangesNothing();
+    void numbersArePadded_data();
+    void numbersArePadded();
 
     void shortcutsAreListed();
     void shortcutsClose_data();
@@ -150,12 +150,12 @@ void SettingsWindowsTest::theLookChangesAtOnceAndIsKept()
     QVERIFY(QApplication::palette().color(QPalette::Window).lightness() < 80);
 }
 
-void SettingsWindowsTest::settingsCancelled_data()
+void SettingsWindowsTest::cancellingSettingsChangesNothing_data()
 {
     addRowsOfCancelling();
 }
 
-void SettingsWindowsTest::settingsCancelled()
+void SettingsWindowsTest::cancellingSettingsChangesNothing()
 {
     QFETCH(bool, byKey);
     QVERIFY(m_host->make("GeneralSettings.qml"));
@@ -169,7 +169,7 @@ void SettingsWindowsTest::settingsCancelled()
     QVERIFY(!QSettings().value("userPreferences/imperialUnits").toBool());
 }
 
-void SettingsWindowsTest::settingsPad_data()
+void SettingsWindowsTest::numbersArePadded_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<int>("size");
@@ -179,7 +179,7 @@ void SettingsWindowsTest::settingsPad_data()
     QTest::newRow("longer") << 1234 << 3 << "1234";
 }
 
-void SettingsWindowsTest::settingsPad()
+void SettingsWindowsTest::numbersArePadded()
 {
     QFETCH(int, number);
     QFETCH(int, size);

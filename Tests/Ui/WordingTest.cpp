@@ -13,11 +13,11 @@ class WordingTest : public QObject
 
 private slots:
     void initTestCase() { UiFixture::prepare(); }
-    void mainWindow_data();
-    void mainWindow();
-    void secondaryWindows_data();
-    void secondaryWindows();
-    void menuTitles();
+    void mainWindowHasItsWords_data();
+    void mainWindowHasItsWords();
+    void secondaryWindowsHaveTheirWords_data();
+    void secondaryWindowsHaveTheirWords();
+    void menusHaveTheirTitles();
 
 private:
     static void collect(const QQuickItem* from, QSet<QString>& found);
@@ -43,7 +43,7 @@ void WordingTest::compare(QQuickWindow* window, const QStringList& expected)
         QVERIFY2(found.contains(words), qPrintable("missing: " + words));
 }
 
-void WordingTest::mainWindow_data()
+void WordingTest::mainWindowHasItsWords_data()
 {
     QTest::addColumn<QStringList>("words");
     QTest::newRow("welcome") << QStringList{
@@ -96,7 +96,7 @@ void WordingTest::mainWindow_data()
                                                 "images/button_icon_reset_defaults.png"};
 }
 
-void WordingTest::mainWindow()
+void WordingTest::mainWindowHasItsWords()
 {
     QFETCH(QStringList, words);
     ReviewFixture ui;
@@ -105,7 +105,7 @@ void WordingTest::mainWindow()
     compare(ui.window(), words);
 }
 
-void WordingTest::secondaryWindows_data()
+void WordingTest::secondaryWindowsHaveTheirWords_data()
 {
     QTest::addColumn<QString>("opener");
     QTest::addColumn<QString>("window");
@@ -171,7 +171,7 @@ void WordingTest::secondaryWindows_data()
                            << "aboutWindow" << QStringList{"images/splash_logo.png", "Close"};
 }
 
-void WordingTest::secondaryWindows()
+void WordingTest::secondaryWindowsHaveTheirWords()
 {
     QFETCH(QString, opener);
     QFETCH(QString, window);
@@ -183,7 +183,7 @@ void WordingTest::secondaryWindows()
     compare(UiFixture::visibleWindow(window), words);
 }
 
-void WordingTest::menuTitles()
+void WordingTest::menusHaveTheirTitles()
 {
     ReviewFixture ui;
     QVERIFY(ui.load());

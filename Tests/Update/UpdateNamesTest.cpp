@@ -11,11 +11,11 @@ class UpdateNamesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void channels_data();
-    void channels();
+    void channelsAreReadFromTheEnvironment_data();
+    void channelsAreReadFromTheEnvironment();
     void flavourFollowsTheArchitecture_data();
     void flavourFollowsTheArchitecture();
-    void paths();
+    void pathsNameChannelAndVersion();
     void refusesWhatLeadsAstray_data();
     void refusesWhatLeadsAstray();
     void versionsAreFourNumbers_data();
@@ -25,7 +25,7 @@ private slots:
     void brokenMomentsAreInvalid();
 };
 
-void UpdateNamesTest::channels_data()
+void UpdateNamesTest::channelsAreReadFromTheEnvironment_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("channel");
@@ -37,7 +37,7 @@ void UpdateNamesTest::channels_data()
     QTest::newRow("unknown") << QStringLiteral("nightly") << QStringLiteral("official") << true;
 }
 
-void UpdateNamesTest::channels()
+void UpdateNamesTest::channelsAreReadFromTheEnvironment()
 {
     QFETCH(QString, value);
     QFETCH(bool, warned);
@@ -67,7 +67,7 @@ void UpdateNamesTest::flavourFollowsTheArchitecture()
     QCOMPARE(log.contains(QStringLiteral("Unsupported architecture:")), warned);
 }
 
-void UpdateNamesTest::paths()
+void UpdateNamesTest::pathsNameChannelAndVersion()
 {
     QCOMPARE(updateNames::manifestPath(QStringLiteral("dev")), QStringLiteral("update/dev.json"));
     const QString file =

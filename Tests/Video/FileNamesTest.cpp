@@ -11,15 +11,15 @@ class FileNamesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void sequence_data();
-    void sequence();
-    void differentName_data();
-    void differentName();
+    void numberedFilesAreOneFlight_data();
+    void numberedFilesAreOneFlight();
+    void aTakenNameGetsANumber_data();
+    void aTakenNameGetsANumber();
     void seriesNamesKeepThreeDigits_data();
     void seriesNamesKeepThreeDigits();
 };
 
-void FileNamesTest::sequence_data()
+void FileNamesTest::numberedFilesAreOneFlight_data()
 {
     QTest::addColumn<QStringList>("present");
     QTest::addColumn<QString>("opened");
@@ -51,7 +51,7 @@ void FileNamesTest::sequence_data()
     QTest::newRow("missing") << QStringList{"CORV0002.MP4"} << "CORV0001.MP4" << QStringList{};
 }
 
-void FileNamesTest::sequence()
+void FileNamesTest::numberedFilesAreOneFlight()
 {
     QFETCH(QStringList, present);
     QFETCH(QString, opened);
@@ -67,7 +67,7 @@ void FileNamesTest::sequence()
     QCOMPARE(expandVideoSequence(folder.filePath(opened)), paths);
 }
 
-void FileNamesTest::differentName_data()
+void FileNamesTest::aTakenNameGetsANumber_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("expected");
@@ -103,7 +103,7 @@ void FileNamesTest::differentName_data()
                                << "abc(1).";
 }
 
-void FileNamesTest::differentName()
+void FileNamesTest::aTakenNameGetsANumber()
 {
     QFETCH(QString, name);
     QFETCH(QString, expected);

@@ -66,8 +66,8 @@ private slots:
     void contrastAndBrightness_data();
     void contrastAndBrightness();
     void effectsComeBeforeTheOverlay();
-    void rectangle_data();
-    void rectangle();
+    void theOverlayIsPlacedByItsOffsets_data();
+    void theOverlayIsPlacedByItsOffsets();
     void rectangleBeyondTheFrame_data();
     void rectangleBeyondTheFrame();
     void emptyMappingDrawsNothing_data();
@@ -213,7 +213,7 @@ void ThermalOverlayTest::effectsComeBeforeTheOverlay()
     QVERIFY(frame.at<cv::Vec3b>(90, 160) == coldest);
 }
 
-void ThermalOverlayTest::rectangle_data()
+void ThermalOverlayTest::theOverlayIsPlacedByItsOffsets_data()
 {
     QTest::addColumn<QSize>("frame");
     QTest::addColumn<double>("x");
@@ -229,7 +229,7 @@ void ThermalOverlayTest::rectangle_data()
                              << QRect(1'000'000'000, -1'000'000'000, 548, 427);
 }
 
-void ThermalOverlayTest::rectangle()
+void ThermalOverlayTest::theOverlayIsPlacedByItsOffsets()
 {
     QFETCH(QSize, frame);
     QFETCH(double, x);

@@ -43,7 +43,7 @@ private slots:
     void hostileTablesGiveNoOverlay();
     void oddTablesAreReadWithinTheirRows_data();
     void oddTablesAreReadWithinTheirRows();
-    void switches();
+    void isActiveWithAClockThatIsSynchronised();
     void momentsOutsideTheLog();
     void manualOffsetMovesTheMoment();
     void lostPartsShowTheFrameBefore();
@@ -192,7 +192,7 @@ void ThermalRecordsTest::oddTablesAreReadWithinTheirRows()
     QCOMPARE(messages.messages(), QStringList());
 }
 
-void ThermalRecordsTest::switches()
+void ThermalRecordsTest::isActiveWithAClockThatIsSynchronised()
 {
     const auto clock = clockAt(0);
     ThermalOverlay overlay;

@@ -85,7 +85,7 @@ class VideoExportTest : public QObject, private ExportFixture
 
 private slots:
     void init() { begin(); }
-    void theWholeVideo();
+    void exportsEveryFrameInOrder();
     void videoThatFillsTheDiskIsReported();
     void effectsAreInTheVideo();
     void theOverlayFollowsTheTimeline_data();
@@ -125,7 +125,7 @@ QList<int> VideoExportTest::numbersInVideo(const QString& file)
     return numbers;
 }
 
-void VideoExportTest::theWholeVideo()
+void VideoExportTest::exportsEveryFrameInOrder()
 {
     addFile("CORV0001.MP4", 30);
     addFile("CORV0002.MP4", 21, 30);

@@ -21,8 +21,8 @@ class VideoThreadsTest : public QObject
 
 private slots:
     void initTestCase();
-    void anyOrder_data();
-    void anyOrder();
+    void survivesCallsInAnyOrder_data();
+    void survivesCallsInAnyOrder();
     void quittingInTheMiddleOfAnything();
     void picturesForAThreadWithoutEventLoop();
     void picturesForManyTasks();
@@ -123,14 +123,14 @@ void VideoThreadsTest::doSomething(VideoPlayer& player, std::mt19937& random)
     }
 }
 
-void VideoThreadsTest::anyOrder_data()
+void VideoThreadsTest::survivesCallsInAnyOrder_data()
 {
     QTest::addColumn<unsigned>("seed");
     for (unsigned seed = 1; seed <= 8; ++seed)
         QTest::addRow("%u", seed) << seed;
 }
 
-void VideoThreadsTest::anyOrder()
+void VideoThreadsTest::survivesCallsInAnyOrder()
 {
     QFETCH(unsigned, seed);
     std::mt19937 random(seed);

@@ -80,7 +80,7 @@ private slots:
     void instrumentsLeaveNoFolderBehind();
     void instrumentsOfAVideo();
     void thermalBarInACorner();
-    void wholeVideo();
+    void videoIsThatOfTheWindow();
 
 private:
     /// The flight as the window shows it, with the settings of the project.
@@ -344,7 +344,7 @@ void FrameCommandsTest::thermalBarInACorner()
     QVERIFY(both.copy(corner) != shown.copy(corner));
 }
 
-void FrameCommandsTest::wholeVideo()
+void FrameCommandsTest::videoIsThatOfTheWindow()
 {
     const QString out = path("whole.mp4");
     const ProgramRun outcome =

@@ -35,8 +35,8 @@ private slots:
     void tooLittleMemoryIsSaid_data();
     void tooLittleMemoryIsSaid();
     void threadsThatDoNotStartEndTheTool();
-    void refusals_data();
-    void refusals();
+    void refusesInOneSentence_data();
+    void refusesInOneSentence();
 };
 
 void FrameRefusalsTest::initTestCase()
@@ -204,7 +204,7 @@ void FrameRefusalsTest::threadsThatDoNotStartEndTheTool()
     QCOMPARE(outcome.status, 1);
 }
 
-void FrameRefusalsTest::refusals_data()
+void FrameRefusalsTest::refusesInOneSentence_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<int>("status");
@@ -268,7 +268,7 @@ void FrameRefusalsTest::refusals_data()
     row("project without its log", "frame NOLOG --at-ms 0 --out DIR/a.png", 1, "");
 }
 
-void FrameRefusalsTest::refusals()
+void FrameRefusalsTest::refusesInOneSentence()
 {
     QFETCH(QString, arguments);
     const std::pair<const char*, QString> words[] = {{"NOLOG", path("nolog.ecor")},

@@ -97,8 +97,8 @@ private slots:
     void logThatEndsEarlyIsRemarked();
     void missingLogIsRemarked();
     void lineFitsTheTerminal();
-    void refusals_data();
-    void refusals();
+    void refusesWrongLines_data();
+    void refusesWrongLines();
 
 private:
     QString out(const QString& name = QString()) const { return m_out->path() + '/' + name; }
@@ -463,7 +463,7 @@ void ReviewCommandTest::lineFitsTheTerminal()
     QVERIFY2(shown.trimmed().endsWith("\r1 flight: 1 done"), review.out);
 }
 
-void ReviewCommandTest::refusals_data()
+void ReviewCommandTest::refusesWrongLines_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
@@ -483,7 +483,7 @@ void ReviewCommandTest::refusals_data()
         << QStringList{"--list", "--out", "x", VISTREL_BATCH} << 1 << 1;
 }
 
-void ReviewCommandTest::refusals()
+void ReviewCommandTest::refusesWrongLines()
 {
     QFETCH(QStringList, arguments);
     const ProgramRun review = run(arguments);

@@ -107,10 +107,10 @@ private slots:
     void hotCellIsInThePicture();
     void overlayCoversTheHotCell_data();
     void overlayCoversTheHotCell();
-    void longLogs();
-    void card();
-    void program_data();
-    void program();
+    void logsReachTheWantedSize();
+    void aCardHasTheLayoutOfTheDrone();
+    void theProgramWritesWhatTheLineNames_data();
+    void theProgramWritesWhatTheLineNames();
 };
 
 void SampleFlightTest::equalOptionsMakeEqualLogs()
@@ -329,7 +329,7 @@ void SampleFlightTest::overlayCoversTheHotCell()
     QVERIFY(compared > 12);
 }
 
-void SampleFlightTest::longLogs()
+void SampleFlightTest::logsReachTheWantedSize()
 {
     SampleFlightOptions options = shortFlight();
     options.leastLogBytes = 20'000'000;
@@ -340,7 +340,7 @@ void SampleFlightTest::longLogs()
     QCOMPARE(decoded.decoder.counters().valid, decoded.decoder.counters().total);
 }
 
-void SampleFlightTest::card()
+void SampleFlightTest::aCardHasTheLayoutOfTheDrone()
 {
     QTemporaryDir folder;
     SampleFlightOptions options;
@@ -384,7 +384,7 @@ void SampleFlightTest::card()
     QVERIFY(!SampleFlight(options).writeCard(folder.filePath(SampleFlight::logFile())));
 }
 
-void SampleFlightTest::program_data()
+void SampleFlightTest::theProgramWritesWhatTheLineNames_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
@@ -403,7 +403,7 @@ void SampleFlightTest::program_data()
     QTest::newRow("no place to write to") << list("/dev/null/card --log-only") << 1;
 }
 
-void SampleFlightTest::program()
+void SampleFlightTest::theProgramWritesWhatTheLineNames()
 {
     QFETCH(QStringList, arguments);
     QTemporaryDir folder;
