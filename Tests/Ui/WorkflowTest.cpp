@@ -240,7 +240,8 @@ void WorkflowTest::progressOfAnExport()
     QObject* window = m_ui->find("exportProgressWindow");
     QVERIFY(window);
     m_ui->evaluate("showExportProgress(Cst.activeExportVideo, 'Exporting video file...')");
-    QVERIFY(UiFixture::visibleWindow("exportProgressWindow"));
+    QTRY_VERIFY(UiFixture::visibleWindow("exportProgressWindow"));
+    QCOMPARE(window->property("title").toString(), QString("Export operation"));
     m_ui->call("videoExportProgress", {30, 120});
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.value").toInt(), 30);
     QCOMPARE(m_ui->evaluate("exportProgressWindow.content.maximumValue").toInt(), 120);
