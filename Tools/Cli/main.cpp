@@ -35,10 +35,15 @@ private:
 std::unique_ptr<QCoreApplication> makeApplication(const QStringList& arguments, char** argv)
 {
     static int noArguments = 1; // the words of the line are the tool's own
-    if (!arguments.contains(QStringLiteral("--") + instrumentsOption) &&
-        !arguments.contains(QStringLiteral("--") + thermalBarOption))
+    const QString verboseOption = QStringLiteral("verbose");
+    QCommandLineParser line; // in the same ways of writing as the commands; the rest is theirs
+    line.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    line.addOptions(insetOptions());
+    line.addOption(QCommandLineOption(verboseOption));
+    line.parse(arguments);
+    if (!line.isSet(instrumentsOption) && !line.isSet(thermalBarOption))
         return std::make_unique<QCoreApplication>(noArguments, argv);
-    installDiagnostics(arguments.contains(QLatin1String("--verbose"))); // of the start as well
+    installDiagnostics(line.isSet(verboseOption)); // of the start as well
     // The start looks for a folder of the session, and leaves one behind where there is none. One
     // that a kill leaves is removed by the next start.
     ReportFolder::sweep();

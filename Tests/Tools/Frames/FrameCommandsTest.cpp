@@ -239,6 +239,7 @@ void FrameCommandsTest::instrumentsInACorner_data()
     QTest::addColumn<QStringList>("options");
     QTest::addColumn<bool>("imperial");
     QTest::newRow("metric") << QStringList{"--instruments"} << false;
+    QTest::newRow("with one dash") << QStringList{"-instruments"} << false;
     QTest::newRow("imperial") << QStringList{"--instruments", "--imperial"} << true;
 }
 
@@ -338,6 +339,7 @@ void FrameCommandsTest::thermalBarInACorner()
     QCOMPARE(shown.copy(right), bare.copy(right));
     const QRect below(0, place.bottom() + 1, shown.width(), shown.height() - place.bottom() - 1);
     QCOMPARE(shown.copy(below), bare.copy(below));
+    QCOMPARE(picture({"-thermal-bar"}), shown);
     const QImage both = picture({"--thermal-bar", "--instruments"});
     QCOMPARE(both.copy(place), shown.copy(place));
     const QRect corner = placeOfInstruments(both.size());
