@@ -197,10 +197,7 @@ Window {
     }
 
     function chooseDirectory() {
-        directoryChooserDialog.open();
-        // A dialog forgets the folder that it is given before it is first shown.
-        if (settings.lastFolder.toString() !== "")
-            directoryChooserDialog.folder = settings.lastFolder;
+        directoryChooserDialog.openIn(settings.lastFolder);
     }
 
     function handleDirectoryChosen(folder) {

@@ -377,7 +377,7 @@ Window {
                 width: 80
                 height: 25
                 text: "Browse..."
-                onClicked: fileDialog.visible = true
+                onClicked: fileDialog.openIn(settings.folder)
             }
 
             CorvCheckBox {

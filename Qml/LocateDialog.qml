@@ -10,7 +10,7 @@ Item {
     signal chosen(string path)
 
     function open() {
-        folderDialog.open();
+        folderDialog.openIn(settings.folder);
     }
 
     Settings {
@@ -22,7 +22,6 @@ Item {
     FolderDialog {
         id: folderDialog
         title: "Please choose the folder with the missing files"
-        folder: settings.folder
         onAccepted: {
             settings.folder = fileUrl;
             locateDialog.chosen(Paths.decodedPath(fileUrl));

@@ -5,4 +5,12 @@ import QtQuick.Dialogs 1.2 as Dialogs
 Dialogs.FileDialog {
     selectFolder: true
     modality: Qt.ApplicationModal // no key reaches the windows behind it
+
+    // Begins in a folder; where it is empty, in that of the last dialog.
+    function openIn(startFolder) {
+        open();
+        // A dialog forgets the folder that it is given before it is first shown.
+        if (startFolder.toString() !== "")
+            folder = startFolder;
+    }
 }

@@ -359,6 +359,17 @@ void ExportDialogsTest::framesFolderIsChosenAndRemembered()
     QCOMPARE(UiFixture::fileDialog()->directory().absolutePath(), folder.path());
     UiFixture::fileDialog()->reject();
     QCOMPARE(m_host->get("framesUrl").toUrl(), QUrl());
+    m_host->click("cancelButton");
+    QTRY_VERIFY(!m_host->window()->isVisible());
+    // Also after a new start, when the dialogs of the system were last in another folder.
+    QVERIFY(folder.mkpath("below"));
+    const QString below = folder.filePath("below");
+    QSettings().setValue("framesExport/folder", QUrl::fromLocalFile(below));
+    QVERIFY(m_host->open("FramesExport.qml"));
+    m_host->click("browseButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QTRY_COMPARE(UiFixture::fileDialog()->directory().absolutePath(), below);
+    UiFixture::fileDialog()->reject();
 }
 
 void ExportDialogsTest::cancellingFramesExportsNothing()

@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSettings>
 #include <QStandardPaths>
 
 using namespace corv::test;
@@ -420,6 +421,8 @@ void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
     QTRY_VERIFY(m_ui->hasVideo());
     m_ui->call("doSaveProject", {folder + "/p.ecor"});
     restart();
+    QSettings().setValue("locateMedia/folder", QUrl::fromLocalFile(folder + "/moved"));
+    QVERIFY(m_ui->reload());
     QVERIFY(QDir().rename(folder + "/card", folder + "/moved"));
     m_ui->call("loadProject", {folder + "/p.ecor"});
     QTRY_VERIFY(UiFixture::messageBox());
@@ -429,6 +432,7 @@ void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
              QString("Files of p.ecor are missing: CORV0001.MP4."));
     QVERIFY(m_ui->click("locateMediaButton"));
     QTRY_VERIFY(UiFixture::fileDialog());
+    QTRY_COMPARE(UiFixture::fileDialog()->directory().absolutePath(), folder + "/moved");
     QVERIFY(UiFixture::acceptFile(folder));
     QTRY_VERIFY(m_ui->hasVideo());
     QTRY_VERIFY(!m_ui->item("missingMediaBar")->isVisible());
