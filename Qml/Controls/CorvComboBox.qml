@@ -13,9 +13,9 @@ Controls.ComboBox {
     // Why it cannot be used; a DisabledToolTips behind it shows it.
     property string disabledReason: ""
 
-    // A choice by another way than the pointer.
+    // A choice by another way than the pointer. The bus passes presses of a disabled box on.
     function choose(index) {
-        if (index < 0 || index >= count || index === currentIndex)
+        if (!enabled || index < 0 || index >= count || index === currentIndex)
             return;
         currentIndex = index;
         activated(index);

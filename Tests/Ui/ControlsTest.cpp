@@ -1,5 +1,6 @@
 #include "UiFixture.h"
 
+#include <QAccessible>
 #include <QColor>
 #include <memory>
 
@@ -20,6 +21,7 @@ private slots:
     void everyButtonReportsAClick();
     void disabledButtonsReportNothing_data();
     void disabledButtonsReportNothing();
+    void aScreenReaderChangesOnlyAnEnabledChoice();
     void togglesFlipBeforeTheyReport_data();
     void togglesFlipBeforeTheyReport();
     void iconsAreInTheirColour();
@@ -101,6 +103,7 @@ void ControlsTest::open(const QByteArray& contents)
         import QtQuick 2.7
         import QtQuick.Window 2.2
         import "constants.js" as Cst
+        import "Controls" as Controls
         Window {
             visible: true; width: 500; height: 300; color: "#444444"
             function constant(name) { return Cst[name]; }
@@ -223,6 +226,32 @@ void ControlsTest::disabledButtonsReportNothing()
     QSignalSpy clicked(item, SIGNAL(clicked()));
     QVERIFY(m_ui->click(button));
     QCOMPARE(clicked.count(), 0);
+}
+
+void ControlsTest::aScreenReaderChangesOnlyAnEnabledChoice()
+{
+    open(R"(
+    Controls.CorvComboBox {
+        objectName: "choice"
+        width: 100; height: 25
+        enabled: false
+        model: ["a", "b", "c"]
+        currentIndex: 1
+    })");
+    QObject* choice = m_ui->find("choice");
+    QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(choice);
+    QVERIFY(reader && reader->actionInterface());
+    QSignalSpy activated(choice, SIGNAL(activated(int)));
+    for (const QString& action :
+         {QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::increaseAction(),
+          QAccessibleActionInterface::decreaseAction()})
+        reader->actionInterface()->doAction(action);
+    QCOMPARE(choice->property("currentIndex").toInt(), 1);
+    QCOMPARE(activated.count(), 0);
+    choice->setProperty("enabled", true);
+    reader->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+    QCOMPARE(choice->property("currentIndex").toInt(), 0);
+    QCOMPARE(activated.count(), 1);
 }
 
 void ControlsTest::togglesFlipBeforeTheyReport_data()
