@@ -12,8 +12,9 @@ bool isPoolDoneWithin(int ms)
     QThreadPool* const pool = QThreadPool::globalInstance();
     const QDeadlineTimer deadline(ms);
     while (!pool->waitForDone(stepMs)) {
+        // The last job may have ended since the wait.
         if (pool->activeThreadCount() <= 0 || deadline.hasExpired())
-            return false;
+            return pool->waitForDone(0);
     }
     return true;
 }

@@ -138,6 +138,7 @@ void ThreadsTest::jobWithAReplacedThreadIsNotWaitedFor()
     QVERIFY(!isPoolDoneWithin(-1));
     QVERIFY(hung.isRunning());
     answer.release();
+    hung.waitForDone(); // until then its thread is not waited for
     QVERIFY(isPoolDoneWithin(-1));
 }
 
