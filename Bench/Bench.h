@@ -36,12 +36,12 @@ double secondsOf(const std::function<void()>& work);
 /// The middle of the values, of which there is at least one.
 double median(std::vector<double> values);
 
-/// Median over `rounds` of work's time over floor's time, measured alternately; for work so long
-/// that its first time is as good as any.
+/// Median over `rounds` of work's time over floor's time, measured alternately and without a
+/// warm-up: for work that takes long.
 double ratioInTurn(const std::function<void()>& work, const std::function<void()>& floor,
                    int rounds);
 
-/// The same, both warmed up once.
+/// The same, after each of the two has run once as a warm-up.
 double timeRatio(const std::function<void()>& work, const std::function<void()>& floor,
                  int rounds = 5);
 

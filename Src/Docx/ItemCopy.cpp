@@ -43,8 +43,8 @@ xml_node firstDescendant(const xml_node& root, const char* name)
     return root.find_node([name](const xml_node& node) { return isNamed(node, name); });
 }
 
-/// Puts an empty child where the order of children that the format prescribes wants it: before the
-/// first one named in `later`.
+/// Adds an empty child before the first one named in `later`, since the format prescribes the order
+/// of children; as the last one if there is none of these.
 template <size_t Count>
 void addOrdered(xml_node parent, const char* name, const char* const (&later)[Count])
 {
@@ -133,9 +133,8 @@ void appendRun(xml_node target, const QString& text, const xml_node& properties)
         appendText(piece);
 }
 
-/// Takes everything out of the control's content but what has to stay around the value: the cell of
-/// a control about a cell, and the first paragraph of one about paragraphs. Returns where the value
-/// goes.
+/// Empties the content of a control. The cell of a control about a cell stays, and the first
+/// paragraph of one about paragraphs. Returns the node to put the value into.
 xml_node emptied(xml_node content)
 {
     const xml_node paragraph = firstDescendant(content, "w:p");

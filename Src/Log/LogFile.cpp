@@ -9,8 +9,8 @@ namespace {
 
 constexpr int kLongestString = 50;
 
-// Readers take four bytes from the start of an element whatever its size; behind the last element
-// they find zeros of ours.
+// Readers take four bytes from the start of an element whatever its size: zeros follow the last
+// element.
 constexpr size_t kTrailingBytes = sizeof(quint32) - 1;
 
 struct TypeRow

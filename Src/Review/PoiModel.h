@@ -127,7 +127,7 @@ signals:
     /// Another flight begins: what was remembered of points of interest means nothing any more.
     void cleared();
 
-    /// One of the log came in by itself, as a part of loading.
+    /// A point of interest of the log was added while a flight was loaded: no step.
     void loadedFromLog(const corv::Poi& poi);
 
 private:

@@ -20,7 +20,7 @@ const QString generalSection = QStringLiteral("General");
 constexpr char escapeLetters[] = "abfnrtv\"?'\\";
 constexpr char escapedCharacters[] = "\a\b\f\n\r\t\v\"?\'\\";
 
-// Zeros included, at which Qt's conversion of an array ends.
+// Converts all bytes; Qt's conversion of an array ends at the first zero.
 QString latin(const QByteArray& bytes)
 {
     return QString::fromLatin1(bytes.constData(), bytes.size());

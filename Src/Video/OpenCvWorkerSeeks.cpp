@@ -97,7 +97,7 @@ void OpenCvWorker::serveWish(const SeekWish& wish)
     });
 }
 
-// What could not be reached is not on screen either: playback goes on from what is.
+// After a wish that failed, playback goes on behind the frame that is on screen.
 void OpenCvWorker::returnToLastFrame()
 {
     if (m_lastFrame.isNull())

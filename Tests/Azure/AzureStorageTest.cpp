@@ -39,8 +39,8 @@ private slots:
     void asksForTheBytesAsTheyAre();
     void refusesAnEncodedAnswer();
     void twoLengthsAreNone();
-    void aLengthThatIsMissing_data();
-    void aLengthThatIsMissing();
+    void aMissingLengthFailsWhereItIsRequired_data();
+    void aMissingLengthFailsWhereItIsRequired();
     void usesTheProxyOfTheSystem();
     void aBuildWithoutValuesIsNotConfigured();
 
@@ -361,14 +361,14 @@ void AzureStorageTest::twoLengthsAreNone()
              qPrintable(failed[0][0].toString()));
 }
 
-void AzureStorageTest::aLengthThatIsMissing_data()
+void AzureStorageTest::aMissingLengthFailsWhereItIsRequired_data()
 {
     QTest::addColumn<bool>("required");
     QTest::newRow("required") << true;
     QTest::newRow("not required") << false;
 }
 
-void AzureStorageTest::aLengthThatIsMissing()
+void AzureStorageTest::aMissingLengthFailsWhereItIsRequired()
 {
     QFETCH(bool, required);
     HttpServer server;

@@ -39,10 +39,10 @@ private slots:
     void initTestCase();
     void init();
     void parallelTakesNoOptions();
-    void sshDoesIt();
-    void slurmDoesIt();
-    void unitIsAccepted();
-    void unitDoesIt();
+    void parallelOverSshReviewsLikeOneQuietRun();
+    void slurmReviewsLikeOneQuietRun();
+    void systemdAcceptsTheUnit();
+    void unitOfACardReviewsLikeOneQuietRun();
 
 private:
     QString path(const QString& name) const { return m_base.filePath(name); }
@@ -168,7 +168,7 @@ void EnginesTest::parallelTakesNoOptions()
     QCOMPARE(words.readAll(), "review|--job|-|--out|" + path("disk").toUtf8() + '|');
 }
 
-void EnginesTest::sshDoesIt()
+void EnginesTest::parallelOverSshReviewsLikeOneQuietRun()
 {
     const QString port = QString::number(freePort());
     for (const QString key : {"host", "user"})
@@ -205,7 +205,7 @@ void EnginesTest::sshDoesIt()
     QVERIFY2(lines.contains("\tone\t") && lines.contains("\ttwo\t"), lines);
 }
 
-void EnginesTest::slurmDoesIt()
+void EnginesTest::slurmReviewsLikeOneQuietRun()
 {
     const SlurmCluster cluster(path("slurm"));
     QVERIFY(cluster.isReady());
@@ -222,7 +222,7 @@ void EnginesTest::slurmDoesIt()
 }
 
 // The unit as it is installed, with its program in the tree.
-void EnginesTest::unitIsAccepted()
+void EnginesTest::systemdAcceptsTheUnit()
 {
     QFile unit(VISTREL_CARD_UNIT);
     QVERIFY(unit.open(QIODevice::ReadOnly));
@@ -240,7 +240,7 @@ void EnginesTest::unitIsAccepted()
 }
 
 // A card on a device, and the line of the unit for it.
-void EnginesTest::unitDoesIt()
+void EnginesTest::unitOfACardReviewsLikeOneQuietRun()
 {
     const QString image = path("card.img");
     const ProgramRun card =

@@ -31,8 +31,8 @@ class FlightPairingTest : public QObject
     Q_OBJECT
 
 private slots:
-    void oneVideoAndOneLog_data();
-    void oneVideoAndOneLog();
+    void oneVideoAndOneLogArePairedByTimeOrLength_data();
+    void oneVideoAndOneLogArePairedByTimeOrLength();
     void lengthsAgreeBelowThreeSeconds_data();
     void lengthsAgreeBelowThreeSeconds();
     void recordingWithoutAStartIsNone();
@@ -70,7 +70,7 @@ private:
     int m_wrongWithoutDoubt = 0;
 };
 
-void FlightPairingTest::oneVideoAndOneLog_data()
+void FlightPairingTest::oneVideoAndOneLogArePairedByTimeOrLength_data()
 {
     QTest::addColumn<qint64>("videoMs");
     QTest::addColumn<int>("logByTime");
@@ -99,7 +99,7 @@ void FlightPairingTest::oneVideoAndOneLog_data()
         << qint64(0) << -1 << fitting << Evidence::None << false << qint64(-1);
 }
 
-void FlightPairingTest::oneVideoAndOneLog()
+void FlightPairingTest::oneVideoAndOneLogArePairedByTimeOrLength()
 {
     QFETCH(qint64, videoMs);
     QFETCH(int, logByTime);

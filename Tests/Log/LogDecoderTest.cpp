@@ -21,16 +21,16 @@ private slots:
     void descriptionsWithoutPackets();
     void whatASyncPairMeans_data();
     void whatASyncPairMeans();
-    void theSizeField_data();
-    void theSizeField();
+    void sizeFieldIsAsWideAsTheVersionSays_data();
+    void sizeFieldIsAsWideAsTheVersionSays();
     void noVersionMeansOneByte();
-    void theLastPacketIncomplete_data();
-    void theLastPacketIncomplete();
+    void aCutLastPacketIsCountedAsIncomplete_data();
+    void aCutLastPacketIsCountedAsIncomplete();
     void aBadRowIsOverwritten();
     void anEmptyPacketShiftsTheFirstPassOnly();
     void aLaterGroupOfTheSameIdStaysEmpty();
-    void aVarTwice_data();
-    void aVarTwice();
+    void aVarDeclaredTwiceKeepsItsSize_data();
+    void aVarDeclaredTwiceKeepsItsSize();
     void hostileDescriptionsAreRefusedOrRead_data();
     void hostileDescriptionsAreRefusedOrRead();
     void moreGroupsThanAnyDrone();
@@ -230,7 +230,7 @@ void LogDecoderTest::whatASyncPairMeans()
     QCOMPARE(log->getGroup("pair")->getNbStored(), packets);
 }
 
-void LogDecoderTest::theSizeField_data()
+void LogDecoderTest::sizeFieldIsAsWideAsTheVersionSays_data()
 {
     QTest::addColumn<int>("version");
     QTest::addColumn<int>("nb");
@@ -245,7 +245,7 @@ void LogDecoderTest::theSizeField_data()
     QTest::newRow("too large for one byte") << 0 << 258 << QByteArray("\x02") << 0;
 }
 
-void LogDecoderTest::theSizeField()
+void LogDecoderTest::sizeFieldIsAsWideAsTheVersionSays()
 {
     QFETCH(int, version);
     QFETCH(int, nb);
@@ -269,7 +269,7 @@ void LogDecoderTest::noVersionMeansOneByte()
     QCOMPARE(log->getGroup("g")->getNbPackets(), 1);
 }
 
-void LogDecoderTest::theLastPacketIncomplete_data()
+void LogDecoderTest::aCutLastPacketIsCountedAsIncomplete_data()
 {
     QTest::addColumn<int>("cut");
     QTest::addColumn<bool>("incomplete");
@@ -284,7 +284,7 @@ void LogDecoderTest::theLastPacketIncomplete_data()
     QTest::newRow("half the sync") << 7 << false << 1;
 }
 
-void LogDecoderTest::theLastPacketIncomplete()
+void LogDecoderTest::aCutLastPacketIsCountedAsIncomplete()
 {
     QFETCH(int, cut);
     QFETCH(bool, incomplete);
@@ -345,7 +345,7 @@ void LogDecoderTest::aLaterGroupOfTheSameIdStaysEmpty()
     QCOMPARE(valueAt(log.get(), "first", "b", 0, 0), 0U);
 }
 
-void LogDecoderTest::aVarTwice_data()
+void LogDecoderTest::aVarDeclaredTwiceKeepsItsSize_data()
 {
     QTest::addColumn<QByteArray>("secondType");
     QTest::addColumn<bool>("decoded");
@@ -354,7 +354,7 @@ void LogDecoderTest::aVarTwice_data()
     QTest::newRow("other size") << QByteArray("UINT8") << false;
 }
 
-void LogDecoderTest::aVarTwice()
+void LogDecoderTest::aVarDeclaredTwiceKeepsItsSize()
 {
     QFETCH(QByteArray, secondType);
     QFETCH(bool, decoded);

@@ -24,7 +24,7 @@ private slots:
     void fallbackIsLogged();
     void missingRecordingIsLogged();
     void recordingsArePairedByPosition();
-    void nothingToMatch();
+    void findsNothingWithoutDurationOrRecordings();
     void namingsAreRead();
     void namingsThatAreNotAllThere_data();
     void namingsThatAreNotAllThere();
@@ -169,7 +169,7 @@ void LogSyncTest::recordingsArePairedByPosition()
     QCOMPARE(m_decoder.syncLogToVideo(synced.get(), 60000).logTimeOffset, 51279);
 }
 
-void LogSyncTest::nothingToMatch()
+void LogSyncTest::findsNothingWithoutDurationOrRecordings()
 {
     const auto log = decoded(recordings({5000}, {66000}));
     QVERIFY(m_decoder.syncLogToVideo(log.get(), 60000).found);

@@ -27,7 +27,7 @@ private slots:
     void selectingThePoiAtThePlayheadIsSeen();
     void pressOnBareStripClearsTheSelection();
     void pressInMoveModeOnlyMovesTheCursor();
-    void doubleClickOnAPoi();
+    void doubleClickOnAPoiIsReportedOutsideMoveMode();
 
     void hoverHitsPois_data();
     void hoverHitsPois();
@@ -211,7 +211,7 @@ void TimelinePointerTest::pressInMoveModeOnlyMovesTheCursor()
     QCOMPARE(strip.timeline.selectedPoiTime(), timeAt(20000));
 }
 
-void TimelinePointerTest::doubleClickOnAPoi()
+void TimelinePointerTest::doubleClickOnAPoiIsReportedOutsideMoveMode()
 {
     Strip strip;
     strip.addPois({20000});

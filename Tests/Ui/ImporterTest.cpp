@@ -22,7 +22,7 @@ private slots:
     void anAbortedSearchLeavesNothing();
     void loadingAnEmptyListEmits();
     void loadingWithoutAClickTakesTheFirstRow();
-    void loadingAFlightWithoutALog();
+    void loadsAFlightWithoutALog();
     void theKeyboardChoosesAndLoads();
     void aDoubleClickLoads();
     void escapeCloses();
@@ -212,7 +212,7 @@ void ImporterTest::loadingWithoutAClickTakesTheFirstRow()
     QCOMPARE(m_importer->property("chosenLogFile").toUrl(), QUrl::fromLocalFile(card + "/l1.log"));
 }
 
-void ImporterTest::loadingAFlightWithoutALog()
+void ImporterTest::loadsAFlightWithoutALog()
 {
     const QString card = openWithACard();
     search();

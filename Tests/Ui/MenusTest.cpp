@@ -18,16 +18,16 @@ private slots:
     void openersShowTheirDialog();
     void openersShowTheirWindow_data();
     void openersShowTheirWindow();
-    void pointsOfInterestAsATable_data();
-    void pointsOfInterestAsATable();
+    void pointsOfInterestAreExportedAsATable_data();
+    void pointsOfInterestAreExportedAsATable();
     void cornersOfExportsAreRemembered_data();
     void cornersOfExportsAreRemembered();
     void cornersAreChosenInTheExportWindows_data();
     void cornersAreChosenInTheExportWindows();
     void fullScreenIsToggled();
     void exitEndsTheProgram();
-    void menuKeysWork_data();
-    void menuKeysWork();
+    void menuKeysOpenTheirDialogs_data();
+    void menuKeysOpenTheirDialogs();
     void transportKeysMoveTheVideo();
     void transportButtonsMoveTheVideo();
     void poiKeysWorkOnTheSelectedOne();
@@ -233,7 +233,7 @@ void MenusTest::openersShowTheirWindow()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void MenusTest::pointsOfInterestAsATable_data()
+void MenusTest::pointsOfInterestAreExportedAsATable_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QByteArray>("start");
@@ -242,7 +242,7 @@ void MenusTest::pointsOfInterestAsATable_data()
     QTest::newRow("by the filter") << "points" << QByteArray("time (ms),time,log time (ms),name,");
 }
 
-void MenusTest::pointsOfInterestAsATable()
+void MenusTest::pointsOfInterestAreExportedAsATable()
 {
     QFETCH(QString, file);
     QFETCH(QByteArray, start);
@@ -381,7 +381,7 @@ void MenusTest::exitEndsTheProgram()
     QCOMPARE(quit.count(), 1);
 }
 
-void MenusTest::menuKeysWork_data()
+void MenusTest::menuKeysOpenTheirDialogs_data()
 {
     QTest::addColumn<int>("pressed");
     QTest::addColumn<int>("modifiers");
@@ -396,7 +396,7 @@ void MenusTest::menuKeysWork_data()
                                   << "Save project as...";
 }
 
-void MenusTest::menuKeysWork()
+void MenusTest::menuKeysOpenTheirDialogs()
 {
     QFETCH(int, pressed);
     QFETCH(int, modifiers);

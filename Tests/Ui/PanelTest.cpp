@@ -14,7 +14,7 @@ class PanelTest : public ReviewSuite
 private slots:
     void theAdjustmentsAreMadeLate();
     void everythingWorksWithoutThem();
-    void theyCatchUp();
+    void controlsThatComeLateShowTheState();
     void thermalButtonsNeedTheOverlay();
     void mappingIsAutomaticOrLocked();
     void slidersWriteOnlyAFixedMapping();
@@ -79,7 +79,7 @@ void PanelTest::everythingWorksWithoutThem()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void PanelTest::theyCatchUp()
+void PanelTest::controlsThatComeLateShowTheState()
 {
     QVERIFY(m_ui->openVideo());
     m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.irOverlayTransparent = true;"

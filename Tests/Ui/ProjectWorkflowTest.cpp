@@ -287,7 +287,7 @@ void ProjectWorkflowTest::anExportThatFailsAtOnceGivesTheKeyboardBack()
     givesTheKeyboardBack(m_ui->find("exportProgressWindow"), focusChanges);
 }
 
-// The window of work that has ended goes when the desktop has given it the keyboard, and not
+// A progress window whose work has ended is hidden once the desktop has given it the keyboard, not
 // before.
 void ProjectWorkflowTest::givesTheKeyboardBack(QObject* window, const QSignalSpy& focusChanges)
 {

@@ -121,7 +121,7 @@ void QuittingTest::endsWithoutFinishingTheWork()
         QThreadPool::globalInstance()->waitForDone();
         const qint64 workMs = processWorkMs() - before;
         QVERIFY2(workMs < mostWorkMs, qPrintable(QString("%1 ms of work to end").arg(workMs)));
-        // What was posted to objects that are gone.
+        // Events that were posted to objects which are gone by now must do nothing.
         QCoreApplication::processEvents();
     }
 }

@@ -169,7 +169,7 @@ void StripsTest::controlsFollowThePlayer()
     QCOMPARE(player("showIR").toBool(), false);
     m_ui->evaluate("videoPlayer.showIR = true");
     QTRY_COMPARE(m_ui->get("showIRButton", "checked").toBool(), true);
-    // The stated calls stay, and end no binding.
+    // These functions stay callable, and end no binding.
     m_ui->evaluate("videoPlayer.updateControlsStates(); videoPlayer.updatePropertiesStates()");
     m_ui->evaluate("videoPlayer.showIR = false");
     QTRY_COMPARE(m_ui->get("lockIRMappingButton", "enabled").toBool(), false);

@@ -23,7 +23,7 @@ private slots:
     void aFrameOverwritesIfAsked();
     void framesThatAreNotSavedAreReported();
     void aFrameThatCannotBeSavedDestroysNothing();
-    void aFrameOnTheClipboard();
+    void copiesAFrameToTheClipboard();
     void aSeriesOfGivenTimes();
     void aSeriesAtASpacing_data();
     void aSeriesAtASpacing();
@@ -140,7 +140,7 @@ void FrameExportTest::aFrameThatCannotBeSavedDestroysNothing()
     QCOMPARE(QFileInfo(path("a.mp4")).size(), videoBytes);
 }
 
-void FrameExportTest::aFrameOnTheClipboard()
+void FrameExportTest::copiesAFrameToTheClipboard()
 {
     addFile("a.mp4");
     open("a.mp4");

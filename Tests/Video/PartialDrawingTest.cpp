@@ -21,7 +21,7 @@ private slots:
     void everyColumnOfThePartIsDrawn_data();
     void everyColumnOfThePartIsDrawn();
     void theFrameItselfStays();
-    void otherFormsAreNotTaken();
+    void onlyPlanesOfEightBitsAreDrawnOnInPart();
 };
 
 namespace {
@@ -129,7 +129,7 @@ void PartialDrawingTest::theFrameItselfStays()
     QCOMPARE(cv::norm(before, bgrOf(frame), cv::NORM_INF), 0.0);
 }
 
-void PartialDrawingTest::otherFormsAreNotTaken()
+void PartialDrawingTest::onlyPlanesOfEightBitsAreDrawnOnInPart()
 {
     QVERIFY(canDrawOnPart(planarFrame()));
     QVERIFY(!canDrawOnPart(bgrFrame(testPicture(1, {320, 240}))));

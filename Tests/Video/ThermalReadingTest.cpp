@@ -10,9 +10,9 @@ class ThermalReadingTest : public QObject
     Q_OBJECT
 
 private slots:
-    void valueOfAPlace_data();
-    void valueOfAPlace();
-    void extremesAndTheirPlaces();
+    void readsTheValueAtAPlace_data();
+    void readsTheValueAtAPlace();
+    void findsTheExtremesAndTheirPlaces();
     void extremesOutsideTheFrameDoNotCount();
 };
 
@@ -28,7 +28,7 @@ ThermalReading reading(const cv::Rect& overlay = {20, 10, 40, 20})
 
 } // namespace
 
-void ThermalReadingTest::valueOfAPlace_data()
+void ThermalReadingTest::readsTheValueAtAPlace_data()
 {
     QTest::addColumn<QPointF>("place");
     QTest::addColumn<int>("value"); // -1 for none
@@ -44,14 +44,14 @@ void ThermalReadingTest::valueOfAPlace_data()
     QTest::newRow("no number") << QPointF(qQNaN(), 0.3) << -1;
 }
 
-void ThermalReadingTest::valueOfAPlace()
+void ThermalReadingTest::readsTheValueAtAPlace()
 {
     QFETCH(QPointF, place);
     QFETCH(int, value);
     QCOMPARE(reading().valueAt(place).value_or(-1), value);
 }
 
-void ThermalReadingTest::extremesAndTheirPlaces()
+void ThermalReadingTest::findsTheExtremesAndTheirPlaces()
 {
     const ThermalReading thermal = reading();
     QCOMPARE(thermal.coldest().value, 5);

@@ -107,7 +107,7 @@ private slots:
     void sourcesAreNotOverwritten_data();
     void sourcesAreNotOverwritten();
     void anExportWhileThePoolWaitsForPictures();
-    void leavingInTheMiddle();
+    void anExportThatIsLeftEndsReadable();
 
 private:
     QList<int> numbersInVideo(const QString& file);
@@ -558,7 +558,7 @@ void VideoExportTest::anExportWhileThePoolWaitsForPictures()
     QThreadPool::globalInstance()->setMaxThreadCount(threads);
 }
 
-void VideoExportTest::leavingInTheMiddle()
+void VideoExportTest::anExportThatIsLeftEndsReadable()
 {
     addFile("a.mp4", 100000);
     open("a.mp4");

@@ -23,10 +23,10 @@ private slots:
     void initTestCase();
     void survivesCallsInAnyOrder_data();
     void survivesCallsInAnyOrder();
-    void quittingInTheMiddleOfAnything();
+    void survivesItsEndInTheMiddleOfAnything();
     void picturesForAThreadWithoutEventLoop();
     void picturesForManyTasks();
-    void readersOfTheRangeWhileItIsWritten();
+    void rangeCanBeReadWhileItIsWritten();
 
 private:
     QString path(const QString& name) const { return m_folder.filePath(name); }
@@ -149,7 +149,7 @@ void VideoThreadsTest::survivesCallsInAnyOrder()
     QCOMPARE(player.source(), path("other.mp4"));
 }
 
-void VideoThreadsTest::quittingInTheMiddleOfAnything()
+void VideoThreadsTest::survivesItsEndInTheMiddleOfAnything()
 {
     for (unsigned round = 0; round < 200; ++round) {
         std::mt19937 random(round);
@@ -209,7 +209,7 @@ void VideoThreadsTest::picturesForManyTasks()
     QTRY_COMPARE(answers->load(), 20);
 }
 
-void VideoThreadsTest::readersOfTheRangeWhileItIsWritten()
+void VideoThreadsTest::rangeCanBeReadWhileItIsWritten()
 {
     VideoPlayer player(m_files.factory());
     RecordingSurface surface;

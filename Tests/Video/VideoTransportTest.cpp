@@ -27,7 +27,7 @@ private slots:
     void aSeekToThePictureShownDecodesNothing();
     void theSourceFollowsTheFileThatPlays();
     void timeIsSignalledInStepsOf100Ms();
-    void oneBurstAtATime();
+    void asksForOneBurstAtATime();
 };
 
 void VideoTransportTest::playsAcrossAJoinWithoutGap()
@@ -344,7 +344,7 @@ void VideoTransportTest::timeIsSignalledInStepsOf100Ms()
 }
 
 // However many ticks ask while the decoder is busy, one burst follows.
-void VideoTransportTest::oneBurstAtATime()
+void VideoTransportTest::asksForOneBurstAtATime()
 {
     const auto file = addFile("a.mp4", 1000);
     VideoPlayer player(m_files->factory());

@@ -93,9 +93,9 @@ class LogCommandsTest : public QObject
 
 private slots:
     void initTestCase();
-    void helpAndVersion();
+    void helpAndVersionArePrinted();
     void infoShowsEverything();
-    void infoForPeople();
+    void infoShowsTheContentsForPeople();
     void infoOfSeveralLogs();
     void infoOfOddEvents();
     void logOfAFolderThatCannotBeReadIsNamed();
@@ -130,7 +130,7 @@ void LogCommandsTest::initTestCase()
     QVERIFY(LogBuilder().setDescription("no log").save(path("text.log")));
 }
 
-void LogCommandsTest::helpAndVersion()
+void LogCommandsTest::helpAndVersionArePrinted()
 {
     const ProgramRun help = vistrel({"--help"});
     QCOMPARE(help.status, 0);
@@ -178,7 +178,7 @@ void LogCommandsTest::infoShowsEverything()
     QCOMPARE(QJsonDocument::fromJson(run.out).object(), expected);
 }
 
-void LogCommandsTest::infoForPeople()
+void LogCommandsTest::infoShowsTheContentsForPeople()
 {
     const ProgramRun run = vistrel({"log-info", path("flight.log")});
     QCOMPARE(run.status, 0);

@@ -69,17 +69,17 @@ class FrameCommandsTest : public QObject, private FlightFixture
 
 private slots:
     void initTestCase() { writeFlight(); }
-    void frameOfAProject();
-    void frameOfAVideo_data();
-    void frameOfAVideo();
+    void frameOfAProjectIsThatOfTheWindow();
+    void frameOfAVideoHasTheOverlayThatIsAskedFor_data();
+    void frameOfAVideoHasTheOverlayThatIsAskedFor();
     void framesOfARange();
     void framesOfThePois();
-    void thermalClockOfTheScreen();
-    void instrumentsInACorner_data();
-    void instrumentsInACorner();
+    void thermalClockPicksTheMomentOfTheOverlay();
+    void instrumentsAreShownInACorner_data();
+    void instrumentsAreShownInACorner();
     void instrumentsLeaveNoFolderBehind();
-    void instrumentsOfAVideo();
-    void thermalBarInACorner();
+    void instrumentsOfAVideoNeedALog();
+    void thermalBarIsShownInACorner();
     void videoIsThatOfTheWindow();
 
 private:
@@ -120,7 +120,7 @@ std::unique_ptr<FrameCommandsTest::Window> FrameCommandsTest::openWindow() const
     return window;
 }
 
-void FrameCommandsTest::frameOfAProject()
+void FrameCommandsTest::frameOfAProjectIsThatOfTheWindow()
 {
     const QString out = path("project.png");
     const ProgramRun outcome = run({QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
@@ -140,7 +140,7 @@ void FrameCommandsTest::frameOfAProject()
     QVERIFY(QImage(bare) != QImage(out));
 }
 
-void FrameCommandsTest::frameOfAVideo_data()
+void FrameCommandsTest::frameOfAVideoHasTheOverlayThatIsAskedFor_data()
 {
     QTest::addColumn<bool>("withLog");
     QTest::addColumn<bool>("thermal");
@@ -150,7 +150,7 @@ void FrameCommandsTest::frameOfAVideo_data()
     QTest::newRow("with its log and the overlay") << true << true << true;
 }
 
-void FrameCommandsTest::frameOfAVideo()
+void FrameCommandsTest::frameOfAVideoHasTheOverlayThatIsAskedFor()
 {
     QFETCH(bool, withLog);
     QFETCH(bool, thermal);
@@ -213,7 +213,7 @@ void FrameCommandsTest::framesOfThePois()
     QCOMPARE(numberIn(QDir(out).filePath(QStringLiteral("Frame001.jpg"))), 36);
 }
 
-void FrameCommandsTest::thermalClockOfTheScreen()
+void FrameCommandsTest::thermalClockPicksTheMomentOfTheOverlay()
 {
     const QStringList frame{QStringLiteral("frame"), m_project, QStringLiteral("--at-ms"),
                             QStringLiteral("1500"), QStringLiteral("--out")};
@@ -234,7 +234,7 @@ void FrameCommandsTest::thermalClockOfTheScreen()
              2);
 }
 
-void FrameCommandsTest::instrumentsInACorner_data()
+void FrameCommandsTest::instrumentsAreShownInACorner_data()
 {
     QTest::addColumn<QStringList>("options");
     QTest::addColumn<bool>("imperial");
@@ -244,7 +244,7 @@ void FrameCommandsTest::instrumentsInACorner_data()
 }
 
 // As the window exports them, with the correction of the project.
-void FrameCommandsTest::instrumentsInACorner()
+void FrameCommandsTest::instrumentsAreShownInACorner()
 {
     QFETCH(QStringList, options);
     QFETCH(bool, imperial);
@@ -298,7 +298,7 @@ void FrameCommandsTest::instrumentsLeaveNoFolderBehind()
     QCOMPARE(QDir(temporary).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
 }
 
-void FrameCommandsTest::instrumentsOfAVideo()
+void FrameCommandsTest::instrumentsOfAVideoNeedALog()
 {
     const QString out = path("corner.mp4");
     const ProgramRun outcome = run({"video", m_project, "--instruments", "--out", out});
@@ -312,7 +312,7 @@ void FrameCommandsTest::instrumentsOfAVideo()
 }
 
 // Of the range that the project has, and nothing else of the picture is changed.
-void FrameCommandsTest::thermalBarInACorner()
+void FrameCommandsTest::thermalBarIsShownInACorner()
 {
     const auto picture = [this](const QStringList& options) {
         const QString out = path("bar.png");
