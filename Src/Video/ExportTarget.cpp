@@ -13,11 +13,6 @@
 #include <system_error>
 #include <utility>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
 namespace corv {
 namespace {
 
@@ -27,14 +22,6 @@ constexpr qint64 leastRoomBytes = qint64{64} * 1024;
 QString text(const char* source)
 {
     return QCoreApplication::translate("ExportTarget", source);
-}
-
-// Whether the suffix picks a container that takes what the encoder makes.
-bool hasVideoSuffix(const QString& target)
-{
-    const AVOutputFormat* const format =
-        av_guess_format(nullptr, QFile::encodeName(target).constData(), nullptr);
-    return format && avformat_query_codec(format, AV_CODEC_ID_MPEG4, FF_COMPLIANCE_NORMAL) > 0;
 }
 
 // The suffix picks the container, so it stays the last.
@@ -82,13 +69,13 @@ Status ExportTarget::open(double fps, QSize size)
         }
         QFile::remove(beside); // what a failed attempt left behind
         if (file == m_target)
-            return whyNotWritten();
+            return whyNotWritten(writer.failure());
     }
     return {};
 }
 
-// The encoder gives no reason.
-Failure ExportTarget::whyNotWritten()
+// The back-end knows suffixes, and nothing of folders and disks.
+Failure ExportTarget::whyNotWritten(const Failure& ofBackend)
 {
     FileReplacement file(m_target, FileReplacement::InLockedFolder::refuse);
     if (const Status opened = file.open(); !opened)
@@ -96,12 +83,8 @@ Failure ExportTarget::whyNotWritten()
     if (isDiskFull())
         return {Failure::Kind::noRoom,
                 text("The disk has no room for the video %1.").arg(m_target)};
-    if (!hasVideoSuffix(m_target))
-        return {
-            Failure::Kind::notPossible,
-            text("The video %1 cannot be written: its name does not end in .mp4 or in the suffix "
-                 "of another video format.")
-                .arg(m_target)};
+    if (ofBackend.kind == Failure::Kind::notPossible)
+        return ofBackend;
     return {Failure::Kind::notWritable,
             text("The disk has no room for the video %1, or cannot be written.").arg(m_target)};
 }

@@ -38,7 +38,7 @@ public:
     Status finish();
 
 private:
-    Failure whyNotWritten();
+    Failure whyNotWritten(const Failure& ofBackend);
     int readableFrames() const;
     Status rename();
 

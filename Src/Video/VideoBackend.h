@@ -33,7 +33,7 @@ public:
     virtual Result<VideoInfo> info(const QString& file) const = 0;
 
     /// Starts a file; its suffix picks the container. `fps` is the rate and `size` that of every
-    /// frame.
+    /// frame. A failure is `notPossible` if the suffix is that of no video format.
     virtual Result<std::unique_ptr<FrameWriter>> openWriter(const QString& file, double fps,
                                                             QSize size) const = 0;
 };
