@@ -6,7 +6,7 @@ class QPainter;
 
 namespace corv {
 
-/// How a flag is drawn.
+/// How the flag of a point of interest is drawn.
 struct PoiLook
 {
     bool hovered = false;
@@ -15,8 +15,9 @@ struct PoiLook
     bool omitThumbnail = false;
 };
 
-/// A point of interest: a named moment of the video with a small picture of its frame. A plain
-/// value; no thread of its own.
+/// A point of interest: a named moment of the video with a small picture of its frame. The timeline
+/// shows it as a flag, which is the name on a stem with the picture below. A plain value; no thread
+/// of its own.
 class TimelinePoi
 {
 public:
