@@ -421,6 +421,7 @@ void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
     QTRY_VERIFY(m_ui->hasVideo());
     m_ui->call("doSaveProject", {folder + "/p.ecor"});
     restart();
+    QTRY_VERIFY(QSettings().contains("locateMedia/folder")); // as the window writes it at first
     QSettings().setValue("locateMedia/folder", QUrl::fromLocalFile(folder + "/moved"));
     QVERIFY(m_ui->reload());
     QVERIFY(QDir().rename(folder + "/card", folder + "/moved"));
