@@ -195,10 +195,18 @@ double AvInput::statedFps() const
 
 double AvInput::statedDurationMs() const
 {
-    const AVStream& stream = *video();
-    if (stream.duration != AV_NOPTS_VALUE && stream.duration > 0)
-        return static_cast<double>(stream.duration) * 1000.0 * av_q2d(stream.time_base);
+    const double ms = streamDurationMs();
+    if (ms > 0.0)
+        return ms;
     return m_context->duration > 0 ? static_cast<double>(m_context->duration) / 1000.0 : 0.0;
+}
+
+double AvInput::streamDurationMs() const
+{
+    const AVStream& stream = *video();
+    if (stream.duration == AV_NOPTS_VALUE || stream.duration <= 0)
+        return 0.0;
+    return static_cast<double>(stream.duration) * 1000.0 * av_q2d(stream.time_base);
 }
 
 int AvInput::promisedFrames() const

@@ -72,6 +72,9 @@ public:
     /// The length as the head of the file states it, in milliseconds; 0 if it does not.
     double statedDurationMs() const;
 
+    /// The same of the video alone, without sound and other streams.
+    double streamDurationMs() const;
+
     /// The number of frames that the container states; where it states none, length times rate.
     int promisedFrames() const;
 

@@ -144,6 +144,7 @@ Result<FrameIndex> AvVideo::readStoredIndex(AvInput& description) const
         readPacketIndex(description, packets, false, [](double) { return false; });
     if (!status)
         return withName(status.failure(), file);
+    packets.setStatedLength(description.streamDurationMs());
     return packets;
 }
 

@@ -12,6 +12,9 @@ namespace {
 // A time that differs from that of the stated rate by less is the same, rounded by the container.
 constexpr double roundingMs = 0.6;
 
+// A last frame that is shown for more frames than that is none, but what the sound has more.
+constexpr double mostLastFrames = 3.0;
+
 // A clock that goes back by more, or ahead by more than any flight, has begun anew.
 constexpr double mostBackMs = 300.0;
 constexpr double mostAheadMs = 60.0 * 60.0 * 1000.0;
@@ -185,8 +188,17 @@ void FrameIndex::finish(double fps)
         m_endMs = frameCount() * 1000.0 / m_fps;
         return;
     }
+    m_endMs = trueEndMs();
+}
+
+// What is stated as the length of the last packet can be no more than the mean of all.
+double FrameIndex::trueEndMs() const
+{
+    const double beginMs = trueTimeMs(frameCount() - 1);
+    if (m_statedMs > beginMs && m_statedMs <= beginMs + mostLastFrames * 1000.0 / m_fps)
+        return m_statedMs;
     const double lastMs = static_cast<double>(packet(m_shown.back()).duration) * m_unitMs;
-    m_endMs = trueTimeMs(frameCount() - 1) + (lastMs > 0.0 ? lastMs : 1000.0 / m_fps);
+    return beginMs + (lastMs > 0.0 ? lastMs : 1000.0 / m_fps);
 }
 
 double FrameIndex::trueTimeMs(int frame) const

@@ -53,6 +53,10 @@ public:
     /// after which a decoder delivers it, each later frame that of a later packet. Before finish().
     void giveTimes(const std::vector<qint64>& orders);
 
+    /// The length that the container states, in milliseconds: where it can be that of what is
+    /// shown, the last frame ends there. Before finish().
+    void setStatedLength(double ms) { m_statedMs = ms; }
+
     /// Pictures came in the packets of others: a decoder that may leave out one loses the next.
     void setPacked() { m_isPacked = true; }
     bool isPacked() const { return m_isPacked; }
@@ -109,10 +113,12 @@ public:
 
 private:
     double trueTimeMs(int frame) const;
+    double trueEndMs() const;
     bool agrees(const Packet& packet, qint64 position, qint64 dts, qint64 pts) const;
 
     double m_unitMs = 1.0;
     double m_fps = 0.0;
+    double m_statedMs = 0.0; // 0 if unknown
     bool m_hasTimes = true;
     bool m_isPacked = false;
     bool m_isRepeating = false; // several packets are at one position: a part is shown twice

@@ -46,6 +46,8 @@ private slots:
     void timesOfDecodingAreGivenToFrames_data();
     void timesOfDecodingAreGivenToFrames();
     void aPartThatIsShownTwiceIsKnownByItsTimes();
+    void theLastFrameEndsWhereTheContainerSays_data();
+    void theLastFrameEndsWhereTheContainerSays();
     void hugeTimesDoNoHarm();
 };
 
@@ -234,6 +236,33 @@ void FrameIndexTest::aPartThatIsShownTwiceIsKnownByItsTimes()
             QCOMPARE(index.find(1000 + i % 3 * 100, i * 40, i * 40, expected), i);
     }
     QCOMPARE(index.find(1100, FrameIndex::noTime, FrameIndex::noTime, 4), 4);
+}
+
+void FrameIndexTest::theLastFrameEndsWhereTheContainerSays_data()
+{
+    QTest::addColumn<double>("statedMs");
+    QTest::addColumn<double>("endMs");
+    QTest::newRow("nothing stated") << 0.0 << 240.0;
+    QTest::newRow("shorter than the frame before") << 230.0 << 230.0;
+    QTest::newRow("longer") << 280.0 << 280.0;
+    QTest::newRow("before the last frame") << 200.0 << 240.0;
+    QTest::newRow("long after it") << 900.0 << 240.0;
+}
+
+void FrameIndexTest::theLastFrameEndsWhereTheContainerSays()
+{
+    QFETCH(double, statedMs);
+    QFETCH(double, endMs);
+    FrameIndex index;
+    for (const int ms : {0, 40, 120, 200}) {
+        FrameIndex::Packet packet;
+        packet.pts = packet.dts = ms;
+        index.add(packet);
+    }
+    index.setStatedLength(statedMs);
+    index.finish(fps);
+    QVERIFY(!index.isConstantRate());
+    QCOMPARE(index.timeMs(4), endMs);
 }
 
 void FrameIndexTest::hugeTimesDoNoHarm()
