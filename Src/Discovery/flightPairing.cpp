@@ -158,9 +158,10 @@ public:
         if (video.timeMs < 0 || log.timeMs < 0)
             return 1;
         const double wholeSecs = static_cast<double>(log.timeMs - video.timeMs) / 1000;
-        if (wholeSecs < -3 || wholeSecs >= longestSecs + 3)
+        const double secs = delaySecs(video, recording);
+        if (wholeSecs < -3 || secs >= longestSecs + 3)
             return anyOrder;
-        const double apart = std::abs(delaySecs(video, recording) - m_typicalSecs);
+        const double apart = std::abs(secs - m_typicalSecs);
         const double near = std::exp(-apart / m_spreadSecs) / (2 * m_spreadSecs);
         return std::min(20.0, 0.95 * near * longestSecs + 0.05);
     }

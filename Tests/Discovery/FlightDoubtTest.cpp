@@ -25,6 +25,7 @@ private slots:
     void partsWithABreakBetweenThemAreDoubted();
     void aLogWrittenSoonAfterLeavesNoDoubt_data();
     void aLogWrittenSoonAfterLeavesNoDoubt();
+    void laterFlightsOfALogExplainItsDelay();
     void oneFlightIsSureAfterACopy();
     void lostTimesDoNotConfirmALength();
     void completeCardsAreDoubtedLess();
@@ -161,6 +162,22 @@ void FlightDoubtTest::aLogWrittenSoonAfterLeavesNoDoubt()
     const std::vector<Pairing> pairings = pairFlights(videos, logs);
     QCOMPARE(pairings[2].log, 2);
     QTEST(pairings[2].doubtful, "doubtful");
+}
+
+// The log of the last two videos was written more than half an hour after the first of them, but
+// half a minute after its own last recording, as the other logs were.
+void FlightDoubtTest::laterFlightsOfALogExplainItsDelay()
+{
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("tower.MOV", 310'000, 0, 0), video("roof.MOV", 505'000, 1, 4000),
+         video("wall.MOV", 250'000, 2, 8000), video("yard.MOV", 420'000, -1, 12'000),
+         video("mast.MOV", 1'900'000, 3, 13'961)},
+        {logOf("1.log", {311'000}, 30), logOf("2.log", {506'000}, 4030),
+         logOf("3.log", {251'000}, 8030), logOf("4.log", {421'000, 1'901'000}, 13'991)});
+    QCOMPARE(pairings[3].log, 3);
+    QCOMPARE(pairings[3].evidence, PairingEvidence::Length);
+    for (const Pairing& pairing : pairings)
+        QVERIFY(!pairing.doubtful);
 }
 
 // A copy gave all files the time at which it wrote them.
