@@ -450,9 +450,12 @@ Pairing Decision::decide(size_t place) const
     // Times that lengths do not contradict are kept, unless another log is all but certain.
     const bool contradicted =
         video.logByTime < 0 || (video.lengthMs > 0 && canCompare(video.logByTime));
-    const bool replaced = contradicted && !lengthAgrees
-                              ? best.probability >= likely
-                              : byTime.probability < 0.05 && best.probability > 0.9;
+    // Lost times give several videos of one length the same log, which holds one of them.
+    const bool shared = m_timesAreLost && best.probability > byTime.probability;
+    const bool replaced =
+        contradicted && !lengthAgrees
+            ? best.probability >= likely
+            : (shared && lengthAgrees) || (byTime.probability < 0.05 && best.probability > 0.9);
     if (replaced) {
         addClaim(best.best, pairing);
         pairing.evidence = PairingEvidence::Length;

@@ -40,6 +40,7 @@ private slots:
     void oneWrongPairLeavesTheOthersCertain();
     void lostTimesAreReplacedByLengths();
     void orderOfNamesDecidesBetweenEqualLengths();
+    void equalFlightsOfACopyGetALogEach();
     void foldersComeBeforeCopiesInTheOrderOfNames();
     void gapInTimesIsFilledByLength();
     void contradictedPairGetsTheBetterLog();
@@ -196,6 +197,16 @@ void FlightPairingTest::orderOfNamesDecidesBetweenEqualLengths()
         logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(i + 8), {601'000}));
     }
     QCOMPARE(logsOf(pairFlights(videos, logs)), QList<int>({5, 4, 3, 2, 1, 0}));
+}
+
+// The copy wrote the logs after the videos: the first of them is the next one after every video.
+void FlightPairingTest::equalFlightsOfACopyGetALogEach()
+{
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0001.MOV", 90'000, 0, 0), video("CORV0003.MOV", 90'000, 0, 1),
+         video("CORV0005.MOV", 90'000, 0, 2)},
+        {logOf("1.log", {91'000}, 3), logOf("2.log", {91'000}, 4), logOf("3.log", {91'000}, 5)});
+    QCOMPARE(logsOf(pairings), QList<int>({0, 1, 2}));
 }
 
 // A card with two folders, in each a file of another card.
