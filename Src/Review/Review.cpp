@@ -153,8 +153,11 @@ void Review::videoOpened(bool isOpen)
 
 void Review::videoFailed(const QString& file)
 {
-    const std::optional<Failure> cause = fileProblem(QStringLiteral("The video"), file);
-    // The file is there and can be read, so it is its contents.
+    std::optional<Failure> cause = fileProblem(QStringLiteral("The video"), file);
+    const std::optional<Failure>& reason = m_player->sourceOpenFailure();
+    if (!cause && reason && reason->kind == Failure::Kind::noMemory)
+        cause = reason;
+    // Else the file is there and can be read, so it is its contents.
     const Failure contents{Failure::Kind::notRecognised,
                            QStringLiteral("It is no video, or it is damaged. If it is still being "
                                           "copied, open it again afterwards.")};

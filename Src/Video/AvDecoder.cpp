@@ -17,6 +17,11 @@ namespace {
 // other users of the library; nobody prints such levels.
 constexpr int firstLevel = 4096;
 
+bool isLackOfMemory(int result)
+{
+    return result == AVERROR(ENOMEM);
+}
+
 bool begins(const char* text, const char* beginning)
 {
     return std::strncmp(text, beginning, std::strlen(beginning)) == 0;
@@ -59,21 +64,28 @@ std::vector<int> AvDecoder::GuessedPackets::take()
     return packets;
 }
 
-std::unique_ptr<AvDecoder> AvDecoder::open(const AVCodecParameters& parameters)
+Result<std::unique_ptr<AvDecoder>> AvDecoder::open(const AVCodecParameters& parameters)
 {
+    const Failure none{Failure::Kind::notRecognised,
+                       QStringLiteral("There is no decoder for this kind of video.")};
     const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
     if (!codec)
-        return nullptr;
+        return none;
     std::unique_ptr<AvDecoder> decoder(new AvDecoder);
     decoder->m_context.reset(avcodec_alloc_context3(codec));
     AVCodecContext* context = decoder->m_context.get();
-    if (!context || avcodec_parameters_to_context(context, &parameters) < 0)
-        return nullptr;
+    if (!context)
+        return tooLittleMemory();
+    int result = avcodec_parameters_to_context(context, &parameters);
+    if (result < 0)
+        return isLackOfMemory(result) ? tooLittleMemory() : none;
     context->log_level_offset = firstLevel;
     context->opaque = &decoder->m_guessed;
     context->thread_count = QThread::idealThreadCount();
-    if (avcodec_open2(context, codec, nullptr) < 0)
-        return nullptr;
+    result = avcodec_open2(context, codec, nullptr);
+    const bool lacksThreads = result == AVERROR(EAGAIN); // for want of room for their stacks
+    if (result < 0)
+        return lacksThreads || isLackOfMemory(result) ? tooLittleMemory() : none;
     return decoder;
 }
 
@@ -89,6 +101,7 @@ AvDecoder::Outcome AvDecoder::receive(AVFrame& picture)
         return Outcome::needsPacket;
     if (result == AVERROR_EOF || result == AVERROR(EINVAL))
         return Outcome::end;
+    m_lacksMemory = m_lacksMemory || isLackOfMemory(result);
     return result < 0 ? Outcome::damaged : Outcome::picture;
 }
 
@@ -114,7 +127,9 @@ bool AvDecoder::send(AVPacket& packet, int number, bool skipUnreferenced)
     m_context->reordered_opaque = number;
     av_log_set_callback(noteMessage); // which other users of the library in here may replace
     m_context->skip_frame = skipUnreferenced ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
-    return avcodec_send_packet(m_context.get(), &packet) >= 0;
+    const int result = avcodec_send_packet(m_context.get(), &packet);
+    m_lacksMemory = m_lacksMemory || isLackOfMemory(result);
+    return result >= 0;
 }
 
 void AvDecoder::sendEnd()

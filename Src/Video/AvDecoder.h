@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Result.h"
 #include "Video/AvInput.h"
 
 #include <array>
@@ -17,8 +18,8 @@ namespace corv {
 class AvDecoder
 {
 public:
-    /// Null if there is no decoder for the stream.
-    static std::unique_ptr<AvDecoder> open(const AVCodecParameters& parameters);
+    /// Fails if there is no decoder for the stream, or no memory for it.
+    static Result<std::unique_ptr<AvDecoder>> open(const AVCodecParameters& parameters);
 
     /// Whether decoders of this kind give pictures that are built on missing ones, and do not say
     /// so.
@@ -61,6 +62,9 @@ public:
     /// How many packets may be in work at once, besides the last.
     int delay() const;
 
+    /// Whether a packet or a picture was lost for want of memory.
+    bool lacksMemory() const { return m_lacksMemory; }
+
     /// Packets whose pictures have guessed parts. Noted by the threads of a decoder, taken by its
     /// user; both keep up with the decoding.
     class GuessedPackets
@@ -79,6 +83,7 @@ private:
 
     GuessedPackets m_guessed; // outlives the context, whose threads use it
     AvCodecContextPtr m_context;
+    bool m_lacksMemory = false;
 };
 
 } // namespace corv

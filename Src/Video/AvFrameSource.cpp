@@ -122,11 +122,10 @@ Status AvFrameSource::open()
     const Status described = m_video->describe(*m_input);
     if (!described)
         return described;
-    m_decoder = AvDecoder::open(*m_video->parameters);
-    if (!m_decoder)
-        return Failure{
-            Failure::Kind::notRecognised,
-            QStringLiteral("%1: There is no decoder for this kind of video.").arg(m_video->file)};
+    Result<std::unique_ptr<AvDecoder>> decoder = m_video->openDecoder();
+    if (!decoder)
+        return decoder.failure();
+    m_decoder = std::move(*decoder);
     if (m_video->packetsAsStored)
         m_input->takePacketsAsStored();
     m_input->rewind();
@@ -185,9 +184,7 @@ Status AvFrameSource::decodeFirst()
             return {};
         }
         if (outcome == AvDecoder::Outcome::end)
-            return Failure{Failure::Kind::damaged,
-                           QStringLiteral("%1: The video has no picture that can be decoded.")
-                               .arg(m_video->file)};
+            return m_video->whyNoPicture(*m_input, *m_decoder);
         if (outcome == AvDecoder::Outcome::damaged) {
             m_inPlace = false;
             continue;
@@ -261,9 +258,12 @@ bool AvFrameSource::reopen()
     else
         m_input->probe();
     m_input->rewind();
-    if (!m_decoder)
-        m_decoder = AvDecoder::open(*m_video->parameters);
-    return m_decoder != nullptr;
+    if (m_decoder)
+        return true;
+    Result<std::unique_ptr<AvDecoder>> decoder = m_video->openDecoder();
+    if (decoder)
+        m_decoder = std::move(*decoder);
+    return decoder.ok();
 }
 
 std::unique_ptr<FrameSource> AvFrameSource::clone() const

@@ -34,6 +34,11 @@ Failure noVideo()
 
 } // namespace
 
+Failure tooLittleMemory()
+{
+    return {Failure::Kind::noMemory, QStringLiteral("There is too little memory.")};
+}
+
 void AvDelete::operator()(AVCodecContext* context) const
 {
     avcodec_free_context(&context);
@@ -64,7 +69,7 @@ Result<std::unique_ptr<AvInput>> AvInput::open(std::unique_ptr<ByteSource> bytes
                              : nullptr;
     if (!context || !io) {
         avformat_free_context(context);
-        return Failure{Failure::Kind::noMemory, QStringLiteral("There is too little memory.")};
+        return tooLittleMemory();
     }
     context->pb = io;
     context->io_open = openNothing;
@@ -73,6 +78,8 @@ Result<std::unique_ptr<AvInput>> AvInput::open(std::unique_ptr<ByteSource> bytes
     if (opened < 0) { // which has freed the context, but not our bytes
         av_freep(&io->buffer);
         avio_context_free(&io);
+        if (opened == AVERROR(ENOMEM))
+            return tooLittleMemory();
         return input->m_io.failed
                    ? Failure{Failure::Kind::unreadable, QStringLiteral("Reading failed.")}
                    : noVideo();
@@ -153,8 +160,11 @@ int64_t AvInput::seekBytes(void* opaque, int64_t offset, int whence)
 
 bool AvInput::probe()
 {
-    if (!m_isProbed) // a second time the library does not survive
-        m_isProbed = avformat_find_stream_info(m_context, nullptr) >= 0;
+    if (!m_isProbed) { // a second time the library does not survive
+        const int result = avformat_find_stream_info(m_context, nullptr);
+        m_isProbed = result >= 0;
+        m_lacksMemory = m_lacksMemory || result == AVERROR(ENOMEM);
+    }
     return m_isProbed;
 }
 
@@ -226,6 +236,7 @@ AvInput::Outcome AvInput::next(AVPacket& packet)
             return Outcome::failed;
         if (result == AVERROR_EOF)
             return Outcome::end;
+        m_lacksMemory = m_lacksMemory || result == AVERROR(ENOMEM);
         if (result < 0) {
             ++errors;
         } else if (packet.stream_index == m_videoStream) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Result.h"
 #include "Video/ByteSource.h"
 
 #include <atomic>
@@ -12,6 +13,9 @@ struct AVPacket;
 struct AVStream;
 
 namespace corv {
+
+/// For what libav could not allocate.
+Failure tooLittleMemory();
 
 /// Frees what libav allocated.
 struct AvDelete
@@ -36,7 +40,7 @@ public:
     static constexpr int smallBufferBytes = 16 * 1024;
 
     /// `name` serves the recognition of the container by its suffix. Fails if the bytes are no
-    /// container with a video.
+    /// container with a video, or if there is no memory for it.
     static Result<std::unique_ptr<AvInput>>
     open(std::unique_ptr<ByteSource> bytes, const QString& name, int bufferBytes = cardBufferBytes);
     ~AvInput();
@@ -97,6 +101,9 @@ public:
     /// that is opened anew begins at the very first.
     bool rewind();
 
+    /// Whether something was passed over for want of memory.
+    bool lacksMemory() const { return m_lacksMemory; }
+
     /// Where in the file the last read ended, in bytes, and the size of the file.
     qint64 bytesDone() const;
     qint64 sizeBytes() const;
@@ -125,6 +132,7 @@ private:
     bool m_isProbed = false;
     bool m_seeksByPosition = false;
     bool m_isMoved = false; // from the very first packet
+    bool m_lacksMemory = false;
 };
 
 } // namespace corv

@@ -21,8 +21,16 @@ namespace {
 
 constexpr size_t measuredFrames = 60;
 
+Failure noMemoryFor(const QString& file)
+{
+    return {Failure::Kind::noMemory,
+            QStringLiteral("There is not enough memory for the video \"%1\".").arg(file)};
+}
+
 Failure withName(const Failure& failure, const QString& file)
 {
+    if (failure.kind == Failure::Kind::noMemory)
+        return noMemoryFor(file);
     return {failure.kind, QStringLiteral("%1: %2").arg(file, failure.sentence)};
 }
 
@@ -99,12 +107,14 @@ Status AvVideo::describe(AvInput& input)
     form.rotation = rotationOf(stream);
     setSize(QSize(stream.codecpar->width, stream.codecpar->height));
     pixelAspectRatio = aspectRatioOf(stream.sample_aspect_ratio, form.rotation % 180 != 0);
+    if (input.lacksMemory() && !isKnown)
+        return noMemoryFor(file);
     if (!isKnown || form.size.isEmpty() || fps <= 0.0)
         return Failure{Failure::Kind::notRecognised,
                        QStringLiteral("%1: The file holds no video that can be read.").arg(file)};
     parameters.reset(avcodec_parameters_alloc());
     if (!parameters || avcodec_parameters_copy(parameters.get(), stream.codecpar) < 0)
-        return Failure{Failure::Kind::noMemory, QStringLiteral("There is too little memory.")};
+        return noMemoryFor(file);
     packetsAsStored = input.describesPackets();
     isReadThrough = !packetsAsStored;
     return {};
@@ -114,6 +124,22 @@ void AvVideo::setSize(QSize whole)
 {
     const QSize even(whole.width() & ~1, whole.height() & ~1);
     form.size = form.rotation % 180 != 0 ? even.transposed() : even;
+}
+
+Result<std::unique_ptr<AvDecoder>> AvVideo::openDecoder() const
+{
+    Result<std::unique_ptr<AvDecoder>> decoder = AvDecoder::open(*parameters);
+    if (!decoder)
+        return withName(decoder.failure(), file);
+    return decoder;
+}
+
+Failure AvVideo::whyNoPicture(const AvInput& input, const AvDecoder& decoder) const
+{
+    if (input.lacksMemory() || decoder.lacksMemory())
+        return noMemoryFor(file);
+    return {Failure::Kind::damaged,
+            QStringLiteral("%1: The video has no picture that can be decoded.").arg(file)};
 }
 
 Result<std::unique_ptr<AvInput>> AvVideo::openDescription() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Result.h"
+#include "Video/AvDecoder.h"
 #include "Video/AvInput.h"
 #include "Video/ByteSource.h"
 #include "Video/FrameIndexTask.h"
@@ -34,6 +35,12 @@ struct AvVideo
 
     /// A cursor of its own on the file.
     Result<std::unique_ptr<AvInput>> openInput() const;
+
+    /// A decoder of its own for the pictures. After describe().
+    Result<std::unique_ptr<AvDecoder>> openDecoder() const;
+
+    /// Why reading from the start to the end gave no picture.
+    Failure whyNoPicture(const AvInput& input, const AvDecoder& decoder) const;
 
     /// Takes what the head of the file says, and its first packets where the head does not say all.
     Status describe(AvInput& input);

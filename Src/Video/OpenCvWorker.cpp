@@ -89,8 +89,11 @@ void OpenCvWorker::openFiles(int turn)
         if (m_triedFiles == m_sourceFiles.size())
             break;
         const QString& file = m_sourceFiles.at(m_triedFiles++);
-        if (!m_openingTimeline.open(file, m_sourceFiles.size(), *m_backend))
-            m_failedFiles << file;
+        const Status tried = m_openingTimeline.open(file, m_sourceFiles.size(), *m_backend);
+        if (tried)
+            continue;
+        m_failedFiles << file;
+        m_failures << tried.failure();
     }
     finishOpening();
 }
@@ -132,6 +135,7 @@ void OpenCvWorker::finishOpening()
     m_timeline = std::exchange(m_openingTimeline, {});
     OpenedTimeline opened;
     opened.failedFiles = m_failedFiles;
+    opened.failures = m_failures;
     opened.fps = m_timeline.fps();
     opened.totalFrames = m_timeline.totalFrames();
     opened.durationMs = m_timeline.durationMs();
@@ -162,6 +166,7 @@ void OpenCvWorker::closeSources()
     m_openingTimeline.close();
     m_sourceFiles.clear();
     m_failedFiles.clear();
+    m_failures.clear();
     m_triedFiles = 0;
     m_firstPictureShown = false;
     ++m_openingTurn;

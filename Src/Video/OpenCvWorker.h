@@ -161,8 +161,9 @@ private:
     int m_opening = 0;
     QStringList m_sourceFiles;
     QStringList m_failedFiles;
-    int m_triedFiles = 0;  // of the source files, opened or not
-    int m_openingTurn = 0; // counts what was begun to be opened or closed
+    QList<Failure> m_failures; // for each of them
+    int m_triedFiles = 0;      // of the source files, opened or not
+    int m_openingTurn = 0;     // counts what was begun to be opened or closed
     bool m_firstPictureShown = false;
     VideoTimeline m_openingTimeline; // so far; the timeline once it is whole
     VideoTimeline m_timeline;

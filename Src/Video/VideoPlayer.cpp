@@ -68,6 +68,7 @@ void VideoPlayer::setSource(const QString& source)
     m_sourceFiles = nextFiles.value(0) == m_source && !m_source.isEmpty()
                         ? nextFiles
                         : expandVideoSequence(m_source);
+    m_sourceOpenFailure.reset();
     if (m_sourceFiles.isEmpty()) {
         emit sourceOpenError(m_source);
         return;
@@ -89,8 +90,10 @@ void VideoPlayer::onVideoFilesProcessed(int opening, const OpenedTimeline& timel
         return;
     m_openingUnderWay = false;
     setOpeningProgress(1.0);
-    for (const QString& file : timeline.failedFiles) {
+    for (int i = 0; i < timeline.failedFiles.size(); ++i) {
+        const QString& file = timeline.failedFiles[i];
         qCWarning(lcVideo) << "Failed to open" << file;
+        m_sourceOpenFailure = timeline.failures.at(i);
         emit sourceOpenError(file);
     }
     if (opening != m_opening) // closed by a receiver of the error

@@ -206,6 +206,9 @@ public:
     /// copied, exported and in reports. Empty for nothing.
     void setExportInsets(PictureInsets insets);
 
+    /// Why the file of the last `sourceOpenError` does not open; none if it is not there.
+    const std::optional<Failure>& sourceOpenFailure() const { return m_sourceOpenFailure; }
+
     /// False if no video is open.
     Q_INVOKABLE bool play();
     Q_INVOKABLE bool pause();
@@ -425,6 +428,7 @@ private:
     QVideoSurfaceFormat m_surfaceFormat;
     QString m_source;
     QStringList m_sourceFiles;
+    std::optional<Failure> m_sourceOpenFailure;
     QStringList m_nextFiles; ///< empty for those that follow by number
     std::atomic<bool> m_hasVideoOpened{false};
     QTime m_timePosition{0, 0, 0, 0};

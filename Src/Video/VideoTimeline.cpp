@@ -15,12 +15,12 @@ int VideoFileEntry::timelineMs(double fileMs) const
     return truncateToInt((keepsOneRate ? truncateToInt(fileMs) : fileMs) + startMs);
 }
 
-bool VideoTimeline::open(const QString& file, int files, const VideoBackend& backend)
+Status VideoTimeline::open(const QString& file, int files, const VideoBackend& backend)
 {
     Result<std::unique_ptr<FrameSource>> opened = backend.openSource(file);
     if (!opened) {
         qCWarning(lcVideo) << "Failed to open" << file;
-        return false;
+        return opened.failure();
     }
     VideoFileEntry entry;
     entry.file = file;
@@ -30,7 +30,7 @@ bool VideoTimeline::open(const QString& file, int files, const VideoBackend& bac
     if (m_size.isEmpty())
         m_size = entry.capture->size();
     m_entries.push_back(std::move(entry));
-    return true;
+    return {};
 }
 
 void VideoTimeline::measure()

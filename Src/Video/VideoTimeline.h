@@ -32,9 +32,9 @@ struct VideoFileEntry
 class VideoTimeline
 {
 public:
-    /// Opens one more file, as one of `files`. False, with a line in the log, if it does not open.
-    /// Its place is not known before it is measured.
-    bool open(const QString& file, int files, const VideoBackend& backend);
+    /// Opens one more file, as one of `files`; a failure is a line in the log, too. Its place is
+    /// not known before it is measured.
+    Status open(const QString& file, int files, const VideoBackend& backend);
 
     /// Whether the file opened last has been measured, or none is open.
     bool isMeasured() const { return m_measured == size(); }

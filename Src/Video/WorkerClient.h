@@ -48,7 +48,8 @@ struct OpenedTimeline
     QSizeF size; ///< of the first file's frames
     QSize pixelAspectRatio{1, 1};
     QStringList failedFiles;
-    int secondFileMs = -1; ///< where the second file begins; below 0 if there is none
+    QList<Failure> failures; ///< why, for each of them
+    int secondFileMs = -1;   ///< where the second file begins; below 0 if there is none
 };
 
 /// Receives what a worker has done. All functions are called on the thread of the object that the

@@ -5,6 +5,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <limits>
+
+extern "C" {
+#include <libavutil/mem.h>
+}
 
 using namespace corv;
 using namespace corv::test;
@@ -43,6 +48,8 @@ private slots:
     void aMediumLostBeforeTheIndexIsReadGivesWhatItHad();
     void aFileCutWhileOpenEndsInAFailure();
     void failuresHaveTheirReason();
+    void lackOfMemoryIsNoDamage_data();
+    void lackOfMemoryIsNoDamage();
 
 private:
     Result<std::unique_ptr<FrameSource>> open(const QString& file) const
@@ -264,6 +271,38 @@ void FrameMediumTest::failuresHaveTheirReason()
     QCOMPARE(refused.failure().kind, Failure::Kind::notRecognised);
     QVERIFY(refused.failure().sentence.contains(text.fileName()));
     QVERIFY(refused.failure().sentence.endsWith('.'));
+}
+
+void FrameMediumTest::lackOfMemoryIsNoDamage_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("described") << m_mov;
+    QTest::newRow("read through") << m_stream;
+}
+
+// With ever more memory for the libraries, up to what they need.
+void FrameMediumTest::lackOfMemoryIsNoDamage()
+{
+    QFETCH(QString, file);
+    m_medium = std::make_shared<Medium>();
+    int refused = 0;
+    bool isOpen = false;
+    constexpr size_t megabyte = 1'000'000;
+    for (size_t bytes = 64; !isOpen && bytes < 16 * megabyte; bytes += bytes / 4) {
+        av_max_alloc(bytes);
+        const auto opened = open(file);
+        av_max_alloc(std::numeric_limits<int>::max());
+        isOpen = opened.ok();
+        if (isOpen)
+            break;
+        ++refused;
+        const QByteArray limit = QByteArray::number(static_cast<qulonglong>(bytes));
+        QVERIFY2(opened.failure().kind == Failure::Kind::noMemory,
+                 limit + ": " + opened.failure().sentence.toUtf8());
+        QVERIFY2(opened.failure().sentence.contains(file), limit);
+    }
+    QVERIFY(isOpen);
+    QVERIFY(refused > 10);
 }
 
 QTEST_GUILESS_MAIN(FrameMediumTest)
