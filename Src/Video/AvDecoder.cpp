@@ -37,9 +37,14 @@ void noteMessage(void* object, int level, const char* format, va_list)
         return;
     const auto* context = static_cast<const AVCodecContext*>(object);
     const bool isGuess = begins(format, "concealing ") || begins(format, "error while decoding MB");
-    if (isGuess && context->log_level_offset == firstLevel && context->opaque)
-        static_cast<AvDecoder::GuessedPackets*>(context->opaque)
-            ->note(static_cast<int>(context->reordered_opaque));
+    const bool isLack = begins(format, "get_buffer() failed"); // of which no result says so
+    if (!(isGuess || isLack) || context->log_level_offset != firstLevel || !context->opaque)
+        return;
+    auto* notes = static_cast<AvDecoder::GuessedPackets*>(context->opaque);
+    if (isGuess)
+        notes->note(static_cast<int>(context->reordered_opaque));
+    else
+        notes->noteLackOfMemory();
 }
 
 } // namespace
@@ -101,7 +106,8 @@ AvDecoder::Outcome AvDecoder::receive(AVFrame& picture)
         return Outcome::needsPacket;
     if (result == AVERROR_EOF || result == AVERROR(EINVAL))
         return Outcome::end;
-    m_lacksMemory = m_lacksMemory || isLackOfMemory(result);
+    if (isLackOfMemory(result))
+        m_guessed.noteLackOfMemory();
     return result < 0 ? Outcome::damaged : Outcome::picture;
 }
 
@@ -128,7 +134,8 @@ bool AvDecoder::send(AVPacket& packet, int number, bool skipUnreferenced)
     av_log_set_callback(noteMessage); // which other users of the library in here may replace
     m_context->skip_frame = skipUnreferenced ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     const int result = avcodec_send_packet(m_context.get(), &packet);
-    m_lacksMemory = m_lacksMemory || isLackOfMemory(result);
+    if (isLackOfMemory(result))
+        m_guessed.noteLackOfMemory();
     return result >= 0;
 }
 

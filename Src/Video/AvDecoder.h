@@ -63,19 +63,22 @@ public:
     int delay() const;
 
     /// Whether a packet or a picture was lost for want of memory.
-    bool lacksMemory() const { return m_lacksMemory; }
+    bool lacksMemory() const { return m_guessed.lacksMemory(); }
 
-    /// Packets whose pictures have guessed parts. Noted by the threads of a decoder, taken by its
-    /// user; both keep up with the decoding.
+    /// Packets whose pictures have guessed parts, and whether a picture found no memory. Noted by
+    /// the threads of a decoder, taken by its user; both keep up with the decoding.
     class GuessedPackets
     {
     public:
         void note(int packet);
         std::vector<int> take();
+        void noteLackOfMemory() { m_lacksMemory.store(true); }
+        bool lacksMemory() const { return m_lacksMemory.load(); }
 
     private:
         std::array<std::atomic<int>, 1024> m_next{}; // the packet's number + 1 at its place, or 0
         std::atomic<bool> m_isAny{false};
+        std::atomic<bool> m_lacksMemory{false};
     };
 
 private:
@@ -83,7 +86,6 @@ private:
 
     GuessedPackets m_guessed; // outlives the context, whose threads use it
     AvCodecContextPtr m_context;
-    bool m_lacksMemory = false;
 };
 
 } // namespace corv

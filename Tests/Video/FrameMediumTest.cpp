@@ -278,6 +278,9 @@ void FrameMediumTest::lackOfMemoryIsNoDamage_data()
     QTest::addColumn<QString>("file");
     QTest::newRow("described") << m_mov;
     QTest::newRow("read through") << m_stream;
+    const QString coded = m_folder.filePath("coded.mp4"); // pictures far larger than packets
+    QVERIFY((TestVideo{5, "25", {640, 480}}.write(coded)));
+    QTest::newRow("coded") << coded;
 }
 
 // With ever more memory for the libraries, up to what they need.
