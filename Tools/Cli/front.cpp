@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <unistd.h>
@@ -86,6 +87,10 @@ ExitStatus becomeFlightProgram(char** argv)
     const ssize_t length = readlink("/proc/self/exe", self, sizeof(self));
     std::string path(self, length > 0 ? static_cast<size_t>(length) : 0);
     path = path.substr(0, path.rfind('/')) + kFlightProgram;
+    // Debian's fast library for matrices, where it is installed, starts a thread for each processor
+    // as it is loaded, and ends the program where one does not start. Nothing here computes with
+    // it.
+    setenv("OPENBLAS_NUM_THREADS", "1", 0);
     execv(path.c_str(), argv);
     return fail(QStringLiteral("Cannot start \"%1\": %2.")
                     .arg(QFile::decodeName(path.c_str()), QString::fromLocal8Bit(strerror(errno))));
