@@ -10,6 +10,9 @@ Window {
     property string versionString: "1.0"
     property var releaseNotes: []
 
+    // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
+    readonly property int hiddenHeight: Math.max(0, y + height - Screen.virtualY - Screen.height)
+
     signal installNewVersion(string newVersion)
 
     title: "Update now"
@@ -84,7 +87,7 @@ Window {
     CorvQuickStartButton {
         id: btn_install_now
         objectName: "btn_install_now"
-        anchors { left: parent.left; leftMargin: 26; bottom: parent.bottom; bottomMargin: 16 }
+        anchors { left: parent.left; leftMargin: 26; verticalCenter: btn_later.verticalCenter }
         width: 160
         height: 36
         text: "Install now"
@@ -97,7 +100,8 @@ Window {
     CorvQuickStartButton {
         id: btn_later
         objectName: "btn_later"
-        anchors { right: parent.right; rightMargin: 26; bottom: parent.bottom; bottomMargin: 16 }
+        anchors { right: parent.right; rightMargin: 26; bottom: parent.bottom }
+        anchors.bottomMargin: 16 + newUpdateWindow.hiddenHeight
         width: 160
         height: 36
         text: "Later"

@@ -13,6 +13,7 @@ class SmallScreenTest : public ReviewSuite
 private slots:
     void whatIsNeededIsOnTheScreen();
     void theSidebarIsFoldedAtFirst();
+    void theButtonsOfAnUpdateAreOnTheScreen();
 };
 
 void SmallScreenTest::whatIsNeededIsOnTheScreen()
@@ -41,6 +42,23 @@ void SmallScreenTest::theSidebarIsFoldedAtFirst()
     QVERIFY(!m_ui->item("hUDRectangle")->isVisible());
     QTest::keyClick(m_ui->window(), Qt::Key_F8);
     QTRY_VERIFY(m_ui->item("hUDRectangle")->isVisible());
+}
+
+void SmallScreenTest::theButtonsOfAnUpdateAreOnTheScreen()
+{
+    m_ui->call("launchUpdateWindow", {"2.1.0.7", QStringList{"Faster"}});
+    QTRY_VERIFY(UiFixture::visibleWindow("newUpdateWindow"));
+    QQuickWindow* window = UiFixture::visibleWindow("newUpdateWindow");
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    const int bottom = window->screen()->geometry().bottom();
+    window->setPosition(100, 40);
+    QTRY_VERIFY(window->y() >= 40 && window->y() + window->height() > bottom);
+    for (const char* name : {"btn_install_now", "btn_later"}) {
+        QQuickItem* button = m_ui->item(name, window);
+        QVERIFY2(button, name);
+        QTRY_VERIFY2(button->mapToGlobal(QPointF(0, button->height())).y() <= bottom, name);
+    }
+    window->close();
 }
 
 QTEST_MAIN(SmallScreenTest)
