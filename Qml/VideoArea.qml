@@ -47,6 +47,13 @@ Rectangle {
         moveTo(0, 0);
     }
 
+    // The keyboard to the first choice of the start page; false while a video is open.
+    function focusFirstChoice() {
+        if (!videoOpen)
+            nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason);
+        return !videoOpen;
+    }
+
     // One pixel of the video on one of the screen, or back.
     function togglePixelSize() {
         if (zoom !== 1)

@@ -461,9 +461,7 @@ ReviewWindow {
         onPoiListToggled: panelSettings.poiListShown = shown
         sidebarShown: panelSettings.sidebarShown
         onSidebarToggled: panelSettings.sidebarShown = shown
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.bottom: timelineTab.top
+        anchors { left: parent.left; right: parent.right; bottom: timelineTab.top }
     }
 
     Item {
@@ -474,6 +472,8 @@ ReviewWindow {
         anchors.top: parent.top
         anchors.bottom: pictureAlone.on ? parent.bottom : controlsTab.top
         focus: true
+        // On the start page its choices come first, else the first control of the window.
+        Keys.onTabPressed: event.accepted = activeFocus && videoRect.focusFirstChoice()
 
         VideoArea {
             id: videoRect

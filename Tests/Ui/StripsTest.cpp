@@ -17,6 +17,7 @@ private slots:
     void aRoundedFieldKeepsTheExactValue();
     void controlsFollowThePlayer();
     void tabReachesControlsAndSpaceActivatesThem();
+    void theFirstTabOnTheStartPageReachesItsFirstChoice();
     void theTabsAreChangedByKeys();
     void aClickLeavesTheKeyboardFocusOnTheVideo();
     void escapeGivesTheKeysBackToTheVideo_data();
@@ -192,6 +193,16 @@ void StripsTest::tabReachesControlsAndSpaceActivatesThem()
     // Return and Escape are nobody's here.
     QTest::keyClick(m_ui->window(), Qt::Key_Return);
     QCOMPARE(player("showIR").toBool(), true);
+}
+
+void StripsTest::theFirstTabOnTheStartPageReachesItsFirstChoice()
+{
+    QTRY_VERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    for (const char* choice :
+         {"openProjectButton", "openVideoButton", "openRemovableDevicesButton"}) {
+        QTest::keyClick(m_ui->window(), Qt::Key_Tab);
+        QVERIFY2(m_ui->item(choice)->hasActiveFocus(), choice);
+    }
 }
 
 void StripsTest::theTabsAreChangedByKeys()
