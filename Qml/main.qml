@@ -388,9 +388,7 @@ ReviewWindow {
         // Above the tools, which the list of covered flags lies over.
         z: 2
         visible: pictureAlone.controlsShown
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.bottom: curvesPanel.top
+        anchors { left: parent.left; right: parent.right; bottom: curvesPanel.top }
         player: videoPlayer
         timeline: timelineContent
         navigator: timelineNavigator
@@ -490,6 +488,10 @@ ReviewWindow {
             onOpenProjectClicked: mainWindow.goOpenProject("welcome_screen")
             onOpenVideoClicked: mainWindow.goOpenVideo("welcome_screen")
             onBrowseRemovableDevicesClicked: mainWindow.goExploreRemovableDevices()
+            onVideoOpenChanged: {
+                if (videoOpen)
+                    mainWindow.refocusMainActions();
+            }
 
             ReviewPlayer {
                 id: videoPlayer
@@ -567,9 +569,7 @@ ReviewWindow {
         Rectangle {
             id: hUDRectangle
             objectName: "hUDRectangle"
-            anchors.top: parent.top
-            anchors.right: parent.right
-            anchors.bottom: parent.bottom
+            anchors { top: parent.top; right: parent.right; bottom: parent.bottom }
             width: mainWindow.sidebarWidth
             visible: panelSettings.sidebarShown && !pictureAlone.on
             color: Theme.panel

@@ -18,6 +18,7 @@ private slots:
     void controlsFollowThePlayer();
     void tabReachesControlsAndSpaceActivatesThem();
     void theFirstTabOnTheStartPageReachesItsFirstChoice();
+    void aFlightOpenedByKeysHasTheKeyboard();
     void theTabsAreChangedByKeys();
     void aClickLeavesTheKeyboardFocusOnTheVideo();
     void escapeGivesTheKeysBackToTheVideo_data();
@@ -203,6 +204,18 @@ void StripsTest::theFirstTabOnTheStartPageReachesItsFirstChoice()
         QTest::keyClick(m_ui->window(), Qt::Key_Tab);
         QVERIFY2(m_ui->item(choice)->hasActiveFocus(), choice);
     }
+}
+
+// The choice that opened it is hidden, and no longer there to be pressed.
+void StripsTest::aFlightOpenedByKeysHasTheKeyboard()
+{
+    m_ui->item("openVideoButton")->forceActiveFocus(Qt::TabFocusReason);
+    QTRY_VERIFY(m_ui->item("openVideoButton")->hasActiveFocus());
+    QVERIFY(m_ui->openVideo());
+    QTRY_VERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    QTest::keyClick(m_ui->window(), Qt::Key_Space);
+    QVERIFY(player("playing").toBool());
+    QVERIFY(!UiFixture::fileDialog());
 }
 
 void StripsTest::theTabsAreChangedByKeys()
