@@ -124,12 +124,12 @@ void cardOnTwoCores(Report& report)
                0.65, QStringLiteral("its parts, on one core, one after another"));
 }
 
-// More than twenty seconds of work for each of two workers, in flights of two minutes: a cluster
+// More than twenty seconds of work for each of two workers, in flights of three minutes: a cluster
 // looks for its next task once a second, and what is submitted waits for that.
 void engines(Report& report)
 {
     const OnTwoProcessors processors; // for the servers, too
-    CardReviews reviews(report, "card-of-long-flights", 4, 120);
+    CardReviews reviews(report, "card-of-longer-flights", 4, 180);
     const QStringList options{"--video"};
     const auto whole = [&] { reviews.whole(options); };
     const QString input = QStringLiteral("review on the same two cores, with video");

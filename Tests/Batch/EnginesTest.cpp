@@ -40,6 +40,7 @@ private slots:
     void init();
     void parallelTakesNoOptions();
     void parallelOverSshReviewsLikeOneQuietRun();
+    void slurmTasksTakeOneFlightAfterTheOther();
     void slurmReviewsLikeOneQuietRun();
     void systemdAcceptsTheUnit();
     void unitOfACardReviewsLikeOneQuietRun();
@@ -203,6 +204,36 @@ void EnginesTest::parallelOverSshReviewsLikeOneQuietRun()
     QVERIFY(log.open(QIODevice::ReadOnly));
     const QByteArray lines = log.readAll();
     QVERIFY2(lines.contains("\tone\t") && lines.contains("\ttwo\t"), lines);
+}
+
+// Two tasks at once do all flights; those that wait behind them are ended.
+void EnginesTest::slurmTasksTakeOneFlightAfterTheOther()
+{
+    const SlurmCluster cluster(path("slurm"));
+    QVERIFY(cluster.isReady());
+    QProcessEnvironment environment = m_environment;
+    environment.insert("SLURM_CONF", cluster.configuration());
+    environment.insert("VISTREL_CLI", path("tasks"));
+    QVERIFY(writeText(path("tasks"),
+                      "#!/bin/bash\n"
+                      "case \" $* \" in\n"
+                      "*' --list '*) printf '%s\\n' 1 2 3 4 5 ;;\n"
+                      "*' --job '*) echo \"$(cat) $SLURM_ARRAY_TASK_ID\" >>" +
+                          path("disk/tasks") + " ;;\nesac\n",
+                      true));
+    const ProgramRun run =
+        runProgram(VISTREL_BATCH "/review-slurm", {path("disk"), path("card")}, environment);
+    QVERIFY2(run.status == 0, run.out + run.error);
+    QFile tasks(path("disk/tasks"));
+    QVERIFY(tasks.open(QIODevice::ReadOnly));
+    QStringList flights;
+    for (const QString& line : QString::fromUtf8(tasks.readAll()).trimmed().split('\n')) {
+        flights << line.section(' ', 0, 0);
+        QVERIFY2(line.endsWith(" 1") || line.endsWith(" 2"), qPrintable(line));
+    }
+    flights.sort();
+    QCOMPARE(flights, QStringList({"1", "2", "3", "4", "5"}));
+    QCOMPARE(QDir(path("disk/.batch")).entryList({"taken.*"}), QStringList());
 }
 
 void EnginesTest::slurmReviewsLikeOneQuietRun()
