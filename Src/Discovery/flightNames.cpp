@@ -24,6 +24,7 @@ FlightName flightName(const QFileInfo& file, const QString& base)
 struct MarkedCopy
 {
     QString of;
+    QString mark; // separator and number of the copy
     QString kind; // what such names have in common: folder, separator and suffix
     int copy = 0; // 0 if the name is not of this form
 };
@@ -48,14 +49,37 @@ MarkedCopy markedCopy(const QFileInfo& file)
     const int digits = separator - startOfDigits(separator);
     if (digits < leastDigits || digits > mostDigits)
         return {};
-    return {base.left(separator), file.path() + base[separator] + file.suffix(),
-            base.mid(copy).toInt()};
+    return {base.left(separator), base.mid(separator),
+            file.path() + base[separator] + file.suffix(), base.mid(copy).toInt()};
 }
 
 QString keyOf(const QFileInfo& file, const QString& base)
 {
     return (file.path() + QLatin1Char('/') + base + QLatin1Char('.') + file.suffix())
         .toCaseFolded();
+}
+
+// The name whose number is that much higher, with as many digits.
+QString stepped(const QString& name, int by)
+{
+    int digits = 0;
+    while (digits < name.size() && name[name.size() - 1 - digits].isDigit())
+        ++digits;
+    const int number = name.rightRef(digits).toInt() + by;
+    return name.left(name.size() - digits) +
+           QStringLiteral("%1").arg(number, digits, 10, QLatin1Char('0'));
+}
+
+// What a name says of those of its kind: 1 that they are copies, as the name without the mark is
+// beside it; -1 that they are not; 0 nothing, in the middle of a card whose files all have the
+// mark.
+int voteForCopies(const QFileInfo& file, const MarkedCopy& marked, const QSet<QString>& names)
+{
+    if (names.contains(keyOf(file, marked.of)))
+        return 1;
+    const bool amongItsCard = names.contains(keyOf(file, stepped(marked.of, -1) + marked.mark)) &&
+                              names.contains(keyOf(file, stepped(marked.of, 1) + marked.mark));
+    return amongItsCard ? 0 : -1;
 }
 
 } // namespace
@@ -67,19 +91,19 @@ std::vector<FlightName> flightNames(const QStringList& paths)
         const QFileInfo file(path);
         names.insert(keyOf(file, file.completeBaseName()));
     }
-    QHash<QString, int> besideTheirName; // less those that are not, by kind
+    QHash<QString, int> votes; // by kind
     for (const QString& path : paths) {
         const QFileInfo file(path);
         const MarkedCopy marked = markedCopy(file);
         if (marked.copy > 0)
-            besideTheirName[marked.kind] += names.contains(keyOf(file, marked.of)) ? 1 : -1;
+            votes[marked.kind] += voteForCopies(file, marked, names);
     }
     std::vector<FlightName> parts;
     parts.reserve(static_cast<size_t>(paths.size()));
     for (const QString& path : paths) {
         const QFileInfo file(path);
         const MarkedCopy marked = markedCopy(file);
-        if (marked.copy > 0 && besideTheirName.value(marked.kind) > 0) {
+        if (marked.copy > 0 && votes.value(marked.kind) > 0) {
             parts.push_back(flightName(file, marked.of));
             parts.back().copy = marked.copy;
         } else {

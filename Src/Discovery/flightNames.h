@@ -20,7 +20,8 @@ struct FlightName
 /// The parts of these names. A number in brackets at the end is a copy, as systems add it to files
 /// of equal names. So is a short one after a space, a dash or an underscore behind a number of
 /// cameras, as in "CORV0012_2.MOV", where most files of its folder that are named like that are
-/// next to the name without it. Pure; any thread.
+/// next to the name without it. Files between two neighbours in number with the same mark do not
+/// count against that: a whole card may be marked. Pure; any thread.
 std::vector<FlightName> flightNames(const QStringList& paths);
 
 /// The order of file names as a person reads them: numbers by their value, letters without case.

@@ -447,6 +447,11 @@ void FlightPairingTest::copiesAreKnownByTheNameBesideThem_data()
                        "/a/CORV0011_2.MOV"}
         << "/a/CORV0012_2.MOV"
         << "0012" << 2;
+    QTest::newRow("most are numbers in a row that only their own card has")
+        << QStringList{"/a/CORV0009.MOV",   "/a/CORV0010.MOV",   "/a/CORV0009_2.MOV",
+                       "/a/CORV0010_2.MOV", "/a/CORV0011_2.MOV", "/a/CORV0013_2.MOV"}
+        << "/a/CORV0012_2.MOV"
+        << "0012" << 2;
     QTest::newRow("the names of most are missing")
         << QStringList{"/a/CORV0010_2.MOV", "/a/CORV0011_2.MOV", "/a/CORV0012.MOV"}
         << "/a/CORV0012_2.MOV"
