@@ -241,12 +241,18 @@ double Alignment::chanceOf(qint64 lengthMs, qint64 lastPartMs) const
 
 void Alignment::weigh(const AlignmentInput& input, bool withTimes)
 {
-    for (Segment& segment : m_segments)
+    constexpr double brokenFlight = 0.001; // a recorder begins the next file at once
+    for (Segment& segment : m_segments) {
+        const auto begin = input.videos.begin() + segment.first;
+        const bool broken =
+            std::any_of(begin + 1, begin + segment.count,
+                        [](const AlignmentInput::Video& part) { return part.beginsLater; });
         for (Candidate& candidate : segment.candidates)
-            candidate.fit =
-                withTimes ? candidate.lengthFit * input.timeFit(segment.first + segment.count - 1,
-                                                                candidate.recording)
-                          : candidate.lengthFit;
+            candidate.fit = withTimes ? candidate.lengthFit * (broken ? brokenFlight : 1) *
+                                            input.timeFit(segment.first + segment.count - 1,
+                                                          candidate.recording)
+                                      : candidate.lengthFit;
+    }
 }
 
 std::array<double, gaps.size()> sharesOfGaps(double inOrder)

@@ -14,6 +14,8 @@ struct AlignmentInput
     {
         qint64 lengthMs = -1;         ///< exact; 0 or less if unknown
         bool continuesFlight = false; ///< its name makes it a possible next part of the one before
+        bool beginsLater = false; ///< than the one before ends, by the file times; asked while they
+                                  ///< are believed
     };
 
     std::vector<Video> videos;

@@ -21,7 +21,8 @@ constexpr double doubtByLength = 3e-6;
 constexpr double doubtBySoundTimes = 0.01;
 constexpr double doubtByKeptTimes = 0.1;
 constexpr double likely = 0.5;
-constexpr double usuallyMissing = 0.2; // share of the files, as the alignment assumes
+constexpr double beyondAccident = 0.95; // above it a length outweighs the times
+constexpr double usuallyMissing = 0.2;  // share of the files, as the alignment assumes
 
 struct Recording
 {
@@ -175,6 +176,20 @@ public:
                std::abs(secs - m_typicalSecs) <= m_spreadSecs;
     }
 
+    // True if the video was taken while the recording ran, by the clock of the log, which ends
+    // about when the log is written.
+    bool isDuring(const PairingVideo& video, const Recording& recording) const
+    {
+        constexpr double usualSpreads = 2;
+        const PairingLog& log = m_logs[static_cast<size_t>(recording.log)];
+        if (video.timeMs < 0 || log.timeMs < 0)
+            return false;
+        const qint64 untilStopMs = log.timeMs - recording.untilLastStopMs - video.timeMs;
+        const double latestSecs = m_typicalSecs + usualSpreads * m_spreadSecs;
+        return untilStopMs >= -3000 && static_cast<double>(untilStopMs + video.lengthMs -
+                                                           recording.lengthMs) < 1000 * latestSecs;
+    }
+
 private:
     // From the end of the video to the writing of the log, less what the log itself says lies
     // between; where the two clocks disagree, the file times alone.
@@ -213,6 +228,8 @@ private:
     void addNearestLength(Pairing& pairing) const;
     bool canCompare(int log) const;
     bool hasNoVideo(int log) const;
+    int logDuring(const PairingVideo& video) const;
+    bool isBelied(const AlignmentClaim& claim, int during) const;
     bool agreesByTime(size_t place, const LogBelief& byTime) const;
     bool nothingContradictsTimes() const;
     bool mostTimesAgree() const;
@@ -244,7 +261,8 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
         const PairingVideo& video = videos[m_order[place]];
         const bool continues =
             place > 0 && isNextPart(m_names[m_order[place - 1]], m_names[m_order[place]]);
-        input.videos.push_back({video.lengthMs, continues});
+        const bool later = continues && !goesOnAtOnce(videos[m_order[place - 1]], video);
+        input.videos.push_back({video.lengthMs, continues, later});
     }
     for (const Recording& recording : m_recordings)
         input.recordingsMs.push_back(recording.lengthMs);
@@ -361,6 +379,33 @@ bool Decision::hasNoVideo(int log) const
            (asked.describesRecordings || !m_recordings.empty());
 }
 
+// The log that ran while the video was taken, where the times are those of the camera and the log:
+// a file of a flight that lacks others has no other length to go by. -1 for none, or for several.
+int Decision::logDuring(const PairingVideo& video) const
+{
+    int log = -1;
+    if (!m_timesAreKept || video.lengthMs <= 0)
+        return log;
+    for (const Recording& recording : m_recordings) {
+        if (recording.log == log || !m_delay.isDuring(video, recording))
+            continue;
+        if (log >= 0)
+            return -1;
+        log = recording.log;
+    }
+    return log;
+}
+
+// True if a recording of the right length ended before its videos were taken, or began after them,
+// while the log `during` ran: the length agrees by accident.
+bool Decision::isBelied(const AlignmentClaim& claim, int during) const
+{
+    const Recording& recording = m_recordings[static_cast<size_t>(claim.recording)];
+    const PairingVideo& last =
+        m_videos[m_order[static_cast<size_t>(claim.first + claim.count - 1)]];
+    return during >= 0 && during != recording.log && !m_delay.isDuring(last, recording);
+}
+
 // Neighbours that only together are as long as a recording are hardly one flight.
 bool Decision::agreesByTime(size_t place, const LogBelief& byTime) const
 {
@@ -456,7 +501,8 @@ Pairing Decision::decide(size_t place) const
         contradicted && !lengthAgrees
             ? best.probability >= likely
             : (shared && lengthAgrees) || (byTime.probability < 0.05 && best.probability > 0.9);
-    if (replaced) {
+    const int during = logDuring(video);
+    if (replaced && (best.probability > beyondAccident || !isBelied(best.best, during))) {
         addClaim(best.best, pairing);
         pairing.evidence = PairingEvidence::Length;
         pairing.doubtful =
@@ -465,13 +511,13 @@ Pairing Decision::decide(size_t place) const
         addClaim(byTime.best, pairing);
         pairing.evidence = PairingEvidence::TimeAndLength;
         pairing.doubtful = isDoubtful(video, byTime) || isTornByTimes(pairing);
-    } else if (video.logByTime >= 0) {
-        pairing.log = video.logByTime;
+    } else if (const int log = contradicted && during >= 0 ? during : video.logByTime; log >= 0) {
+        pairing.log = log;
         if (contradicted)
             addNearestLength(pairing);
         pairing.evidence = contradicted ? PairingEvidence::LengthDiffers : PairingEvidence::Time;
-        pairing.doubtful = contradicted || m_timesAreLost || best.probability >= likely ||
-                           hasNoVideo(video.logByTime);
+        pairing.doubtful =
+            contradicted || m_timesAreLost || best.probability >= likely || hasNoVideo(log);
     }
     return pairing;
 }
