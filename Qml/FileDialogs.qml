@@ -20,6 +20,8 @@ Item {
     property string projectFolder: ""
     property string reportFolder: ""
 
+    // The player does not save a picture under this name.
+    signal imageRefused(string path)
     signal mediaFolderChosen(string folder)
     signal imageFolderChosen(string folder)
     signal projectFolderChosen(string folder)
@@ -176,8 +178,9 @@ Item {
                 return;
             // The dialog asked about the name that was typed, not about the completed one.
             var path = Paths.withSuffix(chosen, selectedNameFilter, nameFilters);
-            player.saveFrame(player.timePosition, path,
-                             selectExisting == false && path === chosen);
+            if (!player.saveFrame(player.timePosition, path,
+                                  selectExisting == false && path === chosen))
+                fileDialogs.imageRefused(path);
             fileDialogs.imageFolderChosen(folder);
         }
     }

@@ -164,9 +164,7 @@ ReviewWindow {
         escapeIsTaken: timelineContent.movePOIMode
     }
 
-    MenuReader {
-        menuBar: mainWindow.menuBar
-    }
+    MenuReader { menuBar: mainWindow.menuBar }
 
     ReviewKeys {
         player: videoPlayer
@@ -268,6 +266,7 @@ ReviewWindow {
     }
 
     ExportJobs {
+        id: exportJobs
         player: videoPlayer
         reports: poiReportExporter
         jobs: review.jobs
@@ -296,6 +295,7 @@ ReviewWindow {
         review: review
         verbs: mainWindow
         savingAsCopy: currentProject.savingAsCopy
+        onImageRefused: exportJobs.reportRefusedPicture(path)
         mediaFolder: loadFileSettings.folder
         onMediaFolderChosen: loadFileSettings.folder = folder
         imageFolder: saveImageSettings.folder

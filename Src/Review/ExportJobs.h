@@ -38,6 +38,10 @@ public:
     bool isAttended() const { return m_isAttended; }
     void setAttended(bool attended) { m_isAttended = attended; }
 
+    /// Makes a failed job of a picture that the player refused to save: what the player says of it
+    /// is its result.
+    Q_INVOKABLE void reportRefusedPicture(const QString& file) { endPicture(file, false); }
+
 signals:
     /// How a piece of work ended, in a sentence.
     void ended(const QString& text);

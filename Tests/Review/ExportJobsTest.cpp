@@ -21,6 +21,7 @@ private slots:
     void aSecondSeriesAddsToTheFirst();
     void aSeriesWithFailuresSaysHowMany();
     void aPictureThatCannotBeSavedIsAFailedJob();
+    void aRefusedPictureIsAFailedJob();
     void aVideoIsAJob();
     void aVideoThatCannotBeginIsAFailedJob();
     void aReportIsAJob();
@@ -106,6 +107,15 @@ void ExportJobsTest::aPictureThatCannotBeSavedIsAFailedJob()
     QCOMPARE(job()->state(), Job::Failed);
     QCOMPARE(job()->resultText(), QString("The picture /card/a.jpg could not be saved."));
     QCOMPARE(m_ended->count(), 1);
+    QCOMPARE(m_ended->first().first().toString(), job()->resultText());
+}
+
+void ExportJobsTest::aRefusedPictureIsAFailedJob()
+{
+    QVERIFY(!m_player->saveFrame(QTime(0, 0), QString(), true));
+    m_exports->reportRefusedPicture(QString());
+    QCOMPARE(job()->state(), Job::Failed);
+    QCOMPARE(job()->resultText(), QString("No file name was given."));
     QCOMPARE(m_ended->first().first().toString(), job()->resultText());
 }
 

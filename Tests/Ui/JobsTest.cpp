@@ -1,8 +1,12 @@
 #include "ReviewSuite.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
 
 using namespace corv::test;
 
@@ -18,6 +22,23 @@ public slots:
     void open(const QUrl& url) { opened << url; }
 };
 
+/// Accepts the name of a file that exists, and answers that it may be replaced. False if that was
+/// not asked.
+static bool acceptReplacing(const QString& path)
+{
+    bool isAsked = false;
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, [&isAsked] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || !box->button(QMessageBox::Yes) || isAsked)
+            return;
+        isAsked = true;
+        box->button(QMessageBox::Yes)->click();
+    });
+    answer.start(10);
+    return UiFixture::acceptFile(path) && isAsked;
+}
+
 /// What a job leaves on screen, and what quitting makes of those that run.
 class JobsTest : public ReviewSuite
 {
@@ -26,6 +47,7 @@ class JobsTest : public ReviewSuite
 private slots:
     void aFinishedSeriesOpensItsFolder();
     void aJobThatFailedStandsOut();
+    void aPictureOverAFileOfTheFlightIsAFailedJob();
     void quittingCancelsAndTheNextStartSaysSo();
     void quittingWaitsWhereTheSettingsSaySo();
     void quittingTwiceCancelsWhatItWaitedFor();
@@ -99,6 +121,27 @@ void JobsTest::aJobThatFailedStandsOut()
     };
     QCOMPARE(colourOf("jobResult0"), m_ui->evaluate("Theme.textBand").value<QColor>());
     QCOMPARE(colourOf("jobResult1"), m_ui->evaluate("Theme.textFailed").value<QColor>());
+}
+
+void JobsTest::aPictureOverAFileOfTheFlightIsAFailedJob()
+{
+    m_folder = FlightMedia::instance().newFolder();
+    const QString video = m_folder + "/flight.jpg";
+    QVERIFY(QFile::copy(FlightMedia::instance().video(), video));
+    const qint64 size = QFileInfo(video).size();
+    m_ui->call("loadVideo", {video});
+    QTRY_VERIFY(m_ui->hasVideo());
+    m_ui->evaluate("fileDialogs.saveImageDialog.open()");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QVERIFY(acceptReplacing(video));
+    QTRY_COMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs: failed"));
+    m_ui->evaluate("jobsPanel.visible = true");
+    QTRY_VERIFY(m_ui->item("jobResult0"));
+    const QString sentence = video + " is a file of the flight itself. Choose another name.";
+    QCOMPARE(m_ui->get("jobResult0", "text").toString(), sentence);
+    QCOMPARE(m_ui->get("noticeText", "text").toString(), sentence);
+    QCOMPARE(QFileInfo(video).size(), size);
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void JobsTest::quittingCancelsAndTheNextStartSaysSo()
