@@ -3,6 +3,7 @@
 #include "Video/AvDecoder.h"
 #include "Video/AvInput.h"
 #include "Video/AvVideo.h"
+#include "Video/DamagedPackets.h"
 #include "Video/FrameIndexTask.h"
 #include "Video/PictureParser.h"
 #include "Video/avPicture.h"
@@ -20,13 +21,6 @@ extern "C" {
 
 namespace corv {
 namespace {
-
-// Behind a damaged place, pictures without a fault of their own are shown again after this many,
-// even if the next keyframe is further away.
-constexpr int mostDoubtfulPackets = 300;
-
-// Pictures come at most this many packets after their own.
-constexpr int mostReordered = 32;
 
 // Attempts to come before a keyframe that the container's own search overshot.
 constexpr int mostSeekAttempts = 4;
@@ -76,7 +70,6 @@ private:
     bool reopen();
     void forgetPosition();
     void markDamage(int from, int last);
-    bool isDoubtful(int packet) const;
     bool isOnTheWay(int frame) const;
     ReadOutcome readLastGoodBefore(int wanted);
     ReadOutcome deliver(Frame& frame);
@@ -109,8 +102,9 @@ private:
     bool m_isFresh = false;      // a new input was asked for at this start
     bool m_isMediumLost = false; // by the last reading
     bool m_isDrained = false;
-    int m_damagedFrom = 0; // packets from here ...
-    int m_damagedTo = 0;   // ... to before this one give no good pictures
+    bool m_isHeld = false; // m_packet is behind a seam, and the decoder is emptied before
+    int m_seam = -1;       // the last packet of that kind
+    DamagedPackets m_damage;
 };
 
 Status AvFrameSource::open()
@@ -150,6 +144,8 @@ Status AvFrameSource::readIndex(int first)
     Result<FrameIndex> stored = m_video->readStoredIndex();
     if (!stored)
         return stored.failure();
+    if (m_video->areKeyframesUnknown(*stored))
+        return startReadingThrough(first);
     stored->hideFramesBefore(first);
     stored->finish(m_video->fps);
     if (stored->frameCount() == 0)
@@ -159,7 +155,8 @@ Status AvFrameSource::readIndex(int first)
     return {};
 }
 
-// Starts to read a container through that does not describe its packets, on a pool thread.
+// Starts to read a container through that does not describe its packets well enough, on a pool
+// thread.
 Status AvFrameSource::startReadingThrough(int first)
 {
     Result<std::unique_ptr<ByteSource>> bytes = m_video->openBytes(m_video->file);
@@ -379,7 +376,7 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
 bool AvFrameSource::isLeftInside(Step step, int wanted) const
 {
     const bool isMissing = step == Step::end || (step == Step::picture && m_waitingFrame > wanted);
-    return isMissing && m_isDrained && m_start > 0 && m_damagedFrom == m_damagedTo;
+    return isMissing && (m_isDrained || m_seam >= 0) && m_start > 0 && m_damage.isEmpty();
 }
 
 // Where keyframes are spread over many frames, whole pictures come only some frames behind the
@@ -440,8 +437,9 @@ void AvFrameSource::forgetPosition()
     m_start = 0;
     m_lastSent = -1;
     m_lastShown = -1;
-    m_damagedFrom = 0;
-    m_damagedTo = 0;
+    m_isHeld = false;
+    m_seam = -1;
+    m_damage.clear();
 }
 
 AvFrameSource::Step AvFrameSource::decodeNext(int wanted)
@@ -459,10 +457,11 @@ AvFrameSource::Step AvFrameSource::decodeNext(int wanted)
             markDamage(std::max(m_lastSent - m_decoder->delay(), 0), m_lastSent);
             break;
         case AvDecoder::Outcome::end:
-            m_inPlace = false;
-            return Step::end;
         case AvDecoder::Outcome::needsPacket:
-            if (m_isDrained) { // which a decoder without fault does not say
+            if (m_isHeld) {
+                m_decoder->flush();
+                m_damage.clear();
+            } else if (outcome == AvDecoder::Outcome::end || m_isDrained) {
                 m_inPlace = false;
                 return Step::end;
             }
@@ -484,7 +483,7 @@ AvFrameSource::Step AvFrameSource::takePicture(int wanted)
         markDamage(packet, packet);
     // Without times in the container the order in which pictures come is all that is known.
     const int frame = index().hasTimes() ? index().packet(packet).frame : m_lastShown + 1;
-    if (frame <= m_lastShown || isDoubtful(packet))
+    if (frame <= m_lastShown || m_damage.isDoubtful(index(), packet))
         return Step::end;
     m_lastShown = frame;
     if (frame < wanted) {
@@ -502,7 +501,8 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
 {
     const FrameIndex& frames = index();
     for (;;) {
-        const AvInput::Outcome outcome = m_input->next(*m_packet);
+        const AvInput::Outcome outcome =
+            std::exchange(m_isHeld, false) ? AvInput::Outcome::packet : m_input->next(*m_packet);
         if (outcome == AvInput::Outcome::failed)
             return Step::failed;
         if (outcome == AvInput::Outcome::end) {
@@ -524,6 +524,14 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
         }
         if (m_lastSent < 0 && packet > 0 && isStartSpread())
             return Step::overshot;
+        // A decoder takes what follows a seam for what followed the packet before.
+        if (m_lastSent >= 0 && packet != m_seam && m_video->packetsAsStored &&
+            frames.isAtSeam(packet)) {
+            m_isHeld = true;
+            m_seam = packet;
+            m_decoder->sendEnd();
+            return Step::picture;
+        }
         // Where two recordings meet, their counters of packets do not fit, and nothing is lost.
         if (m_packet->flags & AV_PKT_FLAG_CORRUPT && !frames.isAtJoin(packet))
             markDamage(packet, packet);
@@ -538,26 +546,9 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
     }
 }
 
-// One of the packets `from` to `last` is damaged. Frames that are built on it are no better.
 void AvFrameSource::markDamage(int from, int last)
 {
-    const int end = std::min(last + mostDoubtfulPackets, index().keyPacketAfter(last));
-    const bool follows =
-        m_damagedTo > 0 && from <= m_damagedTo + mostReordered + m_decoder->delay();
-    m_damagedFrom = follows ? std::min(from, m_damagedFrom) : from;
-    m_damagedTo = follows ? std::max(end, m_damagedTo) : end;
-}
-
-bool AvFrameSource::isDoubtful(int packet) const
-{
-    if (packet < m_damagedFrom || m_damagedFrom == m_damagedTo)
-        return false;
-    if (packet < m_damagedTo)
-        return true;
-    // Shown before the keyframe that ends the damage, and built on what precedes it.
-    const FrameIndex& frames = index();
-    return m_damagedTo < frames.packetCount() && frames.packet(m_damagedTo).isKey &&
-           frames.packet(packet).pts < frames.packet(m_damagedTo).pts;
+    m_damage.mark(index(), from, last, m_decoder->delay());
 }
 
 // No good frame follows: the last one before is held.

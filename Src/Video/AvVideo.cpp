@@ -1,6 +1,7 @@
 #include "Video/AvVideo.h"
 
 #include "Video/AvFrameSource.h"
+#include "Video/PictureParser.h"
 #include "Video/packetIndex.h"
 
 extern "C" {
@@ -20,6 +21,9 @@ namespace corv {
 namespace {
 
 constexpr size_t measuredFrames = 60;
+
+// Where to look whether what is called a keyframe is one.
+constexpr int keyPlaces = 4;
 
 Failure noMemoryFor(const QString& file)
 {
@@ -172,6 +176,36 @@ Result<FrameIndex> AvVideo::readStoredIndex(AvInput& description) const
         return withName(status.failure(), file);
     packets.setStatedLength(description.streamDurationMs());
     return packets;
+}
+
+bool AvVideo::areKeyframesUnknown(const FrameIndex& packets) const
+{
+    const int count = packets.packetCount();
+    if (count < 2 || !PictureParser::knows(*parameters))
+        return false;
+    for (int i = 0; i < count; ++i) {
+        if (!packets.packet(i).isKey)
+            return false;
+    }
+    Result<std::unique_ptr<AvInput>> input = openInput();
+    if (!input)
+        return false;
+    (*input)->takePacketsAsStored();
+    PictureParser parser(*parameters);
+    AvPacketPtr packet(av_packet_alloc());
+    for (int place = 0; place < keyPlaces; ++place) {
+        const FrameIndex::Packet& at =
+            packets.packet(static_cast<int>(qint64(count) * place / keyPlaces));
+        if (place > 0 && !(*input)->seek(at.storedDts(), at.position))
+            return false;
+        // The second of two is no keyframe, unless each one is.
+        for (int i = 0; i < 2 && (*input)->next(*packet) == AvInput::Outcome::packet; ++i) {
+            const PictureParser::Picture picture = parser.look(*packet);
+            if (!picture.isWhole && !picture.isSecondField)
+                return true;
+        }
+    }
+    return false;
 }
 
 Result<VideoInfo> readVideoInfo(const QString& file, const ByteSourceFactory& openBytes)

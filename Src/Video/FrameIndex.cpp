@@ -111,6 +111,22 @@ bool FrameIndex::isAtJoin(int packet) const
     return false;
 }
 
+void FrameIndex::setKeyPackets(const std::vector<bool>& areKeys)
+{
+    for (size_t i = 0; i < m_packets.size(); ++i)
+        m_packets[i].isKey = areKeys[i];
+}
+
+// Each part begins at a keyframe before what it shows, and ends at one behind that.
+bool FrameIndex::isAtSeam(int packet) const
+{
+    if (packet == 0 || !this->packet(packet).isKey)
+        return false;
+    const qint64 before = this->packet(packet - 1).dts;
+    const qint64 behind = this->packet(packet).dts;
+    return before != noTime && behind != noTime && behind < before;
+}
+
 void FrameIndex::giveTimes(const std::vector<qint64>& orders)
 {
     std::vector<size_t> decoded;

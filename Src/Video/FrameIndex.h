@@ -53,6 +53,14 @@ public:
     /// after which a decoder delivers it, each later frame that of a later packet. Before finish().
     void giveTimes(const std::vector<qint64>& orders);
 
+    /// Whether decoding can start at each packet, where the container does not know. Before
+    /// finish().
+    void setKeyPackets(const std::vector<bool>& areKeys);
+
+    /// Whether an edit list leads from the packet before to this one, which is not what followed
+    /// it when both were recorded.
+    bool isAtSeam(int packet) const;
+
     /// The length that the container states, in milliseconds: where it can be that of what is
     /// shown, the last frame ends there. Before finish().
     void setStatedLength(double ms) { m_statedMs = ms; }

@@ -26,6 +26,10 @@ void FrameIndexTask::State::read(std::unique_ptr<ByteSource> bytes, const QStrin
 {
     Result<std::unique_ptr<AvInput>> input = AvInput::open(std::move(bytes), name);
     if (input && (*input)->probe()) {
+        if ((*input)->describesPackets()) {
+            (*input)->takePacketsAsStored();
+            index.setStatedLength((*input)->streamDurationMs());
+        }
         (*input)->rewind();
         // What came before a failure counts.
         const Status status = readPacketIndex(**input, index, true, [this](double part) {

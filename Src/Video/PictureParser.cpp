@@ -38,9 +38,14 @@ bool hasTwoPictures(const AVPacket& packet)
 
 } // namespace
 
+bool PictureParser::knows(const AVCodecParameters& parameters)
+{
+    return isKnown(parameters.codec_id);
+}
+
 PictureParser::PictureParser(const AVCodecParameters& parameters)
 {
-    if (!isKnown(parameters.codec_id))
+    if (!knows(parameters))
         return;
     m_context.reset(avcodec_alloc_context3(nullptr));
     if (!m_context || avcodec_parameters_to_context(m_context.get(), &parameters) < 0)
@@ -67,6 +72,8 @@ PictureParser::Picture PictureParser::look(const AVPacket& packet)
         return picture;
     picture.isWhole =
         m_parser->pict_type != AV_PICTURE_TYPE_P && m_parser->pict_type != AV_PICTURE_TYPE_B;
+    const bool isIntra = m_parser->pict_type == AV_PICTURE_TYPE_I;
+    picture.isKey = m_parser->key_frame == 1 || (m_parser->key_frame < 0 && isIntra);
     // The order of two fields is known once both were seen: with the second one.
     const bool isHalf = m_context->codec_id == AV_CODEC_ID_H264 && isField(*m_parser);
     picture.isSecondField = isHalf && m_isFirstField && m_parser->field_order != AV_FIELD_UNKNOWN;

@@ -14,6 +14,10 @@ class PictureParser
 public:
     /// Knows H.264, HEVC and MPEG-4; of others it says nothing.
     explicit PictureParser(const AVCodecParameters& parameters);
+
+    /// Whether it knows this kind of video.
+    static bool knows(const AVCodecParameters& parameters);
+
     ~PictureParser();
     PictureParser(const PictureParser&) = delete;
     PictureParser& operator=(const PictureParser&) = delete;
@@ -28,6 +32,9 @@ public:
 
         /// Whether the picture needs no other one, or nothing is known of it.
         bool isWhole = true;
+
+        /// Whether the picture says that decoding can start at it.
+        bool isKey = false;
 
         /// Pictures are shown in this order, where it is known.
         bool hasOrder = false;

@@ -155,12 +155,15 @@ public:
             return;
         const PictureParser::Picture picture = m_parser->look(packet);
         m_orders.push_back(picture.order);
+        m_keys.push_back(picture.isKey && !picture.isSecondField);
         if (picture.isSecondField) {
             entry.isSecondField = true;
             entry.isShown = false;
             entry.isKey = false;
             return;
         }
+        m_areAllKeys = m_areAllKeys && entry.isKey;
+        m_areAllWhole = m_areAllWhole && picture.isWhole;
         entry.isKey = entry.isKey && !picture.isPlaceholder;
         m_isPacked = m_isPacked || picture.isPlaceholder;
         m_isOrderKnown = m_isOrderKnown && picture.hasOrder;
@@ -180,11 +183,17 @@ public:
             index.giveTimes(m_orders);
         if (m_isPacked)
             index.setPacked();
+        // A container without its list of keyframes says that all packets are such.
+        if (m_areAllKeys && !m_areAllWhole)
+            index.setKeyPackets(m_keys);
     }
 
 private:
     std::optional<PictureParser> m_parser;
     std::vector<qint64> m_orders;
+    std::vector<bool> m_keys; // by what the pictures say
+    bool m_areAllKeys = true; // by what the container says
+    bool m_areAllWhole = true;
     bool m_isOrderKnown = true;
     bool m_isTimeMissing = false;
     bool m_isPacked = false;
