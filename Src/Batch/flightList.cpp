@@ -93,6 +93,7 @@ FlightList listFlights(const QStringList& locations, const QString& outFolder,
     }
     FlightFilesMatcher matcher(&abortFlag);
     list.jobs = jobsOfMatches(matcher.matchFlightFiles(videos, logs, false, nullptr));
+    list.remarks << searchRemarks({}, {}, matcher.lostFiles());
     nameFolders(&list.jobs, outFolder);
     list.remarks << remarksOnUnusedLogs(logs, list.jobs);
     return list;

@@ -112,14 +112,16 @@ void DirectoryParser::parseDirectories(QString videoDirectory, QString logDirect
             qCInfo(lcDiscovery) << "Starting the directory parser";
             const auto result = std::make_shared<Result>();
             const FlightFiles files = gatherFlightFiles(locations);
+            QStringList lostFiles;
             result->matched = !files.videos.isEmpty() && !files.logs.isEmpty();
             if (result->matched) {
                 FlightFilesMatcher matcher(abortRequested.get(), facts);
                 result->matches = matcher.matchFlightFiles(files.videos, files.logs, quickMode,
                                                            reportProgress, reportVideo);
                 result->rows = matchingRows(result->matches);
+                lostFiles = matcher.lostFiles();
             }
-            result->remarks = corv::searchRemarks(locations, files);
+            result->remarks = corv::searchRemarks(locations, files, lostFiles);
             listener->postToParser([result, abortRequested](DirectoryParser& parser) {
                 parser.endSearch(*result, *abortRequested);
             });

@@ -8,6 +8,7 @@
 #include "Video/VideoInfoReader.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QHash>
 #include <QThread>
 #include <algorithm>
@@ -98,6 +99,17 @@ private:
     PoolTask m_task;
 };
 
+// True if the first or the last byte cannot be had; not for a file that the system keeps from us.
+bool failsToRead(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return file.error() != QFile::PermissionsError;
+    char byte = 0;
+    return file.size() > 0 &&
+           !(file.getChar(&byte) && file.seek(file.size() - 1) && file.getChar(&byte));
+}
+
 } // namespace
 
 FileState FlightFilesMatcher::stateOnDisk(const QFileInfo& file)
@@ -114,6 +126,8 @@ VideoLength FlightFilesMatcher::readVideoLength(const QString& path)
     const double exactMs = length.coarseMs >= 0 ? reader.exactDurationMs() : -1.0;
     if (exactMs > 0.0)
         length.exactMs = qRound64(exactMs);
+    else
+        length.isLost = failsToRead(path);
     return length;
 }
 
@@ -122,8 +136,11 @@ LogFacts FlightFilesMatcher::readLogFacts(const QString& path, const std::atomic
 {
     LogFacts facts;
     Result<LogDigest> digest = LogDecoder(abortFlag).readForPairing(path, stages);
-    if (!digest)
+    if (!digest) {
+        const Failure::Kind kind = digest.failure().kind;
+        facts.isLost = kind == Failure::Kind::unreadable || kind == Failure::Kind::notFound;
         return facts;
+    }
     facts.read = true;
     facts.describesRecordings = digest->describesRecordings;
     facts.recordings = std::move(digest->recordings);
@@ -160,6 +177,9 @@ QList<FlightMatchData> FlightFilesMatcher::matchFlightFiles(const QList<QFileInf
     readLengths(search, videoProgress);
     if (hasAborted() || !weigh(search, progress) || !nameFlights(search) || hasAborted())
         return {};
+    for (const Search::Log& log : search.logs)
+        if (log.facts.isLost)
+            m_lostFiles.append(log.file.file.absoluteFilePath());
     return search.matches;
 }
 
@@ -224,7 +244,7 @@ FlightFilesMatcher::Search FlightFilesMatcher::pair(const QList<QFileInfo>& vide
     return search;
 }
 
-void FlightFilesMatcher::readLengths(Search& search, const VideoProgress& progress) const
+void FlightFilesMatcher::readLengths(Search& search, const VideoProgress& progress)
 {
     for (int i = 0; i < search.matches.size(); ++i) {
         if (isAbortRequested())
@@ -234,6 +254,8 @@ void FlightFilesMatcher::readLengths(Search& search, const VideoProgress& progre
         qCInfo(lcDiscovery) << "Getting time for video" << i;
         const QString path = search.matches[i].videoFile.absoluteFilePath();
         const VideoLength length = m_facts.videoLength(path);
+        if (length.isLost)
+            m_lostFiles.append(path);
         search.matches[i].videoDuration = length.coarseMs;
         search.matches[i].flightLengthMs = length.exactMs;
         search.videos[static_cast<size_t>(i)].lengthMs = length.exactMs;

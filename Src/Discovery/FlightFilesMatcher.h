@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <atomic>
 #include <functional>
 #include <vector>
@@ -19,12 +20,14 @@ struct VideoLength
 {
     int coarseMs = -1;   ///< whole seconds as `VideoInfoReader` counts them; -1 if it does not open
     qint64 exactMs = -1; ///< -1 if unknown
+    bool isLost = false; ///< as `LogFacts` has it
 };
 
 /// What pairing and naming need of one log.
 struct LogFacts
 {
     bool read = false;
+    bool isLost = false; ///< has gone, or reading failed in the middle, as of a card pulled out
     bool describesRecordings = false; ///< so that a log without a recording saw none
     std::vector<RecEvent> recordings;
     QList<FlightNamingEvent> namings;
@@ -72,6 +75,10 @@ public:
                                             const Progress& progress,
                                             const VideoProgress& videoProgress = {});
 
+    /// The videos and logs that were found, but had gone or failed in the middle when they were
+    /// read. Empty before `matchFlightFiles`.
+    const QStringList& lostFiles() const { return m_lostFiles; }
+
 private:
     struct Search;
 
@@ -83,7 +90,7 @@ private:
     bool isAbortRequested() const;
     bool hasAborted() const;
     Search pair(const QList<QFileInfo>& videos, const QList<QFileInfo>& logs, bool quickMode) const;
-    void readLengths(Search& search, const VideoProgress& progress) const;
+    void readLengths(Search& search, const VideoProgress& progress);
     bool readLogs(Search& search, size_t from, size_t end, const Progress& progress) const;
     bool weigh(Search& search, const Progress& progress) const;
     static void decide(Search& search);
@@ -91,6 +98,7 @@ private:
 
     const std::atomic<bool>* m_abortFlag;
     FileFacts m_facts;
+    QStringList m_lostFiles;
 };
 
 } // namespace corv

@@ -149,7 +149,8 @@ FlightFiles gatherFlightFiles(const SearchLocations& locations, const QList<Card
     return files;
 }
 
-QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& files)
+QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& files,
+                          const QStringList& lostFiles)
 {
     QStringList remarks;
     const auto addIfGone = [&remarks](const QString& directory, const QList<QFileInfo>& listed) {
@@ -162,6 +163,15 @@ QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& f
     };
     addIfGone(locations.logDirectory, files.logs);
     addIfGone(locations.videoDirectory, files.videos);
+    if (remarks.isEmpty() && !lostFiles.isEmpty()) {
+        const QString others = lostFiles.size() == 2 ? QStringLiteral(" and 1 more file")
+                               : lostFiles.size() > 2
+                                   ? QStringLiteral(" and %1 more files").arg(lostFiles.size() - 1)
+                                   : QString();
+        remarks.append(QStringLiteral("\"%1\"%2 could not be read. The disk or card may be damaged "
+                                      "or no longer there. Check it and repeat the search.")
+                           .arg(lostFiles.first(), others));
+    }
     if (files.skippedNames == 1)
         remarks.append(QStringLiteral("1 file is left out: its name is not valid text (UTF-8). "
                                       "Rename it to have it listed."));

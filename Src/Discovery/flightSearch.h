@@ -36,9 +36,10 @@ FlightFiles gatherFlightFiles(const SearchLocations& locations,
                               const QList<CardLayout>& layouts = cardLayouts());
 
 /// Sentences for the pilot on what a search could not do: a location that cannot be read or whose
-/// files have gone since they were listed, names that cannot be listed. Empty if all is well. Any
-/// thread.
-QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& files);
+/// files have gone since they were listed, files that the matcher lost, names that cannot be
+/// listed. Empty if all is well. Any thread.
+QStringList searchRemarks(const SearchLocations& locations, const FlightFiles& files,
+                          const QStringList& lostFiles = {});
 
 /// What the pairing of one video rests on, in words.
 QString evidenceText(const FlightMatchData& match);

@@ -32,6 +32,8 @@ private slots:
     void laterPartsNameTheFirst();
     void namesThatAreNoTextAreCounted();
     void aLocationThatIsGoneIsRemarked();
+    void filesThatCouldNotBeReadAreRemarked_data();
+    void filesThatCouldNotBeReadAreRemarked();
     void theResultIsRemembered();
     void allDrivesAreListed();
     void theMachinesOwnDrivesAreListed();
@@ -307,6 +309,51 @@ void DirectoryParserTest::aLocationThatIsGoneIsRemarked()
     const QStringList remarks = remarked[0][0].toStringList();
     QCOMPARE(remarks.size(), 1);
     QVERIFY2(remarks[0].contains(s.path("gone")), qPrintable(remarks[0]));
+}
+
+void DirectoryParserTest::filesThatCouldNotBeReadAreRemarked_data()
+{
+    QTest::addColumn<bool>("isVideoLost");
+    QTest::addColumn<bool>("isLogLost");
+    QTest::addColumn<QString>("remark");
+    const QString advice = " could not be read. The disk or card may be damaged or no longer "
+                           "there. Check it and repeat the search.";
+    QTest::newRow("the video") << true << false << "\"%1\"" + advice;
+    QTest::newRow("the log") << false << true << "\"%1\"" + advice;
+    QTest::newRow("both") << true << true << "\"%1\" and 1 more file" + advice;
+}
+
+// Their names and times are still there, as the system remembers those of a card that was pulled
+// out.
+void DirectoryParserTest::filesThatCouldNotBeReadAreRemarked()
+{
+    QFETCH(bool, isVideoLost);
+    QFETCH(bool, isLogLost);
+    QFETCH(QString, remark);
+    Setup s;
+    s.addVideo(s.path("videos/v.mp4"), 0);
+    s.addLog(s.path("logs/l.log"), 10);
+    DirectoryParser::Machine machine = s.parserMachine();
+    machine.files.videoLength = [isVideoLost](const QString&) {
+        VideoLength length{60'000, 60'000};
+        length.isLost = isVideoLost;
+        return length;
+    };
+    machine.files.log = [isLogLost](const QString&, const std::atomic<bool>*,
+                                    const FlightFilesMatcher::LogStages&) {
+        LogFacts facts;
+        facts.isLost = isLogLost;
+        return facts;
+    };
+    s.parser = std::make_unique<DirectoryParser>(machine);
+    QSignalSpy complete(s.parser.get(), &DirectoryParser::matchingComplete);
+    QSignalSpy remarked(s.parser.get(), &DirectoryParser::searchRemarks);
+    s.searchFolders();
+    QVERIFY(complete.wait());
+    QCOMPARE(rowsOf(complete).size(), 1);
+    QCOMPARE(remarked.size(), 1);
+    const QString lost = s.path(isVideoLost ? "videos/v.mp4" : "logs/l.log");
+    QCOMPARE(remarked[0][0].toStringList(), QStringList(remark.arg(lost)));
 }
 
 void DirectoryParserTest::theResultIsRemembered()

@@ -121,6 +121,8 @@ private slots:
     void aVideoWithoutALogStays();
     void aLogThatVanishesLeavesItsFlightPaired();
     void twoNamesOfOneLogAreReadOnce();
+    void filesThatAreGoneAreLost_data();
+    void filesThatAreGoneAreLost();
     void rowsComeInTheOrderOfTime();
     void progressCountsLogs();
     void anAbortGivesNothing_data();
@@ -275,6 +277,33 @@ void FlightFilesMatcherTest::twoNamesOfOneLogAreReadOnce()
     card.logs.append(QFileInfo(card.folder.filePath("other.log")));
     QCOMPARE(flightNames(card.match()), QStringList({"Flight", "Flight"}));
     QCOMPARE(card.logsRead.size(), 1);
+}
+
+void FlightFilesMatcherTest::filesThatAreGoneAreLost_data()
+{
+    QTest::addColumn<bool>("isThere");
+    QTest::newRow("gone since they were listed") << false;
+    QTest::newRow("there, but no video and no log") << true;
+}
+
+void FlightFilesMatcherTest::filesThatAreGoneAreLost()
+{
+    QFETCH(bool, isThere);
+    const QTemporaryDir folder;
+    const QStringList paths = {folder.filePath("v.mp4"), folder.filePath("l.log")};
+    for (const QString& path : paths) {
+        QFile file(path);
+        QVERIFY(!isThere || (file.open(QIODevice::WriteOnly) && file.write("text") == 4));
+    }
+    FlightFilesMatcher::FileFacts facts;
+    facts.state = [](const QFileInfo&) { return kStart; };
+    const std::atomic<bool> abort{false};
+    FlightFilesMatcher matcher(&abort, facts);
+    const auto matches =
+        matcher.matchFlightFiles({QFileInfo(paths[0])}, {QFileInfo(paths[1])}, false, {});
+    QCOMPARE(matches.size(), 1);
+    QVERIFY(matches[0].matchFound);
+    QCOMPARE(matcher.lostFiles(), isThere ? QStringList() : paths);
 }
 
 void FlightFilesMatcherTest::rowsComeInTheOrderOfTime()

@@ -88,6 +88,7 @@ ExitStatus match(const QCommandLineParser& line)
     const SearchLocations locations{arguments[0], arguments[1], videoFromCard, videoFromCard};
     const FlightFiles files = gatherFlightFiles(locations);
     QList<FlightMatchData> matches;
+    QStringList lostFiles;
     if (!files.videos.isEmpty() && !files.logs.isEmpty()) {
         const bool onTerminal = isatty(STDERR_FILENO) == 1;
         const std::atomic<bool> abortFlag{false};
@@ -95,10 +96,11 @@ ExitStatus match(const QCommandLineParser& line)
         matches = matcher.matchFlightFiles(files.videos, files.logs, quickMode,
                                            onTerminal ? FlightFilesMatcher::Progress(showProgress)
                                                       : nullptr);
+        lostFiles = matcher.lostFiles();
         if (onTerminal)
             std::fputs("\r                              \r", stderr);
     }
-    const QStringList remarks = searchRemarks(locations, files);
+    const QStringList remarks = searchRemarks(locations, files, lostFiles);
     for (const QString& remark : remarks)
         fail(remark);
     if (files.videos.isEmpty())
