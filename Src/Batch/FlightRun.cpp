@@ -36,6 +36,7 @@ const QString printedReportName = QStringLiteral("report.pdf");
 const QString videoName = QStringLiteral("video.mp4");
 const QString resultName = QStringLiteral("result.json");
 const QString workFolder = QStringLiteral(".work");
+const QString printingName = QStringLiteral("printing"); // in the working folder
 const QString lockName = QStringLiteral(".lock");
 const QString openStep = QStringLiteral("open");
 const QString projectStep = QStringLiteral("project");
@@ -105,6 +106,12 @@ QJsonObject FlightRun::lastResult(const QString& outFolder, const FlightJob& job
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
+QDateTime FlightRun::brokenOffAt(const QString& outFolder, const FlightJob& job)
+{
+    return QFileInfo(QDir(outFolder).filePath(job.folder + QLatin1Char('/') + workFolder))
+        .lastModified();
+}
+
 QString FlightRun::workPath(const QString& name) const
 {
     return m_folder.filePath(workFolder + QLatin1Char('/') + name);
@@ -163,13 +170,20 @@ void FlightRun::work()
              [this] { return writeLogTables(); });
     step(QStringLiteral("report"), fingerprint(QStringLiteral("report 1")),
          [this, &pois] { return writeReport(pois); });
-    if (!wordProcessor().isEmpty() && QFile::exists(m_folder.filePath(reportName)))
-        step(QStringLiteral("pdf"),
-             fingerprintOf({QStringLiteral("pdf 1")}, {m_folder.filePath(reportName)}),
-             [this] { return printReport(); });
+    const auto print = [this] {
+        if (!wordProcessor().isEmpty() && QFile::exists(m_folder.filePath(reportName)))
+            step(QStringLiteral("pdf"),
+                 fingerprintOf({QStringLiteral("pdf 1")}, {m_folder.filePath(reportName)}),
+                 [this] { return printReport(); });
+    };
+    // Of the two that take long, the one in which no run was killed comes first.
+    if (!m_wasPrinting)
+        print();
     if (m_options.writesVideo)
         step(QStringLiteral("video"), fingerprint(QStringLiteral("video 1")),
              [this] { return writeVideo(); });
+    if (m_wasPrinting)
+        print();
 }
 
 // Gives the words for the fingerprints of what shows or lists them. A flight without values for
@@ -249,7 +263,10 @@ Status FlightRun::takeFolder()
 // What a killed run left: nobody else works here.
 void FlightRun::sweepLeftovers()
 {
+    m_wasPrinting = QFileInfo::exists(workPath(printingName));
     QDir(workPath(QString())).removeRecursively();
+    // It stays if this run is killed, too, and its time says when that was.
+    QDir().mkpath(workPath(QString()));
     static const QRegularExpression unfinished(
         QStringLiteral("^(manifest\\.json|result\\.json|points\\.csv|points\\.json)\\.[A-Za-z]{6}$"
                        "|^\\..*\\.[0-9]+(\\..*)?\\.part$"));
@@ -497,6 +514,7 @@ Result<QStringList> FlightRun::writeReport(const QVariantList& pois)
 
 Result<QStringList> FlightRun::printReport()
 {
+    QDir().mkpath(workPath(printingName));
     // A profile of its own: a word processor that runs already would take the work and end at once.
     ReportFolder::sweep();
     const ReportFolder profile;

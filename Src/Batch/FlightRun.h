@@ -6,6 +6,7 @@
 #include "Review/OpenFlight.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QDir>
 #include <QJsonObject>
 #include <QList>
@@ -66,6 +67,10 @@ public:
     /// folder is that of another flight.
     static QJsonObject lastResult(const QString& outFolder, const FlightJob& job);
 
+    /// When a run of this flight that did not end began its last step; invalid if the last one
+    /// ended, or there was none.
+    static QDateTime brokenOffAt(const QString& outFolder, const FlightJob& job);
+
 private:
     /// Gives the files that it made, relative to the flight's folder.
     using Action = std::function<Result<QStringList>()>;
@@ -105,7 +110,8 @@ private:
     const QDir m_folder;
     const QString m_projectPath;
     std::unique_ptr<platform::FileLock> m_lock;
-    bool m_ownsFolder = false; ///< locked, and that of this flight
+    bool m_ownsFolder = false;  ///< locked, and that of this flight
+    bool m_wasPrinting = false; ///< when the run before was killed
     FlightManifest m_manifest;
     OpenFlight m_flight;
     Summary m_summary;

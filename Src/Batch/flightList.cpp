@@ -1,11 +1,13 @@
 #include "Batch/flightList.h"
 
+#include "Batch/FlightRun.h"
 #include "Discovery/FlightFilesMatcher.h"
 #include "Discovery/flightSearch.h"
 #include "Video/fileNames.h"
 
 #include <QHash>
 #include <QSet>
+#include <algorithm>
 
 namespace corv {
 namespace {
@@ -34,6 +36,18 @@ QStringList filesByNumber(const FlightMatchData& first,
         files << path;
     }
     return files.isEmpty() ? QStringList{firstPath} : files;
+}
+
+void putBrokenOffLast(QList<FlightJob>* jobs, const QString& outFolder)
+{
+    QHash<QString, qint64> times; // by the folder; 0 where none was killed
+    for (const FlightJob& job : qAsConst(*jobs)) {
+        const QDateTime time = FlightRun::brokenOffAt(outFolder, job);
+        times.insert(job.folder, time.isValid() ? time.toMSecsSinceEpoch() : 0);
+    }
+    std::stable_sort(jobs->begin(), jobs->end(), [&](const FlightJob& a, const FlightJob& b) {
+        return times.value(a.folder) < times.value(b.folder);
+    });
 }
 
 QStringList remarksOnUnusedLogs(const QList<QFileInfo>& logs, const QList<FlightJob>& jobs)
@@ -95,6 +109,7 @@ FlightList listFlights(const QStringList& locations, const QString& outFolder,
     list.jobs = jobsOfMatches(matcher.matchFlightFiles(videos, logs, false, nullptr));
     list.remarks << searchRemarks({}, {}, matcher.lostFiles());
     nameFolders(&list.jobs, outFolder);
+    putBrokenOffLast(&list.jobs, outFolder);
     list.remarks << remarksOnUnusedLogs(logs, list.jobs);
     return list;
 }

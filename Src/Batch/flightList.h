@@ -19,8 +19,9 @@ struct FlightList
 
 /// Finds and pairs the flights of all locations together, as the importer's full search does: a log
 /// may lie on another card than its video. Each location is a card or a folder. The folders are
-/// named with regard to what is in `outFolder` by now (`nameFolders`). Blocks; may run on any
-/// thread. Empty after an abort.
+/// named with regard to what is in `outFolder` by now (`nameFolders`). Flights in which a run was
+/// killed come last, the one that was killed longest ago first, so that a step that is always
+/// killed keeps no other flight waiting. Blocks; may run on any thread. Empty after an abort.
 FlightList listFlights(const QStringList& locations, const QString& outFolder,
                        const std::atomic<bool>& abortFlag);
 

@@ -61,6 +61,7 @@ private slots:
     void quietRunDoesAllThatCanBeDone();
     void secondRunChangesNothing();
     void nightOfMishapsEndsAsAQuietOne();
+    void allButTheReportIsDoneWherePrintingIsAlwaysKilled();
 
 private:
     QStringList reviewOf(const QString& out) const
@@ -194,6 +195,42 @@ void OvernightTest::nightOfMishapsEndsAsAQuietOne()
     QCOMPARE(differencesOf(resultsIn(path("disk")), m_quiet).join('\n'), QString());
     QCOMPARE(QDir(path("tmp")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
+}
+
+void OvernightTest::allButTheReportIsDoneWherePrintingIsAlwaysKilled()
+{
+    constexpr int flights = 3;
+    TestCard card;
+    card.flights = flights;
+    QVERIFY(card.write(path("stuck card")));
+    QVERIFY(QDir().mkpath(path("stuck bin")));
+    write(path("stuck bin/soffice"),
+          "#!/bin/sh\necho >>" + path("printings").toUtf8() + "\nexec sleep 300\n");
+    QVERIFY(QFile::setPermissions(path("stuck bin/soffice"), QFile::ReadOwner | QFile::ExeOwner));
+    QProcessEnvironment stuck = m_environment;
+    stuck.insert("PATH", path("stuck bin") + ":/usr/bin:/bin");
+    const QStringList words{"review",      "--at-once",       "1", "--video", "--out",
+                            path("stuck"), path("stuck card")};
+    const auto printings = [this] { return QFileInfo(path("printings")).size(); };
+    // In the first round each flight gets to its printing, in the second past its video.
+    for (int kills = 0; kills < 2 * flights; ++kills) {
+        QProcess review;
+        review.setProcessEnvironment(stuck);
+        review.start(VISTREL_CLI, words);
+        QTRY_COMPARE_WITH_TIMEOUT(printings(), kills + 1, 60000);
+        review.kill();
+        QVERIFY(review.waitForFinished());
+        if (kills == flights - 1)
+            QCOMPARE(resultsIn(path("stuck")).keys().filter("report.docx:word/document.xml").size(),
+                     flights);
+    }
+    const QStringList done = resultsIn(path("stuck")).keys();
+    QCOMPARE(done.filter(QRegularExpression("/video\\.mp4$")).size(), flights);
+    QCOMPARE(done.filter(QRegularExpression("/report\\.pdf$")).size(), 0);
+    const ProgramRun whole = runProgram(VISTREL_CLI, words, m_environment);
+    QVERIFY2(whole.status == 0, whole.out + whole.error);
+    QCOMPARE(resultsIn(path("stuck")).keys().filter(QRegularExpression("/report\\.pdf$")).size(),
+             flights);
 }
 
 int main(int argc, char** argv)
