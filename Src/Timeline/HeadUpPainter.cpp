@@ -2,6 +2,7 @@
 
 #include "Base/arithmetic.h"
 #include "Timeline/logCategory.h"
+#include "Timeline/textPlate.h"
 
 #include <QDebug>
 #include <QPainter>
@@ -265,9 +266,11 @@ void HeadUpPainter::paintTexts(QPainter& painter, size_t row, int y, double widt
 {
     const QRectF rect(10.0, y + 8.0, width - 20.0, 20.0);
     painter.setPen(m_labelPen);
-    painter.drawText(rect, Qt::AlignLeft | Qt::AlignTop, QString::fromLatin1(m_rows[row].label));
+    drawTextOnPlate(painter, rect, Qt::AlignLeft | Qt::AlignTop,
+                    QString::fromLatin1(m_rows[row].label), greyGroundPlate);
     if (hasValue(row))
-        painter.drawText(rect, Qt::AlignRight | Qt::AlignTop, textAt(row, videoMs));
+        drawTextOnPlate(painter, rect, Qt::AlignRight | Qt::AlignTop, textAt(row, videoMs),
+                        greyGroundPlate);
 }
 
 void HeadUpPainter::paintDial(QPainter& painter, size_t index, const Dial& dial, int videoMs) const

@@ -1,8 +1,10 @@
 #include "Timeline/TimelinePoi.h"
 
+#include "Timeline/textPlate.h"
 #include "Timeline/timelineGeometry.h"
 
 #include <QPainter>
+#include <algorithm>
 
 namespace corv {
 namespace {
@@ -57,8 +59,12 @@ void TimelinePoi::drawPoi(QPainter& painter, int x, const PoiLook& look) const
     painter.fillRect(x, 33, width + 1, 14, flagColour(look));
     painter.setPen(penOf(look.selected ? Qt::white : Qt::black));
     const QRectF place(QPointF(x + 3, 32), QPointF(x + width + 1, 46));
-    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
-                     shortened(m_name, painter.fontMetrics(), static_cast<int>(place.width())));
+    const QString name = shortened(m_name, painter.fontMetrics(), static_cast<int>(place.width()));
+    if (look.selected && !name.isEmpty()) {
+        const int end = std::min(width, painter.fontMetrics().horizontalAdvance(name) + 5);
+        painter.fillRect(x + 1, 34, end, 12, redGroundPlate);
+    }
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter, name);
     painter.setPen(penOf(Qt::black));
     painter.drawLine(x, 25, x, 106);
     if (!look.omitThumbnail)

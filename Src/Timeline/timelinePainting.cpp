@@ -1,6 +1,7 @@
 #include "Timeline/timelinePainting.h"
 
 #include "Base/arithmetic.h"
+#include "Timeline/textPlate.h"
 
 #include <QPainter>
 #include <algorithm>
@@ -9,6 +10,7 @@ namespace corv {
 namespace {
 
 constexpr int rulerHeight = 25;
+constexpr int majorTickTop = 13;
 constexpr int tickBottom = 22;
 constexpr int labelWidth = 80;
 constexpr int labelHeight = 20;
@@ -38,11 +40,21 @@ public:
     {
     }
 
+    // Behind the label, which is above its tick.
+    void paintPlate(int ms)
+    {
+        const int x = pxOfMs(ms, m_strip.view);
+        if (x <= m_endX && isNearItem(x)) {
+            m_painter.fillRect(labelX(x) + (labelWidth - m_textWidth) / 2, 0, m_textWidth,
+                               majorTickTop, greyGroundPlate);
+        }
+    }
+
     void paintTicksFrom(int ms)
     {
         const int x = pxOfMs(ms, m_strip.view);
         if (x <= m_endX && isNearItem(x)) {
-            paintTick(x, 13);
+            paintTick(x, majorTickTop);
             m_painter.drawText(labelX(x), 0, labelWidth, labelHeight, labelFlags,
                                timeOfMs(ms).toString(QStringLiteral("mm:ss.zzz")));
         }
@@ -94,6 +106,17 @@ TickRange paintRuler(QPainter& painter, const TimelineStrip& strip)
     painter.drawLine(QPointF(0, rulerHeight), QPointF(width, rulerHeight));
 
     const int endX = pxOfMs(strip.durationMs, strip.view);
+    const int textWidth =
+        painter.boundingRect(0, 0, labelWidth, labelHeight, labelFlags, QStringLiteral("00:00.000"))
+            .width();
+    const TickSpacing& spacing =
+        tickSpacingFor(static_cast<float>(textWidth) * strip.view.msPerPx * 2);
+    const TickRange range = tickRange(strip.view, width, spacing.spacingMs);
+    const long long lastMs = std::min<long long>(range.lastMs - 1LL, strip.durationMs);
+    TickPainter ticks(painter, strip, spacing, endX, textWidth);
+    for (long long ms = range.firstMs; ms <= lastMs; ms += spacing.spacingMs)
+        ticks.paintPlate(static_cast<int>(ms));
+
     pen.setColor(QColor(55, 55, 55));
     painter.setPen(pen);
     if (isPaintable(endX))
@@ -101,15 +124,7 @@ TickRange paintRuler(QPainter& painter, const TimelineStrip& strip)
 
     pen.setColor(Qt::white);
     painter.setPen(pen);
-    const int textWidth =
-        painter.boundingRect(0, 0, labelWidth, labelHeight, labelFlags, QStringLiteral("00:00.000"))
-            .width();
-    const TickSpacing& spacing =
-        tickSpacingFor(static_cast<float>(textWidth) * strip.view.msPerPx * 2);
-    const TickRange range = tickRange(strip.view, width, spacing.spacingMs);
-    TickPainter ticks(painter, strip, spacing, endX, textWidth);
-    for (long long ms = range.firstMs; ms < range.lastMs && ms <= strip.durationMs;
-         ms += spacing.spacingMs)
+    for (long long ms = range.firstMs; ms <= lastMs; ms += spacing.spacingMs)
         ticks.paintTicksFrom(static_cast<int>(ms));
     return range;
 }

@@ -1,5 +1,7 @@
 #include "headUpPanel.h"
 
+#include "Support/contrast.h"
+
 #include <limits>
 #include <vector>
 
@@ -23,6 +25,7 @@ private slots:
     void drawsAtAnyWidth();
     void drawsLabelsAndSeparators();
     void labelIsAtTheLeftAndValueAtTheRight();
+    void textsCanBeReadOnThePanel();
 };
 
 void HeadUpDisplayPaintingTest::drawsTheDials()
@@ -182,6 +185,24 @@ void HeadUpDisplayPaintingTest::labelIsAtTheLeftAndValueAtTheRight()
     QVERIFY2(white.front() >= 10 && white.front() < 14, qPrintable(QString::number(white.front())));
     QVERIFY2(white.back() >= panelWidth - 14 && white.back() < panelWidth - 10,
              qPrintable(QString::number(white.back())));
+}
+
+void HeadUpDisplayPaintingTest::textsCanBeReadOnThePanel()
+{
+    LogBuilder log = recordingLog(durationMs);
+    addStateGroup(log);
+    addState(log, {start, 0, 0, 0, 0, 5, 0});
+    Panel panel(log);
+    QImage image(panel.hud.boundingRect().size().toSize(), QImage::Format_RGB32);
+    image.fill(QColor(0x77, 0x77, 0x77)); // the ground of the sidebar
+    QPainter painter(&image);
+    panel.hud.paint(&painter);
+    painter.end();
+    for (const int x : {10, panelWidth - 10 - 16}) {
+        const QColor behind = mostFrequentColour(image.copy(x, rowTop(3) + 10, 16, 10));
+        const double ratio = contrast(Qt::white, behind);
+        QVERIFY2(ratio >= 4.5, qPrintable(QString("%1 on %2").arg(ratio).arg(behind.name())));
+    }
 }
 
 QTEST_MAIN(HeadUpDisplayPaintingTest)

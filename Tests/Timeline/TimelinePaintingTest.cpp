@@ -1,6 +1,8 @@
 #include "paintedTexts.h"
 #include "timelineStrip.h"
 
+#include "Support/contrast.h"
+
 #include <limits>
 
 using namespace corv;
@@ -37,6 +39,7 @@ private slots:
     void paintsTicksUpToTheEnd();
     void paintsLabels();
     void theLabelOfTheStartIsWhole();
+    void labelsCanBeRead();
     void paintsTheCursor();
     void paintsPoisInOrder();
     void paintsTheHoveredPoiOnTop();
@@ -132,6 +135,14 @@ void TimelinePaintingTest::paintsLabels()
 
     strip.timeline.setContentX(36100 - 300);
     QVERIFY(painted(strip.timeline).copy(300, 0, 80, 12) != atAnHour.copy(300, 0, 80, 12));
+}
+
+void TimelinePaintingTest::labelsCanBeRead()
+{
+    Strip strip;
+    const QColor behind = mostFrequentColour(painted(strip.timeline).copy(2, 2, 50, 10));
+    const double ratio = contrast(Qt::white, behind);
+    QVERIFY2(ratio >= 4.5, qPrintable(QString("%1 on %2").arg(ratio).arg(behind.name())));
 }
 
 void TimelinePaintingTest::theLabelOfTheStartIsWhole()

@@ -3,6 +3,8 @@
 #include "paintedTexts.h"
 #include "timelineSupport.h"
 
+#include "Support/contrast.h"
+
 #include <limits>
 
 using namespace corv;
@@ -20,6 +22,8 @@ private slots:
     void drawsAFlag_data();
     void drawsAFlag();
     void drawsTheNameInsideTheFlag();
+    void theNameCanBeReadInEachState_data();
+    void theNameCanBeReadInEachState();
     void aLongNameKeepsItsBeginning_data();
     void aLongNameKeepsItsBeginning();
     void aFlagWithoutThumbnailIsOnePixelWide();
@@ -153,6 +157,37 @@ void TimelinePoiTest::drawsTheNameInsideTheFlag()
         }
         QVERIFY2(inkPixels > 20, qPrintable(QString::number(inkPixels)));
     }
+}
+
+void TimelinePoiTest::theNameCanBeReadInEachState_data()
+{
+    QTest::addColumn<bool>("hovered");
+    QTest::addColumn<bool>("selected");
+    QTest::newRow("plain") << false << false;
+    QTest::newRow("hovered") << true << false;
+    QTest::newRow("selected") << false << true;
+}
+
+void TimelinePoiTest::theNameCanBeReadInEachState()
+{
+    QFETCH(bool, hovered);
+    QFETCH(bool, selected);
+    QImage image(200, 160, QImage::Format_RGB32);
+    image.fill(QColor(0, 0, 200));
+    QPainter painter(&image);
+    TimelinePoi poi(timeAt(0), frameOf(QColor(0, 255, 0), QSize(60, 60)));
+    poi.setName("Crack");
+    PoiLook look;
+    look.hovered = hovered;
+    look.selected = selected;
+    poi.drawPoi(painter, 20, look);
+    const int textWidth = painter.fontMetrics().horizontalAdvance("Crack");
+    painter.end();
+    const QColor behind = mostFrequentColour(image.copy(23, 34, std::min(textWidth, 57), 12));
+    const double ratio = contrast(selected ? Qt::white : Qt::black, behind);
+    QVERIFY2(ratio >= 4.5, qPrintable(QString("%1 on %2").arg(ratio).arg(behind.name())));
+    // Nothing of it is above or below the flag.
+    QCOMPARE(image.pixelColor(22, 32), QColor(0, 0, 200));
 }
 
 void TimelinePoiTest::aLongNameKeepsItsBeginning_data()

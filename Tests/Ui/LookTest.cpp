@@ -1,6 +1,6 @@
 #include "App/look.h"
 #include "ReviewFixture.h"
-#include "contrast.h"
+#include "Support/contrast.h"
 
 #include <QAccessible>
 #include <QHash>

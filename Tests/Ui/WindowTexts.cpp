@@ -1,6 +1,6 @@
 #include "WindowTexts.h"
 
-#include "contrast.h"
+#include "Support/contrast.h"
 
 #include <QAbstractButton>
 #include <QLabel>
