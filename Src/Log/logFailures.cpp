@@ -39,7 +39,7 @@ Failure logOpenFailure(const QString& path)
         return {Kind::notAFile,
                 QStringLiteral("\"%1\" is a folder or a device, not a flight log.").arg(path)};
     const QFile::Permissions permissions = QFile(path).permissions();
-    if (error == std::errc::permission_denied || !(permissions & QFile::ReadUser))
+    if (error == std::errc::permission_denied || (!error && !(permissions & QFile::ReadUser)))
         return {
             Kind::noPermission,
             QStringLiteral("The log \"%1\" cannot be read: the system refuses access.").arg(path)};

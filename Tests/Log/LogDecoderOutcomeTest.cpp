@@ -152,6 +152,9 @@ void LogDecoderOutcomeTest::aFileThatCannotBeOpenedSaysItsReason()
     QCOMPARE(kindOf(QString()), int(Failure::Kind::notFound));
     QCOMPARE(kindOf(m_folder.path()), int(Failure::Kind::notAFile));
     QCOMPARE(kindOf(QStringLiteral("/dev/zero")), int(Failure::Kind::notAFile));
+    // No answer but an error, as from a card that was pulled out.
+    const QString tooLong = m_folder.filePath(QString(300, QLatin1Char('a')));
+    QCOMPARE(kindOf(tooLong), int(Failure::Kind::unreadable));
     m_abortFlag = true;
     QVERIFY(pairLog().save(m_folder.filePath(QStringLiteral("whole.log"))));
     QCOMPARE(kindOf(m_folder.filePath(QStringLiteral("whole.log"))), int(Failure::Kind::cancelled));
