@@ -19,6 +19,9 @@ private slots:
     void videoTakenDuringALaterLogGetsIt_data();
     void videoTakenDuringALaterLogGetsIt();
     void ofSeveralLogsAtATimeNoneIsGuessed();
+    void oneImpossibleTimeIsNoLostCard();
+    void aFileOfUnknownLengthJoinsNoOthers();
+    void neighboursThatOnlyTogetherFitAreNoEvidence();
     void runningLogReplacesOneThatWasNotRunning();
     void anUnreadLogOfTheTimesStays();
     void lengthThatAgreesByAccidentGivesWayToTheRunningLog();
@@ -70,6 +73,49 @@ void FlightTimesTest::ofSeveralLogsAtATimeNoneIsGuessed()
     m_logs.push_back(logOf("5.log", {990'000, 1'000'000, 900'000}, 19'080));
     m_logs.push_back(logOf("of-another-card-7.log", {980'000, 1'010'000, 910'000}, 19'100));
     QCOMPARE(pairFlights(m_videos, m_logs).back().log, -1);
+}
+
+// One file was copied again: it ends sooner after the one before than it is long.
+void FlightTimesTest::oneImpossibleTimeIsNoLostCard()
+{
+    for (const int number : {2, 3, 4}) {
+        const qint64 end = 4000 * (number + 2);
+        m_videos.push_back(video(QStringLiteral("CORV001%1.MOV").arg(2 * number),
+                                 200'000 + 50'000 * number, 2 + number, end));
+        m_logs.push_back(
+            logOf(QStringLiteral("1%1.log").arg(number), {201'000 + 50'000 * number}, end + 30));
+    }
+    m_videos.push_back(video("CORV0020.MOV", 630'000, 4, 12'001));
+    m_videos.push_back(video("CORV0030.MOV", 180'000, -1, 36'500));
+    m_logs.push_back(logOf("20.log", {990'000, 1'000'000, 900'000}, 39'080));
+    QCOMPARE(pairFlights(m_videos, m_logs).back().log, 7);
+}
+
+// The first and the last are together as long as the recording.
+void FlightTimesTest::aFileOfUnknownLengthJoinsNoOthers()
+{
+    m_videos.push_back(video("CORV0009.MOV", 177'000, 4, 16'177));
+    m_videos.push_back(video("CORV0010.MOV", 0, 4, 16'178));
+    m_videos.push_back(video("CORV0011.MOV", 94'000, 4, 16'271));
+    m_logs.push_back(logOf("5.log", {272'000}, 16'300));
+    const std::vector<Pairing> pairings = pairFlights(m_videos, m_logs);
+    for (const size_t file : {4, 5, 6})
+        QVERIFY(pairings[file].files.empty());
+    QCOMPARE(pairings[5].evidence, PairingEvidence::Time);
+}
+
+// Each has a log of its own by time that is about as long as both together; lengths that differ are
+// all that is known of them.
+void FlightTimesTest::neighboursThatOnlyTogetherFitAreNoEvidence()
+{
+    m_videos.push_back(video("CORV0009.MOV", 40'000, 4, 16'000));
+    m_videos.push_back(video("CORV0010.MOV", 300'000, 5, 20'000));
+    m_logs.push_back(logOf("5.log", {342'800}, 16'400));
+    m_logs.push_back(logOf("6.log", {301'000}, 20'030));
+    const std::vector<Pairing> pairings = pairFlights(m_videos, m_logs);
+    QCOMPARE(pairings[4].log, 4);
+    QCOMPARE(pairings[4].evidence, PairingEvidence::LengthDiffers);
+    QCOMPARE(pairings[5].evidence, PairingEvidence::TimeAndLength);
 }
 
 // Two cards in one folder: the next log to be written is of the other one, and was begun after the
