@@ -77,8 +77,8 @@ Item {
         var files = matching.flightFiles;
         var video = files.length > 0 ? files[0] : matching.videoFile;
         player.setNextFiles(files);
-        if (matching.partStart > 0)
-            goToOnceOpen(video, matching.partStart);
+        if (matching.partStartMs > 0)
+            goToOnceOpen(video, matching.partStartMs);
         verbs.openFlight(video, matching.logFile);
     }
 

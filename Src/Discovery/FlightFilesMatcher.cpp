@@ -328,8 +328,8 @@ void FlightFilesMatcher::decide(Search& search)
                                 : QFileInfo();
         match.evidence = pairing.evidence;
         match.doubtful = pairing.doubtful;
-        match.flightLengthMs = pairing.videoMs;
-        match.recordingMs = pairing.recordingMs;
+        match.flightLengthMs = pairing.flightLengthMs;
+        match.recordingLengthMs = pairing.recordingLengthMs;
         match.flightFiles.clear();
         match.part = 1;
         match.partStartMs = 0;

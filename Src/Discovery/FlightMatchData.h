@@ -21,12 +21,12 @@ struct FlightMatchData
     QDateTime videoTime;    ///< of the last write; invalid if unknown
     qint64 videoBytes = -1; ///< -1 if unknown
     PairingEvidence evidence = PairingEvidence::None;
-    bool doubtful = false;      ///< the pair is likely enough to be wrong
-    qint64 flightLengthMs = -1; ///< exact length of the flight, all its files; -1 if unknown
-    qint64 recordingMs = -1;    ///< logged length of its recording, or of the log's nearest; or -1
-    QStringList flightFiles;    ///< all files of the flight in order, where the lengths show them
-    int part = 1;               ///< place of the video in `flightFiles`, from 1
-    qint64 partStartMs = 0;     ///< where the video begins within the flight
+    bool doubtful = false;         ///< the pair is likely enough to be wrong
+    qint64 flightLengthMs = -1;    ///< exact length of the flight, all its files; -1 if unknown
+    qint64 recordingLengthMs = -1; ///< logged, of its recording, or of the log's nearest; or -1
+    QStringList flightFiles; ///< all files of the flight in order, where the lengths show them
+    int part = 1;            ///< place of the video in `flightFiles`, from 1
+    qint64 partStartMs = 0;  ///< where the video begins within the flight
 };
 
 } // namespace corv

@@ -345,12 +345,12 @@ void Decision::addClaim(const AlignmentClaim& claim, Pairing& pairing) const
     const Recording& recording = m_recordings[static_cast<size_t>(claim.recording)];
     pairing.log = recording.log;
     pairing.recording = recording.index;
-    pairing.recordingMs = recording.lengthMs;
-    pairing.videoMs = 0;
+    pairing.recordingLengthMs = recording.lengthMs;
+    pairing.flightLengthMs = 0;
     for (int part = 0; part < claim.count; ++part) {
         const size_t video = m_order[static_cast<size_t>(claim.first + part)];
         pairing.files.push_back(video);
-        pairing.videoMs += m_videos[video].lengthMs;
+        pairing.flightLengthMs += m_videos[video].lengthMs;
     }
 }
 
@@ -358,9 +358,10 @@ void Decision::addNearestLength(Pairing& pairing) const
 {
     for (const Recording& recording : m_recordings) {
         if (recording.log == pairing.log &&
-            (pairing.recordingMs < 0 || std::abs(recording.lengthMs - pairing.videoMs) <
-                                            std::abs(pairing.recordingMs - pairing.videoMs)))
-            pairing.recordingMs = recording.lengthMs;
+            (pairing.recordingLengthMs < 0 ||
+             std::abs(recording.lengthMs - pairing.flightLengthMs) <
+                 std::abs(pairing.recordingLengthMs - pairing.flightLengthMs)))
+            pairing.recordingLengthMs = recording.lengthMs;
     }
 }
 
@@ -488,7 +489,7 @@ Pairing Decision::decide(size_t place) const
 {
     const PairingVideo& video = m_videos[m_order[place]];
     Pairing pairing;
-    pairing.videoMs = video.lengthMs > 0 ? video.lengthMs : -1;
+    pairing.flightLengthMs = video.lengthMs > 0 ? video.lengthMs : -1;
     const LogBelief byTime = beliefIn(place, video.logByTime);
     const LogBelief best = mostLikely(place);
     const bool lengthAgrees = agreesByTime(place, byTime);

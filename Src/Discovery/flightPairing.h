@@ -42,10 +42,9 @@ struct Pairing
     int log = -1;       ///< -1 for none
     int recording = -1; ///< position in the log's recordings; -1 if no length agrees
     PairingEvidence evidence = PairingEvidence::None;
-    bool doubtful = false; ///< another answer is likely enough that a person should look
-    qint64 videoMs = -1;   ///< exact length of the flight, all its parts; -1 if unknown
-    qint64 recordingMs =
-        -1; ///< logged length of `recording`, else the log's nearest one; -1 if none
+    bool doubtful = false;         ///< another answer is likely enough that a person should look
+    qint64 flightLengthMs = -1;    ///< exact, of all its parts; -1 if unknown
+    qint64 recordingLengthMs = -1; ///< logged, of `recording`, else the log's nearest; -1 if none
     std::vector<size_t> files; ///< positions of the videos that are the recording, in order; empty
                                ///< if no length agrees
 };

@@ -61,12 +61,12 @@ QVariantMap matchingRow(const FlightMatchData& match)
         {QStringLiteral("evidence"), evidenceKey(match.evidence)},
         {QStringLiteral("doubtful"), match.doubtful},
         {QStringLiteral("evidenceText"), evidenceText(match)},
-        {QStringLiteral("flightLength"), match.flightLengthMs},
-        {QStringLiteral("recordingLength"), match.recordingMs},
+        {QStringLiteral("flightLengthMs"), match.flightLengthMs},
+        {QStringLiteral("recordingLengthMs"), match.recordingLengthMs},
         {QStringLiteral("flightFiles"), match.flightFiles},
         {QStringLiteral("part"), match.part},
         {QStringLiteral("partText"), partText(match)},
-        {QStringLiteral("partStart"), match.partStartMs},
+        {QStringLiteral("partStartMs"), match.partStartMs},
         {QStringLiteral("videoTime"),
          match.videoTime.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))},
         {QStringLiteral("videoSize"),
@@ -192,7 +192,7 @@ QString evidenceText(const FlightMatchData& match)
         return QStringLiteral("Length agrees") + notCertain;
     case PairingEvidence::LengthDiffers:
         return QStringLiteral("Paired by time alone, length differs: %1 against %2")
-            .arg(inSeconds(match.flightLengthMs), inSeconds(match.recordingMs));
+            .arg(inSeconds(match.flightLengthMs), inSeconds(match.recordingLengthMs));
     case PairingEvidence::Time:
         return QStringLiteral("Paired by time alone, lengths not compared") + notCertain;
     case PairingEvidence::None:

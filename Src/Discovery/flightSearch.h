@@ -49,10 +49,9 @@ QString evidenceText(const FlightMatchData& match);
 /// "flightName", "flightNumber" and "videoDuration" (milliseconds), and
 /// - "evidence": "none", "time", "lengthDiffers", "length" or "timeAndLength", "doubtful", and
 ///   both in words as "evidenceText";
-/// - "flightLength", "recordingLength": the two lengths that were compared, milliseconds, -1 if
-///   unknown;
+/// - "flightLengthMs", "recordingLengthMs": the two lengths that were compared, -1 if unknown;
 /// - "flightFiles": all files of the flight where the lengths show them, "part": the place of the
-///   video among them, "partText": that in words for all but the first, "partStart": where it
+///   video among them, "partText": that in words for all but the first, "partStartMs": where it
 ///   begins within the flight, milliseconds;
 /// - "videoTime" (of the last write, in ISO form) and "videoSize" (bytes).
 /// Any thread.

@@ -70,12 +70,12 @@ void DirectoryParserTest::rowShowsAllOfAFlight()
         {"evidence", "timeAndLength"},
         {"doubtful", false},
         {"evidenceText", "Time and length agree"},
-        {"flightLength", qint64(60'000)},
-        {"recordingLength", qint64(61'000)},
+        {"flightLengthMs", qint64(60'000)},
+        {"recordingLengthMs", qint64(61'000)},
         {"flightFiles", QStringList(s.path("videos/a.b.mp4"))},
         {"part", 1},
         {"partText", QString()},
-        {"partStart", qint64(0)},
+        {"partStartMs", qint64(0)},
         {"videoTime", "2018-06-01T12:00:00"},
         {"videoSize", qint64(0)},
     };
@@ -108,12 +108,12 @@ void DirectoryParserTest::aVideoWithoutALogIsARow()
         {"evidence", "none"},
         {"doubtful", false},
         {"evidenceText", "No log found"},
-        {"flightLength", qint64(60'000)},
-        {"recordingLength", qint64(-1)},
+        {"flightLengthMs", qint64(60'000)},
+        {"recordingLengthMs", qint64(-1)},
         {"flightFiles", QStringList()},
         {"part", 1},
         {"partText", QString()},
-        {"partStart", qint64(0)},
+        {"partStartMs", qint64(0)},
         {"videoTime", "2018-06-01T12:00:00"},
         {"videoSize", qint64(0)},
     };
@@ -257,7 +257,7 @@ void DirectoryParserTest::evidenceIsPutInWords()
     QFETCH(bool, doubtful);
     match.doubtful = doubtful;
     match.flightLengthMs = 20'600;
-    match.recordingMs = 35'400;
+    match.recordingLengthMs = 35'400;
     const QVariantMap row = matchingRows({match}).first().toMap();
     QTEST(row["evidence"].toString(), "key");
     QTEST(row["evidenceText"].toString(), "text");

@@ -487,7 +487,7 @@ void FlightFilesMatcherTest::lengthsReplaceLostTimes()
     QCOMPARE(matches[0].logFile.fileName(), QString("a.log"));
     QCOMPARE(matches[0].evidence, PairingEvidence::Length);
     QCOMPARE(matches[1].logFile.fileName(), QString("b.log"));
-    QCOMPARE(matches[1].recordingMs, qint64(501'000));
+    QCOMPARE(matches[1].recordingLengthMs, qint64(501'000));
     QCOMPARE(card.match(true)[0].matchFound, false);
 }
 

@@ -111,9 +111,9 @@ void FlightPairingTest::oneVideoAndOneLogArePairedByTimeOrLength()
     QCOMPARE(pairings.size(), size_t(1));
     QTEST(pairings[0].evidence, "evidence");
     QTEST(pairings[0].doubtful, "doubtful");
-    QTEST(pairings[0].recordingMs, "recordingMs");
+    QTEST(pairings[0].recordingLengthMs, "recordingMs");
     QCOMPARE(pairings[0].log, pairings[0].evidence == PairingEvidence::None ? -1 : 0);
-    QCOMPARE(pairings[0].videoMs, videoMs > 0 ? videoMs : -1);
+    QCOMPARE(pairings[0].flightLengthMs, videoMs > 0 ? videoMs : -1);
 }
 
 void FlightPairingTest::lengthsAgreeBelowThreeSeconds_data()
@@ -140,7 +140,7 @@ void FlightPairingTest::recordingWithoutAStartIsNone()
     log.recordings = {{0, 61'000}};
     const Pairing pairing = pairFlights({video("CORV0001.MOV", 60'000, 0)}, {log})[0];
     QCOMPARE(pairing.evidence, PairingEvidence::Time);
-    QCOMPARE(pairing.recordingMs, qint64(-1));
+    QCOMPARE(pairing.recordingLengthMs, qint64(-1));
 }
 
 void FlightPairingTest::equalLengthsLeaveNoDoubtWhereTimesAgree()
@@ -183,8 +183,8 @@ void FlightPairingTest::lostTimesAreReplacedByLengths()
     QCOMPARE(pairings[0].evidence, PairingEvidence::TimeAndLength);
     QCOMPARE(pairings[1].evidence, PairingEvidence::Length);
     QCOMPARE(pairings[2].evidence, PairingEvidence::Length);
-    QCOMPARE(pairings[2].videoMs, qint64(700'000));
-    QCOMPARE(pairings[2].recordingMs, qint64(701'000));
+    QCOMPARE(pairings[2].flightLengthMs, qint64(700'000));
+    QCOMPARE(pairings[2].recordingLengthMs, qint64(701'000));
 }
 
 void FlightPairingTest::orderOfNamesDecidesBetweenEqualLengths()
@@ -245,8 +245,8 @@ void FlightPairingTest::contradictedPairGetsTheBetterLog()
     // Nothing better for this one: it stays, to be looked at.
     QCOMPARE(pairings[1].evidence, PairingEvidence::LengthDiffers);
     QVERIFY(pairings[1].doubtful);
-    QCOMPARE(pairings[1].videoMs, qint64(900'000));
-    QCOMPARE(pairings[1].recordingMs, qint64(701'000));
+    QCOMPARE(pairings[1].flightLengthMs, qint64(900'000));
+    QCOMPARE(pairings[1].recordingLengthMs, qint64(701'000));
 }
 
 void FlightPairingTest::sharedLogKeepsOnlyTheVideosItHolds()
@@ -274,8 +274,8 @@ void FlightPairingTest::partsOfOneFlightAreOneRecording()
         QCOMPARE(pairings[part].evidence, PairingEvidence::TimeAndLength);
         QVERIFY(!pairings[part].doubtful);
         QCOMPARE(pairings[part].files, std::vector<size_t>({0, 1, 2}));
-        QCOMPARE(pairings[part].videoMs, qint64(720'000));
-        QCOMPARE(pairings[part].recordingMs, qint64(721'000));
+        QCOMPARE(pairings[part].flightLengthMs, qint64(720'000));
+        QCOMPARE(pairings[part].recordingLengthMs, qint64(721'000));
     }
     QCOMPARE(pairings[3].files, std::vector<size_t>({3}));
 }

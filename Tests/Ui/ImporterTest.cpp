@@ -354,7 +354,7 @@ void ImporterTest::pairIconShowsTheEvidence()
     match.evidence = static_cast<PairingEvidence>(evidence);
     match.doubtful = doubtful;
     match.flightLengthMs = 21'000;
-    match.recordingMs = 35'000;
+    match.recordingLengthMs = 35'000;
     match.flightFiles =
         QStringList({"/card/DCIM/100HDDVR/CORV0001.mp4", "/card/DCIM/100HDDVR/CORV0002.mp4"});
     match.part = 2;

@@ -25,15 +25,13 @@ const char* const kKeys[] = {"videoFile",      "videoFilename",    "logFile",   
                              "flightNumber",   "videoDurationMs",  "evidence",    "doubtful",
                              "flightLengthMs", "recordingLengthMs"};
 
-// The rows of the search, with the unit in the names of lengths.
+// The rows of the search. Only "videoDuration" has no unit in its name.
 QVariantList rowsToPrint(const QVariantList& found)
 {
     QVariantList rows;
     for (const QVariant& entry : found) {
         QVariantMap row = entry.toMap();
-        for (const char* length : {"videoDuration", "flightLength", "recordingLength", "partStart"})
-            row.insert(QLatin1String(length) + QLatin1String("Ms"),
-                       row.take(QLatin1String(length)));
+        row.insert(QStringLiteral("videoDurationMs"), row.take(QStringLiteral("videoDuration")));
         rows.append(row);
     }
     return rows;
