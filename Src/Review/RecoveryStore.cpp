@@ -83,9 +83,9 @@ bool equalsItsProject(const RecoveredReview& review)
 
 QVariantMap keptProperties(ReviewProperties properties, const QStringList& curves)
 {
-    if (properties.irMappingAuto) {
-        properties.irMappingMin = ReviewProperties().irMappingMin;
-        properties.irMappingMax = ReviewProperties().irMappingMax;
+    if (properties.autoIRMapping) {
+        properties.irMappingMinValue = ReviewProperties().irMappingMinValue;
+        properties.irMappingMaxValue = ReviewProperties().irMappingMaxValue;
     }
     QVariantMap kept = properties.toJson();
     putCurves(curves, &kept);

@@ -253,7 +253,7 @@ void Review::restore(const QString& path, const ProjectContents& project)
     if (hasLog)
         parseLog(project.logFile, true);
     // Again: the parse keeps it instead of the names in the log.
-    m_logParser->setManualLogTimeOffset(properties.logOffsetMs);
+    m_logParser->setManualLogTimeOffset(properties.manualLogTimeOffset);
     m_logParser->setFlightNaming(properties.naming());
     setCurves(curvesIn(project.properties).value_or(m_curves));
     emit adjustmentsChanged();

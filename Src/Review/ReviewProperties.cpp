@@ -82,15 +82,15 @@ ReviewProperties ReviewProperties::of(const VideoPlayer& player, const LogParser
     ReviewProperties properties;
     properties.contrast = player.contrast();
     properties.brightness = player.brightness();
-    properties.showIr = player.showIR();
-    properties.irTranslucent = player.irOverlayTransparent();
-    properties.irMappingAuto = player.autoIRMapping();
-    properties.irMappingMin = player.irMappingMinValue();
-    properties.irMappingMax = player.irMappingMaxValue();
+    properties.showIR = player.showIR();
+    properties.irOverlayTransparent = player.irOverlayTransparent();
+    properties.autoIRMapping = player.autoIRMapping();
+    properties.irMappingMinValue = player.irMappingMinValue();
+    properties.irMappingMaxValue = player.irMappingMaxValue();
     properties.irPalette = static_cast<ThermalPalette>(player.irPalette());
     properties.irOffsetX = player.irOffsetX();
     properties.irOffsetY = player.irOffsetY();
-    properties.logOffsetMs = logParser.getManualLogTimeOffset();
+    properties.manualLogTimeOffset = logParser.getManualLogTimeOffset();
     const QVariantMap naming = logParser.flightNaming();
     properties.hasNaming = !naming.value(QStringLiteral("undefined")).toBool();
     if (properties.hasNaming) {
@@ -111,13 +111,13 @@ ReviewProperties ReviewProperties::fromJson(const QVariantMap& properties,
     const QVariantMap thermal = mapIn(properties, "thermal_video");
     takeNumber(thermal, "align_offset_x", irOffsetXRange, read.irOffsetX);
     takeNumber(thermal, "align_offset_y", irOffsetYRange, read.irOffsetY);
-    takeNumber(thermal, "colormap_min", irMappingRange, read.irMappingMin);
-    takeNumber(thermal, "colormap_max", irMappingRange, read.irMappingMax);
-    takeFlag(thermal, "translucent", read.irTranslucent);
-    takeFlag(thermal, "colormap_auto", read.irMappingAuto);
-    takeFlag(thermal, "visible", read.showIr);
+    takeNumber(thermal, "colormap_min", irMappingRange, read.irMappingMinValue);
+    takeNumber(thermal, "colormap_max", irMappingRange, read.irMappingMaxValue);
+    takeFlag(thermal, "translucent", read.irOverlayTransparent);
+    takeFlag(thermal, "colormap_auto", read.autoIRMapping);
+    takeFlag(thermal, "visible", read.showIR);
     read.irPalette = paletteNamed(textIn(thermal, "palette"));
-    takeInt(mapIn(properties, "correction"), "log_offset", read.logOffsetMs);
+    takeInt(mapIn(properties, "correction"), "log_offset", read.manualLogTimeOffset);
 
     const QVariantMap designation = mapIn(properties, "designation");
     read.hasNaming = !designation.isEmpty();
@@ -130,11 +130,11 @@ ReviewProperties ReviewProperties::fromJson(const QVariantMap& properties,
 
 QVariantMap ReviewProperties::toJson() const
 {
-    QVariantMap thermal{{QStringLiteral("visible"), showIr},
-                        {QStringLiteral("translucent"), irTranslucent},
-                        {QStringLiteral("colormap_auto"), irMappingAuto},
-                        {QStringLiteral("colormap_min"), irMappingMin},
-                        {QStringLiteral("colormap_max"), irMappingMax},
+    QVariantMap thermal{{QStringLiteral("visible"), showIR},
+                        {QStringLiteral("translucent"), irOverlayTransparent},
+                        {QStringLiteral("colormap_auto"), autoIRMapping},
+                        {QStringLiteral("colormap_min"), irMappingMinValue},
+                        {QStringLiteral("colormap_max"), irMappingMaxValue},
                         {QStringLiteral("align_offset_x"), irOffsetX},
                         {QStringLiteral("align_offset_y"), irOffsetY}};
     if (irPalette != ThermalPalette::rainbow)
@@ -145,7 +145,8 @@ QVariantMap ReviewProperties::toJson() const
         {QStringLiteral("display"), QVariantMap{{QStringLiteral("contrast"), contrast},
                                                 {QStringLiteral("brightness"), brightness}}},
         {QStringLiteral("thermal_video"), thermal},
-        {QStringLiteral("correction"), QVariantMap{{QStringLiteral("log_offset"), logOffsetMs}}}};
+        {QStringLiteral("correction"),
+         QVariantMap{{QStringLiteral("log_offset"), manualLogTimeOffset}}}};
     if (!hasNaming)
         return json;
     QVariantMap designation{{QStringLiteral("mission_name"), missionName},
@@ -173,11 +174,11 @@ void ReviewProperties::applyTo(VideoPlayer& player) const
     player.setIrPalette(static_cast<int>(irPalette));
     player.setIrOffsetX(irOffsetX);
     player.setIrOffsetY(irOffsetY);
-    player.setIrOverlayTransparent(irTranslucent);
-    player.setIrMappingMinValue(irMappingMin);
-    player.setIrMappingMaxValue(irMappingMax);
-    player.setAutoIRMapping(irMappingAuto);
-    player.setShowIR(showIr);
+    player.setIrOverlayTransparent(irOverlayTransparent);
+    player.setIrMappingMinValue(irMappingMinValue);
+    player.setIrMappingMaxValue(irMappingMaxValue);
+    player.setAutoIRMapping(autoIRMapping);
+    player.setShowIR(showIR);
 }
 
 std::optional<QStringList> curvesIn(const QVariantMap& properties)

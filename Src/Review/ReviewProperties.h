@@ -18,15 +18,15 @@ struct ReviewProperties
 {
     double contrast = 1.0;
     double brightness = 0.0;
-    bool showIr = false;
-    bool irTranslucent = false;
-    bool irMappingAuto = true;
-    double irMappingMin = 0.0;
-    double irMappingMax = 16383.0;
+    bool showIR = false;
+    bool irOverlayTransparent = false;
+    bool autoIRMapping = true;
+    double irMappingMinValue = 0.0;
+    double irMappingMaxValue = 16383.0;
     ThermalPalette irPalette = ThermalPalette::rainbow;
     double irOffsetX = 0.0;
     double irOffsetY = 0.0;
-    int logOffsetMs = 0;
+    int manualLogTimeOffset = 0; ///< milliseconds
 
     /// The flight has names. `flightNumber` is 0 for a flight without a number.
     bool hasNaming = false;
@@ -58,7 +58,7 @@ struct ReviewProperties
 /// choice as it is.
 std::optional<QStringList> curvesIn(const QVariantMap& properties);
 
-/// Adds them.
+/// Writes the names of the curves into `properties`.
 void putCurves(const QStringList& curves, QVariantMap* properties);
 
 } // namespace corv

@@ -28,15 +28,15 @@ private slots:
         ReviewProperties saved;
         saved.contrast = 1.5;
         saved.brightness = -10;
-        saved.showIr = true;
-        saved.irTranslucent = true;
-        saved.irMappingAuto = false;
-        saved.irMappingMin = 2000;
-        saved.irMappingMax = 9000;
+        saved.showIR = true;
+        saved.irOverlayTransparent = true;
+        saved.autoIRMapping = false;
+        saved.irMappingMinValue = 2000;
+        saved.irMappingMaxValue = 9000;
         saved.irOffsetX = 0.05;
         saved.irOffsetY = -0.05;
         saved.irPalette = ThermalPalette::grey;
-        saved.logOffsetMs = 7'000'000;
+        saved.manualLogTimeOffset = 7'000'000;
         saved.hasNaming = true;
         saved.missionName = "Bridge";
         saved.flightName = "North pier";
@@ -98,7 +98,7 @@ private slots:
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<double>("contrast");
         QTest::addColumn<double>("offsetX");
-        QTest::addColumn<int>("logOffsetMs");
+        QTest::addColumn<int>("manualLogTimeOffset");
         const double otherwise = 1.25;
         QTest::newRow("nothing") << QByteArray("{}") << otherwise << 0.0 << 0;
         QTest::newRow("a huge contrast")
@@ -129,7 +129,7 @@ private slots:
         const ReviewProperties read = ReviewProperties::fromJson(fromText(text), otherwise);
         QTEST(read.contrast, "contrast");
         QTEST(read.irOffsetX, "offsetX");
-        QTEST(read.logOffsetMs, "logOffsetMs");
+        QTEST(read.manualLogTimeOffset, "manualLogTimeOffset");
         QVERIFY(!read.hasNaming);
         QCOMPARE(read.naming(), (QVariantMap{{"undefined", true}}));
     }
@@ -140,9 +140,9 @@ private slots:
         LogParser parser;
         ReviewProperties given;
         given.contrast = 0.75;
-        given.irMappingAuto = false;
-        given.irMappingMax = 8000;
-        given.showIr = true;
+        given.autoIRMapping = false;
+        given.irMappingMaxValue = 8000;
+        given.showIR = true;
         given.irPalette = ThermalPalette::even;
         given.applyTo(player);
         QCOMPARE(ReviewProperties::of(player, parser).toJson(), given.toJson());
