@@ -1,7 +1,7 @@
 #include "Video/VideoInfoReader.h"
 
 #include "Base/arithmetic.h"
-#include "Video/AvFrameSource.h"
+#include "Video/VideoBackend.h"
 #include "Video/logCategory.h"
 
 #include <QDebug>
@@ -59,7 +59,7 @@ int VideoInfoReader::getDurationMs() const
 
 double VideoInfoReader::exactDurationMs() const
 {
-    const Result<VideoInfo> info = readVideoInfo(m_file, openFileBytes);
+    const Result<VideoInfo> info = systemVideoBackend()->info(m_file);
     return info ? info->durationMs : -1.0;
 }
 
