@@ -35,12 +35,6 @@ struct FlightFilesMatcher::Search
 
 namespace {
 
-// Log times wrap around like the clock of the log.
-int wrappingSum(int a, int b)
-{
-    return static_cast<int>(static_cast<quint32>(a) + static_cast<quint32>(b));
-}
-
 // Two names of one file, by way of links, are one log.
 QString identity(const QFileInfo& file)
 {
@@ -363,8 +357,8 @@ bool FlightFilesMatcher::nameFlights(Search& search) const
         LogDecoder decoder(m_abortFlag);
         const LogSyncResult sync = decoder.findLogTimeOffset(log.recordings, durationMs);
         if (sync.found)
-            match.naming = decoder.findNamingForFlight(log.namings, sync.logTimeOffset,
-                                                       wrappingSum(sync.logTimeOffset, durationMs));
+            match.naming =
+                decoder.findNamingForRecording(log.namings, sync.logTimeOffset, durationMs);
     }
     return true;
 }

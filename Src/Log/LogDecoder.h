@@ -109,9 +109,17 @@ public:
     FlightNamingEvent findNamingForFlight(const QList<FlightNamingEvent>& events,
                                           int referenceStart, int referenceEnd) const;
 
+    /// The same for a recording from `startMs` on, `durationMs` long. Its end wraps around as
+    /// 32-bit numbers do.
+    FlightNamingEvent findNamingForRecording(const QList<FlightNamingEvent>& events, int startMs,
+                                             int durationMs) const;
+
     /// The type of thermal camera that the log names last; 255 when it names none, -1 when it has
     /// no such field.
     int findThermalCameraHwVersion(const LogFile* log) const;
+
+    /// `hwVersion` if it is that of a known thermal camera, else -1.
+    static int knownThermalCamera(int hwVersion);
 
 private:
     class Run;

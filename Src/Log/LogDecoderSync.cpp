@@ -189,6 +189,19 @@ FlightNamingEvent LogDecoder::findNamingForFlight(const QList<FlightNamingEvent>
     return result;
 }
 
+FlightNamingEvent LogDecoder::findNamingForRecording(const QList<FlightNamingEvent>& events,
+                                                     int startMs, int durationMs) const
+{
+    const auto endMs =
+        static_cast<int>(static_cast<quint32>(startMs) + static_cast<quint32>(durationMs));
+    return findNamingForFlight(events, startMs, endMs);
+}
+
+int LogDecoder::knownThermalCamera(int hwVersion)
+{
+    return hwVersion == 30 || hwVersion == 35 ? hwVersion : -1;
+}
+
 int LogDecoder::findThermalCameraHwVersion(const LogFile* log) const
 {
     const LogVar* types = log ? findVar(log, "lepton_info", "lepton_type") : nullptr;

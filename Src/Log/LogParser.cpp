@@ -10,19 +10,6 @@
 #include <utility>
 
 namespace corv {
-namespace {
-
-int knownThermalCamera(int hwVersion)
-{
-    return hwVersion == 30 || hwVersion == 35 ? hwVersion : -1;
-}
-
-int wrappingSum(int a, int b)
-{
-    return static_cast<int>(static_cast<quint32>(a) + static_cast<quint32>(b));
-}
-
-} // namespace
 
 // What a pool task is given; shared with the parser, which raises the abort flag.
 struct LogParser::Parse
@@ -112,9 +99,10 @@ LogParser::parseLogConcurrently(const std::shared_ptr<Parse>& parse)
     const int offset = outcome->sync.found
                            ? outcome->sync.logTimeOffset
                            : parse->clock->logTimeOffset.load(std::memory_order_relaxed);
-    outcome->naming = decoder.findNamingForFlight(decoder.readFlightNamingEvents(log), offset,
-                                                  wrappingSum(offset, durationMs));
-    outcome->thermalCameraVersion = knownThermalCamera(decoder.findThermalCameraHwVersion(log));
+    outcome->naming =
+        decoder.findNamingForRecording(decoder.readFlightNamingEvents(log), offset, durationMs);
+    outcome->thermalCameraVersion =
+        LogDecoder::knownThermalCamera(decoder.findThermalCameraHwVersion(log));
     qCInfo(lcLog) << "Thermal camera HW version:" << outcome->thermalCameraVersion;
     return outcome;
 }

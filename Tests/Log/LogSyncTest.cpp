@@ -4,6 +4,7 @@
 
 #include <QTemporaryDir>
 #include <QtTest>
+#include <limits>
 #include <memory>
 
 using namespace corv;
@@ -30,6 +31,7 @@ private slots:
     void namingsThatAreNotAllThere();
     void theLatestNamingBeforeTheEndCounts_data();
     void theLatestNamingBeforeTheEndCounts();
+    void endOfARecordingWrapsAround();
     void choiceOfANamingIsLogged();
     void theLastThermalCameraCounts_data();
     void theLastThermalCameraCounts();
@@ -274,6 +276,17 @@ void LogSyncTest::theLatestNamingBeforeTheEndCounts()
     // An undefined one overrides a named one before it.
     events = {naming(100, QStringLiteral("a")), naming(200, QString())};
     QVERIFY(m_decoder.findNamingForFlight(events, 0, 1000).undefined);
+}
+
+void LogSyncTest::endOfARecordingWrapsAround()
+{
+    const QList<FlightNamingEvent> events{naming(100, QStringLiteral("a")),
+                                          naming(900, QStringLiteral("b"))};
+    QCOMPARE(m_decoder.findNamingForRecording(events, 50, 750).missionName, QString("a"));
+    QCOMPARE(m_decoder.findNamingForRecording(events, 50, 851).missionName, QString("b"));
+    const int last = std::numeric_limits<int>::max();
+    QVERIFY(m_decoder.findNamingForRecording(events, last, last).undefined);
+    QCOMPARE(m_decoder.findNamingForRecording(events, -1, 902).missionName, QString("b"));
 }
 
 void LogSyncTest::choiceOfANamingIsLogged()

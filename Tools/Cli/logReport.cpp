@@ -20,11 +20,6 @@ QString shown(const std::string& narrow)
     return printable(text(narrow));
 }
 
-int knownThermalCamera(int hwVersion)
-{
-    return hwVersion == 30 || hwVersion == 35 ? hwVersion : -1;
-}
-
 QJsonObject packetsJson(const LogDecodeCounters& counters)
 {
     return {{QStringLiteral("total"), counters.total},
@@ -191,7 +186,7 @@ QJsonObject logJson(const SurveyedLog& log)
             {QStringLiteral("recordings"), recordings},
             {QStringLiteral("namings"), namings},
             {QStringLiteral("thermalCamera"),
-             knownThermalCamera(log.survey.digest.thermalCameraHwVersion)}};
+             LogDecoder::knownThermalCamera(log.survey.digest.thermalCameraHwVersion)}};
 }
 
 QString logText(const SurveyedLog& log, bool named)
@@ -214,7 +209,7 @@ QString logText(const SurveyedLog& log, bool named)
     for (const TimedNaming& timed : namingsOf(log.survey))
         result += QStringLiteral("named at %1 ms: ").arg(timed.timeMs) + namingText(timed.naming) +
                   QLatin1Char('\n');
-    const int camera = knownThermalCamera(log.survey.digest.thermalCameraHwVersion);
+    const int camera = LogDecoder::knownThermalCamera(log.survey.digest.thermalCameraHwVersion);
     result += camera < 0 ? QStringLiteral("no known thermal camera\n")
                          : QStringLiteral("thermal camera %1\n").arg(camera);
     return named ? result + QLatin1Char('\n') : result;
@@ -224,11 +219,8 @@ SyncedLog syncedLog(const OpenLog& open, int durationMs)
 {
     SyncedLog synced;
     synced.match = open.decoder().syncLogToVideo(&open.log(), durationMs);
-    const int begin = synced.match.logTimeOffset;
-    const int end =
-        static_cast<int>(static_cast<quint32>(begin) + static_cast<quint32>(durationMs));
-    synced.naming = open.decoder().findNamingForFlight(
-        open.decoder().readFlightNamingEvents(&open.log()), begin, end);
+    synced.naming = open.decoder().findNamingForRecording(
+        open.decoder().readFlightNamingEvents(&open.log()), synced.match.logTimeOffset, durationMs);
     return synced;
 }
 
