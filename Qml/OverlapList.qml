@@ -14,8 +14,8 @@ Item {
     readonly property alias shown: frame.visible
     signal chosen()
 
-    // Of the points: maps of "time", "timeText", "name" and "thumbnail".
-    property var points: []
+    // Of the points of interest: maps of "time", "timeText", "name" and "thumbnail".
+    property var pois: []
     property real pointedX: 0
 
     function follow() {
@@ -23,18 +23,18 @@ Item {
         var found = pointer.hovered ? navigator.poisAt(place.x, place.y) : [];
         if (found.length > 1) {
             // The list stays in its place while the same flags are under the pointer.
-            if (!navigator.samePois(found, points)) {
-                points = found;
+            if (!navigator.samePois(found, pois)) {
+                pois = found;
                 pointedX = place.x;
             }
             leaving.stop();
-        } else if (points.length > 0 && !leaving.running && !over.hovered) {
+        } else if (pois.length > 0 && !leaving.running && !over.hovered) {
             leaving.start();
         }
     }
 
     function choose(time) {
-        points = [];
+        pois = [];
         navigator.goToPoi(time);
         chosen();
     }
@@ -54,7 +54,7 @@ Item {
     Timer {
         id: leaving
         interval: 700
-        onTriggered: overlapList.points = []
+        onTriggered: overlapList.pois = []
     }
 
     Rectangle {
@@ -64,7 +64,7 @@ Item {
         y: -height
         width: 240
         height: Math.min(list.contentHeight, 4.5 * 44) + 8
-        visible: overlapList.points.length > 1
+        visible: overlapList.pois.length > 1
         color: Theme.plate
         border.width: 1
         border.color: Theme.menuBorder
@@ -85,7 +85,7 @@ Item {
             anchors.margins: 4
             clip: true
             boundsBehavior: Flickable.StopAtBounds
-            model: overlapList.points
+            model: overlapList.pois
             Accessible.role: Accessible.List
             Accessible.name: "Points of interest at the pointer"
 

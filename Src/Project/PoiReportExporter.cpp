@@ -7,7 +7,7 @@
 namespace corv {
 namespace {
 
-// The pages whose thermal picture is not that of the screen, by the names of their points.
+// The pages whose thermal picture is not that of the screen, by the names of what they show.
 QString noteOn(const VideoPlayer* player, const QVariantList& poiList)
 {
     QStringList pages;

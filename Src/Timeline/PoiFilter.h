@@ -47,10 +47,10 @@ public:
     /// The time of a row; invalid beyond the list.
     Q_INVOKABLE QTime timeOfRow(int row) const;
 
-    /// The row of the point at `time`; -1 if the list does not show it.
+    /// The row of the point of interest at `time`; -1 if the list does not show it.
     Q_INVOKABLE int rowOfTime(QTime time) const;
 
-    /// Deletes the points of these rows, as one step.
+    /// Deletes the points of interest of these rows, as one step.
     Q_INVOKABLE void removeRowsOf(const QVariantList& rows);
 
 signals:

@@ -71,51 +71,51 @@ public:
     void setCursorPosition(QTime cursorPosition);
 
     /// Adds the log's points of interest that are not on the timeline yet, each once its frame has
-    /// been read; also one from before the video, far past its end. A point deleted before comes
+    /// been read; also one from before the video, far past its end. One that was deleted comes
     /// back.
     Q_INVOKABLE void updateLogData();
 
-    /// All points in ascending time.
+    /// All points of interest in ascending time.
     Q_INVOKABLE QVariantList getPOIs() const;
 
     /// An empty map if none is selected.
     Q_INVOKABLE QVariantMap getSelectedPOI() const;
 
-    /// Replaces all points by those of the list that have a "time". The selection stays.
+    /// Replaces all points of interest by those of the list with a "time". The selection stays.
     Q_INVOKABLE void setPOIsFromList(const QVariantList& poiList);
 
-    /// Adds a point at the cursor unless one is there; it does not become selected. While a video
-    /// is open the cursor first moves to the exact time of the frame on screen.
+    /// Adds a point of interest at the cursor unless one is there; it does not become selected.
+    /// While a video is open the cursor first moves to the exact time of the frame on screen.
     Q_INVOKABLE void addPoiAtPosition();
 
-    /// The point at the cursor, where a moved one would be put; empty if there is none.
+    /// The point of interest at the cursor, where a moved one would be put; empty if none.
     Q_INVOKABLE QVariantMap poiAtCursor() const;
 
-    /// Selects the point at `poiTime`, as a click on its flag does; nothing if there is none.
+    /// Selects the point of interest at `poiTime`, as a click on its flag does; else nothing.
     Q_INVOKABLE void selectPoi(QTime poiTime);
 
-    /// Deletes the point at the cursor. The selection stays.
+    /// Deletes the point of interest at the cursor. The selection stays.
     Q_INVOKABLE void deletePoiAtPosition();
 
     Q_INVOKABLE void deleteSelectedPoi();
     Q_INVOKABLE void clearAllData();
 
-    /// Gives the selected point the "name" and "comment" of `poiData`. `poiTime` serves for the
-    /// message only.
+    /// Gives the selected point of interest the "name" and "comment" of `poiData`. `poiTime` is
+    /// for the message only.
     Q_INVOKABLE void updatePoi(QTime poiTime, const QVariantMap& poiData);
 
-    /// Adds every point of the log that lies within the video, on the next free millisecond where
-    /// its own is taken, each once its frame has been read.
+    /// Adds every point of interest of the log that lies within the video, on the next free
+    /// millisecond where its own is taken, each once its frame has been read.
     Q_INVOKABLE void restoreMissingPOIsWithLogData();
 
-    /// While moving, the selected point is drawn at the cursor and clicks only move the cursor.
+    /// While moving, the selected one is drawn at the cursor and clicks only move the cursor.
     Q_INVOKABLE void enterMovePOIMode();
     Q_INVOKABLE void exitMovePOIMode();
 
-    /// Puts the selected point at the cursor, over any other there. At its own place it is lost.
+    /// Puts the selected one at the cursor, over any other there. At its own place it is lost.
     Q_INVOKABLE void confirmNewPOIPositionAndExitMoveMode();
 
-    /// The points whose flags are at a place of the item, in ascending time; the last is on top.
+    /// Those whose flags are at a place of the item, in ascending time; the last is on top.
     std::vector<Poi> poisAt(const QPoint& point) const;
 
     void mousePressEvent(QMouseEvent* event) override;
@@ -142,7 +142,7 @@ signals:
     void movePOIModeChanged();
     void poiModelChanged();
 
-    /// A point was to be added where there is one.
+    /// A point of interest was to be added where there is one.
     void poiRefused(QTime poiTime);
     void poiDoubleClicked(QTime poiTime);
 
