@@ -19,7 +19,7 @@ Item {
 
     property bool wanted: false
     property int visibilityBefore: Window.Windowed
-    // Nothing is above the contents of the window then.
+    // Without a menu bar, places in the window are places in its contents.
     readonly property bool overControls: controls !== null && pointer.position.y >= controls.y
 
     function toggle() {

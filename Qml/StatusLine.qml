@@ -187,7 +187,7 @@ Rectangle {
                                          : failureShown ? "Jobs: failed" : "Jobs"
         foreground: failureShown ? Theme.textFailed : Theme.toolIcon
         source: "images/button_jobs.png"
-        // It would lie on the open list.
+        // A tool tip would cover the open list.
         tooltiptext: statusLine.jobsShown ? ""
                      : failureShown ? "A job has failed: open the list to see why"
                      : "Exports and other jobs, and how they ended"

@@ -377,7 +377,7 @@ Status FlightRun::makeProject()
     else if (status && !m_manifest.hasStep(projectStep))
         status = m_manifest.setDone(projectStep, projectFingerprint(), files);
     if (!status && isNew) {
-        // Without its record it would count as somebody's from now on.
+        // Without its record the next run would take it for the work of a person.
         QFile::remove(m_projectPath);
         removeCopies();
     }

@@ -20,7 +20,7 @@ QString minutes(int ms)
         .arg(seconds % kSecondsPerMinute, 2, 10, QLatin1Char('0'));
 }
 
-// The recording whose length nobody knows, because the log ended before it did.
+// Whether the log ends during a recording, so that its length is not known.
 bool hasStartWithoutStop(const LogFile& log)
 {
     const std::vector<RecEvent> recordings = LogDecoder::readRecordingEvents(&log);

@@ -52,7 +52,7 @@ LogDescription::~LogDescription() = default;
 qint64 LogDescription::findLength(QFile* file, const std::atomic<bool>* abortFlag)
 {
     const qint64 fileBytes = file->size();
-    // Descriptions are short beside the packets behind them.
+    // A description is short compared with the packets that follow it.
     constexpr size_t kWindowBytes = size_t(1) << 16;
     FileWindow window(file, 0, fileBytes, kWindowBytes);
     qint64 windowBegin = 0; // offset in the file

@@ -183,7 +183,8 @@ void OpenCvWorker::passLostFrames()
     }
 }
 
-// From where the file's source is, or from the keyframe before if that is nearer.
+// How many frames are decoded on the way to `local`: from the place of the source, or from the
+// keyframe before `local` if that is nearer.
 int OpenCvWorker::framesOnTheWay(const FrameSource& source, int local)
 {
     if (source.isAtHand(local))

@@ -55,7 +55,8 @@ private slots:
         QVERIFY(!manifest.isDone("report", "f"));
     }
 
-    // A run that is killed while it replaces a result: either of the two is its own.
+    // A run can be killed while it replaces a result: both the old and the new file count as its
+    // own.
     void resultThatWasAboutToBePutInPlaceIsKnown()
     {
         const QTemporaryDir folder;

@@ -13,7 +13,7 @@ private slots:
     void bothDirectionsAddTheirOffsets_data();
     void bothDirectionsAddTheirOffsets();
     void theCorrectionCountsOnlyOnTheWayToTheLog();
-    void aClockStartsUntied();
+    void aClockStartsUnsynchronised();
 };
 
 void ClocksTest::bothDirectionsAddTheirOffsets_data()
@@ -52,7 +52,7 @@ void ClocksTest::theCorrectionCountsOnlyOnTheWayToTheLog()
     QCOMPARE(videoTimeOfLog(0xffffffffU, clock), -10691);
 }
 
-void ClocksTest::aClockStartsUntied()
+void ClocksTest::aClockStartsUnsynchronised()
 {
     const FlightClock clock;
     QVERIFY(!clock.synced);

@@ -23,7 +23,7 @@ private slots:
     void whatASyncPairMeans();
     void sizeFieldIsAsWideAsTheVersionSays_data();
     void sizeFieldIsAsWideAsTheVersionSays();
-    void noVersionMeansOneByte();
+    void withoutAVersionTheSizeHasOneByte();
     void aCutLastPacketIsCountedAsIncomplete_data();
     void aCutLastPacketIsCountedAsIncomplete();
     void aBadRowIsOverwritten();
@@ -258,7 +258,7 @@ void LogDecoderTest::sizeFieldIsAsWideAsTheVersionSays()
     QCOMPARE(log->getGroup("g")->getVar("v")->getElementSize(), 1);
 }
 
-void LogDecoderTest::noVersionMeansOneByte()
+void LogDecoderTest::withoutAVersionTheSizeHasOneByte()
 {
     LogBuilder builder(0);
     builder.setDescription("<main><groups><group><id>3</id><name>g</name><var><name>v</name>"

@@ -289,7 +289,7 @@ void RoomsTest::everyIncludeIsOfTheLine()
     QVERIFY(found.contains("Base") && found.contains("pugixml") && found.contains("libav"));
 }
 
-/// By the name of their module the headers of all of Qt are found.
+/// The folder of all modules of Qt is searched, so such an include is found in every room.
 void RoomsTest::noIncludeNamesAModuleOfQt()
 {
     static const QRegularExpression module("^Qt[A-Z]\\w*/");

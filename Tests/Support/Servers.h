@@ -60,8 +60,8 @@ private:
     QProcess m_process;
 };
 
-/// A Slurm cluster of this machine alone, with two processors, on the loopback; for the
-/// administrator. It keeps what it has in a folder that everybody may enter, for munge's sake.
+/// A Slurm cluster of this machine alone, with two processors, on the loopback interface. Needs
+/// root. Everybody may enter its folder, as its authentication service munge requires.
 class SlurmCluster
 {
 public:

@@ -12,8 +12,8 @@ class PoiFilterTest : public QObject
 
 private slots:
     void init();
-    void showsThoseWithEachWord_data();
-    void showsThoseWithEachWord();
+    void showsPoisThatHaveEveryWord_data();
+    void showsPoisThatHaveEveryWord();
     void sortsByTimeOrByName();
     void aRowHasItsTimeAndItsFirstLine();
     void deletesSeveralAtOnce();
@@ -45,7 +45,7 @@ QStringList PoiFilterTest::names(const PoiFilter& filter) const
     return all;
 }
 
-void PoiFilterTest::showsThoseWithEachWord_data()
+void PoiFilterTest::showsPoisThatHaveEveryWord_data()
 {
     QTest::addColumn<QString>("words");
     QTest::addColumn<QStringList>("shown");
@@ -57,7 +57,7 @@ void PoiFilterTest::showsThoseWithEachWord_data()
     QTest::newRow("none has it") << "tower" << QStringList();
 }
 
-void PoiFilterTest::showsThoseWithEachWord()
+void PoiFilterTest::showsPoisThatHaveEveryWord()
 {
     QFETCH(QString, words);
     QFETCH(QStringList, shown);

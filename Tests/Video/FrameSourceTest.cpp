@@ -287,7 +287,7 @@ void FrameSourceTest::stepsAheadAndBackAreExact()
     QCOMPARE(readNumber(*source), 199);
 }
 
-// Blocks of the stream begin anywhere in a frame: behind a seek a rest of another one comes first.
+// A block of the stream can begin inside a frame: after a seek the rest of another one comes first.
 void FrameSourceTest::seeksInAProgrammeStreamAreExact()
 {
     const QString file = path("programme.mpg");

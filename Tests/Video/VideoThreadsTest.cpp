@@ -24,7 +24,7 @@ private slots:
     void survivesCallsInAnyOrder_data();
     void survivesCallsInAnyOrder();
     void survivesItsEndInTheMiddleOfAnything();
-    void picturesForAThreadWithoutEventLoop();
+    void aThreadWithoutAnEventLoopGetsPictures();
     void picturesForManyTasks();
     void rangeCanBeReadWhileItIsWritten();
 
@@ -164,7 +164,7 @@ void VideoThreadsTest::survivesItsEndInTheMiddleOfAnything()
     }
 }
 
-void VideoThreadsTest::picturesForAThreadWithoutEventLoop()
+void VideoThreadsTest::aThreadWithoutAnEventLoopGetsPictures()
 {
     VideoPlayer player(m_files.factory());
     QSignalSpy opened(&player, &VideoPlayer::hasVideoOpenedChanged);

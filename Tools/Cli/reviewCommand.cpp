@@ -36,7 +36,7 @@ const QString columnsOption = QStringLiteral("columns");
 const QString rateOption = QStringLiteral("rate");
 const QString atOnceOption = QStringLiteral("at-once");
 
-// A job has a few paths; a file of this size is none.
+// A job is a few paths: a larger file is not a job.
 constexpr qint64 largestJobBytes = qint64{1024} * 1024;
 
 FlightOptions flightOptions(const QCommandLineParser& line)
