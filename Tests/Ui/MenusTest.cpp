@@ -188,7 +188,9 @@ void MenusTest::openersShowTheirDialog()
     QTRY_VERIFY(UiFixture::fileDialog());
     QFileDialog* dialog = UiFixture::fileDialog();
     QCOMPARE(dialog->windowTitle(), title);
-    QCOMPARE(dialog->nameFilters(), filters);
+    // More formats of pictures may follow.
+    const int stated = name == "saveImageButton" ? filters.size() : -1;
+    QCOMPARE(QStringList(dialog->nameFilters().mid(0, stated)), filters);
     QCOMPARE(dialog->acceptMode() == QFileDialog::AcceptSave, saves);
     dialog->reject();
     // Cancelled, it leaves the video paused.
