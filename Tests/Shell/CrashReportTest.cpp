@@ -344,7 +344,7 @@ void CrashReportTest::programsThatCrashTogetherLeaveAReportEach()
                                {crashArgument, QStringLiteral("on request"), logFile()});
     }
     for (const auto& program : programs)
-        QTRY_VERIFY(program->bytesAvailable() > 0); // it waits
+        QTRY_VERIFY_WITH_TIMEOUT(program->bytesAvailable() > 0, 30'000); // it waits
     for (const auto& program : programs)
         program->write("\n");
     for (const auto& program : programs) {

@@ -63,7 +63,7 @@ bool UpdateSuite::checkOffersAnUpdate() const
     UpdateManager manager(share(), QString());
     const QSignalSpy available(&manager, &UpdateManager::updateAvailable);
     manager.checkUpdate();
-    return QTest::qWaitFor([&available] { return available.count() == 1; });
+    return QTest::qWaitFor([&available] { return available.count() == 1; }, 30'000);
 }
 
 void UpdateSuite::initTestCase()

@@ -37,7 +37,7 @@ protected:
     /// as.
     QByteArray installerPath() const;
     QString installerFile() const;
-    /// Whether a check offers an update. Returns once it does; false after five seconds.
+    /// Whether a check offers an update. Returns once it does; false after half a minute.
     bool checkOffersAnUpdate() const;
 
     std::unique_ptr<HttpServer> m_server;

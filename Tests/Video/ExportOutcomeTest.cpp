@@ -145,7 +145,7 @@ void ExportOutcomeTest::aStoppedVideoSaysSo()
         m_player.get(), &VideoPlayer::videoExportProgress, m_player.get(),
         [player = m_player.get()] { player->cancelExportVideo(); }, Qt::DirectConnection);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(!m_player->videoExportResult());
     QCOMPARE(m_player->videoExportResult().failure().kind, Failure::Kind::cancelled);
     m_player.reset();
@@ -159,13 +159,13 @@ void ExportOutcomeTest::refusalsHaveAReason()
     for (const QString& target : {QString(), path("a.mp4"), path("no/folder/out.mp4")}) {
         const int before = record.results.size();
         m_player->exportVideo(target);
-        QTRY_COMPARE(record.results.size(), before + 1);
+        QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), before + 1, 60000);
         QVERIFY(!m_player->videoExportResult());
         QVERIFY(!m_player->videoExportResult().failure().sentence.isEmpty());
     }
     m_player->close();
     m_player->exportVideo(path("out.mp4"));
-    QTRY_COMPARE(record.results.size(), 4);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 4, 60000);
     QCOMPARE(m_player->videoExportResult().failure().kind, Failure::Kind::notPossible);
 }
 

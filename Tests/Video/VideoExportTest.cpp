@@ -135,7 +135,7 @@ void VideoExportTest::exportsEveryFrameInOrder()
     MessageLog log;
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(record.results.first());
     QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 51));
     QCOMPARE(record.progress.size(), 51);
@@ -158,7 +158,7 @@ void VideoExportTest::videoThatFillsTheDiskIsReported()
     {
         const FullDisk disk(8192);
         QVERIFY(m_player->exportVideo(path("out.mp4")));
-        QTRY_COMPARE(record.results.size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     }
     QVERIFY(log.contains("Exported video is incomplete: frames"));
     QVERIFY(record.results.first()); // it is about the position alone
@@ -167,7 +167,7 @@ void VideoExportTest::videoThatFillsTheDiskIsReported()
     QCOMPARE(QDir(m_folder->path()).entryList({"out*"}), QStringList{}); // it cannot be read
     log.clear();
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 2, 60000);
     QVERIFY(!log.contains("Exported video is incomplete: frames"));
     QVERIFY(m_player->videoExportResult().ok());
     QCOMPARE(QDir(m_folder->path()).entryList({"out*"}), QStringList{"out.mp4"});
@@ -180,7 +180,7 @@ void VideoExportTest::effectsAreInTheVideo()
     m_player->setContrast(0.5);
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     const auto exported = openVideo(path("out.mp4"));
     QVERIFY(exported);
     const cv::Mat frame = readPicture(*exported);
@@ -220,7 +220,7 @@ void VideoExportTest::theOverlayFollowsTheTimeline()
     m_player->setShowIR(showIR);
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     const auto exported = openVideo(path("out.mp4"));
     QVERIFY(exported);
     QCOMPARE(exported->frameCount(), 50);
@@ -351,7 +351,7 @@ void VideoExportTest::insetsKnowTheScaleOfTheirOwnFrame()
     };
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QCOMPARE(int(inset->scales.size()), 50);
     for (int i = 0; i < 50; ++i)
         QVERIFY2(inset->scales[static_cast<size_t>(i)] == expected(i),
@@ -423,7 +423,7 @@ void VideoExportTest::cancelledInTheSecondFile()
         },
         Qt::DirectConnection);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(record.results.first());
     QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 30));
     m_player.reset(); // its thread calls the canceller
@@ -437,7 +437,7 @@ void VideoExportTest::aFileOfAnotherSizeAddsNothing()
     open("CORV0001.MP4");
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(record.results.first());
     QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 10) + countedFrom(20, 10));
     QCOMPARE(record.progress.size(), 30);
@@ -457,7 +457,7 @@ void VideoExportTest::aFileThatFailsEndsAlone()
     MessageLog log;
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(record.results.first());
     QVERIFY(log.contains("Read failed for frame  4"));
     QVERIFY(log.contains("Forcefully stopping at frame  0"));
@@ -473,7 +473,7 @@ void VideoExportTest::aPositionThatIsLostIsReported()
     QTRY_COMPARE(m_surface.lastNumber(), 5);
     const ExportRecord record(*m_player);
     QVERIFY(m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(!record.results.first());
 }
 
@@ -485,21 +485,21 @@ void VideoExportTest::refusedExportStillEmitsItsEnd()
     const ExportRecord record(*m_player);
     QVERIFY(!m_player->exportVideo(QString()));
     QVERIFY(record.results.isEmpty()); // only after the call: who waits may not be ready yet
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(log.contains("!m_hasVideoOpened || file.isEmpty()"));
     QVERIFY(m_player->exportVideo(path("no/folder/out.mp4")));
-    QTRY_COMPARE(record.results.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 2, 60000);
     QVERIFY(m_player->exportVideo(path("shot001.none"))); // no container; no series of pictures
-    QTRY_COMPARE(record.results.size(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 3, 60000);
     m_player->play();
     QTRY_VERIFY(!m_player->playing());
     log.clear();
     QVERIFY(m_player->exportVideo(path("out.mp4"))); // the end of the stream has been reached
-    QTRY_COMPARE(record.results.size(), 4);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 4, 60000);
     QVERIFY(log.contains("Invalid video capture"));
     m_player->close();
     QVERIFY(!m_player->exportVideo(path("out.mp4")));
-    QTRY_COMPARE(record.results.size(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 5, 60000);
     QVERIFY(!record.results.contains(true));
 }
 
@@ -528,7 +528,7 @@ void VideoExportTest::sourcesAreNotOverwritten()
     QVERIFY(m_player->exportVideo(target == "relative"
                                       ? QDir::current().relativeFilePath(path("CORV0001.MP4"))
                                       : path(target)));
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QVERIFY(!record.results.first());
     QVERIFY(log.contains("Refused to export over a file of the flight:"));
     for (const char* name : {"CORV0001.MP4", "CORV0002.MP4"}) {
@@ -552,7 +552,7 @@ void VideoExportTest::anExportWhileThePoolWaitsForPictures()
         m_player->getFrameAsync(timeAt(0), [picture](const QImage&) { picture->release(); });
         picture->acquire();
     });
-    QTRY_COMPARE(record.results.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(record.results.size(), 1, 60000);
     QTRY_VERIFY(!waiting.isRunning());
     QCOMPARE(numbersInVideo(path("out.mp4")), countedFrom(0, 50));
     QThreadPool::globalInstance()->setMaxThreadCount(threads);
