@@ -69,7 +69,6 @@ Item {
         objectName: "saveProjectDialog"
         title: "Save project as..."
         nameFilters: ["Vistrel projects (*.ecor)"]
-        defaultSuffix: "ecor"
         selectExisting: false
         folder: fileDialogs.projectFolder
         onAccepted: {
@@ -107,7 +106,6 @@ Item {
         objectName: "createPoiReport"
         title: "Save POI report as..."
         nameFilters: ["Word Document (*.docx)"]
-        defaultSuffix: "docx"
         selectExisting: false
         folder: fileDialogs.reportFolder
         onAccepted: {

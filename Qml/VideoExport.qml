@@ -50,7 +50,6 @@ Window {
         title: "Please choose a video to export"
         selectExisting: false
         nameFilters: ["Video files (*.mp4)"]
-        defaultSuffix: "mp4"
         folder: settings.folder
         proposedName: videoExport.proposedName
         onAccepted: {

@@ -2,7 +2,6 @@
 #include "App/logCategory.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
-#include "App/saveDialogSuffix.h"
 #include "Platform/Platform.h"
 #include "Project/ReportFolder.h"
 #include "Shell/AppInfo.h"
@@ -194,7 +193,6 @@ int main(int argc, char** argv)
 
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::registerQmlTypes();
-    corv::completeNamesInSaveDialogs(application);
     corv::dropListsOfFileDialogs(application);
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);

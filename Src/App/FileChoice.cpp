@@ -51,6 +51,24 @@ QUrl existingFolder(const QUrl& folder)
     return QFileInfo(documents).isDir() ? QUrl::fromLocalFile(documents) : QUrl();
 }
 
+// "JPEG (*.jpg)" has "jpg"; a filter of all files has none.
+QString firstSuffix(const QString& nameFilter)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\*\\.([^\\s)*]+)"));
+    return pattern.match(nameFilter).captured(1);
+}
+
+// Lets a dialog of Qt's complete a name without a suffix by that of the filter, before it asks
+// whether a file may be replaced.
+void completeNames(QFileDialog* dialog, const QString& nameFilter)
+{
+    const auto takeSuffix = [dialog](const QString& filter) {
+        dialog->setDefaultSuffix(firstSuffix(filter));
+    };
+    takeSuffix(nameFilter);
+    QObject::connect(dialog, &QFileDialog::filterSelected, dialog, takeSuffix);
+}
+
 } // namespace
 
 QString filterOfAnyCase(const QString& nameFilter)
@@ -117,8 +135,8 @@ void FileChoice::open()
     showWholeDates(*dialog);
     // A suffix that the desktop's dialog adds after its question is one that nobody was asked
     // about.
-    if (!isNative(*dialog))
-        dialog->setDefaultSuffix(m_defaultSuffix);
+    if (!m_isExisting && !isNative(*dialog))
+        completeNames(dialog, m_nameFilters.value(0));
     const QUrl folder = existingFolder(m_folder);
     if (!folder.isEmpty())
         dialog->setDirectoryUrl(folder);

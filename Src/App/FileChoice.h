@@ -23,7 +23,6 @@ class FileChoice : public QObject
     Q_PROPERTY(QString title MEMBER m_title)
     Q_PROPERTY(bool selectExisting MEMBER m_isExisting)
     Q_PROPERTY(QStringList nameFilters MEMBER m_nameFilters)
-    Q_PROPERTY(QString defaultSuffix MEMBER m_defaultSuffix)
     Q_PROPERTY(QString proposedName MEMBER m_proposedName)
     Q_PROPERTY(QUrl folder READ folder WRITE setFolder NOTIFY folderChanged)
     Q_PROPERTY(QUrl fileUrl READ fileUrl NOTIFY accepted)
@@ -40,8 +39,9 @@ public:
     QUrl folder() const { return m_folder; }
     void setFolder(const QUrl& folder);
 
-    /// What was chosen last. Without a suffix where the desktop's dialog adds none: whatever is of
-    /// the completed name has not been asked about then.
+    /// What was chosen last. Qt's dialog completes a name without a suffix by that of the filter,
+    /// and then asks before it replaces a file. A name from the desktop's dialog may lack its
+    /// suffix: the pilot has not been asked about the completed name then.
     QUrl fileUrl() const { return m_fileUrl; }
 
     /// One of `nameFilters`.
@@ -68,7 +68,6 @@ private:
     QString m_title;
     bool m_isExisting = true;
     QStringList m_nameFilters;
-    QString m_defaultSuffix;
     QString m_proposedName;
     QUrl m_folder;
     QUrl m_fileUrl;

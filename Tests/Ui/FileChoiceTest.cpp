@@ -2,6 +2,7 @@
 #include "ReviewSuite.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QCompleter>
 #include <QDir>
 #include <QFile>
@@ -27,6 +28,7 @@ private slots:
     void proposesTheNameOfTheFlight_data();
     void proposesTheNameOfTheFlight();
     void proposesTheNameOfTheProjectThatIsOpen();
+    void nameGetsTheSuffixOfTheChosenFormat();
     void eachKindOfFileHasItsOwnFolder();
     void aFolderThatIsGoneIsNotOpened();
     void aFolderThatIsTypedIsEntered_data();
@@ -120,6 +122,20 @@ void FileChoiceTest::proposesTheNameOfTheProjectThatIsOpen()
     m_ui->call("goSaveProjectCopy");
     QTRY_VERIFY(UiFixture::fileDialog());
     QCOMPARE(proposedName(), QString("Site 2026.11.21 copy.ecor"));
+    UiFixture::fileDialog()->reject();
+}
+
+void FileChoiceTest::nameGetsTheSuffixOfTheChosenFormat()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->call("saveCurrentFrame");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    QCOMPARE(UiFixture::fileDialog()->defaultSuffix(), QString("jpg"));
+    auto* formats = UiFixture::fileDialog()->findChild<QComboBox*>("fileTypeCombo");
+    QVERIFY(formats);
+    QTest::keyClick(formats, Qt::Key_Down);
+    QCOMPARE(UiFixture::fileDialog()->selectedNameFilter(), QString("Bitmap (*.bmp)"));
+    QCOMPARE(UiFixture::fileDialog()->defaultSuffix(), QString("bmp"));
     UiFixture::fileDialog()->reject();
 }
 

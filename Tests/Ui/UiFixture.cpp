@@ -3,7 +3,6 @@
 #include "App/completionLists.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
-#include "App/saveDialogSuffix.h"
 #include "Shell/blockedKeys.h"
 
 #include <QApplication>
@@ -39,7 +38,6 @@ void UiFixture::prepare()
     QApplication::setApplicationName(QStringLiteral("Vistrel"));
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     registerQmlTypes();
-    completeNamesInSaveDialogs(*qGuiApp);
     dropListsOfFileDialogs(*qGuiApp);
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
