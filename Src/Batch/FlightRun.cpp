@@ -519,6 +519,8 @@ Result<QStringList> FlightRun::printReport()
     ReportFolder::sweep();
     const ReportFolder profile;
     BoundProcess process;
+    // Its own temporary files go there, too: a killed one leaves them, and the next run sweeps.
+    process.setEnvironment(QProcess::systemEnvironment() << "TMPDIR=" + profile.path());
     process.start(wordProcessor(),
                   {QStringLiteral("-env:UserInstallation=file://") + profile.path(),
                    QStringLiteral("--headless"), QStringLiteral("--convert-to"),

@@ -204,8 +204,8 @@ void OvernightTest::allButTheReportIsDoneWherePrintingIsAlwaysKilled()
     card.flights = flights;
     QVERIFY(card.write(path("stuck card")));
     QVERIFY(QDir().mkpath(path("stuck bin")));
-    write(path("stuck bin/soffice"),
-          "#!/bin/sh\necho >>" + path("printings").toUtf8() + "\nexec sleep 300\n");
+    write(path("stuck bin/soffice"), "#!/bin/sh\n: >\"$TMPDIR/lu$$.tmp\"\necho >>" +
+                                         path("printings").toUtf8() + "\nexec sleep 300\n");
     QVERIFY(QFile::setPermissions(path("stuck bin/soffice"), QFile::ReadOwner | QFile::ExeOwner));
     QProcessEnvironment stuck = m_environment;
     stuck.insert("PATH", path("stuck bin") + ":/usr/bin:/bin");
@@ -231,6 +231,9 @@ void OvernightTest::allButTheReportIsDoneWherePrintingIsAlwaysKilled()
     QVERIFY2(whole.status == 0, whole.out + whole.error);
     QCOMPARE(resultsIn(path("stuck")).keys().filter(QRegularExpression("/report\\.pdf$")).size(),
              flights);
+    // What the killed printing kept for itself is gone, too.
+    QCOMPARE(QDir(path("tmp")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
 }
 
 int main(int argc, char** argv)
