@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <optional>
 
 namespace corv {
 namespace {
@@ -49,6 +50,13 @@ qint64 shortestStep(const std::vector<qint64>& times)
             shortest = std::min(shortest, step);
     }
     return shortest < static_cast<double>(highestClock) ? static_cast<qint64>(shortest) : 0;
+}
+
+void moveClock(FrameIndex::Packet& packet, qint64 shift)
+{
+    packet.dts += packet.dts == FrameIndex::noTime ? 0 : shift;
+    packet.pts += packet.pts == FrameIndex::noTime ? 0 : shift;
+    packet.shift += shift;
 }
 
 bool isAt(const FrameIndex::Packet& packet, qint64 dts, qint64 pts)
@@ -122,9 +130,40 @@ bool FrameIndex::isAtSeam(int packet) const
 {
     if (packet == 0 || !this->packet(packet).isKey)
         return false;
-    const qint64 before = this->packet(packet - 1).dts;
-    const qint64 behind = this->packet(packet).dts;
+    const qint64 before = this->packet(packet - 1).storedDts();
+    const qint64 behind = this->packet(packet).storedDts();
     return before != noTime && behind != noTime && behind < before;
+}
+
+void FrameIndex::alignParts()
+{
+    std::optional<qint64> firstLead; // from decoding to showing
+    bool isInsideGroup = false;
+    int end = 0;
+    for (int begin = 0; begin < packetCount(); begin = end) {
+        for (end = begin + 1; end < packetCount() && !isAtSeam(end);)
+            ++end;
+        qint64 dts = noTime;
+        qint64 pts = highestClock;
+        for (int i = begin; i < end; ++i) {
+            const Packet& other = packet(i);
+            if (!isClock(other.pts) || !isClock(other.dts))
+                return;
+            if (!other.isShown)
+                continue;
+            if (other.pts == noTime || other.dts == noTime)
+                return;
+            dts = dts == noTime ? other.dts : dts;
+            pts = std::min(pts, other.pts);
+        }
+        if (dts == noTime)
+            continue;
+        isInsideGroup = isInsideGroup || !packet(begin).isShown;
+        const qint64 shift = firstLead.value_or(pts - dts) - (pts - dts);
+        firstLead = firstLead.value_or(pts - dts);
+        for (int i = begin; i < end && isInsideGroup && shift != 0; ++i)
+            moveClock(m_packets[static_cast<size_t>(i)], shift);
+    }
 }
 
 void FrameIndex::giveTimes(const std::vector<qint64>& orders)

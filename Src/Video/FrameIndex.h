@@ -61,6 +61,11 @@ public:
     /// it when both were recorded.
     bool isAtSeam(int packet) const;
 
+    /// Where an edit list leads into the middle of a group of pictures, the reader of the container
+    /// counts from the packet that is decoded first, not from the frame that is shown first. Each
+    /// part gets the times that follow those of the part before. Before finish().
+    void alignParts();
+
     /// The length that the container states, in milliseconds: where it can be that of what is
     /// shown, the last frame ends there. Before finish().
     void setStatedLength(double ms) { m_statedMs = ms; }

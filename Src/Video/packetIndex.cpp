@@ -228,6 +228,8 @@ Status readPacketIndex(AvInput& input, FrameIndex& index, bool arePicturesRead,
     }
     if (input.canClockBeginAnew())
         index.joinClocks();
+    if (input.describesPackets())
+        index.alignParts();
     facts.finish(index);
     return status;
 }

@@ -240,7 +240,10 @@ void ListedPacketsTest::nothingIsLostAtTheSeamOfTwoParts_data()
     QTest::newRow("h264") << h264 << 5 << 53;
     QTest::newRow("h264, open groups")
         << h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"} << 5 << 53;
+    QTest::newRow("h264, at another place between b-frames") << h264 << 5 << 55;
     QTest::newRow("hevc") << hevc + closed << 5 << 53;
+    QTest::newRow("hevc, at another place between b-frames") << hevc + open << 5 << 54;
+    QTest::newRow("hevc, the other way round") << hevc + open << 54 << 5;
     QTest::newRow("hevc, open groups") << hevc + open << 5 << 53;
     QTest::newRow("hevc, the same group again") << hevc + open << 5 << 20;
     QTest::newRow("hevc, the later part first") << hevc + open << 53 << 5;
