@@ -218,9 +218,7 @@ ReviewWindow {
         projects: recentProjects.projects
     }
 
-    RecentProjects {
-        id: recentProjects
-    }
+    RecentProjects { id: recentProjects }
 
     Recovery {
         id: recovery
@@ -502,6 +500,7 @@ ReviewWindow {
                 onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
                 onVideoExportComplete: mainWindow.videoExportComplete(result)
                 onReadFailed: infoTab.showNotice(sentence)
+                onHasVideoOpenedChanged: recentProjects.refresh()
             }
 
             MouseArea {

@@ -42,6 +42,7 @@ private slots:
     void aFlightWithoutANumberShowsNone();
     void unsavedWorkIsOfferedAtTheNextStart();
     void recentProjectsAreOnTheStartPage();
+    void aProjectGoneMeanwhileIsGreyedOnTheStartPage();
     void missingMediaAreLookedForWhereThePilotSays();
     void theShownCurvesAndThePaletteComeBack();
     void aPictureIsSavedAtTheEnd_data();
@@ -409,6 +410,21 @@ void KeptWorkTest::recentProjectsAreOnTheStartPage()
     m_ui->call("goCloseProject");
     QVERIFY(m_ui->trigger("clearRecentProjectsMenuItem"));
     QTRY_VERIFY(!m_ui->item("recentProjectsList")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+/// As one on a card that was pulled out.
+void KeptWorkTest::aProjectGoneMeanwhileIsGreyedOnTheStartPage()
+{
+    QVERIFY(m_ui->openVideo());
+    const QString folder = media().newFolder();
+    m_ui->call("doSaveProject", {folder + "/first.ecor"});
+    m_ui->call("doSaveProject", {folder + "/second.ecor"});
+    QVERIFY(QFile::remove(folder + "/second.ecor"));
+    m_ui->call("goCloseProject");
+    QTRY_VERIFY(m_ui->item("recentProjectButton0") &&
+                !m_ui->item("recentProjectButton0")->isEnabled());
+    QVERIFY(m_ui->item("recentProjectButton1")->isEnabled());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
