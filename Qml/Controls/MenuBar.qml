@@ -1,3 +1,4 @@
+import QtQml 2.15
 import QtQuick 2.15
 import QtQuick.Controls 1.4 as Controls
 import QtQuick.Controls.Styles 1.4
@@ -12,6 +13,27 @@ Controls.MenuBar {
         target: menuBar.__contentItem
         property: "visible"
         value: menuBar.shown
+    }
+
+    // Once the last menu is closed, letters open none until Alt is pressed again. The bar itself
+    // never sees the release of an Alt that opened a menu.
+    property Instantiator closing: Instantiator {
+        model: menuBar.menus
+
+        Connections {
+            target: modelData
+            function onAboutToHide() {
+                Qt.callLater(menuBar.leaveLetters);
+            }
+        }
+    }
+
+    function leaveLetters() {
+        for (var i = 0; i < menus.length; ++i) {
+            if (menus[i].__popupVisible)
+                return;
+        }
+        __contentItem.item.__altPressed = false;
     }
 
     style: MenuBarStyle {

@@ -19,6 +19,7 @@ private slots:
     void tabReachesControlsAndSpaceActivatesThem();
     void theFirstTabOnTheStartPageReachesItsFirstChoice();
     void aFlightOpenedByKeysHasTheKeyboard();
+    void lettersAreTheVideosAgainAfterAMenuOpenedByAlt();
     void theTabsAreChangedByKeys();
     void aClickLeavesTheKeyboardFocusOnTheVideo();
     void escapeGivesTheKeysBackToTheVideo_data();
@@ -216,6 +217,28 @@ void StripsTest::aFlightOpenedByKeysHasTheKeyboard()
     QTest::keyClick(m_ui->window(), Qt::Key_Space);
     QVERIFY(player("playing").toBool());
     QVERIFY(!UiFixture::fileDialog());
+}
+
+void StripsTest::lettersAreTheVideosAgainAfterAMenuOpenedByAlt()
+{
+    const auto popup = [this]() -> QWindow* {
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            if (window->isVisible() && window != m_ui->window())
+                return window;
+        }
+        return nullptr;
+    };
+    QVERIFY(m_ui->openVideo());
+    QTRY_VERIFY(m_ui->item("videoTab")->hasActiveFocus());
+    QTest::keyPress(m_ui->window(), Qt::Key_Alt, Qt::AltModifier);
+    QTest::keyPress(m_ui->window(), Qt::Key_H, Qt::AltModifier);
+    QTRY_VERIFY(popup());
+    QVERIFY(QTest::qWaitForWindowExposed(popup()));
+    QTest::keyPress(popup(), Qt::Key_Escape);
+    QTRY_VERIFY(!popup());
+    QTRY_VERIFY(!m_ui->evaluate("menuBar.__contentItem.item.__altPressed").toBool());
+    QTest::keyClick(m_ui->window(), Qt::Key_E);
+    QVERIFY(!popup());
 }
 
 void StripsTest::theTabsAreChangedByKeys()
