@@ -161,7 +161,10 @@ void FrameIndex::alignParts()
         isInsideGroup = isInsideGroup || !packet(begin).isShown;
         const qint64 shift = firstLead.value_or(pts - dts) - (pts - dts);
         firstLead = firstLead.value_or(pts - dts);
-        for (int i = begin; i < end && isInsideGroup && shift != 0; ++i)
+        // Less than half a frame is the frames' own.
+        const double lengthOfAll = distance(packet(begin).dts, packet(end - 1).dts);
+        const bool isOff = std::abs(static_cast<double>(shift)) * 2.0 * (end - begin) > lengthOfAll;
+        for (int i = begin; i < end && isInsideGroup && isOff; ++i)
             moveClock(m_packets[static_cast<size_t>(i)], shift);
     }
 }

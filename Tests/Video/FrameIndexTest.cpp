@@ -33,6 +33,7 @@ class FrameIndexTest : public QObject
     Q_OBJECT
 
 private slots:
+    void jitterAtASeamStays();
     void framesAreNumberedByTime();
     void roundedTimesAreThoseOfTheRate();
     void timesOfAVariableRateAreTheTrueOnes();
@@ -283,6 +284,30 @@ void FrameIndexTest::hugeTimesDoNoHarm()
     FrameIndex none;
     none.finish(fps);
     QCOMPARE(none.frameCount(), 0);
+}
+
+// Two parts, each from a keyframe that is not shown: frames of the second one are shown less than
+// half a frame earlier after their decoding.
+void FrameIndexTest::jitterAtASeamStays()
+{
+    constexpr qint64 shorter = 12;
+    FrameIndex index;
+    index.setUnit(1.0);
+    for (int part = 0; part < 2; ++part) {
+        for (int i = 0; i < 10; ++i) {
+            FrameIndex::Packet packet;
+            packet.dts = part * 200 + (i - 5) * 40;
+            packet.pts = packet.dts + 80 - part * shorter;
+            packet.isKey = i == 0;
+            packet.isShown = i >= 5;
+            index.add(packet);
+        }
+    }
+    QVERIFY(index.isAtSeam(10));
+    index.alignParts();
+    index.finish(25.0);
+    QCOMPARE(index.frameCount(), 10);
+    QCOMPARE(index.timeMs(5), 200.0 - shorter);
 }
 
 QTEST_APPLESS_MAIN(FrameIndexTest)
