@@ -61,7 +61,8 @@ void removeAbandonedParts(const QString& path);
 QByteArray fileIdentity(int descriptor);
 QByteArray fileIdentity(const QString& path);
 
-/// No process of this machine has this number.
+/// No process of this machine has this number, or it has ended and waits for its parent. False for
+/// what is no number of a process.
 bool isProcessGone(qint64 process);
 
 /// Replaces the contents of a file atomically: afterwards it has the earlier ones or the new ones,

@@ -277,8 +277,17 @@ QByteArray fileIdentity(const QString& path)
 
 bool isProcessGone(qint64 process)
 {
-    return process > 0 && process <= std::numeric_limits<pid_t>::max() &&
-           ::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH;
+    if (process <= 0 || process > std::numeric_limits<pid_t>::max())
+        return false;
+    if (::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH)
+        return true;
+    // A process that has ended keeps its number until its parent asks for its status. The state
+    // comes after the name, which is in brackets and may hold any letter.
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray status = file.readAll();
+    return status.mid(status.lastIndexOf(')') + 1).trimmed().startsWith('Z');
 }
 
 void removeAbandonedParts(const QString& path)
@@ -290,9 +299,8 @@ void removeAbandonedParts(const QString& path)
     for (const QString& name : folder.entryList(QDir::Files | QDir::Dirs | QDir::Hidden)) {
         if (!name.startsWith(start) || !name.endsWith(end))
             continue;
-        const pid_t process =
-            name.mid(start.size(), name.size() - start.size() - end.size()).toInt();
-        if (process <= 0 || ::kill(process, 0) == 0 || errno != ESRCH)
+        const int process = name.mid(start.size(), name.size() - start.size() - end.size()).toInt();
+        if (!isProcessGone(process))
             continue;
         if (QFileInfo(folder.filePath(name)).isDir())
             QDir(folder.filePath(name)).removeRecursively();

@@ -1,12 +1,11 @@
 #include "Project/ReportFolder.h"
 
+#include "Platform/fileSystem.h"
 #include "Project/logCategory.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QFileInfo>
-#include <cerrno>
-#include <csignal>
 #include <unistd.h>
 
 namespace corv {
@@ -15,17 +14,11 @@ namespace {
 const QString namePrefix = QStringLiteral("vistrel-report-");
 
 // A number that the system has given to another process since keeps the folder until that one ends.
-bool isRunning(qint64 processId)
-{
-    return ::kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
-}
-
 bool isAbandoned(const QFileInfo& folder)
 {
-    bool isNumber = false;
-    const int processId =
-        folder.fileName().mid(namePrefix.size()).section(QLatin1Char('-'), 0, 0).toInt(&isNumber);
-    return isNumber && processId > 0 && folder.ownerId() == ::getuid() && !isRunning(processId);
+    const int process =
+        folder.fileName().mid(namePrefix.size()).section(QLatin1Char('-'), 0, 0).toInt();
+    return folder.ownerId() == ::getuid() && platform::isProcessGone(process);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "Shell/crashReport.h"
 
 #include "Base/FileReplacement.h"
+#include "Platform/fileSystem.h"
 #include "Platform/wholeWrite.h"
 #include "Shell/AppInfo.h"
 #include "Shell/logCategory.h"
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -197,7 +197,7 @@ QString ownReportBeside(const QString& logFilePath, const QString& suffix)
 bool isOfARunningProcess(const QString& unfinished)
 {
     const QString process = unfinished.section(QLatin1Char('.'), 1, 1);
-    return ::kill(process.toInt(), 0) == 0 || errno != ESRCH;
+    return !platform::isProcessGone(process.toInt());
 }
 
 // The reports that have not been taken yet, the oldest first.

@@ -1,4 +1,5 @@
 #include "Platform/childProcess.h"
+#include "Platform/fileSystem.h"
 
 #include <QtTest>
 #include <csignal>
@@ -15,6 +16,7 @@ private slots:
     void aChildOfALivingParentGoesOn();
     void aChildWhoseParentEndedBeforeEndsAtOnce();
     void aChildEndsWithItsParent();
+    void aProcessIsGoneOnceItHasEnded();
 };
 
 namespace {
@@ -71,6 +73,31 @@ void ChildProcessTest::aChildEndsWithItsParent()
     QCOMPARE(waitpid(parent, nullptr, 0), parent);
     QCOMPARE(read(life[0], &byte, 1), ssize_t(0)); // returns when the last of both is gone
     close(life[0]);
+}
+
+// Also while its parent has not asked how it ended.
+void ChildProcessTest::aProcessIsGoneOnceItHasEnded()
+{
+    int gate[2];
+    QCOMPARE(pipe(gate), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        char byte = 0;
+        _exit(read(gate[0], &byte, 1) == 1 ? 0 : 1);
+    }
+    QVERIFY(!platform::isProcessGone(child));
+    QCOMPARE(write(gate[1], "x", 1), ssize_t(1));
+    siginfo_t ended{};
+    QCOMPARE(waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
+    QVERIFY(platform::isProcessGone(child));
+    QCOMPARE(waitpid(child, nullptr, 0), child);
+    QVERIFY(platform::isProcessGone(child));
+    close(gate[0]);
+    close(gate[1]);
+    QVERIFY(!platform::isProcessGone(getpid()));
+    QVERIFY(!platform::isProcessGone(1)); // another user's, perhaps
+    QVERIFY(!platform::isProcessGone(0));
+    QVERIFY(!platform::isProcessGone(-1));
 }
 
 QTEST_GUILESS_MAIN(ChildProcessTest)
