@@ -94,7 +94,7 @@ void CurvePainter::setChosen(const QStringList& names)
 void CurvePainter::lookUp()
 {
     m_curves.clear();
-    m_lines.clear();
+    m_bars.clear();
     if (!m_log)
         return;
     const std::vector<CurveColumn> columns = curveColumns(*m_log);
@@ -154,12 +154,13 @@ std::vector<int> CurvePainter::rowsOfPixels(const Curve& curve, int width,
     return rows;
 }
 
-// For each pixel the range of the values in its time, joined to the one before.
-QVector<QLine> CurvePainter::linesOf(const Curve& curve, const std::vector<int>& rows, int height)
+// For each pixel the range of the values in its time, joined to the one before. Bars and not lines:
+// scaled to a finer screen, a line that is one pixel long is a dot, or nothing.
+QVector<QRect> CurvePainter::barsOf(const Curve& curve, const std::vector<int>& rows, int height)
 {
-    QVector<QLine> lines;
+    QVector<QRect> bars;
     const int width = static_cast<int>(rows.size()) - 1;
-    lines.reserve(width);
+    bars.reserve(width);
     int topBefore = 0;
     int bottomBefore = 0;
     for (int x = 0; x < width; ++x) {
@@ -173,22 +174,22 @@ QVector<QLine> CurvePainter::linesOf(const Curve& curve, const std::vector<int>&
             continue;
         const int highest = yOf(range.highest, curve.range, height);
         const int lowest = yOf(range.lowest, curve.range, height);
-        const bool joins = !lines.isEmpty() && lines.last().x1() == x - 1;
-        lines.append(QLine(x, joins ? std::min(highest, bottomBefore) : highest, x,
-                           joins ? std::max(lowest, topBefore) : lowest));
+        const bool joins = !bars.isEmpty() && bars.last().x() == x - 1;
+        bars.append(QRect(QPoint(x, joins ? std::min(highest, bottomBefore) : highest),
+                          QPoint(x, joins ? std::max(lowest, topBefore) : lowest)));
         topBefore = highest;
         bottomBefore = lowest;
     }
-    return lines;
+    return bars;
 }
 
 void CurvePainter::place(const QSize& size, const TimelineView& view)
 {
     const Place wanted{size, view.msPerPx, view.contentX, logTimeOfVideo(0, *m_clock)};
-    if (!m_lines.empty() && m_place == wanted)
+    if (!m_bars.empty() && m_place == wanted)
         return;
     m_place = wanted;
-    m_lines.assign(m_curves.size(), {});
+    m_bars.assign(m_curves.size(), {});
     // Curves of one group share their times, and so the rows of the pixels.
     std::vector<int> rows;
     for (size_t i = 0; i < m_curves.size(); ++i) {
@@ -197,7 +198,7 @@ void CurvePainter::place(const QSize& size, const TimelineView& view)
             continue;
         if (i == 0 || rows.empty() || curve.times != m_curves[i - 1].times)
             rows = rowsOfPixels(curve, size.width(), view);
-        m_lines[i] = linesOf(curve, rows, size.height());
+        m_bars[i] = barsOf(curve, rows, size.height());
     }
 }
 
@@ -210,9 +211,10 @@ void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineVie
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setClipRect(QRect(QPoint(), size));
     place(size, view);
+    painter.setPen(Qt::NoPen);
     for (size_t i = 0; i < m_curves.size(); ++i) {
-        painter.setPen(colourAt(i));
-        painter.drawLines(m_lines[i]);
+        painter.setBrush(colourAt(i));
+        painter.drawRects(m_bars[i]);
     }
     const int cursorX = pxOfMs(cursorMs, view);
     if (cursorX >= 0 && cursorX < size.width()) {

@@ -7,7 +7,7 @@
 #include "Timeline/timelineGeometry.h"
 
 #include <QColor>
-#include <QLine>
+#include <QRect>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -83,7 +83,7 @@ private:
         ValueRange range;
     };
 
-    /// All that the lines of the curves depend on, but the curves themselves.
+    /// All that the bars of the curves depend on, but the curves themselves.
     struct Place
     {
         QSize size;
@@ -105,7 +105,7 @@ private:
     bool isSynced() const { return m_log && m_clock && m_clock->synced; }
     std::optional<float> valueOf(const Curve& curve, int videoMs) const;
     std::vector<int> rowsOfPixels(const Curve& curve, int width, const TimelineView& view) const;
-    static QVector<QLine> linesOf(const Curve& curve, const std::vector<int>& rows, int height);
+    static QVector<QRect> barsOf(const Curve& curve, const std::vector<int>& rows, int height);
     QString legendOf(const Curve& curve, int cursorMs) const;
     void paintLegend(QPainter& painter, int cursorMs) const;
 
@@ -115,7 +115,7 @@ private:
     bool m_light = false;
     std::vector<Curve> m_curves;
     Place m_place;
-    std::vector<QVector<QLine>> m_lines; ///< of the curves at their place; empty if not computed
+    std::vector<QVector<QRect>> m_bars; ///< of the curves at their place; empty if not computed
 };
 
 } // namespace corv

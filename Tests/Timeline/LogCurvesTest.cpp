@@ -20,6 +20,8 @@ private slots:
     void saysTheValuesAtTheCursor();
     void drawsEachValueAtItsTime();
     void drawsPeaksThatFallBetweenPixels();
+    void isUnbrokenOnFinerScreens_data();
+    void isUnbrokenOnFinerScreens();
     void followsTheCorrection();
     void showsNothingWithoutASynchronisedLog();
     void isDarkOnALightGround();
@@ -193,6 +195,37 @@ void LogCurvesTest::drawsPeaksThatFallBetweenPixels()
     for (int x = 314; x <= 316; ++x)
         highest = std::min(highest, curveAt(image, x).first);
     QCOMPARE(highest, yOf(20));
+}
+
+void LogCurvesTest::isUnbrokenOnFinerScreens_data()
+{
+    QTest::addColumn<double>("scale");
+    for (const double scale : {1.0, 1.25, 1.5, 2.0, 3.0})
+        QTest::addRow("%g", scale) << scale;
+}
+
+void LogCurvesTest::isUnbrokenOnFinerScreens()
+{
+    QFETCH(double, scale);
+    QVERIFY(load(flight()));
+    m_curves->setCurves({"engine.rpm"});
+    m_curves->setCursorPosition(timeAt(59000));
+    QImage image((QSizeF(width, height) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::magenta);
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    m_curves->paint(&painter);
+    painter.end();
+    for (int x = int(200 * scale); x < int(580 * scale); ++x) {
+        const bool isBeforeStep = x < int(298 * scale);
+        if (!isBeforeStep && x < int(304 * scale))
+            continue;
+        const double y = yOf(isBeforeStep ? 0 : 10) * scale;
+        bool isDrawn = false;
+        for (int row = int(y); row <= int(y + scale); ++row)
+            isDrawn = isDrawn || image.pixelColor(x, row) == firstColour;
+        QVERIFY2(isDrawn, qPrintable(QString("column %1").arg(x)));
+    }
 }
 
 void LogCurvesTest::followsTheCorrection()
