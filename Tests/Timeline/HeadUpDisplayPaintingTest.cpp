@@ -121,8 +121,8 @@ void HeadUpDisplayPaintingTest::oddValuesAreDrawnHarmlessly()
     const QImage image = painted(panel.hud);
     if (!std::isfinite(value))
         QCOMPARE(needlePixels(image, image.rect()), 0);
-    for (int row = 0; row < 5; ++row)
-        QVERIFY(panel.textsOfRow(row, 0) != texts(row, QString()));
+    for (const char* label : {"Pitch", "Roll", "Heading", "Altitude", "Cam pitch"})
+        QVERIFY(panel.textsOfRow(rowOf(label), 0) != QString(label));
 }
 
 void HeadUpDisplayPaintingTest::drawsAtAnyWidth_data()
@@ -144,7 +144,7 @@ void HeadUpDisplayPaintingTest::drawsAtAnyWidth()
     // The dial grows narrower as the panel grows wider, about the panel's middle.
     const int size = 340 - width;
     if (size > 100 && size <= width) {
-        const QPoint centre(width / 2, 60 + 30 + size / 2);
+        const QPoint centre(width / 2, rowTop(rowOf("Heading")) + rowHeight + size / 2);
         QCOMPARE(image.pixelColor(centre + QPoint(-size / 2 + 12, 0)), discColour);
         const QPoint outside = centre + QPoint(-size / 2 - 2, 0);
         if (outside.x() >= 0)
@@ -156,7 +156,7 @@ void HeadUpDisplayPaintingTest::drawsLabelsAndSeparators()
 {
     Panel panel;
     const QImage image = painted(panel.hud);
-    for (int row = 0; row < 5; ++row) {
+    for (int row = 0; row < rowCount(); ++row) {
         QCOMPARE(panel.textsOfRow(row), texts(row, QString()));
         const QColor line = image.pixelColor(panelWidth / 2, rowTop(row));
         QCOMPARE(line, row == 0 ? QColor(Qt::magenta) : discColour);
@@ -171,7 +171,7 @@ void HeadUpDisplayPaintingTest::labelIsAtTheLeftAndValueAtTheRight()
     addStateGroup(log);
     addState(log, {start, 0, 0, 0, 0, 5, 0});
     Panel panel(log);
-    const QImage row = painted(panel.hud).copy(0, rowTop(3) + 2, panelWidth, 27);
+    const QImage row = painted(panel.hud).copy(0, rowTop(rowOf("Altitude")) + 2, panelWidth, 27);
     std::vector<int> white; // the columns with ink
     for (int x = 0; x < row.width(); ++x) {
         for (int y = 0; y < row.height(); ++y) {
@@ -199,7 +199,8 @@ void HeadUpDisplayPaintingTest::textsCanBeReadOnThePanel()
     panel.hud.paint(&painter);
     painter.end();
     for (const int x : {10, panelWidth - 10 - 16}) {
-        const QColor behind = mostFrequentColour(image.copy(x, rowTop(3) + 10, 16, 10));
+        const QColor behind =
+            mostFrequentColour(image.copy(x, rowTop(rowOf("Altitude")) + 10, 16, 10));
         const double ratio = contrast(Qt::white, behind);
         QVERIFY2(ratio >= 4.5, qPrintable(QString("%1 on %2").arg(ratio).arg(behind.name())));
     }

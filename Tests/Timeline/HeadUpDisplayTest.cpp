@@ -7,6 +7,13 @@
 using namespace corv;
 using namespace corv::test;
 
+namespace {
+
+const int altitudeRow = rowOf("Altitude");
+const int cameraRow = rowOf("Cam pitch");
+
+} // namespace
+
 /// The values that the panel shows, and when it has none.
 class HeadUpDisplayTest : public QObject
 {
@@ -37,11 +44,12 @@ void HeadUpDisplayTest::rowsReadTheirVars_data()
 {
     QTest::addColumn<int>("row");
     QTest::addColumn<QString>("text");
-    QTest::newRow("pitch") << 0 << QStringLiteral("11°");
-    QTest::newRow("roll") << 1 << QStringLiteral("-7°");
-    QTest::newRow("heading, less its reference") << 2 << QStringLiteral("60°");
-    QTest::newRow("altitude, less its reference") << 3 << QStringLiteral("102.5 m");
-    QTest::newRow("camera pitch, in degrees already") << 4 << QStringLiteral("-33°");
+    QTest::newRow("pitch") << rowOf("Pitch") << QStringLiteral("11°");
+    QTest::newRow("roll") << rowOf("Roll") << QStringLiteral("-7°");
+    QTest::newRow("heading, less its reference") << rowOf("Heading") << QStringLiteral("60°");
+    QTest::newRow("altitude, less its reference") << rowOf("Altitude") << QStringLiteral("102.5 m");
+    QTest::newRow("camera pitch, in degrees already")
+        << rowOf("Cam pitch") << QStringLiteral("-33°");
 }
 
 void HeadUpDisplayTest::rowsReadTheirVars()
@@ -64,17 +72,24 @@ void HeadUpDisplayTest::valuesHaveTheirDecimalsAndUnits_data()
     QTest::addColumn<double>("value");
     QTest::addColumn<bool>("imperial");
     QTest::addColumn<QString>("text");
-    QTest::newRow("degrees are whole") << 0 << 12.4 << false << QStringLiteral("12°");
-    QTest::newRow("degrees are rounded") << 0 << 12.6 << false << QStringLiteral("13°");
-    QTest::newRow("degrees stay degrees") << 0 << 12.6 << true << QStringLiteral("13°");
-    QTest::newRow("no modulo for pitch") << 0 << 370.0 << false << QStringLiteral("370°");
-    QTest::newRow("a full turn is taken off") << 2 << 365.2 << false << QStringLiteral("5°");
-    QTest::newRow("heading keeps its sign") << 2 << -5.0 << false << QStringLiteral("-5°");
-    QTest::newRow("a turn to the left too") << 2 << -365.2 << false << QStringLiteral("-5°");
-    QTest::newRow("metres") << 3 << 10.0 << false << QStringLiteral("10.0 m");
-    QTest::newRow("feet") << 3 << 10.0 << true << QStringLiteral("32.8 ft");
-    QTest::newRow("below the reference") << 3 << -2.25 << true << QStringLiteral("-7.4 ft");
-    QTest::newRow("camera") << 4 << -90.0 << true << QStringLiteral("-90°");
+    QTest::newRow("degrees are whole") << rowOf("Pitch") << 12.4 << false << QStringLiteral("12°");
+    QTest::newRow("degrees are rounded")
+        << rowOf("Pitch") << 12.6 << false << QStringLiteral("13°");
+    QTest::newRow("degrees stay degrees")
+        << rowOf("Pitch") << 12.6 << true << QStringLiteral("13°");
+    QTest::newRow("no modulo for pitch")
+        << rowOf("Pitch") << 370.0 << false << QStringLiteral("370°");
+    QTest::newRow("a full turn is taken off")
+        << rowOf("Heading") << 365.2 << false << QStringLiteral("5°");
+    QTest::newRow("heading keeps its sign")
+        << rowOf("Heading") << -5.0 << false << QStringLiteral("-5°");
+    QTest::newRow("a turn to the left too")
+        << rowOf("Heading") << -365.2 << false << QStringLiteral("-5°");
+    QTest::newRow("metres") << rowOf("Altitude") << 10.0 << false << QStringLiteral("10.0 m");
+    QTest::newRow("feet") << rowOf("Altitude") << 10.0 << true << QStringLiteral("32.8 ft");
+    QTest::newRow("below the reference")
+        << rowOf("Altitude") << -2.25 << true << QStringLiteral("-7.4 ft");
+    QTest::newRow("camera") << rowOf("Cam pitch") << -90.0 << true << QStringLiteral("-90°");
 }
 
 void HeadUpDisplayTest::valuesHaveTheirDecimalsAndUnits()
@@ -124,7 +139,7 @@ void HeadUpDisplayTest::holdsTheSampleOfTheMoment()
         addState(log, state);
     }
     Panel panel(log);
-    QCOMPARE(panel.textsOfRow(3, videoMs), texts(3, text));
+    QCOMPARE(panel.textsOfRow(altitudeRow, videoMs), texts(altitudeRow, text));
 }
 
 void HeadUpDisplayTest::agreesWithAStepByStepSearchOnAnyTimes()
@@ -147,7 +162,8 @@ void HeadUpDisplayTest::agreesWithAStepByStepSearchOnAnyTimes()
             size_t held = 0;
             while (held + 1 < videoTimes.size() && ms >= videoTimes[held + 1])
                 ++held;
-            QCOMPARE(panel.textsOfRow(3, ms), texts(3, QStringLiteral("%1.0 m").arg(held)));
+            QCOMPARE(panel.textsOfRow(altitudeRow, ms),
+                     texts(altitudeRow, QStringLiteral("%1.0 m").arg(held)));
         }
     }
 }
@@ -165,15 +181,15 @@ void HeadUpDisplayTest::followsTheCorrection()
         addCamera(log, start + 500 * half, static_cast<float>(half));
     }
     Panel panel(log);
-    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("1.0 m")));
-    QCOMPARE(panel.textsOfRow(4, 500), texts(4, QStringLiteral("1°")));
+    QCOMPARE(panel.textsOfRow(altitudeRow, 500), texts(altitudeRow, QStringLiteral("1.0 m")));
+    QCOMPARE(panel.textsOfRow(cameraRow, 500), texts(cameraRow, QStringLiteral("1°")));
     panel.parser.setManualLogTimeOffset(500);
-    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("2.0 m")));
-    QCOMPARE(panel.textsOfRow(4, 500), texts(4, QStringLiteral("2°")));
+    QCOMPARE(panel.textsOfRow(altitudeRow, 500), texts(altitudeRow, QStringLiteral("2.0 m")));
+    QCOMPARE(panel.textsOfRow(cameraRow, 500), texts(cameraRow, QStringLiteral("2°")));
     panel.parser.setManualLogTimeOffset(-500);
-    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("0.0 m")));
+    QCOMPARE(panel.textsOfRow(altitudeRow, 500), texts(altitudeRow, QStringLiteral("0.0 m")));
     panel.parser.setManualLogTimeOffset(std::numeric_limits<int>::max());
-    QCOMPARE(panel.textsOfRow(3, 500), texts(3, QStringLiteral("0.0 m")));
+    QCOMPARE(panel.textsOfRow(altitudeRow, 500), texts(altitudeRow, QStringLiteral("0.0 m")));
 }
 
 void HeadUpDisplayTest::anInvalidPositionShowsTheStart()
@@ -189,7 +205,7 @@ void HeadUpDisplayTest::anInvalidPositionShowsTheStart()
     addState(log, state);
     Panel panel(log);
     QVERIFY(!panel.hud.videoPosition().isValid());
-    QCOMPARE(panel.textsOfRow(3), texts(3, QStringLiteral("5.0 m")));
+    QCOMPARE(panel.textsOfRow(altitudeRow), texts(altitudeRow, QStringLiteral("5.0 m")));
 }
 
 void HeadUpDisplayTest::labelsOnlyWithoutAMatch()
@@ -202,7 +218,7 @@ void HeadUpDisplayTest::labelsOnlyWithoutAMatch()
     Panel panel(log);
     QVERIFY(panel.parsed);
     QVERIFY(!panel.parser.isSynced());
-    for (int row = 0; row < 5; ++row)
+    for (int row = 0; row < rowCount(); ++row)
         QCOMPARE(panel.textsOfRow(row, 0), texts(row, QString()));
     const QImage image = painted(panel.hud);
     QCOMPARE(image.pixelColor(compassCentre), discColour);
@@ -271,7 +287,7 @@ void HeadUpDisplayTest::groupsWithoutValuesAreListed()
     panel.hud.updateLogData();
     QCOMPARE(messages.messages(), logged);
     QVERIFY(!QGuiApplication::overrideCursor());
-    for (int row = 0; row < 5; ++row)
+    for (int row = 0; row < rowCount(); ++row)
         QCOMPARE(panel.textsOfRow(row, 0), texts(row, QString()));
 }
 
@@ -279,23 +295,29 @@ void HeadUpDisplayTest::varsOfAnotherShapeHaveNoValue_data()
 {
     QTest::addColumn<QByteArray>("type");
     QTest::addColumn<int>("anglesColumns");
-    QTest::addColumn<QList<int>>("rowsWithValue");
-    QTest::newRow("as they should be") << QByteArray("FLOAT") << 3 << QList<int>{0, 1, 2, 3, 4};
-    QTest::newRow("more columns") << QByteArray("FLOAT") << 9 << QList<int>{0, 1, 2, 3, 4};
-    QTest::newRow("no yaw") << QByteArray("FLOAT") << 2 << QList<int>{0, 1, 3, 4};
-    QTest::newRow("roll only") << QByteArray("FLOAT") << 1 << QList<int>{1, 3, 4};
-    QTest::newRow("no angles") << QByteArray("FLOAT") << 0 << QList<int>{3, 4};
-    QTest::newRow("bytes") << QByteArray("UINT8") << 3 << QList<int>();
-    QTest::newRow("words") << QByteArray("INT16") << 3 << QList<int>();
-    QTest::newRow("whole numbers") << QByteArray("INT32") << 3 << QList<int>();
-    QTest::newRow("doubles") << QByteArray("DOUBLE") << 3 << QList<int>();
+    QTest::addColumn<QStringList>("withValue");
+    QTest::newRow("as they should be")
+        << QByteArray("FLOAT") << 3
+        << QStringList{"Pitch", "Roll", "Heading", "Altitude", "Cam pitch"};
+    QTest::newRow("more columns") << QByteArray("FLOAT") << 9
+                                  << QStringList{"Pitch", "Roll", "Heading", "Altitude",
+                                                 "Cam pitch"};
+    QTest::newRow("no yaw") << QByteArray("FLOAT") << 2
+                            << QStringList{"Pitch", "Roll", "Altitude", "Cam pitch"};
+    QTest::newRow("roll only") << QByteArray("FLOAT") << 1
+                               << QStringList{"Roll", "Altitude", "Cam pitch"};
+    QTest::newRow("no angles") << QByteArray("FLOAT") << 0 << QStringList{"Altitude", "Cam pitch"};
+    QTest::newRow("bytes") << QByteArray("UINT8") << 3 << QStringList();
+    QTest::newRow("words") << QByteArray("INT16") << 3 << QStringList();
+    QTest::newRow("whole numbers") << QByteArray("INT32") << 3 << QStringList();
+    QTest::newRow("doubles") << QByteArray("DOUBLE") << 3 << QStringList();
 }
 
 void HeadUpDisplayTest::varsOfAnotherShapeHaveNoValue()
 {
     QFETCH(QByteArray, type);
     QFETCH(int, anglesColumns);
-    QFETCH(QList<int>, rowsWithValue);
+    QFETCH(QStringList, withValue);
     LogBuilder log = recordingLog(durationMs);
     log.addGroup(
         "state_estimation", stateGroup,
@@ -307,9 +329,9 @@ void HeadUpDisplayTest::varsOfAnotherShapeHaveNoValue()
     log.addPacket(cameraGroup, LogBuilder::u32(start) + QByteArray(size, '\0'));
     Panel panel(log);
     QVERIFY(panel.parsed);
-    for (int row = 0; row < 5; ++row) {
+    for (int row = 0; row < rowCount(); ++row) {
         const bool hasValue = panel.textsOfRow(row, 0) != texts(row, QString());
-        QCOMPARE(hasValue, rowsWithValue.contains(row));
+        QCOMPARE(hasValue, withValue.contains(texts(row, QString())));
     }
 }
 
@@ -328,13 +350,13 @@ void HeadUpDisplayTest::keepsTheLogAlive()
     addStateGroup(next);
     QVERIFY(parse(panel.parser, next, durationMs));
     QVERIFY(!first.expired());
-    QCOMPARE(panel.textsOfRow(3, 0), texts(3, QStringLiteral("5.0 m")));
+    QCOMPARE(panel.textsOfRow(altitudeRow, 0), texts(altitudeRow, QStringLiteral("5.0 m")));
     panel.hud.updateLogData();
     // The parser lets go of a log in the background.
     QTRY_VERIFY(first.expired());
-    QCOMPARE(panel.textsOfRow(3, 0), texts(3, QString()));
+    QCOMPARE(panel.textsOfRow(altitudeRow, 0), texts(altitudeRow, QString()));
     panel.parser.closeLog();
-    QCOMPARE(panel.textsOfRow(3, 0), texts(3, QString()));
+    QCOMPARE(panel.textsOfRow(altitudeRow, 0), texts(altitudeRow, QString()));
 }
 
 void HeadUpDisplayTest::readingsSayWhatIsPainted()
@@ -344,11 +366,13 @@ void HeadUpDisplayTest::readingsSayWhatIsPainted()
     addState(log, {start, radians(-7), radians(11), radians(90), radians(30), 152.5F, 50});
     Panel panel(log);
     QVERIFY(panel.parsed);
-    const QStringList expected{QStringLiteral("Pitch 11°"), QStringLiteral("Roll -7°"),
-                               QStringLiteral("Heading 60°"), QStringLiteral("Altitude 102.5 m"),
-                               QStringLiteral("Cam pitch: no value")};
-    QCOMPARE(panel.hud.readings().mid(0, expected.size()), expected);
-    QCOMPARE(panel.hud.readings().size(), static_cast<int>(hudInstruments().size()));
+    const QStringList readings = panel.hud.readings();
+    QCOMPARE(readings.size(), rowCount());
+    QCOMPARE(readings[rowOf("Pitch")], QStringLiteral("Pitch 11°"));
+    QCOMPARE(readings[rowOf("Roll")], QStringLiteral("Roll -7°"));
+    QCOMPARE(readings[rowOf("Heading")], QStringLiteral("Heading 60°"));
+    QCOMPARE(readings[altitudeRow], QStringLiteral("Altitude 102.5 m"));
+    QCOMPARE(readings[cameraRow], QStringLiteral("Cam pitch: no value"));
 }
 
 void HeadUpDisplayTest::readingsChangeWithWhatTheyRestOn()
@@ -364,7 +388,7 @@ void HeadUpDisplayTest::readingsChangeWithWhatTheyRestOn()
     Panel panel(log);
     QVERIFY(panel.parsed);
     const QSignalSpy changed(&panel.hud, &HeadUpDisplay::readingsChanged);
-    const auto altitude = [&panel] { return panel.hud.readings().at(3); };
+    const auto altitude = [&panel] { return panel.hud.readings().at(altitudeRow); };
     panel.hud.setVideoPosition(QTime(0, 0, 2));
     QCOMPARE(altitude(), QStringLiteral("Altitude 2.0 m"));
     QCOMPARE(changed.count(), 1);

@@ -6,6 +6,7 @@
 #include "Timeline/HeadUpDisplay.h"
 #include "Timeline/instruments.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace corv::test {
@@ -21,6 +22,22 @@ constexpr int panelWidth = 170;
 constexpr int panelHeight = 600;
 
 constexpr int rowHeight = 30;
+
+/// The row of the instrument with this label. Tests find rows by it, so that another instrument may
+/// be anywhere in the table; -1 if there is none.
+inline int rowOf(const char* label)
+{
+    const std::vector<HudRow>& rows = hudInstruments();
+    const auto found = std::find_if(rows.begin(), rows.end(), [label](const HudRow& row) {
+        return qstrcmp(row.label, label) == 0;
+    });
+    return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
+}
+
+inline int rowCount()
+{
+    return static_cast<int>(hudInstruments().size());
+}
 
 /// Top of the text of a row: those above it that have a dial are higher by the width of the panel
 /// and a gap.
@@ -146,8 +163,12 @@ inline int needlePixels(const QImage& image, const QRect& rect)
 }
 
 /// Both dials at this width: centre and the square around it.
-const QPoint compassCentre(85, 60 + 30 + 85);
-const QPoint cameraCentre(85, 300 + 30 + 85);
+inline QPoint dialCentre(const char* label)
+{
+    return {85, rowTop(rowOf(label)) + rowHeight + 85};
+}
+const QPoint compassCentre = dialCentre("Heading");
+const QPoint cameraCentre = dialCentre("Cam pitch");
 
 inline QRect discAround(const QPoint& centre)
 {
