@@ -59,7 +59,8 @@ class CommandSet
 {
 public:
     /// `make` returns the commands, in the order of the help. `place` is that of the set: the help
-    /// shows the sets in ascending order of it.
+    /// shows the sets in ascending order of it, so take a number between those of its neighbours
+    /// there. No two sets have the same.
     CommandSet(int place, std::vector<Command> (*make)()) noexcept;
     CommandSet(const CommandSet&) = delete;
     CommandSet& operator=(const CommandSet&) = delete;
