@@ -26,7 +26,7 @@ Window {
         radioLookLight.checked = Appearance.light;
     }
 
-    // A number with leading "0" up to a length.
+    // A number with zeros in front, so that it has at least `size` digits.
     function pad(num, size) {
         var text = num.toString();
         while (text.length < size)

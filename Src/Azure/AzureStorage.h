@@ -29,13 +29,12 @@ public:
     /// A download that grows past this many bytes is aborted. Holds from the next download on.
     void setSizeLimit(qint64 sizeLimitBytes) { m_sizeLimitBytes = sizeLimitBytes; }
 
-    /// Whether an answer whose length the server does not give is an error: where
-    /// nothing else shows whether it is whole. Holds from the next download on;
-    /// false at first.
+    /// Whether an answer without a length is an error. Set it where nothing else shows that a file
+    /// arrived whole. Holds from the next download on; false at first.
     void setLengthRequired(bool required) { m_isLengthRequired = required; }
 
 signals:
-    /// The whole of a file, and its path relative to the share as it is in the address.
+    /// A file has arrived: its content, and its path relative to the share as in the address.
     void fileDownloaded(QString relativefilePath, QByteArray fileContent);
 
     void downloadError(QString errorMessage);

@@ -364,8 +364,9 @@ void Alignment::forwards(const Belief& belief)
     }
 }
 
-// Adds the ways on from a segment to `worth` (by its recordings) and `row` (out of order), and
-// takes the share of all ways that lead through each of its candidates.
+// Adds the ways that go on from a segment: to `worth` those in which it is one of its recordings,
+// an element each, to `row` those in which it is out of order. Sets the probability of each of its
+// candidates: the share of all ways that lead through it.
 void Alignment::addWaysOn(size_t segmentNumber, const Belief& belief, const Rest& rest,
                           std::vector<double>& worth, ScaledRow& row, Outcome& outcome) const
 {

@@ -7,7 +7,8 @@
 namespace corv {
 namespace {
 
-// The pages whose thermal picture is not that of the screen, by the names of what they show.
+// A note with the names of the points of interest whose page has another thermal picture than the
+// screen; empty without any.
 QString noteOn(const VideoPlayer* player, const QVariantList& poiList)
 {
     QStringList pages;

@@ -34,7 +34,7 @@ public:
 
     bool isResting() const { return m_isResting; }
 
-    /// Where it was last, in the window; left of it before it has moved.
+    /// The last position of the pointer, in the window; (-1, -1) before its first move.
     QPointF position() const { return m_position; }
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -12,7 +12,7 @@ namespace corv {
 /// Whether drawOnPart() takes the frame: 4:2:0 in planes of 8 bits.
 bool canDrawOnPart(const Frame& frame);
 
-/// The smallest part with even edges around `place`, as far as it is in a frame of even sides.
+/// The smallest part with even edges that contains `place`, clipped to a frame of even sides.
 cv::Rect evenPart(const cv::Rect& place, cv::Size frame);
 
 /// A copy of the frame in which `draw` has changed the pixels of `part`, which it gets as BGR.

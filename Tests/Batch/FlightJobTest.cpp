@@ -105,7 +105,7 @@ private slots:
         QCOMPARE(flightFolderName(job), QStringLiteral("flight"));
     }
 
-    void equalNamesAreToldApartInTheOrderOfTheVideos()
+    void equalNamesAreNumberedInTheOrderOfTheVideos()
     {
         QList<FlightJob> jobs{jobOf("/card/C.MOV", "Roof", "North", 1),
                               jobOf("/card/A.MOV", "Roof", "North", 1),
@@ -127,8 +127,8 @@ private slots:
         claim(base, {"/monday/B.MOV"});
         claim(base + "_2", {"/monday/A.MOV"});
         claim("2026-11-21_D", {"/monday/D.MOV"});
-        // Another card, in another place, with two flights of that name that are not known yet;
-        // of one the name was not known before.
+        // Another card, in another place: A and B have their folders, D has one of another name, C
+        // and E are new.
         QList<FlightJob> jobs;
         for (const char* video : {"/x/A.MOV", "/x/B.MOV", "/x/C.MOV", "/x/D.MOV", "/x/E.MOV"})
             jobs << jobOf(video, "Roof", "North", 1);

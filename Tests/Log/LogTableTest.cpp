@@ -27,8 +27,8 @@ private slots:
     void ratesShowTheFirstOfEachInterval();
     void whatIsNotThereIsAFailure_data();
     void whatIsNotThereIsAFailure();
-    void textsAreBytesThatSaySo_data();
-    void textsAreBytesThatSaySo();
+    void bytesThatHoldTextAreRecognised_data();
+    void bytesThatHoldTextAreRecognised();
     void steeringCharactersAreReplaced();
     void everyFractionReadsBackAsItIs();
     void aLongTableIsWhole();
@@ -194,7 +194,7 @@ void LogTableTest::whatIsNotThereIsAFailure()
     QTEST(tableOf(decoded(flight()), group, options), "sentence");
 }
 
-void LogTableTest::textsAreBytesThatSaySo_data()
+void LogTableTest::bytesThatHoldTextAreRecognised_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QByteArray>("type");
@@ -214,7 +214,7 @@ void LogTableTest::textsAreBytesThatSaySo_data()
     row("words", "mission_name", "UINT16", {"AB12CD34"}, false);
 }
 
-void LogTableTest::textsAreBytesThatSaySo()
+void LogTableTest::bytesThatHoldTextAreRecognised()
 {
     QFETCH(QByteArray, name);
     QFETCH(QByteArray, type);

@@ -12,7 +12,7 @@ class ProposedNameTest : public QObject
 private slots:
     void isMadeOfTheFlightsNames_data();
     void isMadeOfTheFlightsNames();
-    void aPictureHasItsPlaceInTheVideo();
+    void nameOfAPictureHasItsTime();
 };
 
 void ProposedNameTest::isMadeOfTheFlightsNames_data()
@@ -53,7 +53,7 @@ void ProposedNameTest::isMadeOfTheFlightsNames()
           "name");
 }
 
-void ProposedNameTest::aPictureHasItsPlaceInTheVideo()
+void ProposedNameTest::nameOfAPictureHasItsTime()
 {
     QCOMPARE(proposedFrameName("Roof_3", QTime(0, 2, 5, 40)), QString("Roof_3_02m05.040s"));
     QCOMPARE(proposedFrameName("Roof_3", QTime(1, 0, 0)), QString("Roof_3_60m00.000s"));

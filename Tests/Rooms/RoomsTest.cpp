@@ -83,13 +83,13 @@ class RoomsTest : public QObject
 private slots:
     void initTestCase();
     void everyFolderIsARoom();
-    void roomOffTheLineIsNotSeen_data();
-    void roomOffTheLineIsNotSeen();
-    void libraryOffTheLineIsNotSeen_data();
-    void libraryOffTheLineIsNotSeen();
-    void whatTheLineNamesIsIncludedAndCompiles_data();
-    void whatTheLineNamesIsIncludedAndCompiles();
-    void everyIncludeIsOfTheLine();
+    void headerOfAnUnlinkedRoomIsNotFound_data();
+    void headerOfAnUnlinkedRoomIsNotFound();
+    void headerOfAnUnlinkedLibraryIsNotFound_data();
+    void headerOfAnUnlinkedLibraryIsNotFound();
+    void everythingLinkedIsIncludedAndCompiles_data();
+    void everythingLinkedIsIncludedAndCompiles();
+    void everyIncludeIsLinked();
     void noIncludeNamesAModuleOfQt();
     void noIncludeClimbsOutOfItsFolder();
     void everyLogLineIsOfTheCategoryOfItsRoom();
@@ -163,7 +163,7 @@ ProgramRun RoomsTest::compile(const QString& room, const QString& include)
     return runProgram(command.value(0), command.mid(1) + QStringList{probe});
 }
 
-void RoomsTest::roomOffTheLineIsNotSeen_data()
+void RoomsTest::headerOfAnUnlinkedRoomIsNotFound_data()
 {
     QTest::addColumn<QString>("room");
     QTest::addColumn<QString>("header");
@@ -176,7 +176,7 @@ void RoomsTest::roomOffTheLineIsNotSeen_data()
     }
 }
 
-void RoomsTest::roomOffTheLineIsNotSeen()
+void RoomsTest::headerOfAnUnlinkedRoomIsNotFound()
 {
     QFETCH(QString, room);
     QFETCH(QString, header);
@@ -185,7 +185,7 @@ void RoomsTest::roomOffTheLineIsNotSeen()
     QVERIFY2(run.error.contains(header.toUtf8() + ": No such file"), run.error);
 }
 
-void RoomsTest::libraryOffTheLineIsNotSeen_data()
+void RoomsTest::headerOfAnUnlinkedLibraryIsNotFound_data()
 {
     QTest::addColumn<QString>("room");
     QTest::addColumn<QString>("header");
@@ -201,7 +201,7 @@ void RoomsTest::libraryOffTheLineIsNotSeen_data()
     }
 }
 
-void RoomsTest::libraryOffTheLineIsNotSeen()
+void RoomsTest::headerOfAnUnlinkedLibraryIsNotFound()
 {
     QFETCH(QString, room);
     QFETCH(QString, header);
@@ -231,14 +231,14 @@ QSet<QString> RoomsTest::headersReachedFrom(const QString& room) const
     return seen;
 }
 
-void RoomsTest::whatTheLineNamesIsIncludedAndCompiles_data()
+void RoomsTest::everythingLinkedIsIncludedAndCompiles_data()
 {
     QTest::addColumn<QString>("room");
     for (const QString& room : m_commands.keys())
         QTest::addRow("%s", qPrintable(room)) << room;
 }
 
-void RoomsTest::whatTheLineNamesIsIncludedAndCompiles()
+void RoomsTest::everythingLinkedIsIncludedAndCompiles()
 {
     QFETCH(QString, room);
     QStringList reached = headersReachedFrom(room).values();
@@ -265,7 +265,7 @@ void RoomsTest::whatTheLineNamesIsIncludedAndCompiles()
 
 /// What the compiler does not see: a room of headers alone is compiled by others, with their line,
 /// and some libraries are in a folder that every compiler searches.
-void RoomsTest::everyIncludeIsOfTheLine()
+void RoomsTest::everyIncludeIsLinked()
 {
     static const QRegularExpression pugixml("^pugixml");
     static const QRegularExpression libav("^lib(av|sw)\\w+/");

@@ -20,9 +20,9 @@ class SettingsFormatTest : public QObject
 
 private slots:
     void init();
-    void bothReadWhatTheOtherWrites_data();
-    void bothReadWhatTheOtherWrites();
-    void bothReadAnyTextThatTheOtherWrites();
+    void qtAndVistrelReadEachOthersValues_data();
+    void qtAndVistrelReadEachOthersValues();
+    void qtAndVistrelReadEachOthersTexts();
     void readsFilesEditedByHand_data();
     void readsFilesEditedByHand();
     void theFileStaysTheSame();
@@ -95,7 +95,7 @@ QByteArray SettingsFormatTest::written(const Map& settings)
     return text;
 }
 
-void SettingsFormatTest::bothReadWhatTheOtherWrites_data()
+void SettingsFormatTest::qtAndVistrelReadEachOthersValues_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QVariant>("value");
@@ -131,7 +131,7 @@ void SettingsFormatTest::bothReadWhatTheOtherWrites_data()
     QTest::newRow("odd key") << QString::fromUtf8("ü [x]/a=b;c 橋%41") << QVariant(1);
 }
 
-void SettingsFormatTest::bothReadWhatTheOtherWrites()
+void SettingsFormatTest::qtAndVistrelReadEachOthersValues()
 {
     QFETCH(QString, key);
     QFETCH(QVariant, value);
@@ -144,7 +144,7 @@ void SettingsFormatTest::bothReadWhatTheOtherWrites()
     QCOMPARE(read(written(settings)), expected);
 }
 
-void SettingsFormatTest::bothReadAnyTextThatTheOtherWrites()
+void SettingsFormatTest::qtAndVistrelReadEachOthersTexts()
 {
     QRandomGenerator random(7);
     const QString letters = QString::fromUtf8("ab01F,;=\"\\ @()[]%/'?\n\t\u00e9\u6a4b") + QChar(0);

@@ -6,7 +6,7 @@
 
 namespace corv::test {
 
-/// The cards that the importer finds. One at a time, and it outlives every importer.
+/// The cards that the importer finds. Only one may exist at a time; it must outlive every importer.
 class CardWorld : public FlightCards
 {
 public:
@@ -29,7 +29,8 @@ class CardParser : public DirectoryParser
 public:
     explicit CardParser(QObject* parent = nullptr);
 
-    /// Makes the documents use it. After the native types have been registered.
+    /// Makes the QML documents create this parser where they ask for a DirectoryParser. Call it
+    /// after the native types have been registered.
     static void registerInPlaceOfTheReal();
 
     Q_INVOKABLE void parseDirectories(QString videoDirectory, QString logDirectory,

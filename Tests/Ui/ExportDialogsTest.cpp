@@ -43,7 +43,7 @@ private slots:
     void framesEscapeDoesNothing();
     void framesStayReachableInALowWindow();
 
-    void videoIsAsHighAsItsContents();
+    void videoExportWindowIsAsHighAsItsContents();
     void videoExportHasItsTexts();
     void videoExportTakesOnlyVideoSuffixes_data();
     void videoExportTakesOnlyVideoSuffixes();
@@ -419,7 +419,7 @@ void ExportDialogsTest::framesStayReachableInALowWindow()
     m_host->screenshot("FramesExport-low");
 }
 
-void ExportDialogsTest::videoIsAsHighAsItsContents()
+void ExportDialogsTest::videoExportWindowIsAsHighAsItsContents()
 {
     QVERIFY(m_host->open("VideoExport.qml"));
     const qreal contents = m_host->item("note")->parentItem()->height();

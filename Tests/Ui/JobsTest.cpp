@@ -46,7 +46,7 @@ class JobsTest : public ReviewSuite
 
 private slots:
     void aFinishedSeriesOpensItsFolder();
-    void aJobThatFailedStandsOut();
+    void aFailedJobIsHighlighted();
     void aPictureOverAFileOfTheFlightIsAFailedJob();
     void quittingCancelsAndTheNextStartSaysSo();
     void quittingWaitsWhereTheSettingsSaySo();
@@ -100,7 +100,7 @@ void JobsTest::aFinishedSeriesOpensItsFolder()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void JobsTest::aJobThatFailedStandsOut()
+void JobsTest::aFailedJobIsHighlighted()
 {
     openFlight();
     startSeries(100);

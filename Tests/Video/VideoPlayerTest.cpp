@@ -31,7 +31,7 @@ private slots:
     void surfacesAreStartedAndStopped();
     void logDataNeedsALog();
     void nextFilesReplaceThoseThatFollowByNumber();
-    void nextFilesCountForTheirFirstFileAlone();
+    void nextFilesAreIgnoredForAnotherFirstFile();
 };
 
 void VideoPlayerTest::beginsClosed()
@@ -391,7 +391,7 @@ void VideoPlayerTest::nextFilesReplaceThoseThatFollowByNumber()
     QCOMPARE(player.sourceFiles().size(), 3);
 }
 
-void VideoPlayerTest::nextFilesCountForTheirFirstFileAlone()
+void VideoPlayerTest::nextFilesAreIgnoredForAnotherFirstFile()
 {
     addFile("CORV0001.MP4", 10);
     addFile("CORV0002.MP4", 10);

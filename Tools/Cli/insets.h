@@ -22,15 +22,16 @@ inline const QString thermalBarOption = QStringLiteral("thermal-bar");
 /// The name of the option that gives lengths in feet.
 inline const QString imperialOption = QStringLiteral("imperial");
 
-/// All three, for commands that write pictures, and how a usage shows them.
+/// These three options, for commands that write pictures, and how a usage shows them.
 QList<QCommandLineOption> insetOptions();
 inline const QString insetsUsage = QStringLiteral(" [--instruments [--imperial]] [--thermal-bar]");
 
 /// "--imperial" alone, for commands that write values.
 QCommandLineOption imperialUnitsOption();
 
-/// Shows in what the open flight exports what the line asks for, after its thermal overlay is on or
-/// off. A failure if the flight has no values for the instruments, or no overlay for the bar.
+/// Adds the instruments and the colour bar that the line asks for to whatever the open flight
+/// exports. Call it once the thermal overlay is set on or off. A failure if the flight has no
+/// values for the instruments, or no overlay for the bar.
 Status showInsets(const QCommandLineParser& line, OpenFlight& flight);
 
 /// Why the pictures of the flight cannot have the thermal overlay that this option asks for; empty
