@@ -97,9 +97,10 @@ signals:
     void sourceDataParsed();
     void flightNamingChanged();
     void manualLogTimeOffsetChanged(int offset);
-    /// As `LogDecoder::Progress` has it.
+    /// The arguments are those of `LogDecoder::Progress`.
     void logParsingProgress(int stage, int done, int total);
-    /// The last of a parse that was not overtaken; false when the log could not be read.
+    /// The last signal of a parse, unless a later parse has replaced it; false if the log could not
+    /// be read.
     void logParsingComplete(bool result);
     void isParsingChanged(bool isParsing);
     void failureChanged();

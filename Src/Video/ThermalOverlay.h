@@ -69,7 +69,7 @@ public:
     const cv::Mat& thermalFrame() const { return m_irFrame; }
 
 private:
-    /// What of the overlay last drawn was left out.
+    /// What kept the last overlay from being drawn, wholly or in part.
     enum class Refusal { None, Frame, Mapping, Rectangle };
 
     bool readLog(const LogFile& log);

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <limits>
+
 namespace corv {
+
+/// Values of a setting that differ by no more than this are the same.
+inline constexpr double settingTolerance = std::numeric_limits<double>::epsilon();
 
 /// The colours of the thermal overlay.
 enum class ThermalPalette {

@@ -296,7 +296,7 @@ public:
     virtual QString framesExportNote() const { return m_framesExportNote; }
     const Status& videoExportResult() const { return m_videoExportResult; }
 
-    /// Where the last series and the last video were asked to be written.
+    /// The folder of the last series of pictures, and the file of the last video, as asked for.
     QString framesExportFolder() const { return m_framesExportFolder; }
     QString videoExportFile() const { return m_videoExportFile; }
 

@@ -11,11 +11,6 @@
 
 // The settings of the picture, and the redrawing that follows from them.
 namespace corv {
-namespace {
-
-constexpr double doubleTolerance = 2.220446049250313e-16;
-
-} // namespace
 
 void VideoPlayer::setShowIR(bool showIR)
 {
@@ -29,7 +24,7 @@ void VideoPlayer::setShowIR(bool showIR)
 
 void VideoPlayer::setContrast(double contrast)
 {
-    if (!(std::abs(m_settings.contrast - contrast) > doubleTolerance))
+    if (!(std::abs(m_settings.contrast - contrast) > settingTolerance))
         return;
     m_settings.contrast = contrast;
     sendSettings();
@@ -39,7 +34,7 @@ void VideoPlayer::setContrast(double contrast)
 
 void VideoPlayer::setBrightness(double brightness)
 {
-    if (!(std::abs(m_settings.brightness - brightness) > doubleTolerance))
+    if (!(std::abs(m_settings.brightness - brightness) > settingTolerance))
         return;
     m_settings.brightness = brightness;
     sendSettings();
@@ -89,7 +84,7 @@ void VideoPlayer::setIrOverlayTransparent(bool transparent)
 
 void VideoPlayer::setOverlayValue(double& field, double value, Notify changed)
 {
-    if (!(std::abs(field - value) > doubleTolerance))
+    if (!(std::abs(field - value) > settingTolerance))
         return;
     field = value;
     sendSettings();
@@ -172,7 +167,7 @@ void VideoPlayer::sendSettings()
 
 void VideoPlayer::setPlaySpeed(double playSpeed)
 {
-    if (!(playSpeed >= 1.0) || !(std::abs(playSpeed - m_playSpeed) > doubleTolerance))
+    if (!(playSpeed >= 1.0) || !(std::abs(playSpeed - m_playSpeed) > settingTolerance))
         return;
     const int wholeSpeed = truncateToInt(playSpeed);
     if (wholeSpeed == m_playSpeed)

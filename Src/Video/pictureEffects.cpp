@@ -9,9 +9,6 @@
 namespace corv {
 namespace {
 
-// Settings are compared with it.
-constexpr double settingTolerance = 2.220446049250313e-16;
-
 bool changesContrastOrBrightness(const VideoDisplaySettings& settings)
 {
     return std::abs(settings.contrast - 1.0) > settingTolerance ||

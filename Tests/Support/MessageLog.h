@@ -5,7 +5,8 @@
 
 namespace corv::test {
 
-/// Collects all diagnostics of the process, from every thread, while it lives. One at a time.
+/// Collects all diagnostics of the process, from every thread, while it lives. Only one may
+/// exist at a time.
 class MessageLog
 {
 public:
@@ -14,12 +15,12 @@ public:
     MessageLog(const MessageLog&) = delete;
     MessageLog& operator=(const MessageLog&) = delete;
 
-    /// The messages so far, in the order of their arrival, without pattern; of one type only if
-    /// given.
+    /// The messages so far, all or those of one type, in the order of their arrival and without the
+    /// pattern that log files add.
     QStringList messages() const;
     QStringList messages(QtMsgType type) const;
 
-    /// Whether a message contains `text`; how many do.
+    /// Whether any message contains `text`, and how many do.
     bool contains(const QString& text) const;
     int count(const QString& text) const;
 

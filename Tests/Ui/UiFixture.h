@@ -46,7 +46,8 @@ public:
     /// The same for a document of the test's own, which is beside the others.
     bool loadText(const QByteArray& document);
 
-    /// Makes the main window the active one again, as after a dialog: keys reach no other.
+    /// Makes the main window active again, for instance after a dialog: only the active window gets
+    /// keys.
     bool activate() const;
 
     QQmlApplicationEngine& engine() { return *m_engine; }
