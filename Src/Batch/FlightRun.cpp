@@ -1,6 +1,7 @@
 #include "Batch/FlightRun.h"
 
 #include "Base/FileReplacement.h"
+#include "Base/videoTime.h"
 #include "Batch/BoundProcess.h"
 #include "Batch/flightRemarks.h"
 #include "Batch/logTables.h"
@@ -8,21 +9,17 @@
 #include "Platform/fileSystem.h"
 #include "Project/ProjectFile.h"
 #include "Project/ReportFolder.h"
-#include "Threads/post.h"
 #include "Timeline/ExportInsets.h"
 #include "Timeline/poiTable.h"
 #include "Video/fileNames.h"
-#include "Video/pictureFile.h"
 
 #include <QCryptographicHash>
-#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
-#include <atomic>
 #include <filesystem>
 #include <optional>
 
@@ -70,6 +67,12 @@ QString wordProcessor()
                              : program;
 }
 
+bool isExport(const Job& job)
+{
+    return job.kind() == Job::Kind::frames || job.kind() == Job::Kind::series ||
+           job.kind() == Job::Kind::report || job.kind() == Job::Kind::video;
+}
+
 /// Puts a finished file or folder in place of an earlier file, atomically. Both are on one volume.
 Status putInPlace(const QString& from, const QString& to)
 {
@@ -90,6 +93,12 @@ FlightRun::FlightRun(FlightJob job, FlightOptions options, const QString& outFol
       m_lock(std::make_unique<platform::FileLock>(m_folder.filePath(lockName))),
       m_manifest(m_folder.path())
 {
+    JobList* const jobs = m_flight.review().jobs();
+    QObject::connect(jobs, &JobList::dataChanged, jobs, [this, jobs](const QModelIndex& row) {
+        const Job* const shown = jobs->job(row.row());
+        if (shown->isRunning() && isExport(*shown))
+            progress(m_step, shown->done(), shown->total());
+    });
 }
 
 FlightRun::~FlightRun() = default;
@@ -154,10 +163,13 @@ void FlightRun::work()
     const QByteArray project = projectDigest();
     const QStringList inputs = m_job.files();
     const QStringList shown = showInsets();
+    m_flight.player().setThermalAsOnScreen(m_options.thermalAsOnScreen);
+    remarkOtherThermal(pois);
     const auto fingerprint = [&](const QString& what) {
         return fingerprintOf(QStringList{what, QString::fromLatin1(project)} + shown, inputs);
     };
-    step(QStringLiteral("pictures"), fingerprint(QStringLiteral("pictures 1")),
+    const QString clock = m_options.thermalAsOnScreen ? QStringLiteral(" as on screen") : QString();
+    step(QStringLiteral("pictures"), fingerprint(QStringLiteral("pictures 1") + clock),
          [this, &pois] { return writePictures(pois); });
     step(QStringLiteral("points"), fingerprint(QStringLiteral("points 2")),
          [this, &pois] { return writeTables(pois); });
@@ -168,7 +180,7 @@ void FlightRun::work()
                      m_options.tables,
                  inputs),
              [this] { return writeLogTables(); });
-    step(QStringLiteral("report"), fingerprint(QStringLiteral("report 1")),
+    step(QStringLiteral("report"), fingerprint(QStringLiteral("report 1") + clock),
          [this, &pois] { return writeReport(pois); });
     const auto print = [this] {
         if (!wordProcessor().isEmpty() && QFile::exists(m_folder.filePath(reportName)))
@@ -184,6 +196,19 @@ void FlightRun::work()
              [this] { return writeVideo(); });
     if (m_wasPrinting)
         print();
+}
+
+void FlightRun::remarkOtherThermal(const QVariantList& pois)
+{
+    QStringList pictures;
+    for (int i = 0; i < pois.size(); ++i) {
+        const int timeMs = pois[i].toMap().value(QStringLiteral("time")).toInt();
+        if (m_flight.player().savesOtherThermal(timeOfMs(timeMs)))
+            pictures << pictureName(i);
+    }
+    if (!pictures.isEmpty())
+        m_summary.remarks << VideoPlayer::otherThermalNote(pictures) +
+                                 QStringLiteral(" --thermal-clock screen changes that.");
 }
 
 // Gives the words for the fingerprints of what shows or lists them. A flight without values for
@@ -212,6 +237,7 @@ void FlightRun::step(const QString& name, const QByteArray& fingerprint, const A
         ++m_summary.doneSteps;
         return;
     }
+    m_step = name;
     progress(name, 0, 0);
     QDir(workPath(QString())).removeRecursively();
     if (const Status made = makeFolder(workPath(QString())); !made) {
@@ -414,40 +440,18 @@ QByteArray FlightRun::projectDigest() const
 
 Result<QStringList> FlightRun::writePictures(const QVariantList& pois)
 {
-    const QString name = QStringLiteral("pictures");
     if (const Status made = makeFolder(workPath(pictureFolder)); !made)
         return made.failure();
     QStringList files;
-    std::optional<Failure> firstFailure;
-    int answered = 0;
-    QEventLoop loop;
-    const auto answer = [&](const std::optional<Failure>& failure) {
-        if (failure && !firstFailure)
-            firstFailure = failure;
-        progress(name, ++answered, pois.size());
-        if (answered == pois.size())
-            loop.quit();
-    };
+    QList<PictureFile> pictures;
     for (int i = 0; i < pois.size(); ++i) {
         const int timeMs = pois[i].toMap().value(QStringLiteral("time")).toInt();
-        const QString path = workPath(pictureName(i));
         files << pictureName(i);
-        const auto save = [&loop, answer, timeMs, path](const QImage& image) {
-            std::optional<Failure> failure;
-            if (image.isNull())
-                failure = Failure{Failure::Kind::damaged,
-                                  QStringLiteral("There is no picture at %1 ms.").arg(timeMs)};
-            else if (const Status saved = savePictureFile(image, path); !saved)
-                failure = saved.failure();
-            post(&loop, [answer, failure] { answer(failure); });
-        };
-        if (!m_flight.player().getExportFrameAsync(QTime(0, 0).addMSecs(timeMs), save))
-            save(QImage());
+        pictures.append({timeMs, workPath(pictureName(i))});
     }
-    if (!pois.isEmpty())
-        loop.exec();
-    if (firstFailure)
-        return *firstFailure;
+    for (const Status& saved : m_flight.savePictures(pictures))
+        if (!saved)
+            return saved.failure();
     // The folder as one: a picture of an earlier run must not stay beside those of this one.
     QDir(m_folder.filePath(pictureFolder)).removeRecursively();
     if (const Status placed = putInPlace(workPath(pictureFolder), m_folder.filePath(pictureFolder));
@@ -496,9 +500,7 @@ Result<QStringList> FlightRun::writeLogTables()
 Result<QStringList> FlightRun::writeReport(const QVariantList& pois)
 {
     const QString path = workPath(reportName);
-    const Status status = m_flight.writeReport(path, pois, [this](int done, int total) {
-        progress(QStringLiteral("report"), done, total);
-    });
+    const Status status = m_flight.writeReport(path, pois);
     const QString target = m_folder.filePath(reportName);
     // A report that lost a picture never replaces a whole one, but is better than none.
     const bool isIncomplete = !status && status.failure().kind == Failure::Kind::incomplete;
@@ -544,28 +546,9 @@ Result<QStringList> FlightRun::printReport()
 
 Result<QStringList> FlightRun::writeVideo()
 {
-    const QString name = QStringLiteral("video");
     const QString path = workPath(videoName);
-    QEventLoop loop;
-    bool isWritten = false;
-    // Both signals come from the worker's thread; queued, they arrive on this one.
-    QObject::connect(
-        &m_flight.player(), &VideoPlayer::videoExportProgress, &loop,
-        [&](int done, int total) { progress(name, done, total); }, Qt::QueuedConnection);
-    QObject::connect(
-        &m_flight.player(), &VideoPlayer::videoExportComplete, &loop,
-        [&](bool result) {
-            isWritten = result;
-            loop.quit();
-        },
-        Qt::QueuedConnection);
-    m_flight.player().exportVideo(path);
-    loop.exec();
-    const Status& result = m_flight.player().videoExportResult();
-    if (!result)
-        return result.failure();
-    if (!isWritten)
-        return Failure{Failure::Kind::other, QStringLiteral("%1 was not written.").arg(path)};
+    if (const Status written = m_flight.writeVideo(path); !written)
+        return written.failure();
     const Status placed = putInPlace(path, m_folder.filePath(videoName));
     if (!placed)
         return placed.failure();

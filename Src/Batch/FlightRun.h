@@ -26,6 +26,7 @@ struct FlightOptions
 {
     bool copiesMedia = false; ///< video and log beside the project, so that the folder can travel
     bool showsThermal = false;
+    bool thermalAsOnScreen = false; ///< pictures and report, as `VideoPlayer` has it
     bool writesVideo = false;
     QStringList tables;            ///< of the log: "GROUP" or "GROUP:COLUMN,COLUMN"
     double tableRateHz = 0;        ///< most rows a second of a table; 0 for all
@@ -90,6 +91,7 @@ private:
     Status open();
     Status makeProject();
     Status saveProject();
+    void remarkOtherThermal(const QVariantList& pois);
     QStringList showInsets();
     Result<QStringList> writePictures(const QVariantList& pois);
     Result<QStringList> writeTables(const QVariantList& pois);
@@ -114,6 +116,7 @@ private:
     bool m_wasPrinting = false; ///< when the run before was killed
     FlightManifest m_manifest;
     OpenFlight m_flight;
+    QString m_step; ///< the one that is on
     Summary m_summary;
 };
 

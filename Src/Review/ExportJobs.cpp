@@ -140,7 +140,8 @@ void ExportJobs::end(QPointer<Job>& job, const Status& status, const QString& su
         return;
     QString text = status.ok() ? success : status.failure().sentence;
     if (!note.isEmpty())
-        text += QLatin1Char(' ') + note;
+        text += QLatin1Char(' ') + note + QLatin1Char(' ') +
+                tr("The general settings can change that.");
     if (status.ok())
         job->succeed(text);
     else

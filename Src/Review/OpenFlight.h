@@ -2,11 +2,13 @@
 
 #include "Base/Result.h"
 #include "Log/LogParser.h"
+#include "Project/PoiReportExporter.h"
 #include "Project/ProjectFileLoader.h"
-#include "Project/ReportWriter.h"
+#include "Review/ExportJobs.h"
 #include "Review/Review.h"
 #include "Video/VideoPlayer.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -14,8 +16,16 @@
 
 namespace corv {
 
+/// A picture of a flight that is to be saved, in the format of its file's suffix.
+struct PictureFile
+{
+    int timeMs;
+    QString file;
+};
+
 /// A review without a window, for commands and jobs: the objects behind it, and the waiting for a
-/// flight to open. Needs an event loop of the calling thread only while it opens.
+/// flight to open and for what is written out of it. While it waits, an event loop of the calling
+/// thread runs.
 class OpenFlight
 {
 public:
@@ -38,11 +48,25 @@ public:
     /// Opens a project. A log that cannot be read is no failure, as with `openParts`.
     Status openProject(const QString& path);
 
-    /// Writes the report of these points of interest, in list form. Returns once it is written,
-    /// with the writer's result; `progress` is called on this thread, whose event loop runs
-    /// meanwhile.
-    Status writeReport(const QString& path, const QVariantList& pois,
-                       const ReportWriter::Progress& progress);
+    // What is written out is a job in `review().jobs()`, where its progress can be followed. These
+    // return once the job has ended.
+
+    /// Fetches all pictures at once, as the window does, and saves each on the thread that makes
+    /// it. Gives what is wrong with each; `exportResult` sums up.
+    QList<Status> savePictures(const QList<PictureFile>& pictures);
+
+    /// Writes the whole flight as a new video.
+    Status writeVideo(const QString& path);
+
+    /// Writes the report of these points of interest, in list form.
+    Status writeReport(const QString& path, const QVariantList& pois);
+
+    /// Why the last of these was not done, or what it lacks (`incomplete`).
+    const Status& exportResult() const { return m_exportResult; }
+
+    /// Which of the last pictures or pages have another thermal picture than the screen, in a
+    /// sentence; empty if none has.
+    QString exportNote() const { return m_exportNote; }
 
     VideoPlayer& player() { return m_player; }
     LogParser& logParser() { return m_logParser; }
@@ -52,11 +76,16 @@ public:
 private:
     Status openFiles(const QStringList& files);
     Status waitForOpening(const std::function<void()>& begin);
+    void endPictures(Job* job, const QList<Status>& results);
 
     LogParser m_logParser;
     VideoPlayer m_player;
     ProjectFileLoader m_projectFiles;
     Review m_review;
+    PoiReportExporter m_reports;
+    ExportJobs m_exports;
+    Status m_exportResult;
+    QString m_exportNote;
 };
 
 } // namespace corv

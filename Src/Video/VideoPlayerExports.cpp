@@ -57,11 +57,12 @@ QString VideoPlayer::otherThermalNote(const QStringList& names)
 {
     if (names.isEmpty())
         return {};
-    const QString rest = tr("the thermal picture of the time inside their file, not that of the "
-                            "screen. The general settings can change that.");
     if (names.size() == 1)
-        return tr("%1 has %2").arg(names.first(), rest);
-    return tr("%1 to %2 have %3").arg(names.first(), names.last(), rest);
+        return tr("%1 has the thermal picture of the time inside its file, not that of the screen.")
+            .arg(names.first());
+    return tr("%1 to %2 have the thermal picture of the time inside their file, not that of the "
+              "screen.")
+        .arg(names.first(), names.last());
 }
 
 bool VideoPlayer::getFrameAsync(QTime time, std::function<void(const QImage&)> frameResultCallback)

@@ -1,41 +1,29 @@
 #include "Cli/OpenLog.h"
 
+#include "Cli/TerminalLine.h"
+
 #include <cstdio>
-#include <unistd.h>
 
 namespace corv::cli {
 namespace {
 
-// A line on a terminal that shows how far a reading is, until it has ended.
-class ProgressLine
+// Shows on a terminal how far a reading is.
+LogDecoder::Progress progressOn(TerminalLine& line)
 {
-public:
-    ~ProgressLine()
-    {
-        if (m_isTerminal)
-            std::fputs("\r              \r", stderr);
-    }
-
-    LogDecoder::Progress callback() const
-    {
-        return [isTerminal = m_isTerminal](int stage, int done, int total) {
-            if (isTerminal && stage == 2 && total > 0)
-                std::fprintf(stderr, "\rreading %3d %%", int(qint64(done) * 100 / total));
-        };
-    }
-
-private:
-    const bool m_isTerminal = isatty(STDERR_FILENO) == 1;
-};
+    return [&line](int stage, int done, int total) {
+        if (line.isTerminal() && stage == 2 && total > 0)
+            line.show(QStringLiteral("reading %1 %").arg(qint64(done) * 100 / total));
+    };
+}
 
 } // namespace
 
 Result<SurveyedLog> surveyLog(const QString& path)
 {
-    const ProgressLine progress;
+    TerminalLine line(stderr);
     const std::atomic<bool> abortFlag{false};
     LogDecoder decoder(&abortFlag);
-    const Result<LogSurvey> survey = decoder.survey(path, progress.callback());
+    const Result<LogSurvey> survey = decoder.survey(path, progressOn(line));
     if (!survey)
         return survey.failure();
     return SurveyedLog{path, decoder.logVersion(), decoder.counters(), *survey};
@@ -43,8 +31,8 @@ Result<SurveyedLog> surveyLog(const QString& path)
 
 Status OpenLog::open(const QString& path)
 {
-    const ProgressLine progress;
-    const auto decoded = m_decoder.decode(path, progress.callback());
+    TerminalLine line(stderr);
+    const auto decoded = m_decoder.decode(path, progressOn(line));
     if (!decoded)
         return decoded.failure();
     m_log = *decoded;

@@ -1,22 +1,17 @@
 #include "Cli/ReviewProgress.h"
 
-#include "Cli/Command.h"
 #include "Cli/terminalText.h"
-#include "Log/printable.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QStringList>
 #include <algorithm>
 #include <cstdio>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace corv::cli {
 namespace {
 
 constexpr int barWidth = 20;
-constexpr int usualColumns = 80;
 constexpr int tickMs = 500;
 constexpr qint64 msPerMinute = qint64{60} * 1000;
 constexpr qint64 minutesPerHour = 60;
@@ -24,14 +19,6 @@ constexpr qint64 minutesPerHour = 60;
 QString text(const QJsonObject& object, const char* key)
 {
     return object.value(QLatin1String(key)).toString();
-}
-
-// The last column stays free: many terminals go to the next line when it is written.
-int columnsOfTerminal()
-{
-    winsize size{};
-    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
-    return (isKnown ? size.ws_col : usualColumns) - 1;
 }
 
 QString leftText(qint64 ms)
@@ -49,11 +36,10 @@ QString leftText(qint64 ms)
 } // namespace
 
 ReviewProgress::ReviewProgress(const QList<FlightJob>& jobs, bool writesVideo)
-    : m_isTerminal(isatty(STDOUT_FILENO) == 1), m_flightCount(jobs.size()),
-      m_estimate(jobs, writesVideo)
+    : m_line(stdout), m_flightCount(jobs.size()), m_estimate(jobs, writesVideo)
 {
     m_clock.start();
-    if (!m_isTerminal)
+    if (!m_line.isTerminal())
         return;
     m_tick.callOnTimeout([this] { paint(); });
     m_tick.start(tickMs);
@@ -61,14 +47,12 @@ ReviewProgress::ReviewProgress(const QList<FlightJob>& jobs, bool writesVideo)
 
 ReviewProgress::~ReviewProgress()
 {
-    if (m_isTerminal)
-        showSentence(endings());
-    std::fflush(stdout);
+    m_line.printAbove(endings());
 }
 
 void ReviewProgress::show(const QJsonObject& event)
 {
-    if (!m_isTerminal) {
+    if (!m_line.isTerminal()) {
         std::fputs(QJsonDocument(event).toJson(QJsonDocument::Compact).constData(), stdout);
         std::fputc('\n', stdout);
         std::fflush(stdout);
@@ -96,37 +80,18 @@ void ReviewProgress::showSentences(const QJsonObject& event)
 {
     for (const QJsonValue value : event.value(QLatin1String("failures")).toArray()) {
         const QJsonObject failure = value.toObject();
-        showSentence(
+        m_line.printAbove(
             QStringLiteral("%1, %2: %3")
                 .arg(text(event, "flight"), text(failure, "step"), text(failure, "message")));
     }
     for (const QJsonValue value : event.value(QLatin1String("remarks")).toArray())
-        showSentence(QStringLiteral("%1, remark: %2").arg(text(event, "flight"), value.toString()));
-}
-
-// In place of the line, which is painted again below it.
-void ReviewProgress::showSentence(const QString& sentence)
-{
-    write(QString());
-    std::fprintf(stdout, "%s\n", printable(sentence).toLocal8Bit().constData());
+        m_line.printAbove(
+            QStringLiteral("%1, remark: %2").arg(text(event, "flight"), value.toString()));
 }
 
 void ReviewProgress::paint()
 {
-    const int columns = columnsOfTerminal();
-    write(clippedToColumns(printable(line(columns)), columns));
-    std::fflush(stdout);
-}
-
-// Over the line that is shown. Without an escape sequence, so that every terminal does it.
-void ReviewProgress::write(const QString& line)
-{
-    if (line == m_shown)
-        return;
-    const int left = std::min(columnsOf(m_shown), columnsOfTerminal()) - columnsOf(line);
-    std::fprintf(stdout, "\r%s%*s%s", line.toLocal8Bit().constData(), std::max(0, left), "",
-                 line.isEmpty() ? "\r" : "");
-    m_shown = line;
+    m_line.show(line(m_line.columns()));
 }
 
 QString ReviewProgress::line(int columns) const

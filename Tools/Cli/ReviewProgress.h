@@ -2,6 +2,7 @@
 
 #include "Batch/FlightJob.h"
 #include "Batch/WorkEstimate.h"
+#include "Cli/TerminalLine.h"
 
 #include <QElapsedTimer>
 #include <QHash>
@@ -28,21 +29,18 @@ public:
 
 private:
     void showSentences(const QJsonObject& event);
-    void showSentence(const QString& sentence);
     void paint();
-    void write(const QString& line);
     QString line(int columns) const;
     QString endings() const;
 
-    const bool m_isTerminal;
+    TerminalLine m_line;
     const int m_flightCount;
     WorkEstimate m_estimate;
     int m_finished = 0;
     QHash<QString, int> m_endings;     ///< how many flights ended with which status
     QHash<QString, QString> m_running; ///< flight and what is being done for it
     QElapsedTimer m_clock;
-    QTimer m_tick;   ///< the time left and the width of the terminal change without an event
-    QString m_shown; ///< the line on the terminal
+    QTimer m_tick; ///< the time left and the width of the terminal change without an event
 };
 
 } // namespace corv::cli

@@ -1,11 +1,11 @@
 #include "Base/videoTime.h"
-#include "Cli/flightPictures.h"
+#include "Cli/JobLine.h"
+#include "Cli/flightExports.h"
 #include "Cli/folders.h"
 #include "Cli/insets.h"
 #include "Cli/thermalClock.h"
 
 #include <QDir>
-#include <QEventLoop>
 #include <algorithm>
 #include <limits>
 
@@ -13,7 +13,6 @@ namespace corv::cli {
 namespace {
 
 constexpr int standardSpacing = 10;
-constexpr int msPerDay = 24 * 60 * 60 * 1000;
 const QString timeOption = QStringLiteral("at-ms");
 const QString outOption = QStringLiteral("out");
 const QString prefixOption = QStringLiteral("prefix");
@@ -22,16 +21,6 @@ const QString fromOption = QStringLiteral("from-ms");
 const QString toOption = QStringLiteral("to-ms");
 const QString spacingOption = QStringLiteral("spacing");
 
-ExitStatus saveAll(OpenFlight& flight, const QList<Picture>& pictures)
-{
-    const QStringList results = savePictures(flight, pictures);
-    const QString failure = failureOf(results);
-    if (failure.isEmpty())
-        return Done;
-    fail(failure);
-    return results.contains(QString()) ? PartlyDone : Failed;
-}
-
 ExitStatus frame(const QCommandLineParser& line)
 {
     int timeMs = 0;
@@ -39,12 +28,12 @@ ExitStatus frame(const QCommandLineParser& line)
     if (!line.isSet(timeOption) || !readNumber(line, timeOption, 0, 0, &timeMs) || out.isEmpty())
         return WrongUsage;
     OpenFlight flight;
+    const JobLine progress(*flight.review().jobs());
     const ExitStatus status = openForPictures(flight, line, out);
     if (status != Done)
         return status;
-    if (timeMs >= msPerDay) // the times of the player begin anew there
-        return fail(noPictureAt(timeMs));
-    return saveAll(flight, {{timeMs, out}});
+    const Status saved = flight.savePictures({{timeMs, out}}).first();
+    return saved ? Done : fail(saved.failure());
 }
 
 QList<int> positionsOfRange(const VideoPlayer& player, int fromMs, int toMs, int spacing)
@@ -77,6 +66,7 @@ ExitStatus frames(const QCommandLineParser& line)
         return wrongUsage(
             QStringLiteral("--to-ms %1 is before --from-ms %2.").arg(toMs).arg(fromMs));
     OpenFlight flight;
+    const JobLine progress(*flight.review().jobs());
     const ExitStatus status = openForPictures(flight, line, out);
     if (status != Done)
         return status;
@@ -87,7 +77,8 @@ ExitStatus frames(const QCommandLineParser& line)
     if (positions.isEmpty())
         return fail(ofPois ? QStringLiteral("the flight has no points of interest")
                            : QStringLiteral("no frame lies in the range"));
-    return saveAll(flight, numbered(positions, out, prefix));
+    flight.savePictures(numbered(positions, out, prefix));
+    return showResult(flight.exportResult(), flight);
 }
 
 ExitStatus video(const QCommandLineParser& line)
@@ -96,43 +87,11 @@ ExitStatus video(const QCommandLineParser& line)
     if (out.isEmpty())
         return WrongUsage;
     OpenFlight flight;
+    const JobLine progress(*flight.review().jobs());
     const ExitStatus status = openFlight(flight, line, out);
     if (status != Done)
         return status;
-    ProgressLine progress("video");
-    bool isWritten = false;
-    int written = 0;
-    int total = 0;
-    // Both signals come from the worker's thread; queued, they arrive on this one.
-    QEventLoop loop;
-    QObject::connect(
-        &flight.player(), &VideoPlayer::videoExportProgress, &loop,
-        [&](int done, int frameCount) {
-            written = done;
-            total = frameCount;
-            progress.show(done, frameCount);
-        },
-        Qt::QueuedConnection);
-    QObject::connect(
-        &flight.player(), &VideoPlayer::videoExportComplete, &loop,
-        [&](bool result) {
-            isWritten = result;
-            loop.quit();
-        },
-        Qt::QueuedConnection);
-    flight.player().exportVideo(out);
-    loop.exec();
-    const Status& exported = flight.player().videoExportResult();
-    if (!exported)
-        return fail(exported.failure());
-    if (!isWritten)
-        return fail(QStringLiteral("The video %1 was not written.").arg(out));
-    if (written < total)
-        return fail(QStringLiteral("%1: only %2 of %3 frames could be read")
-                        .arg(out)
-                        .arg(written)
-                        .arg(total));
-    return Done;
+    return showResult(flight.writeVideo(out), flight);
 }
 
 std::vector<Command> commands()
@@ -149,7 +108,7 @@ std::vector<Command> commands()
     QCommandLineOption prefix = valued(prefixOption, QStringLiteral("P"),
                                        QStringLiteral("beginning of the file names: Frame"));
     prefix.setDefaultValue(QStringLiteral("Frame"));
-    const QString pictures = flight + QStringLiteral(" [--thermal-clock file|screen]");
+    const QString pictures = flight + thermalClockUsage;
     return {
         {QStringLiteral("frame"), pictures + QStringLiteral(" --at-ms N --out IMAGE"),
          QStringLiteral("one picture, in the format of its suffix"),

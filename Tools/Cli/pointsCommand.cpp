@@ -1,4 +1,5 @@
-#include "Cli/flightPictures.h"
+#include "Cli/JobLine.h"
+#include "Cli/flightExports.h"
 #include "Cli/folders.h"
 #include "Cli/insets.h"
 #include "Cli/thermalClock.h"
@@ -23,20 +24,17 @@ ExitStatus addPictures(OpenFlight& flight, const QCommandLineParser& line, PoiTa
     const QString folder = line.value(picturesOption);
     if (const Status made = makeFolder(folder); !made)
         return fail(made.failure());
-    const QList<Picture> pictures =
+    const QList<PictureFile> pictures =
         numbered(positionsOfPois(flight), folder, QStringLiteral("POI"));
-    const QStringList results = savePictures(flight, pictures);
+    const QList<Status> results = flight.savePictures(pictures);
     const QDir base =
         line.isSet(outOption) ? QFileInfo(line.value(outOption)).absoluteDir() : QDir::current();
     for (int i = 0; i < pictures.size(); ++i)
-        if (results[i].isEmpty())
+        if (results[i])
             table->rows[i].picture =
                 base.relativeFilePath(QFileInfo(pictures[i].file).absoluteFilePath());
-    const QString failure = failureOf(results);
-    if (failure.isEmpty())
-        return Done;
-    fail(failure);
-    return PartlyDone;
+    // The table is written in any case.
+    return showResult(flight.exportResult(), flight) == Done ? Done : PartlyDone;
 }
 
 // A file gets the texts as they are, and so does another program; a terminal is not steered by
@@ -66,6 +64,7 @@ ExitStatus points(const QCommandLineParser& line)
         if (line.isSet(option) && !line.isSet(picturesOption))
             return wrongUsage(QStringLiteral("--%1 needs --pictures.").arg(option));
     OpenFlight flight;
+    const JobLine progress(*flight.review().jobs());
     const ExitStatus opened = openForPictures(flight, line, out);
     if (opened != Done)
         return opened;

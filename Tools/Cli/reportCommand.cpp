@@ -1,21 +1,12 @@
-#include "Cli/Command.h"
+#include "Cli/JobLine.h"
+#include "Cli/flightExports.h"
 #include "Cli/insets.h"
 #include "Cli/memoryLimit.h"
 #include "Cli/thermalClock.h"
 #include "Review/OpenFlight.h"
 
-#include <cstdio>
-#include <unistd.h>
-
 namespace corv::cli {
 namespace {
-
-void showProgress(int done, int total)
-{
-    if (isatty(STDERR_FILENO) != 1)
-        return;
-    std::fprintf(stderr, "\rwriting page %d of %d%s", done, total, done == total ? "\n" : "");
-}
 
 ExitStatus report(const QCommandLineParser& line)
 {
@@ -28,22 +19,24 @@ ExitStatus report(const QCommandLineParser& line)
     if (const Status memory = enoughMemoryForVideos(); !memory)
         return fail(memory.failure());
     OpenFlight flight;
-    if (!takeThermalClock(line, flight.player()))
+    const JobLine progress(*flight.review().jobs());
+    bool asOnScreen = false;
+    if (!readThermalClock(line, &asOnScreen))
         return WrongUsage;
+    flight.player().setThermalAsOnScreen(asOnScreen);
     const Status opened = flight.open(arguments, path);
     if (!opened)
         return fail(opened.failure());
     if (const Status shown = showInsets(line, flight); !shown)
         return fail(shown.failure());
-    const Status written = flight.writeReport(path, flight.review().allPois(), showProgress);
-    return written ? Done : fail(written.failure());
+    return showResult(flight.writeReport(path, flight.review().allPois()), flight);
 }
 
 std::vector<Command> commands()
 {
     return {{QStringLiteral("report"),
-             QStringLiteral("(PROJECT | VIDEO [LOG])") + insetsUsage +
-                 QStringLiteral(" [--thermal-clock file|screen] --out FILE.docx"),
+             QStringLiteral("(PROJECT | VIDEO [LOG])") + insetsUsage + thermalClockUsage +
+                 QStringLiteral(" --out FILE.docx"),
              QStringLiteral("a Word document with a page for each point of interest"),
              QList<QCommandLineOption>{thermalClockOption(),
                                        valued(QStringLiteral("out"), QStringLiteral("FILE.docx"),

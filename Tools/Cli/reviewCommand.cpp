@@ -7,6 +7,7 @@
 #include "Cli/folders.h"
 #include "Cli/insets.h"
 #include "Cli/memoryLimit.h"
+#include "Cli/thermalClock.h"
 #include "Log/printable.h"
 #include "Project/ProjectFile.h"
 
@@ -44,6 +45,7 @@ FlightOptions flightOptions(const QCommandLineParser& line)
     FlightOptions options;
     options.copiesMedia = line.isSet(copyOption);
     options.showsThermal = line.isSet(thermalOption);
+    options.thermalAsOnScreen = line.value(thermalClockName) == QLatin1String("screen");
     options.writesVideo = line.isSet(videoOption);
     options.tables = line.values(columnsOption);
     options.tableRateHz = line.value(rateOption).toDouble();
@@ -61,7 +63,7 @@ QStringList wordsOf(const QCommandLineParser& line)
                                   imperialOption, thermalBarOption})
         if (line.isSet(option))
             words << QStringLiteral("--") + option;
-    for (const QString& option : {columnsOption, rateOption})
+    for (const QString& option : {thermalClockName, columnsOption, rateOption})
         for (const QString& value : line.values(option))
             words << QStringLiteral("--") + option << value;
     return words;
@@ -194,9 +196,10 @@ ExitStatus review(const QCommandLineParser& line)
     const bool hasLocations = !locations.isEmpty();
     int atOnce = 0;
     double rateHz = 0;
+    bool asOnScreen = false;
     if (!line.isSet(outOption) ||
         !readNumber(line, atOnceOption, QThread::idealThreadCount(), 1, &atOnce) ||
-        !readRate(line, rateOption, &rateHz))
+        !readRate(line, rateOption, &rateHz) || !readThermalClock(line, &asOnScreen))
         return WrongUsage;
     for (const QString& option : {jobOption, gatherOption})
         if (line.isSet(option) && hasLocations)
@@ -232,11 +235,11 @@ std::vector<Command> commands()
 {
     return {
         {QStringLiteral("review"),
-         QStringLiteral(
-             "(LOCATION... [--list [--json]] | --job FILE | --gather FILE) --out DIR "
-             "[--copy] [--thermal] [--video] [--instruments] [--imperial] [--thermal-bar] "
-             "[--columns GROUP:A,B,...]... [--rate HZ] "
-             "[--at-once N]"),
+         QStringLiteral("(LOCATION... [--list [--json]] | --job FILE | --gather FILE) --out DIR "
+                        "[--copy] [--thermal] [--thermal-clock file|screen] [--video] "
+                        "[--instruments] [--imperial] [--thermal-bar] "
+                        "[--columns GROUP:A,B,...]... [--rate HZ] "
+                        "[--at-once N]"),
          QStringLiteral("the whole review of cards, one folder a flight"),
          QList<QCommandLineOption>{
              valued(outOption, QStringLiteral("DIR"), QStringLiteral("where the folders go")),
@@ -247,7 +250,7 @@ std::vector<Command> commands()
              valued(gatherOption, QStringLiteral("FILE"),
                     QStringLiteral("prints how the flights of such a list ended")),
              flag(copyOption, QStringLiteral("copies video and log beside the project")),
-             flag(thermalOption, QStringLiteral("shows the thermal overlay")),
+             flag(thermalOption, QStringLiteral("shows the thermal overlay")), thermalClockOption(),
              flag(videoOption, QStringLiteral("writes the video as shown, too")),
              valued(columnsOption, QStringLiteral("GROUP:A,B,..."),
                     QStringLiteral("a table of these fields of the log, of all of them for GROUP "

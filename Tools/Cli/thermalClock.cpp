@@ -1,25 +1,24 @@
 #include "Cli/thermalClock.h"
 
 #include "Cli/Command.h"
-#include "Video/VideoPlayer.h"
 
 namespace corv::cli {
 
 QCommandLineOption thermalClockOption()
 {
     QCommandLineOption option =
-        valued(QStringLiteral("thermal-clock"), QStringLiteral("file|screen"),
+        valued(thermalClockName, QStringLiteral("file|screen"),
                QStringLiteral("the moment of a picture's thermal picture: the time in its file, or "
                               "the one on screen"));
     option.setDefaultValue(QStringLiteral("file"));
     return option;
 }
 
-bool takeThermalClock(const QCommandLineParser& line, VideoPlayer& player)
+bool readThermalClock(const QCommandLineParser& line, bool* asOnScreen)
 {
-    const QString clock = line.value(QStringLiteral("thermal-clock"));
-    player.setThermalAsOnScreen(clock == QLatin1String("screen"));
-    if (clock == QLatin1String("screen") || clock == QLatin1String("file"))
+    const QString clock = line.value(thermalClockName);
+    *asOnScreen = clock == QLatin1String("screen");
+    if (*asOnScreen || clock == QLatin1String("file"))
         return true;
     wrongUsage(
         QStringLiteral("--thermal-clock: \"%1\" is neither \"file\" nor \"screen\".").arg(clock));

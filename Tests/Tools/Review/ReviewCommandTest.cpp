@@ -141,7 +141,10 @@ void ReviewCommandTest::flightIsReviewedWhole()
     const QJsonObject last = linesOf(review.out).last();
     QCOMPARE(last["event"].toString(), QStringLiteral("finished"));
     QCOMPARE(last["status"].toString(), QStringLiteral("done"));
-    QCOMPARE(last["remarks"].toArray(), QJsonArray());
+    const QJsonArray remarks = last["remarks"].toArray();
+    QVERIFY2(remarks.size() == 1 && remarks[0].toString().startsWith("pictures/POI") &&
+                 remarks[0].toString().endsWith("--thermal-clock screen changes that."),
+             review.out);
 
     const QJsonArray points =
         QJsonDocument::fromJson(contentsOf(flightFolder() + "/points.json")).array();
@@ -298,6 +301,14 @@ void ReviewCommandTest::changedOptionsAreFollowed()
     QCOMPARE(run({"--out", out(), "--thermal", "--copy", m_card.path()}).status, 0);
     QVERIFY(contentsOf(project) != plain);
     QVERIFY(contentsOf(flightFolder() + "/pictures/POI001.jpg") != picture);
+    // Of the flight's later file, and so with another thermal picture.
+    const QStringList pictures = QDir(flightFolder() + "/pictures").entryList(QDir::Files);
+    const QString later = flightFolder() + "/pictures/" + pictures.last();
+    const QByteArray ofFile = contentsOf(later);
+    const ProgramRun asOnScreen =
+        run({"--out", out(), "--thermal", "--thermal-clock", "screen", "--copy", m_card.path()});
+    QCOMPARE(linesOf(asOnScreen.out).last()["remarks"].toArray(), QJsonArray());
+    QVERIFY(contentsOf(later) != ofFile);
     QCOMPARE(QDir(flightFolder() + '/' + m_flightName + "_video").entryList(QDir::Files).size(), 2);
     QCOMPARE(run({"--out", out(), m_card.path()}).status, 0);
     QCOMPARE(contentsOf(project), plain);
