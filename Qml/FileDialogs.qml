@@ -1,6 +1,7 @@
 import QtQuick 2.7
 import FileChoice 1.0
 import Review 1.0
+import Timeline 1.0
 import VideoPlayer 1.0
 import "paths.js" as Paths
 
@@ -10,6 +11,7 @@ Item {
 
     property VideoPlayer player: null
     property Review review: null
+    property PoiTableExport poiTables: null
     // The functions that a choice starts: the main window's.
     property var verbs: null
     // Whether a chosen project name is for a copy of the work at hand.
@@ -124,7 +126,7 @@ Item {
         id: savePoiTableDialog
         objectName: "savePoiTableDialog"
         title: "Save points of interest as..."
-        nameFilters: ["CSV table (*.csv)", "JSON (*.json)"]
+        nameFilters: fileDialogs.poiTables ? fileDialogs.poiTables.nameFilters : []
         selectExisting: false
         folder: fileDialogs.reportFolder
         onAccepted: {

@@ -291,6 +291,7 @@ ReviewWindow {
         id: fileDialogs
         player: videoPlayer
         review: review
+        poiTables: poiTableExport
         verbs: mainWindow
         savingAsCopy: currentProject.savingAsCopy
         onImageRefused: exportJobs.reportRefusedPicture(path)

@@ -294,7 +294,7 @@ void FlightRun::sweepLeftovers()
     // It stays if this run is killed, too, and its time says when that was.
     QDir().mkpath(workPath(QString()));
     static const QRegularExpression unfinished(
-        QStringLiteral("^(manifest\\.json|result\\.json|points\\.csv|points\\.json)\\.[A-Za-z]{6}$"
+        QStringLiteral("^(manifest\\.json|result\\.json|points\\.[a-z]+)\\.[A-Za-z]{6}$"
                        "|^\\..*\\.[0-9]+(\\..*)?\\.part$"));
     const QFileInfoList entries =
         m_folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -467,9 +467,10 @@ Result<QStringList> FlightRun::writeTables(const QVariantList& pois)
         if (QFile::exists(m_folder.filePath(pictureName(i))))
             table.rows[i].picture = pictureName(i);
     }
-    const QStringList files{QStringLiteral("points.csv"), QStringLiteral("points.json")};
-    for (const QString& file : files) {
-        const Status written = writePoiTable(table, m_folder.filePath(file), isJsonName(file));
+    QStringList files;
+    for (const PoiTableFormat& format : poiTableFormats()) {
+        files << QStringLiteral("points.") + format.suffix;
+        const Status written = writePoiTable(table, m_folder.filePath(files.last()), format);
         if (!written)
             return written.failure();
     }

@@ -6,11 +6,19 @@
 
 namespace corv {
 
+QStringList PoiTableExport::nameFilters() const
+{
+    QStringList filters;
+    for (const PoiTableFormat& format : poiTableFormats())
+        filters << QStringLiteral("%1 (*.%2)").arg(format.name, format.suffix);
+    return filters;
+}
+
 void PoiTableExport::write(const QVariantList& pois, const QString& path)
 {
     const LogParser noLog;
     const PoiTable table = poiTable(pois, m_logParser ? *m_logParser : noLog, m_imperialUnits);
-    const Status status = writePoiTable(table, path, isJsonName(path));
+    const Status status = writePoiTable(table, path, poiTableFormatOf(path));
     if (status)
         emit written(pois.size() == 1
                          ? tr("1 point of interest is in %1.").arg(QFileInfo(path).fileName())

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 
 namespace corv {
@@ -15,12 +16,16 @@ class PoiTableExport : public QObject
     Q_OBJECT
     Q_PROPERTY(corv::LogParser* logParser MEMBER m_logParser)
     Q_PROPERTY(bool imperialUnits MEMBER m_imperialUnits)
+    Q_PROPERTY(QStringList nameFilters READ nameFilters CONSTANT)
 
 public:
     using QObject::QObject;
 
-    /// Writes points of interest in list form to a file, as JSON where its name ends in ".json",
-    /// else as comma-separated values. Ends in `written` or `failed`.
+    /// The formats as a file dialog lists them: "CSV table (*.csv)".
+    QStringList nameFilters() const;
+
+    /// Writes points of interest in list form to a file, in the format of its name. Ends in
+    /// `written` or `failed`.
     Q_INVOKABLE void write(const QVariantList& pois, const QString& path);
 
 signals:

@@ -11,6 +11,7 @@
 #include <QJsonObject>
 #include <QTime>
 #include <QVariantMap>
+#include <algorithm>
 
 namespace corv {
 namespace {
@@ -97,14 +98,28 @@ QByteArray poiTableJson(const PoiTable& table)
     return QJsonDocument(array).toJson();
 }
 
-bool isJsonName(const QString& path)
+const std::vector<PoiTableFormat>& poiTableFormats()
 {
-    return path.endsWith(QLatin1String(".json"), Qt::CaseInsensitive);
+    static const std::vector<PoiTableFormat> formats{
+        {QStringLiteral("csv"), QStringLiteral("CSV table"), poiTableCsv},
+        {QStringLiteral("json"), QStringLiteral("JSON"), poiTableJson},
+    };
+    return formats;
 }
 
-Status writePoiTable(const PoiTable& table, const QString& path, bool asJson)
+const PoiTableFormat& poiTableFormatOf(const QString& path)
 {
-    return replaceFile(path, asJson ? poiTableJson(table) : poiTableCsv(table));
+    const std::vector<PoiTableFormat>& formats = poiTableFormats();
+    const auto found =
+        std::find_if(formats.begin(), formats.end(), [&path](const PoiTableFormat& format) {
+            return path.endsWith(QLatin1Char('.') + format.suffix, Qt::CaseInsensitive);
+        });
+    return found != formats.end() ? *found : formats.front();
+}
+
+Status writePoiTable(const PoiTable& table, const QString& path, const PoiTableFormat& format)
+{
+    return replaceFile(path, format.text(table));
 }
 
 } // namespace corv

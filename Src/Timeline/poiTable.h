@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QVariantList>
 #include <optional>
+#include <vector>
 
 namespace corv {
 
@@ -44,10 +45,21 @@ QByteArray poiTableCsv(const PoiTable& table);
 /// "instruments" (by name an object with "value", null without one, and "unit") and "picture".
 QByteArray poiTableJson(const PoiTable& table);
 
-/// Whether a file of this name is to be JSON.
-bool isJsonName(const QString& path);
+/// A kind of file that such a table can be written as.
+struct PoiTableFormat
+{
+    QString suffix; ///< "csv"
+    QString name;   ///< as a file dialog lists it: "CSV table"
+    QByteArray (*text)(const PoiTable& table);
+};
 
-/// Writes the table to a file, atomically, as JSON or as CSV.
-Status writePoiTable(const PoiTable& table, const QString& path, bool asJson);
+/// All of them. To add one, add its row: window, command and the review of cards write it.
+const std::vector<PoiTableFormat>& poiTableFormats();
+
+/// The format of files with this name; the first one where no suffix fits.
+const PoiTableFormat& poiTableFormatOf(const QString& path);
+
+/// Writes the table to a file, atomically.
+Status writePoiTable(const PoiTable& table, const QString& path, const PoiTableFormat& format);
 
 } // namespace corv

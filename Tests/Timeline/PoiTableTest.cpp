@@ -203,12 +203,15 @@ void PoiTableTest::fileIsOfTheFormatThatIsAskedFor()
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     };
-    QVERIFY(writePoiTable(table, path, true));
-    QCOMPARE(contents(), poiTableJson(table));
-    QVERIFY(writePoiTable(table, path, false));
-    QCOMPARE(contents(), poiTableCsv(table));
-    QVERIFY(isJsonName("a.JSON") && !isJsonName("a.csv") && !isJsonName("json"));
-    QVERIFY(!writePoiTable(table, folder.filePath("none/points"), false));
+    for (const PoiTableFormat& format : poiTableFormats()) {
+        QVERIFY(writePoiTable(table, path, format));
+        QCOMPARE(contents(), format.text(table));
+        QCOMPARE(poiTableFormatOf("a." + format.suffix.toUpper()).suffix, format.suffix);
+    }
+    QVERIFY(poiTableFormatOf("a.json").text == poiTableJson);
+    for (const char* name : {"a.csv", "json", "a.txt", ""})
+        QVERIFY(poiTableFormatOf(name).text == poiTableCsv);
+    QVERIFY(!writePoiTable(table, folder.filePath("none/points"), poiTableFormats().front()));
 }
 
 QTEST_MAIN(PoiTableTest)

@@ -75,13 +75,14 @@ ExitStatus points(const QCommandLineParser& line)
         pictures = addPictures(flight, line, &table);
     if (pictures == Failed)
         return Failed;
-    const bool asJson = line.isSet(jsonOption) || isJsonName(out);
+    const bool asJson = line.isSet(jsonOption);
     if (out.isEmpty()) {
         const ExitStatus written = writeOut(
             asJson ? printedJson(QJsonDocument::fromJson(poiTableJson(table))) : csvFor(table));
         return written == Done ? pictures : written;
     }
-    const Status written = writePoiTable(table, out, asJson);
+    const Status written =
+        writePoiTable(table, out, poiTableFormatOf(asJson ? QStringLiteral(".json") : out));
     return written ? pictures : fail(written.failure());
 }
 
