@@ -15,6 +15,7 @@ struct PictureHeader
 };
 
 /// The header of a PNG or JPEG file; nothing for any other file, and for one that has been cut off.
+/// `QImageReader` takes a JPEG that has been cut off for whole, and reads each picture to its end.
 std::optional<PictureHeader> readPictureHeader(const QString& fileName);
 
 } // namespace corv
