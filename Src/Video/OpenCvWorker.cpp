@@ -5,6 +5,7 @@
 #include "Base/videoTime.h"
 #include "Threads/annotate.h"
 #include "Threads/post.h"
+#include "Video/CachedFrameSource.h"
 #include "Video/VideoExporter.h"
 #include "Video/frameConversion.h"
 #include "Video/insetBlending.h"
@@ -337,7 +338,11 @@ QImage OpenCvWorker::getFrameAt(QTime time, const PictureInsets& insets)
 FrameSource* OpenCvWorker::stillSource(int file)
 {
     if (m_stillFile != file) {
-        m_stillSource = m_timeline.entry(file).capture->clone();
+        // Keeps one frame: the next request is often for it again, whose group of pictures would
+        // have to be decoded anew.
+        std::unique_ptr<FrameSource> source = m_timeline.entry(file).capture->clone();
+        m_stillSource =
+            source ? std::make_unique<CachedFrameSource>(std::move(source), 0) : nullptr;
         m_stillFile = file;
     }
     return m_stillSource.get();

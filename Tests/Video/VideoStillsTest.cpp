@@ -13,6 +13,7 @@ private slots:
     void init() { makeFolder(); }
     void stillFramesLeavePlaybackAlone();
     void stillFramesBorrowTheCaptureIfTheyMust();
+    void stillFramesOfOneFrameAreDecodedOnce();
     void stillFramesThatFail();
     void closingAnswersWaitingStillFrames();
     void aPreviewComesBeforeWaitingStillFrames();
@@ -89,6 +90,21 @@ void VideoStillsTest::stillFramesBorrowTheCaptureIfTheyMust()
     StillFrame away(player, timeAt(500));
     QTRY_COMPARE(away.number(), 50);
     QVERIFY(log.contains("Failed to set back to original pos 410"));
+}
+
+// Marks lie closer than frames where a project has very many.
+void VideoStillsTest::stillFramesOfOneFrameAreDecodedOnce()
+{
+    const auto file = addFile("a.mp4", 60);
+    VideoPlayer player(m_files->factory());
+    open(player, "a.mp4");
+    const int before = file->reads;
+    std::vector<StillFrame> stills;
+    for (int i = 0; i < 40; ++i)
+        stills.emplace_back(player, timeAt(300 + i / 2));
+    for (int i = 0; i < 40; ++i)
+        QTRY_COMPARE(stills.at(size_t(i)).number(), 30 + (i + 10) / 20);
+    QCOMPARE(file->reads - before, 3);
 }
 
 void VideoStillsTest::stillFramesThatFail()
