@@ -49,6 +49,9 @@ private slots:
     void fileTypesAreKnown();
     void desktopEntryStartsTheCommand();
     void desktopEntryFindsTheCommandUnderAnotherPrefix();
+    void unitOfACardFindsItsScriptUnderAnotherPrefix();
+    void scriptsFindTheToolBesideThem_data();
+    void scriptsFindTheToolBesideThem();
     void programsAreHardened_data();
     void programsAreHardened();
     void everySourceIsCompiledAsItIsDelivered();
@@ -64,6 +67,7 @@ private slots:
 private:
     ProgramRun run(const QString& program, const QStringList& arguments,
                    const QString& folder = {}) const;
+    ProgramRun installUnder(const QString& prefix) const;
     QString staged(const QString& path) const { return m_folder.filePath("stage/usr/" + path); }
     QString package() const
     {
@@ -84,6 +88,15 @@ ProgramRun InstallTest::run(const QString& program, const QStringList& arguments
     // Wide enough that no line of a man page has to be broken badly.
     environment.insert("MANWIDTH", "80");
     return runProgram(program, arguments, environment, folder.isEmpty() ? m_folder.path() : folder);
+}
+
+// As by hand, not staged.
+ProgramRun InstallTest::installUnder(const QString& prefix) const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("DESTDIR");
+    return runProgram(CMAKE_PROGRAM, {"--install", BUILD_FOLDER, "--prefix", prefix}, environment,
+                      {});
 }
 
 void InstallTest::initTestCase()
@@ -296,10 +309,7 @@ void InstallTest::desktopEntryStartsTheCommand()
 void InstallTest::desktopEntryFindsTheCommandUnderAnotherPrefix()
 {
     const QString prefix = m_folder.filePath("opt/100% ours \"$HOME\" `x`");
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove("DESTDIR");
-    const ProgramRun install =
-        runProgram(CMAKE_PROGRAM, {"--install", BUILD_FOLDER, "--prefix", prefix}, environment, {});
+    const ProgramRun install = installUnder(prefix);
     QVERIFY2(install.status == 0, install.error);
     const QString entry = prefix + "/share/applications/example.corvenity.vistrel.desktop";
     const ProgramRun check = run("desktop-file-validate", {entry});
@@ -316,6 +326,54 @@ void InstallTest::desktopEntryFindsTheCommandUnderAnotherPrefix()
     QCOMPARE(command, prefix + "/bin/vistrel");
     QVERIFY(QFileInfo(command).isExecutable());
     QVERIFY(textOf(entry).contains("\nTryExec=" + command + '\n'));
+}
+
+// The checker asks whether there is such a program.
+void InstallTest::unitOfACardFindsItsScriptUnderAnotherPrefix()
+{
+    const QString prefix = m_folder.filePath("opt/100% ours, $HOME");
+    const ProgramRun install = installUnder(prefix);
+    QVERIFY2(install.status == 0, install.error);
+    const QString unit = prefix + "/lib/systemd/system/vistrel-card@.service";
+    const ProgramRun check = run("systemd-analyze", {"verify", "--man=no", unit});
+    QVERIFY2(check.status == 0 && check.error.isEmpty(), check.error);
+    const QString script = prefix + "/share/vistrel/batch/review-card";
+    QVERIFY(textOf(unit).contains(
+        QString("\nExecStart=\"%1\" /dev/%I\n").arg(QString(script).replace("%", "%%"))));
+    // It would have said so.
+    QVERIFY(QFile::remove(script));
+    QVERIFY(!run("systemd-analyze", {"verify", "--man=no", unit}).error.isEmpty());
+}
+
+void InstallTest::scriptsFindTheToolBesideThem_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::newRow("card") << QStringList{"review-card", "/proc"}; // mounted
+    QTest::newRow("parallel") << QStringList{"review-parallel", "out", ":", "card"};
+    QTest::newRow("Slurm") << QStringList{"review-slurm", "out", "card"};
+}
+
+// Where no session looks for commands: a tool of that name elsewhere would be another version.
+void InstallTest::scriptsFindTheToolBesideThem()
+{
+    QFETCH(QStringList, command);
+    const QString prefix = m_folder.filePath("opt/beside");
+    const ProgramRun install = installUnder(prefix);
+    QVERIFY2(install.status == 0, install.error);
+    QVERIFY(QFile::remove(prefix + "/bin/vistrel-cli"));
+    QVERIFY(QDir(m_folder.path()).mkpath("opt/card"));
+    QFile tool(prefix + "/bin/vistrel-cli");
+    QVERIFY(tool.open(QIODevice::WriteOnly));
+    tool.write("#!/bin/sh\necho \"called: $1\" >&2\nexit 9\n");
+    tool.setPermissions(tool.permissions() | QFile::ExeOwner);
+    tool.close();
+    const ProgramRun script =
+        run("env",
+            QStringList{"VISTREL_CARD_OUT=out", prefix + "/share/vistrel/batch/" + command[0]} +
+                command.mid(1),
+            m_folder.filePath("opt"));
+    QCOMPARE(script.status, 9);
+    QVERIFY2(script.error.contains("called: review"), script.error);
 }
 
 void InstallTest::programsAreHardened_data()
