@@ -27,6 +27,8 @@ private slots:
     void aLogWrittenSoonAfterLeavesNoDoubt();
     void laterFlightsOfALogExplainItsDelay();
     void oneFlightIsSureAfterACopy();
+    void equalFlightsOfACopyWithoutTheirLogsAreDoubted_data();
+    void equalFlightsOfACopyWithoutTheirLogsAreDoubted();
     void lostTimesDoNotConfirmALength();
     void completeCardsAreDoubtedLess();
     void lengthAloneIsDoubtedWhereFilesAreMissing_data();
@@ -191,6 +193,31 @@ void FlightDoubtTest::oneFlightIsSureAfterACopy()
         QCOMPARE(pairing.evidence, PairingEvidence::TimeAndLength);
         QVERIFY(!pairing.doubtful);
     }
+}
+
+void FlightDoubtTest::equalFlightsOfACopyWithoutTheirLogsAreDoubted_data()
+{
+    QTest::addColumn<int>("videos");
+    QTest::addColumn<qint64>("secondsApart"); // by which the copy took the videos
+    QTest::newRow("two at once") << 2 << qint64(0);
+    QTest::newRow("two as slow as they were taken") << 2 << qint64(30);
+    QTest::newRow("four at once") << 4 << qint64(0);
+    QTest::newRow("four as slow as they were taken") << 4 << qint64(30);
+}
+
+// The one log that is left is the next one after every video and as long as each: at most one of
+// them is its own.
+void FlightDoubtTest::equalFlightsOfACopyWithoutTheirLogsAreDoubted()
+{
+    QFETCH(int, videos);
+    QFETCH(qint64, secondsApart);
+    std::vector<PairingVideo> equal;
+    for (int i = 0; i < videos; ++i)
+        equal.push_back(
+            video(QStringLiteral("CORV%1.MOV").arg(2 * i + 1), 60'000, 0, i * secondsApart));
+    for (const Pairing& pairing :
+         pairFlights(equal, {logOf("1.log", {61'000}, videos * secondsApart + 1)}))
+        QVERIFY(pairing.log < 0 || pairing.doubtful);
 }
 
 // All files have the time of their copy: what doubt the lengths leave counts as with lengths alone.
