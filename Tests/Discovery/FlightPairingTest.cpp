@@ -41,6 +41,8 @@ private slots:
     void lostTimesAreReplacedByLengths();
     void orderOfNamesDecidesBetweenEqualLengths();
     void equalFlightsOfACopyGetALogEach();
+    void equalFlightsKeepTheLogsOfTheirTimes();
+    void equalRecordingsOfALogAreToldApartByTime();
     void foldersComeBeforeCopiesInTheOrderOfNames();
     void gapInTimesIsFilledByLength();
     void contradictedPairGetsTheBetterLog();
@@ -207,6 +209,28 @@ void FlightPairingTest::equalFlightsOfACopyGetALogEach()
          video("CORV0005.MOV", 90'000, 0, 2)},
         {logOf("1.log", {91'000}, 3), logOf("2.log", {91'000}, 4), logOf("3.log", {91'000}, 5)});
     QCOMPARE(logsOf(pairings), QList<int>({0, 1, 2}));
+}
+
+// The order of names would pair one video more, if the times of the first two were wrong.
+void FlightPairingTest::equalFlightsKeepTheLogsOfTheirTimes()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0004.MOV", 61'780, 1, 1738), video("CORV0005.MOV", 61'905, 2, 2271),
+                     video("CORV0007.MOV", 62'117, -1, 3261)},
+                    {logOf("1.log", {62'682}, 131), logOf("2.log", {63'496}, 1780),
+                     logOf("3.log", {63'253}, 2316)});
+    QCOMPARE(pairings[0].log, 1);
+    QCOMPARE(pairings[1].log, 2);
+}
+
+void FlightPairingTest::equalRecordingsOfALogAreToldApartByTime()
+{
+    PairingLog log = logOf("1.log", {}, 643);
+    log.recordings = {{49'000, 101'000}, {124'000, 176'000}};
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0018.MOV", 51'000, 0, 112), video("CORV0019.MOV", 51'000, 0, 611)}, {log});
+    QCOMPARE(pairings[0].recording, 0);
+    QCOMPARE(pairings[1].recording, 1);
 }
 
 // A card with two folders, in each a file of another card.
