@@ -10,8 +10,11 @@
 #include <QDebug>
 #include <QFile>
 #include <QHash>
+#include <QSet>
 #include <QThread>
 #include <algorithm>
+#include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <utility>
 
@@ -174,6 +177,7 @@ QList<FlightMatchData> FlightFilesMatcher::matchFlightFiles(const QList<QFileInf
     for (const Search::Log& log : search.logs)
         if (log.facts.isLost)
             m_lostFiles.append(log.file.file.absoluteFilePath());
+    doubtLostFiles(search);
     return search.matches;
 }
 
@@ -285,6 +289,24 @@ bool FlightFilesMatcher::readLogs(Search& search, size_t from, size_t end,
     return !hasAborted();
 }
 
+// A single video does not show that a copy has made the times. Logs do that are nearer to each
+// other than a flight of its length allows.
+bool FlightFilesMatcher::canOthersShowLostTimes(const Search& search)
+{
+    qint64 lengthMs = 0;
+    for (const PairingVideo& video : search.videos) {
+        if (lengthMs > 0 && video.lengthMs > 0)
+            return false;
+        lengthMs = std::max(lengthMs, video.lengthMs);
+    }
+    const auto others = search.logs.begin() + static_cast<std::ptrdiff_t>(search.logsByTime);
+    return std::any_of(search.logs.begin(), others, [&](const Search::Log& log) {
+        return std::any_of(others, search.logs.end(), [&](const Search::Log& other) {
+            return std::abs(timeOf(log.file) - timeOf(other.file)) < lengthMs / 2;
+        });
+    });
+}
+
 // The logs that no video has by time can only be needed where those that have one leave a question
 // open.
 bool FlightFilesMatcher::weigh(Search& search, const Progress& progress) const
@@ -295,7 +317,7 @@ bool FlightFilesMatcher::weigh(Search& search, const Progress& progress) const
     const bool settled =
         std::all_of(search.matches.begin(), search.matches.end(),
                     [](const auto& match) { return match.matchFound && !match.doubtful; });
-    if (settled || search.logsByTime == search.logs.size())
+    if ((settled && !canOthersShowLostTimes(search)) || search.logsByTime == search.logs.size())
         return true;
     if (!readLogs(search, search.logsByTime, search.logs.size(), progress))
         return false;
@@ -337,6 +359,16 @@ void FlightFilesMatcher::decide(Search& search)
             reachedMs += search.videos[part].lengthMs;
         }
     }
+}
+
+// What a file held that could not be read to its end is not known: nothing confirms its pair.
+void FlightFilesMatcher::doubtLostFiles(Search& search) const
+{
+    const QSet<QString> lost(m_lostFiles.begin(), m_lostFiles.end());
+    for (FlightMatchData& match : search.matches)
+        if (match.matchFound && (lost.contains(match.videoFile.absoluteFilePath()) ||
+                                 lost.contains(match.logFile.absoluteFilePath())))
+            match.doubtful = true;
 }
 
 bool FlightFilesMatcher::nameFlights(Search& search) const

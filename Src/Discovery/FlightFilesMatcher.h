@@ -68,8 +68,9 @@ public:
 
     /// One entry per video, by ascending file time; an empty list after an abort, never a part.
     /// In quick mode no file is opened: durations stay 0 and namings undefined. A log or a video
-    /// that cannot be read leaves its flights in the list, without a naming. Logs that the times
-    /// give to no video are read only where the others leave a question open.
+    /// that cannot be read leaves its flights in the list, without a naming; doubtful, if it has
+    /// gone or failed in the middle. Logs that the times give to no video are read only where the
+    /// others leave a question open.
     QList<FlightMatchData> matchFlightFiles(const QList<QFileInfo>& videos,
                                             const QList<QFileInfo>& logs, bool quickMode,
                                             const Progress& progress,
@@ -92,8 +93,10 @@ private:
     Search pair(const QList<QFileInfo>& videos, const QList<QFileInfo>& logs, bool quickMode) const;
     void readLengths(Search& search, const VideoProgress& progress);
     bool readLogs(Search& search, size_t from, size_t end, const Progress& progress) const;
+    static bool canOthersShowLostTimes(const Search& search);
     bool weigh(Search& search, const Progress& progress) const;
     static void decide(Search& search);
+    void doubtLostFiles(Search& search) const;
     bool nameFlights(Search& search) const;
 
     const std::atomic<bool>* m_abortFlag;

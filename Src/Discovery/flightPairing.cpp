@@ -94,22 +94,43 @@ double median(std::vector<double> values)
     return *middle;
 }
 
-// A camera cannot end one video sooner after another than the video is long; a copy can, and mostly
-// does.
-double likelihoodOfKeptTimes(const std::vector<PairingVideo>& videos)
+// Ends of files, each with the length of what it holds.
+using FileEnds = std::vector<std::pair<qint64, qint64>>;
+
+// The share of the files that can have been ended by the camera or the drone: neither can end one
+// sooner after another than it is long; a copy can, and mostly does. At least two files.
+double shareOfPossibleEnds(FileEnds ends)
 {
-    std::vector<std::pair<qint64, qint64>> ends; // with the length of the video
-    for (const PairingVideo& video : videos)
-        if (video.timeMs >= 0 && video.lengthMs > 0)
-            ends.emplace_back(video.timeMs, video.lengthMs);
-    if (ends.size() < 2)
-        return 0.7;
     std::sort(ends.begin(), ends.end());
     double possible = 0;
     for (size_t i = 1; i < ends.size(); ++i)
         possible += ends[i].first - ends[i - 1].first >= ends[i].second / 2;
-    const double share = possible / static_cast<double>(ends.size() - 1);
-    return share > 0.8 ? 0.995 : share > 0.4 ? 0.7 : 0.3;
+    return possible / static_cast<double>(ends.size() - 1);
+}
+
+double likelihoodOfKeptTimes(const std::vector<PairingVideo>& videos,
+                             const std::vector<PairingLog>& logs)
+{
+    constexpr double unknown = 0.7;
+    constexpr double lost = 0.3;
+    FileEnds ends;
+    for (const PairingVideo& video : videos)
+        if (video.timeMs >= 0 && video.lengthMs > 0)
+            ends.emplace_back(video.timeMs, video.lengthMs);
+    if (ends.size() >= 2) {
+        const double share = shareOfPossibleEnds(ends);
+        return share > 0.8 ? 0.995 : share > 0.4 ? unknown : lost;
+    }
+    // A single video shows nothing; logs beside it can still show that a copy has made the times.
+    FileEnds logEnds;
+    for (const PairingLog& log : logs) {
+        qint64 recordedMs = 0;
+        for (const RecEvent& event : log.recordings)
+            recordedMs += isWhole(event) ? lengthOf(event) : 0;
+        if (log.timeMs >= 0 && recordedMs > 0)
+            logEnds.emplace_back(log.timeMs, recordedMs);
+    }
+    return logEnds.size() >= 2 && shareOfPossibleEnds(logEnds) <= 0.4 ? lost : unknown;
 }
 
 // True if the second video may go on where the first one ends: a recorder begins the next file at
@@ -270,7 +291,7 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
         return m_delay.fit(videos[m_order[static_cast<size_t>(place)]],
                            m_recordings[static_cast<size_t>(recording)]);
     };
-    input.timesAreKept = likelihoodOfKeptTimes(videos);
+    input.timesAreKept = likelihoodOfKeptTimes(videos, logs);
     m_timesAreLost = input.timesAreKept < likely;
     m_claims = alignFlights(input);
     const bool timesAgree = mostTimesAgree();

@@ -27,6 +27,11 @@ private slots:
     void aLogWrittenSoonAfterLeavesNoDoubt();
     void laterFlightsOfALogExplainItsDelay();
     void oneFlightIsSureAfterACopy();
+    void aSingleVideoIsSureUnlessTheLogsShowACopy_data();
+    void aSingleVideoIsSureUnlessTheLogsShowACopy();
+    void timeAloneIsDoubtedWhereALengthFindsAnotherLog();
+    void aPairThatCannotBeComparedLeavesTheOtherSure_data();
+    void aPairThatCannotBeComparedLeavesTheOtherSure();
     void equalFlightsOfACopyWithoutTheirLogsAreDoubted_data();
     void equalFlightsOfACopyWithoutTheirLogsAreDoubted();
     void lostTimesDoNotConfirmALength();
@@ -193,6 +198,70 @@ void FlightDoubtTest::oneFlightIsSureAfterACopy()
         QCOMPARE(pairing.evidence, PairingEvidence::TimeAndLength);
         QVERIFY(!pairing.doubtful);
     }
+}
+
+void FlightDoubtTest::aSingleVideoIsSureUnlessTheLogsShowACopy_data()
+{
+    QTest::addColumn<qint64>("secondsApart"); // of the logs
+    QTest::addColumn<bool>("doubtful");
+    QTest::newRow("at one time") << qint64(0) << true;
+    QTest::newRow("too soon after each other for such flights") << qint64(20) << true;
+    QTest::newRow("as after flights") << qint64(900) << false;
+}
+
+void FlightDoubtTest::aSingleVideoIsSureUnlessTheLogsShowACopy()
+{
+    QFETCH(qint64, secondsApart);
+    const std::vector<PairingLog> logs = {logOf("1.log", {61'000}, 10),
+                                          logOf("2.log", {61'000}, 10 + secondsApart),
+                                          logOf("3.log", {61'000}, 10 + 2 * secondsApart)};
+    const Pairing pairing = pairFlights({video("CORV0005.MOV", 60'000, 0, 0)}, logs)[0];
+    QCOMPARE(pairing.log, 0);
+    QCOMPARE(pairing.evidence, PairingEvidence::TimeAndLength);
+    QTEST(pairing.doubtful, "doubtful");
+}
+
+// The log by time cannot be read, and lengths find others, not surely enough to replace it.
+void FlightDoubtTest::timeAloneIsDoubtedWhereALengthFindsAnotherLog()
+{
+    std::vector<PairingVideo> videos;
+    for (const auto& [number, lengthMs] : std::vector<std::pair<int, qint64>>{
+             {47, 44'713}, {49, 44'785}, {52, 45'092}, {53, 45'470}})
+        videos.push_back(
+            video(QStringLiteral("CORV00%1.MOV").arg(number), lengthMs, 0, 15 * (number - 46)));
+    std::vector<PairingLog> logs = {logOf("26.log", {}, 105),       logOf("27.log", {}, 120),
+                                    logOf("28.log", {46'386}, 135), logOf("29.log", {46'927}, 150),
+                                    logOf("30.log", {46'223}, 165), logOf("31.log", {47'289}, 180)};
+    logs[0].isRead = false;
+    logs[1].isRead = false;
+    for (const Pairing& pairing : pairFlights(videos, logs)) {
+        QCOMPARE(pairing.log, 0);
+        QCOMPARE(pairing.evidence, PairingEvidence::Time);
+        QVERIFY(pairing.doubtful);
+    }
+}
+
+void FlightDoubtTest::aPairThatCannotBeComparedLeavesTheOtherSure_data()
+{
+    QTest::addColumn<qint64>("otherMs");
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("log that cannot be read") << qint64(37'894) << false;
+    QTest::newRow("video of unknown length") << qint64(-1) << true;
+}
+
+void FlightDoubtTest::aPairThatCannotBeComparedLeavesTheOtherSure()
+{
+    QFETCH(qint64, otherMs);
+    QFETCH(bool, isRead);
+    std::vector<PairingLog> logs = {logOf("1.log", {38'453}, 120), logOf("2.log", {}, 516)};
+    logs[1].isRead = isRead;
+    if (isRead)
+        logs[1].recordings = logOf("2.log", {38'300}).recordings;
+    const std::vector<Pairing> pairings = pairFlights(
+        {video("CORV0003.MOV", 36'988, 0, 98), video("CORV0004.MOV", otherMs, 1, 470)}, logs);
+    QVERIFY(!pairings[0].doubtful);
+    QCOMPARE(pairings[1].log, 1);
+    QCOMPARE(pairings[1].evidence, PairingEvidence::Time);
 }
 
 void FlightDoubtTest::equalFlightsOfACopyWithoutTheirLogsAreDoubted_data()

@@ -123,6 +123,8 @@ private slots:
     void twoNamesOfOneLogAreReadOnce();
     void filesThatAreGoneAreLost_data();
     void filesThatAreGoneAreLost();
+    void pairOfALostFileIsDoubted_data();
+    void pairOfALostFileIsDoubted();
     void rowsComeInTheOrderOfTime();
     void progressCountsLogs();
     void anAbortGivesNothing_data();
@@ -135,6 +137,8 @@ private slots:
     void lengthsReplaceLostTimes();
     void logsOfOtherVideosAreReadOnlyWhereNeeded_data();
     void logsOfOtherVideosAreReadOnlyWhereNeeded();
+    void logsOfACopyMakeItsOnlyVideoDoubtful_data();
+    void logsOfACopyMakeItsOnlyVideoDoubtful();
     void partsOfOneFlightAreNamedAsOne();
     void severalReadersGiveTheSameResult();
 };
@@ -304,6 +308,35 @@ void FlightFilesMatcherTest::filesThatAreGoneAreLost()
     QCOMPARE(matches.size(), 1);
     QVERIFY(matches[0].matchFound);
     QCOMPARE(matcher.lostFiles(), isThere ? QStringList() : paths);
+}
+
+void FlightFilesMatcherTest::pairOfALostFileIsDoubted_data()
+{
+    QTest::addColumn<QString>("lost");
+    QTest::newRow("none") << QString();
+    QTest::newRow("video") << "v1.mp4";
+    QTest::newRow("log") << "l1.log";
+}
+
+// A card is pulled out while it is read: who looks at the doubt alone takes no such pair for sure.
+void FlightFilesMatcherTest::pairOfALostFileIsDoubted()
+{
+    QFETCH(QString, lost);
+    Card card;
+    card.addVideo("v1.mp4", 0, 60'000);
+    card.addVideo("v2.mp4", 5000, 60'000);
+    card.addLog("l1.log", 10, oneFlight("Flight 1"));
+    card.addLog("l2.log", 5010, oneFlight("Flight 2"));
+    FlightFilesMatcher::FileFacts facts = card.facts();
+    facts.videoLength = [&lost, read = facts.videoLength](const QString& path) {
+        return QFileInfo(path).fileName() == lost ? VideoLength{-1, -1, true} : read(path);
+    };
+    if (lost.endsWith(".log"))
+        QVERIFY(QFile::remove(card.folder.filePath(lost)));
+    const QList<FlightMatchData> matches =
+        FlightFilesMatcher(&card.abort, facts).matchFlightFiles(card.videos, card.logs, false, {});
+    QVERIFY(matches[0].matchFound);
+    QCOMPARE(matches[0].doubtful, !lost.isEmpty());
 }
 
 void FlightFilesMatcherTest::rowsComeInTheOrderOfTime()
@@ -510,6 +543,28 @@ void FlightFilesMatcherTest::logsOfOtherVideosAreReadOnlyWhereNeeded()
     const QList<FlightMatchData> matches = card.match();
     QCOMPARE(card.logsRead.size(), logsRead);
     QCOMPARE(matches[0].logFile.fileName(), QString(logsRead == 1 ? "l.log" : "other.log"));
+}
+
+void FlightFilesMatcherTest::logsOfACopyMakeItsOnlyVideoDoubtful_data()
+{
+    QTest::addColumn<int>("secondsApart");
+    QTest::addColumn<bool>("doubtful");
+    QTest::newRow("written by a copy") << 1 << true;
+    QTest::newRow("written after flights") << 600 << false;
+}
+
+// Three flights of a minute, of which one video is left.
+void FlightFilesMatcherTest::logsOfACopyMakeItsOnlyVideoDoubtful()
+{
+    QFETCH(int, secondsApart);
+    QFETCH(bool, doubtful);
+    Card card;
+    card.addVideo("v.mp4", 0, 60'000);
+    for (int i = 0; i < 3; ++i)
+        card.addLog(QString("l%1.log").arg(i), 10 + i * secondsApart, oneFlight("Flight"));
+    const QList<FlightMatchData> matches = card.match();
+    QVERIFY(matches[0].matchFound);
+    QCOMPARE(matches[0].doubtful, doubtful);
 }
 
 void FlightFilesMatcherTest::partsOfOneFlightAreNamedAsOne()
