@@ -30,6 +30,8 @@ private slots:
     void aSingleVideoIsSureUnlessTheLogsShowACopy_data();
     void aSingleVideoIsSureUnlessTheLogsShowACopy();
     void timeAloneIsDoubtedWhereALengthFindsAnotherLog();
+    void partsAmongVideosThatALogDoesNotHoldAreDoubted();
+    void pairByALogOfOtherLengthsIsDoubtedAsByLength();
     void aPairThatCannotBeComparedLeavesTheOtherSure_data();
     void aPairThatCannotBeComparedLeavesTheOtherSure();
     void equalFlightsOfACopyWithoutTheirLogsAreDoubted_data();
@@ -239,6 +241,34 @@ void FlightDoubtTest::timeAloneIsDoubtedWhereALengthFindsAnotherLog()
         QCOMPARE(pairing.evidence, PairingEvidence::Time);
         QVERIFY(pairing.doubtful);
     }
+}
+
+// A copy took the videos as slowly as they were recorded, and left one log of all. By accident it
+// is as long as three of them, and the times give it the other two as well.
+void FlightDoubtTest::partsAmongVideosThatALogDoesNotHoldAreDoubted()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV1040.MOV", 12'925, 0, 30), video("CORV1041.MOV", 12'925, 0, 45),
+                     video("CORV1042.MOV", 12'927, 0, 60), video("CORV1043.MOV", 12'501, 0, 75),
+                     video("CORV1045.MOV", 12'501, 0, 105)},
+                    {logOf("1254.log", {38'984}, 120)});
+    for (const Pairing& pairing : pairings) {
+        QCOMPARE(pairing.log, 0);
+        QVERIFY(pairing.doubtful);
+    }
+}
+
+// The first log is the next one after both videos and holds one of them at most.
+void FlightDoubtTest::pairByALogOfOtherLengthsIsDoubtedAsByLength()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV1011.MOV", 35'000, 0, 15), video("CORV1017.MOV", 83'000, 0, 60)},
+                    {logOf("1112.log", {36'000}, 105), logOf("1114.log", {84'000}, 135),
+                     logOf("1115.log", {47'000}, 150)});
+    QCOMPARE(pairings[0].log, 0);
+    QCOMPARE(pairings[0].evidence, PairingEvidence::TimeAndLength);
+    QVERIFY(pairings[0].doubtful);
+    QCOMPARE(pairings[1].log, 1);
 }
 
 void FlightDoubtTest::aPairThatCannotBeComparedLeavesTheOtherSure_data()
