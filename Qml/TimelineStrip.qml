@@ -60,10 +60,13 @@ Rectangle {
         }
     }
 
+    // Not while the playhead is dragged: the video shows the place itself, and small pictures would
+    // hold it up.
     TimelinePreview {
         anchors.fill: strip
         pointed: timelineStrip.pointer !== null && timelineStrip.pointer.hovered
                  && !overlapList.shown
+                 && (timelineStrip.timeline === null || !timelineStrip.timeline.scrubbing)
         pointerX: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.x : 0
         pointerY: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.y : 0
         player: timelineStrip.player

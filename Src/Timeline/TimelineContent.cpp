@@ -236,7 +236,7 @@ void TimelineContent::mousePressEvent(QMouseEvent* event)
         select(QTime());
     }
     if (m_pointerOnRuler)
-        m_scrubbing = true;
+        setScrubbing(true);
     const QTime pressedTime = timeOfPx(event->pos().x());
     m_cursorPosition = pressedTime;
     clampCursorPosition();
@@ -261,9 +261,15 @@ void TimelineContent::mouseReleaseEvent(QMouseEvent*)
 {
     if (!m_scrubbing)
         return;
-    m_scrubbing = false;
+    setScrubbing(false);
     clampCursorPosition();
     keepCursorInView();
+}
+
+void TimelineContent::setScrubbing(bool scrubbing)
+{
+    m_scrubbing = scrubbing;
+    emit scrubbingChanged();
 }
 
 void TimelineContent::mouseDoubleClickEvent(QMouseEvent* event)

@@ -33,6 +33,7 @@ class TimelineContent : public QQuickPaintedItem
     Q_PROPERTY(float msPerPx READ msPerPx NOTIFY msPerPxChanged)
     Q_PROPERTY(QTime selectedPoiTime READ selectedPoiTime NOTIFY selectedPoiTimeChanged)
     Q_PROPERTY(bool movePOIMode READ movePOIMode NOTIFY movePOIModeChanged)
+    Q_PROPERTY(bool scrubbing READ isScrubbing NOTIFY scrubbingChanged)
     Q_PROPERTY(corv::PoiModel* poiModel READ poiModel WRITE setPoiModel NOTIFY poiModelChanged)
 
 public:
@@ -62,6 +63,9 @@ public:
     float msPerPx() const { return m_view.msPerPx; }
     QTime selectedPoiTime() const { return m_selectedPoiTime; }
     bool movePOIMode() const { return m_movePOIMode; }
+
+    /// The cursor is being dragged on the ruler.
+    bool isScrubbing() const { return m_scrubbing; }
 
     void setLogParser(LogParser* logParser);
     void setVideoPlayer(VideoPlayer* videoPlayer);
@@ -141,6 +145,7 @@ signals:
     void selectedPoiTimeChanged();
     void movePOIModeChanged();
     void poiModelChanged();
+    void scrubbingChanged();
 
     /// A point of interest was to be added where there is one.
     void poiRefused(QTime poiTime);
@@ -166,6 +171,7 @@ private:
     void forgetFlight();
     void select(QTime poiTime);
 
+    void setScrubbing(bool scrubbing);
     bool hasFlagAt(const Poi& poi, const QPoint& point) const;
     QTime poiAt(const QPoint& point) const;
     void hover(QHoverEvent* event);

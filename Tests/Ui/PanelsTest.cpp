@@ -37,6 +37,7 @@ private slots:
     void keysPlayFasterAndPause();
     void theWheelZoomsThePictureAndADragMovesIt();
     void theTimelineShowsThePictureAtThePointer();
+    void aDragOnTheRulerHasNoPictureAtThePointer();
     void thePictureAtThePointerGoesWithItsFlight();
     void aPointerThatRestsHasThePictureOfTheFlightThatOpens();
     void theTimeAtAPointerThatRestsFollowsTheZoom();
@@ -263,6 +264,23 @@ void PanelsTest::theTimelineShowsThePictureAtThePointer()
     QCOMPARE(position(), 0);
     QTest::mouseMove(m_ui->window(), QPoint(300, 200));
     QTRY_VERIFY(!m_ui->item("timelinePreview")->isVisible());
+}
+
+// The picture itself follows the pointer then; small ones would be decoded in between.
+void PanelsTest::aDragOnTheRulerHasNoPictureAtThePointer()
+{
+    QVERIFY(m_ui->openVideo());
+    QQuickItem* strip = m_ui->item("timelineContent");
+    const auto at = [strip](int x) { return strip->mapToScene(QPointF(x, 8)).toPoint(); };
+    QTest::mouseMove(m_ui->window(), at(195));
+    QTest::mouseMove(m_ui->window(), at(200));
+    QTRY_VERIFY(m_ui->item("timelinePreview")->isVisible());
+    QTest::mousePress(m_ui->window(), Qt::LeftButton, {}, at(200));
+    QTest::mouseMove(m_ui->window(), at(230));
+    QTRY_VERIFY(!m_ui->item("timelinePreview")->isVisible());
+    QTest::mouseRelease(m_ui->window(), Qt::LeftButton, {}, at(230));
+    QTest::mouseMove(m_ui->window(), at(231));
+    QTRY_VERIFY(m_ui->item("timelinePreview")->isVisible());
 }
 
 void PanelsTest::thePictureAtThePointerGoesWithItsFlight()
