@@ -59,6 +59,7 @@ private:
     Status readIndex(int first);
     Status startReadingThrough(int first);
     Step decodeNext(int wanted);
+    int numberOnScreen(int packet) const;
     Step takePicture(int wanted);
     Step feed(int wanted);
     ReadOutcome decodeFrom(int start, int wanted);
@@ -473,6 +474,19 @@ AvFrameSource::Step AvFrameSource::decodeNext(int wanted)
     }
 }
 
+// The number of a packet's picture, which has just come. Where the container has no times, or equal
+// ones, the order in which pictures come is all that is known.
+int AvFrameSource::numberOnScreen(int packet) const
+{
+    if (!index().hasTimes())
+        return m_lastShown + 1;
+    const int frame = index().packet(packet).frame;
+    if (frame < 0)
+        return frame;
+    const auto [first, last] = index().framesAtTimeOf(frame);
+    return first == last ? frame : std::clamp(m_lastShown + 1, first, last);
+}
+
 /// Looks at the picture that the decoder gave; `picture` if it is the wanted one or one behind it.
 AvFrameSource::Step AvFrameSource::takePicture(int wanted)
 {
@@ -481,8 +495,7 @@ AvFrameSource::Step AvFrameSource::takePicture(int wanted)
         return Step::end;
     if (AvDecoder::isBroken(*m_picture))
         markDamage(packet, packet);
-    // Without times in the container the order in which pictures come is all that is known.
-    const int frame = index().hasTimes() ? index().packet(packet).frame : m_lastShown + 1;
+    const int frame = numberOnScreen(packet);
     if (frame <= m_lastShown || m_damage.isDoubtful(index(), packet))
         return Step::end;
     m_lastShown = frame;
@@ -537,8 +550,8 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
             markDamage(packet, packet);
         const int frame =
             frames.packet(frames.packet(packet).isSecondField ? packet - 1 : packet).frame;
-        const bool isOnlyPassedBy =
-            frame >= 0 && frame < wanted && frames.hasTimes() && !frames.isPacked();
+        const bool isOnlyPassedBy = frame >= 0 && frame < frames.framesAtTimeOf(wanted).first &&
+                                    frames.hasTimes() && !frames.isPacked();
         if (!m_decoder->send(*m_packet, packet, isOnlyPassedBy))
             markDamage(std::max(packet - m_decoder->delay(), 0), packet);
         m_lastSent = packet;

@@ -237,6 +237,7 @@ void FrameIndex::finish(double fps)
         if (shown.isKey)
             m_keyFrames.push_back(static_cast<int>(i));
     }
+    findEqualTimes();
     m_isConstantRate = true;
     for (int i = 0; m_hasTimes && i < frameCount() && m_isConstantRate; ++i)
         m_isConstantRate = std::abs(trueTimeMs(i) - i * 1000.0 / m_fps) < roundingMs;
@@ -247,6 +248,34 @@ void FrameIndex::finish(double fps)
         return;
     }
     m_endMs = trueEndMs();
+}
+
+void FrameIndex::findEqualTimes()
+{
+    m_firstAtTime.clear();
+    m_lastAtTime.clear();
+    const auto isEqual = [this](int a, int b) { return packet(a).pts == packet(b).pts; };
+    if (!m_hasTimes || std::adjacent_find(m_shown.begin(), m_shown.end(), isEqual) == m_shown.end())
+        return;
+    m_firstAtTime.resize(m_shown.size());
+    m_lastAtTime.resize(m_shown.size());
+    for (size_t first = 0; first < m_shown.size();) {
+        size_t end = first + 1;
+        while (end < m_shown.size() && isEqual(m_shown[first], m_shown[end]))
+            ++end;
+        for (size_t frame = first; frame < end; ++frame) {
+            m_firstAtTime[frame] = static_cast<int>(first);
+            m_lastAtTime[frame] = static_cast<int>(end) - 1;
+        }
+        first = end;
+    }
+}
+
+std::pair<int, int> FrameIndex::framesAtTimeOf(int frame) const
+{
+    if (m_firstAtTime.empty())
+        return {frame, frame};
+    return {m_firstAtTime[static_cast<size_t>(frame)], m_lastAtTime[static_cast<size_t>(frame)]};
 }
 
 // What is stated as the length of the last packet can be no more than the mean of all.
@@ -320,7 +349,9 @@ int FrameIndex::startBefore(int packet) const
 int FrameIndex::firstFrameFrom(int packet) const
 {
     const auto before = [this](int a, int wanted) {
-        return m_hasTimes ? this->packet(a).pts < this->packet(wanted).pts : a < wanted;
+        const qint64 pts = this->packet(a).pts;
+        const qint64 wantedPts = this->packet(wanted).pts;
+        return m_hasTimes && pts != wantedPts ? pts < wantedPts : a < wanted;
     };
     const auto first = std::lower_bound(m_shown.begin(), m_shown.end(), packet, before);
     return static_cast<int>(first - m_shown.begin());

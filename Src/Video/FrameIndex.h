@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace corv {
@@ -93,6 +94,10 @@ public:
     /// order of decoding.
     bool hasTimes() const { return m_hasTimes; }
 
+    /// The first and the last frame that are shown at the time of this one. Where these differ, a
+    /// camera wrote equal times, and the order of their packets need not be that of the screen.
+    std::pair<int, int> framesAtTimeOf(int frame) const;
+
     bool isConstantRate() const { return m_isConstantRate; }
 
     /// Milliseconds from the first frame; for frameCount() and above the end of the last frame.
@@ -125,6 +130,7 @@ public:
     int find(qint64 position, qint64 dts, qint64 pts, int expected) const;
 
 private:
+    void findEqualTimes();
     double trueTimeMs(int frame) const;
     double trueEndMs() const;
     bool agrees(const Packet& packet, qint64 position, qint64 dts, qint64 pts) const;
@@ -138,7 +144,9 @@ private:
     bool m_isConstantRate = false;
     double m_endMs = 0.0;
     std::vector<Packet> m_packets;
-    std::vector<int> m_shown;      // packets in the order of their times
+    std::vector<int> m_shown;       // packets in the order of their times
+    std::vector<int> m_firstAtTime; // by frame; empty where no two times are equal
+    std::vector<int> m_lastAtTime;
     std::vector<int> m_keyPackets; // ascending
     std::vector<int> m_keyFrames;  // ascending
     std::vector<int> m_byPosition; // packets in the order of their positions

@@ -157,6 +157,11 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
     row("the rate halves", "a.mp4", {"-vf", "select='lt(n,40)+mod(n,2)'"}, vfr + h264);
     row("jitter", "a.mp4", {"-vf", "settb=1/90000,setpts='N*3000+random(1)*2000'"},
         QStringList{"-vsync", "passthrough", "-enc_time_base", "1/90000"} + h264);
+    // Two and more frames at one time, which cut through groups of B-frames.
+    for (const char* name : {"a.mp4", "a.mkv"})
+        row(qPrintable(QStringLiteral("equal times in %1").arg(name)), name,
+            {"-vf", "settb=1/1000,setpts='floor(N*3/5)*56'"},
+            QStringList{"-vsync", "passthrough", "-enc_time_base", "1/1000"} + h264);
     row("frames twice", "a.mp4", {"-r", "45"}, h264);
     row("fragments", "a.mp4", {}, h264 + QStringList{"-movflags", "frag_keyframe+empty_moov"});
     row("head first", "a.mp4", {}, h264 + QStringList{"-movflags", "+faststart"});
@@ -282,10 +287,13 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor()
     std::shuffle(order.begin(), order.end(), std::mt19937(7));
     order.resize(std::min<size_t>(order.size(), 40));
     for (const int i : order) {
-        QVERIFY(source->seekToTime(std::floor(source->frameTimeMs(i))));
+        const double timeMs = source->frameTimeMs(i);
+        QVERIFY(source->seekToTime(std::floor(timeMs)));
         const Shown shown = shownAt(*source, rotation);
-        QCOMPARE(shown.index, i);
-        QCOMPARE(shown.number, numbers[static_cast<size_t>(i)]);
+        QVERIFY(shown.index >= 0);
+        // Of frames that one millisecond has together, any.
+        QVERIFY(std::abs(source->frameTimeMs(shown.index) - timeMs) < 1.0);
+        QCOMPARE(shown.number, numbers[static_cast<size_t>(shown.index)]);
     }
     trustRow(QStringLiteral("Wrong frames, asked forwards, backwards and by time"),
              QString::fromUtf8(QTest::currentDataTag()),
