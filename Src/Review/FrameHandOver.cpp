@@ -31,25 +31,31 @@ FrameHandOver::~FrameHandOver()
     m_inbox->isWanted = false;
 }
 
-void FrameHandOver::request(VideoPlayer& player, QTime time, NullFrameWarning warning,
-                            std::function<void(const QImage&)> store)
+bool FrameHandOver::request(VideoPlayer& player, QTime time, NullFrameWarning warning,
+                            std::function<void(const QImage&)> store, std::function<void()> missing)
 {
-    player.getFrameAsync(
-        time, [inbox = m_inbox, time, warning, store = std::move(store)](const QImage& frame) {
-            if (frame.isNull()) {
-                if (warning == NullFrameWarning::withTime)
-                    qCWarning(lcReview) << "Null frame at" << time;
-                else
-                    qCWarning(lcReview) << "Null frame";
-                return;
+    return player.getFrameAsync(time, [inbox = m_inbox, time, warning, store = std::move(store),
+                                       missing = std::move(missing)](const QImage& frame) {
+        if (frame.isNull()) {
+            if (warning == NullFrameWarning::withTime)
+                qCWarning(lcReview) << "Null frame at" << time;
+            else
+                qCWarning(lcReview) << "Null frame";
+            if (missing) {
+                post(inbox.get(), [target = inbox.get(), missing]() {
+                    if (target->isWanted)
+                        missing();
+                });
             }
-            // A frame of just this size would come back as it is, on memory of the worker's.
-            QImage thumbnail = thumbnailOf(frame).copy();
-            post(inbox.get(), [target = inbox.get(), thumbnail = std::move(thumbnail), store]() {
-                if (target->isWanted)
-                    store(thumbnail);
-            });
+            return;
+        }
+        // A frame of just this size would come back as it is, on memory of the worker's.
+        QImage thumbnail = thumbnailOf(frame).copy();
+        post(inbox.get(), [target = inbox.get(), thumbnail = std::move(thumbnail), store]() {
+            if (target->isWanted)
+                store(thumbnail);
         });
+    });
 }
 
 } // namespace corv

@@ -26,10 +26,11 @@ public:
     enum class NullFrameWarning { withTime, withoutTime };
 
     /// Asks `player` for the frame at `time`. `store` runs with its thumbnail later, from the event
-    /// loop of this object's thread; not at all if there is no such frame (a warning) or if no
-    /// video is open.
-    void request(VideoPlayer& player, QTime time, NullFrameWarning warning,
-                 std::function<void(const QImage& thumbnail)> store);
+    /// loop of this object's thread; if there is no such frame (a warning) `missing` does. Returns
+    /// false, and neither runs, if no video is open.
+    bool request(VideoPlayer& player, QTime time, NullFrameWarning warning,
+                 std::function<void(const QImage& thumbnail)> store,
+                 std::function<void()> missing = {});
 
 private:
     class Inbox;

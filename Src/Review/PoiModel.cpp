@@ -290,6 +290,8 @@ void PoiModel::clear()
     ++m_loading;
     m_held.clear();
     m_isHeld = false;
+    m_toRefresh.clear();
+    m_isRefreshing = false;
     beginResetModel();
     m_pois.clear();
     endResetModel();
@@ -401,17 +403,21 @@ void PoiModel::releaseThumbnails()
         requestThumbnail(held.time, held.warning);
 }
 
-void PoiModel::requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
-                            std::function<void(const QImage&)> store)
+bool PoiModel::requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
+                            std::function<void(const QImage&)> store, std::function<void()> missing)
 {
     if (!m_videoPlayer)
-        return;
+        return false;
     // A frame of the flight before this one would be a wrong picture here.
-    m_frames.request(
+    return m_frames.request(
         *m_videoPlayer, time, warning,
         [this, loading = m_loading, store = std::move(store)](const QImage& thumbnail) {
             if (loading == m_loading)
                 store(thumbnail);
+        },
+        [this, loading = m_loading, missing = std::move(missing)]() {
+            if (loading == m_loading && missing)
+                missing();
         });
 }
 
@@ -422,6 +428,39 @@ void PoiModel::requestThumbnail(QTime time, FrameHandOver::NullFrameWarning warn
     else
         requestFrame(time, warning,
                      [this, time](const QImage& thumbnail) { storeThumbnail(time, thumbnail); });
+}
+
+void PoiModel::refreshThumbnails()
+{
+    // Those that are held are drawn in the new way anyway.
+    if (m_isHeld)
+        return;
+    m_toRefresh.clear();
+    for (const Poi& poi : m_pois)
+        m_toRefresh.push_back(poi.time);
+    if (!m_isRefreshing)
+        refreshNext();
+}
+
+// One at a time: a later change or another request for a picture waits for one frame at most.
+void PoiModel::refreshNext()
+{
+    m_isRefreshing = false;
+    while (!m_toRefresh.empty() && !m_isRefreshing) {
+        const QTime time = m_toRefresh.front();
+        m_toRefresh.pop_front();
+        if (!find(time))
+            continue;
+        m_isRefreshing = requestFrame(
+            time, FrameHandOver::NullFrameWarning::withTime,
+            [this, time](const QImage& thumbnail) {
+                storeThumbnail(time, thumbnail);
+                refreshNext();
+            },
+            [this] { refreshNext(); });
+        if (!m_isRefreshing)
+            m_toRefresh.clear();
+    }
 }
 
 void PoiModel::storeThumbnail(QTime time, const QImage& thumbnail)

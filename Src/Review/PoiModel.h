@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QTime>
 #include <QVariantList>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -107,6 +108,10 @@ public:
     void holdThumbnails();
     void releaseThumbnails();
 
+    /// Fetches the pictures of all anew, one after the other, for a change of how the player draws
+    /// them. Called again before the end, it begins again.
+    void refreshThumbnails();
+
     /// Carries out a step or its reverse. For undo commands.
     void apply(const std::vector<PoiChange>& changes, bool forward);
 
@@ -138,10 +143,11 @@ private:
     void put(const Poi& poi);
     void erase(QTime time);
     void perform(const QString& text, std::vector<PoiChange> changes, int batch);
-    void requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
-                      std::function<void(const QImage&)> store);
+    bool requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
+                      std::function<void(const QImage&)> store, std::function<void()> missing = {});
     void requestThumbnail(QTime time, FrameHandOver::NullFrameWarning warning);
     void storeThumbnail(QTime time, const QImage& thumbnail);
+    void refreshNext();
     void insertLogPoi(QTime time, int index, const QImage& thumbnail, As as, int batch);
     void insertLogPoiWhereFree(QTime time, int index, const QImage& thumbnail, int durationMs,
                                int batch);
@@ -161,6 +167,8 @@ private:
     FrameHandOver m_frames;
     bool m_isHeld = false;
     std::vector<HeldThumbnail> m_held;
+    std::deque<QTime> m_toRefresh;
+    bool m_isRefreshing = false; ///< a picture of `refreshThumbnails` is on its way
     int m_loading = 0; ///< grows with each flight: late frames of an earlier one are dropped
     int m_lastBatch = 0;
 };

@@ -48,7 +48,22 @@ void Review::setVideoPlayer(VideoPlayer* player)
     connect(player, &VideoPlayer::hasVideoOpenedChanged, this, &Review::videoOpened);
     connect(player, &VideoPlayer::sourceOpenError, this, &Review::videoFailed);
     connect(player, &VideoPlayer::durationChanged, this, &Review::durationKnown);
+    connect(player, &VideoPlayer::irPaletteChanged, this, [this] {
+        m_hasOldPictures = true;
+        refreshThumbnails();
+    });
+    connect(player, &VideoPlayer::showIRChanged, this, &Review::refreshThumbnails);
+    connect(player, &VideoPlayer::thermalStatusChanged, this, &Review::refreshThumbnails);
     followProperties(player);
+}
+
+/// The pictures that were drawn with another palette, once there is an overlay to draw.
+void Review::refreshThumbnails()
+{
+    if (!m_hasOldPictures || !m_player->drawsOverlay())
+        return;
+    m_hasOldPictures = false;
+    m_pois.refreshThumbnails();
 }
 
 void Review::setLogParser(LogParser* logParser)
@@ -314,6 +329,7 @@ void Review::logParsed(bool result)
     }
     m_logJob = nullptr;
     // Not before: their pictures show the overlay of this log.
+    m_hasOldPictures = false;
     m_pois.releaseThumbnails();
     finishOpening();
 }

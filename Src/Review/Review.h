@@ -201,6 +201,7 @@ private:
     enum class Save { plain, as, copy };
 
     void followProperties(QObject* object);
+    void refreshThumbnails();
     void videoOpened(bool isOpen);
     void videoFailed(const QString& file);
     void durationKnown();
@@ -226,6 +227,7 @@ private:
     QPointer<Job> m_logJob;
 
     QStringList m_curves;
+    bool m_hasOldPictures = false; ///< of points of interest: drawn with another palette
     QString m_projectPath;
     QString m_openedVideo;
     QStringList m_openedParts;

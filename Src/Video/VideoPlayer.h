@@ -159,6 +159,10 @@ public:
     int irPalette() const { return static_cast<int>(m_settings.irPalette); }
     void setIrPalette(int palette);
 
+    /// Whether pictures have the thermal overlay: it is on, and the log has thermal frames and is
+    /// synchronised with the video.
+    bool drawsOverlay() const;
+
     /// Whether the saved picture of a time has another thermal picture than the screen: the flight
     /// has several files, the time is not in the first, and `thermalAsOnScreen` is off.
     Q_INVOKABLE virtual bool savesOtherThermal(QTime time) const;

@@ -113,11 +113,14 @@ void VideoPlayer::setThermalAsOnScreen(bool asOnScreen)
     emit thermalAsOnScreenChanged();
 }
 
+bool VideoPlayer::drawsOverlay() const
+{
+    return showIR() && m_thermalStatus.ok() && m_logParser && m_logParser->isSynced();
+}
+
 bool VideoPlayer::savesOtherThermal(QTime time) const
 {
-    const bool hasOverlay =
-        showIR() && m_thermalStatus.ok() && m_logParser && m_logParser->isSynced();
-    return hasOverlay && !thermalAsOnScreen() && m_secondFileMs >= 0 &&
+    return drawsOverlay() && !thermalAsOnScreen() && m_secondFileMs >= 0 &&
            msOfTime(time) >= m_secondFileMs;
 }
 

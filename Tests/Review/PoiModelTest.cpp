@@ -245,6 +245,67 @@ private slots:
         QCOMPARE(pois.player.requestedTimes(), (std::vector<QTime>{timeAt(1000), timeAt(2000)}));
     }
 
+    void refreshesOneThumbnailAfterTheOther()
+    {
+        Pois pois;
+        pois.model.setFromList({entry(1000, "A"), entry(2000, "B"), entry(3000, "C")});
+        pois.player.answerAll(frameOf(Qt::green));
+        deliver();
+        const auto colour = [&pois](int ms) {
+            return QColor(pois.model.find(timeAt(ms))->thumbnail.pixel(5, 5));
+        };
+        const auto asked = [&pois] { return pois.player.requestedTimes(); };
+        const auto one = [](int ms) { return std::vector<QTime>{timeAt(ms)}; };
+
+        pois.model.refreshThumbnails();
+        QCOMPARE(asked(), one(1000));
+        QCOMPARE(colour(1000), QColor(Qt::green)); // the old one, until the new one is there
+        pois.player.answer(frameOf(Qt::red));
+        deliver();
+        QCOMPARE(colour(1000), QColor(Qt::red));
+        QCOMPARE(asked(), one(2000));
+        // Another change begins again, behind the one that is on its way.
+        pois.model.refreshThumbnails();
+        QCOMPARE(asked(), one(2000));
+        pois.player.answer(frameOf(Qt::red));
+        deliver();
+        QCOMPARE(asked(), one(1000));
+        pois.player.answer(frameOf(Qt::blue));
+        deliver();
+        // Neither one that cannot be read nor one that is gone ends it.
+        pois.player.answer(QImage());
+        deliver();
+        QCOMPARE(colour(2000), QColor(Qt::red));
+        QCOMPARE(asked(), one(3000));
+        pois.model.remove(timeAt(3000));
+        pois.player.answer(frameOf(Qt::blue));
+        deliver();
+        QVERIFY(asked().empty());
+        QCOMPARE(colour(1000), QColor(Qt::blue));
+        pois.model.refreshThumbnails();
+        QCOMPARE(asked(), one(1000));
+    }
+
+    void aRefreshEndsWithItsFlight()
+    {
+        Pois pois;
+        pois.model.setFromList({entry(1000, "A"), entry(2000, "B")});
+        pois.player.answerAll(frameOf(Qt::green));
+        deliver();
+        pois.model.refreshThumbnails();
+        pois.model.clear();
+        pois.model.setFromList({entry(1000, "C")});
+        pois.player.answer(frameOf(Qt::red));
+        deliver();
+        QCOMPARE(pois.player.requestedTimes(), std::vector<QTime>{timeAt(1000)});
+        QVERIFY(pois.model.find(timeAt(1000))->thumbnail.isNull());
+        pois.player.answer(frameOf(Qt::green));
+        deliver();
+        // The next flight's is not held up by it.
+        pois.model.refreshThumbnails();
+        QCOMPARE(pois.player.requestedTimes(), std::vector<QTime>{timeAt(1000)});
+    }
+
     void aHundredThousandFromAListTakeNoMinutes()
     {
         Pois pois;

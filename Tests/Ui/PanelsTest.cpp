@@ -1,5 +1,6 @@
 #include "ReviewSuite.h"
 
+#include <QAbstractItemModel>
 #include <QAccessible>
 #include <QDir>
 #include <QQmlComponent>
@@ -41,6 +42,7 @@ private slots:
     void thePictureAtThePointerGoesWithItsFlight();
     void aPointerThatRestsHasThePictureOfTheFlightThatOpens();
     void theTimeAtAPointerThatRestsFollowsTheZoom();
+    void flagsHaveTheColoursOfThePalette();
     void poisThatCoverEachOtherAreListed();
     void theTimelineShowsTheWholeNameOfAFlag();
     void theThermalBarHasTheEndsOfTheRange();
@@ -442,6 +444,35 @@ void PanelsTest::theThermalBarHasTheEndsOfTheRange()
     QTRY_COMPARE(ends(), QString("7100 to 9000"));
     m_ui->evaluate("videoPlayer.showIR = false");
     QTRY_VERIFY(!m_ui->item("thermalBar")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::flagsHaveTheColoursOfThePalette()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.irOverlayTransparent = false;"
+                   "videoPlayer.fullScreenIR = true");
+    QVERIFY(m_ui->importLog(media().logWithThermal()));
+    QTRY_COMPARE(m_ui->poiNames().size(), 2);
+    const auto* const pois = m_ui->evaluate("review.pois").value<QAbstractItemModel*>();
+    QVERIFY(pois);
+    const int thumbnail = pois->roleNames().key("thumbnail");
+    const auto areGrey = [pois, thumbnail] {
+        for (int row = 0; row < pois->rowCount(); ++row) {
+            const QImage picture = pois->index(row, 0).data(thumbnail).value<QImage>();
+            const QColor middle = picture.pixelColor(picture.rect().center());
+            if (picture.isNull() || middle.hsvSaturation() > 8)
+                return false;
+        }
+        return true;
+    };
+    QVERIFY(!areGrey());
+    m_ui->evaluate("videoPlayer.irPalette = 2");
+    QTRY_VERIFY(areGrey());
+    // One changed where it is not to be seen is seen later.
+    m_ui->evaluate("videoPlayer.showIR = false; videoPlayer.irPalette = 0");
+    m_ui->evaluate("videoPlayer.showIR = true");
+    QTRY_VERIFY(!areGrey());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
