@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QLocale>
+#include <QString>
 #include <QTime>
 
 namespace corv {
@@ -17,6 +19,13 @@ inline QTime timeOfMs(int ms)
     constexpr int msPerDay = 24 * 60 * 60 * 1000;
     const int rest = ms % msPerDay;
     return QTime::fromMSecsSinceStartOfDay(rest < 0 ? rest + msPerDay : rest);
+}
+
+/// A position as it is shown: minutes, seconds and milliseconds, in the digits 0 to 9 whatever the
+/// locale.
+inline QString textOfTime(QTime time)
+{
+    return QLocale::c().toString(time, QStringLiteral("mm:ss.zzz"));
 }
 
 } // namespace corv

@@ -5,6 +5,7 @@
 
 #include <QDebug>
 #include <QDirIterator>
+#include <QLocale>
 #include <QSet>
 #include <QVariantMap>
 
@@ -68,7 +69,7 @@ QVariantMap matchingRow(const FlightMatchData& match)
         {QStringLiteral("partText"), partText(match)},
         {QStringLiteral("partStartMs"), match.partStartMs},
         {QStringLiteral("videoTime"),
-         match.videoTime.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))},
+         QLocale::c().toString(match.videoTime, QStringLiteral("yyyy-MM-ddTHH:mm:ss"))},
         {QStringLiteral("videoSize"),
          match.videoBytes >= 0 ? match.videoBytes : match.videoFile.size()},
     };

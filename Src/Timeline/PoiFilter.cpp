@@ -1,5 +1,7 @@
 #include "Timeline/PoiFilter.h"
 
+#include "Base/videoTime.h"
+
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -48,7 +50,7 @@ void PoiFilter::setByName(bool byName)
 QVariant PoiFilter::data(const QModelIndex& index, int role) const
 {
     if (role == timeTextRole)
-        return timeOfRow(index.row()).toString(QStringLiteral("mm:ss.zzz"));
+        return textOfTime(timeOfRow(index.row()));
     if (role != firstLineRole)
         return QSortFilterProxyModel::data(index, role);
     const QString text = QSortFilterProxyModel::data(index, PoiModel::CommentRole).toString();

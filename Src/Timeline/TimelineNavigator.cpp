@@ -1,5 +1,6 @@
 #include "Timeline/TimelineNavigator.h"
 
+#include "Base/videoTime.h"
 #include "Timeline/timelineGeometry.h"
 
 #include <algorithm>
@@ -65,7 +66,7 @@ QTime TimelineNavigator::timeAt(double x) const
 
 QString TimelineNavigator::timeTextAt(double x) const
 {
-    return timeAt(x).toString(QStringLiteral("mm:ss.zzz"));
+    return textOfTime(timeAt(x));
 }
 
 QVariantList TimelineNavigator::poisAt(double x, double y) const
@@ -74,11 +75,10 @@ QVariantList TimelineNavigator::poisAt(double x, double y) const
     if (!m_timeline)
         return list;
     for (const Poi& poi : m_timeline->poisAt(QPointF(x, y).toPoint()))
-        list << QVariantMap{
-            {QStringLiteral("time"), poi.time},
-            {QStringLiteral("timeText"), poi.time.toString(QStringLiteral("mm:ss.zzz"))},
-            {QStringLiteral("name"), poi.name},
-            {QStringLiteral("thumbnail"), poi.thumbnail}};
+        list << QVariantMap{{QStringLiteral("time"), poi.time},
+                            {QStringLiteral("timeText"), textOfTime(poi.time)},
+                            {QStringLiteral("name"), poi.name},
+                            {QStringLiteral("thumbnail"), poi.thumbnail}};
     return list;
 }
 

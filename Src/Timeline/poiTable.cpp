@@ -9,6 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 #include <QTime>
 #include <QVariantMap>
 #include <algorithm>
@@ -23,7 +24,8 @@ QByteArray csvLine(const QByteArrayList& fields)
 
 QByteArray clockText(int timeMs)
 {
-    return QTime(0, 0).addMSecs(timeMs).toString(QStringLiteral("HH:mm:ss.zzz")).toLatin1();
+    const QTime time = QTime(0, 0).addMSecs(timeMs);
+    return QLocale::c().toString(time, QStringLiteral("HH:mm:ss.zzz")).toLatin1();
 }
 
 QJsonValue numberJson(const QString& number)

@@ -1,6 +1,7 @@
 #include "Timeline/timelinePainting.h"
 
 #include "Base/arithmetic.h"
+#include "Base/videoTime.h"
 #include "Timeline/textPlate.h"
 
 #include <QPainter>
@@ -56,7 +57,7 @@ public:
         if (x <= m_endX && isNearItem(x)) {
             paintTick(x, majorTickTop);
             m_painter.drawText(labelX(x), 0, labelWidth, labelHeight, labelFlags,
-                               timeOfMs(ms).toString(QStringLiteral("mm:ss.zzz")));
+                               textOfTime(timeOfMs(ms)));
         }
         paintExtraTicks(x, m_spacing.mediumCount, 17);
         paintExtraTicks(x, m_spacing.minorCount, 20);

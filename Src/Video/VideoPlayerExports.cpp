@@ -29,8 +29,8 @@ bool isSet(const Cancelled& cancelled)
 
 Failure noPictureAt(QTime time)
 {
-    return {Failure::Kind::unreadable, VideoPlayer::tr("There is no picture at %1.")
-                                           .arg(time.toString(QStringLiteral("mm:ss.zzz")))};
+    return {Failure::Kind::unreadable,
+            VideoPlayer::tr("There is no picture at %1.").arg(textOfTime(time))};
 }
 
 Failure noVideo()
