@@ -3,8 +3,9 @@ import Timeline 1.0
 import VideoPlayer 1.0
 import "."
 
-// Over the timeline: the points of interest whose flags cover each other at the pointer, each with
-// its picture, so that every one can be chosen. It stays long enough for the pointer to reach it.
+// Over the tools above the timeline: the points of interest whose flags cover each other at the
+// pointer, each with its picture, so that every one can be chosen. It stays long enough for the
+// pointer to reach it past the tools.
 Item {
     id: overlapList
 
@@ -28,7 +29,7 @@ Item {
                 pointedX = place.x;
             }
             leaving.stop();
-        } else if (pois.length > 0 && !leaving.running && !over.hovered) {
+        } else if (pois.length > 0 && !leaving.running && !over.containsMouse) {
             leaving.start();
         }
     }
@@ -61,7 +62,7 @@ Item {
         id: frame
         objectName: "overlapList"
         x: Math.max(0, Math.min(overlapList.width - width, overlapList.pointedX - width / 2))
-        y: -height
+        y: -height - 30
         width: 240
         height: Math.min(list.contentHeight, 4.5 * 44) + 8
         visible: overlapList.pois.length > 1
@@ -69,67 +70,71 @@ Item {
         border.width: 1
         border.color: Theme.menuBorder
 
-        HoverHandler {
+        // No HoverHandler: in an item that is hidden in between it has no pointer any more.
+        MouseArea {
             id: over
-            onHoveredChanged: {
-                if (hovered)
+            anchors.fill: parent
+            hoverEnabled: true
+            onContainsMouseChanged: {
+                if (containsMouse)
                     leaving.stop();
                 else
                     leaving.start();
             }
-        }
 
-        ListView {
-            id: list
-            anchors.fill: parent
-            anchors.margins: 4
-            clip: true
-            boundsBehavior: Flickable.StopAtBounds
-            model: overlapList.pois
-            Accessible.role: Accessible.List
-            Accessible.name: "Points of interest at the pointer"
+            ListView {
+                id: list
+                anchors.fill: parent
+                anchors.margins: 4
+                clip: true
+                boundsBehavior: Flickable.StopAtBounds
+                model: overlapList.pois
+                Accessible.role: Accessible.List
+                Accessible.name: "Points of interest at the pointer"
 
-            delegate: Rectangle {
-                objectName: "overlapRow" + index
-                width: list.width
-                height: 44
-                color: rowHover.hovered ? Theme.listHovered : Theme.clear
-                Accessible.role: Accessible.ListItem
-                Accessible.name: modelData.timeText + " " + modelData.name
+                delegate: MouseArea {
+                    id: row
+                    objectName: "overlapRow" + index
+                    width: list.width
+                    height: 44
+                    hoverEnabled: true
+                    onClicked: overlapList.choose(modelData.time)
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: modelData.timeText + " " + modelData.name
 
-                PictureItem {
-                    id: picture
-                    anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
-                    width: 64
-                    height: 36
-                    picture: modelData.thumbnail
-                }
-
-                ElidedText {
-                    id: nameText
-                    anchors {
-                        left: picture.right
-                        leftMargin: 6
-                        right: parent.right
-                        rightMargin: 6
-                        top: parent.top
-                        topMargin: 4
+                    Rectangle {
+                        anchors.fill: parent
+                        color: row.containsMouse ? Theme.listHovered : Theme.clear
                     }
-                    color: Theme.text
-                    text: modelData.name
-                }
 
-                Text {
-                    anchors { left: nameText.left; top: nameText.bottom; topMargin: 2 }
-                    color: Theme.text
-                    font.pixelSize: 11
-                    text: modelData.timeText
-                }
+                    PictureItem {
+                        id: picture
+                        anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
+                        width: 64
+                        height: 36
+                        picture: modelData.thumbnail
+                    }
 
-                HoverHandler { id: rowHover }
+                    ElidedText {
+                        id: nameText
+                        anchors {
+                            left: picture.right
+                            leftMargin: 6
+                            right: parent.right
+                            rightMargin: 6
+                            top: parent.top
+                            topMargin: 4
+                        }
+                        color: Theme.text
+                        text: modelData.name
+                    }
 
-                TapHandler {
-                    onTapped: overlapList.choose(modelData.time)
+                    Text {
+                        anchors { left: nameText.left; top: nameText.bottom; topMargin: 2 }
+                        color: Theme.text
+                        font.pixelSize: 11
+                        text: modelData.timeText
+                    }
                 }
             }
         }

@@ -44,6 +44,7 @@ private slots:
     void theTimeAtAPointerThatRestsFollowsTheZoom();
     void flagsHaveTheColoursOfThePalette();
     void poisThatCoverEachOtherAreListed();
+    void coveredFlagsLeaveTheToolsFree();
     void theTimelineShowsTheWholeNameOfAFlag();
     void theThermalBarHasTheEndsOfTheRange();
     void aScreenReaderHasTheHottestPoint();
@@ -473,6 +474,37 @@ void PanelsTest::flagsHaveTheColoursOfThePalette()
     m_ui->evaluate("videoPlayer.showIR = false; videoPlayer.irPalette = 0");
     m_ui->evaluate("videoPlayer.showIR = true");
     QTRY_VERIFY(!areGrey());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::coveredFlagsLeaveTheToolsFree()
+{
+    openFlight();
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 0, name: 'lowest'},"
+                   "{time: 20, name: 'middle'}, {time: 40, name: 'top'}])");
+    QQuickItem* const strip = m_ui->item("timelineContent");
+    QTRY_COMPARE(m_ui->evaluate("timelineNavigator.poisAt(40, 70).length").toInt(), 3);
+    QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(40, 70)).toPoint());
+    const QQuickItem* const list = m_ui->item("overlapList");
+    QTRY_VERIFY(list->isVisible());
+    QQuickItem* const button = m_ui->item("prevFrameButton");
+    QVERIFY(list->mapToScene(QPointF(0, list->height())).y() <= button->mapToScene(QPointF()).y());
+    UiFixture::hover(button);
+    QTRY_VERIFY(m_ui->find("toolTip", button) &&
+                m_ui->find("toolTip", button)->property("visible").toBool());
+    QVERIFY(!list->isVisible());
+
+    // Once it was hidden under the pointer, it still knows where that is.
+    for (int round = 0; round < 2; ++round) {
+        QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(40 + round, 70)).toPoint());
+        QTRY_VERIFY(list->isVisible());
+        QTRY_VERIFY(m_ui->item("overlapRow0"));
+        UiFixture::hover(m_ui->item("overlapRow0"));
+        QTRY_VERIFY(m_ui->get("overlapRow0", "containsMouse").toBool());
+        QVERIFY(list->isVisible());
+        UiFixture::hover(m_ui->item("playSpeedBox"));
+        QTRY_VERIFY(!list->isVisible());
+    }
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
