@@ -86,15 +86,17 @@ Rectangle {
         id: list
         objectName: "poiList"
 
-        // Rows chosen beside the current one.
+        // The rows that are chosen, where it is not the current one alone.
         property var chosen: []
         // Where the choice by keys has come to.
         property int reached: -1
 
         function choose(row, modifiers) {
             if (modifiers & Qt.ControlModifier) {
-                var without = chosen.filter(function(one) { return one !== row; });
-                chosen = without.length < chosen.length ? without : chosen.concat([row]);
+                var before = chosen.length === 0 && currentIndex >= 0 && currentIndex !== row
+                           ? [currentIndex] : chosen;
+                var without = before.filter(function(one) { return one !== row; });
+                chosen = without.length < before.length ? without : before.concat([row]);
                 reached = row;
             } else if (modifiers & Qt.ShiftModifier) {
                 chooseTo(row);

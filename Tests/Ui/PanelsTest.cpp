@@ -30,6 +30,7 @@ private slots:
     void theListGoesToAPoint();
     void theListIsFilteredByTyping();
     void theListDeletesWhatIsChosen();
+    void ctrlAddsToTheOneThatWasClicked();
     void aDoubleClickInTheListEdits();
     void severalAreChosenByKeys();
     void panelsFoldAndStayFolded();
@@ -129,6 +130,26 @@ void PanelsTest::theListDeletesWhatIsChosen()
     QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
     QVERIFY(m_ui->click("deletePoisButton"));
     QCOMPARE(m_ui->poiNames(), QStringList());
+}
+
+void PanelsTest::ctrlAddsToTheOneThatWasClicked()
+{
+    showList();
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
+                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
+    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 3);
+    const auto click = [this](const char* row, Qt::KeyboardModifiers modifiers) {
+        QQuickItem* item = m_ui->item(row);
+        QTest::mouseClick(m_ui->window(), Qt::LeftButton, modifiers,
+                          item->mapToScene(QPointF(120, item->height() / 2)).toPoint());
+    };
+    QTRY_VERIFY(m_ui->item("poiRow2"));
+    click("poiRow0", Qt::NoModifier);
+    QTRY_COMPARE(position(), 1000);
+    click("poiRow2", Qt::ControlModifier);
+    QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
+    QVERIFY(m_ui->click("deletePoisButton"));
+    QCOMPARE(m_ui->poiNames(), QStringList("b"));
 }
 
 void PanelsTest::aDoubleClickInTheListEdits()
