@@ -26,6 +26,7 @@ private slots:
     void pointersAndIconsAreDrawnSharp();
     void signOfAMessageBoxIsSharpAndSeen_data();
     void signOfAMessageBoxIsSharpAndSeen();
+    void curvesAreUnbroken();
     void everyControlHasANameForAReader();
     void theLookChangesInTheOpenWindow();
 
@@ -272,6 +273,46 @@ void LookTest::everyControlHasANameForAReader()
                  qPrintable("no objectName: " + reader->text(QAccessible::Name)));
     }
     QVERIFY2(controls >= 30, qPrintable(QString::number(controls)));
+    m_ui.reset();
+}
+
+void LookTest::curvesAreUnbroken()
+{
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog(media().logWithThermal()));
+    QVERIFY(m_ui->trigger("curvesMenuItem"));
+    // At one and a half the panel begins between two pixels then.
+    m_ui->window()->resize(1273, 783);
+    QTRY_COMPARE(m_ui->evaluate("timelineContent.contentWidth").toInt(), 1273);
+    m_ui->evaluate("curvesPanel.curves = ['lepton_status.frame_counter']");
+    QQuickItem* const curves = m_ui->item("logCurves");
+    QTRY_VERIFY(curves->isVisible() && curves->height() > 50);
+    const double density = m_ui->window()->devicePixelRatio();
+    // The log has values from the first second to the next.
+    const double pxPerMs = 1 / m_ui->get("timelineContent", "msPerPx").toDouble();
+    const QRectF place = area(curves);
+    const QRect pixels(
+        QPoint(qRound((place.x() + 1100 * pxPerMs) * density), qRound(place.y() * density)),
+        QSize(qRound(800 * pxPerMs * density), qRound(place.height() * density)));
+    m_ui->screenshot("curve");
+    const auto gaps = [&] {
+        const QImage picture = m_ui->window()->grabWindow().copy(pixels);
+        int columns = 0;
+        for (int x = 0; x < picture.width(); ++x) {
+            bool isDrawn = false;
+            // Its green, or nearly: a finer screen may fall between the pixels of the drawing.
+            for (int y = 0; y < picture.height(); ++y) {
+                const QColor colour = picture.pixelColor(x, y);
+                isDrawn = isDrawn || (colour.green() > 150 && colour.red() < 80);
+            }
+            columns += isDrawn ? 0 : 1;
+        }
+        return columns;
+    };
+    QVERIFY(pixels.width() > 100);
+    QTRY_COMPARE(gaps(), 0);
     m_ui.reset();
 }
 
