@@ -38,6 +38,9 @@ ApplicationWindow {
     property Sidebar sidebar: null
     property Item keyboardPlace: null
 
+    // Where the report on a crash of the last run is. The program sets it.
+    property string crashReportPath: ""
+
     Component {
         id: messageBox
 
@@ -245,6 +248,12 @@ ApplicationWindow {
         if (!Qt.openUrlExternally(Qt.resolvedUrl(manual)))
             displayWarningDialog("User guide", "No program opens the user guide here. It is in the file\n\n"
                                                + Paths.decodedPath(manual));
+    }
+
+    function showCrashReport() {
+        if (!Qt.openUrlExternally(Paths.toUrl(crashReportPath)))
+            displayWarningDialog("Crash report", "No program opens the report here. It is in the file\n\n"
+                                                 + crashReportPath);
     }
 
     function resetCorrectionParameters() {

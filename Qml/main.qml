@@ -49,9 +49,8 @@ ReviewWindow {
     keyboardPlace: videoTab
     finishJobsFirst: generalSettings.finishJobsFirst
 
-    // What to say of a crash of the last run, and where its report is. The program sets them.
+    // What to say of a crash of the last run. The program sets it.
     property string crashNotice: ""
-    property string crashReportPath: ""
 
     onClosing: close.accepted = mayQuit()
 
@@ -526,7 +525,7 @@ ReviewWindow {
             anchors.top: videoRect.top
             recovery: recovery
             crashText: mainWindow.crashNotice
-            onCrashReportWanted: Qt.openUrlExternally(Paths.toUrl(mainWindow.crashReportPath))
+            onCrashReportWanted: mainWindow.showCrashReport()
             onCrashNoticeClosed: {
                 mainWindow.crashNotice = "";
                 mainWindow.refocusMainActions();

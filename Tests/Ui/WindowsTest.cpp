@@ -20,7 +20,8 @@ private slots:
     void aTypedNameReplacesTheNewOne();
     void aTypedNumberReplacesTheOldOne();
     void aboutClosesOnEscape();
-    void helpWithoutAViewerSaysSo();
+    void filesWithoutAViewerAreNamed_data();
+    void filesWithoutAViewerAreNamed();
 
 private:
     QQuickWindow* opened(const QString& menuItem, const QString& name);
@@ -203,18 +204,34 @@ void WindowsTest::aboutClosesOnEscape()
     QTRY_VERIFY(closes());
 }
 
-void WindowsTest::helpWithoutAViewerSaysSo()
+void WindowsTest::filesWithoutAViewerAreNamed_data()
 {
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("help") << "goOpenHelp"
+                          << "User guide"
+                          << "No program opens the user guide here. It is in the file\n\n" +
+                                 QCoreApplication::applicationDirPath() + "/manual.pdf";
+    QTest::newRow("crash") << "showCrashReport"
+                           << "Crash report"
+                           << "No program opens the report here. It is in the file\n\n"
+                              "/tmp/a folder/Vistrel-crash-1.txt";
+}
+
+void WindowsTest::filesWithoutAViewerAreNamed()
+{
+    QFETCH(QString, call);
+    QFETCH(QString, title);
+    QFETCH(QString, text);
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", "/nowhere");
     const auto restorePath = qScopeGuard([&path] { qputenv("PATH", path); });
     for (const char* name : {"BROWSER", "DEFAULT_BROWSER"})
         qunsetenv(name);
-    m_ui->call("goOpenHelp");
-    expectBox("User guide",
-              "No program opens the user guide here. It is in the file\n\n" +
-                  QCoreApplication::applicationDirPath() + "/manual.pdf",
-              QMessageBox::Warning);
+    m_ui->root()->setProperty("crashReportPath", "/tmp/a folder/Vistrel-crash-1.txt");
+    m_ui->call(qPrintable(call));
+    expectBox(title, text, QMessageBox::Warning);
 }
 
 QTEST_MAIN(WindowsTest)
