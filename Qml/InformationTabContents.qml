@@ -81,7 +81,10 @@ Rectangle {
             ToolTipLoader {
                 target: namingText
                 text: namingText.crowded ? "Mission: " + LogParser.flightNaming.missionName
-                                           + "\nFlight: " + LogParser.flightNaming.flightName : ""
+                                           + "\nFlight: " + LogParser.flightNaming.flightName
+                                           + (LogParser.flightNaming.flightNumber > 0
+                                              ? "\nNum. " + LogParser.flightNaming.flightNumber : "")
+                                         : ""
                 hovered: namingArea.containsMouse
             }
         }

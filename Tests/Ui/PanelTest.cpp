@@ -310,7 +310,7 @@ void PanelTest::longNamesAreInTheirToolTip()
     const QString mission = QString("Inspection of the line ").repeated(12).trimmed();
     name(mission);
     UiFixture::hover(m_ui->item("namingText"));
-    QTRY_COMPARE(tip(), "Mission: " + mission + "\nFlight: North");
+    QTRY_COMPARE(tip(), "Mission: " + mission + "\nFlight: North\nNum. 3");
     // Small, but readable.
     QVERIFY(m_ui->get("namingText", "minimumPixelSize").toInt() >= 9);
     name("Line 12");
