@@ -19,6 +19,11 @@
 #include <utility>
 
 namespace corv {
+namespace {
+
+constexpr int settledMs = 250; // a slider that is dragged changes sooner again
+
+} // namespace
 
 Review::Review(QObject* parent) : QObject(parent), m_undoStack(std::make_unique<QUndoStack>())
 {
@@ -28,6 +33,9 @@ Review::Review(QObject* parent) : QObject(parent), m_undoStack(std::make_unique<
     connect(m_undoStack.get(), &QUndoStack::redoTextChanged, this, &Review::undoChanged);
     connect(this, &Review::closing, &m_missingMedia, &MissingMedia::dismiss);
     connect(&m_missingMedia, &MissingMedia::located, this, &Review::openLocated);
+    m_settled.setSingleShot(true);
+    m_settled.setInterval(settledMs);
+    connect(&m_settled, &QTimer::timeout, this, &Review::refreshThumbnails);
 }
 
 // The stack outlives the model that its steps refer to, and must emit nothing at its end.
@@ -48,19 +56,23 @@ void Review::setVideoPlayer(VideoPlayer* player)
     connect(player, &VideoPlayer::hasVideoOpenedChanged, this, &Review::videoOpened);
     connect(player, &VideoPlayer::sourceOpenError, this, &Review::videoFailed);
     connect(player, &VideoPlayer::durationChanged, this, &Review::durationKnown);
-    connect(player, &VideoPlayer::irPaletteChanged, this, [this] {
-        m_hasOldPictures = true;
-        refreshThumbnails();
-    });
+    connect(player, &VideoPlayer::irPaletteChanged, this, &Review::outdateThumbnails);
     connect(player, &VideoPlayer::showIRChanged, this, &Review::refreshThumbnails);
     connect(player, &VideoPlayer::thermalStatusChanged, this, &Review::refreshThumbnails);
     followProperties(player);
 }
 
-/// The pictures that were drawn with another palette, once there is an overlay to draw.
+void Review::outdateThumbnails()
+{
+    m_hasOldPictures = true;
+    m_settled.start();
+}
+
+/// The pictures that were drawn with another palette or time shift, once there is an overlay to
+/// draw.
 void Review::refreshThumbnails()
 {
-    if (!m_hasOldPictures || !m_player->drawsOverlay())
+    if (!m_hasOldPictures || !m_player || !m_player->drawsOverlay())
         return;
     m_hasOldPictures = false;
     m_pois.refreshThumbnails();
@@ -74,6 +86,7 @@ void Review::setLogParser(LogParser* logParser)
     m_pois.setLogParser(logParser);
     if (!logParser)
         return;
+    connect(logParser, &LogParser::manualLogTimeOffsetChanged, this, &Review::outdateThumbnails);
     connect(logParser, &LogParser::logParsingComplete, this, &Review::logParsed);
     connect(logParser, &LogParser::logParsingProgress, this, &Review::logProgressed);
     followProperties(logParser);

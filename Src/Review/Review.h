@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <QVariantMap>
 #include <functional>
 #include <memory>
@@ -201,6 +202,7 @@ private:
     enum class Save { plain, as, copy };
 
     void followProperties(QObject* object);
+    void outdateThumbnails();
     void refreshThumbnails();
     void videoOpened(bool isOpen);
     void videoFailed(const QString& file);
@@ -227,7 +229,8 @@ private:
     QPointer<Job> m_logJob;
 
     QStringList m_curves;
-    bool m_hasOldPictures = false; ///< of points of interest: drawn with another palette
+    bool m_hasOldPictures = false; ///< of points of interest: drawn with other settings
+    QTimer m_settled;              ///< since the last of several changes of these
     QString m_projectPath;
     QString m_openedVideo;
     QStringList m_openedParts;

@@ -4,6 +4,7 @@
 #include <QAccessible>
 #include <QDir>
 #include <QQmlComponent>
+#include <algorithm>
 #include <memory>
 
 using namespace corv::test;
@@ -43,7 +44,7 @@ private slots:
     void thePictureAtThePointerGoesWithItsFlight();
     void aPointerThatRestsHasThePictureOfTheFlightThatOpens();
     void theTimeAtAPointerThatRestsFollowsTheZoom();
-    void flagsHaveTheColoursOfThePalette();
+    void flagsShowTheOverlayAsItIs();
     void poisThatCoverEachOtherAreListed();
     void coveredFlagsLeaveTheToolsFree();
     void theTimelineShowsTheWholeNameOfAFlag();
@@ -469,32 +470,42 @@ void PanelsTest::theThermalBarHasTheEndsOfTheRange()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void PanelsTest::flagsHaveTheColoursOfThePalette()
+void PanelsTest::flagsShowTheOverlayAsItIs()
 {
     QVERIFY(m_ui->openVideo());
     m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.irOverlayTransparent = false;"
-                   "videoPlayer.fullScreenIR = true");
+                   "videoPlayer.fullScreenIR = true; videoPlayer.autoIRMapping = false;"
+                   "videoPlayer.irMappingMinValue = 7000; videoPlayer.irMappingMaxValue = 8200");
     QVERIFY(m_ui->importLog(media().logWithThermal()));
     QTRY_COMPARE(m_ui->poiNames().size(), 2);
     const auto* const pois = m_ui->evaluate("review.pois").value<QAbstractItemModel*>();
     QVERIFY(pois);
     const int thumbnail = pois->roleNames().key("thumbnail");
-    const auto areGrey = [pois, thumbnail] {
-        for (int row = 0; row < pois->rowCount(); ++row) {
-            const QImage picture = pois->index(row, 0).data(thumbnail).value<QImage>();
-            const QColor middle = picture.pixelColor(picture.rect().center());
-            if (picture.isNull() || middle.hsvSaturation() > 8)
-                return false;
-        }
-        return true;
+    const auto pictures = [pois, thumbnail] {
+        QList<QImage> images;
+        for (int row = 0; row < pois->rowCount(); ++row)
+            images << pois->index(row, 0).data(thumbnail).value<QImage>();
+        return images;
     };
-    QVERIFY(!areGrey());
+    const auto areAll = [pictures](bool grey) {
+        const QList<QImage> images = pictures();
+        return std::all_of(images.begin(), images.end(), [grey](const QImage& picture) {
+            const QColor middle = picture.pixelColor(picture.rect().center());
+            return !picture.isNull() && (middle.hsvSaturation() <= 8) == grey;
+        });
+    };
+    QTRY_VERIFY(areAll(false));
     m_ui->evaluate("videoPlayer.irPalette = 2");
-    QTRY_VERIFY(areGrey());
+    QTRY_VERIFY(areAll(true));
     // One changed where it is not to be seen is seen later.
     m_ui->evaluate("videoPlayer.showIR = false; videoPlayer.irPalette = 0");
     m_ui->evaluate("videoPlayer.showIR = true");
-    QTRY_VERIFY(!areGrey());
+    QTRY_VERIFY(areAll(false));
+    const QList<QImage> before = pictures();
+    m_ui->evaluate("LogParser.manualLogTimeOffset = -1500");
+    QTRY_VERIFY(pictures() != before);
+    m_ui->evaluate("LogParser.manualLogTimeOffset = 0");
+    QTRY_VERIFY(pictures() == before);
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
