@@ -56,16 +56,18 @@ Rectangle {
         MouseArea {
             id: place
             anchors.fill: parent
+            hoverEnabled: true
             propagateComposedEvents: true
         }
     }
 
     // Not while the playhead is dragged: the video shows the place itself, and small pictures would
-    // hold it up.
+    // hold it up. The area is asked, too, since a HoverHandler does not notice a pointer that leaves
+    // with its first move after a click.
     TimelinePreview {
         anchors.fill: strip
         pointed: timelineStrip.pointer !== null && timelineStrip.pointer.hovered
-                 && !overlapList.shown
+                 && place.containsMouse && !overlapList.shown
                  && (timelineStrip.timeline === null || !timelineStrip.timeline.scrubbing)
         pointerX: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.x : 0
         pointerY: timelineStrip.pointer !== null ? timelineStrip.pointer.point.position.y : 0

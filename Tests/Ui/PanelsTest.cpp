@@ -41,6 +41,7 @@ private slots:
     void theWheelZoomsThePictureAndADragMovesIt();
     void theTimelineShowsThePictureAtThePointer();
     void aDragOnTheRulerHasNoPictureAtThePointer();
+    void aPointerThatLeavesWithItsFirstMoveHasNoPicture();
     void thePictureAtThePointerGoesWithItsFlight();
     void aPointerThatRestsHasThePictureOfTheFlightThatOpens();
     void theTimeAtAPointerThatRestsFollowsTheZoom();
@@ -306,6 +307,20 @@ void PanelsTest::aDragOnTheRulerHasNoPictureAtThePointer()
     QTest::mouseRelease(m_ui->window(), Qt::LeftButton, {}, at(230));
     QTest::mouseMove(m_ui->window(), at(231));
     QTRY_VERIFY(m_ui->item("timelinePreview")->isVisible());
+}
+
+void PanelsTest::aPointerThatLeavesWithItsFirstMoveHasNoPicture()
+{
+    QVERIFY(m_ui->openVideo());
+    QQuickItem* strip = m_ui->item("timelineContent");
+    const QPoint inside = strip->mapToScene(QPointF(200, 8)).toPoint();
+    QTest::mouseMove(m_ui->window(), inside - QPoint(5, 0));
+    QTest::mouseMove(m_ui->window(), inside);
+    QTRY_VERIFY(m_ui->item("timelinePreview")->isVisible());
+    QTest::mouseClick(m_ui->window(), Qt::LeftButton, {}, inside);
+    QTest::mouseMove(m_ui->window(),
+                     m_ui->item("videoRect")->mapToScene(QPointF(100, 50)).toPoint());
+    QTRY_VERIFY(!m_ui->item("timelinePreview")->isVisible());
 }
 
 void PanelsTest::thePictureAtThePointerGoesWithItsFlight()
