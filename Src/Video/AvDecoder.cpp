@@ -108,6 +108,8 @@ AvDecoder::Outcome AvDecoder::receive(AVFrame& picture)
         return Outcome::end;
     if (isLackOfMemory(result))
         m_guessed.noteLackOfMemory();
+    if (result < 0 && !m_inWork.empty())
+        m_suspects = {m_inWork.front(), m_inWork.back()};
     return result < 0 ? Outcome::damaged : Outcome::picture;
 }
 
@@ -136,6 +138,12 @@ bool AvDecoder::send(AVPacket& packet, int number, bool skipUnreferenced)
     const int result = avcodec_send_packet(m_context.get(), &packet);
     if (isLackOfMemory(result))
         m_guessed.noteLackOfMemory();
+    const auto mostInWork = static_cast<size_t>(std::max(delay(), 1));
+    m_inWork.push_back(number);
+    if (m_inWork.size() > mostInWork)
+        m_inWork.pop_front();
+    const bool isFirst = isInStep() && m_inWork.size() == mostInWork;
+    m_suspects = {m_inWork.front(), isFirst ? m_inWork.front() : m_inWork.back()};
     return result >= 0;
 }
 
@@ -149,6 +157,15 @@ void AvDecoder::flush()
 {
     avcodec_flush_buffers(m_context.get());
     m_guessed.take();
+    m_inWork.clear();
+}
+
+// Whether each packet that is sent brings back what came of the first of those in work. Decoders of
+// other kinds may split packets, or have fewer in work than threads.
+bool AvDecoder::isInStep() const
+{
+    return m_context->codec_id == AV_CODEC_ID_H264 || m_context->codec_id == AV_CODEC_ID_HEVC ||
+           m_context->codec_id == AV_CODEC_ID_MPEG4;
 }
 
 int AvDecoder::delay() const

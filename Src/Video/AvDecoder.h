@@ -5,7 +5,9 @@
 
 #include <array>
 #include <atomic>
+#include <deque>
 #include <memory>
+#include <utility>
 #include <vector>
 
 struct AVCodecParameters;
@@ -28,7 +30,7 @@ public:
     /// What a receive() gave.
     enum class Outcome {
         picture,
-        damaged, ///< no picture: one of the last delay() packets was damaged
+        damaged, ///< no picture, for a packet was: suspects()
         needsPacket,
         end
     };
@@ -49,9 +51,12 @@ public:
     std::vector<int> takeGuessed();
 
     /// Hands over a packet, whose times are overwritten. With `skipUnreferenced` no picture comes
-    /// of it if no other one is built on it. False if the decoder took a packet for damaged: this
-    /// one or one of the last delay() packets.
+    /// of it if no other one is built on it. False if the decoder took a packet for damaged:
+    /// suspects().
     bool send(AVPacket& packet, int number, bool skipUnreferenced);
+
+    /// Behind a call that said so: one of the packets from the first to the second is damaged.
+    std::pair<int, int> suspects() const { return m_suspects; }
 
     /// After the last packet: the pictures still inside follow, and then the end.
     void sendEnd();
@@ -84,8 +89,12 @@ public:
 private:
     AvDecoder() = default;
 
+    bool isInStep() const;
+
     GuessedPackets m_guessed; // outlives the context, whose threads use it
     AvCodecContextPtr m_context;
+    std::deque<int> m_inWork; // packets, the last of which was sent last
+    std::pair<int, int> m_suspects{0, 0};
 };
 
 } // namespace corv

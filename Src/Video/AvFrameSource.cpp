@@ -71,6 +71,7 @@ private:
     bool reopen();
     void forgetPosition();
     void markDamage(int from, int last);
+    void markSuspects();
     bool isOnTheWay(int frame) const;
     ReadOutcome readLastGoodBefore(int wanted);
     ReadOutcome deliver(Frame& frame);
@@ -455,7 +456,7 @@ AvFrameSource::Step AvFrameSource::decodeNext(int wanted)
                 return Step::picture;
             break;
         case AvDecoder::Outcome::damaged:
-            markDamage(std::max(m_lastSent - m_decoder->delay(), 0), m_lastSent);
+            markSuspects();
             break;
         case AvDecoder::Outcome::end:
         case AvDecoder::Outcome::needsPacket:
@@ -553,7 +554,7 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
         const bool isOnlyPassedBy = frame >= 0 && frame < frames.framesAtTimeOf(wanted).first &&
                                     frames.hasTimes() && !frames.isPacked();
         if (!m_decoder->send(*m_packet, packet, isOnlyPassedBy))
-            markDamage(std::max(packet - m_decoder->delay(), 0), packet);
+            markSuspects();
         m_lastSent = packet;
         return Step::picture;
     }
@@ -562,6 +563,14 @@ AvFrameSource::Step AvFrameSource::feed(int wanted)
 void AvFrameSource::markDamage(int from, int last)
 {
     m_damage.mark(index(), from, last, m_decoder->delay());
+}
+
+// Where a packet has lost its beginning, the one before may have lost its end, and need not show
+// it: also if that one is a keyframe.
+void AvFrameSource::markSuspects()
+{
+    const auto [first, last] = m_decoder->suspects();
+    markDamage(std::max(first - 1, 0), last);
 }
 
 // No good frame follows: the last one before is held.

@@ -18,21 +18,37 @@ constexpr int mostReordered = 32;
 
 void DamagedPackets::mark(const FrameIndex& frames, int from, int last, int delay)
 {
+    // The picture of two fields is that of the first one's packet.
+    if (from > 0 && from < frames.packetCount() && frames.packet(from).isSecondField)
+        --from;
     const int end = std::min(last + mostDoubtfulPackets, frames.keyPacketAfter(last));
-    const bool follows = m_to > 0 && from <= m_to + mostReordered + delay;
-    m_from = follows ? std::min(from, m_from) : from;
-    m_to = follows ? std::max(end, m_to) : end;
+    const auto isPast = [&](const Range& range) {
+        return range.end + mostReordered + delay < from;
+    };
+    m_ranges.erase(std::remove_if(m_ranges.begin(), m_ranges.end(), isPast), m_ranges.end());
+    // Not across a keyframe: what is whole between two damaged places is shown.
+    const auto touched = std::find_if(m_ranges.begin(), m_ranges.end(), [&](const Range& range) {
+        return from <= range.end && end >= range.from;
+    });
+    if (touched == m_ranges.end()) {
+        m_ranges.push_back({from, end});
+        return;
+    }
+    touched->from = std::min(from, touched->from);
+    touched->end = std::max(end, touched->end);
 }
 
 bool DamagedPackets::isDoubtful(const FrameIndex& frames, int packet) const
 {
-    if (packet < m_from || isEmpty())
-        return false;
-    if (packet < m_to)
-        return true;
-    // Shown before the keyframe that ends the damage, and built on what precedes it.
-    return m_to < frames.packetCount() && frames.packet(m_to).isKey &&
-           frames.packet(packet).pts < frames.packet(m_to).pts;
+    return std::any_of(m_ranges.begin(), m_ranges.end(), [&](const Range& range) {
+        if (packet < range.from)
+            return false;
+        if (packet < range.end)
+            return true;
+        // Shown before the keyframe that ends the damage, and built on what precedes it.
+        return range.end < frames.packetCount() && frames.packet(range.end).isKey &&
+               frames.packet(packet).pts < frames.packet(range.end).pts;
+    });
 }
 
 } // namespace corv

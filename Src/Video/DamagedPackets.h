@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 namespace corv {
 
 class FrameIndex;
@@ -9,8 +11,8 @@ class FrameIndex;
 class DamagedPackets
 {
 public:
-    void clear() { *this = {}; }
-    bool isEmpty() const { return m_from == m_to; }
+    void clear() { m_ranges.clear(); }
+    bool isEmpty() const { return m_ranges.empty(); }
 
     /// One of the packets `from` to `last` is damaged, of a decoder with so many packets in work.
     /// Frames that are built on it are no better.
@@ -20,8 +22,13 @@ public:
     bool isDoubtful(const FrameIndex& frames, int packet) const;
 
 private:
-    int m_from = 0; // packets from here ...
-    int m_to = 0;   // ... to before this one give no good pictures
+    struct Range // packets that give no good pictures
+    {
+        int from = 0;
+        int end = 0; // behind the last
+    };
+
+    std::vector<Range> m_ranges; // those whose pictures may still come
 };
 
 } // namespace corv

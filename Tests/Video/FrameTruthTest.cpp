@@ -6,9 +6,11 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 #include <opencv2/imgproc.hpp>
@@ -22,6 +24,7 @@ namespace {
 
 constexpr double toleranceMs = 1.0;
 constexpr int damagedPlaces = 12;
+constexpr std::array<int, 9> damagedInGroups{9, 2, 5, 9, 3, 2, 9, 4, 3}; // of ten packets
 
 cv::Mat turnedBack(const cv::Mat& picture, int rotation)
 {
@@ -57,6 +60,8 @@ private slots:
     void guessedPicturesAreNotShown_data();
     void guessedPicturesAreNotShown();
     void guessedPicturesAreNotShownWhileAVideoIsWritten();
+    void whatIsWholeBetweenDamageIsShown_data();
+    void whatIsWholeBetweenDamageIsShown();
 
 private:
     struct Shown
@@ -78,6 +83,7 @@ private:
     bool makeToBeDamaged(const QString& name, const QStringList& encoding);
     QString damagedCopy(const QString& name, int place, std::mt19937& random);
     Good readGood(FrameSource& source) const;
+    QList<int> damageEveryGroup(const QString& name);
 
     QTemporaryDir m_folder;
     QString m_fields;   // a bare stream of 60 frames, 25 a second, each of two fields
@@ -583,6 +589,91 @@ void FrameTruthTest::guessedPicturesAreNotShownWhileAVideoIsWritten()
     QVERIFY(writer);
     for (const auto& source : sources)
         QCOMPARE(readGood(*source).firstWrong, -1);
+}
+
+// Overwrites one packet of each group of pictures, now early and now late in it. Returns the
+// numbers of the frames that come before it in its group, but for the packet right before, into
+// which the damage could reach.
+QList<int> FrameTruthTest::damageEveryGroup(const QString& name)
+{
+    const QByteArray listed =
+        outputOf("ffprobe", {"-v", "error", "-select_streams", "v:0", "-show_entries",
+                             "packet=pts_time,size,pos,flags", "-of", "csv=p=0", path(name)});
+    QFile file(path(name));
+    if (!file.open(QIODevice::ReadWrite))
+        return {};
+    std::mt19937 random(2);
+    QList<int> whole;
+    int group = -1;
+    int inGroup = 0;
+    double firstSeconds = 0.0;
+    for (const QByteArray& line : listed.split('\n')) {
+        const QList<QByteArray> fields = line.split(',');
+        if (fields.size() < 4)
+            continue;
+        const bool isKey = fields[3].startsWith('K');
+        group += isKey ? 1 : 0;
+        inGroup = isKey ? 0 : inGroup + 1;
+        if (isKey && group == 0)
+            firstSeconds = fields[0].toDouble();
+        const int damaged = damagedInGroups[static_cast<size_t>(group) % damagedInGroups.size()];
+        if (inGroup < damaged - 1)
+            whole << static_cast<int>(std::lround((fields[0].toDouble() - firstSeconds) * 30.0));
+        if (inGroup != damaged)
+            continue;
+        constexpr int kept = 8; // lengths and heads
+        QByteArray noise(fields[1].toInt() - kept, '\0');
+        for (char& byte : noise)
+            byte = static_cast<char>(random());
+        if (!file.seek(fields[2].toLongLong() + kept) || file.write(noise) != noise.size())
+            return {};
+    }
+    return whole;
+}
+
+void FrameTruthTest::whatIsWholeBetweenDamageIsShown_data()
+{
+    QTest::addColumn<QStringList>("encoding");
+    const QStringList h264{"-c:v", "libx264", "-threads",      "1", "-preset",  "fast",
+                           "-g",   "10",      "-sc_threshold", "0", "-pix_fmt", "yuv420p"};
+    QTest::newRow("h264") << h264 + QStringList{"-bf", "0"};
+    QTest::newRow("h264, b-frames") << h264 + QStringList{"-bf", "2"};
+    QTest::newRow("h264, b-frames of b-frames")
+        << h264 + QStringList{"-bf", "7", "-x264-params", "b-pyramid=normal:b-adapt=0"};
+    QTest::newRow("mpeg-4, b-frames")
+        << QStringList{"-c:v", "mpeg4", "-bf",    "2",     "-q:v",          "3",
+                       "-g",   "10",    "-flags", "+cgop", "-sc_threshold", "1000000000"};
+}
+
+// In a file with damage in every group of pictures, what comes before the damage is shown.
+void FrameTruthTest::whatIsWholeBetweenDamageIsShown()
+{
+    QFETCH(QStringList, encoding);
+    const QString name = "groups.mp4";
+    QVERIFY(makeToBeDamaged(name, encoding));
+    const QList<int> whole = damageEveryGroup(name);
+    QVERIFY(whole.size() >= 20);
+    const auto isWhole = [this](const Frame& frame) {
+        cv::Mat picture;
+        toBgr(frame, picture);
+        return cv::norm(picture, m_whole[static_cast<size_t>(frame.index)], cv::NORM_INF) <= 1.0;
+    };
+    const auto source = openVideo(path(name));
+    QVERIFY(source);
+    QSet<int> shown;
+    Frame frame;
+    while (source->read(frame) == ReadOutcome::frame) {
+        shown << frame.index;
+        QVERIFY2(isWhole(frame), QByteArray::number(frame.index));
+    }
+    for (const int wanted : whole)
+        QVERIFY2(shown.contains(wanted), QByteArray::number(wanted));
+    for (const int wanted : whole) {
+        QVERIFY(source->seekToTime(source->frameTimeMs(wanted)));
+        QVERIFY(source->read(frame) == ReadOutcome::frame);
+        QCOMPARE(frame.index, wanted);
+        QVERIFY2(isWhole(frame), QByteArray::number(wanted));
+    }
 }
 
 QTEST_GUILESS_MAIN(FrameTruthTest)
