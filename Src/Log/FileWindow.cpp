@@ -5,13 +5,23 @@
 #include <cstring>
 
 namespace corv {
+namespace {
+
+// Memory that is touched for the first time costs more than the reading of as many bytes, so that a
+// short part is read in at least this many steps.
+constexpr size_t kSteps = 16;
+constexpr size_t kLeastBytes = size_t(1) << 14;
+
+} // namespace
+
 FileWindow::FileWindow(QFile* file, qint64 beginByte, qint64 endByte, size_t windowBytes)
-    : m_file(file), m_windowBytes(windowBytes), m_nextByte(beginByte), m_endByte(endByte)
+    : m_file(file), m_nextByte(beginByte), m_endByte(endByte)
 {
     const auto part = static_cast<size_t>(std::max<qint64>(endByte - beginByte, 0));
+    m_windowBytes = std::min(windowBytes, std::max(part / kSteps, kLeastBytes));
     m_cutShort = endByte < beginByte;
     m_failed = m_cutShort || !m_file->seek(beginByte) ||
-               !m_buffer.allocate(kLongestKept + std::min(part, windowBytes), true);
+               !m_buffer.allocate(kLongestKept + m_windowBytes, true);
     m_begin = m_end = m_buffer.data();
 }
 

@@ -18,9 +18,9 @@ public:
     /// For bytes that are looked at once.
     static constexpr size_t kNarrowBytes = size_t(1) << 18;
 
-    /// Reads `file` from `beginByte` to before `endByte`, `windowBytes` at a time. The file stays
-    /// the caller's, is open for reading, and is read by nobody else meanwhile. The window holds
-    /// nothing yet.
+    /// Reads `file` from `beginByte` to before `endByte`, `windowBytes` at a time, or less where
+    /// the part is short. The file stays the caller's, is open for reading, and is read by nobody
+    /// else meanwhile. The window holds nothing yet.
     FileWindow(QFile* file, qint64 beginByte, qint64 endByte, size_t windowBytes);
 
     /// The bytes in the window.

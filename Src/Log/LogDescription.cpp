@@ -53,7 +53,7 @@ qint64 LogDescription::findLength(QFile* file, const std::atomic<bool>* abortFla
 {
     const qint64 fileBytes = file->size();
     // A description is short compared with the packets that follow it.
-    constexpr size_t kWindowBytes = size_t(1) << 16;
+    constexpr size_t kWindowBytes = size_t(1) << 14;
     FileWindow window(file, 0, fileBytes, kWindowBytes);
     qint64 windowBegin = 0; // offset in the file
     while (!window.atEnd() && windowBegin <= kLongestBytes &&
