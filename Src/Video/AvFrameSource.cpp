@@ -146,7 +146,8 @@ Status AvFrameSource::readIndex(int first)
     Result<FrameIndex> stored = m_video->readStoredIndex();
     if (!stored)
         return stored.failure();
-    if (m_video->areKeyframesUnknown(*stored))
+    // A damaged head need not describe the packet that has come.
+    if (first >= stored->packetCount() || m_video->areKeyframesUnknown(*stored))
         return startReadingThrough(first);
     stored->hideFramesBefore(first);
     stored->finish(m_video->fps);
