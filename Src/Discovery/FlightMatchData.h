@@ -21,7 +21,8 @@ struct FlightMatchData
     QDateTime videoTime;    ///< of the last write; invalid if unknown
     qint64 videoBytes = -1; ///< -1 if unknown
     PairingEvidence evidence = PairingEvidence::None;
-    bool doubtful = false;         ///< the pair is likely enough to be wrong
+    bool checked = false;          ///< against lengths, which a quick search does not read
+    bool doubtful = false;         ///< the pair is likely enough to be wrong; if checked
     qint64 flightLengthMs = -1;    ///< exact length of the flight, all its files; -1 if unknown
     qint64 recordingLengthMs = -1; ///< logged, of its recording, or of the log's nearest; or -1
     QStringList flightFiles; ///< all files of the flight in order, where the lengths show them

@@ -60,6 +60,7 @@ QVariantMap matchingRow(const FlightMatchData& match)
         {QStringLiteral("flightNumber"), match.naming.flightNumber},
         {QStringLiteral("videoDuration"), match.videoDuration},
         {QStringLiteral("evidence"), evidenceKey(match.evidence)},
+        {QStringLiteral("checked"), match.checked},
         {QStringLiteral("doubtful"), match.doubtful},
         {QStringLiteral("evidenceText"), evidenceText(match)},
         {QStringLiteral("flightLengthMs"), match.flightLengthMs},

@@ -49,6 +49,7 @@ QString evidenceText(const FlightMatchData& match);
 /// "flightName", "flightNumber" and "videoDuration" (milliseconds), and
 /// - "evidence": "none", "time", "lengthDiffers", "length" or "timeAndLength", "doubtful", and
 ///   both in words as "evidenceText";
+/// - "checked": false after a quick search, which compares no lengths and so doubts nothing;
 /// - "flightLengthMs", "recordingLengthMs": the two lengths that were compared, -1 if unknown;
 /// - "flightFiles": all files of the flight where the lengths show them, "part": the place of the
 ///   video among them, "partText": that in words for all but the first, "partStartMs": where it

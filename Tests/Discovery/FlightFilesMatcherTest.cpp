@@ -189,6 +189,7 @@ void FlightFilesMatcherTest::quickModeOpensNothing()
         QVERIFY(match.matchFound);
         QVERIFY(match.naming.undefined);
         QCOMPARE(match.videoDuration, 0);
+        QVERIFY(!match.checked);
     }
     QVERIFY(!messages.contains("Getting time"));
     QVERIFY(!messages.contains("Start analyzing"));

@@ -20,10 +20,10 @@ const QString quickOption = QStringLiteral("quick");
 const QString jsonOption = QStringLiteral("json");
 
 // In the order of the search result.
-const char* const kKeys[] = {"videoFile",      "videoFilename",    "logFile",     "logFilename",
-                             "matchFound",     "namingDefined",    "missionName", "flightName",
-                             "flightNumber",   "videoDurationMs",  "evidence",    "doubtful",
-                             "flightLengthMs", "recordingLengthMs"};
+const char* const kKeys[] = {"videoFile",      "videoFilename",     "logFile",     "logFilename",
+                             "matchFound",     "namingDefined",     "missionName", "flightName",
+                             "flightNumber",   "videoDurationMs",   "evidence",    "doubtful",
+                             "flightLengthMs", "recordingLengthMs", "checked"};
 
 // The rows of the search. Only "videoDuration" has no unit in its name.
 QVariantList rowsToPrint(const QVariantList& found)

@@ -78,6 +78,7 @@ void MatchCommandTest::rowsHaveTheKeysOfTheSearch()
                                {"flightNumber", 0},
                                {"videoDurationMs", 0},
                                {"evidence", "time"},
+                               {"checked", false},
                                {"doubtful", false},
                                {"evidenceText", "Paired by time alone, lengths not compared"},
                                {"flightLengthMs", -1},
@@ -101,9 +102,9 @@ void MatchCommandTest::theTableHasOneRowPerVideo()
     QCOMPARE(lines.size(), 4); // the last one is what follows the last line feed
     QVERIFY(lines[0].startsWith("videoFile\tvideoFilename\tlogFile\t"));
     for (int i = 0; i < 3; ++i)
-        QCOMPARE(lines[i].count('\t'), 13);
+        QCOMPARE(lines[i].count('\t'), 14);
     QVERIFY(run.out.contains("\ttrue\t"));
-    QVERIFY(run.out.contains("\t-1\ttime\tfalse\t-1\t-1\n")); // an empty file is no video
+    QVERIFY(run.out.contains("\t-1\ttime\tfalse\t-1\t-1\ttrue\n")); // an empty file is no video
 }
 
 void MatchCommandTest::aCardIsSearchedInItsLayout()
