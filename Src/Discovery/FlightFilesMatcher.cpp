@@ -343,6 +343,7 @@ void FlightFilesMatcher::decide(Search& search)
                                 ? search.logs[static_cast<size_t>(pairing.log)].file.file
                                 : QFileInfo();
         match.evidence = pairing.evidence;
+        match.lacksFiles = pairing.lacksFiles;
         match.checked = true;
         match.doubtful = pairing.doubtful;
         match.flightLengthMs = pairing.flightLengthMs;

@@ -21,6 +21,7 @@ struct FlightMatchData
     QDateTime videoTime;    ///< of the last write; invalid if unknown
     qint64 videoBytes = -1; ///< -1 if unknown
     PairingEvidence evidence = PairingEvidence::None;
+    bool lacksFiles = false;       ///< paired by its place in a flight of which files are missing
     bool checked = false;          ///< against lengths, which a quick search does not read
     bool doubtful = false;         ///< the pair is likely enough to be wrong; if checked
     qint64 flightLengthMs = -1;    ///< exact length of the flight, all its files; -1 if unknown

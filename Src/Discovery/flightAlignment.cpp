@@ -21,6 +21,12 @@ constexpr double strayInOrder = 0.03;
 constexpr double severalParts = 0.1;
 constexpr double namesAreInOrder = 0.97;
 constexpr size_t mostParts = 40;
+constexpr double partsOfACardThatSplits = 0.4; // the same where files are of full length
+constexpr double fileIsMissing = 0.2;
+constexpr double videoBetweenLogs = 0.02; // has none, if none is missing
+constexpr int mostMissing = 4;            // files of one flight
+constexpr double endsFull = 0.1;          // the last file of a flight
+constexpr qint64 fullLengthVaries = 50;   // by that part of it
 
 // Lengths of gaps: none, a few recordings without their video, those of other cards between.
 struct Gap
@@ -55,6 +61,7 @@ struct Segment
     int first;
     int count;
     std::vector<Candidate> candidates;
+    bool lacksFiles = false;
 };
 
 class Alignment
@@ -64,6 +71,10 @@ public:
         : m_videos(input.videos.size()), m_recordings(input.recordingsMs.size())
     {
         findSegments(input);
+        m_hasNoLog.assign(m_recordings + 1, videoHasNoLog);
+        for (size_t r = 1; r < input.followsDirectly.size(); ++r)
+            if (input.followsDirectly[r])
+                m_hasNoLog[r] = videoBetweenLogs;
     }
 
     void run(const AlignmentInput& input);
@@ -87,6 +98,15 @@ private:
     void findSegments(const AlignmentInput& input);
     void addSegment(const AlignmentInput& input, size_t first, size_t count, qint64 lengthMs,
                     const std::vector<int>& byLength);
+    void findTornSegments(const AlignmentInput& input, const std::vector<int>& byLength);
+    void addAgreeing(const AlignmentInput& input, Segment& segment, qint64 lengthMs,
+                     const std::vector<int>& byLength) const;
+    void addLonger(const AlignmentInput& input, Segment& segment, qint64 lengthMs, qint64 fullMs,
+                   int mostAfter, const std::vector<int>& byLength) const;
+    void addTornFrom(const AlignmentInput& input, size_t first, int before, qint64 fullMs,
+                     const std::vector<int>& byLength);
+    int missingBefore(const AlignmentInput& input, size_t video) const;
+    void keep(Segment segment, double fitOfFiles);
     double chanceOf(qint64 lengthMs, qint64 lastPartMs) const;
     void weigh(const AlignmentInput& input, bool withTimes);
     Outcome passBothWays(const Belief& belief);
@@ -117,6 +137,7 @@ private:
     std::vector<std::vector<size_t>> m_endingAt;   // segments by the video after their last one
     std::vector<size_t> m_firstCandidate;          // of each segment, counted through all
     size_t m_candidates = 0;
+    std::vector<double> m_hasNoLog; // how likely a video is that, by the place in the row
     /// Per video, the weight of all alignments of the videos before it, by the place they end at.
     std::vector<ScaledRow> m_forward;
     /// Per video, the same weight by the recording that would be the next one to pair.
@@ -190,35 +211,139 @@ void Alignment::findSegments(const AlignmentInput& input)
             addSegment(input, first, count, lengthMs, byLength);
         }
     }
+    if (input.filesAreMissing)
+        findTornSegments(input, byLength);
 }
 
 void Alignment::addSegment(const AlignmentInput& input, size_t first, size_t count, qint64 lengthMs,
                            const std::vector<int>& byLength)
 {
+    Segment segment{static_cast<int>(first), static_cast<int>(count), {}, false};
+    addAgreeing(input, segment, lengthMs, byLength);
+    if (!segment.candidates.empty())
+        keep(std::move(segment), fitOfParts(input, first, count));
+}
+
+// Adds the recordings of that length.
+void Alignment::addAgreeing(const AlignmentInput& input, Segment& segment, qint64 lengthMs,
+                            const std::vector<int>& byLength) const
+{
     const auto begin = std::partition_point(byLength.begin(), byLength.end(), [&](int r) {
         return input.recordingsMs[static_cast<size_t>(r)] <= lengthMs - agreementMs;
     });
-    Segment segment{static_cast<int>(first), static_cast<int>(count), {}};
+    const auto last = static_cast<size_t>(segment.first + segment.count - 1);
     double chance = 0;
     for (auto it = begin; it != byLength.end(); ++it) {
         const qint64 recordingMs = input.recordingsMs[static_cast<size_t>(*it)];
         if (!lengthsAgree(lengthMs, recordingMs))
             break;
         if (segment.candidates.empty())
-            chance = chanceOf(lengthMs, input.videos[first + count - 1].lengthMs);
-        const double fit =
-            fitOfLengths(lengthMs, recordingMs) / chance * fitOfParts(input, first, count);
+            chance = chanceOf(lengthMs, input.videos[last].lengthMs);
+        const double fit = fitOfLengths(lengthMs, recordingMs) / chance;
         segment.candidates.push_back({*it, fit, fit});
     }
+}
+
+// Keeps a segment whose files are one flight that likely.
+void Alignment::keep(Segment segment, double fitOfFiles)
+{
     if (segment.candidates.empty())
         return;
+    for (Candidate& candidate : segment.candidates)
+        candidate.lengthFit *= fitOfFiles;
     std::sort(segment.candidates.begin(), segment.candidates.end(),
               [](const Candidate& a, const Candidate& b) { return a.recording < b.recording; });
     m_firstCandidate.push_back(m_candidates);
     m_candidates += segment.candidates.size();
-    m_startingAt[first].push_back(m_segments.size());
-    m_endingAt[first + count].push_back(m_segments.size());
+    m_startingAt[static_cast<size_t>(segment.first)].push_back(m_segments.size());
+    m_endingAt[static_cast<size_t>(segment.first + segment.count)].push_back(m_segments.size());
     m_segments.push_back(std::move(segment));
+}
+
+// The length at which the recorder begins the next file: several files have it, none is longer. 0
+// if it does not show.
+qint64 fullLength(const std::vector<qint64>& sortedMs)
+{
+    constexpr std::ptrdiff_t fewest = 3;
+    if (sortedMs.empty())
+        return 0;
+    const qint64 leastMs = sortedMs.back() - sortedMs.back() / fullLengthVaries;
+    const auto begin = std::lower_bound(sortedMs.begin(), sortedMs.end(), leastMs);
+    const auto full = std::distance(begin, sortedMs.end());
+    return full < fewest ? 0 : *(begin + full / 2);
+}
+
+// Flights of which some files are missing: as many as the numbers of the others leave out, and all
+// but the last of a flight are of full length.
+void Alignment::findTornSegments(const AlignmentInput& input, const std::vector<int>& byLength)
+{
+    const qint64 fullMs = fullLength(m_sortedVideosMs);
+    for (size_t first = 0; first < m_videos && fullMs > 0; ++first)
+        for (int before = 0; before <= missingBefore(input, first); ++before)
+            addTornFrom(input, first, before, fullMs, byLength);
+}
+
+int Alignment::missingBefore(const AlignmentInput& input, size_t video) const
+{
+    const int missing = video < m_videos ? input.videos[video].missingBefore : -1;
+    return missing < 0 ? mostMissing : std::min(missing, mostMissing);
+}
+
+// The flights that begin with `before` missing files and the video `first`.
+void Alignment::addTornFrom(const AlignmentInput& input, size_t first, int before, qint64 fullMs,
+                            const std::vector<int>& byLength)
+{
+    const auto isFull = [&](size_t i) {
+        return std::abs(input.videos[i].lengthMs - fullMs) <= fullMs / fullLengthVaries;
+    };
+    int missing = before;
+    qint64 thereMs = 0;
+    for (size_t count = 1; first + count <= m_videos && count <= mostParts; ++count) {
+        const size_t last = first + count - 1;
+        const AlignmentInput::Video& part = input.videos[last];
+        if (count > 1)
+            missing += part.missingBefore;
+        if (part.lengthMs <= 0 || missing > mostMissing ||
+            (count > 1 && (part.missingBefore < 0 || !isFull(last - 1))))
+            break;
+        thereMs += part.lengthMs;
+        // The files of one flight are more alike than those of all.
+        const qint64 ownFullMs = count > 1 ? input.videos[first].lengthMs : fullMs;
+        const qint64 lengthMs = thereMs + missing * ownFullMs;
+        if (lengthMs >= m_sortedRecordingsMs.back() + agreementMs)
+            break;
+        const double fit = partsOfACardThatSplits * std::pow(fileIsMissing, missing);
+        Segment ended{static_cast<int>(first), static_cast<int>(count), {}, true};
+        Segment unended = ended;
+        if (missing > 0)
+            addAgreeing(input, ended, lengthMs, byLength);
+        keep(std::move(ended), isFull(last) ? endsFull * fit : fit);
+        const int mostAfter = std::min(missingBefore(input, last + 1), mostMissing - missing);
+        if (isFull(last) && mostAfter > 0)
+            addLonger(input, unended, lengthMs, ownFullMs, mostAfter, byLength);
+        keep(std::move(unended), fit);
+    }
+}
+
+// The last file is missing too: the recording is longer than what is there, by no more than the
+// missing files hold. How much longer says nothing.
+void Alignment::addLonger(const AlignmentInput& input, Segment& segment, qint64 lengthMs,
+                          qint64 fullMs, int mostAfter, const std::vector<int>& byLength) const
+{
+    const auto begin = std::partition_point(byLength.begin(), byLength.end(), [&](int r) {
+        return input.recordingsMs[static_cast<size_t>(r)] < lengthMs;
+    });
+    const auto longer = static_cast<double>(std::distance(begin, byLength.end()));
+    for (auto it = begin; it != byLength.end(); ++it) {
+        const qint64 restMs =
+            input.recordingsMs[static_cast<size_t>(*it)] - recorderOverheadMs - lengthMs;
+        const auto after = static_cast<int>(std::max<qint64>(0, restMs - 1) / fullMs) + 1;
+        if (after > mostAfter)
+            break;
+        const double fit =
+            std::pow(fileIsMissing, after) * static_cast<double>(m_recordings) / longer;
+        segment.candidates.push_back({*it, fit, fit});
+    }
 }
 
 // The density, per millisecond, of flights of about this length: where all flights are alike, or
@@ -346,8 +471,8 @@ void Alignment::forwards(const Belief& belief)
             return std::exp(from.logScale - row.logScale);
         };
         row.values = before.values;
-        for (double& value : row.values)
-            value *= videoHasNoLog * factor(before);
+        for (size_t place = 0; place <= m_recordings; ++place)
+            row.values[place] *= m_hasNoLog[place] * factor(before);
         for (const size_t s : m_endingAt[after]) {
             const Segment& segment = m_segments[s];
             const auto first = static_cast<size_t>(segment.first);
@@ -410,10 +535,10 @@ Alignment::Outcome Alignment::backwards(const Belief& belief) const
         row.logScale = next.logScale;
         for (const size_t s : m_startingAt[video])
             row.logScale = std::max(row.logScale, restAfter(s).logScale);
-        const double unpaired = videoHasNoLog * std::exp(next.logScale - row.logScale);
+        const double scale = std::exp(next.logScale - row.logScale);
         row.values = next.values;
-        for (double& value : row.values)
-            value *= unpaired;
+        for (size_t place = 0; place <= m_recordings; ++place)
+            row.values[place] *= m_hasNoLog[place] * scale;
         if (!m_startingAt[video].empty()) {
             std::vector<double> worth(m_recordings, 0.0);
             for (const size_t s : m_startingAt[video])
@@ -532,7 +657,7 @@ std::vector<std::vector<AlignmentClaim>> Alignment::claims() const
         for (const Candidate& candidate : segment.candidates) {
             const double share = std::max(1.0, claimed[static_cast<size_t>(candidate.recording)]);
             const AlignmentClaim claim{candidate.recording, segment.first, segment.count,
-                                       m_probabilities[c++] / share};
+                                       m_probabilities[c++] / share, segment.lacksFiles};
             for (int part = 0; part < segment.count; ++part)
                 claims[static_cast<size_t>(segment.first + part)].push_back(claim);
         }

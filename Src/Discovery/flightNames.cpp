@@ -150,11 +150,18 @@ bool namesInOrder(const QString& a, const QString& b)
     return a.size() - i < b.size() - j;
 }
 
+int numbersBetween(const FlightName& name, const FlightName& next)
+{
+    const qint64 step = next.number.toLongLong() - name.number.toLongLong();
+    const bool alike = name.folder == next.folder && name.suffix == next.suffix &&
+                       !name.number.isEmpty() && name.before == next.before &&
+                       name.copy == next.copy;
+    return alike && step > 0 ? static_cast<int>(step) - 1 : -1;
+}
+
 bool isNextPart(const FlightName& name, const FlightName& next)
 {
-    return name.folder == next.folder && name.suffix == next.suffix && !name.number.isEmpty() &&
-           name.before == next.before && name.copy == next.copy &&
-           next.number.toLongLong() == name.number.toLongLong() + 1;
+    return numbersBetween(name, next) == 0;
 }
 
 } // namespace corv

@@ -17,12 +17,13 @@ namespace {
 // rare; lengths alone agree more often. Measured over thousands of generated cards, of which every
 // pair that is not doubtful is right.
 constexpr double doubtByTimeAndLength = 3e-4;
-constexpr double doubtByLength = 3e-6;
-constexpr double doubtBySoundTimes = 0.01;
+constexpr double doubtByLength = 2e-6;
+constexpr double doubtBySoundTimes = 1e-4;
 constexpr double doubtByKeptTimes = 0.1;
 constexpr double likely = 0.5;
-constexpr double beyondAccident = 0.95; // above it a length outweighs the times
-constexpr double usuallyMissing = 0.2;  // share of the files, as the alignment assumes
+constexpr double beyondAccident = 0.95;      // above it a length outweighs the times
+constexpr size_t mostWeighedTwice = 100'000; // videos times recordings; a folder of several cards
+constexpr double usuallyMissing = 0.2;       // share of the files, as the alignment assumes
 
 struct Recording
 {
@@ -242,6 +243,9 @@ public:
 
 private:
     Pairing decide(size_t place) const;
+    bool isOpen(size_t place, const Pairing& pairing) const;
+    std::vector<bool> recordingsInDirectOrder() const;
+    void settleOpen(std::vector<Pairing>& pairings);
     bool isDoubtful(const PairingVideo& video, const LogBelief& byTime) const;
     LogBelief beliefIn(size_t place, int log) const;
     LogBelief mostLikely(size_t place) const;
@@ -265,6 +269,7 @@ private:
     std::vector<Recording> m_recordings;
     LogDelay m_delay;
     std::vector<std::vector<AlignmentClaim>> m_claims; // by place in m_order
+    AlignmentInput m_input;
     bool m_timesAreSound = false;
     bool m_timesAreLost = false;
     bool m_timesAreKept = false;         // as far as they show by themselves
@@ -277,13 +282,14 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
       m_order(orderOfNames(videos, m_names)), m_recordings(recordingsInOrder(logs)),
       m_delay(videos, logs, m_recordings)
 {
-    AlignmentInput input;
+    AlignmentInput& input = m_input;
     for (size_t place = 0; place < m_order.size(); ++place) {
         const PairingVideo& video = videos[m_order[place]];
-        const bool continues =
-            place > 0 && isNextPart(m_names[m_order[place - 1]], m_names[m_order[place]]);
+        const int missing =
+            place > 0 ? numbersBetween(m_names[m_order[place - 1]], m_names[m_order[place]]) : -1;
+        const bool continues = missing == 0;
         const bool later = continues && !goesOnAtOnce(videos[m_order[place - 1]], video);
-        input.videos.push_back({video.lengthMs, continues, later});
+        input.videos.push_back({video.lengthMs, continues, later, missing});
     }
     for (const Recording& recording : m_recordings)
         input.recordingsMs.push_back(recording.lengthMs);
@@ -544,11 +550,77 @@ Pairing Decision::decide(size_t place) const
     return pairing;
 }
 
+// True if flights that lack files may show another log. A pair without a doubt is not asked again,
+// nor one on which the lengths agree with the times of the camera.
+bool Decision::isOpen(size_t place, const Pairing& pairing) const
+{
+    const PairingVideo& video = m_videos[m_order[place]];
+    const bool byTime = pairing.evidence == PairingEvidence::TimeAndLength && !m_timesAreLost;
+    return video.lengthMs > 0 && !byTime && (pairing.log < 0 || pairing.doubtful) &&
+           (video.logByTime < 0 || canCompare(video.logByTime)) && logDuring(video) < 0;
+}
+
+// Which logs stand next to each other by their names, so that none is missing between them.
+std::vector<bool> Decision::recordingsInDirectOrder() const
+{
+    const std::vector<FlightName> names = namesOf(m_logs);
+    std::vector<bool> direct(m_recordings.size(), false);
+    for (size_t r = 1; r < m_recordings.size(); ++r) {
+        const auto before = static_cast<size_t>(m_recordings[r - 1].log);
+        const auto log = static_cast<size_t>(m_recordings[r].log);
+        direct[r] = before == log || numbersBetween(names[before], names[log]) == 0;
+    }
+    return direct;
+}
+
+// True if that holds for all files of the claim.
+bool areAll(const std::vector<bool>& places, const AlignmentClaim& claim)
+{
+    const auto first = places.begin() + claim.first;
+    return std::all_of(first, first + claim.count, [](bool place) { return place; });
+}
+
+// Weighs flights that lack files, where anything is open. What that finds stays doubtful.
+void Decision::settleOpen(std::vector<Pairing>& pairings)
+{
+    std::vector<bool> open(m_order.size());
+    for (size_t place = 0; place < m_order.size(); ++place)
+        open[place] = isOpen(place, pairings[m_order[place]]);
+    if (std::find(open.begin(), open.end(), true) == open.end() ||
+        m_order.size() * m_recordings.size() > mostWeighedTwice)
+        return;
+    m_input.filesAreMissing = true;
+    m_input.followsDirectly = recordingsInDirectOrder();
+    m_claims = alignFlights(m_input);
+    for (size_t place = 0; place < m_order.size(); ++place) {
+        const LogBelief best = mostLikely(place);
+        Pairing& pairing = pairings[m_order[place]];
+        if (best.probability < likely || !areAll(open, best.best) ||
+            m_recordings[static_cast<size_t>(best.best.recording)].log == pairing.log)
+            continue;
+        pairing = {};
+        addClaim(best.best, pairing);
+        pairing.doubtful = true;
+        pairing.evidence = PairingEvidence::Length;
+        if (best.best.lacksFiles) {
+            // Where in the recording the file begins is not known: it opens alone.
+            pairing.evidence = PairingEvidence::LengthDiffers;
+            pairing.lacksFiles = true;
+            pairing.recording = -1;
+            pairing.recordingLengthMs = -1;
+            pairing.files.clear();
+            pairing.flightLengthMs = m_videos[m_order[place]].lengthMs;
+            addNearestLength(pairing);
+        }
+    }
+}
+
 std::vector<Pairing> Decision::take()
 {
     std::vector<Pairing> pairings(m_videos.size());
     for (size_t place = 0; place < m_order.size(); ++place)
         pairings[m_order[place]] = decide(place);
+    settleOpen(pairings);
     return pairings;
 }
 

@@ -12,7 +12,8 @@ namespace corv {
 enum class PairingEvidence {
     None,          ///< no log
     Time,          ///< the file times; no lengths to compare
-    LengthDiffers, ///< the file times alone: no recording of the log is as long as the video
+    LengthDiffers, ///< no recording of the log is as long as the video: the file times alone, or
+                   ///< other files of its flight are missing
     Length,        ///< the lengths and the order of names
     TimeAndLength
 };
@@ -42,6 +43,7 @@ struct Pairing
     int log = -1;       ///< -1 for none
     int recording = -1; ///< position in the log's recordings; -1 if no length agrees
     PairingEvidence evidence = PairingEvidence::None;
+    bool lacksFiles = false;       ///< other files of the flight are missing
     bool doubtful = false;         ///< another answer is likely enough that a person should look
     qint64 flightLengthMs = -1;    ///< exact, of all its parts; -1 if unknown
     qint64 recordingLengthMs = -1; ///< logged, of `recording`, else the log's nearest; -1 if none
@@ -53,7 +55,8 @@ struct Pairing
 /// recording of about the length of the video. All videos are aligned with all recordings by length
 /// and by the order of names, the parts of one flight together. That replaces a pair whose lengths
 /// differ, fills gaps, and shows which pairs are not certain. A pair by time with nothing better
-/// stays, doubtful; where nothing decides there is no log. Pure; any thread.
+/// stays, doubtful; where nothing decides there is no log. A file of a flight that lacks others
+/// gets the log that is likely with them, doubtful, as one whose length differs. Pure; any thread.
 std::vector<Pairing> pairFlights(const std::vector<PairingVideo>& videos,
                                  const std::vector<PairingLog>& logs);
 

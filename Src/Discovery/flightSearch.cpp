@@ -193,7 +193,10 @@ QString evidenceText(const FlightMatchData& match)
     case PairingEvidence::Length:
         return QStringLiteral("Length agrees") + notCertain;
     case PairingEvidence::LengthDiffers:
-        return QStringLiteral("Paired by time alone, length differs: %1 against %2")
+        return (match.lacksFiles
+                    ? QStringLiteral("Files of the flight seem to be missing, length differs: "
+                                     "%1 against %2")
+                    : QStringLiteral("Paired by time alone, length differs: %1 against %2"))
             .arg(inSeconds(match.flightLengthMs), inSeconds(match.recordingLengthMs));
     case PairingEvidence::Time:
         return QStringLiteral("Paired by time alone, lengths not compared") + notCertain;

@@ -29,6 +29,7 @@ private slots:
     void aFolderWithTheExtensionIsAVideoThatWillNotOpen();
     void evidenceIsPutInWords_data();
     void evidenceIsPutInWords();
+    void missingFilesArePutInWords();
     void laterPartsNameTheFirst();
     void namesThatAreNoTextAreCounted();
     void aLocationThatIsGoneIsRemarked();
@@ -264,6 +265,18 @@ void DirectoryParserTest::evidenceIsPutInWords()
     QTEST(row["evidence"].toString(), "key");
     QTEST(row["evidenceText"].toString(), "text");
     QCOMPARE(row["doubtful"].toBool(), match.doubtful);
+}
+
+void DirectoryParserTest::missingFilesArePutInWords()
+{
+    FlightMatchData match;
+    match.evidence = PairingEvidence::LengthDiffers;
+    match.lacksFiles = true;
+    match.flightLengthMs = 300'000;
+    match.recordingLengthMs = 1'031'000;
+    QCOMPARE(
+        evidenceText(match),
+        QString("Files of the flight seem to be missing, length differs: 300 s against 1031 s"));
 }
 
 void DirectoryParserTest::laterPartsNameTheFirst()

@@ -25,6 +25,7 @@ private slots:
     void partsWithABreakBetweenThemAreDoubted();
     void aLogWrittenSoonAfterLeavesNoDoubt_data();
     void aLogWrittenSoonAfterLeavesNoDoubt();
+    void aLogOfALaterFlightIsDoubtedAmongSoundTimes();
     void laterFlightsOfALogExplainItsDelay();
     void oneFlightIsSureAfterACopy();
     void aSingleVideoIsSureUnlessTheLogsShowACopy_data();
@@ -171,6 +172,19 @@ void FlightDoubtTest::aLogWrittenSoonAfterLeavesNoDoubt()
     const std::vector<Pairing> pairings = pairFlights(videos, logs);
     QCOMPARE(pairings[2].log, 2);
     QTEST(pairings[2].doubtful, "doubtful");
+}
+
+// The first video has lost its log; the next one is that of a flight of about its length, whose
+// video is missing. All times are as the camera and the drone set them.
+void FlightDoubtTest::aLogOfALaterFlightIsDoubtedAmongSoundTimes()
+{
+    const std::vector<Pairing> pairings =
+        pairFlights({video("CORV0031.MOV", 651'818, 0, 0), video("CORV0033.MOV", 679'362, 1, 3656)},
+                    {logOf("244.log", {653'196}, 1485), logOf("245.log", {680'880}, 3703)});
+    QCOMPARE(pairings[0].log, 0);
+    QVERIFY(pairings[0].doubtful);
+    QCOMPARE(pairings[1].log, 1);
+    QVERIFY(!pairings[1].doubtful);
 }
 
 // The log of the last two videos was written more than half an hour after the first of them, but
@@ -338,7 +352,7 @@ void FlightDoubtTest::completeCardsAreDoubtedLess()
          video("CORV0358.MOV", 955'154, 0, 101), video("CORV0359.MOV", 214'381, 0, 131),
          video("CORV0361.MOV", 667'567, 0, 154), video("CORV0362.MOV", 727'327, 0, 185)},
         {logOf("108.log", {874'261, 597'967, 955'591, 214'604}, 185),
-         logOf("109.log", {668'281, 728'557}, 186)});
+         logOf("109.log", {668'281, 728'300}, 186)});
     QCOMPARE(pairings[5].log, 1);
     QCOMPARE(pairings[5].evidence, PairingEvidence::Length);
     QVERIFY(!pairings[5].doubtful);
