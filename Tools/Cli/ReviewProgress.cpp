@@ -1,5 +1,6 @@
 #include "Cli/ReviewProgress.h"
 
+#include "Cli/Command.h"
 #include "Cli/terminalText.h"
 
 #include <QJsonArray>
@@ -53,8 +54,8 @@ ReviewProgress::~ReviewProgress()
 void ReviewProgress::show(const QJsonObject& event)
 {
     if (!m_line.isTerminal()) {
-        std::fputs(QJsonDocument(event).toJson(QJsonDocument::Compact).constData(), stdout);
-        std::fputc('\n', stdout);
+        const QByteArray text = printedJson(QJsonDocument(event), QJsonDocument::Compact) + '\n';
+        std::fputs(text.constData(), stdout);
         std::fflush(stdout);
         return;
     }

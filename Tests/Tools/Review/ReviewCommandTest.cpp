@@ -84,6 +84,7 @@ private slots:
     void secondRunDoesOnlyWhatIsMissing();
     void projectOfThePilotIsKept();
     void badFlightStopsNoOther();
+    void namesInEventsDoNotSteerTheTerminal();
     void killedRunGoesOn();
     void jobsGiveTheSameAsOneRun();
     void folderOfAnotherFlightIsLeftAlone();
@@ -221,6 +222,18 @@ void ReviewCommandTest::badFlightStopsNoOther()
             ++statuses[line["status"].toString()];
     QCOMPARE(statuses, (QMap<QString, int>{{"done", 1}, {"failed", 1}}));
     QVERIFY(QFile::exists(flightFolder() + "/report.docx"));
+}
+
+void ReviewCommandTest::namesInEventsDoNotSteerTheTerminal()
+{
+    const QTemporaryDir card;
+    const QString name = QString::fromUtf8("A\u202e\u009bB.MOV");
+    write(card.filePath(name), "no video at all");
+    const ProgramRun review = run({"--out", out(), card.path()});
+    QCOMPARE(review.status, 1);
+    QVERIFY2(review.out.contains("A\\u202e\\u009bB.MOV"), review.out);
+    const QJsonObject failure = linesOf(review.out).last()["failures"].toArray()[0].toObject();
+    QVERIFY2(failure["message"].toString().contains(name), review.out);
 }
 
 // Whatever moment it is killed at, the run after it ends with what one quiet run gives.
