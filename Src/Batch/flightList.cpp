@@ -50,17 +50,17 @@ void putBrokenOffLast(QList<FlightJob>* jobs, const QString& outFolder)
     });
 }
 
-QStringList remarksOnUnusedLogs(const QList<QFileInfo>& logs, const QList<FlightJob>& jobs)
+QStringList sentencesOnUnusedLogs(const QList<QFileInfo>& logs, const QList<FlightJob>& jobs)
 {
     QSet<QString> used;
     for (const FlightJob& job : jobs)
         used.insert(job.log);
-    QStringList remarks;
+    QStringList sentences;
     for (const QFileInfo& log : logs)
         if (!used.contains(log.absoluteFilePath()))
-            remarks << QStringLiteral("The log %1 belongs to none of the videos that were found.")
-                           .arg(log.absoluteFilePath());
-    return remarks;
+            sentences << QStringLiteral("The log %1 belongs to none of the videos that were found.")
+                             .arg(log.absoluteFilePath());
+    return sentences;
 }
 
 } // namespace
@@ -101,16 +101,16 @@ FlightList listFlights(const QStringList& locations, const QString& outFolder,
     for (const QString& location : locations) {
         const SearchLocations here{location, location, false, false};
         const FlightFiles files = gatherFlightFiles(here);
-        list.remarks << searchRemarks(here, files);
+        list.leftOut << searchRemarks(here, files);
         videos << files.videos;
         logs << files.logs;
     }
     FlightFilesMatcher matcher(&abortFlag);
     list.jobs = jobsOfMatches(matcher.matchFlightFiles(videos, logs, false, nullptr));
-    list.remarks << searchRemarks({}, {}, matcher.lostFiles());
+    list.leftOut << searchRemarks({}, {}, matcher.lostFiles());
     nameFolders(&list.jobs, outFolder);
     putBrokenOffLast(&list.jobs, outFolder);
-    list.remarks << remarksOnUnusedLogs(logs, list.jobs);
+    list.unusedLogs = sentencesOnUnusedLogs(logs, list.jobs);
     return list;
 }
 

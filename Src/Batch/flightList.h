@@ -14,7 +14,8 @@ namespace corv {
 struct FlightList
 {
     QList<FlightJob> jobs;
-    QStringList remarks; ///< sentences on what could not be read
+    QStringList leftOut;    ///< sentences on what of the locations could not be read
+    QStringList unusedLogs; ///< a sentence for each log that belongs to no flight
 };
 
 /// Finds and pairs the flights of all locations together, as the importer's full search does: a log

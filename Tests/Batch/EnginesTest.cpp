@@ -40,6 +40,8 @@ private slots:
     void init();
     void parallelTakesNoOptions();
     void parallelOverSshReviewsLikeOneQuietRun();
+    void parallelEndsAsTheSearchDid_data();
+    void parallelEndsAsTheSearchDid();
     void slurmTasksTakeOneFlightAfterTheOther();
     void slurmReviewsLikeOneQuietRun();
     void systemdAcceptsTheUnit();
@@ -206,6 +208,37 @@ void EnginesTest::parallelOverSshReviewsLikeOneQuietRun()
     QVERIFY2(lines.contains("\tone\t") && lines.contains("\ttwo\t"), lines);
 }
 
+// What the search left out is not done, also where all flights of the list are.
+void EnginesTest::parallelEndsAsTheSearchDid_data()
+{
+    QTest::addColumn<int>("search");
+    QTest::addColumn<int>("gathering");
+    QTest::addColumn<int>("status");
+    QTest::newRow("nothing found") << 1 << 0 << 1;
+    QTest::newRow("a file left out") << 3 << 0 << 3;
+    QTest::newRow("a file left out, no flight done") << 3 << 1 << 1;
+    QTest::newRow("a part done") << 0 << 3 << 3;
+}
+
+void EnginesTest::parallelEndsAsTheSearchDid()
+{
+    QFETCH(int, search);
+    QFETCH(int, gathering);
+    QProcessEnvironment environment = m_environment;
+    environment.insert("VISTREL_CLI", path("statuses"));
+    QVERIFY(writeText(path("statuses"),
+                      QStringLiteral("#!/bin/bash\n"
+                                     "case \" $* \" in\n"
+                                     "*' --list '*) echo '{}'; exit %1 ;;\n"
+                                     "*' --gather '*) exit %2 ;;\nesac\n")
+                          .arg(search)
+                          .arg(gathering),
+                      true));
+    const ProgramRun run = runProgram(VISTREL_BATCH "/review-parallel",
+                                      {path("disk"), ":", path("card")}, environment);
+    QTEST(run.status, "status");
+}
+
 // Two tasks at once do all flights; those that wait behind them are ended.
 void EnginesTest::slurmTasksTakeOneFlightAfterTheOther()
 {
@@ -217,13 +250,13 @@ void EnginesTest::slurmTasksTakeOneFlightAfterTheOther()
     QVERIFY(writeText(path("tasks"),
                       "#!/bin/bash\n"
                       "case \" $* \" in\n"
-                      "*' --list '*) printf '%s\\n' 1 2 3 4 5 ;;\n"
+                      "*' --list '*) printf '%s\\n' 1 2 3 4 5; exit 3 ;;\n"
                       "*' --job '*) echo \"$(cat) $SLURM_ARRAY_TASK_ID\" >>" +
                           path("disk/tasks") + " ;;\nesac\n",
                       true));
     const ProgramRun run =
         runProgram(VISTREL_BATCH "/review-slurm", {path("disk"), path("card")}, environment);
-    QVERIFY2(run.status == 0, run.out + run.error);
+    QVERIFY2(run.status == 3, run.out + run.error); // the search left something out
     QFile tasks(path("disk/tasks"));
     QVERIFY(tasks.open(QIODevice::ReadOnly));
     QStringList flights;

@@ -220,15 +220,18 @@ ExitStatus review(const QCommandLineParser& line)
             return fail(*problem);
     const std::atomic<bool> abortFlag{false};
     const FlightList list = listFlights(locations, line.value(outOption), abortFlag);
-    for (const QString& remark : list.remarks)
-        fail(remark);
+    for (const QString& sentence : list.leftOut + list.unusedLogs)
+        fail(sentence);
     if (list.jobs.isEmpty())
         return fail(QStringLiteral("no video was found"));
+    const auto withSearch = [&list](ExitStatus status) {
+        return status == Done && !list.leftOut.isEmpty() ? PartlyDone : status;
+    };
     if (line.isSet(listOption))
-        return listJobs(list, line.isSet(jsonOption));
+        return withSearch(listJobs(list, line.isSet(jsonOption)));
     if (const Status made = makeFolder(line.value(outOption)); !made)
         return fail(made.failure());
-    return runAll(line, list, atOnce);
+    return withSearch(runAll(line, list, atOnce));
 }
 
 std::vector<Command> commands()

@@ -15,6 +15,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <cstdio>
+#include <fstream>
 #include <memory>
 
 using namespace corv;
@@ -85,6 +87,7 @@ private slots:
     void projectOfThePilotIsKept();
     void badFlightStopsNoOther();
     void namesInEventsDoNotSteerTheTerminal();
+    void fileLeftOutOfTheSearchIsNotDone();
     void killedRunGoesOn();
     void jobsGiveTheSameAsOneRun();
     void folderOfAnotherFlightIsLeftAlone();
@@ -234,6 +237,22 @@ void ReviewCommandTest::namesInEventsDoNotSteerTheTerminal()
     QVERIFY2(review.out.contains("A\\u202e\\u009bB.MOV"), review.out);
     const QJsonObject failure = linesOf(review.out).last()["failures"].toArray()[0].toObject();
     QVERIFY2(failure["message"].toString().contains(name), review.out);
+}
+
+// A night that ends with 0 has looked at all files of the card.
+void ReviewCommandTest::fileLeftOutOfTheSearchIsNotDone()
+{
+    QVERIFY(QDir().mkpath(out("card")));
+    QVERIFY(QFile::link(m_card.filePath("DCIM/101_CORV/CORV0001.MOV"), out("card/A.MOV")));
+    const std::string leftOut = out("card/").toStdString() + "\xe4.MOV";
+    std::ofstream(leftOut) << "a video";
+    for (const QStringList& mode : {QStringList(), QStringList{"--list", "--json"}}) {
+        const ProgramRun review = run(QStringList{"--out", out("done"), out("card")} + mode);
+        QCOMPARE(review.status, 3);
+        QVERIFY2(review.error.contains("1 file is left out"), review.error);
+        QCOMPARE(linesOf(review.out).last()["failures"].toArray(), QJsonArray());
+    }
+    QCOMPARE(std::remove(leftOut.c_str()), 0); // Qt does not see it
 }
 
 // Whatever moment it is killed at, the run after it ends with what one quiet run gives.
