@@ -95,6 +95,8 @@ private slots:
     void documentHasTheUsage();
     void manualPageHasEveryOption_data() { addCommands(); }
     void manualPageHasEveryOption();
+    void manualPageHasAnExample_data() { addCommands(); }
+    void manualPageHasAnExample();
     void textsNameNoOtherOptions();
     void optionsAreUnderstood_data() { addCommands(); }
     void optionsAreUnderstood();
@@ -112,6 +114,7 @@ private slots:
 
 private:
     void addCommands() const;
+    QStringList examplesOfThePage() const;
     QStringList bashOffers(const QStringList& words) const;
     QString script(const QString& shell) const { return m_folder.filePath("completion." + shell); }
 
@@ -141,6 +144,20 @@ void ToolTextsTest::initTestCase()
     QCOMPARE(vistrel({"--completion", "csh"}).status, 2);
     const ProgramRun card = runProgram(VISTREL_SAMPLE_FLIGHT, {m_folder.filePath("card")});
     QCOMPARE(card.status, 0);
+}
+
+QStringList ToolTextsTest::examplesOfThePage() const
+{
+    const QStringList lines = m_page.mid(m_page.indexOf("\n.SH EXAMPLES\n")).split('\n');
+    QStringList examples;
+    bool isExample = false;
+    for (const QString& line : lines) {
+        if (line == ".RS" || line == ".RE")
+            isExample = line == ".RS";
+        else if (isExample)
+            examples << line;
+    }
+    return examples;
 }
 
 void ToolTextsTest::addCommands() const
@@ -184,6 +201,15 @@ void ToolTextsTest::manualPageHasEveryOption()
     QSet<QString> missing(names.begin(), names.end());
     missing -= optionsIn(m_page.mid(start, end - start)) + common;
     QCOMPARE(listOf(missing), QString());
+}
+
+void ToolTextsTest::manualPageHasAnExample()
+{
+    QFETCH(QString, command);
+    const QStringList examples = examplesOfThePage().filter("vistrel-cli " + command + ' ');
+    QVERIFY(!examples.isEmpty());
+    for (const QString& example : examples) // those of the document are tried below
+        QVERIFY2(m_document.contains("\n    $ " + example + '\n'), qPrintable(example));
 }
 
 void ToolTextsTest::textsNameNoOtherOptions()
@@ -265,8 +291,7 @@ void ToolTextsTest::keysOfTheDocumentAreInTheManualPage()
     auto each = word.globalMatch(m_page);
     while (each.hasNext())
         words << each.next().captured();
-    const int review = m_document.indexOf("\n## review\n"); // its events are in the document alone
-    for (const QString& line : m_document.left(review).split('\n')) {
+    for (const QString& line : m_document.split('\n')) {
         static const QRegularExpression row("^\\| (`[^|]*) \\|");
         static const QRegularExpression key("`([A-Za-z]+)");
         auto keys = key.globalMatch(row.match(line).captured(1));

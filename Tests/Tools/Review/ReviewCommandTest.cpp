@@ -59,6 +59,26 @@ void write(const QString& path, const QByteArray& bytes)
     QCOMPARE(file.write(bytes), qint64(bytes.size()));
 }
 
+/// The steps of the events of a review that the document of the tool does not name.
+QStringList undocumentedSteps(const QByteArray& out)
+{
+    const QByteArray document = contentsOf(VISTREL_DOCS "/cli.md");
+    const QByteArray section = document.mid(document.indexOf("\n## review\n"));
+    QStringList steps;
+    for (const QJsonObject& line : linesOf(out)) {
+        steps << line["step"].toString();
+        for (const QJsonValue failure : line["failures"].toArray())
+            steps << failure.toObject()["step"].toString();
+    }
+    steps.removeAll(QString());
+    steps.removeDuplicates();
+    QStringList undocumented;
+    for (const QString& step : qAsConst(steps))
+        if (!section.contains('`' + step.toUtf8() + '`'))
+            undocumented << step;
+    return undocumented;
+}
+
 /// All files below a folder with their contents; a report only by its name, since it has a date in
 /// it and is a zip.
 QMap<QString, QByteArray> resultsIn(const QString& folder)
@@ -142,6 +162,7 @@ void ReviewCommandTest::flightIsReviewedWhole()
             QProcessEnvironment::systemEnvironment());
     QCOMPARE(review.error, QByteArray());
     QCOMPARE(review.status, 0);
+    QCOMPARE(undocumentedSteps(review.out), QStringList());
     const QJsonObject last = linesOf(review.out).last();
     QCOMPARE(last["event"].toString(), QStringLiteral("finished"));
     QCOMPARE(last["status"].toString(), QStringLiteral("done"));
@@ -415,6 +436,7 @@ void ReviewCommandTest::twoAtOnceDoNotDisturbEachOther()
     QCOMPARE(first.exitCode(), 0);
     QCOMPARE(second.status, 0);
     QVERIFY(second.out.contains("\"waiting\""));
+    QCOMPARE(undocumentedSteps(second.out), QStringList());
     QVERIFY(!second.out.contains("\"report\"")); // which the first has made
     QCOMPARE(resultsIn(out()).keys().filter(QRegularExpression("/\\.")), QStringList());
 }
