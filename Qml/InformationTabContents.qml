@@ -118,32 +118,44 @@ Rectangle {
         }
     }
 
-    HeadUpDisplay {
-        id: headUpDisplay
-        objectName: "headUpDisplay"
+    // The rows scroll where the panel is lower than they are.
+    Flickable {
+        id: readingsView
+        objectName: "readingsView"
         anchors.top: namingRect.bottom
         anchors.topMargin: 6
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: unitsRow.top
-        logParser: LogParser
-        Accessible.role: Accessible.Grouping
-        Accessible.name: "Flight values"
+        contentHeight: headUpDisplay.height
+        interactive: contentHeight > height
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
 
-        // They are painted: a screen reader has each as a text of its own.
-        Repeater {
-            id: readings
+        HeadUpDisplay {
+            id: headUpDisplay
+            objectName: "headUpDisplay"
+            width: readingsView.width
+            height: Math.max(readingsView.height, heightAt(width))
+            logParser: LogParser
+            Accessible.role: Accessible.Grouping
+            Accessible.name: "Flight values"
 
-            readonly property var texts: headUpDisplay.readings
+            // They are painted: a screen reader has each as a text of its own.
+            Repeater {
+                id: readings
 
-            model: texts.length
+                readonly property var texts: headUpDisplay.readings
 
-            Item {
-                y: index * height
-                width: headUpDisplay.width
-                height: headUpDisplay.height / readings.count
-                Accessible.role: Accessible.StaticText
-                Accessible.name: readings.texts[index]
+                model: texts.length
+
+                Item {
+                    y: index * height
+                    width: headUpDisplay.width
+                    height: headUpDisplay.height / readings.count
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: readings.texts[index]
+                }
             }
         }
     }

@@ -46,6 +46,9 @@ public:
     /// its row needs has no value.
     Q_INVOKABLE void updateLogData();
 
+    /// Height of all rows in a panel of that width.
+    Q_INVOKABLE double heightAt(double width) const { return m_painter.heightAt(width); }
+
     /// Paints the panel anew, as when the user's correction has changed.
     Q_INVOKABLE void refresh();
 

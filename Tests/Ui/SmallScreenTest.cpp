@@ -13,6 +13,7 @@ class SmallScreenTest : public ReviewSuite
 private slots:
     void whatIsNeededIsOnTheScreen();
     void theSidebarIsFoldedAtFirst();
+    void allInstrumentsCanBeScrolledTo();
     void theButtonsOfAnUpdateAreOnTheScreen();
 };
 
@@ -42,6 +43,29 @@ void SmallScreenTest::theSidebarIsFoldedAtFirst()
     QVERIFY(!m_ui->item("hUDRectangle")->isVisible());
     QTest::keyClick(m_ui->window(), Qt::Key_F8);
     QTRY_VERIFY(m_ui->item("hUDRectangle")->isVisible());
+}
+
+void SmallScreenTest::allInstrumentsCanBeScrolledTo()
+{
+    QVERIFY(m_ui->openVideo());
+    QTest::keyClick(m_ui->window(), Qt::Key_F8);
+    QQuickItem* const panel = m_ui->item("headUpDisplay");
+    QTRY_VERIFY(panel && panel->isVisible() && panel->width() > 200);
+    // The lowest is the dial of the camera: each part of it can be brought into the view.
+    const auto needed = [panel] {
+        double height = 0;
+        QMetaObject::invokeMethod(panel, "heightAt", Q_RETURN_ARG(double, height),
+                                  Q_ARG(double, panel->width()));
+        return height;
+    };
+    QQuickItem* const view = m_ui->item("readingsView");
+    QVERIFY(view);
+    QTRY_VERIFY(view->height() < needed());
+    QTRY_COMPARE(panel->height(), needed());
+    for (int turns = 0; turns < 40; ++turns)
+        UiFixture::wheel(view, -120);
+    const auto lowest = [&] { return panel->mapToItem(view, QPointF(0, needed())).y(); };
+    QTRY_VERIFY2(lowest() <= view->height() + 1, qPrintable(QString::number(lowest())));
 }
 
 void SmallScreenTest::theButtonsOfAnUpdateAreOnTheScreen()
