@@ -18,6 +18,9 @@ Item {
     readonly property real leastHeight: title.height + 6
                                         + Math.min(rows.height, 2 * rowHeight + rows.spacing)
 
+    // With one row: with less room than that, it is better not shown.
+    readonly property real oneRowHeight: title.height + 6 + rowHeight
+
     height: Math.min(title.height + 6 + rows.height, mostHeight)
     visible: projects.length > 0
 

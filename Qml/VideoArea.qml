@@ -107,6 +107,7 @@ Rectangle {
         width: Math.min(420, parent.width - 16)
         mostHeight: parent.height - welcome.y - welcome.height - 16
         visible: welcome.visible && projects.length > 0
+                 && parent.height >= welcome.height + oneRowHeight + 24
         projects: videoArea.recentProjects
         pictures: videoArea.projectPictures
         onChosen: videoArea.recentProjectChosen(path)

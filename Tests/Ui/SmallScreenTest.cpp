@@ -1,6 +1,7 @@
 #include "ReviewSuite.h"
 
 #include <QScreen>
+#include <QSettings>
 
 using namespace corv::test;
 
@@ -14,6 +15,7 @@ private slots:
     void whatIsNeededIsOnTheScreen();
     void theSidebarIsFoldedAtFirst();
     void allInstrumentsCanBeScrolledTo();
+    void recentProjectsAreShownWhereARowHasRoom();
     void theButtonsOfAnUpdateAreOnTheScreen();
 };
 
@@ -66,6 +68,22 @@ void SmallScreenTest::allInstrumentsCanBeScrolledTo()
         UiFixture::wheel(view, -120);
     const auto lowest = [&] { return panel->mapToItem(view, QPointF(0, needed())).y(); };
     QTRY_VERIFY2(lowest() <= view->height() + 1, qPrintable(QString::number(lowest())));
+}
+
+void SmallScreenTest::recentProjectsAreShownWhereARowHasRoom()
+{
+    QSettings().setValue("recentProjects/paths", QStringList{"/one.ecor", "/two.ecor"});
+    QVERIFY(m_ui->reload());
+    m_ui->window()->resize(1000, 700);
+    m_ui->window()->setPosition(0, 20);
+    QQuickItem* const list = m_ui->item("recentProjectsList");
+    QTRY_VERIFY(list->isVisible());
+    // The lower part of the window is off the screen, and nothing is put there.
+    m_ui->window()->setPosition(0, 160);
+    QTRY_VERIFY(!list->isVisible());
+    m_ui->window()->setPosition(0, 20);
+    QTRY_VERIFY(list->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void SmallScreenTest::theButtonsOfAnUpdateAreOnTheScreen()
