@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QRegularExpression>
 #include <QSet>
+#include <algorithm>
 #include <utility>
 
 namespace corv {
@@ -156,7 +157,8 @@ int numbersBetween(const FlightName& name, const FlightName& next)
     const bool alike = name.folder == next.folder && name.suffix == next.suffix &&
                        !name.number.isEmpty() && name.before == next.before &&
                        name.copy == next.copy;
-    return alike && step > 0 ? static_cast<int>(step) - 1 : -1;
+    constexpr qint64 mostCounted = 1'000'000;
+    return alike && step > 0 ? static_cast<int>(std::min(step, mostCounted)) - 1 : -1;
 }
 
 bool isNextPart(const FlightName& name, const FlightName& next)

@@ -27,8 +27,9 @@ std::vector<FlightName> flightNames(const QStringList& paths);
 /// The order of file names as a person reads them: numbers by their value, letters without case.
 bool namesInOrder(const QString& a, const QString& b);
 
-/// How many numbers lie between the two, if both are of the same folder and copy and named alike
-/// but for the number at the end; -1 if they are not, or `next` has no higher number.
+/// How many numbers lie between the two, counted up to a million, if both are of the same folder
+/// and copy and named alike but for the number at the end; -1 if they are not, or `next` has no
+/// higher number.
 int numbersBetween(const FlightName& name, const FlightName& next);
 
 /// True if `next` can be the part of a flight that follows `name`: the same folder, the same name

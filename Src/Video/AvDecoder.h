@@ -30,7 +30,7 @@ public:
     /// What a receive() gave.
     enum class Outcome {
         picture,
-        damaged, ///< no picture, for a packet was: suspects()
+        damaged, ///< no picture, since a packet is damaged: suspects()
         needsPacket,
         end
     };
@@ -55,7 +55,7 @@ public:
     /// suspects().
     bool send(AVPacket& packet, int number, bool skipUnreferenced);
 
-    /// Behind a call that said so: one of the packets from the first to the second is damaged.
+    /// After a call that said so: one of the packets from the first to the second is damaged.
     std::pair<int, int> suspects() const { return m_suspects; }
 
     /// After the last packet: the pictures still inside follow, and then the end.

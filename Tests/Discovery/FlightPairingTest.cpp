@@ -416,6 +416,8 @@ void FlightPairingTest::nextPartHasTheNextNumber_data()
                                              << "/a/CORVB_0100.MOV" << true;
     QTest::newRow("one is missing") << "/a/CORV0001.MOV"
                                     << "/a/CORV0003.MOV" << false;
+    QTest::newRow("more are missing than an int counts") << "/a/CORV1.MOV"
+                                                         << "/a/CORV4294967298.MOV" << false;
     QTest::newRow("the same") << "/a/CORV0001.MOV"
                               << "/a/CORV0001.MOV" << false;
     QTest::newRow("other folder") << "/a/CORV0001.MOV"
