@@ -16,6 +16,10 @@
 
 namespace corv {
 
+namespace {
+
+constexpr qint64 kProgressEvery = 1000;
+
 void logCounters(const LogDecodeCounters& counters)
 {
     const auto total = static_cast<double>(counters.total);
@@ -32,10 +36,6 @@ void logCounters(const LogDecodeCounters& counters)
         qCInfo(lcLog) << "Oh, and the last packet is incomplete,"
                       << "so it was dropped.";
 }
-
-namespace {
-
-constexpr qint64 kProgressEvery = 1000;
 
 int clampToInt(qint64 value)
 {

@@ -84,8 +84,8 @@ public:
     Result<LogDigest> readForPairing(const QString& path, const Progress& progress) const;
 
     /// Reads what a file holds, in one pass and without keeping the values: the same groups,
-    /// counters, recordings and namings as those of the decoded log. `progress` as for
-    /// `readForPairing`.
+    /// counters, recordings and namings as those of the decoded log. Of its steps nothing is said
+    /// in the diagnostics. `progress` as for `readForPairing`.
     Result<LogSurvey> survey(const QString& path, const Progress& progress);
 
     /// Of the last decode or survey, as far as it came.

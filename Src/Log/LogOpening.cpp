@@ -74,8 +74,9 @@ Status scanStatus(const QString& path, const FileWindow& window, bool scannedWho
 
 Result<LogOpening> openLog(const QString& path,
                            const std::function<void(int stage, int done, int total)>& progress,
-                           const std::atomic<bool>& abortFlag)
+                           const std::atomic<bool>& abortFlag, OpeningMessages messages)
 {
+    const bool saysSteps = messages == OpeningMessages::steps;
     const auto isAborted = [&abortFlag] { return abortFlag.load(std::memory_order_relaxed); };
     LogOpening opening;
     opening.path = path;
@@ -89,7 +90,8 @@ Result<LogOpening> openLog(const QString& path,
     }
     opening.log->setFileName(path.toStdString());
 
-    qCInfo(lcLog) << "XML parsing...  ";
+    if (saysSteps)
+        qCInfo(lcLog) << "XML parsing...  ";
     opening.timer.start();
     opening.beginByte = LogDescription::findLength(opening.file.get(), &abortFlag);
     if (opening.beginByte < 0) {
@@ -103,14 +105,18 @@ Result<LogOpening> openLog(const QString& path,
         return parseFailure(opening, *fault);
     if (isAborted())
         return abortedLog(path);
-    qCInfo(lcLog) << "Parsed.";
-    qCInfo(lcLog) << "Retrieving log version...  ";
+    if (saysSteps) {
+        qCInfo(lcLog) << "Parsed.";
+        qCInfo(lcLog) << "Retrieving log version...  ";
+    }
     progress(0, 0, 0);
     if (!description.build(opening.log.get(), &abortFlag))
         return abortedLog(path);
     opening.version = description.version();
-    qCInfo(lcLog) << "Retrieved. Log version is version " << opening.version << ".";
-    opening.logElapsed();
+    if (saysSteps) {
+        qCInfo(lcLog) << "Retrieved. Log version is version " << opening.version << ".";
+        opening.logElapsed();
+    }
 
     opening.described = description.takeGroups();
     opening.framing.wideSize = opening.version >= 1;

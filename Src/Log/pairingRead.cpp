@@ -217,7 +217,9 @@ public:
 
     Status read(const QString& path)
     {
-        Result<LogOpening> opened = openLog(path, m_progress, *m_abortFlag);
+        Result<LogOpening> opened =
+            openLog(path, m_progress, *m_abortFlag,
+                    m_survey ? OpeningMessages::none : OpeningMessages::steps);
         if (!opened)
             return opened.failure();
         m_opening = std::move(*opened);
@@ -460,10 +462,8 @@ Result<LogSurvey> LogDecoder::survey(const QString& path, const Progress& progre
         m_counters = counts.counters;
         m_logVersion = counts.version;
         survey.span = counts.span;
-        if (!counts.needsDecoding) {
-            logCounters(m_counters);
+        if (!counts.needsDecoding)
             survey.log = reading.takeLog();
-        }
     } catch (const std::bad_alloc&) {
         qCWarning(lcLog) << "ERROR: no memory left for the log" << path;
         return logNoMemory(path);
