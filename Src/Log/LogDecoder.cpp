@@ -16,10 +16,6 @@
 
 namespace corv {
 
-namespace {
-
-constexpr qint64 kProgressEvery = 1000;
-
 void logCounters(const LogDecodeCounters& counters)
 {
     const auto total = static_cast<double>(counters.total);
@@ -36,6 +32,10 @@ void logCounters(const LogDecodeCounters& counters)
         qCInfo(lcLog) << "Oh, and the last packet is incomplete,"
                       << "so it was dropped.";
 }
+
+namespace {
+
+constexpr qint64 kProgressEvery = 1000;
 
 int clampToInt(qint64 value)
 {

@@ -74,9 +74,9 @@ Status scanStatus(const QString& path, const FileWindow& window, bool scannedWho
 
 Result<LogOpening> openLog(const QString& path,
                            const std::function<void(int stage, int done, int total)>& progress,
-                           const std::atomic<bool>& abortFlag, OpeningMessages messages)
+                           const std::atomic<bool>& abortFlag, LogMessages messages)
 {
-    const bool saysSteps = messages == OpeningMessages::steps;
+    const bool saysSteps = messages == LogMessages::steps;
     const auto isAborted = [&abortFlag] { return abortFlag.load(std::memory_order_relaxed); };
     LogOpening opening;
     opening.path = path;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Result.h"
+#include "Log/LogDecoder.h"
 #include "Log/LogDescription.h"
 #include "Log/PacketScan.h"
 
@@ -41,16 +42,12 @@ struct LogOpening
     void logElapsed() const;
 };
 
-/// What an opening says in the diagnostics beside its failures. The first message of a program
-/// makes it look for rules of logging in several folders, which a short command has no time for.
-enum class OpeningMessages { steps, none };
-
 /// Opens a log and reads its description. Diagnostics go to the log, `progress` is called once,
 /// with stage 0. Throws `std::bad_alloc` where the description does not fit in memory.
 Result<LogOpening> openLog(const QString& path,
                            const std::function<void(int stage, int done, int total)>& progress,
                            const std::atomic<bool>& abortFlag,
-                           OpeningMessages messages = OpeningMessages::steps);
+                           LogMessages messages = LogMessages::steps);
 
 /// Gives a described field of `group` its block, for the group's number of packets. `dense` as in
 /// `ZeroedBlock::allocate`. Failures are also said in the diagnostics.

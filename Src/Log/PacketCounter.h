@@ -7,6 +7,9 @@
 
 namespace corv {
 
+/// Logs what was counted.
+void logCounters(const LogDecodeCounters& counters);
+
 /// Visitor of a `PacketScan`: how many good packets there are of each id, and what is wrong with
 /// the others.
 class PacketCounter

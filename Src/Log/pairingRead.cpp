@@ -199,6 +199,7 @@ struct SurveyCounts
 {
     LogDecodeCounters counters;
     std::optional<LogTimeSpan> span;
+    LogMessages messages = LogMessages::steps;
     int version = 0;
     bool needsDecoding =
         false; ///< the description is odd: only the full decoding says what it holds
@@ -217,9 +218,8 @@ public:
 
     Status read(const QString& path)
     {
-        Result<LogOpening> opened =
-            openLog(path, m_progress, *m_abortFlag,
-                    m_survey ? OpeningMessages::none : OpeningMessages::steps);
+        Result<LogOpening> opened = openLog(path, m_progress, *m_abortFlag,
+                                            m_survey ? m_survey->messages : LogMessages::steps);
         if (!opened)
             return opened.failure();
         m_opening = std::move(*opened);
@@ -449,21 +449,26 @@ LogDigest LogDecoder::digestOf(const LogFile* log) const
             log->getGroup("mobius_start_rec") != nullptr};
 }
 
-Result<LogSurvey> LogDecoder::survey(const QString& path, const Progress& progress)
+Result<LogSurvey> LogDecoder::survey(const QString& path, const Progress& progress,
+                                     LogMessages messages)
 {
     m_counters = {};
     m_logVersion = 0;
     LogSurvey survey;
     try {
         SurveyCounts counts;
+        counts.messages = messages;
         PairingRead reading(m_abortFlag, progress, &counts);
         if (const Status status = reading.read(path); !status)
             return status.failure();
         m_counters = counts.counters;
         m_logVersion = counts.version;
         survey.span = counts.span;
-        if (!counts.needsDecoding)
+        if (!counts.needsDecoding) {
+            if (messages == LogMessages::steps)
+                logCounters(m_counters);
             survey.log = reading.takeLog();
+        }
     } catch (const std::bad_alloc&) {
         qCWarning(lcLog) << "ERROR: no memory left for the log" << path;
         return logNoMemory(path);

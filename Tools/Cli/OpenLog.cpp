@@ -1,6 +1,7 @@
 #include "Cli/OpenLog.h"
 
 #include "Cli/TerminalLine.h"
+#include "Cli/diagnostics.h"
 
 #include <cstdio>
 
@@ -23,7 +24,8 @@ Result<SurveyedLog> surveyLog(const QString& path)
     TerminalLine line(stderr);
     const std::atomic<bool> abortFlag{false};
     LogDecoder decoder(&abortFlag);
-    const Result<LogSurvey> survey = decoder.survey(path, progressOn(line));
+    const Result<LogSurvey> survey = decoder.survey(
+        path, progressOn(line), showsDiagnostics() ? LogMessages::steps : LogMessages::failures);
     if (!survey)
         return survey.failure();
     return SurveyedLog{path, decoder.logVersion(), decoder.counters(), *survey};

@@ -37,4 +37,9 @@ void installDiagnostics(bool verbose)
     qInstallMessageHandler(handle);
 }
 
+bool showsDiagnostics()
+{
+    return isVerbose;
+}
+
 } // namespace corv::cli
