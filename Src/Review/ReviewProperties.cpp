@@ -17,7 +17,7 @@ struct Range
     double to;
 };
 
-// What the controls of the interface allow.
+// What the controls of the interface allow; their ends are in AdjustmentsTabContents.qml.
 constexpr Range contrastRange{0.5, 2.0};
 constexpr Range brightnessRange{-50.0, 50.0};
 constexpr Range irOffsetXRange{-0.2, 0.2};

@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
+#include <array>
 
 using namespace corv::test;
 
@@ -14,6 +15,8 @@ class ProjectWorkflowTest : public ReviewSuite
     Q_OBJECT
 
 private slots:
+    void bringsNumbersToTheEndsOfTheControls_data();
+    void bringsNumbersToTheEndsOfTheControls();
     void savesAndReopens();
     void savesUnderANameWithoutSuffix();
     void asksBeforeAFileIsReplaced_data();
@@ -98,6 +101,34 @@ QJsonObject flightOf(const QString& path)
 }
 
 } // namespace
+
+void ProjectWorkflowTest::bringsNumbersToTheEndsOfTheControls_data()
+{
+    QTest::addColumn<double>("number");
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("too high") << 1e9 << QByteArray("maximumValue");
+    QTest::newRow("too low") << -1e9 << QByteArray("minimumValue");
+}
+
+void ProjectWorkflowTest::bringsNumbersToTheEndsOfTheControls()
+{
+    QFETCH(double, number);
+    QFETCH(QByteArray, end);
+    QJsonObject flight = project(media().video(), media().log());
+    flight["properties"] = QJsonObject{
+        {"display", QJsonObject{{"contrast", number}, {"brightness", number}}},
+        {"thermal_video", QJsonObject{{"align_offset_x", number}, {"align_offset_y", number}}}};
+    m_ui->call("loadProject", {writeProject(flight)});
+    QTRY_VERIFY(m_ui->hasVideo());
+    QVERIFY(m_ui->showAdjustments());
+    const std::array<std::pair<const char*, const char*>, 4> settings{
+        {{"contrastSetter", "contrast"},
+         {"brightnessSetter", "brightness"},
+         {"horizontalThermalCorrectionSetter", "irOffsetX"},
+         {"verticalThermalCorrectionSetter", "irOffsetY"}}};
+    for (const auto& [setter, setting] : settings)
+        QCOMPARE(player(setting).toDouble(), m_ui->get(setter, end.constData()).toDouble());
+}
 
 void ProjectWorkflowTest::savesAndReopens()
 {
