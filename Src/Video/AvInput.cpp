@@ -5,6 +5,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/mem.h>
 }
 
 #include <QByteArray>
@@ -18,6 +19,10 @@ namespace {
 
 // What states more frames a second states the ticks of its clock.
 constexpr double mostFps = 1000.0;
+
+// The list of all packets of two days at 60 a second, and twice a plane of 8192 x 8192 points of
+// two bytes.
+constexpr size_t largestAllocation = 256 * 1024 * 1024;
 
 // That many packets that cannot be read in a row are no damage but the end.
 constexpr int hopelessErrors = 500;
@@ -33,6 +38,16 @@ Failure noVideo()
 }
 
 } // namespace
+
+void prepareLibav()
+{
+    static const bool isDone = [] {
+        av_log_set_level(AV_LOG_QUIET); // its texts go to no log of ours
+        av_max_alloc(largestAllocation);
+        return true;
+    }();
+    Q_UNUSED(isDone)
+}
 
 Failure tooLittleMemory()
 {
@@ -57,9 +72,7 @@ void AvDelete::operator()(AVPacket* packet) const
 Result<std::unique_ptr<AvInput>> AvInput::open(std::unique_ptr<ByteSource> bytes,
                                                const QString& name, int bufferBytes)
 {
-    // What libav would say goes to no log of ours.
-    static const bool quiet = (av_log_set_level(AV_LOG_QUIET), true);
-    Q_UNUSED(quiet)
+    prepareLibav();
     std::unique_ptr<AvInput> input(new AvInput);
     input->m_io.bytes = std::move(bytes);
     AVFormatContext* context = avformat_alloc_context();

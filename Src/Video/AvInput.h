@@ -14,6 +14,11 @@ struct AVStream;
 
 namespace corv {
 
+/// Sets what holds for libav in the whole program, also below OpenCV: silence, and a limit for each
+/// piece of memory, as a damaged count in a file of a few kilobytes can ask for gigabytes. Before
+/// any use of it; the first call does all. Any thread.
+void prepareLibav();
+
 /// For what libav could not allocate.
 Failure tooLittleMemory();
 

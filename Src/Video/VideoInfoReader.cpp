@@ -1,6 +1,7 @@
 #include "Video/VideoInfoReader.h"
 
 #include "Base/arithmetic.h"
+#include "Video/AvInput.h"
 #include "Video/VideoBackend.h"
 #include "Video/logCategory.h"
 
@@ -25,6 +26,7 @@ bool readPromisedLength(const QString& file, PromisedLength& length)
     const QFileInfo info(file);
     if (!info.isFile())
         return false;
+    prepareLibav();
     try {
         cv::VideoCapture capture;
         if (!capture.open(info.absoluteFilePath().toStdString(), cv::CAP_FFMPEG))

@@ -1,10 +1,12 @@
 #include "Support/MediaDoubles.h"
 #include "Support/TestVideo.h"
 #include "Video/AvFrameSource.h"
+#include "Video/VideoInfoReader.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QtEndian>
 #include <limits>
 
 extern "C" {
@@ -48,6 +50,7 @@ private slots:
     void aMediumLostBeforeTheIndexIsReadGivesWhatItHad();
     void aFileCutWhileOpenEndsInAFailure();
     void failuresHaveTheirReason();
+    void countsThatCannotBeTakeNoMemory();
     void lackOfMemoryIsNoDamage_data();
     void lackOfMemoryIsNoDamage();
 
@@ -271,6 +274,36 @@ void FrameMediumTest::failuresHaveTheirReason()
     QCOMPARE(refused.failure().kind, Failure::Kind::notRecognised);
     QVERIFY(refused.failure().sentence.contains(text.fileName()));
     QVERIFY(refused.failure().sentence.endsWith('.'));
+}
+
+// A fragment that promises 67 million packets without a word on their sizes: their list would take
+// gigabytes, of a file of some kilobytes.
+void FrameMediumTest::countsThatCannotBeTakeNoMemory()
+{
+    const QString path = m_folder.filePath("fragments.mp4");
+    QVERIFY((TestVideo{50,
+                       "25",
+                       {320, 240},
+                       0,
+                       {"-c:v", "mpeg4", "-g", "10", "-movflags", "frag_keyframe+empty_moov"}}
+                 .write(path)));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QByteArray bytes = file.readAll();
+    const int run = bytes.indexOf("trun");
+    QVERIFY(run > 0);
+    // Of the flags, the place of the data and the first packet's flags stay.
+    qToBigEndian(quint32{0x5}, bytes.data() + run + 4);
+    qToBigEndian(quint32{0x04000000}, bytes.data() + run + 8);
+    QVERIFY(file.seek(0));
+    QCOMPARE(file.write(bytes), qint64{bytes.size()});
+    file.close();
+
+    m_medium = std::make_shared<Medium>();
+    const auto opened = open(path);
+    QVERIFY(!opened);
+    QCOMPARE(opened.failure().kind, Failure::Kind::noMemory);
+    QVERIFY(VideoInfoReader(path).getDurationMs() <= 2000);
 }
 
 void FrameMediumTest::lackOfMemoryIsNoDamage_data()
