@@ -24,6 +24,15 @@ struct FlightName
 /// count against that: a whole card may be marked. Pure; any thread.
 std::vector<FlightName> flightNames(const QStringList& paths);
 
+/// The same names, those of renamed files as they may have been before. A card's files are written
+/// in the order of their numbers, by the camera as by a copy. Where the times of a row of files
+/// follow its numbers, a file named otherwise gets one of the numbers that the row leaves out at
+/// its time; if that is so for any of them, one beyond the row gets the next number there. Files
+/// that are a row of their own keep their names, as do those whose time (milliseconds; negative if
+/// unknown) fits into no row. Pure; any thread.
+std::vector<FlightName> formerNames(std::vector<FlightName> names,
+                                    const std::vector<qint64>& timesMs);
+
 /// The order of file names as a person reads them: numbers by their value, letters without case.
 bool namesInOrder(const QString& a, const QString& b);
 

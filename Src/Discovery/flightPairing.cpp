@@ -47,25 +47,31 @@ template <typename File>
 std::vector<FlightName> namesOf(const std::vector<File>& files)
 {
     QStringList paths;
-    for (const File& file : files)
+    std::vector<qint64> timesMs;
+    for (const File& file : files) {
         paths.append(file.path);
-    return flightNames(paths);
+        timesMs.push_back(file.timeMs);
+    }
+    return formerNames(flightNames(paths), timesMs);
+}
+
+QString nameOf(const FlightName& name)
+{
+    return name.before + name.number + QLatin1Char('.') + name.suffix;
 }
 
 // Positions of the files in the order of their names. Where files of equal names were put together,
 // those of the same copy come from one card.
-template <typename File>
-std::vector<size_t> orderOfNames(const std::vector<File>& files,
-                                 const std::vector<FlightName>& names)
+std::vector<size_t> orderOfNames(const std::vector<FlightName>& names)
 {
-    std::vector<size_t> order(files.size());
+    std::vector<size_t> order(names.size());
     std::iota(order.begin(), order.end(), size_t(0));
     std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
         if (names[a].folder == names[b].folder && names[a].copy != names[b].copy)
             return names[a].copy < names[b].copy;
         if (names[a].folder != names[b].folder)
             return namesInOrder(names[a].folder, names[b].folder);
-        return namesInOrder(files[a].path, files[b].path);
+        return namesInOrder(nameOf(names[a]), nameOf(names[b]));
     });
     return order;
 }
@@ -73,7 +79,7 @@ std::vector<size_t> orderOfNames(const std::vector<File>& files,
 std::vector<Recording> recordingsInOrder(const std::vector<PairingLog>& logs)
 {
     std::vector<Recording> recordings;
-    for (const size_t log : orderOfNames(logs, namesOf(logs))) {
+    for (const size_t log : orderOfNames(namesOf(logs))) {
         quint32 lastStop = 0;
         for (const RecEvent& event : logs[log].recordings)
             lastStop = std::max(lastStop, event.stopTime);
@@ -278,9 +284,8 @@ private:
 };
 
 Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs)
-    : m_videos(videos), m_logs(logs), m_names(namesOf(videos)),
-      m_order(orderOfNames(videos, m_names)), m_recordings(recordingsInOrder(logs)),
-      m_delay(videos, logs, m_recordings)
+    : m_videos(videos), m_logs(logs), m_names(namesOf(videos)), m_order(orderOfNames(m_names)),
+      m_recordings(recordingsInOrder(logs)), m_delay(videos, logs, m_recordings)
 {
     AlignmentInput& input = m_input;
     for (size_t place = 0; place < m_order.size(); ++place) {
