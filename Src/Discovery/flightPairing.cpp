@@ -252,6 +252,7 @@ private:
     bool isOpen(size_t place, const Pairing& pairing) const;
     std::vector<bool> recordingsInDirectOrder() const;
     void settleOpen(std::vector<Pairing>& pairings);
+    void doubtAroundLeftOutLogs(std::vector<Pairing>& pairings) const;
     bool isDoubtful(const PairingVideo& video, const LogBelief& byTime) const;
     LogBelief beliefIn(size_t place, int log) const;
     LogBelief mostLikely(size_t place) const;
@@ -620,12 +621,35 @@ void Decision::settleOpen(std::vector<Pairing>& pairings)
     }
 }
 
+// The video of a log that is missing between two others is between theirs. If by the numbers none
+// is missing there, one of the two may have the length of that log's flight by accident. Times that
+// are not lost say more.
+void Decision::doubtAroundLeftOutLogs(std::vector<Pairing>& pairings) const
+{
+    const std::vector<FlightName> logNames = namesOf(m_logs);
+    for (size_t place = 1; place < m_order.size() && m_timesAreLost; ++place) {
+        const size_t first = m_order[place - 1];
+        const size_t next = m_order[place];
+        Pairing& before = pairings[first];
+        Pairing& pairing = pairings[next];
+        if (before.log < 0 || pairing.log < 0 || numbersBetween(m_names[first], m_names[next]) != 0)
+            continue;
+        const int logsBetween = numbersBetween(logNames[static_cast<size_t>(before.log)],
+                                               logNames[static_cast<size_t>(pairing.log)]);
+        if (logsBetween > 0) {
+            before.doubtful = true;
+            pairing.doubtful = true;
+        }
+    }
+}
+
 std::vector<Pairing> Decision::take()
 {
     std::vector<Pairing> pairings(m_videos.size());
     for (size_t place = 0; place < m_order.size(); ++place)
         pairings[m_order[place]] = decide(place);
     settleOpen(pairings);
+    doubtAroundLeftOutLogs(pairings);
     return pairings;
 }
 

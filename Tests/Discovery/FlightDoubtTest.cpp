@@ -38,6 +38,8 @@ private slots:
     void equalFlightsOfACopyWithoutTheirLogsAreDoubted_data();
     void equalFlightsOfACopyWithoutTheirLogsAreDoubted();
     void lostTimesDoNotConfirmALength();
+    void logLeftOutBetweenNeighboursIsDoubted_data();
+    void logLeftOutBetweenNeighboursIsDoubted();
     void completeCardsAreDoubtedLess();
     void lengthAloneIsDoubtedWhereFilesAreMissing_data();
     void lengthAloneIsDoubtedWhereFilesAreMissing();
@@ -344,6 +346,41 @@ void FlightDoubtTest::lostTimesDoNotConfirmALength()
     QVERIFY(pairings[1].doubtful);
 }
 
+void FlightDoubtTest::logLeftOutBetweenNeighboursIsDoubted_data()
+{
+    QTest::addColumn<int>("lastVideo");
+    QTest::addColumn<int>("lastLog");
+    QTest::addColumn<bool>("doubtful");
+    QTest::newRow("neighbours with logs that are neighbours") << 52 << 691 << false;
+    QTest::newRow("neighbours, and a log between theirs is missing") << 52 << 692 << true;
+    QTest::newRow("a video and a log are missing") << 53 << 692 << false;
+}
+
+// Times are lost; the last video may be that of the log that is missing.
+void FlightDoubtTest::logLeftOutBetweenNeighboursIsDoubted()
+{
+    QFETCH(int, lastVideo);
+    QFETCH(int, lastLog);
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+    const auto add = [&](int number, int log, qint64 lengthMs) {
+        videos.push_back(video(QStringLiteral("CORV00%1.MOV").arg(number), lengthMs, 0));
+        logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(log), {lengthMs + 1000}, 5));
+    };
+    add(46, 686, 659'676);
+    add(47, 687, 888'121);
+    add(48, 688, 762'195);
+    add(50, 689, 805'972);
+    add(51, 690, 147'230);
+    add(lastVideo, lastLog, 992'525);
+    const std::vector<Pairing> pairings = pairFlights(videos, logs);
+    QCOMPARE(pairings[5].log, 5);
+    QTEST(pairings[4].doubtful, "doubtful");
+    QTEST(pairings[5].doubtful, "doubtful");
+    for (const size_t sure : {1, 2, 3})
+        QVERIFY(!pairings[sure].doubtful);
+}
+
 // Every recording has its video: a length that agrees by accident would leave one without.
 void FlightDoubtTest::completeCardsAreDoubtedLess()
 {
@@ -375,8 +412,8 @@ void FlightDoubtTest::lengthAloneIsDoubtedWhereFilesAreMissing()
              {1, 176'126}, {2, 225'375}, {4, 410'143}, {10, 610'543}, {11, 556'239}})
         videos.push_back(
             video(QStringLiteral("CORV%1.MOV").arg(number, 4, 10, QChar('0')), lengthMs, -1));
-    std::vector<PairingLog> logs = {logOf("1.log", {177'156}), logOf("4.log", {225'685, 410'705}),
-                                    logOf("6.log", {611'356}), logOf("7.log", {557'091})};
+    std::vector<PairingLog> logs = {logOf("1.log", {177'156}), logOf("2.log", {225'685, 410'705}),
+                                    logOf("4.log", {611'356}), logOf("5.log", {557'091})};
     if (!complete) {
         videos.push_back(video("CORV0018.MOV", 831'030, -1));
         logs.push_back(logOf("8.log", {1'038'744}));
