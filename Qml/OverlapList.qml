@@ -15,9 +15,11 @@ Item {
     readonly property alias shown: frame.visible
     signal chosen()
 
-    // Of the points of interest: maps of "time", "timeText", "name" and "thumbnail".
+    // Of the points of interest: maps of "time", "timeText" and "name".
     property var pois: []
     property real pointedX: 0
+    // Counts the changes of the points of interest: pictures may come while the list is shown.
+    property int revision: 0
 
     function follow() {
         var place = pointer.point.position;
@@ -32,6 +34,11 @@ Item {
         } else if (pois.length > 0 && !leaving.running && !over.containsMouse) {
             leaving.start();
         }
+    }
+
+    // The revision is there for the bindings that call this: each change makes them call again.
+    function pictureAt(time, revision) {
+        return navigator.pictureAt(time);
     }
 
     function choose(time) {
@@ -49,6 +56,14 @@ Item {
 
         function onHoveredChanged() {
             overlapList.follow();
+        }
+    }
+
+    Connections {
+        target: frame.visible ? overlapList.navigator.timeline.poiModel : null
+
+        function onChanged() {
+            ++overlapList.revision;
         }
     }
 
@@ -112,7 +127,7 @@ Item {
                         anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
                         width: 64
                         height: 36
-                        picture: modelData.thumbnail
+                        picture: overlapList.pictureAt(modelData.time, overlapList.revision)
                     }
 
                     ElidedText {

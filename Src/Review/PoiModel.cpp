@@ -16,6 +16,10 @@ namespace {
 
 constexpr int noBatch = -1;
 
+// Enough to keep the worker busy past the moment that each request waits, few enough that what is
+// shown next comes soon.
+constexpr int mostShownOnTheirWay = 8;
+
 QString quoted(const QString& name)
 {
     constexpr int shownLength = 40;
@@ -151,7 +155,8 @@ void PoiModel::perform(const QString& text, std::vector<PoiChange> changes, int 
 
 void PoiModel::apply(const std::vector<PoiChange>& changes, bool forward)
 {
-    const auto applyOne = [this, forward](const PoiChange& change) {
+    std::vector<ThumbnailWish> wishes;
+    const auto applyOne = [this, forward, &wishes](const PoiChange& change) {
         const std::optional<Poi>& wanted = forward ? change.after : change.before;
         if (!wanted) {
             erase(change.time);
@@ -165,12 +170,13 @@ void PoiModel::apply(const std::vector<PoiChange>& changes, bool forward)
             poi.thumbnail = there->thumbnail;
         put(poi);
         if (needsFrame)
-            requestThumbnail(poi.time, FrameHandOver::NullFrameWarning::withTime);
+            wishes.push_back({poi.time, FrameHandOver::NullFrameWarning::withTime});
     };
     if (forward)
         std::for_each(changes.begin(), changes.end(), applyOne);
     else
         std::for_each(changes.rbegin(), changes.rend(), applyOne);
+    requestThumbnails(wishes);
     emit contentsChanged();
     emit changed();
 }
@@ -263,10 +269,11 @@ void PoiModel::setFromList(const QVariantList& list)
         poi.origin = PoiOrigin::project;
         pois.push_back(poi);
     }
-    std::vector<QTime> times;
-    times.reserve(pois.size());
-    std::transform(pois.begin(), pois.end(), std::back_inserter(times),
-                   [](const Poi& poi) { return poi.time; });
+    std::vector<ThumbnailWish> wishes;
+    wishes.reserve(pois.size());
+    std::transform(pois.begin(), pois.end(), std::back_inserter(wishes), [](const Poi& poi) {
+        return ThumbnailWish{poi.time, FrameHandOver::NullFrameWarning::withoutTime};
+    });
     // Of several at one time the last one is kept.
     std::reverse(pois.begin(), pois.end());
     std::stable_sort(pois.begin(), pois.end(),
@@ -278,8 +285,8 @@ void PoiModel::setFromList(const QVariantList& list)
     beginResetModel();
     m_pois = std::move(pois);
     endResetModel();
-    for (const QTime time : times)
-        requestThumbnail(time, FrameHandOver::NullFrameWarning::withoutTime);
+    m_unseen.clear();
+    requestThumbnails(wishes);
     emit countChanged();
     emit contentsChanged();
     emit changed();
@@ -292,6 +299,9 @@ void PoiModel::clear()
     m_isHeld = false;
     m_toRefresh.clear();
     m_isRefreshing = false;
+    m_unseen.clear();
+    m_shown.clear();
+    m_shownOnTheirWay = 0;
     beginResetModel();
     m_pois.clear();
     endResetModel();
@@ -399,8 +409,9 @@ void PoiModel::holdThumbnails()
 void PoiModel::releaseThumbnails()
 {
     m_isHeld = false;
-    for (const HeldThumbnail& held : std::exchange(m_held, {}))
-        requestThumbnail(held.time, held.warning);
+    requestThumbnails(std::exchange(m_held, {}));
+    if (hasUnseen())
+        emit changed();
 }
 
 bool PoiModel::requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
@@ -430,12 +441,72 @@ void PoiModel::requestThumbnail(QTime time, FrameHandOver::NullFrameWarning warn
                      [this, time](const QImage& thumbnail) { storeThumbnail(time, thumbnail); });
 }
 
+// A list that no screen shows at once would keep the worker busy for minutes.
+void PoiModel::requestThumbnails(const std::vector<ThumbnailWish>& wishes)
+{
+    if (m_isHeld || wishes.size() <= fetchedUnseen) {
+        for (const ThumbnailWish& wish : wishes)
+            requestThumbnail(wish.time, wish.warning);
+        return;
+    }
+    for (const ThumbnailWish& wish : wishes)
+        m_unseen[msOfTime(wish.time)] = wish.warning;
+}
+
+bool PoiModel::isUnseen(QTime time) const
+{
+    return time.isValid() && m_unseen.count(msOfTime(time)) > 0;
+}
+
+void PoiModel::showThumbnails(const std::vector<QTime>& times)
+{
+    m_shown.assign(times.begin(), times.end());
+    fetchNextShown();
+}
+
+void PoiModel::showThumbnail(QTime time)
+{
+    if (!isUnseen(time) || !find(time))
+        return;
+    const auto fetched = m_unseen.extract(msOfTime(time));
+    requestThumbnail(time, fetched.mapped());
+}
+
+void PoiModel::fetchNextShown()
+{
+    const auto fetchNext = [this] {
+        --m_shownOnTheirWay;
+        fetchNextShown();
+    };
+    while (!m_shown.empty() && m_shownOnTheirWay < mostShownOnTheirWay) {
+        const QTime time = m_shown.front();
+        m_shown.pop_front();
+        if (!isUnseen(time) || !find(time))
+            continue;
+        const auto fetched = m_unseen.extract(msOfTime(time));
+        const bool isRequested = requestFrame(
+            time, fetched.mapped(),
+            [this, time, fetchNext](const QImage& thumbnail) {
+                storeThumbnail(time, thumbnail);
+                fetchNext();
+            },
+            fetchNext);
+        m_shownOnTheirWay += isRequested ? 1 : 0;
+    }
+}
+
 void PoiModel::refreshThumbnails()
 {
     // Those that are held are drawn in the new way anyway.
     if (m_isHeld)
         return;
     m_toRefresh.clear();
+    if (m_pois.size() > fetchedUnseen) {
+        for (const Poi& poi : m_pois)
+            m_unseen.emplace(msOfTime(poi.time), FrameHandOver::NullFrameWarning::withTime);
+        emit changed();
+        return;
+    }
     for (const Poi& poi : m_pois)
         m_toRefresh.push_back(poi.time);
     if (!m_isRefreshing)

@@ -12,6 +12,7 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 class QUndoStack;
@@ -103,6 +104,20 @@ public:
     void setFromList(const QVariantList& list);
     void clear();
 
+    /// Of more than this many at once, thumbnails are fetched only once they are shown.
+    static constexpr size_t fetchedUnseen = 2000;
+
+    /// Whether any thumbnail, or that at `time`, is fetched only once it is shown, and was not yet.
+    bool hasUnseen() const { return !m_unseen.empty(); }
+    bool isUnseen(QTime time) const;
+
+    /// Fetches the unseen thumbnails at these times, in this order and a few at a time. Those of an
+    /// earlier call that were not begun are not shown any more, and wait again.
+    void showThumbnails(const std::vector<QTime>& times);
+
+    /// Fetches one of them at once, and keeps what the last showThumbnails() asked for.
+    void showThumbnail(QTime time);
+
     /// While held, thumbnails of points of interest that exist wait: the picture is to have the
     /// thermal overlay of a log that is still being read.
     void holdThumbnails();
@@ -138,6 +153,12 @@ signals:
 private:
     using Iterator = std::vector<Poi>::iterator;
 
+    struct ThumbnailWish
+    {
+        QTime time;
+        FrameHandOver::NullFrameWarning warning;
+    };
+
     Iterator lowerBound(QTime time);
     Poi* findMutable(QTime time);
     void put(const Poi& poi);
@@ -146,6 +167,8 @@ private:
     bool requestFrame(QTime time, FrameHandOver::NullFrameWarning warning,
                       std::function<void(const QImage&)> store, std::function<void()> missing = {});
     void requestThumbnail(QTime time, FrameHandOver::NullFrameWarning warning);
+    void requestThumbnails(const std::vector<ThumbnailWish>& wishes);
+    void fetchNextShown();
     void storeThumbnail(QTime time, const QImage& thumbnail);
     void refreshNext();
     void insertLogPoi(QTime time, int index, const QImage& thumbnail, As as, int batch);
@@ -154,19 +177,17 @@ private:
 
     int countInLog(const std::function<bool(int ms)>& counts) const;
 
-    struct HeldThumbnail
-    {
-        QTime time;
-        FrameHandOver::NullFrameWarning warning;
-    };
-
     std::vector<Poi> m_pois;
     QPointer<LogParser> m_logParser;
     QPointer<VideoPlayer> m_videoPlayer;
     QUndoStack* m_undoStack = nullptr;
     FrameHandOver m_frames;
     bool m_isHeld = false;
-    std::vector<HeldThumbnail> m_held;
+    std::vector<ThumbnailWish> m_held;
+    // By millisecond; those that have gone since stay until their flight ends.
+    std::unordered_map<int, FrameHandOver::NullFrameWarning> m_unseen;
+    std::deque<QTime> m_shown; ///< of `showThumbnails`, not begun
+    int m_shownOnTheirWay = 0;
     std::deque<QTime> m_toRefresh;
     bool m_isRefreshing = false; ///< a picture of `refreshThumbnails` is on its way
     int m_loading = 0; ///< grows with each flight: late frames of an earlier one are dropped

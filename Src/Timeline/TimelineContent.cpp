@@ -1,6 +1,7 @@
 #include "Timeline/TimelineContent.h"
 
 #include "Base/arithmetic.h"
+#include "Threads/post.h"
 #include "Timeline/TimelinePoi.h"
 #include "Timeline/WaitCursor.h"
 #include "Timeline/logCategory.h"
@@ -10,6 +11,7 @@
 #include <QDebug>
 #include <QPainter>
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -374,6 +376,28 @@ void TimelineContent::paint(QPainter* painter)
     else
         paintHoveredPoi(*painter);
     paintCursor(*painter, pxOfTime(m_cursorPosition), size);
+    askForThumbnails();
+}
+
+// Those of which more than a stem can be seen: where the next one begins a pixel further on, its
+// stem and its thumbnail cover this one's.
+std::vector<QTime> TimelineContent::poisInSight() const
+{
+    std::vector<QTime> times{m_hoveredPoiTime, m_selectedPoiTime};
+    for (auto poi = firstPoiInTickRange(); isInTickRange(poi);) {
+        const auto next = std::next(poi);
+        if (next == m_pois->pois().end() || pxOfTime(next->time) > pxOfTime(poi->time) + 1)
+            times.push_back(poi->time);
+        poi = next;
+    }
+    return times;
+}
+
+// Painting runs on the thread of the scene, and the model belongs to that of the interface.
+void TimelineContent::askForThumbnails()
+{
+    if (m_pois->hasUnseen())
+        post(this, [this, times = poisInSight()] { m_pois->showThumbnails(times); });
 }
 
 void TimelineContent::paintPois(QPainter& painter) const

@@ -178,6 +178,8 @@ private:
 
     Pois::const_iterator firstPoiInTickRange() const;
     bool isInTickRange(Pois::const_iterator poi) const;
+    std::vector<QTime> poisInSight() const;
+    void askForThumbnails();
     void paintPois(QPainter& painter) const;
     void paintHoveredPoi(QPainter& painter) const;
     void paintMovedPoi(QPainter& painter) const;

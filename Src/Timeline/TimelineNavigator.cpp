@@ -77,9 +77,18 @@ QVariantList TimelineNavigator::poisAt(double x, double y) const
     for (const Poi& poi : m_timeline->poisAt(QPointF(x, y).toPoint()))
         list << QVariantMap{{QStringLiteral("time"), poi.time},
                             {QStringLiteral("timeText"), textOfTime(poi.time)},
-                            {QStringLiteral("name"), poi.name},
-                            {QStringLiteral("thumbnail"), poi.thumbnail}};
+                            {QStringLiteral("name"), poi.name}};
     return list;
+}
+
+QImage TimelineNavigator::pictureAt(QTime time) const
+{
+    if (!m_timeline)
+        return {};
+    PoiModel* const pois = m_timeline->poiModel();
+    pois->showThumbnail(time);
+    const Poi* const poi = pois->find(time);
+    return poi ? poi->thumbnail : QImage();
 }
 
 bool TimelineNavigator::samePois(const QVariantList& one, const QVariantList& other) const

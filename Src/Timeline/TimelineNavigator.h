@@ -2,6 +2,7 @@
 
 #include "Timeline/TimelineContent.h"
 
+#include <QImage>
 #include <QObject>
 #include <QPointer>
 #include <QVariantList>
@@ -41,8 +42,12 @@ public:
     Q_INVOKABLE QString timeTextAt(double x) const;
 
     /// The points of interest whose flags are at a place of the item, in ascending time: maps of
-    /// "time" (QTime), "timeText", "name" and "thumbnail" (QImage).
+    /// "time" (QTime), "timeText" and "name".
     Q_INVOKABLE QVariantList poisAt(double x, double y) const;
+
+    /// The thumbnail of the point of interest at `time`, null until it is there. One that was not
+    /// fetched yet, as nobody saw it, is fetched now; the model says when it has changed.
+    Q_INVOKABLE QImage pictureAt(QTime time) const;
 
     /// Whether two such lists are of the same points.
     Q_INVOKABLE bool samePois(const QVariantList& one, const QVariantList& other) const;

@@ -39,6 +39,15 @@ QVariantMap entry(int ms, const QString& name)
     return {{"time", ms}, {"name", name}, {"comment", name + "!"}};
 }
 
+/// One at each of the first milliseconds.
+QVariantList entries(size_t count)
+{
+    QVariantList list;
+    for (size_t i = 0; i < count; ++i)
+        list.append(entry(static_cast<int>(i), QStringLiteral("A")));
+    return list;
+}
+
 LogBuilder logWithPois(const QList<int>& videoTimesMs)
 {
     LogBuilder log = recordingLog(60000);
@@ -304,6 +313,110 @@ private slots:
         // The next flight's is not held up by it.
         pois.model.refreshThumbnails();
         QCOMPARE(pois.player.requestedTimes(), std::vector<QTime>{timeAt(1000)});
+    }
+
+    void thumbnailsOfManyAreFetchedOnceShown()
+    {
+        Pois pois;
+        QSignalSpy changed(&pois.model, &PoiModel::changed);
+        pois.model.holdThumbnails();
+        pois.model.setFromList(entries(PoiModel::fetchedUnseen + 1));
+        changed.clear();
+        pois.model.releaseThumbnails();
+        QCOMPARE(changed.count(), 1); // what shows them asks for them now
+        QVERIFY(pois.player.requests.empty());
+
+        pois.model.showThumbnails({timeAt(7), QTime(), timeAt(5), timeAt(99999999), timeAt(7)});
+        QCOMPARE(pois.player.requestedTimes(), (std::vector<QTime>{timeAt(7), timeAt(5)}));
+        pois.player.answerAll(frameOf(Qt::green));
+        deliver();
+        QVERIFY(!pois.model.find(timeAt(5))->thumbnail.isNull());
+        pois.model.showThumbnails({timeAt(5), timeAt(7)});
+        QVERIFY(pois.player.requests.empty());
+        pois.model.showThumbnail(timeAt(9));
+        QCOMPARE(pois.player.requestedTimes(), std::vector<QTime>{timeAt(9)});
+    }
+
+    void thumbnailsOfFewAreFetchedUnseen()
+    {
+        Pois pois;
+        pois.model.setFromList(entries(PoiModel::fetchedUnseen));
+        QCOMPARE(pois.player.requests.size(), PoiModel::fetchedUnseen);
+        QVERIFY(!pois.model.hasUnseen());
+    }
+
+    void whatIsShownLastIsFetchedFirst()
+    {
+        Pois pois;
+        pois.model.setFromList(entries(3000));
+        std::vector<QTime> left;
+        for (int ms = 0; ms < 100; ++ms)
+            left.push_back(timeAt(ms));
+        pois.model.showThumbnails(left);
+        const size_t onTheirWay = pois.player.requests.size();
+        QVERIFY2(onTheirWay < 20, qPrintable(QString::number(onTheirWay)));
+        pois.model.showThumbnails({timeAt(2500), timeAt(50)});
+        QCOMPARE(pois.player.requests.size(), onTheirWay);
+        // One that is missing makes room for the next as well.
+        pois.player.answer(QImage());
+        pois.player.answer(frameOf(Qt::green));
+        deliver();
+        QCOMPARE(pois.player.requests.at(onTheirWay - 2).time, timeAt(2500));
+        QCOMPARE(pois.player.requests.back().time, timeAt(50));
+        pois.player.answerAll(frameOf(Qt::green));
+        deliver();
+        QVERIFY(pois.player.requests.empty());
+        QVERIFY(pois.model.isUnseen(timeAt(51)));
+    }
+
+    void thumbnailsOfManyAreRefreshedOnceShown()
+    {
+        Pois pois;
+        pois.model.setFromList(entries(3000));
+        pois.model.showThumbnails({timeAt(5)});
+        pois.player.answerAll(frameOf(Qt::green));
+        deliver();
+        QSignalSpy changed(&pois.model, &PoiModel::changed);
+        pois.model.refreshThumbnails();
+        QCOMPARE(changed.count(), 1);
+        QVERIFY(pois.player.requests.empty());
+        QVERIFY(!pois.model.find(timeAt(5))->thumbnail.isNull()); // the old one, until then
+        pois.model.showThumbnails({timeAt(5)});
+        QCOMPARE(pois.player.requestedTimes(), std::vector<QTime>{timeAt(5)});
+    }
+
+    void whatIsShownOfAnEarlierFlightIsForgotten()
+    {
+        Pois pois;
+        pois.model.setFromList(entries(3000));
+        pois.model.showThumbnails({timeAt(1), timeAt(2)});
+        pois.model.clear();
+        QVERIFY(!pois.model.hasUnseen());
+        pois.model.setFromList(entries(3000));
+        pois.player.answerAll(frameOf(Qt::red));
+        deliver();
+        QVERIFY(pois.model.find(timeAt(1))->thumbnail.isNull());
+        pois.model.showThumbnails({timeAt(1)});
+        QCOMPARE(pois.player.requestedTimes(), std::vector<QTime>{timeAt(1)});
+    }
+
+    void deletingManyAndUndoingItFetchesNone()
+    {
+        // Without the tester of Pois, which looks at all rows after each change.
+        FramePlayer player;
+        QUndoStack stack;
+        PoiModel model;
+        model.setVideoPlayer(&player);
+        model.setUndoStack(&stack);
+        model.setFromList(entries(3000));
+        std::vector<QTime> all;
+        for (const Poi& poi : model.pois())
+            all.push_back(poi.time);
+        model.removeAll(all);
+        stack.undo();
+        QCOMPARE(model.count(), 3000);
+        QVERIFY(player.requests.empty());
+        QVERIFY(model.isUnseen(timeAt(2999)));
     }
 
     void aHundredThousandFromAListTakeNoMinutes()

@@ -46,6 +46,7 @@ private slots:
     void paintsMoveMode();
     void poisOutOfViewAreNotPainted();
     void aHundredThousandPoisLookLikeOnePerPixel();
+    void asksOnlyForThumbnailsInSight();
     void paintingAfterRemovalOfPoisIsHarmless();
     void oddScalesArePaintedHarmlessly_data();
     void oddScalesArePaintedHarmlessly();
@@ -279,6 +280,39 @@ void TimelinePaintingTest::aHundredThousandPoisLookLikeOnePerPixel()
     const QImage image = painted(many.timeline);
     // Up to the last column, to which only the denser list rounds.
     QCOMPARE(image.copy(0, 26, 599, 134), painted(few.timeline).copy(0, 26, 599, 134));
+}
+
+void TimelinePaintingTest::asksOnlyForThumbnailsInSight()
+{
+    Strip strip(60120); // 1 ms per pixel
+    // Runs of a hundred, one on each pixel, and a gap of as much after each.
+    QVariantList list;
+    for (int ms = 0; ms < 60000; ++ms) {
+        if (ms % 200 < 100)
+            list.append(QVariantMap{{QStringLiteral("time"), ms}});
+    }
+    strip.timeline.setPOIsFromList(list);
+    QVERIFY(strip.player.requests.empty());
+    painted(strip.timeline);
+    deliver();
+    // The last of each run is the one whose picture is not covered.
+    QVERIFY(!strip.player.requests.empty());
+    while (!strip.player.requests.empty()) {
+        const int ms = msOfTime(strip.player.requests.front().time);
+        QVERIFY2(ms % 200 == 99 && ms < 2000, qPrintable(QString::number(ms)));
+        strip.player.answer(frameOf(Qt::green));
+        deliver();
+    }
+    const QImage image = painted(strip.timeline);
+    deliver();
+    QVERIFY(strip.player.requests.empty());
+    QCOMPARE(image.pixelColor(110, 70), QColor(Qt::green));
+    // Elsewhere, where the view is now.
+    strip.timeline.setContentX(30000);
+    painted(strip.timeline);
+    deliver();
+    QVERIFY(!strip.player.requests.empty());
+    QVERIFY(msOfTime(strip.player.requests.front().time) > 29000);
 }
 
 void TimelinePaintingTest::paintingAfterRemovalOfPoisIsHarmless()
