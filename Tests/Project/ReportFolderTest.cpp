@@ -18,6 +18,8 @@ private slots:
     void aFolderGoesWithItsReport();
     void sweepsWhatNobodyUses_data();
     void sweepsWhatNobodyUses();
+    void aFolderInUseByAnotherContainerStays();
+    void aFolderWhoseLockIsFreeIsSwept();
     void aLinkIsNotFollowed();
 
 private:
@@ -87,6 +89,28 @@ void ReportFolderTest::sweepsWhatNobodyUses()
     const QString folder = makeFolder(name);
     ReportFolder::sweep();
     QTEST(QFileInfo::exists(folder), "stays");
+}
+
+// There its process has a number that nobody has here.
+void ReportFolderTest::aFolderInUseByAnotherContainerStays()
+{
+    const ReportFolder folder;
+    const QString elsewhere = m_temporary->filePath(ofADeadProcess);
+    QVERIFY(QDir().rename(folder.path(), elsewhere));
+    ReportFolder::sweep();
+    QVERIFY(QFileInfo(elsewhere).isDir());
+    QVERIFY(QDir().rename(elsewhere, folder.path()));
+}
+
+void ReportFolderTest::aFolderWhoseLockIsFreeIsSwept()
+{
+    // Of a process that was killed a moment ago: the file is there, and not locked.
+    const QString killed = makeFolder(ofADeadProcess);
+    QFile lock(killed + QStringLiteral("/.vistrel-in-use"));
+    QVERIFY(lock.open(QIODevice::WriteOnly));
+    lock.close();
+    ReportFolder::sweep();
+    QVERIFY(!QFileInfo::exists(killed));
 }
 
 void ReportFolderTest::aLinkIsNotFollowed()
