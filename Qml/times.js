@@ -17,6 +17,11 @@ function plainDigits(text) {
     });
 }
 
+// A typed number as the fields show it: a comma is the point of other keyboards.
+function plainNumber(text) {
+    return plainDigits(text).replace(",", ".");
+}
+
 function minutesAndSeconds(time) {
     return plainDigits(Qt.formatTime(time, "mm:ss.zzz"));
 }

@@ -192,6 +192,7 @@ int main(int argc, char** argv)
     corv::runOnPool([] { corv::ReportFolder::sweep(); });
 
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+    corv::usePlainNumbers();
     corv::registerQmlTypes();
     corv::dropListsOfFileDialogs(application);
     corv::dressDialogs(application);

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPalette>
 #include <QPointer>
@@ -171,6 +172,11 @@ void hastenFirstFrame()
     // All icons have room in it, those of dense screens too; otherwise it is as large as a window.
     setUnlessSet("QSG_ATLAS_WIDTH", "512");
     setUnlessSet("QSG_ATLAS_HEIGHT", "512");
+}
+
+void usePlainNumbers()
+{
+    QLocale::setDefault(QLocale::c());
 }
 
 void useDialogColours(bool light)

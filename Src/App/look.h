@@ -13,6 +13,11 @@ void followScreenScale();
 /// pictures share. Before the application object is made.
 void hastenFirstFrame();
 
+/// Lets fields write and read numbers as rulers, lists and exports do on every machine: with the
+/// digits 0 to 9, a point, and no mark between thousands. Dates of file dialogs stay those of the
+/// system. Before the windows are made.
+void usePlainNumbers();
+
 /// Gives what Qt draws by itself (message boxes, file dialogs, lists, scroll bars) the colours of
 /// the windows. A message box shows its text as it is, never as markup, and the newest one lies on
 /// top of the others. Interface thread, once; for as long as the application lives.

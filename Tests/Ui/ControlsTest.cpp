@@ -1,7 +1,10 @@
 #include "UiFixture.h"
 
+#include "App/look.h"
+
 #include <QAccessible>
 #include <QColor>
+#include <QLocale>
 #include <memory>
 
 using corv::test::UiFixture;
@@ -32,6 +35,10 @@ private slots:
     void theSetterKeepsItsThreeViewsInStep_data();
     void theSetterKeepsItsThreeViewsInStep();
     void theSetterStopsAtItsLimits();
+    void numbersAreWrittenAlikeOnEveryMachine_data();
+    void numbersAreWrittenAlikeOnEveryMachine();
+    void otherKeyboardsTypeTheSameNumbers_data();
+    void otherKeyboardsTypeTheSameNumbers();
     void resettingIsLeftToTheUser();
     void onlyTheKeypadEndsAnEdit();
     void aDisabledSetterResetsNothing();
@@ -43,6 +50,9 @@ private slots:
 private:
     void open(const QByteArray& contents);
     QColor colour(const QString& name) const;
+
+    /// Types over the number of the setter's spin box.
+    void type(const QString& text) const;
 
     std::unique_ptr<UiFixture> m_ui;
 };
@@ -114,6 +124,19 @@ void ControlsTest::open(const QByteArray& contents)
 QColor ControlsTest::colour(const QString& name) const
 {
     return m_ui->get(name, "color").value<QColor>();
+}
+
+void ControlsTest::type(const QString& text) const
+{
+    UiFixture::click(m_ui->item("valueBox"));
+    QTRY_VERIFY(m_ui->get("valueBox", "activeFocus").toBool());
+    QTest::keySequence(m_ui->window(), QKeySequence::SelectAll);
+    for (const QChar letter : text) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(letter));
+        QCoreApplication::sendEvent(m_ui->window(), &press);
+        QKeyEvent release(QEvent::KeyRelease, 0, Qt::NoModifier, QString(letter));
+        QCoreApplication::sendEvent(m_ui->window(), &release);
+    }
 }
 
 void ControlsTest::constantsHaveTheirValues_data()
@@ -397,6 +420,62 @@ void ControlsTest::theSetterStopsAtItsLimits()
     QCOMPARE(m_ui->get("horizontalSlider", "value"), m_ui->get("horizontalSlider", "maximumValue"));
     m_ui->find("valueBox")->setProperty("value", 9000);
     QCOMPARE(m_ui->get("setter", "value").toDouble(), 5000.0);
+}
+
+void ControlsTest::numbersAreWrittenAlikeOnEveryMachine_data()
+{
+    QTest::addColumn<QLocale>("locale");
+    QTest::newRow("C") << QLocale::c();
+    QTest::newRow("English") << QLocale("en_US");
+    QTest::newRow("German") << QLocale("de_DE");
+    QTest::newRow("Arabic") << QLocale("ar_EG");
+    QTest::newRow("Persian") << QLocale("fa_IR");
+}
+
+void ControlsTest::numbersAreWrittenAlikeOnEveryMachine()
+{
+    QFETCH(QLocale, locale);
+    QLocale::setDefault(locale);
+    corv::usePlainNumbers();
+    open(setter);
+    const auto text = [this] { return m_ui->get("valueBox", "__text").toString(); };
+    m_ui->find("setter")->setProperty("value", 1200);
+    QCOMPARE(text(), QString("1200"));
+    type("10");
+    QCOMPARE(m_ui->get("setter", "value").toDouble(), 10.0);
+    m_ui->find("setter")->setProperty("decimals", 3);
+    m_ui->find("setter")->setProperty("value", -0.125);
+    QCOMPARE(text(), QString("-0.125"));
+    type("1.5");
+    QCOMPARE(m_ui->get("setter", "value").toDouble(), 1.5);
+}
+
+void ControlsTest::otherKeyboardsTypeTheSameNumbers_data()
+{
+    QTest::addColumn<int>("decimals");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("value");
+    QTest::newRow("a comma") << 3 << "0,5"
+                             << "0.5" << 0.5;
+    QTest::newRow("two commas") << 3 << "1,,5"
+                                << "1.5" << 1.5;
+    QTest::newRow("a comma in a whole number") << 0 << "1,5"
+                                               << "15" << 15.0;
+    QTest::newRow("Arabic digits") << 0 << QString::fromUtf8("-٤٢٠") << "-420" << -420.0;
+    QTest::newRow("Persian digits") << 1 << QString::fromUtf8("۱۲.۵") << "12.5" << 12.5;
+}
+
+void ControlsTest::otherKeyboardsTypeTheSameNumbers()
+{
+    QFETCH(int, decimals);
+    QFETCH(QString, typed);
+    open(setter);
+    m_ui->find("setter")->setProperty("decimals", decimals);
+    type(typed);
+    QTEST(m_ui->get("valueBox", "__text").toString(), "text");
+    QTEST(m_ui->get("setter", "value").toDouble(), "value");
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void ControlsTest::resettingIsLeftToTheUser()

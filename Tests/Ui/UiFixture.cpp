@@ -37,6 +37,7 @@ void UiFixture::prepare()
     QApplication::setOrganizationDomain(QStringLiteral("corvenity.example"));
     QApplication::setApplicationName(QStringLiteral("Vistrel"));
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+    usePlainNumbers();
     registerQmlTypes();
     dropListsOfFileDialogs(*qGuiApp);
     dressDialogs(*qApp);
