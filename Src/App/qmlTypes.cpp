@@ -16,6 +16,7 @@
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/HeldKey.h"
+#include "Shell/OpenedWindows.h"
 #include "Shell/PointerRest.h"
 #include "Shell/Shortcut.h"
 #include "Timeline/ExportInsets.h"
@@ -57,6 +58,7 @@ void registerQmlTypes()
     registerSingleton<ApplicationTelemetry>("corv.ApplicationTelemetry", "ApplicationTelemetry");
     registerSingleton<LogParser>("corv.LogParsing", "LogParser");
     registerSingleton<HeldKey>("Shortcuts", "HeldKey");
+    registerSingleton<OpenedWindows>("corv.OpenedWindows", "OpenedWindows");
     qmlRegisterType<FileChoice>("FileChoice", 1, 0, "FileChoice");
     qmlRegisterType<DirectoryParser>("DirectoryParser", 1, 0, "DirectoryParser");
     qmlRegisterType<HeadUpDisplay>("HeadUpDisplay", 1, 0, "HeadUpDisplay");

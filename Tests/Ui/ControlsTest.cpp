@@ -32,6 +32,8 @@ private slots:
     void togglesShowTheirStateByColour_data();
     void togglesShowTheirStateByColour();
     void theToolTipNeedsATextAndThePointer();
+    void theToolTipLeavesForAnotherWindow_data();
+    void theToolTipLeavesForAnotherWindow();
     void theSetterKeepsItsThreeViewsInStep_data();
     void theSetterKeepsItsThreeViewsInStep();
     void theSetterStopsAtItsLimits();
@@ -391,6 +393,39 @@ void ControlsTest::theToolTipNeedsATextAndThePointer()
     QCOMPARE(m_ui->get("toolTip", "timeout").toInt(), 5000);
     QTest::mouseMove(m_ui->window(), QPoint(490, 290));
     QTRY_VERIFY(!shown());
+}
+
+void ControlsTest::theToolTipLeavesForAnotherWindow_data()
+{
+    QTest::addColumn<bool>("waits");
+    QTest::newRow("shown") << false;
+    QTest::newRow("about to be shown") << true;
+}
+
+void ControlsTest::theToolTipLeavesForAnotherWindow()
+{
+    QFETCH(bool, waits);
+    open(allButtons);
+    QQuickItem* button = m_ui->item("tool");
+    button->setProperty("tooltiptext", "what it does");
+    UiFixture::hover(button);
+    QTRY_VERIFY(m_ui->find("toolTip"));
+    const auto shown = [this] { return m_ui->get("toolTip", "visible").toBool(); };
+    if (!waits)
+        QTRY_VERIFY(shown());
+    QWindow menu;
+    menu.setFlags(Qt::Popup);
+    menu.setTransientParent(m_ui->window());
+    menu.setGeometry(300, 200, 50, 50);
+    menu.show();
+    constexpr int soonMs = 1000; // long before it leaves by itself
+    QTRY_VERIFY_WITH_TIMEOUT(!shown(), soonMs);
+    QTest::qWait(m_ui->get("toolTip", "delay").toInt() + 200);
+    QVERIFY(!shown());
+    menu.close();
+    QTest::mouseMove(m_ui->window(), QPoint(490, 290));
+    UiFixture::hover(button);
+    QTRY_VERIFY(shown());
 }
 
 void ControlsTest::theSetterKeepsItsThreeViewsInStep_data()
