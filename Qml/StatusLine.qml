@@ -17,8 +17,10 @@ Rectangle {
     readonly property int runningJobs: jobs !== null ? jobs.running : 0
     // Whether the list of jobs is open.
     property bool jobsShown: false
-    // A job has failed since then: the notice of it is gone after a few seconds.
-    property bool failureUnseen: false
+    // The kinds of the jobs that have failed since then, and have not succeeded later: the notice of
+    // them is gone after a few seconds.
+    property var failedKinds: []
+    readonly property bool failureUnseen: failedKinds.length > 0
     signal jobsClicked()
     // Position, length and frame number, as shown.
     readonly property alias positionText: videoDuration.text
@@ -27,15 +29,20 @@ Rectangle {
 
     height: 26
     color: Theme.strip
-    onJobsShownChanged: failureUnseen = false
+    onJobsShownChanged: failedKinds = []
 
     Connections {
         target: statusLine.jobs
 
         function onDataChanged(first) {
             var job = statusLine.jobs.job(first.row);
-            if (job !== null && job.state === Job.Failed && !statusLine.jobsShown)
-                statusLine.failureUnseen = true;
+            if (job === null || job.running)
+                return;
+            var others = statusLine.failedKinds.filter(function(kind) { return kind !== job.kind; });
+            if (job.state === Job.Failed && !statusLine.jobsShown)
+                others.push(job.kind);
+            if (job.state === Job.Failed || job.state === Job.Succeeded)
+                statusLine.failedKinds = others;
         }
     }
 

@@ -16,6 +16,7 @@ namespace corv {
 class Job : public QObject
 {
     Q_OBJECT
+    Q_PROPERTY(Kind kind READ kind CONSTANT)
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(qint64 done READ done NOTIFY progressChanged)
     Q_PROPERTY(qint64 total READ total NOTIFY progressChanged)
@@ -31,6 +32,7 @@ public:
     Q_ENUM(State)
 
     enum class Kind { saving, copying, frames, series, video, report, search, log };
+    Q_ENUM(Kind)
 
     /// What is counted.
     enum class Unit { steps, bytes };

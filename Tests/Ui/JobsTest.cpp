@@ -47,6 +47,7 @@ class JobsTest : public ReviewSuite
 private slots:
     void aFinishedSeriesOpensItsFolder();
     void aFailedJobIsHighlighted();
+    void aLaterSuccessEndsTheHighlight();
     void aPictureOverAFileOfTheFlightIsAFailedJob();
     void quittingCancelsAndTheNextStartSaysSo();
     void quittingWaitsWhereTheSettingsSaySo();
@@ -121,6 +122,24 @@ void JobsTest::aFailedJobIsHighlighted()
     };
     QCOMPARE(colourOf("jobResult0"), m_ui->evaluate("Theme.textBand").value<QColor>());
     QCOMPARE(colourOf("jobResult1"), m_ui->evaluate("Theme.textFailed").value<QColor>());
+}
+
+void JobsTest::aLaterSuccessEndsTheHighlight()
+{
+    openFlight();
+    const auto buttonText = [this] { return m_ui->get("jobsButton", "text").toString(); };
+    QVERIFY(QDir(m_folder).removeRecursively());
+    QFile file(m_folder);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    startSeries(100);
+    QTRY_COMPARE(buttonText(), QString("Jobs: failed"));
+    // One of another kind says nothing of it.
+    QVERIFY(m_ui->importLog());
+    QCOMPARE(buttonText(), QString("Jobs: failed"));
+    QVERIFY(file.remove());
+    QVERIFY(QDir().mkpath(m_folder));
+    startSeries(100);
+    QTRY_COMPARE(buttonText(), QString("Jobs"));
 }
 
 void JobsTest::aPictureOverAFileOfTheFlightIsAFailedJob()
