@@ -1,19 +1,40 @@
+import QtQml 2.2
 import QtQuick 2.7
+import QtQuick.Window 2.2
+import DirectoryParser 1.0
 import Review 1.0
 import "."
 
 // Says which files of a project are missing, and looks for them where the pilot says. It stays for
-// as long as they are missing: a card may have to be found first.
+// as long as they are missing: a card may have to be found first. Once they are back it offers to
+// open the project.
 Rectangle {
     id: missingMediaBar
 
     property MissingMedia missing: null
+    readonly property bool back: missing !== null && missing.back
+    readonly property bool windowActive: Window.active
+
+    onWindowActiveChanged: {
+        if (windowActive && visible)
+            missing.lookAgain();
+    }
 
     visible: missing !== null && missing.offered
     height: Math.max(missingText.implicitHeight + 16, 42)
     color: Theme.panel
     border.color: Theme.text
     border.width: 1
+
+    // Only then the drives of the machine are watched.
+    Instantiator {
+        active: missingMediaBar.visible
+
+        DirectoryParser {
+            objectName: "missingMediaDrives"
+            onDrivesChanged: missingMediaBar.missing.lookAgain()
+        }
+    }
 
     LocateDialog {
         id: folderDialog
@@ -45,8 +66,9 @@ Rectangle {
             width: 90
             height: 26
             enabled: missingMediaBar.missing !== null && !missingMediaBar.missing.searching
-            text: "Locate…"
-            onClicked: folderDialog.open()
+            text: missingMediaBar.back ? "Open" : "Locate…"
+            onClicked: missingMediaBar.back ? missingMediaBar.missing.openAgain()
+                                            : folderDialog.open()
         }
         CorvQuickStartButton {
             objectName: "dismissMissingMediaButton"

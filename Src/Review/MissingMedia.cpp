@@ -31,6 +31,7 @@ MissingMedia::~MissingMedia()
 {
     stop();
     m_search.waitForDone();
+    m_look.waitForDone();
 }
 
 void MissingMedia::offer(const QString& projectPath, const ProjectContents& project)
@@ -43,10 +44,42 @@ void MissingMedia::offer(const QString& projectPath, const ProjectContents& proj
     }
     m_project = project;
     m_projectPath = projectPath;
-    m_text = tr("Files of %1 are missing: %2.")
-                 .arg(QFileInfo(projectPath.isEmpty() ? project.videoFile : projectPath).fileName(),
-                      listed(missing));
+    m_offer = std::make_shared<bool>();
+    seeMissing(missing);
+}
+
+void MissingMedia::seeMissing(const QStringList& missing)
+{
+    m_missing = missing;
+    m_text = missingText();
     emit changed();
+}
+
+QString MissingMedia::missingText() const
+{
+    const QString name =
+        QFileInfo(m_projectPath.isEmpty() ? m_project->videoFile : m_projectPath).fileName();
+    return m_missing.isEmpty() ? tr("The missing files of %1 are back.").arg(name)
+                               : tr("Files of %1 are missing: %2.").arg(name, listed(m_missing));
+}
+
+void MissingMedia::lookAgain()
+{
+    if (!m_project || m_isSearching || m_look.isRunning())
+        return;
+    m_look = runOnPool([this, project = *m_project, offer = m_offer] {
+        post(this, [this, missing = project.missingFiles(), offer] {
+            // Another project may have been opened since, or a search may have begun.
+            if (offer == m_offer && !m_isSearching && missing != m_missing)
+                seeMissing(missing);
+        });
+    });
+}
+
+void MissingMedia::openAgain()
+{
+    if (areBack())
+        emit openWanted(QString(m_projectPath));
 }
 
 void MissingMedia::locate(const QString& folder)
@@ -96,7 +129,9 @@ void MissingMedia::dismiss()
 {
     stop();
     m_project.reset();
+    m_offer.reset();
     m_projectPath.clear();
+    m_missing.clear();
     m_text.clear();
     emit changed();
 }

@@ -33,6 +33,7 @@ Review::Review(QObject* parent) : QObject(parent), m_undoStack(std::make_unique<
     connect(m_undoStack.get(), &QUndoStack::redoTextChanged, this, &Review::undoChanged);
     connect(this, &Review::closing, &m_missingMedia, &MissingMedia::dismiss);
     connect(&m_missingMedia, &MissingMedia::located, this, &Review::openLocated);
+    connect(&m_missingMedia, &MissingMedia::openWanted, this, &Review::openProject);
     m_settled.setSingleShot(true);
     m_settled.setInterval(settledMs);
     connect(&m_settled, &QTimer::timeout, this, &Review::refreshThumbnails);

@@ -117,6 +117,43 @@ private slots:
         QCOMPARE(filesIn(path("p.ecor"))["log"].toString(), QString("stray/f.log"));
     }
 
+    void aCardThatIsBackIsNoticed()
+    {
+        QVERIFY(QDir().rename(path("card"), path("pulled")));
+        Desk desk;
+        QVERIFY(!desk.review.openProject(path("p.ecor")));
+        MissingMedia& missing = *desk.review.missingMedia();
+        const QString text = missing.text();
+        QVERIFY(QDir().mkpath(path("card")));
+        QVERIFY(QFile::rename(path("pulled/f.log"), path("card/f.log")));
+        missing.lookAgain();
+        QTRY_COMPARE(missing.text(), QString("Files of p.ecor are missing: CORV0001.MOV, "
+                                             "CORV0002.MOV and CORV0003.MOV."));
+        QVERIFY(!missing.areBack());
+        missing.openAgain(); // not yet
+        QVERIFY(!desk.player.hasVideoOpened());
+
+        QVERIFY(QFile::rename(path("card/f.log"), path("pulled/f.log")));
+        QVERIFY(QDir().rmdir(path("card")) && QDir().rename(path("pulled"), path("card")));
+        missing.lookAgain();
+        QTRY_VERIFY(missing.areBack());
+        QCOMPARE(missing.text(), QString("The missing files of p.ecor are back."));
+        // And pulled out once more.
+        QVERIFY(QDir().rename(path("card"), path("pulled")));
+        missing.lookAgain();
+        QTRY_COMPARE(missing.text(), text);
+        QVERIFY(QDir().rename(path("pulled"), path("card")));
+        missing.lookAgain();
+        QTRY_VERIFY(missing.areBack());
+
+        QSignalSpy opened(&desk.review, &Review::opened);
+        missing.openAgain();
+        QTRY_COMPARE_WITH_TIMEOUT(opened.size(), 1, 20000);
+        QVERIFY(!missing.isOffered());
+        QTRY_COMPARE(desk.poiNames(), (QStringList{"POI 1", "New POI"}));
+        QCOMPARE(msOfTime(desk.player.duration()), 3 * fileMs);
+    }
+
     void anotherFlightEndsTheSearch()
     {
         QVERIFY(QDir().rename(path("card"), path("moved")));

@@ -44,6 +44,8 @@ private slots:
     void recentProjectsAreOnTheStartPage();
     void aProjectGoneMeanwhileIsGreyedOnTheStartPage();
     void missingMediaAreLookedForWhereThePilotSays();
+    void missingMediaThatAreBackCanBeOpened_data();
+    void missingMediaThatAreBackCanBeOpened();
     void theShownCurvesAndThePaletteComeBack();
     void aPictureIsSavedAtTheEnd_data();
     void aPictureIsSavedAtTheEnd();
@@ -457,6 +459,49 @@ void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
     QTRY_VERIFY(!m_ui->item("missingMediaBar")->isVisible());
     QVERIFY(m_ui->trigger("saveProjectMenuItem"));
     QCOMPARE(filesIn(folder + "/p.ecor")["video"].toString(), QString("moved/CORV0001.MP4"));
+}
+
+void KeptWorkTest::missingMediaThatAreBackCanBeOpened_data()
+{
+    QTest::addColumn<bool>("byDrives");
+    QTest::newRow("a card comes") << true;
+    QTest::newRow("the window gets the keyboard") << false;
+}
+
+void KeptWorkTest::missingMediaThatAreBackCanBeOpened()
+{
+    QFETCH(bool, byDrives);
+    const QString folder = media().newFolder();
+    QVERIFY(QDir().mkpath(folder + "/card"));
+    QVERIFY(QFile::copy(media().video(), folder + "/card/CORV0001.MP4"));
+    m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(folder + "/card/CORV0001.MP4")});
+    QTRY_VERIFY(m_ui->hasVideo());
+    m_ui->call("doSaveProject", {folder + "/p.ecor"});
+    restart();
+    QVERIFY(QDir().rename(folder + "/card", folder + "/pulled"));
+    m_ui->call("loadProject", {folder + "/p.ecor"});
+    QTRY_VERIFY(UiFixture::messageBox());
+    QVERIFY(UiFixture::dismissMessageBox());
+    QVERIFY(m_ui->activate());
+    QTRY_COMPARE(m_ui->get("locateMediaButton", "text").toString(), QString("Locate…"));
+    QWindow other;
+    if (!byDrives) {
+        other.show();
+        other.requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+    }
+    QVERIFY(QDir().rename(folder + "/pulled", folder + "/card"));
+    if (byDrives)
+        QVERIFY(QMetaObject::invokeMethod(m_ui->find("missingMediaDrives"), "drivesChanged"));
+    else
+        QVERIFY(m_ui->activate());
+    QTRY_COMPARE(m_ui->get("missingMediaText", "text").toString(),
+                 QString("The missing files of p.ecor are back."));
+    QCOMPARE(m_ui->get("locateMediaButton", "text").toString(), QString("Open"));
+    m_ui->screenshot("missing_media_back");
+    QVERIFY(m_ui->click("locateMediaButton"));
+    QTRY_VERIFY(m_ui->hasVideo());
+    QTRY_VERIFY(!m_ui->item("missingMediaBar")->isVisible());
 }
 
 void KeptWorkTest::theShownCurvesAndThePaletteComeBack()
