@@ -41,6 +41,14 @@ public:
     }
 };
 
+// Where the keyboard follows the pointer, a dialog that closes leaves it with the window that is
+// below the pointer then.
+void passKeyboardOn(const QWindow* focused)
+{
+    if (focused && isBlockedByModalWindow(focused))
+        QGuiApplication::modalWindow()->requestActivate();
+}
+
 } // namespace
 
 bool isBlockedByModalWindow(const QWindow* window)
@@ -54,6 +62,7 @@ bool isBlockedByModalWindow(const QWindow* window)
 void dropKeysOfBlockedWindows(QGuiApplication& application)
 {
     application.installEventFilter(new BlockedKeys(&application));
+    QObject::connect(&application, &QGuiApplication::focusWindowChanged, passKeyboardOn);
 }
 
 } // namespace corv

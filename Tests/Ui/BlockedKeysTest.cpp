@@ -1,5 +1,7 @@
 #include "ReviewSuite.h"
 
+#include <QSignalSpy>
+
 using namespace corv::test;
 
 /// A dialog that waits for its answer: no key that the window behind it gets works there, whatever
@@ -13,6 +15,9 @@ private slots:
     void noKeyPassesThrough();
     void noneBeforeTheDialogHasTheKeyboard_data() { noKeyPassesThrough_data(); }
     void noneBeforeTheDialogHasTheKeyboard();
+    void theDialogGetsTheKeyboardBack_data();
+    void theDialogGetsTheKeyboardBack();
+    void theImporterGetsTheKeyboardFromItsFolderDialog();
 
 private:
     static QWindow* dialog();
@@ -107,6 +112,50 @@ void BlockedKeysTest::noneBeforeTheDialogHasTheKeyboard()
     QVERIFY(m_ui->hasVideo());
     QCOMPARE(m_ui->poiNames().size(), 1);
     QTRY_VERIFY(dialog());
+}
+
+// Qt itself refuses the keyboard to a window that an application-modal one blocks.
+void BlockedKeysTest::theDialogGetsTheKeyboardBack_data()
+{
+    QTest::addColumn<QString>("opening");
+    QTest::newRow("edit a point of interest")
+        << "timelineContent.selectPoi(timelineContent.getPOIs()[0].time), editSelectedPoi()";
+    QTest::newRow("export of a video") << "windows.openVideoExport()";
+    QTest::newRow("importer") << "goExploreRemovableDevices()";
+}
+
+/// Where the keyboard follows the pointer, it comes to the blocked window with the pointer.
+void BlockedKeysTest::theDialogGetsTheKeyboardBack()
+{
+    QFETCH(QString, opening);
+    QVERIFY(m_ui->openVideo());
+    QTest::keyClick(m_ui->window(), Qt::Key_N);
+    open(opening);
+    QTRY_VERIFY(dialog());
+    QWindow* const opened = dialog();
+    QVERIFY(QTest::qWaitForWindowActive(opened));
+    QTRY_COMPARE(QGuiApplication::focusWindow(), opened);
+    QSignalSpy moves(qGuiApp, &QGuiApplication::focusWindowChanged);
+    m_ui->window()->requestActivate();
+    QTRY_VERIFY(moves.size() >= 2); // there and back
+    QTRY_COMPARE(QGuiApplication::focusWindow(), opened);
+}
+
+void BlockedKeysTest::theImporterGetsTheKeyboardFromItsFolderDialog()
+{
+    m_ui->call("goExploreRemovableDevices");
+    QTRY_VERIFY(dialog());
+    QWindow* const importer = dialog();
+    QVERIFY(QTest::qWaitForWindowActive(importer));
+    UiFixture::click(m_ui->item("browseLogsButton", importer));
+    QTRY_VERIFY(dialog() && dialog() != importer);
+    QVERIFY(QTest::qWaitForWindowActive(dialog()));
+    UiFixture::fileDialog()->reject();
+    m_ui->window()->requestActivate();
+    QTRY_VERIFY(!UiFixture::fileDialog());
+    QTRY_COMPARE(QGuiApplication::focusWindow(), importer);
+    QTest::qWait(100);
+    QCOMPARE(QGuiApplication::focusWindow(), importer);
 }
 
 QTEST_MAIN(BlockedKeysTest)
