@@ -86,91 +86,107 @@ Window {
         }
     }
 
-    DisabledToolTips {
-        objectName: "cornerToolTips"
-        row: folderRect
-    }
+    // It scrolls where the window is lower than it is.
+    Flickable {
+        objectName: "videoExportContents"
+        anchors {
+            left: parent.left
+            right: parent.right
+            top: parent.top
+            bottom: okButton.top
+            bottomMargin: 15
+        }
+        contentHeight: folderRect.height
+        interactive: contentHeight > height
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
 
-    Rectangle {
-        id: folderRect
-        anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: note.y + note.height
-        color: Theme.dialogBand
-
-        Text {
-            id: folderLabel
-            anchors { left: parent.left; leftMargin: 10; top: parent.top; topMargin: 12 }
-            text: "Video file to export:"
-            color: Theme.text
+        DisabledToolTips {
+            objectName: "cornerToolTips"
+            row: folderRect
         }
 
-        CorvFieldFrame {
-            id: folderFrame
-            anchors {
-                left: folderLabel.left
-                right: browseButton.left
-                rightMargin: 10
-                verticalCenter: browseButton.verticalCenter
+        Rectangle {
+            id: folderRect
+            width: parent.width
+            height: note.y + note.height
+            color: Theme.dialogBand
+
+            Text {
+                id: folderLabel
+                anchors { left: parent.left; leftMargin: 10; top: parent.top; topMargin: 12 }
+                text: "Video file to export:"
+                color: Theme.text
             }
 
-            readOnly: true
+            CorvFieldFrame {
+                id: folderFrame
+                anchors {
+                    left: folderLabel.left
+                    right: browseButton.left
+                    rightMargin: 10
+                    verticalCenter: browseButton.verticalCenter
+                }
 
-            CorvTextInput {
-                id: folderTextInput
-                objectName: "folderTextInput"
                 readOnly: true
-                Accessible.name: "Video file to export"
+
+                CorvTextInput {
+                    id: folderTextInput
+                    objectName: "folderTextInput"
+                    readOnly: true
+                    Accessible.name: "Video file to export"
+                }
             }
-        }
 
-        CorvButton {
-            id: browseButton
-            objectName: "browseButton"
-            anchors {
-                right: parent.right
-                rightMargin: 10
-                top: folderLabel.bottom
-                topMargin: 8
+            CorvButton {
+                id: browseButton
+                objectName: "browseButton"
+                anchors {
+                    right: parent.right
+                    rightMargin: 10
+                    top: folderLabel.bottom
+                    topMargin: 8
+                }
+                width: 80
+                height: 30
+                text: "Browse..."
+                onClicked: fileDialog.visible = true
             }
-            width: 80
-            height: 30
-            text: "Browse..."
-            onClicked: fileDialog.visible = true
-        }
 
-        CorvCheckBox {
-            id: instrumentsCheckBox
-            objectName: "instrumentsCheckBox"
-            anchors { left: folderLabel.left; top: browseButton.bottom; topMargin: 12 }
-            text: "Show the flight instruments in a corner"
-            disabledReason: "import a flight log first"
-        }
-
-        CorvCheckBox {
-            id: thermalBarCheckBox
-            objectName: "thermalBarCheckBox"
-            anchors { left: folderLabel.left; top: instrumentsCheckBox.bottom; topMargin: 8 }
-            text: "Show the thermal colour bar in a corner"
-            disabledReason: "show the thermal picture first"
-        }
-
-        Text {
-            id: note
-            objectName: "note"
-            anchors {
-                left: folderLabel.left
-                right: parent.right
-                rightMargin: 10
-                top: thermalBarCheckBox.bottom
-                topMargin: 12
+            CorvCheckBox {
+                id: instrumentsCheckBox
+                objectName: "instrumentsCheckBox"
+                anchors { left: folderLabel.left; top: browseButton.bottom; topMargin: 12 }
+                text: "Show the flight instruments in a corner"
+                disabledReason: "import a flight log first"
             }
-            wrapMode: Text.WordWrap
-            color: Theme.textSoft
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
-            text: "Video will be rendered with the same apparance as on the player. This includes "
-                  + "thermal camera overlay visibility and adjustments, image brightness and "
-                  + "contrast.\n"
+
+            CorvCheckBox {
+                id: thermalBarCheckBox
+                objectName: "thermalBarCheckBox"
+                anchors { left: folderLabel.left; top: instrumentsCheckBox.bottom; topMargin: 8 }
+                text: "Show the thermal colour bar in a corner"
+                disabledReason: "show the thermal picture first"
+            }
+
+            Text {
+                id: note
+                objectName: "note"
+                anchors {
+                    left: folderLabel.left
+                    right: parent.right
+                    rightMargin: 10
+                    top: thermalBarCheckBox.bottom
+                    topMargin: 12
+                }
+                wrapMode: Text.WordWrap
+                color: Theme.textSoft
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+                text: "Video will be rendered with the same apparance as on the player. This includes "
+                      + "thermal camera overlay visibility and adjustments, image brightness and "
+                      + "contrast.\n"
+            }
         }
     }
 

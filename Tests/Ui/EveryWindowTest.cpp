@@ -182,6 +182,14 @@ void EveryWindowTest::lookAtWindow(const QString& state, const QString& name, co
     QQuickWindow* window = UiFixture::visibleWindow(name);
     QVERIFY(QTest::qWaitForWindowExposed(window));
     lookAt(state);
+    if (window->minimumSize() != window->size()) {
+        // One after the other: a window may take the height that its texts need at a width.
+        window->setWidth(window->minimumWidth());
+        QTRY_COMPARE(window->contentItem()->width(), double(window->minimumWidth()));
+        window->setHeight(window->minimumHeight());
+        QTRY_COMPARE(window->contentItem()->height(), double(window->minimumHeight()));
+        lookAt(state + ", smallest");
+    }
     window->close();
     window->setVisible(false);
 }

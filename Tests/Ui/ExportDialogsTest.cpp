@@ -44,6 +44,7 @@ private slots:
     void framesStayReachableInALowWindow();
 
     void videoExportWindowIsAsHighAsItsContents();
+    void videoExportScrollsInALowWindow();
     void videoExportHasItsTexts();
     void videoExportTakesOnlyVideoSuffixes_data();
     void videoExportTakesOnlyVideoSuffixes();
@@ -426,6 +427,29 @@ void ExportDialogsTest::videoExportWindowIsAsHighAsItsContents()
     const int margin = 30;
     QTRY_COMPARE(m_host->window()->height(),
                  qRound(contents + m_host->item("cancelButton")->height()) + margin);
+}
+
+void ExportDialogsTest::videoExportScrollsInALowWindow()
+{
+    QVERIFY(m_host->open("VideoExport.qml"));
+    QQuickItem* page = m_host->window()->contentItem();
+    // The window takes the height that its texts need at a width.
+    m_host->window()->setWidth(400);
+    QTRY_COMPARE(page->width(), 400.0);
+    m_host->window()->setHeight(113);
+    QTRY_COMPARE(page->height(), 113.0);
+    QQuickItem* contents = m_host->item("videoExportContents");
+    QQuickItem* ok = m_host->item("okButton");
+    const auto top = [](QQuickItem* item) { return item->mapToScene(QPointF(0, 0)).y(); };
+    QTRY_VERIFY(top(ok) + ok->height() <= 113);
+    QTRY_VERIFY(top(contents) + contents->height() <= top(ok));
+    QVERIFY(contents->clip());
+    QQuickItem* note = m_host->item("note");
+    QVERIFY(top(note) > top(ok));
+    for (int i = 0; i < 20; ++i)
+        UiFixture::wheel(contents, -120);
+    QTRY_VERIFY(top(note) < top(ok));
+    m_host->screenshot("VideoExport-low");
 }
 
 void ExportDialogsTest::videoExportHasItsTexts()
