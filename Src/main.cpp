@@ -11,6 +11,7 @@
 #include "Shell/applicationNames.h"
 #include "Shell/blockedKeys.h"
 #include "Shell/commandLine.h"
+#include "Shell/copiedDrops.h"
 #include "Shell/crashReport.h"
 #include "Shell/settingsFormat.h"
 #include "Threads/pool.h"
@@ -197,6 +198,7 @@ int main(int argc, char** argv)
     corv::dropListsOfFileDialogs(application);
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);
+    corv::takeDropsAsCopies(application);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));
 
     QQmlApplicationEngine engine;

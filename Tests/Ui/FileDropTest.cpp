@@ -20,6 +20,7 @@ private slots:
     void refusesWhatItCannotOpen();
     void leavesTextAlone();
     void leavesADropAloneWhoseSourceHasEnded();
+    void leavesTheFilesWithTheirSource();
 
 private:
     void drop(const QStringList& paths);
@@ -136,6 +137,28 @@ void FileDropTest::leavesADropAloneWhoseSourceHasEnded()
     QTRY_VERIFY(isOver);
     QVERIFY(!UiFixture::messageBox());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+/// A file manager offers to copy or to move, and proposes the move.
+void FileDropTest::leavesTheFilesWithTheirSource()
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(FlightMedia::instance().video())});
+    const auto answerTo = [this](QDropEvent&& event) {
+        event.setDropAction(Qt::MoveAction);
+        QCoreApplication::sendEvent(m_ui->window(), &event);
+        return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+    };
+    const QPoint middle(m_ui->window()->width() / 2, m_ui->window()->height() / 2);
+    const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+    QCOMPARE(answerTo(QDragEnterEvent(middle, offered, &data, Qt::LeftButton, Qt::NoModifier)),
+             Qt::CopyAction);
+    QCOMPARE(answerTo(QDragMoveEvent(middle + QPoint(1, 1), offered, &data, Qt::LeftButton,
+                                     Qt::NoModifier)),
+             Qt::CopyAction);
+    QCOMPARE(answerTo(QDropEvent(middle, offered, &data, Qt::LeftButton, Qt::NoModifier)),
+             Qt::CopyAction);
+    QTRY_VERIFY(m_ui->hasVideo());
 }
 
 QTEST_MAIN(FileDropTest)

@@ -4,6 +4,7 @@
 #include "App/look.h"
 #include "App/qmlTypes.h"
 #include "Shell/blockedKeys.h"
+#include "Shell/copiedDrops.h"
 
 #include <QApplication>
 #include <QDir>
@@ -42,6 +43,7 @@ void UiFixture::prepare()
     dropListsOfFileDialogs(*qGuiApp);
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
+    takeDropsAsCopies(*qApp);
 }
 
 UiFixture::UiFixture()
