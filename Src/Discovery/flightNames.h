@@ -29,7 +29,7 @@ std::vector<FlightName> flightNames(const QStringList& paths);
 /// follow its numbers, a file named otherwise gets one of the numbers that the row leaves out at
 /// its time; if that is so for any of them, one beyond the row gets the next number there. Files
 /// that are a row of their own keep their names, as do those whose time (milliseconds; negative if
-/// unknown) fits into no row. Pure; any thread.
+/// unknown) fits into no row, or into gaps of several. Pure; any thread.
 std::vector<FlightName> formerNames(std::vector<FlightName> names,
                                     const std::vector<qint64>& timesMs);
 

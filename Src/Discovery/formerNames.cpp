@@ -113,10 +113,12 @@ qint64 FormerNames::distance(const Opening& opening, qint64 timeMs) const
                           : m_timesMs[*opening.after] - timeMs;
 }
 
-// Inside a row rather than beyond it, where cards were put together.
+// Inside a row rather than beyond it, where cards were put together; none where it could be inside
+// of several.
 std::optional<Opening> FormerNames::nearestOpening(size_t file) const
 {
     std::optional<Opening> nearest;
+    int inside = 0;
     const qint64 timeMs = m_timesMs[file];
     const auto rank = [&](const Opening& opening) {
         return std::make_pair(!opening.isInside(), distance(opening, timeMs));
@@ -126,10 +128,13 @@ std::optional<Opening> FormerNames::nearestOpening(size_t file) const
             m_names[row.files.front()].folder != m_names[file].folder)
             continue;
         const std::optional<Opening> opening = openingAt(row, timeMs);
-        if (opening && (!nearest || rank(*opening) < rank(*nearest)))
+        if (!opening)
+            continue;
+        inside += opening->isInside() ? 1 : 0;
+        if (!nearest || rank(*opening) < rank(*nearest))
             nearest = opening;
     }
-    return nearest;
+    return inside > 1 ? std::nullopt : nearest;
 }
 
 void FormerNames::fill(const Opening& opening)

@@ -98,6 +98,9 @@ void FormerNamesTest::otherNamesStay_data()
     QTest::newRow("another folder")
         << Files{{"b/CORV0008.MOV", 100}, {"b/CORV0009.MOV", 200}, {"b/CORV0011.MOV", 400}}
         << qint64(300);
+    QTest::newRow("gaps of two cards at its time")
+        << cardWithAGap + Files{{"B_0001.MOV", 110}, {"B_0002.MOV", 210}, {"B_0004.MOV", 410}}
+        << qint64(300);
     QTest::newRow("no number before the first")
         << Files{{"CORV0000.MOV", 100}, {"CORV0001.MOV", 200}, {"CORV0002.MOV", 400}} << qint64(50);
 }
