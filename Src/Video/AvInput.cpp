@@ -22,7 +22,7 @@ constexpr double mostFps = 1000.0;
 
 // The list of all packets of two days at 60 a second, and twice a plane of 8192 x 8192 points of
 // two bytes.
-constexpr size_t largestAllocation = 256 * 1024 * 1024;
+constexpr size_t largestAllocation = size_t{256} * 1024 * 1024;
 
 // That many packets that cannot be read in a row are no damage but the end.
 constexpr int hopelessErrors = 500;
