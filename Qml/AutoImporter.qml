@@ -286,8 +286,18 @@ Window {
         matchingsListModel.clear();
         for (var i = 0; i < matchings.length; ++i)
             matchingsListModel.append(Rows.rowOf(matchings[i]));
-        if (matchings.length > 0)
+        if (matchings.length > 0) {
             matchingsTable.currentIndex = 0;
+            if (keyboardIsFree())
+                matchingsTable.takeKeyboard();
+        }
+    }
+
+    // Nothing has the keyboard that the user has chosen since the search began.
+    function keyboardIsFree() {
+        var item = activeFocusItem;
+        return !item || !item.visible || item === contentItem || item === content
+                || item === parseButton;
     }
 
     function autodetectRemovableDevices() {
@@ -427,6 +437,7 @@ Window {
     }
 
     FocusScope {
+        id: content
         anchors.fill: parent
         focus: true
         Keys.onEscapePressed: autoImporter.cancelAndClose()

@@ -13,6 +13,10 @@ Item {
     readonly property real headerHeight: matchingsListHeader.height
     signal accepted()
 
+    function takeKeyboard() {
+        matchingsListView.forceActiveFocus();
+    }
+
     Rectangle {
         id: matchingsListHeader
         objectName: "matchingsListHeader"

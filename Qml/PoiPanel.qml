@@ -135,11 +135,17 @@ Rectangle {
             choose(row, modifiers);
             if (modifiers === Qt.NoModifier)
                 poiPanel.done();
+            else
+                forceActiveFocus(); // for the Delete key: several are chosen to be deleted
         }
 
         function goTo(row) {
             currentIndex = row;
             poiPanel.navigator.goToPoi(filter.timeOfRow(row));
+        }
+
+        function showPicture(row) {
+            filter.pois.showThumbnail(filter.timeOfRow(row));
         }
 
         function removeChosen() {
@@ -195,6 +201,16 @@ Rectangle {
                 width: 64
                 height: 40
                 picture: thumbnail
+            }
+
+            // Of a long list a picture is fetched when its row comes.
+            Component.onCompleted: list.showPicture(index)
+            Connections {
+                target: filter.pois
+
+                function onChanged() {
+                    list.showPicture(index);
+                }
             }
 
             ElidedText {

@@ -27,8 +27,9 @@ public:
     QString path() const { return m_folder.path(); }
 
     /// Removes the folders in `parent` that nobody uses any more: those of this user whose process
-    /// has ended, and whose file is not locked. Containers that share `parent` give the same number
-    /// to different processes; only the lock tells that another one's is in use.
+    /// has ended, and whose file is not locked: a container that shares `parent` can have given the
+    /// number to a process of its own, and that one's folder is known to be in use by the lock
+    /// alone.
     static void sweep(const QString& parent = QDir::tempPath());
 
 private:

@@ -116,7 +116,7 @@ public:
     void showThumbnails(const std::vector<QTime>& times);
 
     /// Fetches one of them at once, and keeps what the last showThumbnails() asked for.
-    void showThumbnail(QTime time);
+    Q_INVOKABLE void showThumbnail(QTime time);
 
     /// While held, thumbnails of points of interest that exist wait: the picture is to have the
     /// thermal overlay of a log that is still being read.

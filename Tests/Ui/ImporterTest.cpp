@@ -24,6 +24,7 @@ private slots:
     void loadingWithoutAClickTakesTheFirstRow();
     void loadsAFlightWithoutALog();
     void theKeyboardChoosesAndLoads();
+    void theKeyboardStaysWhereItWasMovedTo();
     void aDoubleClickLoads();
     void escapeCloses();
     void searchAfterAbortStartsWhenTheOldHasEnded();
@@ -232,7 +233,7 @@ void ImporterTest::theKeyboardChoosesAndLoads()
     const QString card = openWithACard();
     search();
     QQuickItem* list = item("matchingsListView");
-    focus(list);
+    QTRY_VERIFY(list->hasActiveFocus());
     QTest::keyClick(m_importer, Qt::Key_Down);
     QTest::keyClick(m_importer, Qt::Key_Down);
     QTest::keyClick(m_importer, Qt::Key_Down);
@@ -244,6 +245,16 @@ void ImporterTest::theKeyboardChoosesAndLoads()
     QTRY_VERIFY(!m_importer->isVisible());
     QCOMPARE(m_importer->property("chosenVideoFile").toUrl(),
              QUrl::fromLocalFile(card + "/DCIM/100HDDVR/evening.mp4"));
+}
+
+void ImporterTest::theKeyboardStaysWhereItWasMovedTo()
+{
+    openWithACard();
+    startHeldSearch();
+    focus(item("cardTwoDriveDropdown"));
+    m_world->release();
+    QTRY_COMPARE(rowCount(), 3);
+    QVERIFY(item("cardTwoDriveDropdown")->hasActiveFocus());
 }
 
 void ImporterTest::aDoubleClickLoads()

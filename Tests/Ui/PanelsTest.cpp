@@ -1,3 +1,4 @@
+#include "Review/PoiModel.h"
 #include "ReviewSuite.h"
 
 #include <QAbstractItemModel>
@@ -30,7 +31,9 @@ class PanelsTest : public ReviewSuite
 private slots:
     void theListGoesToAPoint();
     void theListIsFilteredByTyping();
+    void theListDeletesWhatIsChosen_data();
     void theListDeletesWhatIsChosen();
+    void aLongListFetchesThePicturesOfItsRows();
     void ctrlAddsToTheOneThatWasClicked();
     void aDoubleClickInTheListEdits();
     void severalAreChosenByKeys();
@@ -120,8 +123,16 @@ void PanelsTest::theListIsFilteredByTyping()
     QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
 }
 
+void PanelsTest::theListDeletesWhatIsChosen_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("by the button") << false;
+    QTest::newRow("by the key") << true;
+}
+
 void PanelsTest::theListDeletesWhatIsChosen()
 {
+    QFETCH(bool, byKey);
     showList();
     const auto middle = [this](const char* row) {
         QQuickItem* item = m_ui->item(row);
@@ -130,8 +141,30 @@ void PanelsTest::theListDeletesWhatIsChosen()
     QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow0"));
     QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow1"));
     QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
-    QVERIFY(m_ui->click("deletePoisButton"));
-    QCOMPARE(m_ui->poiNames(), QStringList());
+    if (byKey)
+        key(Qt::Key_Delete);
+    else
+        QVERIFY(m_ui->click("deletePoisButton"));
+    QTRY_COMPARE(m_ui->poiNames(), QStringList());
+}
+
+// On the timeline each of them but the last is covered by the next.
+void PanelsTest::aLongListFetchesThePicturesOfItsRows()
+{
+    showList();
+    auto* pois = m_ui->evaluate("timelineContent.poiModel").value<corv::PoiModel*>();
+    QVERIFY(pois);
+    QVariantList many;
+    for (int ms = 0; ms < static_cast<int>(corv::PoiModel::fetchedUnseen) + 100; ++ms)
+        many.append(QVariantMap{{"time", ms}, {"name", "A"}});
+    pois->setFromList(many);
+    constexpr int row = 1000;
+    const QTime time = QTime(0, 0).addMSecs(row);
+    QVERIFY(pois->isUnseen(time));
+    QMetaObject::invokeMethod(m_ui->item("poiList"), "positionViewAtIndex", Q_ARG(int, row),
+                              Q_ARG(int, 1)); // in the middle
+    QTRY_VERIFY(!pois->find(time)->thumbnail.isNull());
+    QVERIFY(pois->isUnseen(QTime(0, 0).addMSecs(row / 2)));
 }
 
 void PanelsTest::ctrlAddsToTheOneThatWasClicked()
