@@ -49,6 +49,21 @@ QString baseOf(const FlightName& name)
 const Files cardWithAGap = {
     {"CORV0008.MOV", 100}, {"CORV0009.MOV", 200}, {"CORV0011.MOV", 400}, {"CORV0012.MOV", 500}};
 
+// A copy wrote all files within seconds, the logs after the videos.
+struct FlightsOfEqualLength
+{
+    FlightsOfEqualLength()
+    {
+        for (int i = 0; i < 6; ++i) {
+            videos.push_back(video(QStringLiteral("CORV%1.MOV").arg(11 + 2 * i), 600'000, 0, i));
+            logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(21 + i), {601'000}, 10 + i));
+        }
+    }
+
+    std::vector<PairingVideo> videos;
+    std::vector<PairingLog> logs;
+};
+
 } // namespace
 
 void FormerNamesTest::renamedFileGetsANumberThatIsLeftOut_data()
@@ -144,19 +159,13 @@ void FormerNamesTest::severalOfAPlaceKeepTheOrderOfTheirTimes()
         QVERIFY(names[renamed].number.isEmpty());
 }
 
-// A copy wrote all files within seconds, the logs after the videos.
 void FormerNamesTest::renamedFilesOfEqualLengthKeepTheirOrder()
 {
-    std::vector<PairingVideo> videos;
-    std::vector<PairingLog> logs;
-    for (int i = 0; i < 6; ++i) {
-        videos.push_back(video(QStringLiteral("CORV%1.MOV").arg(11 + 2 * i), 600'000, 0, i));
-        logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(21 + i), {601'000}, 10 + i));
-    }
-    videos[1].path = "/card/tower.mov";
-    videos[4].path = "/card/roof.mov";
-    const std::vector<Pairing> pairings = pairFlights(videos, logs);
-    for (size_t i = 0; i < 6; ++i)
+    FlightsOfEqualLength card;
+    card.videos[1].path = "/card/tower.mov";
+    card.videos[4].path = "/card/roof.mov";
+    const std::vector<Pairing> pairings = pairFlights(card.videos, card.logs);
+    for (size_t i = 0; i < pairings.size(); ++i)
         QCOMPARE(pairings[i].log, static_cast<int>(i));
 }
 
@@ -175,15 +184,10 @@ void FormerNamesTest::renamedPartStaysInItsFlight()
 
 void FormerNamesTest::renamedLogKeepsItsPlace()
 {
-    std::vector<PairingVideo> videos;
-    std::vector<PairingLog> logs;
-    for (int i = 0; i < 6; ++i) {
-        videos.push_back(video(QStringLiteral("CORV%1.MOV").arg(11 + 2 * i), 600'000, 0, i));
-        logs.push_back(logOf(QStringLiteral("LOG%1.log").arg(21 + i), {601'000}, 10 + i));
-    }
-    logs[4].path = "/card/anna.log";
-    const std::vector<Pairing> pairings = pairFlights(videos, logs);
-    for (size_t i = 0; i < 6; ++i)
+    FlightsOfEqualLength card;
+    card.logs[4].path = "/card/anna.log";
+    const std::vector<Pairing> pairings = pairFlights(card.videos, card.logs);
+    for (size_t i = 0; i < pairings.size(); ++i)
         QCOMPARE(pairings[i].log, static_cast<int>(i));
 }
 

@@ -50,6 +50,10 @@ private slots:
     void aPictureIsSavedAtTheEnd_data();
     void aPictureIsSavedAtTheEnd();
     void aVideoThatIsGonePlaysOnWhenItIsBack();
+
+private:
+    /// Saves `folder`/p.ecor with the video of `folder`/card, and starts anew.
+    void saveProjectBesideACard(const QString& folder);
 };
 
 namespace {
@@ -432,15 +436,20 @@ void KeptWorkTest::aProjectGoneMeanwhileIsGreyedOnTheStartPage()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
-void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
+void KeptWorkTest::saveProjectBesideACard(const QString& folder)
 {
-    const QString folder = media().newFolder();
     QVERIFY(QDir().mkpath(folder + "/card"));
     QVERIFY(QFile::copy(media().video(), folder + "/card/CORV0001.MP4"));
     m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(folder + "/card/CORV0001.MP4")});
     QTRY_VERIFY(m_ui->hasVideo());
     m_ui->call("doSaveProject", {folder + "/p.ecor"});
     restart();
+}
+
+void KeptWorkTest::missingMediaAreLookedForWhereThePilotSays()
+{
+    const QString folder = media().newFolder();
+    saveProjectBesideACard(folder);
     QTRY_VERIFY(QSettings().contains("locateMedia/folder")); // as the window writes it at first
     QSettings().setValue("locateMedia/folder", QUrl::fromLocalFile(folder + "/moved"));
     QVERIFY(m_ui->reload());
@@ -472,12 +481,7 @@ void KeptWorkTest::missingMediaThatAreBackCanBeOpened()
 {
     QFETCH(bool, byDrives);
     const QString folder = media().newFolder();
-    QVERIFY(QDir().mkpath(folder + "/card"));
-    QVERIFY(QFile::copy(media().video(), folder + "/card/CORV0001.MP4"));
-    m_ui->call("afterVideoImportChoice", {QUrl::fromLocalFile(folder + "/card/CORV0001.MP4")});
-    QTRY_VERIFY(m_ui->hasVideo());
-    m_ui->call("doSaveProject", {folder + "/p.ecor"});
-    restart();
+    saveProjectBesideACard(folder);
     QVERIFY(QDir().rename(folder + "/card", folder + "/pulled"));
     m_ui->call("loadProject", {folder + "/p.ecor"});
     QTRY_VERIFY(UiFixture::messageBox());
