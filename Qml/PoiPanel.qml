@@ -26,9 +26,10 @@ Rectangle {
         pois: poiPanel.timeline !== null ? poiPanel.timeline.poiModel : null
         words: filterField.text
         byName: sortButton.checked
-        onCountChanged: list.chosen = []
-        onWordsChanged: list.chosen = []
-        onByNameChanged: list.chosen = []
+        onRowsInserted: list.takeNewRows()
+        onRowsRemoved: list.takeNewRows()
+        onModelReset: list.takeNewRows()
+        onLayoutChanged: list.takeNewRows()
     }
 
     Rectangle {
@@ -88,7 +89,7 @@ Rectangle {
 
         // The rows that are chosen, where it is not the current one alone.
         property var chosen: []
-        // Where the choice by keys has come to.
+        // Where the choice by keys has come to, or where the rows were that were deleted.
         property int reached: -1
 
         function choose(row, modifiers) {
@@ -122,7 +123,8 @@ Rectangle {
             var last = count - 1;
             if (!(modifiers & Qt.ShiftModifier) || currentIndex < 0) {
                 chosen = [];
-                goTo(Math.max(0, Math.min(last, currentIndex + by)));
+                var beside = currentIndex >= 0 ? currentIndex + by : by > 0 ? reached : reached - 1;
+                goTo(Math.max(0, Math.min(last, beside)));
                 return;
             }
             var from = chosen.length > 0 ? reached : currentIndex;
@@ -144,12 +146,26 @@ Rectangle {
             poiPanel.navigator.goToPoi(filter.timeOfRow(row));
         }
 
+        // What is chosen was chosen by its place. The list moves its current row itself with the
+        // rows, but not to one that is back.
+        function takeNewRows() {
+            chosen = [];
+            Qt.callLater(showSelection);
+        }
+
+        function showSelection() {
+            currentIndex = filter.rowOfTime(poiPanel.timeline.selectedPoiTime);
+        }
+
         function showPicture(row) {
             filter.pois.showThumbnail(filter.timeOfRow(row));
         }
 
         function removeChosen() {
             var rows = chosen.length > 0 ? chosen : currentIndex >= 0 ? [currentIndex] : [];
+            if (rows.length === 0)
+                return;
+            reached = Math.min.apply(null, rows);
             chosen = [];
             filter.removeRowsOf(rows);
         }
@@ -282,7 +298,7 @@ Rectangle {
         target: poiPanel.timeline
 
         function onSelectedPoiTimeChanged() {
-            list.currentIndex = filter.rowOfTime(poiPanel.timeline.selectedPoiTime);
+            list.showSelection();
         }
     }
 }

@@ -374,6 +374,10 @@ ApplicationWindow {
     function confirmMovingPoi() {
         if (!timeline.movePOIMode)
             return;
+        if (!timeline.hasSelectedPoi) { // undone meanwhile
+            timeline.exitMovePOIMode();
+            return;
+        }
         var there = timeline.poiAtCursor();
         var moved = timeline.getSelectedPOI();
         if (there.time === undefined) {

@@ -28,7 +28,7 @@ Rectangle {
     signal pictureAloneToggled()
 
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
-    readonly property bool poiSelected: timeline !== null && !isNaN(timeline.selectedPoiTime)
+    readonly property bool poiSelected: timeline !== null && timeline.hasSelectedPoi
     // Why a tool cannot be used.
     readonly property string openVideoFirst: "open a video first"
     readonly property string selectPoiFirst: videoOpen ? "select a POI first" : openVideoFirst

@@ -29,6 +29,8 @@ TimelineContent::TimelineContent(QQuickItem* parent) : QQuickPaintedItem(parent)
 {
     setAcceptedMouseButtons(Qt::AllButtons);
     setAcceptHoverEvents(true);
+    connect(this, &TimelineContent::selectedPoiTimeChanged, this,
+            &TimelineContent::findSelectedPoi);
     setPoiModel(nullptr);
 }
 
@@ -58,10 +60,14 @@ void TimelineContent::setPoiModel(PoiModel* model)
         pois->setVideoPlayer(m_ownPois.videoPlayer());
     if (!pois->logParser())
         pois->setLogParser(m_ownPois.logParser());
-    connect(pois, &PoiModel::changed, this, [this] { update(); });
+    connect(pois, &PoiModel::changed, this, [this] {
+        findSelectedPoi();
+        update();
+    });
     connect(pois, &PoiModel::cleared, this, &TimelineContent::forgetFlight);
     if (pois != &m_ownPois)
         connect(pois, &QObject::destroyed, this, [this] { setPoiModel(nullptr); });
+    findSelectedPoi();
     update();
     emit poiModelChanged();
 }
@@ -205,6 +211,15 @@ void TimelineContent::select(QTime poiTime)
     // A flag at the playhead is selected without any move of the cursor.
     update();
     emit selectedPoiTimeChanged();
+}
+
+void TimelineContent::findSelectedPoi()
+{
+    const bool found = m_pois->find(m_selectedPoiTime) != nullptr;
+    if (found == m_hasSelectedPoi)
+        return;
+    m_hasSelectedPoi = found;
+    emit hasSelectedPoiChanged();
 }
 
 // --- Input -----------------------------------------------------------------------------------

@@ -32,6 +32,7 @@ class TimelineContent : public QQuickPaintedItem
                    cursorPositionChanged)
     Q_PROPERTY(float msPerPx READ msPerPx NOTIFY msPerPxChanged)
     Q_PROPERTY(QTime selectedPoiTime READ selectedPoiTime NOTIFY selectedPoiTimeChanged)
+    Q_PROPERTY(bool hasSelectedPoi READ hasSelectedPoi NOTIFY hasSelectedPoiChanged)
     Q_PROPERTY(bool movePOIMode READ movePOIMode NOTIFY movePOIModeChanged)
     Q_PROPERTY(bool scrubbing READ isScrubbing NOTIFY scrubbingChanged)
     Q_PROPERTY(corv::PoiModel* poiModel READ poiModel WRITE setPoiModel NOTIFY poiModelChanged)
@@ -62,6 +63,10 @@ public:
 
     float msPerPx() const { return m_view.msPerPx; }
     QTime selectedPoiTime() const { return m_selectedPoiTime; }
+
+    /// Whether the selected one is there: the selection outlives one that is deleted in the list or
+    /// undone, and finds it again when it is back.
+    bool hasSelectedPoi() const { return m_hasSelectedPoi; }
     bool movePOIMode() const { return m_movePOIMode; }
 
     /// The cursor is being dragged on the ruler.
@@ -143,6 +148,7 @@ signals:
     void seekRequest(QTime time);
 
     void selectedPoiTimeChanged();
+    void hasSelectedPoiChanged();
     void movePOIModeChanged();
     void poiModelChanged();
     void scrubbingChanged();
@@ -170,6 +176,7 @@ private:
     void moveCursorToShownFrame();
     void forgetFlight();
     void select(QTime poiTime);
+    void findSelectedPoi();
 
     void setScrubbing(bool scrubbing);
     bool hasFlagAt(const Poi& poi, const QPoint& point) const;
@@ -200,6 +207,7 @@ private:
 
     // Either may name a time at which there is no point any more.
     QTime m_selectedPoiTime;
+    bool m_hasSelectedPoi = false;
     QTime m_hoveredPoiTime;
 };
 

@@ -35,6 +35,7 @@ private slots:
     void anEmptyListKeepsAStaleSelection();
     void deletesAtTheCursor();
     void deletesTheSelected();
+    void knowsWhetherTheSelectedIsThere();
     void clearsAll();
     void updatesTheSelectedWhateverTheTimeSays();
     void updatingNothingIsLogged();
@@ -165,6 +166,24 @@ void TimelinePoisTest::deletesTheSelected()
     QCOMPARE(strip.timeline.getPOIs(), (QVariantList{poiMap(9000, QStringLiteral("two"))}));
     QVERIFY(!strip.timeline.selectedPoiTime().isValid());
     QCOMPARE(selection.size(), 2);
+}
+
+void TimelinePoisTest::knowsWhetherTheSelectedIsThere()
+{
+    Strip strip;
+    const QVariantList pois = {poiMap(3000, QStringLiteral("one"))};
+    strip.timeline.setPOIsFromList(pois);
+    QVERIFY(!strip.timeline.hasSelectedPoi());
+    strip.select(3000);
+    QVERIFY(strip.timeline.hasSelectedPoi());
+    QSignalSpy found(&strip.timeline, &TimelineContent::hasSelectedPoiChanged);
+    strip.timeline.setPOIsFromList({});
+    QVERIFY(!strip.timeline.hasSelectedPoi());
+    QCOMPARE(found.size(), 1);
+    strip.timeline.setPOIsFromList(pois);
+    QVERIFY(strip.timeline.hasSelectedPoi());
+    strip.timeline.deleteSelectedPoi();
+    QVERIFY(!strip.timeline.hasSelectedPoi());
 }
 
 void TimelinePoisTest::clearsAll()

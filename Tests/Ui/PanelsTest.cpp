@@ -33,6 +33,7 @@ private slots:
     void theListIsFilteredByTyping();
     void theListDeletesWhatIsChosen_data();
     void theListDeletesWhatIsChosen();
+    void theListShowsWhatIsSelectedAfterAnUndo();
     void aLongListFetchesThePicturesOfItsRows();
     void ctrlAddsToTheOneThatWasClicked();
     void aDoubleClickInTheListEdits();
@@ -64,6 +65,13 @@ private:
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
         QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), modifiers);
+    }
+    void clickWithCtrl(const char* row)
+    {
+        const QQuickItem* const item = m_ui->item(row);
+        const QPointF middle(item->width() / 2, item->height() / 2);
+        QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier,
+                          item->mapToScene(middle).toPoint());
     }
     void openFlight();
     void showList();
@@ -134,18 +142,36 @@ void PanelsTest::theListDeletesWhatIsChosen()
 {
     QFETCH(bool, byKey);
     showList();
-    const auto middle = [this](const char* row) {
-        QQuickItem* item = m_ui->item(row);
-        return item->mapToScene(QPointF(120, item->height() / 2)).toPoint();
-    };
-    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow0"));
-    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier, middle("poiRow1"));
+    clickWithCtrl("poiRow0");
+    clickWithCtrl("poiRow1");
     QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
     if (byKey)
         key(Qt::Key_Delete);
     else
         QVERIFY(m_ui->click("deletePoisButton"));
     QTRY_COMPARE(m_ui->poiNames(), QStringList());
+}
+
+void PanelsTest::theListShowsWhatIsSelectedAfterAnUndo()
+{
+    showList();
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
+                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
+    QTRY_VERIFY(m_ui->item("poiRow2"));
+    QVERIFY(m_ui->click("poiRow1"));
+    QTRY_COMPARE(selected(), 2000);
+    clickWithCtrl("poiRow0");
+    key(Qt::Key_Delete);
+    QTRY_COMPARE(m_ui->poiNames(), QStringList({"c"}));
+    // Nothing that is not there can be edited, moved or deleted.
+    QTRY_VERIFY(!m_ui->item("editPoiButton")->isEnabled());
+    QTRY_COMPARE(m_ui->get("poiList", "currentIndex").toInt(), -1);
+    QVERIFY(m_ui->trigger("undoMenuItem"));
+    QTRY_COMPARE(m_ui->poiNames(), QStringList({"a", "b", "c"}));
+    QCOMPARE(selected(), 2000);
+    QTRY_COMPARE(m_ui->get("poiList", "currentIndex").toInt(), 1);
+    QVERIFY(m_ui->item("editPoiButton")->isEnabled());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 // On the timeline each of them but the last is covered by the next.
@@ -173,15 +199,10 @@ void PanelsTest::ctrlAddsToTheOneThatWasClicked()
     m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
                    "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
     QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 3);
-    const auto click = [this](const char* row, Qt::KeyboardModifiers modifiers) {
-        QQuickItem* item = m_ui->item(row);
-        QTest::mouseClick(m_ui->window(), Qt::LeftButton, modifiers,
-                          item->mapToScene(QPointF(120, item->height() / 2)).toPoint());
-    };
     QTRY_VERIFY(m_ui->item("poiRow2"));
-    click("poiRow0", Qt::NoModifier);
+    QVERIFY(m_ui->click("poiRow0"));
     QTRY_COMPARE(position(), 1000);
-    click("poiRow2", Qt::ControlModifier);
+    clickWithCtrl("poiRow2");
     QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
     QVERIFY(m_ui->click("deletePoisButton"));
     QCOMPARE(m_ui->poiNames(), QStringList("b"));
@@ -220,6 +241,11 @@ void PanelsTest::severalAreChosenByKeys()
     QCOMPARE(position(), 2000);
     key(Qt::Key_Delete);
     QTRY_COMPARE(m_ui->poiNames(), QStringList({"a", "d"}));
+    // The next one is selected by a key of its own, so that a second Delete takes nothing along.
+    key(Qt::Key_Delete);
+    QCOMPARE(m_ui->poiNames(), QStringList({"a", "d"}));
+    key(Qt::Key_Down);
+    QTRY_COMPARE(selected(), 4000);
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
