@@ -1,4 +1,4 @@
-#include "App/completionLists.h"
+#include "App/fileDialogs.h"
 #include "App/logCategory.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
@@ -195,7 +195,7 @@ int main(int argc, char** argv)
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::usePlainNumbers();
     corv::registerQmlTypes();
-    corv::dropListsOfFileDialogs(application);
+    corv::suitFileDialogs(application);
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);
     corv::takeDropsAsCopies(application);

@@ -4,12 +4,10 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QHeaderView>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QRegularExpression>
 #include <QStandardPaths>
-#include <QTreeView>
 #include <QWindow>
 #include <algorithm>
 
@@ -32,15 +30,6 @@ QWindow* windowOf(const QObject* object)
                 return item->window();
     }
     return nullptr;
-}
-
-/// Files of drones are known by their dates, which are wider than the column that Qt gives them.
-void showWholeDates(const QFileDialog& dialog)
-{
-    if (const auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
-        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    }
 }
 
 QUrl existingFolder(const QUrl& folder)
@@ -132,7 +121,6 @@ void FileChoice::open()
     dialog->setAcceptMode(m_isExisting ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
     dialog->setFileMode(m_isExisting ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog->setNameFilters(filtersFor(*dialog));
-    showWholeDates(*dialog);
     // A suffix that the desktop's dialog adds after its question is one that nobody was asked
     // about.
     if (!m_isExisting && !isNative(*dialog))

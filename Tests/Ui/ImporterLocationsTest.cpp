@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QSettings>
+#include <QTreeView>
 
 using namespace corv;
 using namespace corv::test;
@@ -21,6 +22,7 @@ private slots:
     void cardsThatComeAndGoAreListed();
     void aChoiceStillOnItsWayIsSearched();
     void browseStartsAtTheLastFolder();
+    void datesOfFoldersAreWhole();
     void locationsAreSearchedAsChosen_data();
     void locationsAreSearchedAsChosen();
     void choicesAreRememberedByLoading();
@@ -224,6 +226,25 @@ void ImporterLocationsTest::browseStartsAtTheLastFolder()
     QTRY_VERIFY(UiFixture::fileDialog());
     QTRY_COMPARE(UiFixture::fileDialog()->directory().absolutePath(), folder + "/below");
     QVERIFY(UiFixture::acceptFile(folder));
+    QTRY_VERIFY(!UiFixture::fileDialog());
+}
+
+void ImporterLocationsTest::datesOfFoldersAreWhole()
+{
+    m_world->machine.addDrive("disk", "", false);
+    QVERIFY(QDir().mkpath(m_world->path("flights/monday")));
+    openImporter();
+    click("browseLogsButton");
+    QTRY_VERIFY(UiFixture::fileDialog());
+    UiFixture::fileDialog()->setDirectory(m_world->path("flights"));
+    const auto* folders = UiFixture::fileDialog()->findChild<QTreeView*>("treeView");
+    QVERIFY(folders);
+    QTRY_COMPARE(folders->model()->index(0, 0, folders->rootIndex()).data().toString(),
+                 QString("monday"));
+    constexpr int dates = 3;
+    const QAbstractItemView* const view = folders;
+    QTRY_VERIFY(folders->columnWidth(dates) >= view->sizeHintForColumn(dates));
+    UiFixture::fileDialog()->reject();
     QTRY_VERIFY(!UiFixture::fileDialog());
 }
 

@@ -1,6 +1,6 @@
 #include "UiFixture.h"
 
-#include "App/completionLists.h"
+#include "App/fileDialogs.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
 #include "Shell/blockedKeys.h"
@@ -40,7 +40,7 @@ void UiFixture::prepare()
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     usePlainNumbers();
     registerQmlTypes();
-    dropListsOfFileDialogs(*qGuiApp);
+    suitFileDialogs(*qGuiApp);
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
     takeDropsAsCopies(*qApp);
