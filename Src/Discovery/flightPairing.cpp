@@ -1,5 +1,6 @@
 #include "Discovery/flightPairing.h"
 
+#include "Discovery/fileTimes.h"
 #include "Discovery/flightAlignment.h"
 #include "Discovery/flightNames.h"
 
@@ -24,24 +25,6 @@ constexpr double likely = 0.5;
 constexpr double beyondAccident = 0.95;      // above it a length outweighs the times
 constexpr size_t mostWeighedTwice = 100'000; // videos times recordings; a folder of several cards
 constexpr double usuallyMissing = 0.2;       // share of the files, as the alignment assumes
-
-struct Recording
-{
-    int log;
-    int index; // among those of the log
-    qint64 lengthMs;
-    qint64 untilLastStopMs;
-};
-
-bool isWhole(const RecEvent& event)
-{
-    return event.startTime != 0 && event.stopTime > event.startTime;
-}
-
-qint64 lengthOf(const RecEvent& event)
-{
-    return static_cast<qint64>(event.stopTime) - static_cast<qint64>(event.startTime);
-}
 
 template <typename File>
 std::vector<FlightName> namesOf(const std::vector<File>& files)
@@ -76,9 +59,9 @@ std::vector<size_t> orderOfNames(const std::vector<FlightName>& names)
     return order;
 }
 
-std::vector<Recording> recordingsInOrder(const std::vector<PairingLog>& logs)
+std::vector<LoggedRecording> recordingsInOrder(const std::vector<PairingLog>& logs)
 {
-    std::vector<Recording> recordings;
+    std::vector<LoggedRecording> recordings;
     for (const size_t log : orderOfNames(namesOf(logs))) {
         quint32 lastStop = 0;
         for (const RecEvent& event : logs[log].recordings)
@@ -93,145 +76,6 @@ std::vector<Recording> recordingsInOrder(const std::vector<PairingLog>& logs)
     }
     return recordings;
 }
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-// Ends of files, each with the length of what it holds.
-using FileEnds = std::vector<std::pair<qint64, qint64>>;
-
-// The share of the files that can have been ended by the camera or the drone: neither can end one
-// sooner after another than it is long; a copy can, and mostly does. At least two files.
-double shareOfPossibleEnds(FileEnds ends)
-{
-    std::sort(ends.begin(), ends.end());
-    double possible = 0;
-    for (size_t i = 1; i < ends.size(); ++i)
-        possible += ends[i].first - ends[i - 1].first >= ends[i].second / 2;
-    return possible / static_cast<double>(ends.size() - 1);
-}
-
-double likelihoodOfKeptTimes(const std::vector<PairingVideo>& videos,
-                             const std::vector<PairingLog>& logs)
-{
-    constexpr double unknown = 0.7;
-    constexpr double lost = 0.3;
-    FileEnds ends;
-    for (const PairingVideo& video : videos)
-        if (video.timeMs >= 0 && video.lengthMs > 0)
-            ends.emplace_back(video.timeMs, video.lengthMs);
-    if (ends.size() >= 2) {
-        const double share = shareOfPossibleEnds(ends);
-        return share > 0.8 ? 0.995 : share > 0.4 ? unknown : lost;
-    }
-    // A single video shows nothing; logs beside it can still show that a copy has made the times.
-    FileEnds logEnds;
-    for (const PairingLog& log : logs) {
-        qint64 recordedMs = 0;
-        for (const RecEvent& event : log.recordings)
-            recordedMs += isWhole(event) ? lengthOf(event) : 0;
-        if (log.timeMs >= 0 && recordedMs > 0)
-            logEnds.emplace_back(log.timeMs, recordedMs);
-    }
-    return logEnds.size() >= 2 && shareOfPossibleEnds(logEnds) <= 0.4 ? lost : unknown;
-}
-
-// True if the second video may go on where the first one ends: a recorder begins the next file at
-// once, and two flights are minutes apart. A file that ends sooner than it is long shows no break,
-// but a time that is not the camera's.
-bool goesOnAtOnce(const PairingVideo& before, const PairingVideo& next)
-{
-    constexpr qint64 atOnceMs = 5000; // some cards know times to two seconds
-    return before.timeMs < 0 || next.timeMs < 0 ||
-           next.timeMs - next.lengthMs - before.timeMs <= atOnceMs;
-}
-
-// How long after a video its log is written: typical of a card, and learnt from the pairs whose
-// times and lengths agree.
-class LogDelay
-{
-public:
-    LogDelay(const std::vector<PairingVideo>& videos, const std::vector<PairingLog>& logs,
-             const std::vector<Recording>& recordings)
-        : m_logs(logs)
-    {
-        std::vector<double> delays;
-        for (const PairingVideo& video : videos) {
-            double nearest = -1;
-            for (const Recording& recording : recordings)
-                if (recording.log == video.logByTime &&
-                    lengthsAgree(video.lengthMs, recording.lengthMs)) {
-                    const double secs = delaySecs(video, recording);
-                    nearest = nearest < 0 ? secs : std::min(nearest, secs);
-                }
-            if (nearest >= 0)
-                delays.push_back(nearest);
-        }
-        if (delays.size() < 3)
-            return;
-        m_typicalSecs = median(delays);
-        for (double& delay : delays)
-            delay = std::abs(delay - m_typicalSecs);
-        m_spreadSecs = std::max(20.0, 1.5 * median(delays));
-    }
-
-    double fit(const PairingVideo& video, const Recording& recording) const
-    {
-        constexpr double longestSecs = 1800;
-        constexpr double anyOrder = 0.02;
-        const PairingLog& log = m_logs[static_cast<size_t>(recording.log)];
-        if (video.timeMs < 0 || log.timeMs < 0)
-            return 1;
-        const double wholeSecs = static_cast<double>(log.timeMs - video.timeMs) / 1000;
-        const double secs = delaySecs(video, recording);
-        if (wholeSecs < -3 || secs >= longestSecs + 3)
-            return anyOrder;
-        const double apart = std::abs(secs - m_typicalSecs);
-        const double near = std::exp(-apart / m_spreadSecs) / (2 * m_spreadSecs);
-        return std::min(20.0, 0.95 * near * longestSecs + 0.05);
-    }
-
-    // True if the log was written too soon after the video to be that of a later flight with such a
-    // recording, or as soon as is typical of the card.
-    bool followsAtOnce(const PairingVideo& video, const Recording& recording) const
-    {
-        const double secs = delaySecs(video, recording);
-        return secs * 1000 < static_cast<double>(recording.lengthMs) ||
-               std::abs(secs - m_typicalSecs) <= m_spreadSecs;
-    }
-
-    // True if the video was taken while the recording ran, by the clock of the log, which ends
-    // about when the log is written.
-    bool isDuring(const PairingVideo& video, const Recording& recording) const
-    {
-        constexpr double usualSpreads = 2;
-        const PairingLog& log = m_logs[static_cast<size_t>(recording.log)];
-        if (video.timeMs < 0 || log.timeMs < 0)
-            return false;
-        const qint64 untilStopMs = log.timeMs - recording.untilLastStopMs - video.timeMs;
-        const double latestSecs = m_typicalSecs + usualSpreads * m_spreadSecs;
-        return untilStopMs >= -3000 && static_cast<double>(untilStopMs + video.lengthMs -
-                                                           recording.lengthMs) < 1000 * latestSecs;
-    }
-
-private:
-    // From the end of the video to the writing of the log, less what the log itself says lies
-    // between; where the two clocks disagree, the file times alone.
-    double delaySecs(const PairingVideo& video, const Recording& recording) const
-    {
-        const qint64 wholeMs = m_logs[static_cast<size_t>(recording.log)].timeMs - video.timeMs;
-        const qint64 restMs = wholeMs - recording.untilLastStopMs;
-        return static_cast<double>(restMs >= -3000 ? std::max(qint64(0), restMs) : wholeMs) / 1000;
-    }
-
-    const std::vector<PairingLog>& m_logs;
-    double m_typicalSecs = 60;
-    double m_spreadSecs = 300;
-};
 
 // What the alignment believes of one video and one log: all its recordings together, the most
 // likely one by name.
@@ -273,7 +117,7 @@ private:
     const std::vector<PairingLog>& m_logs;
     std::vector<FlightName> m_names; // of the videos
     std::vector<size_t> m_order;     // positions of the videos by name
-    std::vector<Recording> m_recordings;
+    std::vector<LoggedRecording> m_recordings;
     LogDelay m_delay;
     std::vector<std::vector<AlignmentClaim>> m_claims; // by place in m_order
     AlignmentInput m_input;
@@ -297,7 +141,7 @@ Decision::Decision(const std::vector<PairingVideo>& videos, const std::vector<Pa
         const bool later = continues && !goesOnAtOnce(videos[m_order[place - 1]], video);
         input.videos.push_back({video.lengthMs, continues, later, missing});
     }
-    for (const Recording& recording : m_recordings)
+    for (const LoggedRecording& recording : m_recordings)
         input.recordingsMs.push_back(recording.lengthMs);
     input.timeFit = [&](int place, int recording) {
         return m_delay.fit(videos[m_order[static_cast<size_t>(place)]],
@@ -375,7 +219,7 @@ LogBelief Decision::mostLikely(size_t place) const
 
 void Decision::addClaim(const AlignmentClaim& claim, Pairing& pairing) const
 {
-    const Recording& recording = m_recordings[static_cast<size_t>(claim.recording)];
+    const LoggedRecording& recording = m_recordings[static_cast<size_t>(claim.recording)];
     pairing.log = recording.log;
     pairing.recording = recording.index;
     pairing.recordingLengthMs = recording.lengthMs;
@@ -389,7 +233,7 @@ void Decision::addClaim(const AlignmentClaim& claim, Pairing& pairing) const
 
 void Decision::addNearestLength(Pairing& pairing) const
 {
-    for (const Recording& recording : m_recordings) {
+    for (const LoggedRecording& recording : m_recordings) {
         if (recording.log == pairing.log &&
             (pairing.recordingLengthMs < 0 ||
              std::abs(recording.lengthMs - pairing.flightLengthMs) <
@@ -401,7 +245,7 @@ void Decision::addNearestLength(Pairing& pairing) const
 bool Decision::canCompare(int log) const
 {
     return std::any_of(m_recordings.begin(), m_recordings.end(),
-                       [log](const Recording& recording) { return recording.log == log; });
+                       [log](const LoggedRecording& recording) { return recording.log == log; });
 }
 
 // A flight that was not filmed: its log has no recording, but describes them, or others of the card
@@ -420,7 +264,7 @@ int Decision::logDuring(const PairingVideo& video) const
     int log = -1;
     if (!m_timesAreKept || video.lengthMs <= 0)
         return log;
-    for (const Recording& recording : m_recordings) {
+    for (const LoggedRecording& recording : m_recordings) {
         if (recording.log == log || !m_delay.isDuring(video, recording))
             continue;
         if (log >= 0)
@@ -434,7 +278,7 @@ int Decision::logDuring(const PairingVideo& video) const
 // while the log `during` ran: the length agrees by accident.
 bool Decision::isBelied(const AlignmentClaim& claim, int during) const
 {
-    const Recording& recording = m_recordings[static_cast<size_t>(claim.recording)];
+    const LoggedRecording& recording = m_recordings[static_cast<size_t>(claim.recording)];
     const PairingVideo& last =
         m_videos[m_order[static_cast<size_t>(claim.first + claim.count - 1)]];
     return during >= 0 && during != recording.log && !m_delay.isDuring(last, recording);
