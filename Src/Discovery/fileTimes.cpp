@@ -1,6 +1,6 @@
 #include "Discovery/fileTimes.h"
 
-#include "Discovery/flightAlignment.h"
+#include "Discovery/flightSegments.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,32 +1,22 @@
 #include "Discovery/flightAlignment.h"
 
+#include "Discovery/flightSegments.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <numeric>
-#include <utility>
 
 namespace corv {
 namespace {
-
-constexpr qint64 recorderOverheadMs = 1000; // by which a logged recording exceeds its video
-constexpr qint64 agreementMs = 3000;
 
 // Odds of a card: how often a file is missing, a name out of order, a flight in several files.
 constexpr double videoHasNoLog = 0.2;
 constexpr double jumpsInOrder = 0.02;
 constexpr double strayInOrder = 0.03;
-constexpr double severalParts = 0.1;
 constexpr double namesAreInOrder = 0.97;
-constexpr size_t mostParts = 40;
-constexpr double partsOfACardThatSplits = 0.4; // the same where files are of full length
-constexpr double fileIsMissing = 0.2;
 constexpr double videoBetweenLogs = 0.02; // has none, if none is missing
-constexpr int mostMissing = 4;            // files of one flight
-constexpr double endsFull = 0.1;          // the last file of a flight
-constexpr qint64 fullLengthVaries = 50;   // by that part of it
 
 // Lengths of gaps: none, a few recordings without their video, those of other cards between.
 struct Gap
@@ -48,29 +38,14 @@ struct ScaledRow
     double logScale = minusInfinity;
 };
 
-struct Candidate
-{
-    int recording;
-    double lengthFit;
-    double fit; // with the times, if they are believed
-};
-
-// Videos that may be one flight, with the recordings of its length.
-struct Segment
-{
-    int first;
-    int count;
-    std::vector<Candidate> candidates;
-    bool lacksFiles = false;
-};
-
 class Alignment
 {
 public:
     explicit Alignment(const AlignmentInput& input)
         : m_videos(input.videos.size()), m_recordings(input.recordingsMs.size())
     {
-        findSegments(input);
+        m_segments = findSegments(input);
+        noteSegments();
         m_hasNoLog.assign(m_recordings + 1, videoHasNoLog);
         for (size_t r = 1; r < input.followsDirectly.size(); ++r)
             if (input.followsDirectly[r])
@@ -95,25 +70,13 @@ private:
         std::vector<double> probabilities; // per candidate, segment by segment
     };
 
-    void findSegments(const AlignmentInput& input);
-    void addSegment(const AlignmentInput& input, size_t first, size_t count, qint64 lengthMs,
-                    const std::vector<int>& byLength);
-    void findTornSegments(const AlignmentInput& input, const std::vector<int>& byLength);
-    void addAgreeing(const AlignmentInput& input, Segment& segment, qint64 lengthMs,
-                     const std::vector<int>& byLength) const;
-    void addLonger(const AlignmentInput& input, Segment& segment, qint64 lengthMs, qint64 fullMs,
-                   int mostAfter, const std::vector<int>& byLength) const;
-    void addTornFrom(const AlignmentInput& input, size_t first, int before, qint64 fullMs,
-                     const std::vector<int>& byLength);
-    int missingBefore(const AlignmentInput& input, size_t video) const;
-    void keep(Segment segment, double fitOfFiles);
-    double chanceOf(qint64 lengthMs, qint64 lastPartMs) const;
+    void noteSegments();
     void weigh(const AlignmentInput& input, bool withTimes);
     Outcome passBothWays(const Belief& belief);
     Outcome passInNoOrder(const Belief& belief) const;
     std::vector<double> arrivals(const std::vector<double>& row, const Belief& belief) const;
     std::vector<double> departures(const std::vector<double>& row, const Belief& belief) const;
-    double strayFit(const Segment& segment, const Belief& belief) const;
+    double strayFit(const FlightSegment& segment, const Belief& belief) const;
     // What follows a segment: the ways on from its end, those to come to its recordings, and the
     // number of all ways through the whole card.
     struct Rest
@@ -130,9 +93,7 @@ private:
 
     size_t m_videos;
     size_t m_recordings;
-    std::vector<qint64> m_sortedRecordingsMs;
-    std::vector<qint64> m_sortedVideosMs;
-    std::vector<Segment> m_segments;               // by their first video
+    std::vector<FlightSegment> m_segments;         // by their first video
     std::vector<std::vector<size_t>> m_startingAt; // segments by their first video
     std::vector<std::vector<size_t>> m_endingAt;   // segments by the video after their last one
     std::vector<size_t> m_firstCandidate;          // of each segment, counted through all
@@ -145,234 +106,28 @@ private:
     std::vector<double> m_probabilities;
 };
 
-double fitOfLengths(qint64 videoMs, qint64 recordingMs)
-{
-    constexpr double spreadMs = 600;
-    constexpr double outlierShare = 0.1;
-    const double apart = static_cast<double>(recordingMs - recorderOverheadMs - videoMs) / spreadMs;
-    const double near = std::exp(-apart * apart / 2) / (spreadMs * 2.5066);
-    return (1 - outlierShare) * near + outlierShare / (2.0 * static_cast<double>(agreementMs));
-}
-
-// How likely so many files are one flight. A recorder splits at a fixed size: only the last part is
-// shorter, and the flight neither begins after a full part nor ends with one.
-double fitOfParts(const AlignmentInput& input, size_t first, size_t count)
-{
-    if (count == 1)
-        return 1 - severalParts;
-    const size_t last = first + count - 1;
-    const auto length = [&](size_t i) { return static_cast<double>(input.videos[i].lengthMs); };
-    const double full = length(first);
-    const double slack = std::max(3000.0, 0.1 * full);
-    const auto isFull = [&](size_t i) { return std::abs(length(i) - full) <= slack; };
-    double fit = severalParts;
-    for (size_t i = first + 1; i < last; ++i)
-        if (!isFull(i))
-            fit *= 0.1;
-    if (length(last) > full + slack)
-        fit *= 0.02;
-    if (input.videos[first].continuesFlight && first > 0 && isFull(first - 1))
-        fit *= 0.1;
-    const bool goesOn = last + 1 < input.videos.size() && input.videos[last + 1].continuesFlight;
-    if (goesOn && isFull(last))
-        fit *= 0.1;
-    return fit;
-}
-
-void Alignment::findSegments(const AlignmentInput& input)
+void Alignment::noteSegments()
 {
     m_startingAt.resize(m_videos);
     m_endingAt.resize(m_videos + 1);
-    std::vector<int> byLength(m_recordings);
-    for (size_t r = 0; r < m_recordings; ++r)
-        byLength[r] = static_cast<int>(r);
-    std::sort(byLength.begin(), byLength.end(), [&input](int a, int b) {
-        return input.recordingsMs[static_cast<size_t>(a)] <
-               input.recordingsMs[static_cast<size_t>(b)];
-    });
-    if (byLength.empty())
-        return;
-    m_sortedRecordingsMs = input.recordingsMs;
-    std::sort(m_sortedRecordingsMs.begin(), m_sortedRecordingsMs.end());
-    for (const AlignmentInput::Video& video : input.videos)
-        if (video.lengthMs > 0)
-            m_sortedVideosMs.push_back(video.lengthMs);
-    std::sort(m_sortedVideosMs.begin(), m_sortedVideosMs.end());
-    const qint64 longest = input.recordingsMs[static_cast<size_t>(byLength.back())] + agreementMs;
-    for (size_t first = 0; first < m_videos; ++first) {
-        qint64 lengthMs = 0;
-        for (size_t count = 1; first + count <= m_videos && count <= mostParts; ++count) {
-            const AlignmentInput::Video& part = input.videos[first + count - 1];
-            if (part.lengthMs <= 0 || (count > 1 && !part.continuesFlight))
-                break;
-            lengthMs += part.lengthMs;
-            if (lengthMs > longest)
-                break;
-            addSegment(input, first, count, lengthMs, byLength);
-        }
+    for (size_t s = 0; s < m_segments.size(); ++s) {
+        const FlightSegment& segment = m_segments[s];
+        m_firstCandidate.push_back(m_candidates);
+        m_candidates += segment.candidates.size();
+        m_startingAt[static_cast<size_t>(segment.first)].push_back(s);
+        m_endingAt[static_cast<size_t>(segment.first + segment.count)].push_back(s);
     }
-    if (input.filesAreMissing)
-        findTornSegments(input, byLength);
-}
-
-void Alignment::addSegment(const AlignmentInput& input, size_t first, size_t count, qint64 lengthMs,
-                           const std::vector<int>& byLength)
-{
-    Segment segment{static_cast<int>(first), static_cast<int>(count), {}, false};
-    addAgreeing(input, segment, lengthMs, byLength);
-    if (!segment.candidates.empty())
-        keep(std::move(segment), fitOfParts(input, first, count));
-}
-
-// Adds the recordings of that length.
-void Alignment::addAgreeing(const AlignmentInput& input, Segment& segment, qint64 lengthMs,
-                            const std::vector<int>& byLength) const
-{
-    const auto begin = std::partition_point(byLength.begin(), byLength.end(), [&](int r) {
-        return input.recordingsMs[static_cast<size_t>(r)] <= lengthMs - agreementMs;
-    });
-    const auto last = static_cast<size_t>(segment.first + segment.count - 1);
-    double chance = 0;
-    for (auto it = begin; it != byLength.end(); ++it) {
-        const qint64 recordingMs = input.recordingsMs[static_cast<size_t>(*it)];
-        if (!lengthsAgree(lengthMs, recordingMs))
-            break;
-        if (segment.candidates.empty())
-            chance = chanceOf(lengthMs, input.videos[last].lengthMs);
-        const double fit = fitOfLengths(lengthMs, recordingMs) / chance;
-        segment.candidates.push_back({*it, fit, fit});
-    }
-}
-
-// Keeps a segment whose files are one flight that likely.
-void Alignment::keep(Segment segment, double fitOfFiles)
-{
-    if (segment.candidates.empty())
-        return;
-    for (Candidate& candidate : segment.candidates)
-        candidate.lengthFit *= fitOfFiles;
-    std::sort(segment.candidates.begin(), segment.candidates.end(),
-              [](const Candidate& a, const Candidate& b) { return a.recording < b.recording; });
-    m_firstCandidate.push_back(m_candidates);
-    m_candidates += segment.candidates.size();
-    m_startingAt[static_cast<size_t>(segment.first)].push_back(m_segments.size());
-    m_endingAt[static_cast<size_t>(segment.first + segment.count)].push_back(m_segments.size());
-    m_segments.push_back(std::move(segment));
-}
-
-// The length at which the recorder begins the next file: several files have it, none is longer. 0
-// if it does not show.
-qint64 fullLength(const std::vector<qint64>& sortedMs)
-{
-    constexpr std::ptrdiff_t fewest = 3;
-    if (sortedMs.empty())
-        return 0;
-    const qint64 leastMs = sortedMs.back() - sortedMs.back() / fullLengthVaries;
-    const auto begin = std::lower_bound(sortedMs.begin(), sortedMs.end(), leastMs);
-    const auto full = std::distance(begin, sortedMs.end());
-    return full < fewest ? 0 : *(begin + full / 2);
-}
-
-// Flights of which some files are missing: as many as the numbers of the others leave out, and all
-// but the last of a flight are of full length.
-void Alignment::findTornSegments(const AlignmentInput& input, const std::vector<int>& byLength)
-{
-    const qint64 fullMs = fullLength(m_sortedVideosMs);
-    for (size_t first = 0; first < m_videos && fullMs > 0; ++first)
-        for (int before = 0; before <= missingBefore(input, first); ++before)
-            addTornFrom(input, first, before, fullMs, byLength);
-}
-
-int Alignment::missingBefore(const AlignmentInput& input, size_t video) const
-{
-    const int missing = video < m_videos ? input.videos[video].missingBefore : -1;
-    return missing < 0 ? mostMissing : std::min(missing, mostMissing);
-}
-
-// The flights that begin with `before` missing files and the video `first`.
-void Alignment::addTornFrom(const AlignmentInput& input, size_t first, int before, qint64 fullMs,
-                            const std::vector<int>& byLength)
-{
-    const auto isFull = [&](size_t i) {
-        return std::abs(input.videos[i].lengthMs - fullMs) <= fullMs / fullLengthVaries;
-    };
-    int missing = before;
-    qint64 thereMs = 0;
-    for (size_t count = 1; first + count <= m_videos && count <= mostParts; ++count) {
-        const size_t last = first + count - 1;
-        const AlignmentInput::Video& part = input.videos[last];
-        if (count > 1)
-            missing += part.missingBefore;
-        if (part.lengthMs <= 0 || missing > mostMissing ||
-            (count > 1 && (part.missingBefore < 0 || !isFull(last - 1))))
-            break;
-        thereMs += part.lengthMs;
-        // The files of one flight are more alike than those of all.
-        const qint64 ownFullMs = count > 1 ? input.videos[first].lengthMs : fullMs;
-        const qint64 lengthMs = thereMs + missing * ownFullMs;
-        if (lengthMs >= m_sortedRecordingsMs.back() + agreementMs)
-            break;
-        const double fit = partsOfACardThatSplits * std::pow(fileIsMissing, missing);
-        Segment ended{static_cast<int>(first), static_cast<int>(count), {}, true};
-        Segment unended = ended;
-        if (missing > 0)
-            addAgreeing(input, ended, lengthMs, byLength);
-        keep(std::move(ended), isFull(last) ? endsFull * fit : fit);
-        const int mostAfter = std::min(missingBefore(input, last + 1), mostMissing - missing);
-        if (isFull(last) && mostAfter > 0)
-            addLonger(input, unended, lengthMs, ownFullMs, mostAfter, byLength);
-        keep(std::move(unended), fit);
-    }
-}
-
-// The last file is missing too: the recording is longer than what is there, by no more than the
-// missing files hold. How much longer says nothing.
-void Alignment::addLonger(const AlignmentInput& input, Segment& segment, qint64 lengthMs,
-                          qint64 fullMs, int mostAfter, const std::vector<int>& byLength) const
-{
-    const auto begin = std::partition_point(byLength.begin(), byLength.end(), [&](int r) {
-        return input.recordingsMs[static_cast<size_t>(r)] < lengthMs;
-    });
-    const auto longer = static_cast<double>(std::distance(begin, byLength.end()));
-    for (auto it = begin; it != byLength.end(); ++it) {
-        const qint64 restMs =
-            input.recordingsMs[static_cast<size_t>(*it)] - recorderOverheadMs - lengthMs;
-        const auto after = static_cast<int>(std::max<qint64>(0, restMs - 1) / fullMs) + 1;
-        if (after > mostAfter)
-            break;
-        const double fit =
-            std::pow(fileIsMissing, after) * static_cast<double>(m_recordings) / longer;
-        segment.candidates.push_back({*it, fit, fit});
-    }
-}
-
-// The density, per millisecond, of flights of about this length: where all flights are alike, or
-// all parts of them, an agreeing length says little.
-double Alignment::chanceOf(qint64 lengthMs, qint64 lastPartMs) const
-{
-    constexpr double anyLength = 1.0 / 1'200'000;
-    const auto density = [](const std::vector<qint64>& sorted, qint64 ms) {
-        constexpr qint64 aroundMs = 30'000;
-        const auto begin = std::lower_bound(sorted.begin(), sorted.end(), ms - aroundMs);
-        const auto end = std::upper_bound(begin, sorted.end(), ms + aroundMs);
-        const auto others = static_cast<double>(std::distance(begin, end) - 1);
-        return std::max(0.0, others) /
-               (static_cast<double>(sorted.size()) * 2.0 * static_cast<double>(aroundMs));
-    };
-    return 0.6 * anyLength +
-           0.7 * std::max(density(m_sortedRecordingsMs, lengthMs + recorderOverheadMs),
-                          density(m_sortedVideosMs, lastPartMs));
 }
 
 void Alignment::weigh(const AlignmentInput& input, bool withTimes)
 {
     constexpr double brokenFlight = 0.001; // a recorder begins the next file at once
-    for (Segment& segment : m_segments) {
+    for (FlightSegment& segment : m_segments) {
         const auto begin = input.videos.begin() + segment.first;
         const bool broken =
             std::any_of(begin + 1, begin + segment.count,
                         [](const AlignmentInput::Video& part) { return part.beginsLater; });
-        for (Candidate& candidate : segment.candidates)
+        for (SegmentCandidate& candidate : segment.candidates)
             candidate.fit = withTimes ? candidate.lengthFit * (broken ? brokenFlight : 1) *
                                             input.timeFit(segment.first + segment.count - 1,
                                                           candidate.recording)
@@ -432,10 +187,10 @@ std::vector<double> Alignment::departures(const std::vector<double>& worth,
     return out;
 }
 
-double Alignment::strayFit(const Segment& segment, const Belief& belief) const
+double Alignment::strayFit(const FlightSegment& segment, const Belief& belief) const
 {
     double fit = 0;
-    for (const Candidate& candidate : segment.candidates)
+    for (const SegmentCandidate& candidate : segment.candidates)
         fit += candidate.fit;
     return fit * belief.stray / static_cast<double>(m_recordings);
 }
@@ -474,10 +229,10 @@ void Alignment::forwards(const Belief& belief)
         for (size_t place = 0; place <= m_recordings; ++place)
             row.values[place] *= m_hasNoLog[place] * factor(before);
         for (const size_t s : m_endingAt[after]) {
-            const Segment& segment = m_segments[s];
+            const FlightSegment& segment = m_segments[s];
             const auto first = static_cast<size_t>(segment.first);
             const double paired = (1 - videoHasNoLog) * factor(m_forward[first]);
-            for (const Candidate& candidate : segment.candidates) {
+            for (const SegmentCandidate& candidate : segment.candidates) {
                 const auto r = static_cast<size_t>(candidate.recording);
                 row.values[r + 1] += paired * m_arriving[first][r] * candidate.fit;
             }
@@ -495,7 +250,7 @@ void Alignment::forwards(const Belief& belief)
 void Alignment::addWaysOn(size_t segmentNumber, const Belief& belief, const Rest& rest,
                           std::vector<double>& worth, ScaledRow& row, Outcome& outcome) const
 {
-    const Segment& segment = m_segments[segmentNumber];
+    const FlightSegment& segment = m_segments[segmentNumber];
     const ScaledRow& before = m_forward[static_cast<size_t>(segment.first)];
     const double paired = (1 - videoHasNoLog) * std::exp(rest.row.logScale - row.logScale);
     const double share =
@@ -505,7 +260,7 @@ void Alignment::addWaysOn(size_t segmentNumber, const Belief& belief, const Rest
         passing += before.values[place] * rest.row.values[place];
     passing *= belief.stray / static_cast<double>(m_recordings);
     size_t number = m_firstCandidate[segmentNumber];
-    for (const Candidate& candidate : segment.candidates) {
+    for (const SegmentCandidate& candidate : segment.candidates) {
         const auto r = static_cast<size_t>(candidate.recording);
         worth[r] += paired * candidate.fit * rest.row.values[r + 1];
         outcome.probabilities[number++] =
@@ -612,7 +367,7 @@ Alignment::Outcome Alignment::passInNoOrder(const Belief& belief) const
             sum = larger + std::log1p(std::exp(std::min(sum, what) - larger));
     };
     const double unpaired = std::log(videoHasNoLog);
-    const auto pairedLog = [&](const Segment& segment) {
+    const auto pairedLog = [&](const FlightSegment& segment) {
         return std::log((1 - videoHasNoLog) * strayFit(segment, belief));
     };
     forward[0] = 0;
@@ -630,13 +385,13 @@ Alignment::Outcome Alignment::passInNoOrder(const Belief& belief) const
                                      pairedLog(m_segments[s]));
     }
     outcome.logWeight = forward[m_videos] + std::log(belief.prior);
-    for (const Segment& segment : m_segments) {
+    for (const FlightSegment& segment : m_segments) {
         const auto first = static_cast<size_t>(segment.first);
         const double around =
             std::exp(forward[first] + backward[first + static_cast<size_t>(segment.count)] -
                      forward[m_videos]) *
             (1 - videoHasNoLog) * belief.stray / static_cast<double>(m_recordings);
-        for (const Candidate& candidate : segment.candidates)
+        for (const SegmentCandidate& candidate : segment.candidates)
             outcome.probabilities.push_back(around * candidate.fit);
     }
     return outcome;
@@ -649,12 +404,12 @@ std::vector<std::vector<AlignmentClaim>> Alignment::claims() const
         return claims;
     std::vector<double> claimed(m_recordings, 0.0);
     size_t c = 0;
-    for (const Segment& segment : m_segments)
-        for (const Candidate& candidate : segment.candidates)
+    for (const FlightSegment& segment : m_segments)
+        for (const SegmentCandidate& candidate : segment.candidates)
             claimed[static_cast<size_t>(candidate.recording)] += m_probabilities[c++];
     c = 0;
-    for (const Segment& segment : m_segments) {
-        for (const Candidate& candidate : segment.candidates) {
+    for (const FlightSegment& segment : m_segments) {
+        for (const SegmentCandidate& candidate : segment.candidates) {
             const double share = std::max(1.0, claimed[static_cast<size_t>(candidate.recording)]);
             const AlignmentClaim claim{candidate.recording, segment.first, segment.count,
                                        m_probabilities[c++] / share, segment.lacksFiles};
@@ -666,11 +421,6 @@ std::vector<std::vector<AlignmentClaim>> Alignment::claims() const
 }
 
 } // namespace
-
-bool lengthsAgree(qint64 videoMs, qint64 recordingMs)
-{
-    return std::abs(videoMs - recordingMs) < agreementMs;
-}
 
 std::vector<std::vector<AlignmentClaim>> alignFlights(const AlignmentInput& input)
 {

@@ -44,9 +44,6 @@ struct AlignmentClaim
     bool lacksFiles = false; ///< others of the flight are missing; asked by `filesAreMissing`
 };
 
-/// True if a video of that length can be that recording: they differ by less than three seconds.
-bool lengthsAgree(qint64 videoMs, qint64 recordingMs);
-
 /// For each video, all claims that it is part of. Sequence alignment by dynamic programming over
 /// all ways to pair the videos with recordings of agreeing length, either in the order of names,
 /// with gaps on both sides and few jumps, or in no order; either with believed times or without.

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <numeric>
-#include <utility>
 
 namespace corv {
 namespace {

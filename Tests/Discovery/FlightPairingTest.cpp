@@ -1,6 +1,6 @@
 #include "Discovery/flightPairing.h"
-#include "Discovery/flightAlignment.h"
 #include "Discovery/flightNames.h"
+#include "Discovery/flightSegments.h"
 #include "GeneratedCards.h"
 #include "Support/trustRow.h"
 #include "pairingFiles.h"
