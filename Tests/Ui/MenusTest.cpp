@@ -38,10 +38,6 @@ private slots:
     void startIsReported();
 
 private:
-    void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), modifiers);
-    }
     int frame() const { return m_ui->evaluate("videoPlayer.currentFrameIndex").toInt(); }
 };
 

@@ -1,4 +1,3 @@
-#include "Review/PoiModel.h"
 #include "ReviewSuite.h"
 
 #include <QAbstractItemModel>
@@ -22,22 +21,13 @@ QVector<QQuickItem*> allBelow(QQuickItem* item)
 
 } // namespace
 
-/// What is beside the stated window: the list of points of interest, jobs, zoom, the keys of a
-/// review, the thermal bar.
+/// What is beside the stated window: the pictures at the pointer, jobs, zoom, the keys of a review,
+/// the thermal bar.
 class PanelsTest : public ReviewSuite
 {
     Q_OBJECT
 
 private slots:
-    void theListGoesToAPoint();
-    void theListIsFilteredByTyping();
-    void theListDeletesWhatIsChosen_data();
-    void theListDeletesWhatIsChosen();
-    void theListShowsWhatIsSelectedAfterAnUndo();
-    void aLongListFetchesThePicturesOfItsRows();
-    void ctrlAddsToTheOneThatWasClicked();
-    void aDoubleClickInTheListEdits();
-    void severalAreChosenByKeys();
     void panelsFoldAndStayFolded();
     void keysJumpAndFollowThePoints();
     void keysZoomTheTimeline();
@@ -60,194 +50,7 @@ private slots:
     void unitsSwitchAtOnce();
     void aSeriesOfPicturesIsAJobWithAnEnd();
     void jobsAreListed();
-
-private:
-    void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key), modifiers);
-    }
-    void clickWithCtrl(const char* row)
-    {
-        const QQuickItem* const item = m_ui->item(row);
-        const QPointF middle(item->width() / 2, item->height() / 2);
-        QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::ControlModifier,
-                          item->mapToScene(middle).toPoint());
-    }
-    void openFlight();
-    void showList();
-    int position() const
-    {
-        return QTime(0, 0).msecsTo(m_ui->evaluate("videoPlayer.timePosition").toTime());
-    }
-    int selected() const
-    {
-        return QTime(0, 0).msecsTo(m_ui->evaluate("timelineContent.selectedPoiTime").toTime());
-    }
 };
-
-// Points of interest at 1 and 3 seconds of six.
-void PanelsTest::openFlight()
-{
-    QVERIFY(m_ui->openVideo());
-    QVERIFY(m_ui->importLog());
-    QTRY_COMPARE(m_ui->poiNames().size(), 2);
-    QTRY_VERIFY(!player("isBusy").toBool());
-}
-
-void PanelsTest::showList()
-{
-    openFlight();
-    key(Qt::Key_F7);
-    QTRY_VERIFY(m_ui->item("poiPanel")->isVisible());
-    QTRY_VERIFY(m_ui->item("poiRow1"));
-}
-
-void PanelsTest::theListGoesToAPoint()
-{
-    showList();
-    QTRY_COMPARE(m_ui->get("poiPanelTitle", "text").toString(), QString("Points of interest: 2"));
-    QVERIFY(m_ui->click("poiRow1"));
-    QTRY_COMPARE(position(), 3000);
-    QCOMPARE(selected(), 3000);
-    // The keys stay with the video.
-    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
-    m_ui->screenshot("list");
-    QCOMPARE(m_ui->scriptErrors(), QStringList());
-}
-
-void PanelsTest::theListIsFilteredByTyping()
-{
-    showList();
-    UiFixture::click(m_ui->item("filterField"));
-    QTRY_VERIFY(m_ui->get("filterField", "activeFocus").toBool());
-    QTest::keyClick(m_ui->window(), '2');
-    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 1);
-    QTest::keyClick(m_ui->window(), 'x');
-    QTRY_VERIFY(m_ui->item("emptyText")->isVisible());
-    // Letters are typed, and run no command of the window.
-    QCOMPARE(m_ui->poiNames().size(), 2);
-    key(Qt::Key_Escape);
-    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 2);
-    QVERIFY(m_ui->item("videoTab")->hasActiveFocus());
-}
-
-void PanelsTest::theListDeletesWhatIsChosen_data()
-{
-    QTest::addColumn<bool>("byKey");
-    QTest::newRow("by the button") << false;
-    QTest::newRow("by the key") << true;
-}
-
-void PanelsTest::theListDeletesWhatIsChosen()
-{
-    QFETCH(bool, byKey);
-    showList();
-    clickWithCtrl("poiRow0");
-    clickWithCtrl("poiRow1");
-    QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
-    if (byKey)
-        key(Qt::Key_Delete);
-    else
-        QVERIFY(m_ui->click("deletePoisButton"));
-    QTRY_COMPARE(m_ui->poiNames(), QStringList());
-}
-
-void PanelsTest::theListShowsWhatIsSelectedAfterAnUndo()
-{
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
-    QTRY_VERIFY(m_ui->item("poiRow2"));
-    QVERIFY(m_ui->click("poiRow1"));
-    QTRY_COMPARE(selected(), 2000);
-    clickWithCtrl("poiRow0");
-    key(Qt::Key_Delete);
-    QTRY_COMPARE(m_ui->poiNames(), QStringList({"c"}));
-    // Nothing that is not there can be edited, moved or deleted.
-    QTRY_VERIFY(!m_ui->item("editPoiButton")->isEnabled());
-    QTRY_COMPARE(m_ui->get("poiList", "currentIndex").toInt(), -1);
-    QVERIFY(m_ui->trigger("undoMenuItem"));
-    QTRY_COMPARE(m_ui->poiNames(), QStringList({"a", "b", "c"}));
-    QCOMPARE(selected(), 2000);
-    QTRY_COMPARE(m_ui->get("poiList", "currentIndex").toInt(), 1);
-    QVERIFY(m_ui->item("editPoiButton")->isEnabled());
-    QCOMPARE(m_ui->scriptErrors(), QStringList());
-}
-
-// On the timeline each of them but the last is covered by the next.
-void PanelsTest::aLongListFetchesThePicturesOfItsRows()
-{
-    showList();
-    auto* pois = m_ui->evaluate("timelineContent.poiModel").value<corv::PoiModel*>();
-    QVERIFY(pois);
-    QVariantList many;
-    for (int ms = 0; ms < static_cast<int>(corv::PoiModel::fetchedUnseen) + 100; ++ms)
-        many.append(QVariantMap{{"time", ms}, {"name", "A"}});
-    pois->setFromList(many);
-    constexpr int row = 1000;
-    const QTime time = QTime(0, 0).addMSecs(row);
-    QVERIFY(pois->isUnseen(time));
-    QMetaObject::invokeMethod(m_ui->item("poiList"), "positionViewAtIndex", Q_ARG(int, row),
-                              Q_ARG(int, 1)); // in the middle
-    QTRY_VERIFY(!pois->find(time)->thumbnail.isNull());
-    QVERIFY(pois->isUnseen(QTime(0, 0).addMSecs(row / 2)));
-}
-
-void PanelsTest::ctrlAddsToTheOneThatWasClicked()
-{
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
-    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 3);
-    QTRY_VERIFY(m_ui->item("poiRow2"));
-    QVERIFY(m_ui->click("poiRow0"));
-    QTRY_COMPARE(position(), 1000);
-    clickWithCtrl("poiRow2");
-    QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
-    QVERIFY(m_ui->click("deletePoisButton"));
-    QCOMPARE(m_ui->poiNames(), QStringList("b"));
-}
-
-void PanelsTest::aDoubleClickInTheListEdits()
-{
-    showList();
-    QQuickItem* row = m_ui->item("poiRow0");
-    const QPoint place = row->mapToScene(QPointF(120, 20)).toPoint();
-    QTest::mouseClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
-    QTest::mouseDClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
-    QTRY_VERIFY(UiFixture::visibleWindow("poiPropertiesWindow"));
-    QCOMPARE(UiFixture::visibleWindow("poiPropertiesWindow")->property("poiName").toString(),
-             QString("POI 1"));
-    UiFixture::visibleWindow("poiPropertiesWindow")->close();
-}
-
-void PanelsTest::severalAreChosenByKeys()
-{
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}, {time: 4000, name: 'd'}])");
-    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 4);
-    const auto chosen = [this] { return m_ui->get("deletePoisButton", "text").toString(); };
-    m_ui->item("poiList")->forceActiveFocus(Qt::TabFocusReason);
-    key(Qt::Key_Down);
-    key(Qt::Key_Down);
-    QTRY_COMPARE(position(), 2000);
-    key(Qt::Key_Down, Qt::ShiftModifier);
-    key(Qt::Key_Down, Qt::ShiftModifier);
-    QTRY_COMPARE(chosen(), QString("Delete 3"));
-    key(Qt::Key_Up, Qt::ShiftModifier);
-    QTRY_COMPARE(chosen(), QString("Delete 2"));
-    // Choosing goes nowhere.
-    QCOMPARE(position(), 2000);
-    key(Qt::Key_Delete);
-    QTRY_COMPARE(m_ui->poiNames(), QStringList({"a", "d"}));
-    // The next one is selected by a key of its own, so that a second Delete takes nothing along.
-    key(Qt::Key_Delete);
-    QCOMPARE(m_ui->poiNames(), QStringList({"a", "d"}));
-    key(Qt::Key_Down);
-    QTRY_COMPARE(selected(), 4000);
-    QCOMPARE(m_ui->scriptErrors(), QStringList());
-}
 
 void PanelsTest::panelsFoldAndStayFolded()
 {
@@ -267,7 +70,7 @@ void PanelsTest::panelsFoldAndStayFolded()
 
 void PanelsTest::keysJumpAndFollowThePoints()
 {
-    openFlight();
+    openVideoAndLog();
     key(Qt::Key_Right, Qt::ControlModifier);
     QTRY_COMPARE(position(), 1000);
     key(Qt::Key_PageDown);
@@ -282,7 +85,7 @@ void PanelsTest::keysJumpAndFollowThePoints()
 
 void PanelsTest::keysZoomTheTimeline()
 {
-    openFlight();
+    openVideoAndLog();
     const int fitted = m_ui->evaluate("timelineContent.contentWidth").toInt();
     key(Qt::Key_Plus);
     QVERIFY(m_ui->evaluate("timelineContent.contentWidth").toInt() > fitted);
@@ -298,7 +101,7 @@ void PanelsTest::keysZoomTheTimeline()
 
 void PanelsTest::keysPlayFasterAndPause()
 {
-    openFlight();
+    openVideoAndLog();
     key(Qt::Key_L);
     QVERIFY(player("playing").toBool());
     key(Qt::Key_L);
@@ -455,7 +258,7 @@ void PanelsTest::theTimeAtAPointerThatRestsFollowsTheZoom()
 
 void PanelsTest::theTimelineShowsTheWholeNameOfAFlag()
 {
-    openFlight();
+    openVideoAndLog();
     const QString name = "Loose <clamp> below the third insulator of the upper traverse";
     m_ui->evaluate("timelineContent.setPOIsFromList([{time: 3000, name: '" + name + "'}])");
     QQuickItem* const strip = m_ui->item("timelineContent");
@@ -585,7 +388,7 @@ void PanelsTest::flagsShowTheOverlayAsItIs()
 
 void PanelsTest::coveredFlagsLeaveTheToolsFree()
 {
-    openFlight();
+    openVideoAndLog();
     m_ui->evaluate("timelineContent.setPOIsFromList([{time: 0, name: 'lowest'},"
                    "{time: 20, name: 'middle'}, {time: 40, name: 'top'}])");
     QQuickItem* const strip = m_ui->item("timelineContent");
@@ -616,7 +419,7 @@ void PanelsTest::coveredFlagsLeaveTheToolsFree()
 
 void PanelsTest::poisThatCoverEachOtherAreListed()
 {
-    openFlight();
+    openVideoAndLog();
     m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'lowest'},"
                    "{time: 1040, name: 'middle'}, {time: 1080, name: 'top'},"
                    "{time: 4000, name: 'apart'}])");
@@ -660,7 +463,7 @@ void PanelsTest::unitsSwitchAtOnce()
 
 void PanelsTest::aSeriesOfPicturesIsAJobWithAnEnd()
 {
-    openFlight();
+    openVideoAndLog();
     const QString folder = FlightMedia::instance().newFolder();
     m_ui->evaluate("videoPlayer.exportFrames(0, 1000, 5, '" + folder + "', 'Frame')");
     QTRY_VERIFY(m_ui->get("noticeText", "text").toString().contains("pictures saved"));
@@ -671,7 +474,7 @@ void PanelsTest::aSeriesOfPicturesIsAJobWithAnEnd()
 
 void PanelsTest::jobsAreListed()
 {
-    openFlight();
+    openVideoAndLog();
     QVERIFY(!m_ui->item("jobsPanel")->isVisible());
     QVERIFY(m_ui->click("jobsButton"));
     QTRY_VERIFY(m_ui->item("jobsPanel")->isVisible());

@@ -21,7 +21,6 @@ private slots:
 
 private:
     void enter();
-    void key(int key) { QTest::keyClick(m_ui->window(), static_cast<Qt::Key>(key)); }
     void move(int x, int y) { QTest::mouseMove(m_ui->window(), QPoint(x, y)); }
     bool isOn() const { return m_ui->evaluate("pictureAlone.on").toBool(); }
     bool hasControls() const { return m_ui->item("controlsTab")->isVisible(); }

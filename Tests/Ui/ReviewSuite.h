@@ -18,6 +18,14 @@ protected:
 
     QString title() const { return m_ui->window()->title(); }
     QVariant player(const char* property) const;
+    void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const;
+
+    /// A video of six seconds and a log with points of interest at the first and the third.
+    void openVideoAndLog();
+
+    /// Of the playhead and of the selected point of interest, in milliseconds.
+    int position() const;
+    int selected() const;
 
     /// The quoted text was shown in a box of this title and kind, perhaps with its cause below, and
     /// is answered.
