@@ -128,7 +128,8 @@ void ThermalOverlay::composeFrame(quint32 frame)
 {
     const quint32 rows = thermalRows / m_irPartsPerFrame;
     for (quint32 part = 0; part < m_irPartsPerFrame && rows > 0; ++part) {
-        const auto packet = m_parts.firstPacket(frame, static_cast<quint8>(part));
+        // What was composed before can be of any moment: after a jump back, of a later one.
+        const auto packet = m_parts.newestPacket(frame, static_cast<quint8>(part));
         if (!packet)
             continue;
         // The product wraps at 32 bits; a smaller offset is never past the end.

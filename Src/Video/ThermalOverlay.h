@@ -65,7 +65,9 @@ public:
     std::shared_ptr<const ThermalReading> reading(cv::Size frame,
                                                   const VideoDisplaySettings& settings) const;
 
-    /// The thermal frame composed last, in raw values; zeros before the first.
+    /// The thermal frame composed last, in raw values; zeros before the first. A part that the log
+    /// lacks is that of the newest frame before that has it, however the moment was come to; where
+    /// there is none, it is left as it was.
     const cv::Mat& thermalFrame() const { return m_irFrame; }
 
 private:

@@ -3,6 +3,7 @@
 #include "Log/transpose.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 #include <tuple>
 
@@ -95,31 +96,36 @@ void ThermalPartIndex::rebuild(const quint32* counters, const quint8* parts, qui
                                quint32 partsPerFrame)
 {
     m_entries.clear();
-    m_entries.reserve(packetCount);
+    m_entries.resize(std::min<quint32>(partsPerFrame, std::numeric_limits<quint8>::max() + 1));
+    for (std::vector<Entry>& entries : m_entries)
+        entries.reserve(packetCount / m_entries.size() + 1);
     for (quint32 packet = 0; packet < packetCount; ++packet) {
-        if (parts[packet] < partsPerFrame)
-            m_entries.push_back({counters[packet], packet, parts[packet]});
+        if (parts[packet] < m_entries.size())
+            m_entries[parts[packet]].push_back({counters[packet], packet});
     }
     const auto byKey = [](const Entry& a, const Entry& b) {
-        return std::tie(a.frame, a.part, a.packet) < std::tie(b.frame, b.part, b.packet);
+        return std::tie(a.frame, a.packet) < std::tie(b.frame, b.packet);
     };
-    if (!std::is_sorted(m_entries.begin(), m_entries.end(), byKey))
-        std::sort(m_entries.begin(), m_entries.end(), byKey);
+    for (std::vector<Entry>& entries : m_entries) {
+        if (!std::is_sorted(entries.begin(), entries.end(), byKey))
+            std::sort(entries.begin(), entries.end(), byKey);
+    }
 }
 
-bool ThermalPartIndex::isBefore(const Entry& entry, quint32 frame, quint8 part)
+std::optional<quint32> ThermalPartIndex::newestPacket(quint32 frame, quint8 part) const
 {
-    return std::tie(entry.frame, entry.part) < std::tie(frame, part);
-}
-
-std::optional<quint32> ThermalPartIndex::firstPacket(quint32 frame, quint8 part) const
-{
-    const auto found = std::lower_bound(
-        m_entries.begin(), m_entries.end(), frame,
-        [part](const Entry& entry, quint32 wanted) { return isBefore(entry, wanted, part); });
-    if (found == m_entries.end() || found->frame != frame || found->part != part)
+    if (part >= m_entries.size())
         return std::nullopt;
-    return found->packet;
+    const std::vector<Entry>& entries = m_entries[part];
+    const auto later =
+        std::upper_bound(entries.begin(), entries.end(), frame,
+                         [](quint32 wanted, const Entry& entry) { return wanted < entry.frame; });
+    if (later == entries.begin())
+        return std::nullopt;
+    const auto first =
+        std::lower_bound(entries.begin(), later, std::prev(later)->frame,
+                         [](const Entry& entry, quint32 wanted) { return entry.frame < wanted; });
+    return first->packet;
 }
 
 void packetsInMachineOrder(const quint16* block, int words, int packets, quint16* rows)

@@ -38,7 +38,7 @@ private:
     std::vector<qint32> m_latestTimesMs;
 };
 
-/// Finds the first packet of a log that carries a given part of a given thermal frame.
+/// Finds the packet of a log that a part of a thermal frame is taken from.
 class ThermalPartIndex
 {
 public:
@@ -49,20 +49,18 @@ public:
 
     void clear() { m_entries.clear(); }
 
-    /// The packet's number; none if the part is not in the log.
-    std::optional<quint32> firstPacket(quint32 frame, quint8 part) const;
+    /// The number of the first packet with this part of the frame; where the log lacks it, of the
+    /// newest frame before that has the part. None if there is no such frame.
+    std::optional<quint32> newestPacket(quint32 frame, quint8 part) const;
 
 private:
     struct Entry
     {
         quint32 frame;
         quint32 packet;
-        quint8 part;
     };
 
-    static bool isBefore(const Entry& entry, quint32 frame, quint8 part);
-
-    std::vector<Entry> m_entries; // by frame, part, packet
+    std::vector<std::vector<Entry>> m_entries; // of each part, by frame and packet
 };
 
 /// Writes the words of each thermal packet one after the other to `rows`, in the machine's byte

@@ -127,14 +127,15 @@ void ThermalReference::compose(qint32 logMs)
     const int parts = cols * rows / m_log.wordsPerPacket;
     const int bandRows = rows / parts;
     for (int p = 0; p < parts; ++p) {
+        const ThermalLog::Packet* newest = nullptr;
         for (const ThermalLog::Packet& packet : m_log.packets) {
-            if (packet.counter == f && packet.part == p) {
-                for (int i = 0; i < bandRows * cols; ++i)
-                    m_frame[static_cast<size_t>(p * bandRows * cols + i)] =
-                        packet.pixels[static_cast<size_t>(i)];
-                break;
-            }
+            if (packet.counter <= f && packet.part == p &&
+                (!newest || packet.counter > newest->counter))
+                newest = &packet;
         }
+        for (int i = 0; newest && i < bandRows * cols; ++i)
+            m_frame[static_cast<size_t>(p * bandRows * cols + i)] =
+                newest->pixels[static_cast<size_t>(i)];
     }
 }
 

@@ -51,7 +51,7 @@ public:
 
     const std::vector<quint16>& composed() const { return m_frame; }
 
-    /// Takes over the bands that replace lost parts.
+    /// Takes over the bands of parts that no frame has yet.
     void setComposed(const std::vector<quint16>& frame) { m_frame = frame; }
 
 private:

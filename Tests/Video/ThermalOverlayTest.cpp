@@ -62,6 +62,8 @@ class ThermalOverlayTest : public QObject
 private slots:
     void equalsTheSlowComputation_data();
     void equalsTheSlowComputation();
+    void aGapShowsTheNewestFrameBeforeIt_data();
+    void aGapShowsTheNewestFrameBeforeIt();
     void rangeIsThatOfTheFrameBefore();
     void contrastAndBrightness_data();
     void contrastAndBrightness();
@@ -138,6 +140,42 @@ void ThermalOverlayTest::equalsTheSlowComputation()
         }
         memory = reference.composed();
     }
+}
+
+void ThermalOverlayTest::aGapShowsTheNewestFrameBeforeIt_data()
+{
+    QTest::addColumn<QList<int>>("framesBefore");
+    QTest::newRow("opened there") << QList<int>();
+    QTest::newRow("played") << QList<int>{1, 2, 3, 4};
+    QTest::newRow("after a jump on") << QList<int>{0};
+    QTest::newRow("after a jump back") << QList<int>{9};
+}
+
+// The status tells of frames 4 to 6, but none of their packets is in the log; of frame 3 a part is
+// missing.
+void ThermalOverlayTest::aGapShowsTheNewestFrameBeforeIt()
+{
+    QFETCH(QList<int>, framesBefore);
+    ThermalLog log = plainLog(10, 2);
+    const auto isLost = [](const ThermalLog::Packet& packet) {
+        return (packet.counter >= 4 && packet.counter <= 6) ||
+               (packet.counter == 3 && packet.part == 1);
+    };
+    log.packets.erase(std::remove_if(log.packets.begin(), log.packets.end(), isLost),
+                      log.packets.end());
+    ThermalOverlay overlay;
+    overlay.setClock(clockAt(1000));
+    overlay.updateLogData(true, log.decoded());
+    const auto draw = [&overlay](int number) {
+        cv::Mat frame = randomFrame(320, 180, 1);
+        overlay.drawThermalOverlay(frame, 114 * number - 50, shown(), false);
+    };
+    for (const int number : framesBefore)
+        draw(number);
+    draw(5);
+    const cv::Mat& thermal = overlay.thermalFrame();
+    QCOMPARE(int(thermal.at<quint16>(0, 0)), 3000);
+    QCOMPARE(int(thermal.at<quint16>(thermalRows / 2, 0)), 2001);
 }
 
 void ThermalOverlayTest::rangeIsThatOfTheFrameBefore()

@@ -64,7 +64,7 @@ private slots:
     void impossibleCountersAreRefused_data();
     void impossibleCountersAreRefused();
     void manyMissingFramesCostNoTime();
-    void firstPacketIsFound();
+    void newestPacketIsFound();
     void partsNeverAskedForAreLeftOut();
     void packetsAreInMachineOrder_data();
     void packetsAreInMachineOrder();
@@ -171,7 +171,7 @@ void ThermalTablesTest::manyMissingFramesCostNoTime()
     QCOMPARE(table.frameAt(500 + 114), 3U);
 }
 
-void ThermalTablesTest::firstPacketIsFound()
+void ThermalTablesTest::newestPacketIsFound()
 {
     std::mt19937 random(9);
     for (int round = 0; round < 300; ++round) {
@@ -188,11 +188,12 @@ void ThermalTablesTest::firstPacketIsFound()
         for (quint32 frame = 0; frame < 20; ++frame) {
             for (quint8 part = 0; part < 4; ++part) {
                 std::optional<quint32> expected;
-                for (quint32 i = packets; i-- > 0;) {
-                    if (counters[i] == frame && parts[i] == part)
+                for (quint32 i = 0; i < packets; ++i) {
+                    if (counters[i] <= frame && parts[i] == part &&
+                        (!expected || counters[i] > counters[*expected]))
                         expected = i;
                 }
-                QVERIFY(index.firstPacket(frame, part) == expected);
+                QVERIFY(index.newestPacket(frame, part) == expected);
             }
         }
     }
@@ -204,11 +205,11 @@ void ThermalTablesTest::partsNeverAskedForAreLeftOut()
     const quint8 parts[] = {255, 0, 0};
     ThermalPartIndex index;
     index.rebuild(counters, parts, 3, 1);
-    QVERIFY(!index.firstPacket(7, 255));
-    QCOMPARE(index.firstPacket(7, 0).value(), 1U);
-    QCOMPARE(index.firstPacket(0xffffffff, 0).value(), 2U);
+    QVERIFY(!index.newestPacket(7, 255));
+    QCOMPARE(index.newestPacket(7, 0).value(), 1U);
+    QCOMPARE(index.newestPacket(0xffffffff, 0).value(), 2U);
     index.rebuild(nullptr, nullptr, 0, 4);
-    QVERIFY(!index.firstPacket(7, 0));
+    QVERIFY(!index.newestPacket(7, 0));
 }
 
 void ThermalTablesTest::packetsAreInMachineOrder_data()
