@@ -99,12 +99,20 @@ Rectangle {
                 var without = before.filter(function(one) { return one !== row; });
                 chosen = without.length < before.length ? without : before.concat([row]);
                 reached = row;
+                keepSelectionAmongChosen();
             } else if (modifiers & Qt.ShiftModifier) {
                 chooseTo(row);
             } else {
                 chosen = [];
                 goTo(row);
             }
+        }
+
+        // The timeline's tools act on its selection: that is never one that the list shows as left
+        // out.
+        function keepSelectionAmongChosen() {
+            if (chosen.length > 0 && currentIndex >= 0 && chosen.indexOf(currentIndex) < 0)
+                poiPanel.timeline.selectPoi(filter.timeOfRow(chosen[0]));
         }
 
         // All rows from the current one on.
@@ -299,6 +307,9 @@ Rectangle {
 
         function onSelectedPoiTimeChanged() {
             list.showSelection();
+            // Another was selected elsewhere, or none.
+            if (list.chosen.indexOf(list.currentIndex) < 0)
+                list.chosen = [];
         }
     }
 }

@@ -18,6 +18,8 @@ private slots:
     void ctrlAddsToTheOneThatWasClicked();
     void aDoubleClickInTheListEdits();
     void severalAreChosenByKeys();
+    void theTimelineSelectsOneOfThoseChosen();
+    void aSelectionOnTheTimelineEndsTheChoice();
 
 private:
     void showList();
@@ -183,6 +185,43 @@ void PoiListTest::severalAreChosenByKeys()
     key(Qt::Key_Down);
     QTRY_COMPARE(selected(), 4000);
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PoiListTest::theTimelineSelectsOneOfThoseChosen()
+{
+    showList();
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
+                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
+    QTRY_VERIFY(m_ui->item("poiRow2"));
+    QVERIFY(m_ui->click("poiRow1"));
+    QTRY_COMPARE(position(), 2000);
+    QCOMPARE(selected(), 2000);
+    clickWithCtrl("poiRow0");
+    QCOMPARE(selected(), 2000);
+    clickWithCtrl("poiRow1");
+    QTRY_COMPARE(selected(), 1000);
+    // Choosing goes nowhere, and the tools leave alone what is no longer chosen.
+    QCOMPARE(position(), 2000);
+    key(Qt::Key_X);
+    QTRY_COMPARE(m_ui->poiNames(), QStringList({"b", "c"}));
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PoiListTest::aSelectionOnTheTimelineEndsTheChoice()
+{
+    showList();
+    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
+                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
+    QTRY_VERIFY(m_ui->item("poiRow2"));
+    QVERIFY(m_ui->click("poiRow0"));
+    QTRY_COMPARE(selected(), 1000);
+    clickWithCtrl("poiRow1");
+    QTRY_COMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete 2"));
+    m_ui->evaluate("timelineContent.selectPoi(new Date(0, 0, 1, 0, 0, 3))");
+    QTRY_COMPARE(selected(), 3000);
+    QCOMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete"));
+    QVERIFY(m_ui->click("deletePoisButton"));
+    QTRY_COMPARE(m_ui->poiNames(), QStringList({"a", "b"}));
 }
 
 QTEST_MAIN(PoiListTest)
