@@ -57,6 +57,25 @@ QJsonObject projectDocument(const QJsonObject& files, const QJsonObject& sizes,
             {QStringLiteral("contents"), contents}};
 }
 
+/// What keeps the project from being written: `loadProject` would leave marks out, or all of it.
+Status fitsAProject(const QString& path, qint64 textBytes, int pois)
+{
+    const QString start = QStringLiteral("The project %1 could not be saved: ").arg(path);
+    if (pois > ProjectFileLoader::mostPois)
+        return Failure{Failure::Kind::tooLarge,
+                       start + QStringLiteral("it has %1 points of interest, and a project holds "
+                                              "%2. Delete some of them.")
+                                   .arg(pois)
+                                   .arg(ProjectFileLoader::mostPois)};
+    if (textBytes > ProjectFileLoader::largestProjectBytes)
+        return Failure{Failure::Kind::tooLarge,
+                       start +
+                           QStringLiteral("it is larger than %1 MiB. Shorten comments or delete "
+                                          "points of interest.")
+                               .arg(ProjectFileLoader::largestProjectBytes / limits::mib)};
+    return {};
+}
+
 /// Everything in the file, or nothing if that is more than any project holds.
 QByteArray readAll(QFile& file, const QString& path)
 {
@@ -242,6 +261,12 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
     // UTF-8, the encoding that the reader expects, also where a bare environment names no encoding
     // at all and the local one would turn letters into question marks.
     const QByteArray text = document.toJson(QJsonDocument::Indented);
+    const int pois = flightProperties.value(QStringLiteral("poi")).toList().size();
+    m_lastSave = fitsAProject(path, text.size(), pois);
+    if (!m_lastSave) {
+        qCWarning(lcProject) << m_lastSave.failure().sentence;
+        return;
+    }
     m_lastSave = m_aboutToSave ? m_aboutToSave(text) : Status();
     if (!m_lastSave)
         return;

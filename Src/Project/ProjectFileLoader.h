@@ -29,11 +29,12 @@ public:
     explicit ProjectFileLoader(QObject* parent = nullptr);
     ~ProjectFileLoader() override;
 
-    /// A project that is larger than this is not read at all: no flight has points of interest and
-    /// settings for it, and parsing takes several times its size in memory.
+    /// A project that is larger than this is neither written nor read: no flight has points of
+    /// interest and settings for it, and parsing takes several times its size in memory.
     static constexpr qint64 largestProjectBytes = limits::projectBytes;
 
-    /// More points of interest than a two-hour flight has distinct frames are cut off on loading.
+    /// A project with more points of interest is not written. Of a file from elsewhere, those above
+    /// this number are cut off on loading.
     static constexpr int mostPois = limits::poisInProject;
 
     /// Writes the project, replacing an existing one atomically: whatever happens on the way, the

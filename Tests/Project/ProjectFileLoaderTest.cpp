@@ -336,6 +336,39 @@ private slots:
         QCOMPARE(pois.first().toMap()["time"].toInt(), 0);
         QVERIFY(log.contains("Too many POIs in file, kept 100000 of 1000000"));
     }
+
+    void doesNotWriteWhatItWouldNotReadWhole_data()
+    {
+        QTest::addColumn<int>("pois");
+        QTest::addColumn<int>("commentBytes");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("most points") << ProjectFileLoader::mostPois << 0 << true;
+        QTest::newRow("one point more") << ProjectFileLoader::mostPois + 1 << 0 << false;
+        QTest::newRow("long comment") << 1 << (15 << 20) << true;
+        QTest::newRow("too long a comment") << 1 << (16 << 20) << false;
+    }
+
+    void doesNotWriteWhatItWouldNotReadWhole()
+    {
+        QFETCH(int, pois);
+        QFETCH(int, commentBytes);
+        QFETCH(bool, saved);
+        const QByteArray earlier = project(R"({"files":{"video":"v","log":"l"}})");
+        writeFile(path("p.ecor"), earlier);
+        QVariantList list;
+        for (int i = 0; i < pois; ++i)
+            list.append(QVariantMap{{"time", i}, {"comment", QString(commentBytes, 'c')}});
+        m_loader.saveProject(path("v.log"), path("v.mp4"), path("p.ecor"), {{"poi", list}});
+        QCOMPARE(static_cast<bool>(m_loader.lastSave()), saved);
+        if (saved) {
+            QCOMPARE(m_loader.loadProject(path("p.ecor"))["poi"].toList().size(), pois);
+            return;
+        }
+        QCOMPARE(m_loader.lastSave().failure().kind, Failure::Kind::tooLarge);
+        QFile file(path("p.ecor"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), earlier);
+    }
 };
 
 QTEST_GUILESS_MAIN(ProjectFileLoaderTest)
