@@ -76,15 +76,6 @@ Status fitsAProject(const QString& path, qint64 textBytes, int pois)
     return {};
 }
 
-/// Everything in the file, or nothing if that is more than any project holds.
-QByteArray readAll(QFile& file, const QString& path)
-{
-    if (file.size() <= ProjectFileLoader::largestProjectBytes)
-        return file.readAll();
-    qCWarning(lcProject) << "Project file is too large" << path;
-    return {};
-}
-
 /// The first flight; an empty object where the way to it is missing or of another type.
 QJsonObject firstFlight(const QByteArray& text)
 {
@@ -93,17 +84,20 @@ QJsonObject firstFlight(const QByteArray& text)
     return contents.value(QLatin1String("flights")).toArray().at(0).toObject();
 }
 
-QVariantList poisOf(const QJsonArray& poi)
+/// The flight of a project; none if the file is more than any project holds.
+std::optional<QJsonObject> readFlight(QFile& file, const QString& path)
 {
-    if (poi.size() <= ProjectFileLoader::mostPois)
-        return poi.toVariantList();
-    qCWarning(lcProject) << "Too many POIs in file, kept" << ProjectFileLoader::mostPois << "of"
-                         << poi.size();
-    QVariantList pois;
-    pois.reserve(ProjectFileLoader::mostPois);
-    for (int i = 0; i < ProjectFileLoader::mostPois; ++i)
-        pois.append(poi.at(i).toVariant());
-    return pois;
+    if (file.size() > ProjectFileLoader::largestProjectBytes) {
+        qCWarning(lcProject) << "Project file is too large" << path;
+        return std::nullopt;
+    }
+    const QJsonObject flight = firstFlight(file.readAll());
+    const int pois = flight.value(QLatin1String("poi")).toArray().size();
+    if (pois > ProjectFileLoader::mostPois) {
+        qCWarning(lcProject) << "Too many POIs in file:" << pois;
+        return std::nullopt;
+    }
+    return flight;
 }
 
 QString resolvedPath(const QString& stored, const QDir& projectFolder)
@@ -302,8 +296,8 @@ QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
                                         .arg(fileProjectPath, file.errorString())};
         return result;
     }
-    const QByteArray text = readAll(file, fileProjectPath);
-    const QJsonObject flight = firstFlight(text);
+    const std::optional<QJsonObject> read = readFlight(file, fileProjectPath);
+    const QJsonObject flight = read.value_or(QJsonObject());
     const QJsonObject files = flight.value(QLatin1String("files")).toObject();
     const QString storedVideo = files.value(QLatin1String("video")).toString();
     const QString storedLog = files.value(QLatin1String("log")).toString();
@@ -327,14 +321,13 @@ QVariantMap ProjectFileLoader::loadProject(QString fileProjectPath)
     m_contents.namesVideo = !storedVideo.isEmpty();
     m_contents.properties = flight.value(QLatin1String("properties")).toObject().toVariantMap();
     if (poi.isArray())
-        m_contents.pois = poisOf(poi.toArray());
+        m_contents.pois = poi.toArray().toVariantList();
     if (!m_contents.namesVideo)
         m_loadProblem =
             Failure{Failure::Kind::notRecognised,
-                    text.size() < file.size()
-                        ? QStringLiteral("%1 is too large for a project.").arg(fileProjectPath)
-                        : QStringLiteral("%1 is no project, or is damaged: it names no video.")
-                              .arg(fileProjectPath)};
+                    read ? QStringLiteral("%1 is no project, or is damaged: it names no video.")
+                               .arg(fileProjectPath)
+                         : QStringLiteral("%1 is too large for a project.").arg(fileProjectPath)};
     else
         m_loadProblem = fileProblem(QStringLiteral("The video"), m_contents.videoFile);
 

@@ -33,8 +33,7 @@ public:
     /// interest and settings for it, and parsing takes several times its size in memory.
     static constexpr qint64 largestProjectBytes = limits::projectBytes;
 
-    /// A project with more points of interest is not written. Of a file from elsewhere, those above
-    /// this number are cut off on loading.
+    /// Nor is one with more points of interest.
     static constexpr int mostPois = limits::poisInProject;
 
     /// Writes the project, replacing an existing one atomically: whatever happens on the way, the

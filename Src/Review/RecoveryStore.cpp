@@ -23,15 +23,26 @@ Failure damaged(const QString& file)
         QStringLiteral("The unsaved review in %1 is damaged and cannot be restored.").arg(file)};
 }
 
+Failure tooLarge(const QString& file)
+{
+    return {
+        Failure::Kind::tooLarge,
+        QStringLiteral("The unsaved review in %1 is too large and cannot be restored.").arg(file)};
+}
+
 RecoveredReview read(const QString& path)
 {
     RecoveredReview review;
     review.file = path;
     review.savedAt = QFileInfo(path).lastModified();
     QFile file(path);
-    const bool isReadable = file.size() <= limits::projectBytes && file.open(QIODevice::ReadOnly);
-    const QJsonObject object =
-        isReadable ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    if (file.size() > limits::projectBytes) {
+        review.problem = tooLarge(path);
+        return review;
+    }
+    const QJsonObject object = file.open(QIODevice::ReadOnly)
+                                   ? QJsonDocument::fromJson(file.readAll()).object()
+                                   : QJsonObject();
     const QJsonObject properties = object.value(QLatin1String("properties")).toObject();
     review.contents.videoFile = object.value(QLatin1String("video")).toString();
     if (object.value(QLatin1String("format")).toInt() != formatVersion ||

@@ -324,17 +324,17 @@ private slots:
         QVERIFY(log.contains("Project file is too large"));
     }
 
-    void cutsOffAMillionPois()
+    // To keep some of them would lose the others with the next save.
+    void refusesAMillionPois()
     {
         QByteArray poi = R"({"time":0})";
         poi += QByteArray(R"(,{"time":1})").repeated(999999);
         writeFile(path("p.ecor"),
                   project(R"({"files":{"video":"v","log":"l"},"poi":[)" + poi + "]}"));
         MessageLog log;
-        const QVariantList pois = m_loader.loadProject(path("p.ecor"))["poi"].toList();
-        QCOMPARE(pois.size(), ProjectFileLoader::mostPois);
-        QCOMPARE(pois.first().toMap()["time"].toInt(), 0);
-        QVERIFY(log.contains("Too many POIs in file, kept 100000 of 1000000"));
+        QVERIFY(!m_loader.loadProject(path("p.ecor")).contains("poi"));
+        QVERIFY(log.contains("Too many POIs in file: 1000000"));
+        QCOMPARE(m_loader.loadProblem()->sentence, path("p.ecor") + " is too large for a project.");
     }
 
     void doesNotWriteWhatItWouldNotReadWhole_data()
