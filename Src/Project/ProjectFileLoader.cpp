@@ -58,7 +58,7 @@ QJsonObject projectDocument(const QJsonObject& files, const QJsonObject& sizes,
 }
 
 /// What keeps the project from being written: `loadProject` would leave marks out, or all of it.
-Status fitsAProject(const QString& path, qint64 textBytes, int pois)
+Status fitsAProject(const QString& path, qint64 textBytes, qint64 pois)
 {
     const QString start = QStringLiteral("The project %1 could not be saved: ").arg(path);
     if (pois > ProjectFileLoader::mostPois)
@@ -92,7 +92,7 @@ std::optional<QJsonObject> readFlight(QFile& file, const QString& path)
         return std::nullopt;
     }
     const QJsonObject flight = firstFlight(file.readAll());
-    const int pois = flight.value(QLatin1String("poi")).toArray().size();
+    const auto pois = flight.value(QLatin1String("poi")).toArray().size();
     if (pois > ProjectFileLoader::mostPois) {
         qCWarning(lcProject) << "Too many POIs in file:" << pois;
         return std::nullopt;
@@ -255,7 +255,7 @@ void ProjectFileLoader::saveProject(QString logPath, QString videoPath, QString 
     // UTF-8, the encoding that the reader expects, also where a bare environment names no encoding
     // at all and the local one would turn letters into question marks.
     const QByteArray text = document.toJson(QJsonDocument::Indented);
-    const int pois = flightProperties.value(QStringLiteral("poi")).toList().size();
+    const auto pois = flightProperties.value(QStringLiteral("poi")).toList().size();
     m_lastSave = fitsAProject(path, text.size(), pois);
     if (!m_lastSave) {
         qCWarning(lcProject) << m_lastSave.failure().sentence;

@@ -167,7 +167,7 @@ void EveryWindowTest::lookAtShown(const QString& state, QQuickWindow* shown, QIm
     // What has changed is drawn, and the colours that fade have arrived.
     QSignalSpy drawn(shown, &QQuickWindow::frameSwapped);
     shown->update();
-    QTRY_VERIFY(drawn.count() > 0);
+    QTRY_VERIFY2(drawn.count() > 0, qPrintable(state));
     const QImage picture = shown->grabWindow();
     report(state, faultsOf(shown, picture));
     keep(state, picture);
@@ -458,8 +458,11 @@ void EveryWindowTest::lookAtNotices(const Names& names)
     lookAt("unfinished jobs");
     m_ui->evaluate("unfinishedBar.text = ''");
     m_ui->evaluate("copyProgressWindow.problem = 'The video " + m_video + " cannot be copied.'");
+    // It stays for as long as it is at work.
     lookAtWindow("copying", "copyProgressWindow",
-                 [this] { m_ui->evaluate("copyProgressWindow.visible = true"); });
+                 [this] { m_ui->evaluate("copyProgressWindow.isAtWork = true"); });
+    m_ui->evaluate("copyProgressWindow.isAtWork = false");
+    QTRY_VERIFY(!UiFixture::visibleWindow("copyProgressWindow"));
     // One that would write over the flight fails.
     m_ui->evaluate("videoPlayer.saveFrame(videoPlayer.timePosition, '" + m_video + "', true)");
     m_ui->evaluate("fileDialogs.imageRefused('" + m_video + "')");
