@@ -1,3 +1,4 @@
+#include "App/closedWindows.h"
 #include "App/fileDialogs.h"
 #include "App/logCategory.h"
 #include "App/look.h"
@@ -196,6 +197,7 @@ int main(int argc, char** argv)
     corv::usePlainNumbers();
     corv::registerQmlTypes();
     corv::suitFileDialogs(application);
+    corv::freeClosedWindows(application);
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);
     corv::takeDropsAsCopies(application);

@@ -1,5 +1,6 @@
 #include "UiFixture.h"
 
+#include "App/closedWindows.h"
 #include "App/fileDialogs.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
@@ -41,6 +42,7 @@ void UiFixture::prepare()
     usePlainNumbers();
     registerQmlTypes();
     suitFileDialogs(*qGuiApp);
+    freeClosedWindows(*qGuiApp);
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
     takeDropsAsCopies(*qApp);

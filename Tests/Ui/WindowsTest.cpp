@@ -13,6 +13,7 @@ class WindowsTest : public ReviewSuite
 private slots:
     void staysInFrontOfTheMainWindow_data();
     void staysInFrontOfTheMainWindow();
+    void aClosedOneGivesBackWhatItWasDrawnWith();
     void theNewestMessageLiesOnTop();
     void aMessageShowsItsTextAsItIs();
     void framesExportKeepsWhatWasEntered();
@@ -77,6 +78,17 @@ void WindowsTest::staysInFrontOfTheMainWindow()
     m_ui->window()->resize(m_ui->window()->width(), lower);
     QTRY_COMPARE(m_ui->window()->height(), lower);
     QCOMPARE(QGuiApplication::topLevelAt(covered), window);
+}
+
+void WindowsTest::aClosedOneGivesBackWhatItWasDrawnWith()
+{
+    QQuickWindow* window = opened("generalSettingsMenuItem", "generalSettings");
+    QVERIFY(window);
+    QTRY_VERIFY(window->isSceneGraphInitialized());
+    window->close();
+    QTRY_VERIFY(!window->isSceneGraphInitialized());
+    // The main one is drawn on.
+    QVERIFY(m_ui->window()->isSceneGraphInitialized());
 }
 
 void WindowsTest::theNewestMessageLiesOnTop()
