@@ -40,6 +40,12 @@ Window {
     property var matchings: []
     // What the last search could not read, in sentences.
     property string remarks: ""
+    // What has the keyboard, or gets it again once no message is in front.
+    property Item keyboardPlace: null
+    onActiveFocusItemChanged: {
+        if (activeFocusItem !== null)
+            keyboardPlace = activeFocusItem;
+    }
     // A search that waits for the end of an aborted one.
     property bool searchWaits: false
 
@@ -295,9 +301,8 @@ Window {
 
     // Nothing has the keyboard that the user has chosen since the search began.
     function keyboardIsFree() {
-        var item = activeFocusItem;
-        return !item || !item.visible || item === contentItem || item === content
-                || item === parseButton;
+        return keyboardPlace === null || !keyboardPlace.visible || keyboardPlace === contentItem
+                || keyboardPlace === content || keyboardPlace === parseButton;
     }
 
     function autodetectRemovableDevices() {

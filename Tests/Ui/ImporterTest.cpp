@@ -24,6 +24,7 @@ private slots:
     void loadingWithoutAClickTakesTheFirstRow();
     void loadsAFlightWithoutALog();
     void theKeyboardChoosesAndLoads();
+    void theKeyboardStaysWhereItWasMovedTo_data();
     void theKeyboardStaysWhereItWasMovedTo();
     void aDoubleClickLoads();
     void escapeCloses();
@@ -247,14 +248,28 @@ void ImporterTest::theKeyboardChoosesAndLoads()
              QUrl::fromLocalFile(card + "/DCIM/100HDDVR/evening.mp4"));
 }
 
+void ImporterTest::theKeyboardStaysWhereItWasMovedTo_data()
+{
+    QTest::addColumn<bool>("messageInFront");
+    QTest::newRow("in the window") << false;
+    QTest::newRow("below a message") << true;
+}
+
 void ImporterTest::theKeyboardStaysWhereItWasMovedTo()
 {
+    QFETCH(bool, messageInFront);
     openWithACard();
     startHeldSearch();
     focus(item("cardTwoDriveDropdown"));
+    if (messageInFront) {
+        evaluate("showMessage('A message', 'in front')");
+        QTRY_VERIFY(!item("cardTwoDriveDropdown")->hasActiveFocus());
+    }
     m_world->release();
     QTRY_COMPARE(rowCount(), 3);
-    QVERIFY(item("cardTwoDriveDropdown")->hasActiveFocus());
+    if (messageInFront)
+        dismissMessage();
+    QTRY_VERIFY(item("cardTwoDriveDropdown")->hasActiveFocus());
 }
 
 void ImporterTest::aDoubleClickLoads()

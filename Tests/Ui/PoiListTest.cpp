@@ -23,6 +23,8 @@ private slots:
 
 private:
     void showList();
+    /// Points of interest of these names, at the first second and each next one.
+    void showListOf(const QStringList& names);
     void clickWithCtrl(const char* row)
     {
         const QQuickItem* const item = m_ui->item(row);
@@ -38,6 +40,17 @@ void PoiListTest::showList()
     key(Qt::Key_F7);
     QTRY_VERIFY(m_ui->item("poiPanel")->isVisible());
     QTRY_VERIFY(m_ui->item("poiRow1"));
+}
+
+void PoiListTest::showListOf(const QStringList& names)
+{
+    showList();
+    QVariantList pois;
+    for (const QString& name : names)
+        pois.append(QVariantMap{{"time", 1000 * (pois.size() + 1)}, {"name", name}});
+    m_ui->evaluate("timelineContent.poiModel").value<corv::PoiModel*>()->setFromList(pois);
+    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), names.size());
+    QTRY_VERIFY(m_ui->item("poiRow" + QString::number(names.size() - 1)));
 }
 
 void PoiListTest::theListGoesToAPoint()
@@ -92,10 +105,7 @@ void PoiListTest::theListDeletesWhatIsChosen()
 
 void PoiListTest::theListShowsWhatIsSelectedAfterAnUndo()
 {
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
-    QTRY_VERIFY(m_ui->item("poiRow2"));
+    showListOf({"a", "b", "c"});
     QVERIFY(m_ui->click("poiRow1"));
     QTRY_COMPARE(selected(), 2000);
     clickWithCtrl("poiRow0");
@@ -133,11 +143,7 @@ void PoiListTest::aLongListFetchesThePicturesOfItsRows()
 
 void PoiListTest::ctrlAddsToTheOneThatWasClicked()
 {
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
-    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 3);
-    QTRY_VERIFY(m_ui->item("poiRow2"));
+    showListOf({"a", "b", "c"});
     QVERIFY(m_ui->click("poiRow0"));
     QTRY_COMPARE(position(), 1000);
     clickWithCtrl("poiRow2");
@@ -161,10 +167,7 @@ void PoiListTest::aDoubleClickInTheListEdits()
 
 void PoiListTest::severalAreChosenByKeys()
 {
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}, {time: 4000, name: 'd'}])");
-    QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), 4);
+    showListOf({"a", "b", "c", "d"});
     const auto chosen = [this] { return m_ui->get("deletePoisButton", "text").toString(); };
     m_ui->item("poiList")->forceActiveFocus(Qt::TabFocusReason);
     key(Qt::Key_Down);
@@ -189,10 +192,7 @@ void PoiListTest::severalAreChosenByKeys()
 
 void PoiListTest::theTimelineSelectsOneOfThoseChosen()
 {
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
-    QTRY_VERIFY(m_ui->item("poiRow2"));
+    showListOf({"a", "b", "c"});
     QVERIFY(m_ui->click("poiRow1"));
     QTRY_COMPARE(position(), 2000);
     QCOMPARE(selected(), 2000);
@@ -209,10 +209,7 @@ void PoiListTest::theTimelineSelectsOneOfThoseChosen()
 
 void PoiListTest::aSelectionOnTheTimelineEndsTheChoice()
 {
-    showList();
-    m_ui->evaluate("timelineContent.setPOIsFromList([{time: 1000, name: 'a'},"
-                   "{time: 2000, name: 'b'}, {time: 3000, name: 'c'}])");
-    QTRY_VERIFY(m_ui->item("poiRow2"));
+    showListOf({"a", "b", "c"});
     QVERIFY(m_ui->click("poiRow0"));
     QTRY_COMPARE(selected(), 1000);
     clickWithCtrl("poiRow1");

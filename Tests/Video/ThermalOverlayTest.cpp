@@ -151,8 +151,7 @@ void ThermalOverlayTest::aGapShowsTheNewestFrameBeforeIt_data()
     QTest::newRow("after a jump back") << QList<int>{9};
 }
 
-// The status tells of frames 4 to 6, but none of their packets is in the log; of frame 3 a part is
-// missing.
+// Of frames 4 to 6 the log has the status and no packet; of frame 3 a part is missing.
 void ThermalOverlayTest::aGapShowsTheNewestFrameBeforeIt()
 {
     QFETCH(QList<int>, framesBefore);
