@@ -147,7 +147,7 @@ Status AvFrameSource::readIndex(int first)
     if (!stored)
         return stored.failure();
     // A damaged head need not describe the packet that has come.
-    if (first >= stored->packetCount() || m_video->areKeyframesUnknown(*stored))
+    if (first >= stored->packetCount() || m_video->doPicturesKnowBetter(*stored))
         return startReadingThrough(first);
     stored->hideFramesBefore(first);
     stored->finish(m_video->fps);

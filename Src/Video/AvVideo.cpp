@@ -14,6 +14,7 @@ extern "C" {
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -22,8 +23,10 @@ namespace {
 
 constexpr size_t measuredFrames = 60;
 
-// Where to look whether what is called a keyframe is one.
-constexpr int keyPlaces = 4;
+// Where to look whether the container tells the truth about keyframes and order. Of the pictures
+// behind a keyframe, one of the first is shown before its predecessor if any is.
+constexpr int picturePlaces = 4;
+constexpr int picturesAtPlace = 4;
 
 Failure noMemoryFor(const QString& file)
 {
@@ -178,31 +181,35 @@ Result<FrameIndex> AvVideo::readStoredIndex(AvInput& description) const
     return packets;
 }
 
-bool AvVideo::areKeyframesUnknown(const FrameIndex& packets) const
+bool AvVideo::doPicturesKnowBetter(const FrameIndex& packets) const
 {
     const int count = packets.packetCount();
-    if (count < 2 || !PictureParser::knows(*parameters))
+    const bool areAllKeys = packets.areAllKeys();
+    const bool areInOrder = packets.areTimesAscending();
+    if (count < 2 || !(areAllKeys || areInOrder) || !PictureParser::knows(*parameters))
         return false;
-    for (int i = 0; i < count; ++i) {
-        if (!packets.packet(i).isKey)
-            return false;
-    }
     Result<std::unique_ptr<AvInput>> input = openInput();
     if (!input)
         return false;
     (*input)->takePacketsAsStored();
-    PictureParser parser(*parameters);
     AvPacketPtr packet(av_packet_alloc());
-    for (int place = 0; place < keyPlaces; ++place) {
+    for (int place = 0; place < picturePlaces; ++place) {
         const FrameIndex::Packet& at =
-            packets.packet(static_cast<int>(qint64(count) * place / keyPlaces));
+            packets.packet(static_cast<int>(qint64(count) * place / picturePlaces));
         if (place > 0 && !(*input)->seek(at.storedDts(), at.position))
             return false;
-        // The second of two is no keyframe, unless each one is.
-        for (int i = 0; i < 2 && (*input)->next(*packet) == AvInput::Outcome::packet; ++i) {
+        PictureParser parser(*parameters);
+        qint64 highest = std::numeric_limits<qint64>::min();
+        for (int i = 0; i < picturesAtPlace; ++i) {
+            if ((*input)->next(*packet) != AvInput::Outcome::packet)
+                break;
             const PictureParser::Picture picture = parser.look(*packet);
-            if (!picture.isWhole && !picture.isSecondField)
+            if (picture.isSecondField)
+                continue;
+            if ((areAllKeys && !picture.isWhole) ||
+                (areInOrder && picture.hasOrder && picture.order < highest))
                 return true;
+            highest = std::max(highest, picture.order);
         }
     }
     return false;

@@ -57,9 +57,10 @@ struct AvVideo
     /// The same from what openDescription() gave, once.
     Result<FrameIndex> readStoredIndex(AvInput& description) const;
 
-    /// Whether the container says that all packets are keyframes, and the pictures know better:
-    /// they have to be read. Reads a few of them where all are said to be.
-    bool areKeyframesUnknown(const FrameIndex& packets) const;
+    /// Whether the container says that all packets are keyframes, or that frames are shown in the
+    /// order of their packets, and the pictures know better: all of them have to be read. Looks at
+    /// a few pictures where the container says so.
+    bool doPicturesKnowBetter(const FrameIndex& packets) const;
 };
 
 } // namespace corv

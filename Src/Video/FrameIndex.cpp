@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numeric>
 #include <optional>
+#include <utility>
 
 namespace corv {
 namespace {
@@ -25,6 +26,9 @@ constexpr double leastPauseMs = 1000.0;
 
 // A fault that comes with that shows up to so many packets early: readers look ahead.
 constexpr int packetsAtJoin = 3;
+
+// No decoder holds back more frames until earlier ones come: H.264 and HEVC have the same limit.
+constexpr size_t mostDecodingDelay = 16;
 
 // Times beyond this are no clock, and sums of them leave 64 bits.
 constexpr qint64 highestClock = qint64(1) << 60;
@@ -62,6 +66,27 @@ void moveClock(FrameIndex::Packet& packet, qint64 shift)
 bool isAt(const FrameIndex::Packet& packet, qint64 dts, qint64 pts)
 {
     return packet.storedDts() == dts && packet.storedPts() == pts;
+}
+
+// Of the packets that are decoded one after the other, which one is the first on the screen, which
+// the second, and so on.
+std::vector<size_t> turnsOfDecoding(const std::vector<size_t>& decoded,
+                                    const std::vector<qint64>& orders)
+{
+    std::vector<size_t> turns(decoded.size());
+    std::iota(turns.begin(), turns.end(), size_t(0));
+    std::stable_sort(turns.begin(), turns.end(),
+                     [&](size_t a, size_t b) { return orders[decoded[a]] < orders[decoded[b]]; });
+    return turns;
+}
+
+// How many packets later than in its turn on the screen a frame can be decoded.
+size_t decodingDelay(const std::vector<size_t>& turns)
+{
+    size_t delay = 0;
+    for (size_t i = 0; i < turns.size(); ++i)
+        delay = std::max(delay, std::max(turns[i], i) - i);
+    return delay;
 }
 
 } // namespace
@@ -119,6 +144,12 @@ bool FrameIndex::isAtJoin(int packet) const
     return false;
 }
 
+bool FrameIndex::areAllKeys() const
+{
+    return std::all_of(m_packets.begin(), m_packets.end(),
+                       [](const Packet& packet) { return packet.isKey; });
+}
+
 void FrameIndex::setKeyPackets(const std::vector<bool>& areKeys)
 {
     for (size_t i = 0; i < m_packets.size(); ++i)
@@ -169,27 +200,48 @@ void FrameIndex::alignParts()
     }
 }
 
+std::vector<size_t> FrameIndex::shownPackets() const
+{
+    std::vector<size_t> shown;
+    for (size_t i = 0; i < m_packets.size(); ++i) {
+        if (m_packets[i].isShown)
+            shown.push_back(i);
+    }
+    return shown;
+}
+
+bool FrameIndex::areTimesAscending() const
+{
+    const std::vector<size_t> shown = shownPackets();
+    return std::all_of(shown.begin(), shown.end(), [&, before = noTime](size_t i) mutable {
+        const qint64 last = std::exchange(before, m_packets[i].pts);
+        return m_packets[i].pts != noTime && last <= m_packets[i].pts;
+    });
+}
+
+bool FrameIndex::hasTimesOfDecoding(const std::vector<qint64>& orders) const
+{
+    if (!areTimesAscending())
+        return false;
+    const std::vector<size_t> turns = turnsOfDecoding(shownPackets(), orders);
+    const size_t delay = decodingDelay(turns);
+    return delay > 0 && delay <= mostDecodingDelay;
+}
+
 void FrameIndex::giveTimes(const std::vector<qint64>& orders)
 {
-    std::vector<size_t> decoded;
+    const std::vector<size_t> decoded = shownPackets();
+    const bool areTimesGiven = areTimesAscending();
     std::vector<qint64> times;
-    for (size_t i = 0; i < m_packets.size(); ++i) {
-        const Packet& packet = m_packets[i];
-        if (!packet.isShown)
-            continue;
-        if (packet.dts == noTime || !isClock(packet.dts))
+    for (const size_t i : decoded) {
+        const qint64 time = areTimesGiven ? m_packets[i].pts : m_packets[i].dts;
+        if (time == noTime || !isClock(time))
             return;
-        decoded.push_back(i);
-        times.push_back(packet.dts);
+        times.push_back(time);
     }
     std::sort(times.begin(), times.end());
-    std::vector<size_t> turns(decoded.size()); // of decoding, in the order of the screen
-    std::iota(turns.begin(), turns.end(), size_t(0));
-    std::stable_sort(turns.begin(), turns.end(),
-                     [&](size_t a, size_t b) { return orders[decoded[a]] < orders[decoded[b]]; });
-    size_t delay = 0;
-    for (size_t i = 0; i < turns.size(); ++i)
-        delay = std::max(delay, std::max(turns[i], i) - i);
+    const std::vector<size_t> turns = turnsOfDecoding(decoded, orders);
+    const size_t delay = decodingDelay(turns);
     // No sum of these leaves 64 bits.
     const qint64 step =
         std::min(shortestStep(times), highestClock / static_cast<qint64>(times.size() + 1));

@@ -49,10 +49,21 @@ public:
     /// its clock began anew, or after a pause.
     bool isAtJoin(int packet) const;
 
-    /// Gives every frame a time where the container has those of decoding alone. `orders` has the
-    /// place of each packet's frame on the screen. The first frame gets the time of the packet
-    /// after which a decoder delivers it, each later frame that of a later packet. Before finish().
+    /// Whether the times go on from packet to packet although the frames are shown in another
+    /// order: some writers give the times of decoding for those of showing. `orders` has the place
+    /// of each packet's frame on the screen.
+    bool hasTimesOfDecoding(const std::vector<qint64>& orders) const;
+
+    /// Gives every frame a time where the container has those of decoding alone, as such or as
+    /// those of showing. `orders` is as above. The first frame gets the time of the packet after
+    /// which a decoder delivers it, each later frame that of a later packet. Before finish().
     void giveTimes(const std::vector<qint64>& orders);
+
+    /// Whether no shown packet has an earlier time than the one before.
+    bool areTimesAscending() const;
+
+    /// Whether the container says of each packet that decoding can start at it.
+    bool areAllKeys() const;
 
     /// Whether decoding can start at each packet, where the container does not know. Before
     /// finish().
@@ -130,6 +141,7 @@ public:
     int find(qint64 position, qint64 dts, qint64 pts, int expected) const;
 
 private:
+    std::vector<size_t> shownPackets() const;
     void findEqualTimes();
     double trueTimeMs(int frame) const;
     double trueEndMs() const;

@@ -16,6 +16,9 @@ constexpr int emptyPictureBytes = 20;
 // More pictures than that do not lie between two.
 constexpr qint64 anchorStep = 1 << 20;
 
+// No keyframe has more pictures that come behind it in the file and are shown before it.
+constexpr qint64 mostBefore = 1 << 10;
+
 bool isKnown(AVCodecID codec)
 {
     return codec == AV_CODEC_ID_H264 || codec == AV_CODEC_ID_HEVC || codec == AV_CODEC_ID_MPEG4;
@@ -89,7 +92,7 @@ void PictureParser::countOrder(const AVPacket& packet, Picture& picture)
         const qint64 count = m_parser->output_picture_number;
         const bool isAnew = m_parser->key_frame == 1 && m_base + count <= m_highest;
         if (isAnew)
-            m_base = m_highest + 1 - count;
+            m_base = m_highest + mostBefore - count;
         picture.order = m_base + count;
         m_highest = std::max(m_highest, picture.order);
         picture.hasOrder = true;

@@ -179,7 +179,7 @@ public:
 
     void finish(FrameIndex& index) const
     {
-        if (m_parser && m_isTimeMissing && m_isOrderKnown)
+        if (m_parser && m_isOrderKnown && (m_isTimeMissing || index.hasTimesOfDecoding(m_orders)))
             index.giveTimes(m_orders);
         if (m_isPacked)
             index.setPacked();
