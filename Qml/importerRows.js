@@ -25,5 +25,11 @@ function fileText(matching) {
     var folder = matching.videoFile.substring(0, matching.videoFile.lastIndexOf("/"));
     var time = matching.videoTime === "" ? "" : "Written " + matching.videoTime.replace("T", " ")
                                                 + ", ";
-    return time + (matching.videoSize / 1000000).toFixed(1) + " MB, in " + folder;
+    return time + sizeText(matching.videoSize) + ", in " + folder;
+}
+
+// What is left of a video that was cut off after a moment is no "0.0 MB".
+function sizeText(bytes) {
+    return bytes < 100000 ? Math.ceil(bytes / 1000) + " kB"
+                          : (bytes / 1000000).toFixed(1) + " MB";
 }

@@ -93,7 +93,7 @@ void ImporterTest::aSearchShowsItsRows()
                      R"("missionName":"Line 12","flightName":"Tower 1","flightNumber":7,)"
                      R"("namingDefined":true,"evidence":"timeAndLength","doubtful":false,)"
                      R"("evidenceText":"Time and length agree","partText":"",)"
-                     R"("fileText":"Written 2018-06-01 12:00:00, 0.0 MB, in %1/DCIM/100HDDVR"})")
+                     R"("fileText":"Written 2018-06-01 12:00:00, 0 kB, in %1/DCIM/100HDDVR"})")
                  .arg(card));
     const auto cell = [this](int row, const QString& name, const char* property) {
         return m_ui->item(name, item("matchingRow" + QString::number(row)))->property(property);
