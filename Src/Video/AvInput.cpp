@@ -13,6 +13,7 @@ extern "C" {
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 namespace corv {
 namespace {
@@ -26,6 +27,11 @@ constexpr size_t largestAllocation = size_t{256} * 1024 * 1024;
 
 // That many packets that cannot be read in a row are no damage but the end.
 constexpr int hopelessErrors = 500;
+
+// The tables before the first packet of a stream are a few blocks; the head of a block of a
+// transport stream has its counter.
+constexpr qint64 mostTableBytes = 64 * 1024;
+constexpr qint64 blockHeadBytes = 4;
 
 int openNothing(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**)
 {
@@ -258,6 +264,17 @@ AvInput::Outcome AvInput::next(AVPacket& packet)
         }
     }
     return Outcome::end;
+}
+
+bool AvInput::beginsAgainAt(qint64 position, qint64 first)
+{
+    const qint64 count = first + blockHeadBytes;
+    if (first <= 0 || first > mostTableBytes || position <= first)
+        return false;
+    std::vector<uchar> begin(static_cast<size_t>(count));
+    std::vector<uchar> other(begin.size());
+    return readWhole(*m_io.bytes, 0, begin.data(), count) &&
+           readWhole(*m_io.bytes, position - first, other.data(), count) && begin == other;
 }
 
 void AvInput::takePacketsAsStored()

@@ -94,6 +94,11 @@ public:
     /// nothing more.
     Outcome next(AVPacket& packet);
 
+    /// Whether the bytes that lead to a packet are those at the beginning of the file, which lead
+    /// to its first packet: the same tables with the same counters, of which the chance is small
+    /// where no recording begins. Both positions in bytes.
+    bool beginsAgainAt(qint64 position, qint64 first);
+
     /// Packets as the container has them: no parser splits them, joins them or corrects their
     /// times. Before the first next().
     void takePacketsAsStored();

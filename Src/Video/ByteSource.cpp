@@ -59,4 +59,17 @@ Result<std::unique_ptr<ByteSource>> openFileBytes(const QString& file)
                    QStringLiteral("The file \"%1\" cannot be read.").arg(file)};
 }
 
+bool readWhole(ByteSource& bytes, qint64 position, uchar* target, qint64 count)
+{
+    while (count > 0) {
+        const qint64 came = bytes.readAt(position, target, count);
+        if (came <= 0)
+            return false;
+        position += came;
+        target += came;
+        count -= came;
+    }
+    return true;
+}
+
 } // namespace corv

@@ -23,6 +23,9 @@ public:
     virtual qint64 readAt(qint64 position, uchar* bytes, qint64 count) = 0;
 };
 
+/// Reads exactly `count` bytes from `position`; false if fewer come.
+bool readWhole(ByteSource& bytes, qint64 position, uchar* target, qint64 count);
+
 /// Opens the bytes of a file. Any thread.
 using ByteSourceFactory = std::function<Result<std::unique_ptr<ByteSource>>(const QString& file)>;
 

@@ -24,9 +24,6 @@ constexpr double mostAheadMs = 60.0 * 60.0 * 1000.0;
 // Where a recorder paused, its next packet is a keyframe after at least this long.
 constexpr double leastPauseMs = 1000.0;
 
-// A fault that comes with that shows up to so many packets early: readers look ahead.
-constexpr int packetsAtJoin = 3;
-
 // No decoder holds back more frames until earlier ones come: H.264 and HEVC have the same limit.
 constexpr size_t mostDecodingDelay = 16;
 
@@ -135,7 +132,7 @@ bool FrameIndex::isAtJoin(int packet) const
     for (int i = packet; i < last; ++i) {
         const Packet& before = this->packet(i);
         const Packet& behind = this->packet(i + 1);
-        if (before.shift != behind.shift)
+        if (behind.beginsAnew || before.shift != behind.shift)
             return true;
         const bool areKnown = before.dts != noTime && behind.dts != noTime;
         if (behind.isKey && areKnown && distance(before.dts, behind.dts) * m_unitMs > leastPauseMs)

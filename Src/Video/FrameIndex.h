@@ -20,13 +20,14 @@ public:
     /// One packet as the container describes it. Times are in units of the time base.
     struct Packet
     {
-        qint64 pts = noTime;  ///< when its frame is shown; noTime if the container does not say
-        qint64 dts = noTime;  ///< when it is decoded
-        qint64 shift = 0;     ///< what joinClocks() has added to both
-        qint64 position = -1; ///< in the file, in bytes; -1 if unknown
-        qint64 duration = 0;  ///< of its frame; 0 if unknown
-        bool isKey = false;   ///< decoding can start here
-        bool isShown = true;  ///< false: decoded for the sake of others only (edit lists)
+        qint64 pts = noTime;     ///< when its frame is shown; noTime if the container does not say
+        qint64 dts = noTime;     ///< when it is decoded
+        qint64 shift = 0;        ///< what joinClocks() has added to both
+        qint64 position = -1;    ///< in the file, in bytes; -1 if unknown
+        qint64 duration = 0;     ///< of its frame; 0 if unknown
+        bool isKey = false;      ///< decoding can start here
+        bool isShown = true;     ///< false: decoded for the sake of others only (edit lists)
+        bool beginsAnew = false; ///< a recording that was put behind another one begins with it
         bool isSecondField = false; ///< the second half of the frame of the packet before
         int frame = -1;             ///< number of its frame, or -1; set by finish()
 
@@ -45,8 +46,11 @@ public:
     /// stays a gap. Before giveTimes() and finish().
     void joinClocks();
 
+    /// A fault that comes with a join shows up to so many packets early: readers look ahead.
+    static constexpr int packetsAtJoin = 3;
+
     /// Whether the packet is one of the last before a place where a recorder started again: where
-    /// its clock began anew, or after a pause.
+    /// its clock or its counters began anew, or after a pause.
     bool isAtJoin(int packet) const;
 
     /// Whether the times go on from packet to packet although the frames are shown in another

@@ -66,19 +66,6 @@ private:
     std::vector<Range> m_payload; // ascending
 };
 
-bool readWhole(ByteSource& bytes, qint64 position, uchar* target, qint64 count)
-{
-    while (count > 0) {
-        const qint64 came = bytes.readAt(position, target, count);
-        if (came <= 0)
-            return false;
-        position += came;
-        target += came;
-        count -= came;
-    }
-    return true;
-}
-
 // The places of the media data, from the chain of boxes that the file consists of.
 std::vector<Range> payloadOf(ByteSource& bytes)
 {
@@ -200,6 +187,25 @@ private:
     bool m_isFirstTimed = false;
 };
 
+// Finds where another recording was put behind one in the same file, though its clock goes on: the
+// counters of its blocks begin anew, which looks as if blocks were lost.
+class Joins
+{
+public:
+    void look(AvInput& input, const AVPacket& packet, FrameIndex::Packet& entry)
+    {
+        if (m_first < 0)
+            m_first = packet.pos;
+        entry.beginsAnew = entry.isKey && m_sinceDamage < FrameIndex::packetsAtJoin &&
+                           input.beginsAgainAt(packet.pos, m_first);
+        m_sinceDamage = packet.flags & AV_PKT_FLAG_CORRUPT ? 0 : m_sinceDamage + 1;
+    }
+
+private:
+    qint64 m_first = -1; // position of the first packet
+    int m_sinceDamage = FrameIndex::packetsAtJoin;
+};
+
 } // namespace
 
 Status readPacketIndex(AvInput& input, FrameIndex& index, bool arePicturesRead,
@@ -208,6 +214,7 @@ Status readPacketIndex(AvInput& input, FrameIndex& index, bool arePicturesRead,
     index.setUnit(1000.0 * av_q2d(input.video()->time_base));
     AvPacketPtr packet(av_packet_alloc());
     PictureFacts facts(input, arePicturesRead);
+    Joins joins;
     const qint64 size = std::max<qint64>(input.sizeBytes(), 1);
     Status status;
     while (index.packetCount() < mostPackets) {
@@ -218,6 +225,8 @@ Status readPacketIndex(AvInput& input, FrameIndex& index, bool arePicturesRead,
         if (outcome != AvInput::Outcome::packet || isCutOff(*packet, size))
             break;
         FrameIndex::Packet entry = entryOf(*packet);
+        if (input.canClockBeginAnew())
+            joins.look(input, *packet, entry);
         facts.add(*packet, entry);
         index.add(entry);
         if (index.packetCount() % packetsBetweenReports == 0 &&

@@ -365,6 +365,8 @@ void FrameTruthTest::timesGoOnWhereAClockBeginsAnew_data()
     constexpr double lateMs = 2000.0 / 30.0;
     QTest::newRow("after pauses") << QStringList{"600", "603"}
                                   << QList<double>{0, 600000 - lateMs, 603000 - lateMs};
+    QTest::newRow("where it was") << QStringList{"1.066667", "2.066667"}
+                                  << QList<double>{0, 1000, 2000};
 }
 
 // A recorder that starts again writes on into the same transport stream.
