@@ -32,4 +32,36 @@ inline int readNumber(FrameSource& source)
     return picture.empty() ? -1 : readFrameNumber(picture);
 }
 
+/// The picture as it was before it was turned by `rotation` degrees.
+inline cv::Mat turnedBack(const cv::Mat& picture, int rotation)
+{
+    cv::Mat upright = picture;
+    if (rotation == 90)
+        cv::rotate(picture, upright, cv::ROTATE_90_COUNTERCLOCKWISE);
+    else if (rotation == 180)
+        cv::rotate(picture, upright, cv::ROTATE_180);
+    else if (rotation == 270)
+        cv::rotate(picture, upright, cv::ROTATE_90_CLOCKWISE);
+    return upright;
+}
+
+/// What the next read gives: -1 for index and number if no frame comes.
+struct Shown
+{
+    int index = -1;
+    int number = -1; ///< in its pixels
+    double timeMs = 0.0;
+};
+
+/// `rotation` is that of the file, in degrees clockwise.
+inline Shown readShown(FrameSource& source, int rotation = 0)
+{
+    Frame frame;
+    if (source.read(frame) != ReadOutcome::frame)
+        return {};
+    cv::Mat picture;
+    toBgr(frame, picture);
+    return {frame.index, readFrameNumber(turnedBack(picture, rotation)), frame.timeMs};
+}
+
 } // namespace corv::test
