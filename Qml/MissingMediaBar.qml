@@ -1,7 +1,4 @@
-import QtQml 2.2
 import QtQuick 2.7
-import QtQuick.Window 2.2
-import DirectoryParser 1.0
 import Review 1.0
 import "."
 
@@ -13,12 +10,6 @@ Rectangle {
 
     property MissingMedia missing: null
     readonly property bool back: missing !== null && missing.back
-    readonly property bool windowActive: Window.active
-
-    onWindowActiveChanged: {
-        if (windowActive && visible)
-            missing.lookAgain();
-    }
 
     visible: missing !== null && missing.offered
     height: Math.max(missingText.implicitHeight + 16, 42)
@@ -26,14 +17,10 @@ Rectangle {
     border.color: Theme.text
     border.width: 1
 
-    // Only then the drives of the machine are watched.
-    Instantiator {
-        active: missingMediaBar.visible
-
-        DirectoryParser {
-            objectName: "missingMediaDrives"
-            onDrivesChanged: missingMediaBar.missing.lookAgain()
-        }
+    MediaReturn {
+        objectName: "missingMediaReturn"
+        awaited: missingMediaBar.visible
+        onPossible: missingMediaBar.missing.lookAgain()
     }
 
     LocateDialog {

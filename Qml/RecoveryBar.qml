@@ -23,6 +23,12 @@ Rectangle {
     border.color: Theme.text
     border.width: 1
 
+    MediaReturn {
+        objectName: "recoveryReturn"
+        awaited: recoveryBar.offered
+        onPossible: recoveryBar.recovery.lookAgain()
+    }
+
     LocateDialog {
         id: locateDialog
         objectName: "locateRecoveryDialog"

@@ -34,6 +34,13 @@ QString nameOf(const RecoveredReview& review)
     return QFileInfo(named).completeBaseName();
 }
 
+// Whether there is nothing wrong with it but that its media are not there.
+bool isWhole(const RecoveredReview& review)
+{
+    return !review.problem || (review.problem->kind != Failure::Kind::damaged &&
+                               review.problem->kind != Failure::Kind::tooLarge);
+}
+
 } // namespace
 
 Recovery::Recovery(QObject* parent) : QObject(parent)
@@ -47,6 +54,7 @@ Recovery::~Recovery()
 {
     finishPending();
     m_writing.waitForDone();
+    m_look.waitForDone();
 }
 
 void Recovery::setReview(Review* review)
@@ -261,6 +269,32 @@ void Recovery::found(const ProjectContents& contents)
     RecoveredReview review = *m_offer;
     review.contents = contents;
     review.problem = fileProblem(QStringLiteral("The video"), contents.videoFile);
+    offer(review);
+}
+
+void Recovery::lookAgain()
+{
+    if (!m_offer || !isWhole(*m_offer) || m_look.isRunning() ||
+        (m_missing && m_missing->isSearching()))
+        return;
+    m_look = runOnPool([this, file = m_offer->file, video = m_offer->contents.videoFile] {
+        post(this, [this, file, video, problem = fileProblem(QStringLiteral("The video"), video)] {
+            // Another one may be offered by now, or the files were found elsewhere.
+            if (m_offer && m_offer->file == file && m_offer->contents.videoFile == video)
+                see(problem);
+        });
+    });
+}
+
+void Recovery::see(const std::optional<Failure>& problem)
+{
+    const auto sentenceOf = [](const std::optional<Failure>& failure) {
+        return failure ? failure->sentence : QString();
+    };
+    if (sentenceOf(problem) == sentenceOf(m_offer->problem))
+        return;
+    RecoveredReview review = *m_offer;
+    review.problem = problem;
     offer(review);
 }
 

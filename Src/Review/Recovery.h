@@ -61,6 +61,9 @@ public:
     /// itself.
     Q_INVOKABLE void locate(const QString& folder);
 
+    /// Looks on the pool whether the video of the offered review is there: a card may be back.
+    Q_INVOKABLE void lookAgain();
+
     /// Opens the flight of the offer, in place of what is open, with its unsaved contents.
     Q_INVOKABLE void restore();
 
@@ -100,6 +103,7 @@ private:
     Contents contentsNow() const;
     void rememberSizes();
     void found(const ProjectContents& contents);
+    void see(const std::optional<Failure>& problem);
     void settle();
     void settleNames();
     void changed();
@@ -118,6 +122,7 @@ private:
     bool m_isAlwaysUnsaved = false; ///< a restored review, until it is saved
     RecoveryStore::Place m_place;   ///< of the flight that is open
     PoolTask m_writing;
+    PoolTask m_look;
     std::optional<RecoveredReview> m_offer;
     QHash<QString, qint64> m_sizes;          ///< of the open files, by which they are found again
     std::unique_ptr<MissingMedia> m_missing; ///< the search for the media of the offer

@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <QtTest>
 #include <iterator>
 #include <memory>
@@ -30,6 +31,18 @@ class ReviewTest : public QObject
     QString media(const QString& name) const { return m_media.filePath(name); }
     QString path(const QString& name) const { return m_folder->filePath(name); }
     QString first() const { return media("CORV0001.MOV"); }
+
+    // Leaves unsaved work of a flight, whose files are put into `card`.
+    void keepReviewOf(const QString& card)
+    {
+        QVERIFY(QDir().mkpath(card));
+        for (const char* name : {"CORV0001.MOV", "CORV0002.MOV", "f.log"})
+            QVERIFY(QFile::copy(media(name), card + '/' + name));
+        Desk desk(path("kept"));
+        QVERIFY(desk.openFlight(card + "/CORV0001.MOV", card + "/f.log"));
+        QTRY_COMPARE(desk.poiNames(), QStringList("POI 1"));
+        desk.review.pois()->create(timeOfMs(500));
+    }
 
 private slots:
     void initTestCase() { QVERIFY(makeFlight(m_media.path())); }
@@ -510,15 +523,7 @@ private slots:
     void anUnsavedReviewFindsItsMediaElsewhere()
     {
         const QString card = path("card");
-        QVERIFY(QDir().mkpath(card));
-        for (const char* name : {"CORV0001.MOV", "CORV0002.MOV", "f.log"})
-            QVERIFY(QFile::copy(media(name), card + '/' + name));
-        {
-            Desk desk(path("kept"));
-            QVERIFY(desk.openFlight(card + "/CORV0001.MOV", card + "/f.log"));
-            QTRY_COMPARE(desk.poiNames(), QStringList("POI 1"));
-            desk.review.pois()->create(timeOfMs(500));
-        }
+        keepReviewOf(card);
         QVERIFY(QDir().rename(card, path("moved")));
         QVERIFY(QDir().mkpath(path("empty")));
         Desk desk(path("kept"));
@@ -539,6 +544,27 @@ private slots:
                               path("moved/f.log")}));
         QVERIFY(!desk.recovery.isOffered());
         QCOMPARE(QDir(path("kept")).entryList({"*.json"}).size(), 1); // unsaved still
+    }
+
+    void whatIsBackCanBeRestored()
+    {
+        const QString card = path("card");
+        keepReviewOf(card);
+        QVERIFY(QDir().rename(card, path("pulled")));
+        Desk desk(path("kept"));
+        QVERIFY(!desk.recovery.isRestorable());
+        const QString problem = desk.recovery.offerText();
+        desk.recovery.lookAgain();
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
+        QCOMPARE(desk.recovery.offerText(), problem);
+        QVERIFY(QDir().rename(path("pulled"), card));
+        desk.recovery.lookAgain();
+        QTRY_VERIFY(desk.recovery.isRestorable());
+        QVERIFY(QDir().rename(card, path("pulled")));
+        desk.recovery.lookAgain();
+        QTRY_VERIFY(!desk.recovery.isRestorable());
+        QCOMPARE(desk.recovery.offerText(), problem);
     }
 
     void whatCannotBeRestoredSaysSoAndCanBeDiscarded_data()

@@ -46,6 +46,7 @@ private slots:
     void missingMediaAreLookedForWhereThePilotSays();
     void missingMediaThatAreBackCanBeOpened_data();
     void missingMediaThatAreBackCanBeOpened();
+    void workWhoseMediaAreBackCanBeRestored();
     void theShownCurvesAndThePaletteComeBack();
     void aPictureIsSavedAtTheEnd_data();
     void aPictureIsSavedAtTheEnd();
@@ -54,6 +55,7 @@ private slots:
 private:
     /// Saves `folder`/p.ecor with the video of `folder`/card, and starts anew.
     void saveProjectBesideACard(const QString& folder);
+    void waitUntilWorkIsKept();
 };
 
 namespace {
@@ -371,15 +373,20 @@ void KeptWorkTest::aFlightWithoutANumberShowsNone()
     QVERIFY(!shown.contains("Num."));
 }
 
+// It is done in the background, within five seconds.
+void KeptWorkTest::waitUntilWorkIsKept()
+{
+    const QDir kept(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+                    "/recovery");
+    QTRY_COMPARE_WITH_TIMEOUT(kept.entryList({"*.json"}).size(), 1, 15000);
+}
+
 void KeptWorkTest::unsavedWorkIsOfferedAtTheNextStart()
 {
     QVERIFY(m_ui->openVideo());
     QVERIFY(!m_ui->item("recoveryBar")->isVisible());
     m_ui->call("addNewPoiAtPosition");
-    // Kept in the background, within five seconds.
-    const QDir kept(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
-                    "/recovery");
-    QTRY_COMPARE_WITH_TIMEOUT(kept.entryList({"*.json"}).size(), 1, 15000);
+    waitUntilWorkIsKept();
     QVERIFY(m_ui->reload());
     QVERIFY(m_ui->item("recoveryBar")->isVisible());
     // Beside what is said of a crash, which does not take the offer away.
@@ -496,7 +503,7 @@ void KeptWorkTest::missingMediaThatAreBackCanBeOpened()
     }
     QVERIFY(QDir().rename(folder + "/pulled", folder + "/card"));
     if (byDrives)
-        QVERIFY(QMetaObject::invokeMethod(m_ui->find("missingMediaDrives"), "drivesChanged"));
+        QVERIFY(QMetaObject::invokeMethod(m_ui->find("awaitedDrives"), "drivesChanged"));
     else
         QVERIFY(m_ui->activate());
     QTRY_COMPARE(m_ui->get("missingMediaText", "text").toString(),
@@ -506,6 +513,25 @@ void KeptWorkTest::missingMediaThatAreBackCanBeOpened()
     QVERIFY(m_ui->click("locateMediaButton"));
     QTRY_VERIFY(m_ui->hasVideo());
     QTRY_VERIFY(!m_ui->item("missingMediaBar")->isVisible());
+}
+
+void KeptWorkTest::workWhoseMediaAreBackCanBeRestored()
+{
+    const QString card = media().newFolder() + "/card";
+    QVERIFY(QDir().mkpath(card) && QFile::copy(media().video(), card + "/CORV0001.MP4"));
+    m_ui->call("loadVideo", {card + "/CORV0001.MP4"});
+    QTRY_VERIFY(m_ui->hasVideo());
+    m_ui->call("addNewPoiAtPosition");
+    waitUntilWorkIsKept();
+    QVERIFY(QDir().rename(card, card + "-pulled"));
+    QVERIFY(m_ui->reload());
+    QVERIFY(m_ui->item("locateRecoveryButton")->isVisible());
+    QVERIFY(!m_ui->item("restoreRecoveryButton")->isVisible());
+    QVERIFY(QDir().rename(card + "-pulled", card));
+    QVERIFY(QMetaObject::invokeMethod(m_ui->find("awaitedDrives"), "drivesChanged"));
+    QTRY_VERIFY(m_ui->item("restoreRecoveryButton")->isVisible());
+    QVERIFY(m_ui->click("restoreRecoveryButton"));
+    QTRY_COMPARE(m_ui->poiNames(), QStringList("New POI"));
 }
 
 void KeptWorkTest::theShownCurvesAndThePaletteComeBack()
