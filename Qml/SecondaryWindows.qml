@@ -31,6 +31,8 @@ Item {
 
     // The units chosen in the settings.
     signal unitsChosen(bool imperialUnits)
+    // Whether saved frames get the thermal picture of the screen, as chosen there.
+    signal thermalAsOnScreenChosen(bool onScreen)
     // Whether quitting is to wait for the jobs, as chosen there.
     signal finishJobsFirstChosen(bool finish)
 
@@ -255,7 +257,7 @@ Item {
             if (window.visible || !window.ok)
                 return;
             console.log("Settings have changed : " + window.imperialUnits);
-            player.thermalAsOnScreen = window.thermalAsOnScreen;
+            windows.thermalAsOnScreenChosen(window.thermalAsOnScreen);
             windows.finishJobsFirstChosen(window.finishJobsFirst);
             windows.unitsChosen(window.imperialUnits);
         }

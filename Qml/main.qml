@@ -47,7 +47,7 @@ ReviewWindow {
     curves: curvesPanel
     sidebar: tabsContainer
     keyboardPlace: videoTab
-    finishJobsFirst: generalSettings.finishJobsFirst
+    finishJobsFirst: quittingSettings.finishJobsFirst
 
     // What to say of a crash of the last run. The program sets it.
     property string crashNotice: ""
@@ -106,7 +106,19 @@ ReviewWindow {
         id: generalSettings
         category: "userPreferences"
         property bool imperialUnits: false
+    }
+
+    // Settings write all their values when one of them changes, and the settings window stores
+    // these, too: together, each would bring back what the other one was when the program started.
+    Settings {
+        id: thermalSettings
+        category: "userPreferences"
         property bool thermalAsOnScreen: false
+    }
+
+    Settings {
+        id: quittingSettings
+        category: "userPreferences"
         property bool finishJobsFirst: false
     }
 
@@ -312,7 +324,8 @@ ReviewWindow {
         verbs: mainWindow
         fastLoadingChecked: currentProject.fastLoadingChecked
         onFastLoadingChosen: currentProject.fastLoadingChecked = checked
-        onFinishJobsFirstChosen: generalSettings.finishJobsFirst = finish
+        onFinishJobsFirstChosen: quittingSettings.finishJobsFirst = finish
+        onThermalAsOnScreenChosen: thermalSettings.thermalAsOnScreen = onScreen
         instrumentsShown: exportSettings.instruments
         onInstrumentsChosen: exportSettings.instruments = shown
         thermalBarShown: exportSettings.thermalBar
@@ -496,7 +509,7 @@ ReviewWindow {
                 objectName: "videoPlayer"
                 anchors.fill: parent
                 adjustmentsPanel: mainWindow.adjustmentsPanel
-                thermalAsOnScreen: generalSettings.thermalAsOnScreen
+                thermalAsOnScreen: thermalSettings.thermalAsOnScreen
                 onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
                 onVideoExportComplete: mainWindow.videoExportComplete(result)
                 onReadFailed: infoTab.showNotice(sentence)

@@ -186,7 +186,7 @@ void JobsTest::quittingCancelsAndTheNextStartSaysSo()
 void JobsTest::quittingWaitsWhereTheSettingsSaySo()
 {
     openFlight();
-    m_ui->evaluate("generalSettings.finishJobsFirst = true");
+    m_ui->evaluate("quittingSettings.finishJobsFirst = true");
     startSeries(10);
     QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
     m_ui->window()->close();
@@ -202,7 +202,7 @@ void JobsTest::quittingWaitsWhereTheSettingsSaySo()
 void JobsTest::quittingTwiceCancelsWhatItWaitedFor()
 {
     openFlight();
-    m_ui->evaluate("generalSettings.finishJobsFirst = true");
+    m_ui->evaluate("quittingSettings.finishJobsFirst = true");
     startSeries(1);
     QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
     m_ui->call("goExit");
@@ -214,7 +214,7 @@ void JobsTest::quittingTwiceCancelsWhatItWaitedFor()
 
 void JobsTest::nothingRunningEndsAtOnce()
 {
-    m_ui->evaluate("generalSettings.finishJobsFirst = true");
+    m_ui->evaluate("quittingSettings.finishJobsFirst = true");
     QSignalSpy quit(&m_ui->engine(), &QQmlEngine::quit);
     m_ui->call("goExit");
     QCOMPARE(quit.size(), 1);

@@ -48,6 +48,7 @@ private slots:
     void aScreenReaderHasTheSentences_data();
     void aScreenReaderHasTheSentences();
     void unitsSwitchAtOnce();
+    void settingsThatAreSavedTogetherAllStay();
     void aSeriesOfPicturesIsAJobWithAnEnd();
     void jobsAreListed();
 };
@@ -459,6 +460,32 @@ void PanelsTest::unitsSwitchAtOnce()
     QVERIFY(m_ui->click("unitsButton"));
     QCOMPARE(m_ui->get("headUpDisplay", "imperialUnits").toBool(), true);
     QTRY_COMPARE(QSettings().value("userPreferences/imperialUnits").toBool(), true);
+}
+
+// The settings window and the main window store in the same place.
+void PanelsTest::settingsThatAreSavedTogetherAllStay()
+{
+    const auto stored = [](const char* name) {
+        return QSettings().value(QString("userPreferences/%1").arg(name)).toBool();
+    };
+    QVERIFY(m_ui->trigger("generalSettingsMenuItem"));
+    QTRY_VERIFY(UiFixture::visibleWindow("generalSettings"));
+    QQuickWindow* const window = UiFixture::visibleWindow("generalSettings");
+    for (const char* choice : {"radioUnitImperial", "radioThermalOnScreen", "finishJobsBox"})
+        UiFixture::click(m_ui->item(choice, window));
+    UiFixture::click(m_ui->item("okButton", window));
+    QTRY_VERIFY(!UiFixture::visibleWindow("generalSettings"));
+    QVERIFY(m_ui->get("videoPlayer", "thermalAsOnScreen").toBool());
+    QTRY_VERIFY(stored("imperialUnits") && stored("thermalAsOnScreen") &&
+                stored("finishJobsFirst"));
+    // What the main window writes later leaves the others as they are.
+    QVERIFY(m_ui->click("unitsButton"));
+    QVERIFY(m_ui->click("unitsButton"));
+    QTRY_VERIFY(!stored("imperialUnits"));
+    QVERIFY(stored("thermalAsOnScreen") && stored("finishJobsFirst"));
+    QVERIFY(m_ui->reload());
+    QVERIFY(stored("thermalAsOnScreen") && stored("finishJobsFirst"));
+    QVERIFY(m_ui->get("videoPlayer", "thermalAsOnScreen").toBool());
 }
 
 void PanelsTest::aSeriesOfPicturesIsAJobWithAnEnd()
