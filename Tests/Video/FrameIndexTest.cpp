@@ -46,6 +46,8 @@ private slots:
     void aClockThatBeginsAnewGoesOn();
     void timesOfDecodingAreGivenToFrames_data();
     void timesOfDecodingAreGivenToFrames();
+    void timesOfDecodingAreKnownByThePictures_data();
+    void timesOfDecodingAreKnownByThePictures();
     void aPartThatIsShownTwiceIsKnownByItsTimes();
     void theLastFrameEndsWhereTheContainerSays_data();
     void theLastFrameEndsWhereTheContainerSays();
@@ -219,6 +221,43 @@ void FrameIndexTest::timesOfDecodingAreGivenToFrames()
     QCOMPARE(index.frameCount(), shownMs.size());
     for (int i = 0; i < shownMs.size(); ++i)
         QCOMPARE(index.timeMs(i), static_cast<double>(shownMs[i]));
+}
+
+void FrameIndexTest::timesOfDecodingAreKnownByThePictures_data()
+{
+    QTest::addColumn<QList<int>>("orders");
+    QTest::addColumn<QList<int>>("timesMs");
+    QTest::addColumn<bool>("areOfDecoding");
+    const QList<int> onAndOn{0, 40, 80, 120, 160};
+    QTest::newRow("as they are decoded") << QList<int>{0, 1, 2, 3, 4} << onAndOn << false;
+    QTest::newRow("some between others") << QList<int>{0, 3, 1, 2, 4} << onAndOn << true;
+    QTest::newRow("with their own times")
+        << QList<int>{0, 3, 1, 2, 4} << QList<int>{0, 120, 40, 80, 160} << false;
+    QTest::newRow("two at one time")
+        << QList<int>{0, 2, 1, 3, 4} << QList<int>{0, 40, 40, 80, 120} << true;
+    // Where a keyframe was lost, the count of the pictures behind it begins anew.
+    QList<int> lost;
+    QList<int> timesMs;
+    for (int i = 0; i < 60; ++i) {
+        lost << i % 30;
+        timesMs << i * 40;
+    }
+    QTest::newRow("a lost keyframe") << lost << timesMs << false;
+}
+
+void FrameIndexTest::timesOfDecodingAreKnownByThePictures()
+{
+    QFETCH(QList<int>, orders);
+    QFETCH(QList<int>, timesMs);
+    QFETCH(bool, areOfDecoding);
+    FrameIndex index;
+    for (const int ms : timesMs) {
+        FrameIndex::Packet packet;
+        packet.pts = packet.dts = ms;
+        index.add(packet);
+    }
+    QCOMPARE(index.hasTimesOfDecoding(std::vector<qint64>(orders.begin(), orders.end())),
+             areOfDecoding);
 }
 
 // An edit list can show a part of the file a second time, from the same place.
