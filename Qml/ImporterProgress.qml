@@ -25,7 +25,7 @@ Column {
         id: progressBar
         objectName: "progressBar"
         width: 400
-        Accessible.description: txtMatchingBusyIndicator.text
+        Accessible.name: txtMatchingBusyIndicator.text
     }
 
     CorvButton {

@@ -15,6 +15,15 @@ Item {
     property bool chosen: false
     // What a row says beyond its columns.
     readonly property string details: row.evidenceText + "\n" + row.fileText
+    readonly property string durationText: Math.floor(row.duration / 1000) + "s"
+    // The columns that are no "-", for those who cannot see them.
+    readonly property string columnsText: {
+        var texts = row.duration > 0 ? [durationText] : [];
+        if (row.namingDefined)
+            texts.push("mission: " + row.missionName, "flight: " + row.flightName,
+                       "number " + row.flightNumber);
+        return texts.join(", ");
+    }
     signal clicked()
     signal doubleClicked()
 
@@ -23,7 +32,7 @@ Item {
     Accessible.focusable: true
     Accessible.selected: chosen
     Accessible.name: shownName
-    Accessible.description: details
+    Accessible.description: columnsText === "" ? details : columnsText + "\n" + details
     Accessible.onPressAction: clicked()
 
     // The texts are too faint on the highlight of the dark look.
@@ -58,7 +67,7 @@ Item {
             objectName: "time"
             width: parent.timeWidth
             isDefined: importerRow.row.duration > 0
-            text: Math.floor(importerRow.row.duration / 1000) + "s"
+            text: importerRow.durationText
         }
 
         ImporterCell {

@@ -82,6 +82,8 @@ void ImporterTest::aSearchShowsItsRows()
     QVERIFY(item("progressBar")->property("indeterminate").toBool());
     QCOMPARE(item("txtMatchingBusyIndicator")->property("text").toString(),
              QString("Reading log files..."));
+    QCOMPARE(QAccessible::queryAccessibleInterface(item("progressBar"))->text(QAccessible::Name),
+             QString("Reading log files..."));
     grab("importer-busy");
     m_world->release();
     QTRY_VERIFY(!m_importer->property("isBusy").toBool());
@@ -105,6 +107,10 @@ void ImporterTest::aSearchShowsItsRows()
     QCOMPARE(cell(0, "flightName", "shownText").toString(), QString("Tower 1"));
     QCOMPARE(cell(0, "flightNumber", "shownText").toString(), QString("7"));
     QCOMPARE(cell(0, "mark", "color").value<QColor>(), QColor("#12ff54"));
+    const QString readOut =
+        QAccessible::queryAccessibleInterface(item("matchingRow0"))->text(QAccessible::Description);
+    QVERIFY2(readOut.startsWith("60s, mission: Line 12, flight: Tower 1, number 7\n"),
+             qPrintable(readOut));
     QCOMPARE(cell(1, "name", "shownText").toString(), QString("noon : No match"));
     QCOMPARE(cell(1, "missionName", "shownText").toString(), QString("-"));
     QCOMPARE(cell(1, "missionName", "shownColor").value<QColor>(), QColor("#777"));
