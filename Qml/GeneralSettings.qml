@@ -78,6 +78,7 @@ Window {
             spacing: 6
 
             Text {
+                id: unitTitle
                 text: "Unit system"
                 color: Theme.text
                 font.bold: true
@@ -90,6 +91,7 @@ Window {
                     id: radioUnitMetric
                     objectName: "radioUnitMetric"
                     text: "Metric"
+                    Accessible.description: unitTitle.text
                     exclusiveGroup: unitTypeGroup
                 }
 
@@ -97,6 +99,7 @@ Window {
                     id: radioUnitImperial
                     objectName: "radioUnitImperial"
                     text: "Imperial"
+                    Accessible.description: unitTitle.text
                     exclusiveGroup: unitTypeGroup
                 }
             }
@@ -118,6 +121,7 @@ Window {
             spacing: 6
 
             Text {
+                id: thermalTitle
                 text: "Thermal picture of saved frames"
                 color: Theme.text
                 font.bold: true
@@ -130,6 +134,7 @@ Window {
                     id: radioThermalOfFile
                     objectName: "radioThermalOfFile"
                     text: "As in earlier versions"
+                    Accessible.description: thermalTitle.text
                     checked: true
                     exclusiveGroup: thermalPictureGroup
                 }
@@ -138,6 +143,7 @@ Window {
                     id: radioThermalOnScreen
                     objectName: "radioThermalOnScreen"
                     text: "As on screen"
+                    Accessible.description: thermalTitle.text
                     exclusiveGroup: thermalPictureGroup
                 }
             }
@@ -148,6 +154,7 @@ Window {
             spacing: 6
 
             Text {
+                id: lookTitle
                 text: "Appearance"
                 color: Theme.text
                 font.bold: true
@@ -160,6 +167,7 @@ Window {
                     id: radioLookDark
                     objectName: "radioLookDark"
                     text: "Dark"
+                    Accessible.description: lookTitle.text
                     checked: true
                     exclusiveGroup: lookGroup
                 }
@@ -168,6 +176,7 @@ Window {
                     id: radioLookLight
                     objectName: "radioLookLight"
                     text: "Light, for bright sun"
+                    Accessible.description: lookTitle.text
                     exclusiveGroup: lookGroup
                 }
             }

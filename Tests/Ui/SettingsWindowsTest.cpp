@@ -2,6 +2,7 @@
 
 #include "Shell/AppInfo.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QPalette>
 #include <QSettings>
@@ -35,6 +36,8 @@ public:
 private slots:
     void settingsShowWhatIsStored_data();
     void settingsShowWhatIsStored();
+    void choicesAreReadOutWithTheirHeading_data();
+    void choicesAreReadOutWithTheirHeading();
     void settingsAreSaved_data();
     void settingsAreSaved();
     void thermalClockIsShownAndSaved();
@@ -83,6 +86,34 @@ void SettingsWindowsTest::settingsShowWhatIsStored()
              QString("Changes will be applied after restarting Vistrel"));
     QCOMPARE(m_host->part("okButton")->property("caption").toString(), QString("Save settings"));
     QCOMPARE(m_host->part("cancelButton")->property("caption").toString(), QString("Cancel"));
+}
+
+void SettingsWindowsTest::choicesAreReadOutWithTheirHeading_data()
+{
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<QString>("heading");
+    QTest::newRow("metric") << "radioUnitMetric"
+                            << "Unit system";
+    QTest::newRow("imperial") << "radioUnitImperial"
+                              << "Unit system";
+    QTest::newRow("of the file") << "radioThermalOfFile"
+                                 << "Thermal picture of saved frames";
+    QTest::newRow("on screen") << "radioThermalOnScreen"
+                               << "Thermal picture of saved frames";
+    QTest::newRow("dark") << "radioLookDark"
+                          << "Appearance";
+    QTest::newRow("light") << "radioLookLight"
+                           << "Appearance";
+}
+
+void SettingsWindowsTest::choicesAreReadOutWithTheirHeading()
+{
+    QFETCH(QString, choice);
+    QFETCH(QString, heading);
+    QVERIFY(m_host->make("GeneralSettings.qml"));
+    QVERIFY(m_host->show());
+    QAccessibleInterface* read = QAccessible::queryAccessibleInterface(m_host->part(choice));
+    QCOMPARE(read->text(QAccessible::Description), heading);
 }
 
 void SettingsWindowsTest::settingsAreSaved_data()
