@@ -48,6 +48,18 @@ Item {
         return window;
     }
 
+    // Whether the last window of `make` is open still; then it comes forward. One that blocks the
+    // main window does not block what a screen reader presses there, and a second one would take
+    // the place of the first, whose changes were lost.
+    function isOpen(connection) {
+        var window = connection.target;
+        if (!window || !window.visible)
+            return false;
+        window.raise();
+        window.requestActivate();
+        return true;
+    }
+
     // In front of the window that it belongs to, also after a click there, and beside the picture
     // rather than on it: to the right of that window, or at its right edge where the screen ends.
     function place(window) {
@@ -149,6 +161,8 @@ Item {
     }
 
     function openPoiProperties() {
+        if (isOpen(poiPropertiesConnection))
+            return;
         var poi = timeline.getSelectedPOI();
         var window = make("PoiProperties.qml", poiPropertiesConnection);
         window.messageOwner = verbs;
@@ -160,6 +174,8 @@ Item {
     }
 
     function openFlightProperties() {
+        if (isOpen(flightPropertiesConnection))
+            return;
         var naming = LogParser.flightNaming;
         var window = make("FlightPropertiesEdit.qml", flightPropertiesConnection);
         window.missionName = naming.missionName;

@@ -20,6 +20,8 @@ private slots:
     void framesExportReadsDigitsOfTheLocale();
     void aTypedNameReplacesTheNewOne();
     void aTypedNumberReplacesTheOldOne();
+    void propertiesAreEditedInOneWindow_data();
+    void propertiesAreEditedInOneWindow();
     void aboutClosesOnEscape();
     void filesWithoutAViewerAreNamed_data();
     void filesWithoutAViewerAreNamed();
@@ -202,6 +204,36 @@ void WindowsTest::aTypedNumberReplacesTheOldOne()
     typeInto(window, "999");
     QCOMPARE(m_ui->find("tfFlightNumber", window)->property("text").toString(), QString("999"));
     window->close();
+}
+
+void WindowsTest::propertiesAreEditedInOneWindow_data()
+{
+    QTest::addColumn<QString>("verb");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("point of interest") << "editSelectedPoi"
+                                       << "poiPropertiesWindow";
+    QTest::newRow("flight") << "editFlightProperties"
+                            << "flightPropertiesWindow";
+}
+
+// A screen reader presses the buttons of the main window also while a dialog lies in front of it.
+void WindowsTest::propertiesAreEditedInOneWindow()
+{
+    QFETCH(QString, verb);
+    QFETCH(QString, name);
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->selectPoiAt(2000));
+    m_ui->evaluate("LogParser.flightNaming = {missionName: 'm', flightName: 'f', flightNumber: 3, "
+                   "undefined: false}");
+    m_ui->call(verb.toUtf8());
+    QTRY_VERIFY(UiFixture::visibleWindow(name));
+    QQuickWindow* window = UiFixture::visibleWindow(name);
+    m_ui->call(verb.toUtf8());
+    window->close();
+    QVERIFY(!UiFixture::visibleWindow(name));
+    m_ui->call(verb.toUtf8());
+    QTRY_VERIFY(UiFixture::visibleWindow(name));
+    UiFixture::visibleWindow(name)->close();
 }
 
 void WindowsTest::aboutClosesOnEscape()
