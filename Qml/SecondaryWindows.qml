@@ -48,9 +48,9 @@ Item {
         return window;
     }
 
-    // Whether the last window of `make` is open still; then it comes forward. One that blocks the
-    // main window does not block what a screen reader presses there, and a second one would take
-    // the place of the first, whose changes were lost.
+    // Whether the last window of `make` is open still; then it comes forward: a second one would
+    // take its place, and what is chosen in the first one would be lost. Those that block the main
+    // window do not block what a screen reader presses there.
     function isOpen(connection) {
         var window = connection.target;
         if (!window || !window.visible)
@@ -78,6 +78,8 @@ Item {
 
     function openImporter() {
         player.pause();
+        if (isOpen(autoImporterConnection))
+            return;
         var window = make("AutoImporter.qml", autoImporterConnection);
         window.fastLoadingChecked = windows.fastLoadingChecked;
         window.jobs = review.jobs;
@@ -112,6 +114,8 @@ Item {
 
     function openFramesExport() {
         player.pause();
+        if (isOpen(framesExportConnection))
+            return;
         var window = make("FramesExport.qml", framesExportConnection);
         player.timePositionChanged.connect(window.setPosition);
         player.durationChanged.connect(window.setDuration);
@@ -138,6 +142,8 @@ Item {
 
     function openVideoExport() {
         player.pause();
+        if (isOpen(videoExportConnection))
+            return;
         var window = make("VideoExport.qml", videoExportConnection);
         window.proposedName = review.proposedName() + ".mp4";
         offerInsets(window);
@@ -146,6 +152,8 @@ Item {
 
     function openSettings() {
         player.pause();
+        if (isOpen(settingsConnection))
+            return;
         var window = make("GeneralSettings.qml", settingsConnection);
         window.init();
         window.show();
@@ -153,6 +161,8 @@ Item {
 
     function openRestoreLog() {
         player.pause();
+        if (isOpen(restoreLogConnection))
+            return;
         var window = make("RestoreLog.qml", restoreLogConnection);
         window.missingCount = review.missingPoisInLog();
         window.allCount = review.addablePoisFromLog();

@@ -20,8 +20,8 @@ private slots:
     void framesExportReadsDigitsOfTheLocale();
     void aTypedNameReplacesTheNewOne();
     void aTypedNumberReplacesTheOldOne();
-    void propertiesAreEditedInOneWindow_data();
-    void propertiesAreEditedInOneWindow();
+    void nothingIsChosenInTwoWindows_data();
+    void nothingIsChosenInTwoWindows();
     void aboutClosesOnEscape();
     void filesWithoutAViewerAreNamed_data();
     void filesWithoutAViewerAreNamed();
@@ -206,32 +206,37 @@ void WindowsTest::aTypedNumberReplacesTheOldOne()
     window->close();
 }
 
-void WindowsTest::propertiesAreEditedInOneWindow_data()
+void WindowsTest::nothingIsChosenInTwoWindows_data()
 {
-    QTest::addColumn<QString>("verb");
+    QTest::addColumn<QString>("script");
     QTest::addColumn<QString>("name");
-    QTest::newRow("point of interest") << "editSelectedPoi"
+    QTest::newRow("point of interest") << "editSelectedPoi()"
                                        << "poiPropertiesWindow";
-    QTest::newRow("flight") << "editFlightProperties"
+    QTest::newRow("flight") << "editFlightProperties()"
                             << "flightPropertiesWindow";
+    QTest::newRow("settings") << "goSettings()"
+                              << "generalSettings";
+    QTest::newRow("pictures") << "secondaryWindows.openFramesExport()"
+                              << "framesExport";
 }
 
-// A screen reader presses the buttons of the main window also while a dialog lies in front of it.
-void WindowsTest::propertiesAreEditedInOneWindow()
+// The menu opens a window that is open already, and a screen reader presses the buttons of the main
+// window also while a dialog lies in front of it.
+void WindowsTest::nothingIsChosenInTwoWindows()
 {
-    QFETCH(QString, verb);
+    QFETCH(QString, script);
     QFETCH(QString, name);
     QVERIFY(m_ui->openVideo());
     QVERIFY(m_ui->selectPoiAt(2000));
     m_ui->evaluate("LogParser.flightNaming = {missionName: 'm', flightName: 'f', flightNumber: 3, "
                    "undefined: false}");
-    m_ui->call(verb.toUtf8());
+    m_ui->evaluate(script);
     QTRY_VERIFY(UiFixture::visibleWindow(name));
     QQuickWindow* window = UiFixture::visibleWindow(name);
-    m_ui->call(verb.toUtf8());
+    m_ui->evaluate(script);
     window->close();
     QVERIFY(!UiFixture::visibleWindow(name));
-    m_ui->call(verb.toUtf8());
+    m_ui->evaluate(script);
     QTRY_VERIFY(UiFixture::visibleWindow(name));
     UiFixture::visibleWindow(name)->close();
 }
