@@ -6,6 +6,7 @@ import QtQuick.Window 2.2
 import Qt.labs.settings 1.0
 import DirectoryParser 1.0
 import Review 1.0
+import Windows 1.0
 import "importerRows.js" as Rows
 import "paths.js" as Paths
 
@@ -50,7 +51,7 @@ Window {
     property bool searchWaits: false
 
     // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
-    readonly property int hiddenHeight: Math.max(0, y + height - Screen.virtualY - Screen.height)
+    readonly property int hiddenHeight: hiddenPart.height
 
     // In place of a drive's path: the row of a chosen folder.
     readonly property string folderMarker: "DIR"
@@ -373,6 +374,11 @@ Window {
         messageDialog.title = title;
         messageDialog.text = text;
         messageDialog.visible = true;
+    }
+
+    HiddenPart {
+        id: hiddenPart
+        window: autoImporter
     }
 
     Settings {

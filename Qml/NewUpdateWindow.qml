@@ -1,5 +1,6 @@
 import QtQuick 2.7
 import QtQuick.Window 2.2
+import Windows 1.0
 import "."
 import "Controls"
 
@@ -11,9 +12,14 @@ Window {
     property var releaseNotes: []
 
     // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
-    readonly property int hiddenHeight: Math.max(0, y + height - Screen.virtualY - Screen.height)
+    readonly property int hiddenHeight: hiddenPart.height
 
     signal installNewVersion(string newVersion)
+
+    HiddenPart {
+        id: hiddenPart
+        window: newUpdateWindow
+    }
 
     title: "Update now"
     width: 400

@@ -9,6 +9,7 @@ import PoiReportExporter 1.0
 import ProjectFileLoader 1.0
 import Review 1.0
 import Timeline 1.0
+import Windows 1.0
 import "."
 import "constants.js" as Cst
 import "paths.js" as Paths
@@ -19,8 +20,7 @@ ReviewWindow {
 
     property int sidebarWidth: 270
     // On a screen lower than the window, its lowest part is off the screen: nothing is put there.
-    readonly property int hiddenHeight: Screen.height < minimumHeight + 60
-            ? Math.max(0, y + height - Screen.virtualY - Screen.height) : 0
+    readonly property int hiddenHeight: Screen.height < minimumHeight + 60 ? hiddenPart.height : 0
     signal installNewVersion(string newVersion)
 
     width: 1600
@@ -92,6 +92,11 @@ ReviewWindow {
 
     function showThermalBarInExports(shown) {
         exportSettings.thermalBar = shown;
+    }
+
+    HiddenPart {
+        id: hiddenPart
+        window: mainWindow
     }
 
     Settings {

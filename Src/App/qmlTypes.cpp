@@ -16,6 +16,7 @@
 #include "Shell/AppInfo.h"
 #include "Shell/ApplicationTelemetry.h"
 #include "Shell/HeldKey.h"
+#include "Shell/HiddenPart.h"
 #include "Shell/OpenedWindows.h"
 #include "Shell/PointerRest.h"
 #include "Shell/Shortcut.h"
@@ -68,6 +69,7 @@ void registerQmlTypes()
     qmlRegisterType<ProjectFileLoader>("ProjectFileLoader", 1, 0, "ProjectFileLoader");
     qmlRegisterType<TintedPicture>("Pictures", 1, 0, "TintedPicture");
     qmlRegisterType<PointerRest>("Pointer", 1, 0, "PointerRest");
+    qmlRegisterType<HiddenPart>("Windows", 1, 0, "HiddenPart");
     qmlRegisterType<Shortcut>("Shortcuts", 1, 0, "Shortcut");
     qmlRegisterType<TimelineContent>("Timeline", 1, 0, "TimelineContent");
     qmlRegisterType<TimelineNavigator>("Timeline", 1, 0, "TimelineNavigator");

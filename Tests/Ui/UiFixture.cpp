@@ -8,6 +8,7 @@
 #include "Shell/copiedDrops.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
@@ -251,6 +252,8 @@ void UiFixture::wheel(QQuickItem* target, int delta, Qt::KeyboardModifiers modif
     const QPoint position = middle(target);
     QWheelEvent event(position, target->window()->mapToGlobal(position), QPoint(), QPoint(0, delta),
                       Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+    // A view that scrolls ignores a second event of the same moment.
+    event.setTimestamp(static_cast<ulong>(QDeadlineTimer::current().deadline()));
     QCoreApplication::sendEvent(target->window(), &event);
 }
 
