@@ -12,8 +12,10 @@ extern "C" {
 
 #include <QFileInfo>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -41,16 +43,28 @@ Failure withName(const Failure& failure, const QString& file)
     return {failure.kind, QStringLiteral("%1: %2").arg(file, failure.sentence)};
 }
 
-int rotationOf(const AVStream& stream)
+void orient(PictureForm& form, const AVStream& stream)
 {
-    const uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
-    if (!matrix)
-        return 0;
-    const double angle = av_display_rotation_get(reinterpret_cast<const int32_t*>(matrix));
+    form.rotation = 0;
+    form.isMirrored = false;
+    const uint8_t* data = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    if (!data)
+        return;
+    std::array<int32_t, 9> matrix{};
+    std::memcpy(matrix.data(), data, sizeof matrix);
+    // Only a mirror makes the determinant negative; its angle means something without it.
+    const bool isMirrored =
+        static_cast<double>(matrix[0]) * matrix[4] < static_cast<double>(matrix[1]) * matrix[3];
+    if (isMirrored)
+        av_display_matrix_flip(matrix.data(), 1, 0);
+    const double angle = av_display_rotation_get(matrix.data());
     if (!std::isfinite(angle))
-        return 0;
+        return;
     const int clockwise = (static_cast<int>(std::lround(-angle)) % 360 + 360) % 360;
-    return clockwise % 90 == 0 ? clockwise : 0;
+    if (clockwise % 90 != 0)
+        return;
+    form.rotation = clockwise;
+    form.isMirrored = isMirrored;
 }
 
 // The rate of the first frames, where the file states none and they need not be evenly spaced; 0 if
@@ -111,7 +125,7 @@ Status AvVideo::describe(AvInput& input)
     fps = input.statedFps();
     if (isKnown && fps <= 0.0)
         fps = measuredFps(input);
-    form.rotation = rotationOf(stream);
+    orient(form, stream);
     setSize(QSize(stream.codecpar->width, stream.codecpar->height));
     pixelAspectRatio = aspectRatioOf(stream.sample_aspect_ratio, form.rotation % 180 != 0);
     if (input.lacksMemory() && !isKnown)

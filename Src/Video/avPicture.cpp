@@ -150,26 +150,29 @@ Frame convertedToBgr(const AVFrame& picture, QSize size)
 }
 
 void turnPlane(const Frame::Plane& from, QSize fromSize, const Frame::Plane& to, int type,
-               int rotation)
+               const PictureForm& form)
 {
-    const bool lies = rotation == 180;
+    const bool lies = form.rotation % 180 == 0;
     const cv::Mat source(fromSize.height(), fromSize.width(), type, const_cast<uchar*>(from.data),
                          static_cast<size_t>(from.bytesPerLine));
     cv::Mat target(lies ? fromSize.height() : fromSize.width(),
                    lies ? fromSize.width() : fromSize.height(), type, const_cast<uchar*>(to.data),
                    static_cast<size_t>(to.bytesPerLine));
-    cv::rotate(source, target,
-               rotation == 90    ? cv::ROTATE_90_CLOCKWISE
-               : rotation == 180 ? cv::ROTATE_180
-                                 : cv::ROTATE_90_COUNTERCLOCKWISE);
+    if (form.rotation != 0)
+        cv::rotate(source, target,
+                   form.rotation == 90    ? cv::ROTATE_90_CLOCKWISE
+                   : form.rotation == 180 ? cv::ROTATE_180
+                                          : cv::ROTATE_90_COUNTERCLOCKWISE);
+    if (form.isMirrored)
+        cv::flip(form.rotation == 0 ? source : target, target, 1);
 }
 
-Frame turned(const Frame& frame, int rotation)
+Frame turned(const Frame& frame, const PictureForm& form)
 {
-    const QSize size = rotation == 180 ? frame.size : frame.size.transposed();
+    const QSize& size = form.size;
     if (frame.layout == Frame::Layout::bgr) {
         Frame result = bgrOnMemory(size);
-        turnPlane(frame.planes[0], frame.size, result.planes[0], CV_8UC3, rotation);
+        turnPlane(frame.planes[0], frame.size, result.planes[0], CV_8UC3, form);
         return result;
     }
     // Chroma of half the width would become one of half the height.
@@ -181,7 +184,7 @@ Frame turned(const Frame& frame, int rotation)
     Frame result = makeI420(size, frame.matrix, frame.range);
     for (size_t plane = 0; plane < 3; ++plane) {
         const QSize part = plane == 0 ? frame.size : frame.size / 2;
-        turnPlane(planar.planes[plane], part, result.planes[plane], CV_8UC1, rotation);
+        turnPlane(planar.planes[plane], part, result.planes[plane], CV_8UC1, form);
     }
     return result;
 }
@@ -201,7 +204,7 @@ Frame frameOf(const AVFrame& picture, const PictureForm& form)
             frame = *shared;
         else
             frame = convertedToBgr(picture, lying);
-        return form.rotation == 0 ? frame : turned(frame, form.rotation);
+        return form.rotation == 0 && !form.isMirrored ? frame : turned(frame, form);
     } catch (const std::exception&) { // of OpenCV: too little memory
         return {};
     }

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QtEndian>
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -33,6 +34,8 @@ private slots:
     void initTestCase();
     void everyFrameIsTheOneAskedFor_data();
     void everyFrameIsTheOneAskedFor();
+    void aMirroredPictureIsShownMirrored_data();
+    void aMirroredPictureIsShownMirrored();
     void aStreamCutInAGroupBeginsAtAKeyframe_data();
     void aStreamCutInAGroupBeginsAtAKeyframe();
     void timesGoOnWhereAClockBeginsAnew_data();
@@ -250,6 +253,51 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor()
     trustRow(QStringLiteral("Wrong frames, asked forwards, backwards and by time"),
              QString::fromUtf8(QTest::currentDataTag()),
              QStringLiteral("0 of %1").arg(asked + static_cast<int>(order.size())));
+}
+
+void FrameTruthTest::aMirroredPictureIsShownMirrored_data()
+{
+    QTest::addColumn<QList<int>>("matrix"); // where right and down of the picture point to
+    QTest::addColumn<int>("rotation");      // clockwise, before left and right change places
+    QTest::newRow("left and right") << QList<int>{-1, 0, 0, 1} << 0;
+    QTest::newRow("above and below") << QList<int>{1, 0, 0, -1} << 180;
+    QTest::newRow("along the diagonal") << QList<int>{0, 1, 1, 0} << 90;
+    QTest::newRow("across the diagonal") << QList<int>{0, -1, -1, 0} << 270;
+}
+
+// As a camera that looks at its own mirror or hangs below its carrier writes it.
+void FrameTruthTest::aMirroredPictureIsShownMirrored()
+{
+    QFETCH(QList<int>, matrix);
+    QFETCH(int, rotation);
+    for (const QString format : {"yuv420p", "yuv422p10le"}) { // as decoded, and converted
+        const QString name = path("mirrored.mp4");
+        QVERIFY(make(name, {"-frames:v", "20"},
+                     {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", format}));
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray bytes = file.readAll();
+        const int header = bytes.indexOf("tkhd");
+        QVERIFY(header > 0);
+        constexpr int matrixOffset = 44;
+        constexpr int entries[]{0, 1, 3, 4};
+        for (int i = 0; i < 4; ++i)
+            qToBigEndian<qint32>(matrix[i] * 0x10000,
+                                 bytes.data() + header + matrixOffset + entries[i] * 4);
+        QVERIFY(file.seek(0) && file.write(bytes) == bytes.size());
+        file.close();
+
+        const auto source = openVideo(name);
+        QVERIFY(source);
+        QCOMPARE(source->frameCount(), 20);
+        QCOMPARE(source->size(), rotation % 180 ? m_size.transposed() : m_size);
+        for (int i = 0; i < 20; ++i) {
+            cv::Mat picture = readPicture(*source);
+            QVERIFY(!picture.empty());
+            cv::flip(picture, picture, 1);
+            QCOMPARE(readFrameNumber(turnedBack(picture, rotation)), i);
+        }
+    }
 }
 
 void FrameTruthTest::aStreamCutInAGroupBeginsAtAKeyframe_data()
