@@ -307,9 +307,12 @@ bool AvInput::rewind()
     // What Matroska lists are some of the keyframes, and the very first need not be among them.
     if (!m_isMoved && std::strstr(m_context->iformat->name, "matroska"))
         return true;
+    constexpr int anyBefore = AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY;
     const AVIndexEntry* first = avformat_index_get_entry(video(), 0);
-    if (first && av_seek_frame(m_context, m_videoStream, first->timestamp,
-                               AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY) >= 0)
+    // Where the second part of a cut video begins with earlier times, a search finds that one.
+    if (first && av_index_search_timestamp(video(), first->timestamp, anyBefore) > 0)
+        return !m_isMoved;
+    if (first && av_seek_frame(m_context, m_videoStream, first->timestamp, anyBefore) >= 0)
         return true;
     const int64_t lowest = std::numeric_limits<int64_t>::min();
     const int64_t highest = std::numeric_limits<int64_t>::max();

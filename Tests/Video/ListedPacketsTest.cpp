@@ -248,6 +248,11 @@ void ListedPacketsTest::nothingIsLostAtTheSeamOfTwoParts_data()
     QTest::newRow("hevc, the same group again") << hevc + open << 5 << 20;
     QTest::newRow("hevc, the later part first") << hevc + open << 53 << 5;
     QTest::newRow("h264, the later part first") << h264 << 53 << 5;
+    QTest::newRow("h264, one group") << h264 + QStringList{"-g", "250"} << 5 << 55;
+    QTest::newRow("h264, one group from its beginning")
+        << h264 + QStringList{"-g", "250"} << 0 << 60;
+    QTest::newRow("mpeg-4, one group")
+        << QStringList{"-c:v", "mpeg4", "-q:v", "3", "-g", "250"} << 0 << 60;
 }
 
 // Both parts are cut out of the middle of groups of pictures.
