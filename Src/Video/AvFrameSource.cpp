@@ -375,11 +375,13 @@ ReadOutcome AvFrameSource::decodeFrom(int start, int wanted)
 }
 
 // Shortly behind a keyframe that others reach across, a decoder that is at the end keeps pictures
-// that it has decoded. One that begins earlier gives them.
+// that it has decoded; and where keyframes are spread over many frames, these can be more than up
+// to the next one. A decoder that begins earlier gives them.
 bool AvFrameSource::isLeftInside(Step step, int wanted) const
 {
     const bool isMissing = step == Step::end || (step == Step::picture && m_waitingFrame > wanted);
-    return isMissing && (m_isDrained || m_seam >= 0) && m_start > 0 && m_damage.isEmpty();
+    return isMissing && (m_isDrained || m_seam >= 0 || m_isKeySpread) && m_start > 0 &&
+           m_damage.isEmpty();
 }
 
 // Where keyframes are spread over many frames, whole pictures come only some frames behind the

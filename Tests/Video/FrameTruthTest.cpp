@@ -94,6 +94,8 @@ void FrameTruthTest::everyFrameIsTheOneAskedFor_data()
         h264 + QStringList{"-x264-params", "open-gop=1:keyint=20"});
     row("keyframes spread over many", "a.mp4", {},
         h264 + QStringList{"-x264-params", "intra-refresh=1:keyint=20:bframes=0"});
+    row("keyframes spread over more than a group", "a.mp4", {},
+        h264 + QStringList{"-x264-params", "intra-refresh=1:keyint=12:bframes=2"});
     row("hevc", "a.mp4", {}, hevc + QStringList{"-x265-params", "log-level=none:keyint=24"});
     row("hevc, open groups", "a.mp4", {},
         hevc + QStringList{"-x265-params", "log-level=none:keyint=24:open-gop=1:bframes=4"});
