@@ -71,7 +71,8 @@ def open_from_card(subject, main, card):
     wait_for("the flight", lambda: flights.childCount == 1)
     flight = flights[0]
     expect(flight.name == "CORV0001 : FLIGHT01", "the flight is called " + flight.name)
-    expect(flight.description.startswith("Time and length agree"),
+    columns, evidence = flight.description.split("\n")[:2]
+    expect("mission: " in columns and evidence == "Time and length agree",
            "the flight is described as " + flight.description)
     act(flight)
     wait_for("it to be selected", lambda: has_state(flight, pyatspi.STATE_SELECTED))
