@@ -30,7 +30,7 @@ constexpr int hopelessErrors = 500;
 
 // The tables before the first packet of a stream are a few blocks; the head of a block of a
 // transport stream has its counter.
-constexpr qint64 mostTableBytes = 64 * 1024;
+constexpr qint64 mostTableBytes = qint64{64} * 1024;
 constexpr qint64 blockHeadBytes = 4;
 
 int openNothing(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**)
