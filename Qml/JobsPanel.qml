@@ -4,20 +4,38 @@ import "."
 import "Controls"
 
 // The jobs of this run: what runs with its progress, what has ended with its result. The newest is
-// the lowest.
+// the lowest. Escape closes it.
 Rectangle {
     id: jobsPanel
 
     // A list with the roles job, title, done, total, progressText and resultText.
     property var jobs: null
+    // The highest that there is room for.
+    property real room: 300
+    // Another part of the window has a use of its own for Escape.
+    property bool escapeIsTaken: false
     signal closed()
     signal openFolderClicked(string folder)
 
     width: 380
-    height: Math.min(300, head.height + Math.max(60, list.contentHeight) + 8)
+    height: Math.min(room, 300, head.height + Math.max(60, list.contentHeight) + 8)
     color: Theme.panel
     border.width: 1
     border.color: Theme.menuBorder
+
+    OnceShortcut {
+        sequence: "Esc"
+        enabled: jobsPanel.visible && !jobsPanel.escapeIsTaken
+        onPressed: jobsPanel.closed()
+    }
+
+    // Clicks beside the buttons and the wheel are not meant for the picture below.
+    MouseArea {
+        anchors.fill: parent
+        hoverEnabled: true
+        acceptedButtons: Qt.AllButtons
+        onWheel: wheel.accepted = true
+    }
 
     Rectangle {
         id: head

@@ -177,7 +177,7 @@ ReviewWindow {
         window: mainWindow
         controls: controlsTab
         videoOpen: videoPlayer.hasVideoOpened
-        escapeIsTaken: timelineContent.movePOIMode
+        escapeIsTaken: timelineContent.movePOIMode || jobsPanel.visible
     }
 
     MenuReader { menuBar: mainWindow.menuBar }
@@ -360,12 +360,19 @@ ReviewWindow {
     JobsPanel {
         id: jobsPanel
         objectName: "jobsPanel"
+        // In the corner of the picture: it covers no tool, no flag and no value beside the picture.
         z: 3
-        anchors.right: parent.right
-        anchors.bottom: infoTab.top
-        visible: false
+        x: videoRect.x + videoRect.width - width
+        y: controlsTab.y - height
+        room: controlsTab.y
+        property bool open: false
+        visible: open && pictureAlone.controlsShown
+        escapeIsTaken: timelineContent.movePOIMode || poiPanel.filtering
         jobs: review.jobs
-        onClosed: visible = false
+        onClosed: {
+            open = false;
+            mainWindow.refocusMainActions();
+        }
         onOpenFolderClicked: mainWindow.openFolder(folder)
     }
 
@@ -375,7 +382,7 @@ ReviewWindow {
         visible: pictureAlone.controlsShown
         jobs: review.jobs
         jobsShown: jobsPanel.visible
-        onJobsClicked: jobsPanel.visible = !jobsPanel.visible
+        onJobsClicked: jobsPanel.open = !jobsPanel.open
         objectName: "infoTab"
         player: videoPlayer
         anchors.left: parent.left
@@ -470,7 +477,7 @@ ReviewWindow {
         timeline: timelineContent
         verbs: mainWindow
         hasFocusItem: mainWindow.activeFocusItem !== null
-        escapeIsTaken: poiPanel.filtering
+        escapeIsTaken: poiPanel.filtering || jobsPanel.visible
         poiListShown: panelSettings.poiListShown
         onPoiListToggled: panelSettings.poiListShown = shown
         sidebarShown: panelSettings.sidebarShown

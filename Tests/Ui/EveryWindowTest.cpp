@@ -303,9 +303,9 @@ void EveryWindowTest::lookAtPanels(const Names& names)
     lookAt("curves alone");
     m_ui->evaluate("curvesPanel.choosing = true");
     m_ui->evaluate("panelSettings.sidebarShown = false; curvesPanel.open = false");
-    m_ui->evaluate("jobsPanel.visible = true");
+    m_ui->evaluate("jobsPanel.open = true");
     lookAt("jobs, sidebar folded");
-    m_ui->evaluate("jobsPanel.visible = false; panelSettings.sidebarShown = true;"
+    m_ui->evaluate("jobsPanel.open = false; panelSettings.sidebarShown = true;"
                    "panelSettings.poiListShown = false");
     QVERIFY(m_ui->showAdjustments());
     lookAt("adjustments");
@@ -467,9 +467,9 @@ void EveryWindowTest::lookAtNotices(const Names& names)
     m_ui->evaluate("videoPlayer.saveFrame(videoPlayer.timePosition, '" + m_video + "', true)");
     m_ui->evaluate("fileDialogs.imageRefused('" + m_video + "')");
     QTRY_COMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs: failed"));
-    m_ui->evaluate("jobsPanel.visible = true");
+    m_ui->evaluate("jobsPanel.open = true");
     lookAt("a failed job");
-    m_ui->evaluate("jobsPanel.visible = false");
+    m_ui->evaluate("jobsPanel.open = false");
 }
 
 void EveryWindowTest::lookAtMissingFiles()

@@ -46,6 +46,8 @@ class JobsTest : public ReviewSuite
 
 private slots:
     void aFinishedSeriesOpensItsFolder();
+    void aLongListLeavesTheToolsFree();
+    void aClickOnTheListIsNotMeantForThePicture();
     void aFailedJobIsHighlighted();
     void aLaterSuccessEndsTheHighlight();
     void aPictureOverAFileOfTheFlightIsAFailedJob();
@@ -101,6 +103,49 @@ void JobsTest::aFinishedSeriesOpensItsFolder()
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
+void JobsTest::aLongListLeavesTheToolsFree()
+{
+    openFlight();
+    for (int i = 0; i < 9; ++i) {
+        startSeries(100);
+        QTRY_COMPARE(writing(), 0);
+    }
+    QVERIFY(m_ui->click("jobsButton"));
+    const QQuickItem* const panel = m_ui->item("jobsPanel");
+    QTRY_VERIFY(panel->isVisible());
+    QTRY_COMPARE(panel->height(), 300.0);
+    const auto placeOf = [](const QQuickItem* item) {
+        return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+    };
+    for (const char* tool : {"hUDRectangle", "controlsTab", "timelineTab", "infoTab"})
+        QVERIFY2(!placeOf(panel).intersects(placeOf(m_ui->item(tool))), tool);
+    QVERIFY(placeOf(m_ui->item("videoRect")).contains(placeOf(panel)));
+    m_ui->screenshot("jobs-many");
+    // In a moving of a point of interest Escape ends that first.
+    QVERIFY(m_ui->selectPoiAt(2000));
+    key(Qt::Key_M);
+    QTRY_VERIFY(m_ui->get("timelineContent", "movePOIMode").toBool());
+    key(Qt::Key_Escape);
+    QTRY_VERIFY(!m_ui->get("timelineContent", "movePOIMode").toBool());
+    QVERIFY(panel->isVisible());
+    key(Qt::Key_Escape);
+    QTRY_VERIFY(!panel->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void JobsTest::aClickOnTheListIsNotMeantForThePicture()
+{
+    openFlight();
+    QVERIFY(m_ui->click("jobsButton"));
+    QTRY_VERIFY(m_ui->item("jobsPanel")->isVisible());
+    UiFixture::click(m_ui->item("jobsPanel"));
+    QVERIFY(!m_ui->get("videoPlayer", "playing").toBool());
+    UiFixture::wheel(m_ui->item("jobsPanel"), 120);
+    QCOMPARE(m_ui->get("videoRect", "zoom").toDouble(), 1.0);
+    QVERIFY(m_ui->click("closeJobsButton"));
+    QTRY_VERIFY(!m_ui->item("jobsPanel")->isVisible());
+}
+
 void JobsTest::aFailedJobIsHighlighted()
 {
     openFlight();
@@ -114,7 +159,7 @@ void JobsTest::aFailedJobIsHighlighted()
     QTRY_COMPARE(writing(), 0);
     // After the notice in passing, too.
     QCOMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs: failed"));
-    m_ui->evaluate("jobsPanel.visible = true");
+    m_ui->evaluate("jobsPanel.open = true");
     QTRY_COMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs"));
     QTRY_VERIFY(m_ui->item("jobResult1"));
     const auto colourOf = [this](const char* result) {
@@ -154,7 +199,7 @@ void JobsTest::aPictureOverAFileOfTheFlightIsAFailedJob()
     QTRY_VERIFY(UiFixture::fileDialog());
     QVERIFY(acceptReplacing(video));
     QTRY_COMPARE(m_ui->get("jobsButton", "text").toString(), QString("Jobs: failed"));
-    m_ui->evaluate("jobsPanel.visible = true");
+    m_ui->evaluate("jobsPanel.open = true");
     QTRY_VERIFY(m_ui->item("jobResult0"));
     const QString sentence = video + " is a file of the flight itself. Choose another name.";
     QCOMPARE(m_ui->get("jobResult0", "text").toString(), sentence);
