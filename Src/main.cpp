@@ -15,6 +15,7 @@
 #include "Shell/copiedDrops.h"
 #include "Shell/crashReport.h"
 #include "Shell/settingsFormat.h"
+#include "Shell/writableFields.h"
 #include "Threads/pool.h"
 #include "Threads/poolEnd.h"
 #include "Update/UpdateManager.h"
@@ -201,6 +202,7 @@ int main(int argc, char** argv)
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);
     corv::takeDropsAsCopies(application);
+    corv::letReadersWriteIntoFields();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));
 
     QQmlApplicationEngine engine;

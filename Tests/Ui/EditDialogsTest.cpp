@@ -1,5 +1,6 @@
 #include "DialogSuite.h"
 
+#include <QAccessible>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTime>
@@ -16,6 +17,12 @@ const QList<WindowLook> windows{
     {"flight", "FlightPropertiesEdit.qml", "Edit flight properties", QSize(400, 200),
      QSize(400, 200), "#494949", Qt::WindowModal, true},
 };
+
+QAccessibleEditableTextInterface* readerOf(QObject* field)
+{
+    QAccessibleInterface* const reader = QAccessible::queryAccessibleInterface(field);
+    return reader ? reader->editableTextInterface() : nullptr;
+}
 
 } // namespace
 
@@ -38,6 +45,7 @@ private slots:
 
     void poiIsEdited_data();
     void poiIsEdited();
+    void aReaderWritesIntoTheFields();
     void poiNeedsAName();
     void cancellingAPoiChangesNothing_data();
     void cancellingAPoiChangesNothing();
@@ -47,6 +55,7 @@ private slots:
     void flightFieldsAreFilled();
     void flightNumberFieldRefuses_data();
     void flightNumberFieldRefuses();
+    void aReaderWritesWhatCouldBeTyped();
     void cancellingAFlightChangesNothing_data();
     void cancellingAFlightChangesNothing();
 };
@@ -143,6 +152,41 @@ void EditDialogsTest::poiIsEdited()
     QCOMPARE(m_host->get("poiName").toString(), QString("Blade 2"));
     QCOMPARE(m_host->get("poiDescription").toString(), description);
     QCOMPARE(m_host->get("poiTime").toTime(), time);
+}
+
+void EditDialogsTest::aReaderWritesIntoTheFields()
+{
+    QVERIFY(m_host->make("PoiProperties.qml"));
+    m_host->set("poiName", "POI1");
+    m_host->set("poiDescription", "old");
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    QAccessibleInterface* const described =
+        QAccessible::queryAccessibleInterface(m_host->item("tfName"));
+    QVERIFY(described);
+    QCOMPARE(described->role(), QAccessible::EditableText);
+    QCOMPARE(described->text(QAccessible::Name), QString("Name"));
+    QVERIFY(described->state().focusable);
+    QCOMPARE(described->rect().size(), m_host->item("tfName")->size().toSize());
+    QVERIFY(described->parent()->indexOfChild(described) >= 0);
+    QAccessibleEditableTextInterface* name = readerOf(m_host->item("tfName"));
+    QAccessibleEditableTextInterface* description = readerOf(m_host->item("taDescription"));
+    QVERIFY(name && description);
+    name->replaceText(0, 3, "Blade ");
+    QCOMPARE(described->textInterface()->text(0, 7), QString("Blade 1"));
+    name->insertText(7, "7");
+    name->deleteText(0, 1);
+    for (const auto& [start, end] : {std::pair(-1, 2), std::pair(3, 2), std::pair(0, 99)})
+        name->replaceText(start, end, "nowhere");
+    QCOMPARE(m_host->textOf("tfName"), QString("lade 17"));
+    description->replaceText(0, 3, "two\nlines");
+    QCOMPARE(m_host->textOf("taDescription"), QString("two\nlines"));
+    m_host->item("tfName")->setProperty("readOnly", true);
+    name->insertText(0, "B");
+    QCOMPARE(m_host->textOf("tfName"), QString("lade 17"));
+    accept(true, "btn_save", Qt::ControlModifier);
+    QCOMPARE(m_host->get("poiName").toString(), QString("lade 17"));
+    QCOMPARE(m_host->get("poiDescription").toString(), QString("two\nlines"));
 }
 
 void EditDialogsTest::poiNeedsAName()
@@ -262,6 +306,22 @@ void EditDialogsTest::flightNumberFieldRefuses()
     QVERIFY(m_host->open("FlightPropertiesEdit.qml"));
     m_host->type("tfFlightNumber", typed);
     QTEST(m_host->textOf("tfFlightNumber"), "left");
+}
+
+void EditDialogsTest::aReaderWritesWhatCouldBeTyped()
+{
+    QVERIFY(m_host->make("FlightPropertiesEdit.qml"));
+    m_host->set("flightNumber", 31);
+    QVERIFY(QMetaObject::invokeMethod(m_host->object(), "populate"));
+    QVERIFY(m_host->show());
+    QAccessibleEditableTextInterface* const number = readerOf(m_host->item("tfFlightNumber"));
+    QVERIFY(number);
+    number->insertText(2, "a");
+    QCOMPARE(m_host->textOf("tfFlightNumber"), QString("31"));
+    number->replaceText(0, 2, "");
+    QCOMPARE(m_host->textOf("tfFlightNumber"), QString());
+    number->insertText(0, "47");
+    QCOMPARE(m_host->textOf("tfFlightNumber"), QString("47"));
 }
 
 void EditDialogsTest::cancellingAFlightChangesNothing_data()

@@ -6,6 +6,7 @@
 #include "App/qmlTypes.h"
 #include "Shell/blockedKeys.h"
 #include "Shell/copiedDrops.h"
+#include "Shell/writableFields.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -47,6 +48,7 @@ void UiFixture::prepare()
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
     takeDropsAsCopies(*qApp);
+    letReadersWriteIntoFields();
 }
 
 UiFixture::UiFixture()

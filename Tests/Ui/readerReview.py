@@ -132,7 +132,7 @@ def note(subject, main):
         point for point in points if "New POI" in point.name)))
     press(main, "Edit selected POI")
     editor = subject.wait_for_window("Edit point of interest")
-    type_text(wait_for_item(editor, "Name", pyatspi.ROLE_TEXT), "cracked cell")
+    set_text(wait_for_item(editor, "Name", pyatspi.ROLE_TEXT), "cracked cell")
     type_text(wait_for_item(editor, "Description", pyatspi.ROLE_TEXT), "lower left corner")
     press(editor, "Save")
     subject.wait_until_gone("Edit point of interest")
