@@ -82,7 +82,13 @@ Rectangle {
         clip: true
         model: jobsPanel.jobs
         boundsBehavior: Flickable.StopAtBounds
-        onCountChanged: positionViewAtEnd()
+        // At the newest, whatever is added or grows above it, until it is scrolled.
+        property bool follows: true
+        onMovementEnded: follows = atYEnd
+        onContentHeightChanged: {
+            if (follows)
+                positionViewAtEnd();
+        }
         Accessible.role: Accessible.List
         Accessible.name: "Jobs"
 

@@ -120,6 +120,7 @@ void JobsTest::aLongListLeavesTheToolsFree()
     for (const char* tool : {"hUDRectangle", "controlsTab", "timelineTab", "infoTab"})
         QVERIFY2(!placeOf(panel).intersects(placeOf(m_ui->item(tool))), tool);
     QVERIFY(placeOf(m_ui->item("videoRect")).contains(placeOf(panel)));
+    QTRY_VERIFY(m_ui->get("jobList", "atYEnd").toBool());
     m_ui->screenshot("jobs-many");
     // In a moving of a point of interest Escape ends that first.
     QVERIFY(m_ui->selectPoiAt(2000));
