@@ -467,7 +467,7 @@ Window {
                 font.bold: true
             }
 
-            CorvButton {
+            ImporterButton {
                 id: autodetectButton
                 objectName: "autodetectButton"
                 anchors { right: parent.right; rightMargin: 20; top: parent.top; topMargin: 16 }
@@ -503,7 +503,7 @@ Window {
                     onActivated: autoImporter.handleComboboxOneSelection(index)
                 }
 
-                CorvButton {
+                ImporterButton {
                     objectName: "browseLogsButton"
                     Layout.preferredWidth: 75
                     Layout.preferredHeight: 30
@@ -528,7 +528,7 @@ Window {
                     onActivated: autoImporter.handleComboboxTwoSelection(index)
                 }
 
-                CorvButton {
+                ImporterButton {
                     objectName: "browseVideosButton"
                     Layout.preferredWidth: 75
                     Layout.preferredHeight: 30
@@ -549,7 +549,7 @@ Window {
             text: "Fast search (ignores metadata)"
         }
 
-        CorvButton {
+        ImporterButton {
             id: parseButton
             objectName: "parseButton"
             anchors {
@@ -557,7 +557,6 @@ Window {
                 top: chooserContainer.bottom; topMargin: 10
             }
             width: 120
-            height: 30
             enabled: !autoImporter.isBusy
             text: "Search flights"
             onClicked: autoImporter.parseChosenDirs()
@@ -587,17 +586,16 @@ Window {
             onAborted: autoImporter.abortRunningProcess()
         }
 
-        CorvButton {
+        ImporterButton {
             id: cancelButton
             objectName: "cancelButton"
             anchors { right: okButton.left; rightMargin: 10; verticalCenter: okButton.verticalCenter }
             width: 120
-            height: 30
             text: "Cancel"
             onClicked: autoImporter.cancelAndClose()
         }
 
-        CorvButton {
+        ImporterButton {
             id: okButton
             objectName: "okButton"
             anchors {
@@ -605,7 +603,6 @@ Window {
                 bottom: parent.bottom; bottomMargin: 16 + autoImporter.hiddenHeight
             }
             width: 130
-            height: 30
             text: "Load selected"
             onClicked: autoImporter.loadAndClose()
         }

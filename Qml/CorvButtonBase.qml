@@ -1,8 +1,8 @@
 import QtQuick 2.15
 
 // What all buttons share: pointer, keyboard, focus frame, tool tip and the name for a screen
-// reader. Space activates the button that has the keyboard; Return and Escape are left to the
-// window. A click leaves the keyboard where it is.
+// reader. Space activates the button that has the keyboard; Escape is left to the window, and so is
+// Return unless the window has no use for it. A click leaves the keyboard where it is.
 Rectangle {
     id: corvButtonBase
 
@@ -14,9 +14,16 @@ Rectangle {
     property string disabledReason: ""
     // For a screen reader; the tool tip if it is empty.
     property string name: ""
+    property bool isPressedByReturn: false
     readonly property alias hovered: buttonMouseArea.containsMouse
     readonly property alias pressed: buttonMouseArea.pressed
     signal clicked()
+
+    function pressByReturn(event) {
+        event.accepted = isPressedByReturn;
+        if (isPressedByReturn && !event.isAutoRepeat)
+            clicked();
+    }
 
     activeFocusOnTab: enabled
 
@@ -38,6 +45,8 @@ Rectangle {
         if (!event.isAutoRepeat)
             clicked();
     }
+    Keys.onReturnPressed: pressByReturn(event)
+    Keys.onEnterPressed: pressByReturn(event)
 
     Item {
         id: contents

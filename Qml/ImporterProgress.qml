@@ -28,7 +28,7 @@ Column {
         Accessible.name: txtMatchingBusyIndicator.text
     }
 
-    CorvButton {
+    ImporterButton {
         id: abortProcessingButton
         objectName: "abortProcessingButton"
         anchors.horizontalCenter: parent.horizontalCenter

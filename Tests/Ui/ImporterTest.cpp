@@ -24,6 +24,7 @@ private slots:
     void loadingWithoutAClickTakesTheFirstRow();
     void loadsAFlightWithoutALog();
     void theKeyboardChoosesAndLoads();
+    void returnPressesTheButtonWithTheKeyboard();
     void theKeyboardStaysWhereItWasMovedTo_data();
     void theKeyboardStaysWhereItWasMovedTo();
     void aDoubleClickLoads();
@@ -252,6 +253,22 @@ void ImporterTest::theKeyboardChoosesAndLoads()
     QTRY_VERIFY(!m_importer->isVisible());
     QCOMPARE(m_importer->property("chosenVideoFile").toUrl(),
              QUrl::fromLocalFile(card + "/DCIM/100HDDVR/evening.mp4"));
+}
+
+void ImporterTest::returnPressesTheButtonWithTheKeyboard()
+{
+    openWithACard();
+    search();
+    item("cancelButton")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyClick(m_importer, Qt::Key_Return);
+    QTRY_VERIFY(!m_importer->isVisible());
+    QVERIFY(!m_importer->property("ok").toBool());
+    openImporter();
+    search();
+    item("okButton")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyClick(m_importer, Qt::Key_Enter, Qt::KeypadModifier);
+    QTRY_VERIFY(!m_importer->isVisible());
+    QVERIFY(m_importer->property("ok").toBool());
 }
 
 void ImporterTest::theKeyboardStaysWhereItWasMovedTo_data()
