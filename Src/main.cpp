@@ -1,5 +1,6 @@
 #include "App/closedWindows.h"
 #include "App/fileDialogs.h"
+#include "App/hiddenFocus.h"
 #include "App/logCategory.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
@@ -201,6 +202,7 @@ int main(int argc, char** argv)
     corv::freeClosedWindows(application);
     corv::dressDialogs(application);
     corv::dropKeysOfBlockedWindows(application);
+    corv::keepKeysOffHiddenItems(application);
     corv::takeDropsAsCopies(application);
     corv::letReadersWriteIntoFields();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));

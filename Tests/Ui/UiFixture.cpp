@@ -2,6 +2,7 @@
 
 #include "App/closedWindows.h"
 #include "App/fileDialogs.h"
+#include "App/hiddenFocus.h"
 #include "App/look.h"
 #include "App/qmlTypes.h"
 #include "Shell/blockedKeys.h"
@@ -47,6 +48,7 @@ void UiFixture::prepare()
     freeClosedWindows(*qGuiApp);
     dressDialogs(*qApp);
     dropKeysOfBlockedWindows(*qApp);
+    keepKeysOffHiddenItems(*qApp);
     takeDropsAsCopies(*qApp);
     letReadersWriteIntoFields();
 }
