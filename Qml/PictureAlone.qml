@@ -3,21 +3,25 @@ import QtQuick.Window 2.2
 import Pointer 1.0
 
 // The picture alone on the full screen. What is around it is hidden by the window that shows this;
-// the controls come with the pointer and go once it rests, but for a pointer that is over them.
+// the controls come with the pointer and go once it rests, but for a pointer that is over them. They
+// come with Tab, too, and stay until the keys are back with the video.
 Item {
     id: pictureAlone
 
     property Window window: null
     // The topmost of the controls: from there on down the pointer is over them.
     property Item controls: null
+    // What has the keys while no control has them.
+    property Item keyboardPlace: null
     property bool videoOpen: false
     // Escape has another use while a point of interest is being moved.
     property bool escapeIsTaken: false
     readonly property bool on: wanted && videoOpen
-    readonly property bool controlsShown: !on || !pointer.resting || overControls
+    readonly property bool controlsShown: !on || !pointer.resting || overControls || tabbed
     property alias restMs: pointer.restMs
 
     property bool wanted: false
+    property bool tabbed: false
     property int visibilityBefore: Window.Windowed
     // Without a menu bar, places in the window are places in its contents.
     readonly property bool overControls: controls !== null && pointer.position.y >= controls.y
@@ -31,6 +35,7 @@ Item {
 
     function enter() {
         visibilityBefore = window.visibility;
+        tabbed = false;
         wanted = true;
         window.visibility = Window.FullScreen;
     }
@@ -47,10 +52,27 @@ Item {
             leave();
     }
 
+    // A hidden control must not have the keys: Space would press it, and the search for the control
+    // that Tab goes to would not end.
+    onControlsShownChanged: {
+        if (!controlsShown)
+            keyboardPlace.forceActiveFocus();
+    }
+
+    Connections {
+        target: pictureAlone.keyboardPlace
+
+        function onActiveFocusChanged() {
+            if (pictureAlone.keyboardPlace.activeFocus)
+                pictureAlone.tabbed = false;
+        }
+    }
+
     PointerRest {
         id: pointer
         window: pictureAlone.window
         watching: pictureAlone.on
+        onTabPressed: pictureAlone.tabbed = true
     }
 
     // The desktop may end the full screen, too.

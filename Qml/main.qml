@@ -176,6 +176,7 @@ ReviewWindow {
         objectName: "pictureAlone"
         window: mainWindow
         controls: controlsTab
+        keyboardPlace: videoTab
         videoOpen: videoPlayer.hasVideoOpened
         escapeIsTaken: timelineContent.movePOIMode || jobsPanel.visible
     }

@@ -1,10 +1,19 @@
 #include "Shell/PointerRest.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 
 namespace {
 
 constexpr int usualRestMs = 2500;
+
+bool isTab(const QEvent& event)
+{
+    if (event.type() != QEvent::KeyPress)
+        return false;
+    const int key = static_cast<const QKeyEvent&>(event).key();
+    return key == Qt::Key_Tab || key == Qt::Key_Backtab;
+}
 
 } // namespace
 
@@ -62,6 +71,8 @@ bool PointerRest::eventFilter(QObject* watched, QEvent* event)
         }
     } else if (m_isWatching && event->type() == QEvent::Wheel) {
         moved();
+    } else if (m_isWatching && isTab(*event)) {
+        emit tabPressed();
     }
     return QObject::eventFilter(watched, event);
 }

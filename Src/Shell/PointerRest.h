@@ -6,8 +6,9 @@
 #include <QTimer>
 #include <QWindow>
 
-/// An interface type that says whether the pointer has been still over a window for a while. It
-/// consumes nothing. Interface thread.
+/// An interface type that says whether the pointer has been still over a window for a while, and
+/// that the keys are about to be taken from one control to another. It consumes nothing. Interface
+/// thread.
 class PointerRest : public QObject
 {
     Q_OBJECT
@@ -45,6 +46,7 @@ signals:
     void restMsChanged();
     void restingChanged();
     void positionChanged();
+    void tabPressed();
 
 private:
     void moved();

@@ -15,6 +15,8 @@ private slots:
     void controlsComeWithThePointerAndGo();
     void controlsStayUnderThePointer();
     void keysAndZoomWork();
+    void tabBringsTheControls();
+    void keysLeaveTheControlsAsTheyGo();
     void escapeFirstEndsTheMoveOfAPoint();
     void closingTheFlightLeavesIt();
     void theDesktopMayEndIt();
@@ -23,6 +25,7 @@ private:
     void enter();
     void move(int x, int y) { QTest::mouseMove(m_ui->window(), QPoint(x, y)); }
     bool isOn() const { return m_ui->evaluate("pictureAlone.on").toBool(); }
+    bool keysAreWithTheVideo() const { return m_ui->item("videoTab")->hasActiveFocus(); }
     bool hasControls() const { return m_ui->item("controlsTab")->isVisible(); }
 };
 
@@ -107,6 +110,39 @@ void PictureAloneTest::keysAndZoomWork()
     UiFixture::click(m_ui->item("videoMouseArea"));
     QTRY_VERIFY(player("playing").toBool());
     QVERIFY(isOn());
+}
+
+void PictureAloneTest::tabBringsTheControls()
+{
+    enter();
+    QTRY_VERIFY(!hasControls());
+    key(Qt::Key_Tab);
+    QVERIFY(hasControls());
+    QVERIFY(!keysAreWithTheVideo());
+    // They stay while one of them has the keys, also those of a slow hand.
+    QTest::qWait(600);
+    QVERIFY(hasControls());
+    key(Qt::Key_Tab);
+    QVERIFY(!keysAreWithTheVideo());
+    UiFixture::click(m_ui->item("videoMouseArea"));
+    QVERIFY(keysAreWithTheVideo());
+    QTRY_VERIFY(!hasControls());
+}
+
+void PictureAloneTest::keysLeaveTheControlsAsTheyGo()
+{
+    enter();
+    move(300, 300);
+    QTRY_VERIFY(hasControls());
+    m_ui->item("endButton")->forceActiveFocus();
+    QVERIFY(!keysAreWithTheVideo());
+    QTRY_VERIFY(!hasControls());
+    QVERIFY(keysAreWithTheVideo());
+    key(Qt::Key_Space);
+    QTRY_VERIFY(player("playing").toBool());
+    // With the keys in a control that is hidden, the search for the next one would not end.
+    key(Qt::Key_Tab);
+    QVERIFY(hasControls());
 }
 
 void PictureAloneTest::escapeFirstEndsTheMoveOfAPoint()
