@@ -1,14 +1,20 @@
 import QtQuick 2.7
 import QtQuick.Controls 2.2 as C2
+import QtQuick.Window 2.2
 import corv.OpenedWindows 1.0
 import "."
 
 C2.ToolTip {
     id: corvToolTip
 
+    // Wider than that a text is hard to read; wider than the window it would be cut.
+    readonly property real mostWidth: Math.min(
+            600, parent !== null && parent.Window.width > 0 ? parent.Window.width - 2 * margins : 600)
+
     delay: 1000
     timeout: 5000
     padding: 5
+    width: Math.min(implicitWidth, mostWidth)
     // Or it would take Escape away from the window.
     closePolicy: C2.Popup.NoAutoClose
 
@@ -24,6 +30,9 @@ C2.ToolTip {
     contentItem: Text {
         text: corvToolTip.text
         color: Theme.toolTipText
+        // Names are in these texts, and a name may look like markup.
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
     }
     background: Rectangle {
         color: Theme.toolTip

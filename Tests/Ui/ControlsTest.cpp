@@ -38,6 +38,7 @@ private slots:
     void theSetterKeepsItsThreeViewsInStep();
     void theSetterStopsAtItsLimits();
     void numbersAreWrittenAlikeOnEveryMachine_data();
+    void theToolTipShowsNamesAsTheyAreInsideTheWindow();
     void numbersAreWrittenAlikeOnEveryMachine();
     void otherKeyboardsTypeTheSameNumbers_data();
     void otherKeyboardsTypeTheSameNumbers();
@@ -455,6 +456,26 @@ void ControlsTest::theSetterStopsAtItsLimits()
     QCOMPARE(m_ui->get("horizontalSlider", "value"), m_ui->get("horizontalSlider", "maximumValue"));
     m_ui->find("valueBox")->setProperty("value", 9000);
     QCOMPARE(m_ui->get("setter", "value").toDouble(), 5000.0);
+}
+
+void ControlsTest::theToolTipShowsNamesAsTheyAreInsideTheWindow()
+{
+    open(allButtons);
+    QQuickItem* button = m_ui->item("tool");
+    button->setProperty("tooltiptext",
+                        "<b>Tower</b> " + QString("with a name longer than a line ").repeated(6));
+    UiFixture::hover(button);
+    QTRY_VERIFY(m_ui->find("toolTip") && m_ui->get("toolTip", "visible").toBool());
+    auto* text = m_ui->get("toolTip", "contentItem").value<QQuickItem*>();
+    QVERIFY(text);
+    QCOMPARE(text->property("textFormat").toInt(), int(Qt::PlainText));
+    const auto isInside = [&] {
+        const QRectF place(0, 0, text->property("contentWidth").toDouble(),
+                           text->property("contentHeight").toDouble());
+        return QRectF(QPointF(), m_ui->window()->size()).contains(text->mapRectToScene(place));
+    };
+    QTRY_VERIFY(isInside());
+    QVERIFY(text->property("lineCount").toInt() > 1);
 }
 
 void ControlsTest::numbersAreWrittenAlikeOnEveryMachine_data()
