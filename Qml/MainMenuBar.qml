@@ -25,6 +25,11 @@ MenuBar {
 
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
 
+    // The name of a file as the text of an entry, where "&" marks a letter and "<" begins markup.
+    function entryOf(name) {
+        return name.replace(/[&<]/g, function(sign) { return sign === "&" ? "&&amp;" : "&&lt;"; });
+    }
+
     objectName: "mainMenuBar"
     shown: !pictureAlone
 
@@ -77,7 +82,7 @@ MenuBar {
                 onObjectRemoved: recentMenu.removeItem(object)
 
                 MenuItem {
-                    text: modelData.name
+                    text: menuBar.entryOf(modelData.name)
                     enabled: modelData.exists
                     onTriggered: menuBar.verbs.openRecentProject(modelData.path)
                 }

@@ -12,6 +12,8 @@
 #include <QJsonObject>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTextDocumentFragment>
+#include <functional>
 
 using namespace corv::test;
 
@@ -41,6 +43,7 @@ private slots:
     void keysDoNotPassThroughADialog();
     void aFlightWithoutANumberShowsNone();
     void unsavedWorkIsOfferedAtTheNextStart();
+    void recentProjectsAreInTheMenuUnderTheirNames();
     void recentProjectsAreOnTheStartPage();
     void aProjectGoneMeanwhileIsGreyedOnTheStartPage();
     void missingMediaAreLookedForWhereThePilotSays();
@@ -400,6 +403,54 @@ void KeptWorkTest::unsavedWorkIsOfferedAtTheNextStart()
     QVERIFY(m_ui->click("restoreRecoveryButton"));
     QTRY_COMPARE(m_ui->poiNames(), QStringList("New POI"));
     QTRY_VERIFY(!m_ui->item("recoveryBar")->isVisible());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void KeptWorkTest::recentProjectsAreInTheMenuUnderTheirNames()
+{
+    const QString name = "R&D <b>site & <12>";
+    QSettings().setValue("recentProjects/paths", QStringList{"/nowhere/" + name + ".ecor"});
+    QVERIFY(m_ui->reload());
+    const auto newest = [this]() -> QQuickWindow* {
+        QQuickWindow* popup = nullptr;
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            auto* quick = qobject_cast<QQuickWindow*>(window);
+            if (quick && quick->isVisible() && quick != m_ui->window())
+                popup = quick;
+        }
+        return popup;
+    };
+    QTest::keyPress(m_ui->window(), Qt::Key_Alt, Qt::AltModifier);
+    QTest::keyPress(m_ui->window(), Qt::Key_F, Qt::AltModifier);
+    QTRY_VERIFY(newest());
+    QVERIFY(QTest::qWaitForWindowExposed(newest()));
+    QTest::keyPress(newest(), Qt::Key_R);
+    // As it is painted: the texts of menus are markup.
+    const std::function<QString(QQuickItem*)> markupIn = [&](QQuickItem* item) {
+        QString markup = item->property("text").toString();
+        if (item->inherits("QQuickText") && markup.contains("site"))
+            return markup;
+        for (QQuickItem* child : item->childItems()) {
+            markup = markupIn(child);
+            if (!markup.isEmpty())
+                return markup;
+        }
+        return QString();
+    };
+    const auto shownName = [&] {
+        QString markup;
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            auto* popup = qobject_cast<QQuickWindow*>(window);
+            if (popup && popup->isVisible() && popup != m_ui->window())
+                markup += markupIn(popup->contentItem());
+        }
+        return QTextDocumentFragment::fromHtml(markup).toPlainText();
+    };
+    QTRY_COMPARE(shownName(), name);
+    while (newest()) {
+        QTest::keyPress(newest(), Qt::Key_Escape);
+        QTest::qWait(50);
+    }
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
