@@ -26,6 +26,9 @@ CorvButtonBase {
         id: label
         anchors.centerIn: parent
         width: Math.min(implicitWidth, parent.width - 12)
+        // A high button has room for more lines.
+        maximumLineCount: Math.max(1, Math.floor(parent.height / 16))
+        wrapMode: maximumLineCount > 1 ? Text.WordWrap : Text.NoWrap
         elide: Text.ElideRight
         horizontalAlignment: Text.AlignHCenter
         textFormat: Text.PlainText

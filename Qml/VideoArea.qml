@@ -107,7 +107,7 @@ Rectangle {
         width: Math.min(420, parent.width - 16)
         mostHeight: parent.height - welcome.y - welcome.height - 16
         visible: welcome.visible && projects.length > 0
-                 && parent.height >= welcome.height + oneRowHeight + 24
+                 && parent.height - videoArea.coveredHeight >= welcome.height + oneRowHeight + 24
         projects: videoArea.recentProjects
         pictures: videoArea.projectPictures
         onChosen: videoArea.recentProjectChosen(path)
@@ -117,11 +117,16 @@ Rectangle {
         id: welcome
         objectName: "welcomeMessage"
         anchors.centerIn: parent
-        // Higher where the list below would have no room.
+        coveredHeight: Math.max(0, videoArea.coveredHeight - y)
+        // In the middle of what the bars leave, higher where the list below would have no room. With
+        // too little for all of it, its logo is behind the bars, and its buttons can be seen.
         anchors.verticalCenterOffset: {
-            var free = (parent.height - height) / 2;
+            var covered = videoArea.coveredHeight;
+            var free = (parent.height - covered - height) / 2;
+            if (free < 0)
+                return (parent.height - height) / 2;
             var wanted = recentList.visible ? recentList.leastHeight + 16 : 0;
-            return -Math.max(0, Math.min(free - 8, wanted - free));
+            return covered / 2 - Math.max(0, Math.min(free - 8, wanted - free));
         }
         // This place is narrower than the panel in the narrowest window.
         width: Math.min(560, parent.width - 8)

@@ -9,6 +9,9 @@ Rectangle {
     signal openSingleClicked()
     signal browseRemovableDevicesClicked()
 
+    // What lies over the upper edge takes this much of it.
+    property real coveredHeight: 0
+
     width: 560
     height: 260
     color: Theme.clear
@@ -16,6 +19,7 @@ Rectangle {
     Image {
         id: logo
         anchors { top: parent.top; horizontalCenter: parent.horizontalCenter }
+        visible: welcome_notice.coveredHeight <= 0
         source: Theme.light ? "images/vistitle_light.png" : "images/vistitle.png"
         Accessible.ignored: true
     }
@@ -24,6 +28,7 @@ Rectangle {
         id: title
         objectName: "quickStartTitle"
         anchors { top: logo.bottom; topMargin: 14; horizontalCenter: parent.horizontalCenter }
+        visible: y >= welcome_notice.coveredHeight
         text: "QUICK START MENU"
         color: Theme.welcomeTitle
     }

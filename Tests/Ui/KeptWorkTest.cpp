@@ -44,6 +44,8 @@ private slots:
     void aFlightWithoutANumberShowsNone();
     void unsavedWorkIsOfferedAtTheNextStart();
     void recentProjectsAreInTheMenuUnderTheirNames();
+    void theButtonsOfTheStartPageAreBelowTheBars();
+    void theNamesOnTheStartPageHaveRoomBetweenBothPanels();
     void recentProjectsAreOnTheStartPage();
     void aProjectGoneMeanwhileIsGreyedOnTheStartPage();
     void missingMediaAreLookedForWhereThePilotSays();
@@ -450,6 +452,41 @@ void KeptWorkTest::recentProjectsAreInTheMenuUnderTheirNames()
     while (newest()) {
         QTest::keyPress(newest(), Qt::Key_Escape);
         QTest::qWait(50);
+    }
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void KeptWorkTest::theButtonsOfTheStartPageAreBelowTheBars()
+{
+    m_ui->window()->resize(m_ui->window()->minimumSize());
+    m_ui->root()->setProperty("crashNotice",
+                              QString("Vistrel stopped unexpectedly. ").repeated(16));
+    m_ui->evaluate("unfinishedBar.text = 'Not finished: ' + 'Save pictures; '.repeat(32)");
+    QQuickItem* const bar = m_ui->item("unfinishedBar");
+    const auto covered = [bar] { return bar->mapToScene(QPointF(0, bar->height())).y(); };
+    // More than the half of the place of the video.
+    QTRY_VERIFY(covered() > m_ui->item("videoRect")->height() / 2);
+    for (const char* name :
+         {"openProjectButton", "openVideoButton", "openRemovableDevicesButton"}) {
+        QQuickItem* const button = m_ui->item(name);
+        QTRY_VERIFY2(button->mapToScene(QPointF()).y() >= covered(), name);
+        const double bottom = button->mapToScene(QPointF(0, button->height())).y();
+        QVERIFY2(bottom < m_ui->item("controlsTab")->mapToScene(QPointF()).y(), name);
+    }
+    QQuickItem* const title = m_ui->item("quickStartTitle");
+    QVERIFY(!title->isVisible() || title->mapToScene(QPointF()).y() >= covered());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void KeptWorkTest::theNamesOnTheStartPageHaveRoomBetweenBothPanels()
+{
+    m_ui->window()->resize(m_ui->window()->minimumSize());
+    m_ui->evaluate("panelSettings.poiListShown = panelSettings.sidebarShown = true");
+    QQuickItem* const narrow = m_ui->item("openRemovableDevicesButton");
+    QTRY_VERIFY(narrow->width() < 120);
+    for (QQuickItem* text : narrow->findChildren<QQuickItem*>()) {
+        if (text->inherits("QQuickText"))
+            QVERIFY(!text->property("truncated").toBool());
     }
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
