@@ -12,7 +12,7 @@ Rectangle {
     readonly property bool back: missing !== null && missing.back
 
     visible: missing !== null && missing.offered
-    height: Math.max(missingText.implicitHeight + 16, 42)
+    height: missingRow.height
     color: Theme.panel
     border.color: Theme.text
     border.width: 1
@@ -29,24 +29,12 @@ Rectangle {
         onChosen: missingMediaBar.missing.locate(path)
     }
 
-    Text {
-        id: missingText
-        objectName: "missingMediaText"
-        anchors { left: parent.left; right: buttons.left; margins: 10; verticalCenter: parent.verticalCenter }
-        color: Theme.text
-        wrapMode: Text.Wrap
-        textFormat: Text.PlainText
-        Accessible.role: Accessible.StaticText
-        Accessible.name: text
+    NoticeRow {
+        id: missingRow
+        textName: "missingMediaText"
         text: missingMediaBar.missing === null ? ""
               : missingMediaBar.missing.searching ? "Looking for the missing files..."
                                                   : missingMediaBar.missing.text
-    }
-
-    Row {
-        id: buttons
-        anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
-        spacing: 8
 
         CorvQuickStartButton {
             objectName: "locateMediaButton"

@@ -47,6 +47,8 @@ private slots:
     void aScreenReaderHasTheHottestPoint();
     void aScreenReaderHasTheSentences_data();
     void aScreenReaderHasTheSentences();
+    void aBarHasRoomForItsSentence_data();
+    void aBarHasRoomForItsSentence();
     void unitsSwitchAtOnce();
     void settingsThatAreSavedTogetherAllStay();
     void aSeriesOfPicturesIsAJobWithAnEnd();
@@ -452,6 +454,36 @@ void PanelsTest::poisThatCoverEachOtherAreListed()
     QTRY_COMPARE(position(), 1000);
     QTRY_VERIFY(!m_ui->item("overlapList")->isVisible());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::aBarHasRoomForItsSentence_data()
+{
+    QTest::addColumn<bool>("panels");
+    QTest::newRow("beside its buttons") << false;
+    QTest::newRow("above them, between both panels") << true;
+}
+
+void PanelsTest::aBarHasRoomForItsSentence()
+{
+    QFETCH(bool, panels);
+    m_ui->window()->resize(m_ui->window()->minimumSize());
+    m_ui->evaluate(QString("panelSettings.poiListShown = panelSettings.sidebarShown = %1")
+                       .arg(panels ? "true" : "false"));
+    m_ui->root()->setProperty("crashNotice", "Vistrel stopped unexpectedly in its last run.");
+    m_ui->root()->setProperty("crashReportPath", "/somewhere");
+    QQuickItem* const sentence = m_ui->item("crashText");
+    QQuickItem* const button = m_ui->item("showCrashReportButton");
+    QTRY_VERIFY(sentence->isVisible() && button->width() > 0);
+    const auto isAbove = [&] {
+        return button->mapToScene({}).y() >=
+               sentence->mapToScene(QPointF(0, sentence->height())).y();
+    };
+    QTRY_COMPARE(isAbove(), panels);
+    QVERIFY(sentence->width() >= 200);
+    QVERIFY(sentence->property("contentWidth").toDouble() <= sentence->width());
+    const QQuickItem* const bar = m_ui->item("recoveryBar");
+    const double bottom = button->mapToItem(bar, QPointF(0, button->height())).y();
+    QTRY_VERIFY(bottom < bar->height());
 }
 
 void PanelsTest::unitsSwitchAtOnce()
