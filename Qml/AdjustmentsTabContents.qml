@@ -151,6 +151,7 @@ Rectangle {
 
     // Scrolls where the window is lower than the sections.
     Flickable {
+        id: sectionsView
         anchors.fill: parent
         contentHeight: Math.max(height, sections.height)
         interactive: sections.height > height
@@ -468,4 +469,6 @@ Rectangle {
             }
         }
     }
+
+    ScrollMark { view: sectionsView }
 }

@@ -169,7 +169,7 @@ Rectangle {
                     anchors.left: mark.right
                     anchors.leftMargin: 6
                     anchors.right: parent.right
-                    anchors.rightMargin: 4
+                    anchors.rightMargin: 10
                     anchors.verticalCenter: parent.verticalCenter
                     elide: Text.ElideMiddle
                     color: Theme.text
@@ -194,6 +194,8 @@ Rectangle {
                 }
             }
         }
+
+        ScrollMark { view: list }
     }
 
     Rectangle {

@@ -402,6 +402,8 @@ Window {
         }
     }
 
+    ScrollMark { view: bands }
+
     Item {
         id: buttonBar
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }

@@ -160,6 +160,8 @@ Rectangle {
         }
     }
 
+    ScrollMark { view: readingsView }
+
     Rectangle {
         id: unitsRow
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }

@@ -243,7 +243,7 @@ Rectangle {
                     left: thumbnailItem.right
                     leftMargin: 6
                     right: parent.right
-                    rightMargin: 6
+                    rightMargin: 10
                     top: parent.top
                     topMargin: 5
                 }
@@ -265,7 +265,7 @@ Rectangle {
                     left: timeLabel.right
                     leftMargin: 6
                     right: parent.right
-                    rightMargin: 6
+                    rightMargin: 10
                     baseline: timeLabel.baseline
                 }
                 color: row.isChosen ? Theme.text : Theme.textBand
@@ -298,6 +298,11 @@ Rectangle {
         text: list.chosen.length > 1 ? "Delete " + list.chosen.length : "Delete"
         source: "images/button_poi_remove.png"
         tooltiptext: "Delete the chosen points of interest"
+    ScrollMark {
+        objectName: "poiListMark"
+        view: list
+    }
+
         keyName: "Delete"
         onClicked: list.removeChosen()
     }

@@ -45,7 +45,7 @@ Item {
 
         Column {
             id: rows
-            width: view.width
+            width: view.width - (mark.visible ? 12 : 0)
             spacing: 4
 
             Repeater {
@@ -123,5 +123,11 @@ Item {
                 }
             }
         }
+    }
+
+    ScrollMark {
+        id: mark
+        objectName: "recentProjectsMark"
+        view: view
     }
 }

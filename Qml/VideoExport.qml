@@ -88,6 +88,7 @@ Window {
 
     // It scrolls where the window is lower than it is.
     Flickable {
+        id: contentsView
         objectName: "videoExportContents"
         anchors {
             left: parent.left
@@ -189,6 +190,8 @@ Window {
             }
         }
     }
+
+    ScrollMark { view: contentsView }
 
     CorvButton {
         id: cancelButton

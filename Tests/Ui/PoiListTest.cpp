@@ -15,6 +15,7 @@ private slots:
     void theListDeletesWhatIsChosen();
     void theListShowsWhatIsSelectedAfterAnUndo();
     void aLongListFetchesThePicturesOfItsRows();
+    void aLongListIsScrolledByItsMark();
     void ctrlAddsToTheOneThatWasClicked();
     void aDoubleClickInTheListEdits();
     void severalAreChosenByKeys();
@@ -139,6 +140,32 @@ void PoiListTest::aLongListFetchesThePicturesOfItsRows()
                               Q_ARG(int, 1)); // in the middle
     QTRY_VERIFY(!pois->find(time)->thumbnail.isNull());
     QVERIFY(pois->isUnseen(QTime(0, 0).addMSecs(row / 2)));
+}
+
+void PoiListTest::aLongListIsScrolledByItsMark()
+{
+    showListOf({"a", "b"});
+    QQuickItem* const mark = m_ui->item("poiListMark");
+    QVERIFY(mark && !mark->isVisible());
+    QVariantList many;
+    for (int ms = 0; ms < 100; ++ms)
+        many.append(QVariantMap{{"time", ms}, {"name", "A"}});
+    m_ui->evaluate("timelineContent.poiModel").value<corv::PoiModel*>()->setFromList(many);
+    QTRY_VERIFY(mark->isVisible());
+    const QQuickItem* const list = m_ui->item("poiList");
+    QTRY_COMPARE(list->property("contentHeight").toDouble(), 100 * 48.0);
+    const auto place = [mark](double y) { return mark->mapToScene(QPointF(4, y)).toPoint(); };
+    QTest::mousePress(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place(5));
+    QTest::mouseMove(m_ui->window(), place(mark->height() / 2));
+    QTest::mouseMove(m_ui->window(), place(mark->height() + 20));
+    QTest::mouseRelease(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place(mark->height() + 20));
+    QTRY_COMPARE(list->property("contentY").toDouble() - list->property("originY").toDouble(),
+                 100 * 48.0 - list->height());
+    const QQuickItem* const handle = m_ui->item("scrollMarkHandle", mark);
+    QTRY_COMPARE(handle->y() + handle->height(), mark->height());
+    // It scrolls, and chooses nothing.
+    QCOMPARE(m_ui->get("poiList", "currentIndex").toInt(), -1);
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
 void PoiListTest::ctrlAddsToTheOneThatWasClicked()
