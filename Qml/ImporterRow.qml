@@ -35,11 +35,11 @@ Item {
     Accessible.description: columnsText === "" ? details : columnsText + "\n" + details
     Accessible.onPressAction: clicked()
 
-    // The texts are too faint on the highlight of the dark look.
+    // The texts are too faint on the highlight.
     Rectangle {
         objectName: "plate"
         anchors { fill: parent; leftMargin: parent.height; topMargin: 2; rightMargin: 2; bottomMargin: 2 }
-        visible: importerRow.chosen && !Theme.light
+        visible: importerRow.chosen
         color: Theme.listGround
     }
 

@@ -219,6 +219,15 @@ Rectangle {
             Accessible.focusable: true
             Accessible.onPressAction: list.choose(index, Qt.NoModifier)
 
+            // The ground alone is hard to tell from that of the others.
+            Rectangle {
+                objectName: "chosenMark"
+                width: 3
+                height: parent.height
+                visible: row.isChosen
+                color: Theme.accent
+            }
+
             PictureItem {
                 id: thumbnailItem
                 anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
@@ -289,6 +298,11 @@ Rectangle {
         }
     }
 
+    ScrollMark {
+        objectName: "poiListMark"
+        view: list
+    }
+
     CorvToolbarTextButton {
         id: deleteButton
         objectName: "deletePoisButton"
@@ -298,11 +312,6 @@ Rectangle {
         text: list.chosen.length > 1 ? "Delete " + list.chosen.length : "Delete"
         source: "images/button_poi_remove.png"
         tooltiptext: "Delete the chosen points of interest"
-    ScrollMark {
-        objectName: "poiListMark"
-        view: list
-    }
-
         keyName: "Delete"
         onClicked: list.removeChosen()
     }

@@ -71,7 +71,7 @@ QtObject {
     readonly property color evidenceLength: "#004d66"
     readonly property color evidenceDoubt: "#ff9d00"
     readonly property color evidenceTime: "#ffe08a"
-    readonly property color evidenceNone: "#444444"
+    readonly property color evidenceNone: light ? "#ffffff" : "#444444"
 
     // Controls.
     readonly property color button: light ? "#cbcbcb" : Cst.btnColor
@@ -91,8 +91,9 @@ QtObject {
     readonly property color transportPressed: toolChecked
     readonly property color transportHovered: toolHovered
     readonly property color transportIcon: light ? "#333333" : "#aaaaaa"
-    readonly property color groove: light ? "#8f8f8f" : "#222222"
-    readonly property color stripe: light ? "#b5b5b5" : "#111111"
+    readonly property color groove: light ? "#808080" : "#222222"
+    readonly property color progressGroove: light ? "#b5b5b5" : "#222222"
+    readonly property color stripe: light ? "#9a9a9a" : "#111111"
     readonly property color handle: light ? "#5a5a5a" : "#999999"
     readonly property color handleHovered: light ? "#303030" : "#cccccc"
     readonly property color handleDisabled: light ? "#808080" : "#555555"
@@ -141,7 +142,7 @@ QtObject {
     readonly property color toolTip: light ? "#ffffff" : "#000000"
     readonly property color toolTipText: light ? "#000000" : "#ffffff"
     readonly property color accent: light ? "#005c1f" : Cst.accentColor
-    readonly property color progress: light ? "#7cc793" : Cst.progressBarBg
+    readonly property color progress: light ? "#2c864c" : Cst.progressBarBg
     // The round mark of a flight that has a log.
     readonly property color mark: Cst.accentColor
     readonly property color markEdge: "#222222"

@@ -7,7 +7,7 @@ import ".."
 Controls.ProgressBar {
     id: flatProgressBar
 
-    property color groove: Theme.groove
+    property color groove: Theme.progressGroove
     property color bar: Theme.accent
 
     style: ProgressBarStyle {

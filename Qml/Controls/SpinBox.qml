@@ -21,7 +21,7 @@ Controls.SpinBox {
 
     style: SpinBoxStyle {
         textColor: control.enabled ? Theme.boxText : Theme.boxTextDisabled
-        selectionColor: Theme.progress
+        selectionColor: Theme.listSelected
         selectedTextColor: Theme.text
         font.pixelSize: 12
         padding { left: 4; right: 16; top: 0; bottom: 0 }

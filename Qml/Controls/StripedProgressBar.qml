@@ -18,7 +18,7 @@ Controls.ProgressBar {
     style: ProgressBarStyle {
         background: Rectangle {
             implicitHeight: 16
-            color: Theme.groove
+            color: Theme.progressGroove
             clip: true
 
             Rectangle {
@@ -38,7 +38,7 @@ Controls.ProgressBar {
                     Rectangle {
                         width: bar.stripeWidth
                         height: bar.height
-                        color: index % 2 ? Theme.stripe : Theme.groove
+                        color: index % 2 ? Theme.stripe : Theme.progressGroove
                     }
                 }
 

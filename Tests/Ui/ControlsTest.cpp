@@ -1,10 +1,12 @@
 #include "UiFixture.h"
 
 #include "App/look.h"
+#include "Support/contrast.h"
 
 #include <QAccessible>
 #include <QColor>
 #include <QLocale>
+#include <QSettings>
 #include <memory>
 
 using corv::test::UiFixture;
@@ -31,14 +33,18 @@ private slots:
     void aFieldIsFramedOnAllSides();
     void togglesShowTheirStateByColour_data();
     void togglesShowTheirStateByColour();
+    void coloursAreToldApart_data();
+    void coloursAreToldApart();
+    void aNumberToTypeOverIsReadable_data();
+    void aNumberToTypeOverIsReadable();
     void theToolTipNeedsATextAndThePointer();
+    void theToolTipShowsNamesAsTheyAreInsideTheWindow();
     void theToolTipLeavesForAnotherWindow_data();
     void theToolTipLeavesForAnotherWindow();
     void theSetterKeepsItsThreeViewsInStep_data();
     void theSetterKeepsItsThreeViewsInStep();
     void theSetterStopsAtItsLimits();
     void numbersAreWrittenAlikeOnEveryMachine_data();
-    void theToolTipShowsNamesAsTheyAreInsideTheWindow();
     void numbersAreWrittenAlikeOnEveryMachine();
     void otherKeyboardsTypeTheSameNumbers_data();
     void otherKeyboardsTypeTheSameNumbers();
@@ -51,7 +57,7 @@ private slots:
     void theScrollBarStepsByAQuarter();
 
 private:
-    void open(const QByteArray& contents);
+    void open(const QByteArray& contents, bool light = false);
     QColor colour(const QString& name) const;
 
     /// Types over the number of the setter's spin box.
@@ -109,16 +115,19 @@ void ControlsTest::initTestCase()
     UiFixture::prepare();
 }
 
-void ControlsTest::open(const QByteArray& contents)
+void ControlsTest::open(const QByteArray& contents, bool light)
 {
     m_ui = std::make_unique<UiFixture>();
+    QSettings().setValue("userPreferences/lightTheme", light);
     QVERIFY(m_ui->loadText(R"(
         import QtQuick 2.7
         import QtQuick.Window 2.2
+        import "."
         import "constants.js" as Cst
         import "Controls" as Controls
         Window {
             visible: true; width: 500; height: 300; color: "#444444"
+            function themed(name) { return Theme[name]; }
             function constant(name) { return Cst[name]; }
     )" + contents + "}"));
     QTest::mouseMove(m_ui->window(), QPoint(490, 290));
@@ -378,6 +387,59 @@ void ControlsTest::togglesShowTheirStateByColour()
     QTRY_COMPARE(colour(button), background);
 }
 
+void ControlsTest::coloursAreToldApart_data()
+{
+    QTest::addColumn<bool>("light");
+    QTest::addColumn<QString>("one");
+    QTest::addColumn<QString>("other");
+    for (const bool light : {false, true}) {
+        const auto add = [light](const char* what, const char* one, const char* other) {
+            QTest::addRow("%s, %s", light ? "light" : "dark", what) << light << one << other;
+        };
+        add("progress of a log", "progress", "strip");
+        add("chosen flight", "progress", "listGround");
+        add("progress of a job", "accent", "progressGroove");
+        add("sign of a flight without a log", "evidenceNone", "textMissingMark");
+        add("chosen point of interest", "accent", "listSelected");
+        add("the same beside others", "accent", "panel");
+        add("handle of a list", "barHandle", "panel");
+    }
+}
+
+void ControlsTest::coloursAreToldApart()
+{
+    QFETCH(bool, light);
+    QFETCH(QString, one);
+    QFETCH(QString, other);
+    open({}, light);
+    const auto themed = [this](const QString& name) {
+        return m_ui->call("themed", {name}).value<QColor>();
+    };
+    QVERIFY(themed(one).isValid() && themed(other).isValid());
+    const double ratio = corv::test::contrast(themed(one), themed(other));
+    QVERIFY2(ratio >= 3, qPrintable(QString::number(ratio)));
+}
+
+void ControlsTest::aNumberToTypeOverIsReadable_data()
+{
+    QTest::addColumn<bool>("light");
+    QTest::newRow("dark") << false;
+    QTest::newRow("light") << true;
+}
+
+void ControlsTest::aNumberToTypeOverIsReadable()
+{
+    QFETCH(bool, light);
+    open(setter, light);
+    UiFixture::click(m_ui->item("valueBox"));
+    QTRY_VERIFY(m_ui->get("valueBox", "activeFocus").toBool());
+    const QQuickItem* const field = m_ui->window()->activeFocusItem();
+    QVERIFY(field && field->property("selectionColor").isValid());
+    const double ratio = corv::test::contrast(field->property("selectedTextColor").value<QColor>(),
+                                              field->property("selectionColor").value<QColor>());
+    QVERIFY2(ratio >= 4.5, qPrintable(QString::number(ratio)));
+}
+
 void ControlsTest::theToolTipNeedsATextAndThePointer()
 {
     open(allButtons);
@@ -394,6 +456,26 @@ void ControlsTest::theToolTipNeedsATextAndThePointer()
     QCOMPARE(m_ui->get("toolTip", "timeout").toInt(), 5000);
     QTest::mouseMove(m_ui->window(), QPoint(490, 290));
     QTRY_VERIFY(!shown());
+}
+
+void ControlsTest::theToolTipShowsNamesAsTheyAreInsideTheWindow()
+{
+    open(allButtons);
+    QQuickItem* button = m_ui->item("tool");
+    button->setProperty("tooltiptext",
+                        "<b>Tower</b> " + QString("with a name longer than a line ").repeated(6));
+    UiFixture::hover(button);
+    QTRY_VERIFY(m_ui->find("toolTip") && m_ui->get("toolTip", "visible").toBool());
+    auto* text = m_ui->get("toolTip", "contentItem").value<QQuickItem*>();
+    QVERIFY(text);
+    QCOMPARE(text->property("textFormat").toInt(), int(Qt::PlainText));
+    const auto isInside = [&] {
+        const QRectF place(0, 0, text->property("contentWidth").toDouble(),
+                           text->property("contentHeight").toDouble());
+        return QRectF(QPointF(), m_ui->window()->size()).contains(text->mapRectToScene(place));
+    };
+    QTRY_VERIFY(isInside());
+    QVERIFY(text->property("lineCount").toInt() > 1);
 }
 
 void ControlsTest::theToolTipLeavesForAnotherWindow_data()
@@ -456,26 +538,6 @@ void ControlsTest::theSetterStopsAtItsLimits()
     QCOMPARE(m_ui->get("horizontalSlider", "value"), m_ui->get("horizontalSlider", "maximumValue"));
     m_ui->find("valueBox")->setProperty("value", 9000);
     QCOMPARE(m_ui->get("setter", "value").toDouble(), 5000.0);
-}
-
-void ControlsTest::theToolTipShowsNamesAsTheyAreInsideTheWindow()
-{
-    open(allButtons);
-    QQuickItem* button = m_ui->item("tool");
-    button->setProperty("tooltiptext",
-                        "<b>Tower</b> " + QString("with a name longer than a line ").repeated(6));
-    UiFixture::hover(button);
-    QTRY_VERIFY(m_ui->find("toolTip") && m_ui->get("toolTip", "visible").toBool());
-    auto* text = m_ui->get("toolTip", "contentItem").value<QQuickItem*>();
-    QVERIFY(text);
-    QCOMPARE(text->property("textFormat").toInt(), int(Qt::PlainText));
-    const auto isInside = [&] {
-        const QRectF place(0, 0, text->property("contentWidth").toDouble(),
-                           text->property("contentHeight").toDouble());
-        return QRectF(QPointF(), m_ui->window()->size()).contains(text->mapRectToScene(place));
-    };
-    QTRY_VERIFY(isInside());
-    QVERIFY(text->property("lineCount").toInt() > 1);
 }
 
 void ControlsTest::numbersAreWrittenAlikeOnEveryMachine_data()
