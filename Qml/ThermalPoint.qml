@@ -12,6 +12,19 @@ Item {
     // Whether a ring is drawn around the point.
     property bool ringed: true
 
+    // Around the ring, which would be lost on colours like its own.
+    Rectangle {
+        objectName: "thermalPointEdge"
+        anchors.centerIn: parent
+        visible: thermalPoint.ringed
+        width: 15
+        height: 15
+        radius: 8
+        color: Theme.clear
+        border.width: 2
+        border.color: Theme.overlay
+    }
+
     Rectangle {
         anchors.centerIn: parent
         visible: thermalPoint.ringed

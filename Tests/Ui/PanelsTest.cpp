@@ -1,9 +1,11 @@
 #include "ReviewSuite.h"
+#include "Support/contrast.h"
 
 #include <QAbstractItemModel>
 #include <QAccessible>
 #include <QDir>
 #include <QQmlComponent>
+#include <QQmlProperty>
 #include <algorithm>
 #include <memory>
 
@@ -44,6 +46,7 @@ private slots:
     void coveredFlagsLeaveTheToolsFree();
     void theTimelineShowsTheWholeNameOfAFlag();
     void theThermalBarHasTheEndsOfTheRange();
+    void theHottestPointIsSeenOnColoursLikeItsOwn();
     void aScreenReaderHasTheHottestPoint();
     void aScreenReaderHasTheSentences_data();
     void aScreenReaderHasTheSentences();
@@ -284,6 +287,22 @@ void PanelsTest::theTimelineShowsTheWholeNameOfAFlag()
     QTest::mouseMove(m_ui->window(), strip->mapToScene(QPointF(x + 1, 10)).toPoint());
     QTRY_COMPARE(shown(), QString());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void PanelsTest::theHottestPointIsSeenOnColoursLikeItsOwn()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->importLog(media().logWithThermal()));
+    m_ui->evaluate("videoPlayer.showIR = true; videoRect.extremesShown = true;"
+                   "videoPlayer.redraw()");
+    for (const char* point : {"hottestPoint", "coldestPoint"}) {
+        QTRY_VERIFY2(m_ui->item(point) && m_ui->item(point)->isVisible(), point);
+        QQuickItem* const edge = m_ui->item("thermalPointEdge", m_ui->item(point));
+        QVERIFY2(edge && edge->isVisible() && edge->width() > 11, point);
+        const QColor ring = m_ui->item(point)->property("mark").value<QColor>();
+        const QColor around = QQmlProperty::read(edge, "border.color").value<QColor>();
+        QVERIFY2(contrast(ring, around) >= 3, point);
+    }
 }
 
 void PanelsTest::aScreenReaderHasTheHottestPoint()
