@@ -197,6 +197,7 @@ int main(int argc, char** argv)
 
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     corv::usePlainNumbers();
+    corv::useTextSizeOfWindows();
     corv::registerQmlTypes();
     corv::suitFileDialogs(application);
     corv::freeClosedWindows(application);

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QFont>
 #include <QLocale>
 #include <QMessageBox>
 #include <QPalette>
@@ -18,6 +19,9 @@
 
 namespace corv {
 namespace {
+
+// 9 points where a screen is not scaled: what is used without a desktop.
+constexpr int textSizePx = 12;
 
 struct DialogColours
 {
@@ -177,6 +181,14 @@ void hastenFirstFrame()
 void usePlainNumbers()
 {
     QLocale::setDefault(QLocale::c());
+}
+
+void useTextSizeOfWindows()
+{
+    QFont font = QApplication::font();
+    font.setPixelSize(textSizePx);
+    // That of single kinds of controls as well, which some desktops have.
+    QApplication::setFont(font);
 }
 
 void useDialogColours(bool light)

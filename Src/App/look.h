@@ -18,6 +18,11 @@ void hastenFirstFrame();
 /// system. Before the windows are made.
 void usePlainNumbers();
 
+/// Writes texts in the size that the windows are made for, in the desktop's font: most of what they
+/// contain has a size of its own, where a larger text has no room. The scale of the screen enlarges
+/// both. Before the windows are made.
+void useTextSizeOfWindows();
+
 /// Gives what Qt draws by itself (message boxes, file dialogs, lists, scroll bars) the colours of
 /// the windows. A message box shows its text as it is, never as markup, and the newest one lies on
 /// top of the others. Interface thread, once; for as long as the application lives.

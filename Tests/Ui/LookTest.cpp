@@ -22,6 +22,7 @@ private slots:
     void initTestCase();
     void mainWindowFitsEverySize_data();
     void mainWindowFitsEverySize();
+    void aDesktopWithLargeTextsLeavesThemRoom();
     void followsTheScaleOfTheScreen();
     void pointersAndIconsAreDrawnSharp();
     void signOfAMessageBoxIsSharpAndSeen_data();
@@ -171,6 +172,27 @@ void LookTest::mainWindowFitsEverySize()
                          .arg(m_ui->window()->devicePixelRatio()));
     QCOMPARE(m_ui->scriptErrors(), QStringList());
     m_ui.reset();
+}
+
+void LookTest::aDesktopWithLargeTextsLeavesThemRoom()
+{
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPointSize(14);
+    QApplication::setFont(large);
+    QApplication::setFont(large, "QMenu");
+    corv::useTextSizeOfWindows();
+    QCOMPARE(QFontInfo(QApplication::font()).family(), QFontInfo(before).family());
+    QCOMPARE(QFontInfo(QApplication::font()).pixelSize(), 12);
+    QCOMPARE(QFontInfo(QApplication::font("QMenu")).pixelSize(), 12);
+    m_ui = std::make_unique<ReviewFixture>();
+    QVERIFY(m_ui->load());
+    m_ui->call("goSettings");
+    QTRY_VERIFY(UiFixture::visibleWindow("generalSettings"));
+    QQuickWindow* const settings = UiFixture::visibleWindow("generalSettings");
+    const double lowest = area(m_ui->item("finishJobsBox", settings)).bottom();
+    QTRY_VERIFY(lowest <= area(m_ui->item("okButton", settings)).top());
+    settings->close();
 }
 
 void LookTest::followsTheScaleOfTheScreen()

@@ -43,6 +43,7 @@ void UiFixture::prepare()
     QApplication::setApplicationName(QStringLiteral("Vistrel"));
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     usePlainNumbers();
+    useTextSizeOfWindows();
     registerQmlTypes();
     suitFileDialogs(*qGuiApp);
     freeClosedWindows(*qGuiApp);

@@ -58,6 +58,7 @@ int main(int argc, char** argv)
     if (arguments.size() < 3 || (forManual && arguments.size() != 5))
         return showUsage();
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+    corv::useTextSizeOfWindows();
     corv::registerQmlTypes();
     corv::dressDialogs(application);
     try {
