@@ -14,6 +14,7 @@ C2.ToolTip {
     delay: 1000
     timeout: 5000
     padding: 5
+    contentWidth: unwrapped.implicitWidth
     width: Math.min(implicitWidth, mostWidth)
     // Or it would take Escape away from the window.
     closePolicy: C2.Popup.NoAutoClose
@@ -33,6 +34,14 @@ C2.ToolTip {
         // Names are in these texts, and a name may look like markup.
         textFormat: Text.PlainText
         wrapMode: Text.Wrap
+
+        // A text that wraps takes the width of all its lines together for its own.
+        Text {
+            id: unwrapped
+            visible: false
+            text: corvToolTip.text
+            textFormat: Text.PlainText
+        }
     }
     background: Rectangle {
         color: Theme.toolTip

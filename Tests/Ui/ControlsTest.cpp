@@ -476,6 +476,11 @@ void ControlsTest::theToolTipShowsNamesAsTheyAreInsideTheWindow()
     };
     QTRY_VERIFY(isInside());
     QVERIFY(text->property("lineCount").toInt() > 1);
+    // As wide as its longest line.
+    button->setProperty("tooltiptext", "Mission: A\nFlight: B\nNum. 3");
+    QTRY_COMPARE(text->property("lineCount").toInt(), 3);
+    const double needed = text->property("contentWidth").toDouble();
+    QTRY_VERIFY(m_ui->get("toolTip", "width").toDouble() <= needed + 12);
 }
 
 void ControlsTest::theToolTipLeavesForAnotherWindow_data()
