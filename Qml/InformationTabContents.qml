@@ -160,7 +160,11 @@ Rectangle {
         }
     }
 
-    ScrollMark { view: readingsView }
+    ScrollMark {
+        view: readingsView
+        colour: Theme.flightBarHandle
+        colourHovered: Theme.overlayText
+    }
 
     Rectangle {
         id: unitsRow

@@ -7,6 +7,8 @@ Item {
     id: scrollMark
 
     property Flickable view: null
+    property color colour: Theme.barHandle
+    property color colourHovered: Theme.barHandleHovered
     readonly property real shownPart: view !== null ? view.visibleArea.heightRatio : 1
     // The way of the handle, and that of the contents.
     readonly property real freeWay: height - handle.height
@@ -30,7 +32,7 @@ Item {
         width: 5
         height: Math.max(20, scrollMark.height * scrollMark.shownPart)
         radius: 2
-        color: area.containsMouse || area.pressed ? Theme.barHandleHovered : Theme.barHandle
+        color: area.containsMouse || area.pressed ? scrollMark.colourHovered : scrollMark.colour
     }
 
     MouseArea {

@@ -58,7 +58,7 @@ QtObject {
     readonly property color textMissing: light ? "#3a3a3a" : "#777777"
     readonly property color textMissingMark: light ? "#6e6e6e" : "#999999"
     // The text of a failure.
-    readonly property color textFailed: light ? "#9c2a00" : "#ffa07d"
+    readonly property color textFailed: light ? "#8f2600" : "#ffc4ae"
     readonly property color textOnLight: "#000000"
     readonly property color menuText: light ? "#000000" : "#eeeeee"
     readonly property color menuShortcut: light ? "#333333" : "#cccccc"
@@ -139,6 +139,8 @@ QtObject {
     readonly property color barGround: light ? "#d6d6d6" : "#3a3a3a"
     readonly property color barHandle: light ? "#6a6a6a" : "#a0a0a0"
     readonly property color barHandleHovered: light ? "#3a3a3a" : "#d8d8d8"
+    // The one of the flight data.
+    readonly property color flightBarHandle: "#e0e0e0"
     readonly property color toolTip: light ? "#ffffff" : "#000000"
     readonly property color toolTipText: light ? "#000000" : "#ffffff"
     readonly property color accent: light ? "#005c1f" : Cst.accentColor
