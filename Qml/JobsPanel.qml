@@ -84,7 +84,7 @@ Rectangle {
         boundsBehavior: Flickable.StopAtBounds
         // At the newest, whatever is added or grows above it, until it is scrolled.
         property bool follows: true
-        onMovementEnded: follows = atYEnd
+        onContentYChanged: follows = atYEnd
         onContentHeightChanged: {
             if (follows)
                 positionViewAtEnd();
@@ -145,7 +145,7 @@ Rectangle {
 
             Item {
                 id: rowButton
-                anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }
+                anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
                 width: cancelButton.visible ? cancelButton.width
                                             : folderButton.visible ? folderButton.width : 0
                 height: 24
@@ -174,4 +174,6 @@ Rectangle {
             }
         }
     }
+
+    ScrollMark { view: list }
 }
