@@ -221,7 +221,7 @@ void CurvePainter::paint(QPainter& painter, const QSize& size, const TimelineVie
         painter.setPen(m_light ? Qt::black : Qt::white);
         painter.drawLine(cursorX, 0, cursorX, size.height() - 1);
     }
-    paintLegend(painter, cursorMs);
+    paintLegend(painter, size.height(), cursorMs);
 }
 
 QString CurvePainter::legendOf(const Curve& curve, int cursorMs) const
@@ -243,13 +243,23 @@ QStringList CurvePainter::legend(int cursorMs) const
     return texts;
 }
 
-void CurvePainter::paintLegend(QPainter& painter, int cursorMs) const
+// In columns, where there are more curves than lines fit below each other.
+void CurvePainter::paintLegend(QPainter& painter, int height, int cursorMs) const
 {
     const QFontMetrics metrics(painter.font(), painter.device());
+    const int lines = std::max(1, (height - kMarginPx) / kLegendLinePx);
+    int left = kMarginPx;
+    int widest = 0;
     for (size_t i = 0; i < m_curves.size(); ++i) {
+        const int line = static_cast<int>(i) % lines;
+        if (i > 0 && line == 0) {
+            left += widest + kMarginPx;
+            widest = 0;
+        }
         const QString text = legendOf(m_curves[i], cursorMs);
-        const QRect place(kMarginPx, kMarginPx + static_cast<int>(i) * kLegendLinePx,
+        const QRect place(left, kMarginPx + line * kLegendLinePx,
                           metrics.horizontalAdvance(text) + 2 * kMarginPx, kLegendLinePx);
+        widest = std::max(widest, place.width());
         painter.fillRect(place, m_light ? QColor(255, 255, 255, 200) : QColor(0, 0, 0, 160));
         painter.setPen(colourAt(i));
         painter.drawText(place, Qt::AlignCenter, text);

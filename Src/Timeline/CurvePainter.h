@@ -107,7 +107,7 @@ private:
     std::vector<int> rowsOfPixels(const Curve& curve, int width, const TimelineView& view) const;
     static QVector<QRect> barsOf(const Curve& curve, const std::vector<int>& rows, int height);
     QString legendOf(const Curve& curve, int cursorMs) const;
-    void paintLegend(QPainter& painter, int cursorMs) const;
+    void paintLegend(QPainter& painter, int height, int cursorMs) const;
 
     std::shared_ptr<const LogFile> m_log;
     std::shared_ptr<const FlightClock> m_clock;

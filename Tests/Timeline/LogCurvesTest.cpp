@@ -1,3 +1,4 @@
+#include "paintedTexts.h"
 #include "timelineSupport.h"
 
 #include "Timeline/LogCurves.h"
@@ -18,6 +19,7 @@ private slots:
     void findsByAnyPartOfTheName();
     void showsTheValueHeldAtAMoment();
     void saysTheValuesAtTheCursor();
+    void keepsTheNamesOfManyCurvesInside();
     void drawsEachValueAtItsTime();
     void drawsPeaksThatFallBetweenPixels();
     void isUnbrokenOnFinerScreens_data();
@@ -182,6 +184,24 @@ void LogCurvesTest::drawsEachValueAtItsTime()
     m_curves->toggle("engine.rpm");
     QVERIFY(m_curves->curves().isEmpty());
     QCOMPARE(curveAt(picture(), 302), qMakePair(-1, -1));
+}
+
+void LogCurvesTest::keepsTheNamesOfManyCurvesInside()
+{
+    QVERIFY(load(flight()));
+    constexpr int lowHeight = 40; // room for two lines
+    m_curves->setSize(QSizeF(width, lowHeight));
+    m_curves->setCurves({"engine.rpm", "engine.cells[0]", "engine.cells[1]"});
+    TextDevice device(QSize(width, lowHeight));
+    QPainter painter(&device);
+    m_curves->paint(&painter);
+    painter.end();
+    const std::vector<PaintedText> texts = device.texts();
+    QCOMPARE(texts.size(), size_t(3));
+    for (const PaintedText& text : texts)
+        QVERIFY2(text.baseline.y() < lowHeight, qPrintable(text.text));
+    QCOMPARE(texts[2].baseline.y(), texts[0].baseline.y());
+    QVERIFY(texts[2].baseline.x() > texts[0].baseline.x());
 }
 
 void LogCurvesTest::drawsPeaksThatFallBetweenPixels()
