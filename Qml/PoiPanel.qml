@@ -80,7 +80,9 @@ Rectangle {
         Accessible.role: Accessible.StaticText
         Accessible.name: text
         text: filterField.text !== "" ? "No point of interest has these words."
-                                      : "No points of interest yet. N makes one at the playhead."
+              : poiPanel.timeline !== null && poiPanel.timeline.enabled
+                ? "No points of interest yet. N makes one at the playhead."
+                : "No video is open. The points of interest of a flight are listed here."
     }
 
     ListView {

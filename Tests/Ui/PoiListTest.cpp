@@ -9,6 +9,7 @@ class PoiListTest : public ReviewSuite
     Q_OBJECT
 
 private slots:
+    void anEmptyListSaysWhy();
     void theListGoesToAPoint();
     void theListIsFilteredByTyping();
     void theListDeletesWhatIsChosen_data();
@@ -52,6 +53,16 @@ void PoiListTest::showListOf(const QStringList& names)
     m_ui->evaluate("timelineContent.poiModel").value<corv::PoiModel*>()->setFromList(pois);
     QTRY_COMPARE(m_ui->get("poiList", "count").toInt(), names.size());
     QTRY_VERIFY(m_ui->item("poiRow" + QString::number(names.size() - 1)));
+}
+
+void PoiListTest::anEmptyListSaysWhy()
+{
+    key(Qt::Key_F7);
+    QTRY_VERIFY(m_ui->item("poiPanel")->isVisible());
+    const auto text = [this] { return m_ui->get("emptyText", "text").toString(); };
+    QVERIFY2(text().startsWith("No video is open."), qPrintable(text()));
+    QVERIFY(m_ui->openVideo());
+    QTRY_VERIFY2(text().contains("N makes one"), qPrintable(text()));
 }
 
 void PoiListTest::theListGoesToAPoint()
