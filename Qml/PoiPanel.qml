@@ -154,6 +154,8 @@ Rectangle {
         function goTo(row) {
             currentIndex = row;
             poiPanel.navigator.goToPoi(filter.timeOfRow(row));
+            if (poiPanel.timeline.movePOIMode)
+                showSelection();
         }
 
         // What is chosen was chosen by its place. The list moves its current row itself with the

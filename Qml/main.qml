@@ -458,7 +458,7 @@ ReviewWindow {
             onPoiRefused: {
                 selectPoi(poiTime);
                 infoTab.showNotice("There is a point of interest at this frame already: '"
-                                   + getSelectedPOI().name + "'.");
+                                   + poiAtCursor().name + "'.");
             }
             onClicked: mainWindow.refocusMainActions()
             onContentXChanged: timelineTab.scrolled()

@@ -496,7 +496,7 @@ QVariantMap TimelineContent::poiAtCursor() const
 
 void TimelineContent::selectPoi(QTime poiTime)
 {
-    if (!m_pois->find(poiTime))
+    if (m_movePOIMode || !m_pois->find(poiTime))
         return;
     select(poiTime);
     update();

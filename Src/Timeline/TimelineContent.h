@@ -100,7 +100,8 @@ public:
     /// The point of interest at the cursor, where a moved one would be put; empty if none.
     Q_INVOKABLE QVariantMap poiAtCursor() const;
 
-    /// Selects the point of interest at `poiTime`, as a click on its flag does; else nothing.
+    /// Selects the point of interest at `poiTime`, as a click on its flag does; none while one is
+    /// being moved.
     Q_INVOKABLE void selectPoi(QTime poiTime);
 
     /// Deletes the point of interest at the cursor. The selection stays.

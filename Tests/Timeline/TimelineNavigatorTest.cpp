@@ -13,6 +13,7 @@ private slots:
     void jumpsStayWithinTheVideo_data();
     void jumpsStayWithinTheVideo();
     void poisFollowEachOther();
+    void theOneThatIsMovedStaysSelected();
     void zoomKeepsTheCursorInItsPlace();
     void zoomToFitShowsTheWholeVideo();
     void zoomToSelectionShowsTenSecondsAroundIt();
@@ -61,6 +62,29 @@ void TimelineNavigatorTest::poisFollowEachOther()
     QCOMPARE(strip.taken(), QStringList());
     navigator.selectPreviousPoi();
     QCOMPARE(strip.taken(), (QStringList{"select 20000", "seek 20000"}));
+}
+
+// Or another one would be moved to the place that was looked for.
+void TimelineNavigatorTest::theOneThatIsMovedStaysSelected()
+{
+    Strip strip;
+    TimelineNavigator navigator;
+    navigator.setTimeline(&strip.timeline);
+    strip.addPois({1000, 20000, 40000});
+    strip.timeline.selectPoi(timeAt(1000));
+    strip.timeline.enterMovePOIMode();
+    strip.taken();
+    navigator.selectNextPoi();
+    QCOMPARE(strip.taken(), QStringList("seek 1000"));
+    strip.timeline.setCursorPosition(timeAt(1000));
+    strip.taken();
+    navigator.selectNextPoi();
+    QCOMPARE(strip.taken(), QStringList("seek 20000"));
+    QCOMPARE(strip.timeline.selectedPoiTime(), timeAt(1000));
+    strip.timeline.exitMovePOIMode();
+    strip.taken();
+    navigator.goToPoi(timeAt(40000));
+    QCOMPARE(strip.taken(), (QStringList{"select 40000", "seek 40000"}));
 }
 
 void TimelineNavigatorTest::zoomKeepsTheCursorInItsPlace()
