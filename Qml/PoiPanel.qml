@@ -293,7 +293,10 @@ Rectangle {
                 z: -1
                 hoverEnabled: true
                 onClicked: list.click(index, mouse.modifiers)
-                onDoubleClicked: poiPanel.editRequested()
+                onDoubleClicked: {
+                    if (!poiPanel.timeline.movePOIMode)
+                        poiPanel.editRequested();
+                }
             }
         }
 

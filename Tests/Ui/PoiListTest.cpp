@@ -22,6 +22,7 @@ private slots:
     void severalAreChosenByKeys();
     void theTimelineSelectsOneOfThoseChosen();
     void aSelectionOnTheTimelineEndsTheChoice();
+    void aMoveKeepsItsPoint();
 
 private:
     void showList();
@@ -257,6 +258,36 @@ void PoiListTest::aSelectionOnTheTimelineEndsTheChoice()
     QCOMPARE(m_ui->get("deletePoisButton", "text").toString(), QString("Delete"));
     QVERIFY(m_ui->click("deletePoisButton"));
     QTRY_COMPARE(m_ui->poiNames(), QStringList({"a", "b"}));
+}
+
+void PoiListTest::aMoveKeepsItsPoint()
+{
+    showListOf({"A", "B", "C"});
+    QVERIFY(m_ui->click("poiRow1"));
+    QTRY_COMPARE(position(), 2000);
+    key(Qt::Key_M);
+    // The place of another is gone to, and that one is not taken for the one that is moved.
+    QVERIFY(m_ui->click("poiRow2"));
+    QTRY_COMPARE(position(), 3000);
+    QCOMPARE(selected(), 2000);
+    const QPoint place = m_ui->item("poiRow2")->mapToScene(QPointF(120, 10)).toPoint();
+    QTest::mouseDClick(m_ui->window(), Qt::LeftButton, Qt::NoModifier, place);
+    QVERIFY(!UiFixture::visibleWindow("poiPropertiesWindow"));
+    key(Qt::Key_PageUp);
+    QTRY_COMPARE(position(), 2000);
+    key(Qt::Key_PageUp);
+    QTRY_COMPARE(position(), 1000);
+    QCOMPARE(selected(), 2000);
+    clickWithCtrl("poiRow0");
+    QCOMPARE(selected(), 2000);
+    key(Qt::Key_N);
+    QCOMPARE(selected(), 2000);
+    key(Qt::Key_Right);
+    QTRY_COMPARE(position(), 1040);
+    key(Qt::Key_Return);
+    QTRY_COMPARE(selected(), 1040);
+    QCOMPARE(m_ui->poiNames(), QStringList({"A", "B", "C"}));
+    QCOMPARE(m_ui->evaluate("timelineContent.getSelectedPOI().name").toString(), QString("B"));
 }
 
 QTEST_MAIN(PoiListTest)
