@@ -1,23 +1,19 @@
-#include "UiFixture.h"
+#include "ControlsSuite.h"
 
-#include "App/look.h"
 #include "Support/contrast.h"
 
 #include <QAccessible>
 #include <QColor>
-#include <QLocale>
-#include <QSettings>
-#include <memory>
 
+using corv::test::ControlsSuite;
 using corv::test::UiFixture;
 
-/// The shared controls, alone in a window: the button family, the setter, the scroll bar.
-class ControlsTest : public QObject
+/// The shared controls, alone in a window: the button family, the tool tip, the scroll bar.
+class ControlsTest : public ControlsSuite
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void constantsHaveTheirValues_data();
     void constantsHaveTheirValues();
     void buttonsFollowThePointer_data();
@@ -35,35 +31,17 @@ private slots:
     void togglesShowTheirStateByColour();
     void coloursAreToldApart_data();
     void coloursAreToldApart();
-    void aNumberToTypeOverIsReadable_data();
-    void aNumberToTypeOverIsReadable();
     void theToolTipNeedsATextAndThePointer();
     void theToolTipShowsNamesAsTheyAreInsideTheWindow();
     void theToolTipLeavesForAnotherWindow_data();
     void theToolTipLeavesForAnotherWindow();
-    void theSetterKeepsItsThreeViewsInStep_data();
-    void theSetterKeepsItsThreeViewsInStep();
-    void theSetterStopsAtItsLimits();
-    void numbersAreWrittenAlikeOnEveryMachine_data();
-    void numbersAreWrittenAlikeOnEveryMachine();
-    void otherKeyboardsTypeTheSameNumbers_data();
-    void otherKeyboardsTypeTheSameNumbers();
-    void resettingIsLeftToTheUser();
-    void onlyTheKeypadEndsAnEdit();
-    void aDisabledSetterResetsNothing();
     void theScrollBarShowsOnlyWhatIsOutOfView_data();
     void theScrollBarShowsOnlyWhatIsOutOfView();
     void theScrollBarMovesTheTimeline();
     void theScrollBarStepsByAQuarter();
 
 private:
-    void open(const QByteArray& contents, bool light = false);
     QColor colour(const QString& name) const;
-
-    /// Types over the number of the setter's spin box.
-    void type(const QString& text) const;
-
-    std::unique_ptr<UiFixture> m_ui;
 };
 
 namespace {
@@ -77,18 +55,6 @@ const QByteArray allButtons = R"(
         CorvToolbarTextButton { objectName: "toolText"; text: "a"; source: "images/button_camera.png" }
         CorvToolbarToggleButton { objectName: "toggle"; source: "images/button_camera.png" }
         CorvToolbarToggleTextButton { objectName: "toggleText"; text: "a"; source: "images/button_camera.png" }
-    })";
-
-const QByteArray setter = R"(
-    NumericPropertySetter {
-        objectName: "setter"
-        width: 270
-        minimumValue: -5000; maximumValue: 5000; stepSize: 100; value: 0
-        iconSource: "images/icon_contrast.png"
-        property int resets: 0
-        property int edits: 0
-        onResetClicked: ++resets
-        onEditingFinished: ++edits
     })";
 
 QByteArray timeline(int contentWidth)
@@ -110,45 +76,9 @@ QByteArray timeline(int contentWidth)
 
 } // namespace
 
-void ControlsTest::initTestCase()
-{
-    UiFixture::prepare();
-}
-
-void ControlsTest::open(const QByteArray& contents, bool light)
-{
-    m_ui = std::make_unique<UiFixture>();
-    QSettings().setValue("userPreferences/lightTheme", light);
-    QVERIFY(m_ui->loadText(R"(
-        import QtQuick 2.7
-        import QtQuick.Window 2.2
-        import "."
-        import "constants.js" as Cst
-        import "Controls" as Controls
-        Window {
-            visible: true; width: 500; height: 300; color: "#444444"
-            function themed(name) { return Theme[name]; }
-            function constant(name) { return Cst[name]; }
-    )" + contents + "}"));
-    QTest::mouseMove(m_ui->window(), QPoint(490, 290));
-}
-
 QColor ControlsTest::colour(const QString& name) const
 {
     return m_ui->get(name, "color").value<QColor>();
-}
-
-void ControlsTest::type(const QString& text) const
-{
-    UiFixture::click(m_ui->item("valueBox"));
-    QTRY_VERIFY(m_ui->get("valueBox", "activeFocus").toBool());
-    QTest::keySequence(m_ui->window(), QKeySequence::SelectAll);
-    for (const QChar letter : text) {
-        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(letter));
-        QCoreApplication::sendEvent(m_ui->window(), &press);
-        QKeyEvent release(QEvent::KeyRelease, 0, Qt::NoModifier, QString(letter));
-        QCoreApplication::sendEvent(m_ui->window(), &release);
-    }
 }
 
 void ControlsTest::constantsHaveTheirValues_data()
@@ -427,26 +357,6 @@ void ControlsTest::coloursAreToldApart()
     QVERIFY2(ratio >= floor, qPrintable(QString::number(ratio)));
 }
 
-void ControlsTest::aNumberToTypeOverIsReadable_data()
-{
-    QTest::addColumn<bool>("light");
-    QTest::newRow("dark") << false;
-    QTest::newRow("light") << true;
-}
-
-void ControlsTest::aNumberToTypeOverIsReadable()
-{
-    QFETCH(bool, light);
-    open(setter, light);
-    UiFixture::click(m_ui->item("valueBox"));
-    QTRY_VERIFY(m_ui->get("valueBox", "activeFocus").toBool());
-    const QQuickItem* const field = m_ui->window()->activeFocusItem();
-    QVERIFY(field && field->property("selectionColor").isValid());
-    const double ratio = corv::test::contrast(field->property("selectedTextColor").value<QColor>(),
-                                              field->property("selectionColor").value<QColor>());
-    QVERIFY2(ratio >= 4.5, qPrintable(QString::number(ratio)));
-}
-
 void ControlsTest::theToolTipNeedsATextAndThePointer()
 {
     open(allButtons);
@@ -521,121 +431,6 @@ void ControlsTest::theToolTipLeavesForAnotherWindow()
     QTest::mouseMove(m_ui->window(), QPoint(490, 290));
     UiFixture::hover(button);
     QTRY_VERIFY(shown());
-}
-
-void ControlsTest::theSetterKeepsItsThreeViewsInStep_data()
-{
-    QTest::addColumn<QString>("written");
-    QTest::newRow("the setter") << "setter";
-    QTest::newRow("the slider") << "horizontalSlider";
-    QTest::newRow("the spin box") << "valueBox";
-}
-
-void ControlsTest::theSetterKeepsItsThreeViewsInStep()
-{
-    QFETCH(QString, written);
-    open(setter);
-    for (const double value : {1200.0, -700.0, 0.0}) {
-        m_ui->find(written)->setProperty("value", value);
-        QCOMPARE(m_ui->get("setter", "value").toDouble(), value);
-        QCOMPARE(m_ui->get("horizontalSlider", "value").toDouble(), value);
-        QCOMPARE(m_ui->get("valueBox", "value").toDouble(), value);
-    }
-}
-
-void ControlsTest::theSetterStopsAtItsLimits()
-{
-    open(setter);
-    m_ui->find("setter")->setProperty("value", 5000);
-    QCOMPARE(m_ui->get("horizontalSlider", "value"), m_ui->get("horizontalSlider", "maximumValue"));
-    m_ui->find("valueBox")->setProperty("value", 9000);
-    QCOMPARE(m_ui->get("setter", "value").toDouble(), 5000.0);
-}
-
-void ControlsTest::numbersAreWrittenAlikeOnEveryMachine_data()
-{
-    QTest::addColumn<QLocale>("locale");
-    QTest::newRow("C") << QLocale::c();
-    QTest::newRow("English") << QLocale("en_US");
-    QTest::newRow("German") << QLocale("de_DE");
-    QTest::newRow("Arabic") << QLocale("ar_EG");
-    QTest::newRow("Persian") << QLocale("fa_IR");
-}
-
-void ControlsTest::numbersAreWrittenAlikeOnEveryMachine()
-{
-    QFETCH(QLocale, locale);
-    QLocale::setDefault(locale);
-    corv::usePlainNumbers();
-    open(setter);
-    const auto text = [this] { return m_ui->get("valueBox", "__text").toString(); };
-    m_ui->find("setter")->setProperty("value", 1200);
-    QCOMPARE(text(), QString("1200"));
-    type("10");
-    QCOMPARE(m_ui->get("setter", "value").toDouble(), 10.0);
-    m_ui->find("setter")->setProperty("decimals", 3);
-    m_ui->find("setter")->setProperty("value", -0.125);
-    QCOMPARE(text(), QString("-0.125"));
-    type("1.5");
-    QCOMPARE(m_ui->get("setter", "value").toDouble(), 1.5);
-}
-
-void ControlsTest::otherKeyboardsTypeTheSameNumbers_data()
-{
-    QTest::addColumn<int>("decimals");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("value");
-    QTest::newRow("a comma") << 3 << "0,5"
-                             << "0.5" << 0.5;
-    QTest::newRow("two commas") << 3 << "1,,5"
-                                << "1.5" << 1.5;
-    QTest::newRow("a comma in a whole number") << 0 << "1,5"
-                                               << "15" << 15.0;
-    QTest::newRow("Arabic digits") << 0 << QString::fromUtf8("-٤٢٠") << "-420" << -420.0;
-    QTest::newRow("Persian digits") << 1 << QString::fromUtf8("۱۲.۵") << "12.5" << 12.5;
-}
-
-void ControlsTest::otherKeyboardsTypeTheSameNumbers()
-{
-    QFETCH(int, decimals);
-    QFETCH(QString, typed);
-    open(setter);
-    m_ui->find("setter")->setProperty("decimals", decimals);
-    type(typed);
-    QTEST(m_ui->get("valueBox", "__text").toString(), "text");
-    QTEST(m_ui->get("setter", "value").toDouble(), "value");
-    QCOMPARE(m_ui->scriptErrors(), QStringList());
-}
-
-void ControlsTest::resettingIsLeftToTheUser()
-{
-    open(setter);
-    m_ui->find("setter")->setProperty("value", 300);
-    QVERIFY(m_ui->click("resetButton"));
-    QCOMPARE(m_ui->get("setter", "resets").toInt(), 1);
-    QCOMPARE(m_ui->get("setter", "value").toDouble(), 300.0);
-}
-
-void ControlsTest::onlyTheKeypadEndsAnEdit()
-{
-    open(setter);
-    QQuickItem* box = m_ui->item("valueBox");
-    UiFixture::click(box);
-    QTRY_VERIFY(box->hasActiveFocus() || box->property("activeFocus").toBool());
-    QTest::keyClick(m_ui->window(), Qt::Key_Return);
-    QCOMPARE(m_ui->get("setter", "edits").toInt(), 0);
-    QTest::keyClick(m_ui->window(), Qt::Key_Enter, Qt::KeypadModifier);
-    QCOMPARE(m_ui->get("setter", "edits").toInt(), 1);
-}
-
-void ControlsTest::aDisabledSetterResetsNothing()
-{
-    open(setter);
-    m_ui->find("setter")->setProperty("enabled", false);
-    QVERIFY(m_ui->click("resetButton"));
-    QCOMPARE(m_ui->get("setter", "resets").toInt(), 0);
-    QVERIFY(!m_ui->item("horizontalSlider")->isEnabled());
 }
 
 void ControlsTest::theScrollBarShowsOnlyWhatIsOutOfView_data()
