@@ -63,6 +63,7 @@ Rectangle {
     }
 
     Text {
+        objectName: "curvesHint"
         anchors.left: parent.left
         anchors.right: choice.left
         anchors.margins: 10
@@ -71,7 +72,8 @@ Rectangle {
         wrapMode: Text.WordWrap
         visible: logCurves.curves.length === 0
         color: Theme.textBand
-        text: curvesPanel.found.length === 0 && searchField.text === ""
+        text: logParser === null || logParser.source === "" ? "No flight log is open."
+              : curvesPanel.found.length === 0 && searchField.text === ""
               ? "The log has no values to show as curves."
               : "Choose values on the right to show them as curves."
     }

@@ -12,6 +12,7 @@ class CurvesPanelTest : public ReviewSuite
 private slots:
     void isFoldedAtFirst();
     void unfoldsUnderTheTimeline();
+    void saysWhatToDoFirst();
     void showsWhatIsChosenFromTheLog();
     void findsByTyping();
     void isChosenByKeys();
@@ -42,6 +43,16 @@ void CurvesPanelTest::unfoldsUnderTheTimeline()
     QVERIFY(m_ui->trigger("curvesMenuItem"));
     QTRY_COMPARE(m_ui->evaluate("curvesPanel.height").toInt(), 0);
     QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void CurvesPanelTest::saysWhatToDoFirst()
+{
+    key(Qt::Key_U, Qt::ControlModifier);
+    QTRY_VERIFY(panel()->isVisible());
+    QCOMPARE(m_ui->get("curvesHint", "text").toString(), QString("No flight log is open."));
+    openVideoAndLog();
+    QTRY_COMPARE(m_ui->get("curvesHint", "text").toString(),
+                 QString("Choose values on the right to show them as curves."));
 }
 
 void CurvesPanelTest::showsWhatIsChosenFromTheLog()
