@@ -9,7 +9,8 @@ C2.ToolTip {
 
     // Wider than that a text is hard to read; wider than the window it would be cut.
     readonly property real mostWidth: Math.min(
-            600, parent !== null && parent.Window.width > 0 ? parent.Window.width - 2 * margins : 600)
+            600, parent !== null && parent.Window.width > 0 ? parent.Window.width - 2 * margins
+                                                            : 600)
 
     delay: 1000
     timeout: 5000

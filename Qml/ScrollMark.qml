@@ -1,8 +1,8 @@
 import QtQuick 2.7
 import "."
 
-// Shows at the right edge of a list which part of it is seen, and scrolls it; nothing while all of it
-// is. Its parent is that of the list, or the list's frame.
+// Shows at the right edge of a list which part of it is seen, and scrolls it; nothing while all of
+// it is. Its parent is that of the list.
 Item {
     id: scrollMark
 
@@ -27,7 +27,8 @@ Item {
         objectName: "scrollMarkHandle"
         x: 2
         y: scrollMark.contentWay > 0
-           ? scrollMark.freeWay * (scrollMark.view.contentY - scrollMark.view.originY) / scrollMark.contentWay
+           ? scrollMark.freeWay * (scrollMark.view.contentY - scrollMark.view.originY)
+             / scrollMark.contentWay
            : 0
         width: 5
         height: Math.max(20, scrollMark.height * scrollMark.shownPart)

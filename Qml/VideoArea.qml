@@ -118,8 +118,8 @@ Rectangle {
         objectName: "welcomeMessage"
         anchors.centerIn: parent
         coveredHeight: Math.max(0, videoArea.coveredHeight - y)
-        // In the middle of what the bars leave, higher where the list below would have no room. With
-        // too little for all of it, its logo is behind the bars, and its buttons can be seen.
+        // In the middle of what the bars leave, higher where the list below would have no room.
+        // With too little for all of it, its logo is behind the bars, and its buttons can be seen.
         anchors.verticalCenterOffset: {
             var covered = videoArea.coveredHeight;
             var free = (parent.height - covered - height) / 2;
