@@ -70,6 +70,16 @@ Rectangle {
             showMapping(player.irMappingMinValue, player.irMappingMaxValue);
     }
 
+    // A screen reader can move a slider that cannot be used: it goes back then.
+    function chooseMapping(end, value) {
+        if (player === null || following)
+            return;
+        if (automatic)
+            showMappingInUse();
+        else
+            player[end] = value;
+    }
+
     // Another camera, another range: values that the earlier one could not show can be shown now.
     onIrRangeMaxChanged: {
         if (!automatic)
@@ -242,10 +252,7 @@ Rectangle {
                     enabled: irSlidersEnabled
                     disabledReason: adjustmentsRect.rangeReason
                     name: "Lowest mapped value"
-                    onValueChanged: {
-                        if (player !== null && !automatic && !following)
-                            player.irMappingMinValue = value;
-                    }
+                    onValueChanged: adjustmentsRect.chooseMapping("irMappingMinValue", value)
                 }
 
                 Rectangle {
@@ -272,10 +279,7 @@ Rectangle {
                     enabled: irSlidersEnabled
                     disabledReason: adjustmentsRect.rangeReason
                     name: "Highest mapped value"
-                    onValueChanged: {
-                        if (player !== null && !automatic && !following)
-                            player.irMappingMaxValue = value;
-                    }
+                    onValueChanged: adjustmentsRect.chooseMapping("irMappingMaxValue", value)
                 }
             }
 

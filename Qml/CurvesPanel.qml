@@ -147,6 +147,7 @@ Rectangle {
                 Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Space
                 Accessible.role: Accessible.CheckBox
                 Accessible.name: name
+                Accessible.description: modelData.unit
                 Accessible.checkable: true
                 Accessible.checked: isShown
                 Accessible.onToggleAction: logCurves.toggle(name)

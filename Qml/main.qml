@@ -436,7 +436,7 @@ ReviewWindow {
             contentX: 0
             Accessible.role: Accessible.Slider
             Accessible.name: "Timeline"
-            Accessible.description: infoTab.positionText
+            Accessible.description: enabled ? infoTab.positionText : "open a video first"
             Accessible.onIncreaseAction: videoPlayer.step(1)
             Accessible.onDecreaseAction: videoPlayer.step(-1)
 

@@ -17,6 +17,9 @@ Controls.Slider {
     stepSize: 1
 
     Accessible.name: name
+    Accessible.description: enabled ? "" : disabledReason
+    // Else it is focusable for a screen reader.
+    activeFocusOnTab: enabled
     // Before the window's own shortcuts of these keys.
     Keys.onShortcutOverride: event.accepted = event.key === Qt.Key_Left || event.key === Qt.Key_Right
 

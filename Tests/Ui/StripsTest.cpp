@@ -1,5 +1,7 @@
 #include "ReviewSuite.h"
 
+#include <QAccessible>
+
 using namespace corv::test;
 
 /// The transport, the sidebar and the status line: what they say, and to whom the keys go.
@@ -10,6 +12,7 @@ class StripsTest : public ReviewSuite
 private slots:
     void toolTipsNameKeysAndUnits();
     void toolTipsSayWhyAToolCannotBeUsed();
+    void aReaderKnowsWhatCannotBeUsed();
     void aShortenedNameIsInItsToolTip();
     void onlyAnOpenFileIsNamed();
     void namesStayWhereTheyAreWhileTheTimeCounts();
@@ -33,6 +36,36 @@ private:
         return toolTip ? toolTip->property("text").toString() : QString();
     }
 };
+
+void StripsTest::aReaderKnowsWhatCannotBeUsed()
+{
+    const auto readerOf = [this](const char* name) {
+        return QAccessible::queryAccessibleInterface(m_ui->item(name));
+    };
+    QAccessibleInterface* const timeline = readerOf("timelineContent");
+    QCOMPARE(timeline->text(QAccessible::Description), QString("open a video first"));
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(timeline->text(QAccessible::Description).endsWith(", f 0"));
+    QVERIFY(m_ui->showAdjustments());
+    m_ui->evaluate("videoPlayer.showIR = true; videoPlayer.autoIRMapping = true");
+    for (const char* end : {"iRMinValueSlider", "iRMaxValueSlider"}) {
+        QTRY_VERIFY(!m_ui->item(end)->isEnabled());
+        QAccessibleInterface* const reader = readerOf(end);
+        QVERIFY(!reader->state().focusable);
+        QCOMPARE(reader->text(QAccessible::Description),
+                 QString("switch the automatic color mapping off first"));
+        const QVariant shown = m_ui->get(end, "value");
+        reader->valueInterface()->setCurrentValue(shown.toDouble() + 100);
+        QCOMPARE(m_ui->get(end, "value"), shown);
+        m_ui->evaluate("videoPlayer.autoIRMapping = false");
+        QTRY_VERIFY(reader->state().focusable);
+        QCOMPARE(reader->text(QAccessible::Description), QString());
+        const double other = m_ui->get(end, "value").toDouble() > 8000 ? 7000 : 9000;
+        reader->valueInterface()->setCurrentValue(other);
+        QCOMPARE(m_ui->get(end, "value").toDouble(), other);
+        m_ui->evaluate("videoPlayer.autoIRMapping = true");
+    }
+}
 
 void StripsTest::toolTipsSayWhyAToolCannotBeUsed()
 {
