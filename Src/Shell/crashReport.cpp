@@ -45,10 +45,12 @@ struct Signal
     int number;
     const char* name;
 };
-constexpr std::array<Signal, 5> signalsOfACrash = {{{SIGSEGV, "SIGSEGV"},
+// SIGTRAP is how GLib, which runs the event loop, ends a program.
+constexpr std::array<Signal, 6> signalsOfACrash = {{{SIGSEGV, "SIGSEGV"},
                                                     {SIGBUS, "SIGBUS"},
                                                     {SIGFPE, "SIGFPE"},
                                                     {SIGILL, "SIGILL"},
+                                                    {SIGTRAP, "SIGTRAP"},
                                                     {SIGABRT, "SIGABRT"}}};
 
 // All that the handler needs, made before: in a crash no memory can be had and no lock taken.

@@ -87,6 +87,8 @@ int crash(const QString& kind, const QString& logFile)
         std::abort();
     if (kind == QLatin1String("SIGFPE"))
         std::raise(SIGFPE);
+    if (kind == QLatin1String("SIGTRAP"))
+        std::raise(SIGTRAP);
     if (kind == QLatin1String("SIGSEGV"))
         test::writeWhereNothingIs(nullptr);
     if (kind == QLatin1String("stack")) {
@@ -183,6 +185,7 @@ void CrashReportTest::aCrashIsWrittenDown_data()
     QTest::newRow("wrong address") << QStringLiteral("SIGSEGV") << SIGSEGV << QByteArray("SIGSEGV");
     QTest::newRow("abort") << QStringLiteral("SIGABRT") << SIGABRT << QByteArray("SIGABRT");
     QTest::newRow("arithmetic") << QStringLiteral("SIGFPE") << SIGFPE << QByteArray("SIGFPE");
+    QTest::newRow("trap") << QStringLiteral("SIGTRAP") << SIGTRAP << QByteArray("SIGTRAP");
     QTest::newRow("no more stack") << QStringLiteral("stack") << SIGSEGV << QByteArray("SIGSEGV");
 }
 
