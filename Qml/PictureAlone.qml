@@ -52,8 +52,7 @@ Item {
             leave();
     }
 
-    // A hidden control must not have the keys: Space would press it, and the search for the control
-    // that Tab goes to would not end.
+    // To the video, as after Escape, and not only off the control that goes.
     onControlsShownChanged: {
         if (!controlsShown)
             keyboardPlace.forceActiveFocus();

@@ -1,9 +1,6 @@
-#include "App/closedWindows.h"
-#include "App/fileDialogs.h"
-#include "App/hiddenFocus.h"
+#include "App/interface.h"
 #include "App/logCategory.h"
 #include "App/look.h"
-#include "App/qmlTypes.h"
 #include "Platform/Platform.h"
 #include "Project/ReportFolder.h"
 #include "Shell/AppInfo.h"
@@ -11,12 +8,9 @@
 #include "Shell/SystemInfo.h"
 #include "Shell/applicationLogging.h"
 #include "Shell/applicationNames.h"
-#include "Shell/blockedKeys.h"
 #include "Shell/commandLine.h"
-#include "Shell/copiedDrops.h"
 #include "Shell/crashReport.h"
 #include "Shell/settingsFormat.h"
-#include "Shell/writableFields.h"
 #include "Threads/pool.h"
 #include "Threads/poolEnd.h"
 #include "Update/UpdateManager.h"
@@ -195,17 +189,7 @@ int main(int argc, char** argv)
 
     corv::runOnPool([] { corv::ReportFolder::sweep(); });
 
-    QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
-    corv::usePlainNumbers();
-    corv::useTextSizeOfWindows();
-    corv::registerQmlTypes();
-    corv::suitFileDialogs(application);
-    corv::freeClosedWindows(application);
-    corv::dressDialogs(application);
-    corv::dropKeysOfBlockedWindows(application);
-    corv::keepKeysOffHiddenItems(application);
-    corv::takeDropsAsCopies(application);
-    corv::letReadersWriteIntoFields();
+    corv::prepareInterface(application);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/logo.ico")));
 
     QQmlApplicationEngine engine;

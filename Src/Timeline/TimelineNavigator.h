@@ -25,12 +25,13 @@ public:
     /// Asks for the time `ms` after the playback cursor, within the video.
     Q_INVOKABLE void jump(int ms);
 
-    /// Selects the point of interest after the cursor, or before it, and goes there; nothing at the
-    /// last, or the first.
+    /// Goes to the point of interest after the cursor, or before it, as below; nothing at the last,
+    /// or the first.
     Q_INVOKABLE void selectNextPoi();
     Q_INVOKABLE void selectPreviousPoi();
 
-    /// Selects the point of interest at `time` and goes there.
+    /// Selects the point of interest at `time` and goes there. While one is being moved, that one
+    /// stays selected.
     Q_INVOKABLE void goToPoi(QTime time);
 
     /// One step; the cursor keeps its place in the view, if it is in view, and else the middle.

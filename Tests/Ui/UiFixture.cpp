@@ -1,13 +1,7 @@
 #include "UiFixture.h"
 
-#include "App/closedWindows.h"
-#include "App/fileDialogs.h"
-#include "App/hiddenFocus.h"
+#include "App/interface.h"
 #include "App/look.h"
-#include "App/qmlTypes.h"
-#include "Shell/blockedKeys.h"
-#include "Shell/copiedDrops.h"
-#include "Shell/writableFields.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -41,17 +35,7 @@ void UiFixture::prepare()
     QApplication::setOrganizationName(QStringLiteral("Corvenity"));
     QApplication::setOrganizationDomain(QStringLiteral("corvenity.example"));
     QApplication::setApplicationName(QStringLiteral("Vistrel"));
-    QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
-    usePlainNumbers();
-    useTextSizeOfWindows();
-    registerQmlTypes();
-    suitFileDialogs(*qGuiApp);
-    freeClosedWindows(*qGuiApp);
-    dressDialogs(*qApp);
-    dropKeysOfBlockedWindows(*qApp);
-    keepKeysOffHiddenItems(*qApp);
-    takeDropsAsCopies(*qApp);
-    letReadersWriteIntoFields();
+    prepareInterface(*qApp);
 }
 
 UiFixture::UiFixture()

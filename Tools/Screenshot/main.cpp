@@ -1,5 +1,5 @@
+#include "App/interface.h"
 #include "App/look.h"
-#include "App/qmlTypes.h"
 #include "ManualPictures.h"
 #include "Shell/applicationNames.h"
 #include "WindowUnderReview.h"
@@ -57,10 +57,7 @@ int main(int argc, char** argv)
     const bool forManual = arguments.value(1) == QLatin1String("--manual");
     if (arguments.size() < 3 || (forManual && arguments.size() != 5))
         return showUsage();
-    QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
-    corv::useTextSizeOfWindows();
-    corv::registerQmlTypes();
-    corv::dressDialogs(application);
+    corv::prepareInterface(application);
     try {
         if (forManual)
             corv::ManualPictures(arguments[2], arguments[3], arguments[4]).takeAll();
