@@ -41,6 +41,9 @@ Window {
         close();
     }
 
+    // What is described is in view.
+    readonly property bool isUsedWithPicture: true
+
     title: "Edit point of interest"
     width: 400
     height: 200

@@ -4,6 +4,7 @@ import Review 1.0
 import Timeline 1.0
 import VideoPlayer 1.0
 import "paths.js" as Paths
+import "placement.js" as Placement
 
 // Makes the windows that are opened on demand and reads them back when they close. None is ever
 // destroyed: the next opening makes a new one.
@@ -60,16 +61,13 @@ Item {
         return true;
     }
 
-    // In front of the window that it belongs to, also after a click there, and beside the picture
-    // rather than on it: to the right of that window, or at its right edge where the screen ends.
+    // In front of the window that it belongs to, also after a click there.
     function place(window) {
         window.flags |= Qt.Dialog;
-        if (window.modality !== Qt.NonModal)
-            return;
-        var rightEdge = verbs.x + verbs.width;
-        var screenEdge = verbs.screen.virtualX + verbs.screen.width;
-        window.x = Math.max(verbs.x, Math.min(rightEdge + 8, screenEdge - window.width - 8));
-        window.y = verbs.y + 40;
+        if (window.modality === Qt.NonModal || window.isUsedWithPicture === true)
+            Placement.besidePicture(window, verbs);
+        else
+            Placement.inMiddle(window, verbs);
     }
 
     function openPlain(file) {

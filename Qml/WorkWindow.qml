@@ -1,6 +1,7 @@
 import QtQuick 2.7
-import QtQuick.Window 2.2
+import QtQuick.Window 2.13
 import "."
+import "placement.js" as Placement
 
 // Covers the window while work goes on beside which nothing else may be done. Closing it asks for the
 // work's end.
@@ -24,9 +25,11 @@ Window {
     }
 
     function showOrHide() {
-        if (isAtWork)
+        if (isAtWork) {
+            if (!visible)
+                Placement.inMiddle(workWindow, transientParent);
             visible = true;
-        else if (isSettled)
+        } else if (isSettled)
             visible = false;
     }
 

@@ -13,6 +13,9 @@ class WindowsTest : public ReviewSuite
 private slots:
     void staysInFrontOfTheMainWindow_data();
     void staysInFrontOfTheMainWindow();
+    void comesUpOverTheMiddle_data();
+    void comesUpOverTheMiddle();
+    void thePictureIsInViewWhileAPointIsDescribed();
     void aClosedOneGivesBackWhatItWasDrawnWith();
     void theNewestMessageLiesOnTop();
     void aMessageShowsItsTextAsItIs();
@@ -80,6 +83,40 @@ void WindowsTest::staysInFrontOfTheMainWindow()
     m_ui->window()->resize(m_ui->window()->width(), lower);
     QTRY_COMPARE(m_ui->window()->height(), lower);
     QCOMPARE(QGuiApplication::topLevelAt(covered), window);
+}
+
+void WindowsTest::comesUpOverTheMiddle_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("aboutMenuItem") << "aboutWindow";
+    QTest::newRow("newFromDevicesMenuItem") << "autoImporter";
+    QTest::newRow("exportVideoMenuItem") << "videoExport";
+}
+
+void WindowsTest::comesUpOverTheMiddle()
+{
+    QFETCH(QString, name);
+    QVERIFY(m_ui->openVideo());
+    QQuickWindow* window = opened(QString::fromLatin1(QTest::currentDataTag()), name);
+    QVERIFY(window);
+    const auto distance = [&] {
+        return window->geometry().center() - m_ui->window()->geometry().center();
+    };
+    QTRY_VERIFY2(distance().manhattanLength() <= 40, qPrintable(name));
+    window->close();
+}
+
+void WindowsTest::thePictureIsInViewWhileAPointIsDescribed()
+{
+    QVERIFY(m_ui->openVideo());
+    QVERIFY(m_ui->selectPoiAt(2000));
+    m_ui->call("editSelectedPoi");
+    QTRY_VERIFY(UiFixture::visibleWindow("poiPropertiesWindow"));
+    QQuickWindow* window = UiFixture::visibleWindow("poiPropertiesWindow");
+    const QQuickItem* picture = m_ui->item("videoRect");
+    const QPoint middle = m_ui->window()->mapToGlobal(QPoint(qRound(picture->width() / 2), 200));
+    QTRY_VERIFY(window->x() > middle.x());
+    window->close();
 }
 
 void WindowsTest::aClosedOneGivesBackWhatItWasDrawnWith()
