@@ -7,6 +7,7 @@ CorvButtonBase {
     property alias text: label.text
 
     name: text
+    isPressedByReturn: true
     color: pressed ? Theme.buttonPressed : hovered ? Theme.buttonHovered : Theme.clear
     border.width: 1
     border.color: pressed ? Theme.buttonPressed : Theme.buttonLine

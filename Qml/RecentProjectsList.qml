@@ -60,6 +60,7 @@ Item {
 
                     name: modelData.exists ? text : text + ", not found"
                     tooltiptext: modelData.path
+                    isPressedByReturn: true
                     width: rows.width
                     height: recentProjectsList.rowHeight
                     enabled: modelData.exists

@@ -100,19 +100,6 @@ Rectangle {
 
     color: videoOpen ? Theme.videoGround : Theme.startGround
 
-    RecentProjectsList {
-        id: recentList
-        objectName: "recentProjectsList"
-        anchors { top: welcome.bottom; topMargin: 8; horizontalCenter: parent.horizontalCenter }
-        width: Math.min(420, parent.width - 16)
-        mostHeight: parent.height - welcome.y - welcome.height - 16
-        visible: welcome.visible && projects.length > 0
-                 && parent.height - videoArea.coveredHeight >= welcome.height + oneRowHeight + 24
-        projects: videoArea.recentProjects
-        pictures: videoArea.projectPictures
-        onChosen: videoArea.recentProjectChosen(path)
-    }
-
     WelcomeMessage {
         id: welcome
         objectName: "welcomeMessage"
@@ -134,6 +121,19 @@ Rectangle {
         onOpenProjectClicked: videoArea.openProjectClicked()
         onOpenSingleClicked: videoArea.openVideoClicked()
         onBrowseRemovableDevicesClicked: videoArea.browseRemovableDevicesClicked()
+    }
+
+    RecentProjectsList {
+        id: recentList
+        objectName: "recentProjectsList"
+        anchors { top: welcome.bottom; topMargin: 8; horizontalCenter: parent.horizontalCenter }
+        width: Math.min(420, parent.width - 16)
+        mostHeight: parent.height - welcome.y - welcome.height - 16
+        visible: welcome.visible && projects.length > 0
+                 && parent.height - videoArea.coveredHeight >= welcome.height + oneRowHeight + 24
+        projects: videoArea.recentProjects
+        pictures: videoArea.projectPictures
+        onChosen: videoArea.recentProjectChosen(path)
     }
 
     Item {

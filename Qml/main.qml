@@ -377,35 +377,6 @@ ReviewWindow {
         onOpenFolderClicked: mainWindow.openFolder(folder)
     }
 
-    StatusLine {
-        id: infoTab
-        z: 1
-        visible: pictureAlone.controlsShown
-        jobs: review.jobs
-        jobsShown: jobsPanel.visible
-        onJobsClicked: jobsPanel.open = !jobsPanel.open
-        objectName: "infoTab"
-        player: videoPlayer
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: mainWindow.hiddenHeight
-    }
-
-    CurvesPanel {
-        id: curvesPanel
-        z: 1
-        visible: open && pictureAlone.controlsShown
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.bottom: infoTab.top
-        logParser: LogParser
-        msPerPx: timelineContent.msPerPx
-        contentX: timelineContent.contentX
-        cursorPosition: videoPlayer.timePosition
-        onCurvesChanged: review.curves = curves
-    }
-
     TimelineStrip {
         id: timelineTab
         objectName: "timelineTab"
@@ -484,6 +455,35 @@ ReviewWindow {
         sidebarShown: panelSettings.sidebarShown
         onSidebarToggled: panelSettings.sidebarShown = shown
         anchors { left: parent.left; right: parent.right; bottom: timelineTab.top }
+    }
+
+    CurvesPanel {
+        id: curvesPanel
+        z: 1
+        visible: open && pictureAlone.controlsShown
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: infoTab.top
+        logParser: LogParser
+        msPerPx: timelineContent.msPerPx
+        contentX: timelineContent.contentX
+        cursorPosition: videoPlayer.timePosition
+        onCurvesChanged: review.curves = curves
+    }
+
+    StatusLine {
+        id: infoTab
+        z: 1
+        visible: pictureAlone.controlsShown
+        jobs: review.jobs
+        jobsShown: jobsPanel.visible
+        onJobsClicked: jobsPanel.open = !jobsPanel.open
+        objectName: "infoTab"
+        player: videoPlayer
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: mainWindow.hiddenHeight
     }
 
     Item {

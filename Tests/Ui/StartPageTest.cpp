@@ -18,6 +18,8 @@ private slots:
     void theNamesOnTheStartPageHaveRoomBetweenBothPanels();
     void recentProjectsAreOnTheStartPage();
     void aProjectGoneMeanwhileIsGreyedOnTheStartPage();
+    void itsChoicesComeInTheOrderInWhichTheyAreRead();
+    void returnPressesAChoice();
 };
 
 void StartPageTest::recentProjectsAreInTheMenuUnderTheirNames()
@@ -142,6 +144,44 @@ void StartPageTest::aProjectGoneMeanwhileIsGreyedOnTheStartPage()
     QTRY_VERIFY(m_ui->item("recentProjectButton0") &&
                 !m_ui->item("recentProjectButton0")->isEnabled());
     QVERIFY(m_ui->item("recentProjectButton1")->isEnabled());
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void StartPageTest::itsChoicesComeInTheOrderInWhichTheyAreRead()
+{
+    QVERIFY(m_ui->openVideo());
+    m_ui->call("doSaveProject", {media().newFolder() + "/first.ecor"});
+    QTRY_VERIFY(m_ui->activate());
+    // With a video open the tools of the strip come first.
+    key(Qt::Key_Tab);
+    QCOMPARE(m_ui->window()->activeFocusItem(), m_ui->item("beginButton"));
+    key(Qt::Key_Escape);
+    m_ui->call("goCloseProject");
+    QTRY_VERIFY(m_ui->item("recentProjectButton0"));
+    for (const char* choice : {"openProjectButton", "openVideoButton", "openRemovableDevicesButton",
+                               "recentProjectButton0"}) {
+        key(Qt::Key_Tab);
+        QCOMPARE(m_ui->window()->activeFocusItem(), m_ui->item(choice));
+    }
+    QCOMPARE(m_ui->scriptErrors(), QStringList());
+}
+
+void StartPageTest::returnPressesAChoice()
+{
+    QVERIFY(m_ui->openVideo());
+    const QString project = media().newFolder() + "/first.ecor";
+    m_ui->call("doSaveProject", {project});
+    m_ui->call("goCloseProject");
+    QTRY_VERIFY(m_ui->item("recentProjectButton0"));
+    QTRY_VERIFY(m_ui->activate());
+    m_ui->item("openRemovableDevicesButton")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Return);
+    QTRY_VERIFY(UiFixture::visibleWindow("autoImporter"));
+    UiFixture::visibleWindow("autoImporter")->close();
+    QTRY_VERIFY(m_ui->activate());
+    m_ui->item("recentProjectButton0")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Return);
+    QTRY_COMPARE(m_ui->get("currentProject", "filePath").toString(), project);
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
