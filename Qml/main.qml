@@ -358,25 +358,6 @@ ReviewWindow {
         onAbortClicked: mainWindow.activeExportOperationAbortByUser()
     }
 
-    JobsPanel {
-        id: jobsPanel
-        objectName: "jobsPanel"
-        // In the corner of the picture: it covers no tool, no flag and no value beside the picture.
-        z: 3
-        x: videoRect.x + videoRect.width - width
-        y: controlsTab.y - height
-        room: controlsTab.y
-        property bool open: false
-        visible: open && pictureAlone.controlsShown
-        escapeIsTaken: timelineContent.movePOIMode || poiPanel.filtering
-        jobs: review.jobs
-        onClosed: {
-            open = false;
-            mainWindow.refocusMainActions();
-        }
-        onOpenFolderClicked: mainWindow.openFolder(folder)
-    }
-
     TimelineStrip {
         id: timelineTab
         objectName: "timelineTab"
@@ -484,6 +465,25 @@ ReviewWindow {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         anchors.bottomMargin: mainWindow.hiddenHeight
+    }
+
+    JobsPanel {
+        id: jobsPanel
+        objectName: "jobsPanel"
+        // In the corner of the picture: it covers no tool, no flag and no value beside the picture.
+        z: 3
+        x: videoRect.x + videoRect.width - width
+        y: controlsTab.y - height
+        room: controlsTab.y
+        property bool open: false
+        visible: open && pictureAlone.controlsShown
+        escapeIsTaken: timelineContent.movePOIMode || poiPanel.filtering
+        jobs: review.jobs
+        onClosed: {
+            open = false;
+            mainWindow.refocusMainActions();
+        }
+        onOpenFolderClicked: mainWindow.openFolder(folder)
     }
 
     Item {
