@@ -25,9 +25,16 @@ MenuBar {
 
     readonly property bool videoOpen: player !== null && player.hasVideoOpened
 
-    // The name of a file as the text of an entry, where "&" marks a letter and "<" begins markup.
-    function entryOf(name) {
-        return name.replace(/[&<]/g, function(sign) { return sign === "&" ? "&&amp;" : "&&lt;"; });
+    // A pilot's text as that of an entry, where "&" marks a letter and "<" begins markup.
+    function entryOf(text) {
+        return text.replace(/[&<]/g, function(sign) { return sign === "&" ? "&&amp;" : "&&lt;"; });
+    }
+
+    // The text of an entry as it is read, without marked letters.
+    function plainText(entry) {
+        return entry.replace(/&(&amp;|&lt;)?/g, function(mark, sign) {
+            return sign === "&amp;" ? "&" : sign === "&lt;" ? "<" : "";
+        });
     }
 
     objectName: "mainMenuBar"
@@ -137,7 +144,7 @@ MenuBar {
         MenuItem {
             objectName: "undoMenuItem"
             text: menuBar.review !== null && menuBar.review.canUndo
-                  ? "&Undo " + menuBar.review.undoText : "&Undo"
+                  ? "&Undo " + menuBar.entryOf(menuBar.review.undoText) : "&Undo"
             shortcut: "Ctrl+Z"
             enabled: menuBar.review !== null && menuBar.review.canUndo
             onTriggered: menuBar.verbs.undo()
@@ -145,7 +152,7 @@ MenuBar {
         MenuItem {
             objectName: "redoMenuItem"
             text: menuBar.review !== null && menuBar.review.canRedo
-                  ? "&Redo " + menuBar.review.redoText : "&Redo"
+                  ? "&Redo " + menuBar.entryOf(menuBar.review.redoText) : "&Redo"
             shortcut: "Ctrl+Shift+Z"
             enabled: menuBar.review !== null && menuBar.review.canRedo
             onTriggered: menuBar.verbs.redo()

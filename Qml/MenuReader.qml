@@ -41,7 +41,7 @@ Item {
                ? menuReader.entriesOf(menuReader.menuBar.menus) : []
 
         Item {
-            readonly property string plainText: modelData.text.replace("&", "")
+            readonly property string plainText: menuReader.menuBar.plainText(modelData.text)
 
             width: 1
             height: 1

@@ -2,8 +2,6 @@
 
 #include <QFile>
 #include <QSettings>
-#include <QTextDocumentFragment>
-#include <functional>
 
 using namespace corv::test;
 
@@ -13,7 +11,6 @@ class StartPageTest : public ReviewSuite
     Q_OBJECT
 
 private slots:
-    void recentProjectsAreInTheMenuUnderTheirNames();
     void theButtonsOfTheStartPageAreBelowTheBars();
     void theNamesOnTheStartPageHaveRoomBetweenBothPanels();
     void recentProjectsAreOnTheStartPage();
@@ -21,56 +18,6 @@ private slots:
     void itsChoicesComeInTheOrderInWhichTheyAreRead();
     void returnPressesAChoice();
 };
-
-void StartPageTest::recentProjectsAreInTheMenuUnderTheirNames()
-{
-    const QString name = "R&D <b>site & <12>";
-    QSettings().setValue("recentProjects/paths", QStringList{"/nowhere/" + name + ".ecor"});
-    QVERIFY(m_ui->reload());
-    const auto newest = [this]() -> QQuickWindow* {
-        QQuickWindow* popup = nullptr;
-        for (QWindow* window : QGuiApplication::topLevelWindows()) {
-            auto* quick = qobject_cast<QQuickWindow*>(window);
-            if (quick && quick->isVisible() && quick != m_ui->window())
-                popup = quick;
-        }
-        return popup;
-    };
-    QTest::keyPress(m_ui->window(), Qt::Key_Alt, Qt::AltModifier);
-    QTest::keyPress(m_ui->window(), Qt::Key_F, Qt::AltModifier);
-    QTRY_VERIFY(newest());
-    QVERIFY(QTest::qWaitForWindowExposed(newest()));
-    QTest::keyPress(newest(), Qt::Key_R);
-    // As it is painted: the texts of menus are markup.
-    const std::function<QString(QQuickItem*)> markupIn = [&](QQuickItem* item) {
-        QString markup = item->property("text").toString();
-        if (item->inherits("QQuickText") && markup.contains("site"))
-            return markup;
-        for (QQuickItem* child : item->childItems()) {
-            markup = markupIn(child);
-            if (!markup.isEmpty())
-                return markup;
-        }
-        return QString();
-    };
-    const auto shownName = [&] {
-        QString markup;
-        for (QWindow* window : QGuiApplication::topLevelWindows()) {
-            auto* popup = qobject_cast<QQuickWindow*>(window);
-            if (popup && popup->isVisible() && popup != m_ui->window())
-                markup += markupIn(popup->contentItem());
-        }
-        return QTextDocumentFragment::fromHtml(markup).toPlainText();
-    };
-    QTRY_COMPARE(shownName(), name);
-    const auto areClosed = [&] {
-        if (QQuickWindow* const menu = newest())
-            QTest::keyPress(menu, Qt::Key_Escape);
-        return newest() == nullptr;
-    };
-    QTRY_VERIFY(areClosed());
-    QCOMPARE(m_ui->scriptErrors(), QStringList());
-}
 
 void StartPageTest::theButtonsOfTheStartPageAreBelowTheBars()
 {
