@@ -222,6 +222,7 @@ Rectangle {
             Accessible.selected: isChosen
             Accessible.focusable: true
             Accessible.onPressAction: list.choose(index, Qt.NoModifier)
+            Accessible.onToggleAction: list.choose(index, Qt.ControlModifier)
 
             // The ground alone is hard to tell from that of the others.
             Rectangle {

@@ -17,6 +17,8 @@ import pyatspi
 from accessibility import (Bus, Subject, act, check_names, expect, find, has_state, is_checked, press,
                            wait_for, wait_for_item)
 from readerReview import choose, frame_of, make_report, review
+from readerWork import (break_off, discard, export_frames, mark, put_off, read_curves, restore,
+                        save_settings, wait_until_kept, work_in_list)
 
 
 def check_transport(main):
@@ -157,6 +159,26 @@ def run_checks(program, flight, home):
         review(subject, main, flight, os.environ["HOME"])
 
 
+def check_work(program, flight, home):
+    new_home(home + "/third")
+    with Subject(program, flight + "/sample.ecor") as subject:
+        main = subject.wait_for_window("Vistrel")
+        work_in_list(main)
+        read_curves(main)
+        save_settings(subject, main)
+        export_frames(subject, main, home + "/pictures")
+        mark(main, 3)
+        wait_until_kept(3)
+        break_off(subject)
+    for answer in (put_off, lambda main: restore(main, 3), discard):
+        with Subject(program) as subject:
+            answer(subject.wait_for_window("Vistrel"))
+    with Subject(program) as subject:
+        main = subject.wait_for_window("Vistrel")
+        wait_for_item(main, "Scan removable devices")
+        expect(not find(main, "Discard"), "discarded work is offered again")
+
+
 def main():
     program, maker = sys.argv[1:]
     home = tempfile.mkdtemp()
@@ -165,6 +187,7 @@ def main():
                        stdout=subprocess.DEVNULL)
         with Bus():
             run_checks(program, home + "/flight", home)
+            check_work(program, home + "/flight", home)
     except AssertionError as error:
         print("FAIL: %s" % error)
         return 1
