@@ -48,12 +48,41 @@ Rectangle {
 
     // Shows a sentence in passing, in place of the files.
     function showNotice(text) {
+        noticeStays = false;
         noticeText.text = text;
         noticeTimer.restart();
     }
 
+    // The same, until the picture moves: what stopped it is read by one who looked away, too.
+    function showReasonOfStop(text) {
+        showNotice(text);
+        noticeStays = true;
+    }
+
+    property bool noticeStays: false
+
+    Connections {
+        target: statusLine.player
+
+        function onPlayingChanged() {
+            if (statusLine.player.playing)
+                statusLine.noticeStays = false;
+        }
+
+        // Frames that had been read before the stop are still played.
+        function onCurrentFrameIndexChanged() {
+            if (!statusLine.player.playing)
+                statusLine.noticeStays = false;
+        }
+
+        function onHasVideoOpenedChanged() {
+            statusLine.noticeStays = false;
+        }
+    }
+
     Timer {
         id: noticeTimer
+        objectName: "noticeTimer"
         interval: 6000
     }
 
@@ -65,7 +94,7 @@ Rectangle {
         anchors.leftMargin: 8
         anchors.rightMargin: 8
         anchors.verticalCenter: parent.verticalCenter
-        visible: noticeTimer.running && !LogParser.isParsing
+        visible: (noticeTimer.running || statusLine.noticeStays) && !LogParser.isParsing
         color: Theme.text
     }
 

@@ -525,7 +525,7 @@ ReviewWindow {
                 thermalAsOnScreen: thermalSettings.thermalAsOnScreen
                 onVideoExportProgress: mainWindow.videoExportProgress(exportedFrames, totalFrames)
                 onVideoExportComplete: mainWindow.videoExportComplete(result)
-                onReadFailed: infoTab.showNotice(sentence)
+                onReadFailed: infoTab.showReasonOfStop(sentence)
                 onHasVideoOpenedChanged: recentProjects.refresh()
             }
 

@@ -571,6 +571,9 @@ void KeptWorkTest::aVideoThatIsGonePlaysOnWhenItIsBack()
     QTRY_VERIFY(m_ui->item("noticeText")->isVisible());
     QVERIFY(notice().startsWith("clip.mp4 can no longer be read."));
     m_ui->screenshot("video gone");
+    // Longer than other notices.
+    QVERIFY(m_ui->find("noticeTimer")->setProperty("running", false));
+    QVERIFY(m_ui->item("noticeText")->isVisible());
     const int shown = player("currentFrameIndex").toInt();
     QVERIFY(shown > 0 && shown < frames / 2 + 10);
     m_ui->evaluate("infoTab.showNotice('')");
@@ -584,6 +587,8 @@ void KeptWorkTest::aVideoThatIsGonePlaysOnWhenItIsBack()
     QVERIFY(player("playing").toBool());
     QTRY_COMPARE(player("currentFrameIndex").toInt(), frames - 1);
     QTRY_VERIFY(!player("playing").toBool());
+    QVERIFY(m_ui->find("noticeTimer")->setProperty("running", false));
+    QVERIFY(!m_ui->item("noticeText")->isVisible());
     QCOMPARE(m_ui->scriptErrors(), QStringList());
 }
 
